@@ -1,0 +1,105 @@
+#include "dialog/messages.h"
+
+#include <cstdio>
+#include <string_view>
+
+#include "dialog/clearprompt.h"
+#include "main/child.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "messages/dialog_texts.h"
+#include "messages/identity.h"
+
+int ZUL_PREFER_GUI = 1;
+int ZUL_REMOTE_CLIENT_USER = 0;
+int ANSWER = YES;
+int JUST_CHECKING = 0;
+int JUST_CHECKING_ERROR_ONLY = 0;
+
+namespace {
+
+/// The answer that the default's first letter stands for.
+int preset_answer(const std::string& def) {
+    switch (def.empty() ? '\0' : def.front()) {
+        case 'y':
+            return YES;
+        case 'n':
+            return NO;
+        case 'a':
+            return ABORT;
+        default:
+            gripe_uncoded("ask");
+    }
+}
+
+bool has_one_button(const std::string& mask) {
+    return mask == "yes" || mask == "no" || mask == "abort";
+}
+
+/// The shell's status comes unshifted: exit status 1 is 256, and 255 is read as yes.
+int decoded_status(int status) {
+    switch (status) {
+        case 0:
+        case 255:
+            return YES;
+        case 1:
+        case 256:
+            return NO;
+        default:
+            return ABORT;
+    }
+}
+
+}  // namespace
+
+void gripe(const std::string& message) {
+    close_descriptor(&ENTERPRIZE_PERMISSION_FILE_FD);
+    if (JUST_CHECKING == 1 && JUST_CHECKING_ERROR_ONLY != 1) clean_exit(99);
+    if (ZUL_PREFER_GUI) {
+        run_in_shell(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                            quoted(message).c_str()));
+    } else {
+        print_stdout(filled("%s\n", message.c_str()));
+    }
+    clean_exit(99);
+}
+
+void gripe_uncoded(const std::string& place) {
+    TMSG = filled(UNEXPECTED_CASE, SELF, place.c_str());
+    gripe(TMSG);
+}
+
+void advise(const std::string& message) {
+    if (!ZUL_PREFER_GUI) return print_stdout(filled("%s\n", message.c_str()));
+    run_in_shell(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                        quoted(message).c_str(), ZUL_REMOTE_CLIENT_USER ? "" : " &"));
+}
+
+void advise_wait(const std::string& message) {
+    if (!ZUL_PREFER_GUI) return print_stdout(filled("%s\n", message.c_str()));
+    run_in_shell(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                        quoted(message).c_str(), ""));
+}
+
+int ask(const std::string& message, const char* def, const char* mask) {
+    const std::string buttons = mask != nullptr ? mask : default_mask;
+    const std::string chosen = def != nullptr ? def : default_default;
+    ANSWER = preset_answer(chosen);
+    if (!ZUL_PREFER_GUI && has_one_button(buttons)) {
+        print_stdout(filled(ACCEPTED_LINE, message.c_str(), chosen.c_str()));
+        return ANSWER;
+    }
+    ANSWER = decoded_status(
+        run_in_shell(filled(ASK_LINE, CLEARPROMPT, buttons.c_str(), chosen.c_str(),
+                            newline_option(message).c_str(), quoted(message).c_str())));
+    return ANSWER;
+}
+
+void print_stdout(const std::string& text) {
+    if (JUST_CHECKING == 1) return;
+    const std::string_view rest = c_text(text);
+    for (std::size_t i = 0; i < rest.size(); ++i) {
+        std::putchar(rest[i]);
+        if (rest.substr(i, 2) == "%%") ++i;
+    }
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+
+// Messages and questions: every word to the operator that needs no more than a button.
+
+/// 1: clearprompt dialogs; 0: standard output. Set by clean_start; read here.
+extern int ZUL_PREFER_GUI;
+/// 1 makes advise wait for its dialog. Set by clean_start; read here.
+extern int ZUL_REMOTE_CLIENT_USER;
+/// Code of the last dialog: see Answer. Set by ask, the prompts and the lists.
+extern int ANSWER;
+/// With JUST_CHECKING nothing is printed and gripe is silent unless JUST_CHECKING_ERROR_ONLY;
+/// nobody in this program sets them.
+extern int JUST_CHECKING;
+extern int JUST_CHECKING_ERROR_ONLY;
+
+/// What ask returns.
+enum Answer { YES = 0, NO = 1, ABORT = 2 };
+
+/// Shows an error in the background and ends the process with status 99.
+[[noreturn]] void gripe(const std::string& message);
+
+/// gripe for a case that cannot happen; `place` is the function's name.
+[[noreturn]] void gripe_uncoded(const std::string& place);
+
+/// Shows a message and goes on; waits for the dialog only when the operator is a remote client.
+void advise(const std::string& message);
+
+/// Shows a message and waits until it is dismissed.
+void advise_wait(const std::string& message);
+
+/// Asks a question and returns its Answer, also kept in ANSWER. `def` is "yes", "no" or "abort"
+/// (null: "yes"), `mask` the buttons, separated by commas (null: "yes,no,abort"). A dialog that
+/// cannot be started counts as ABORT. Without dialogs a question with a single button is printed
+/// and answered with its default; any other still goes to clearprompt, since it needs an answer.
+int ask(const std::string& message, const char* def, const char* mask);
+
+/// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
+/// stands as it is.
+void print_stdout(const std::string& text);

@@ -1,0 +1,5 @@
+#pragma once
+
+/// Appends 50000 invented records of the last 120 days to the last log file, reports its progress
+/// on standard output and ends the program with status 0.
+[[noreturn]] void data_gen();

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+// The one orderly way out of the process, and what it has to close on the way.
+
+/// The shared message buffer: every dialog text and title is composed here. Emptied by
+/// clean_start; set by whoever shows a message next, and by the validators for their callers.
+extern std::string TMSG;
+/// The answer of the last prompt or list. Set by the prompts and lists; callers copy it before
+/// the next dialog.
+extern std::string GATEWARDEN_RESULT_STRING;
+
+/// The log file being read: set by the query reader, the pruner and the demo data generator.
+extern FILE* LOGGING_STREAM;
+/// The log file or scratch file being written: set by the pruner.
+extern FILE* LOGGING_FILE_PRUNE_STREAM;
+/// Descriptor of the gatebits file while the command line probes it; -1 when it did not open.
+extern int ENTERPRIZE_PERMISSION_FILE_FD;
+
+/// A just-checking mode that this program never enters; the exit path keeps its place.
+extern FILE* JUST_CHECKING_STREAM;
+extern std::string just_checking_file;
+extern int LOGGING_FILE_FD;
+extern int TEMP_FILE_FD;
+
+/// Closes `*descriptor` when it is neither 0 nor -1 and makes it -1.
+void close_descriptor(int* descriptor);
+
+/// Removes a file; tries once more in another way when permission is lacking. Failures are
+/// ignored.
+void unlink_remove(const std::string& path);
+
+/// Closes what is open, removes the temporary files that are left, flushes standard output and
+/// ends the process with `status`.
+[[noreturn]] void clean_exit(int status);

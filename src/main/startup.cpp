@@ -1,0 +1,157 @@
+#include "main/startup.h"
+
+#include <pwd.h>
+#include <strings.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "dialog/messages.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "main/text.h"
+#include "messages/identity.h"
+#include "messages/startup_texts.h"
+
+std::string _CALCULATED_USER;
+int ZUL_SNAPSHOT_USER = 0;
+int REAL_ZUL_WEB_USER = 0;
+int REAL_ZUL_REMOTE_CLIENT_USER = 0;
+int GLOBAL_PID = 0;
+std::string GLOBAL_PID_STRING;
+std::string TEMP_DIR;
+std::string G_TEMP_FILE;
+std::string G_CACHE_FILE;
+std::string t_file_name;
+
+namespace {
+
+/// Variables that may name the operator, each with "_USER" behind it, in the order of their rank.
+constexpr std::array<const char*, 5> LOOK_UNDER = {"CLEARCASE", "AUTH", "LOGON", "REMOTE",
+                                                   "UNMAPPED_REMOTE"};
+
+/// Where the directory for temporary files may come from: the variable's name is read in lower
+/// case, but the messages spell it in upper case.
+struct TempDirSource {
+    const char* variable;
+    const char* spelled;
+};
+constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{"tmp", "TMP"}, {"temp", "TEMP"}}};
+
+const std::string* user_is(std::string name) {
+    _CALCULATED_USER = STRING_LOWER(name);
+    return &_CALCULATED_USER;
+}
+
+/// The text behind "user=" in the cookie, up to ";"; empty when there is none. The plain search
+/// also finds a cookie whose name merely ends so.
+std::string user_in_cookie() {
+    const char* cookie = std::getenv("HTTP_COOKIE");
+    const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
+    if (found == nullptr) return "";
+    const char* value = found + std::strlen("user=");
+    return {value, std::strcspn(value, ";")};
+}
+
+/// What stands behind a domain ("DOMAIN\op") or a path ("a/b/op").
+std::string without_domain(const std::string& name) {
+    auto cut = name.rfind('\\');
+    if (cut == std::string::npos) cut = name.rfind('/');
+    return cut == std::string::npos ? name : name.substr(cut + 1);
+}
+
+/// Variable names that do not show up in the program file as text.
+template <typename... Letters>
+const char* hidden_variable(Letters... letters) {
+    const std::string hidden_e_var_name = {static_cast<char>(letters)...};
+    return std::getenv(hidden_e_var_name.c_str());
+}
+
+void operator_is_remote() {
+    REAL_ZUL_WEB_USER = 1;
+    ZUL_REMOTE_CLIENT_USER = 1;
+    REAL_ZUL_REMOTE_CLIENT_USER = 1;
+}
+
+void look_at_the_client() {
+    const char* view_kind = hidden_variable('C', 'L', 'E', 'A', 'R', 'C', 'A', 'S', 'E', '_', 'V',
+                                            'I', 'E', 'W', '_', 'K', 'I', 'N', 'D');
+    const std::string kind = view_kind != nullptr ? view_kind : "";
+    ZUL_SNAPSHOT_USER = kind.find("snapshot") != std::string::npos;
+    if (kind.find("web") != std::string::npos) REAL_ZUL_WEB_USER = 1;
+    if (hidden_variable('Z', 'U', 'L', '_', 'U', 'S', 'I', 'N', 'G', '_', 'C', 'C', 'R', 'C')) {
+        operator_is_remote();
+    }
+    if (hidden_variable('A', 'T', 'R', 'I', 'A', '_', 'W', 'E', 'B', '_', 'C', 'L', 'E', 'A', 'R',
+                        'P', 'R', 'O', 'M', 'P', 'T')) {
+        operator_is_remote();
+    }
+}
+
+std::string temporary_path(const char* tag, const char* part2, const char* part3) {
+    const auto text = [](const char* part) { return part != nullptr ? part : ""; };
+    return filled("%s%c%s_%s_%s.txt", TEMP_DIR.c_str(), DIR_DELIMETER, text(tag), text(part2),
+                  text(part3));
+}
+
+bool temp_dir_is_writable() {
+    const std::string probe = make_tfile("junk_test", SELF, GLOBAL_PID_STRING.c_str());
+    FILE* stream = std::fopen(probe.c_str(), "w");
+    if (stream == nullptr) return false;
+    std::fclose(stream);
+    unlink_remove(probe);
+    return true;
+}
+
+}  // namespace
+
+void clean_start() {
+    const std::string* user = calculated_user();
+    if (user == nullptr) gripe(NO_USER);
+    _CALCULATED_USER = without_domain(*user);
+    const char* no_gui = std::getenv("ZUL_PREFER_NO_GUI");
+    ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
+    TMSG.clear();
+    look_at_the_client();
+    GATEWARDEN_RESULT_STRING.clear();
+}
+
+const std::string* calculated_user() {
+    for (const char* prefix : LOOK_UNDER) {
+        const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
+        if (name != nullptr) return user_is(name);
+    }
+    const std::string cookie_user = user_in_cookie();
+    if (!cookie_user.empty()) return user_is(cookie_user);
+    const passwd* entry = getpwuid(geteuid());
+    return entry != nullptr ? user_is(entry->pw_name) : nullptr;
+}
+
+void verify_set_tempdir() {
+    GLOBAL_PID = getpid();
+    GLOBAL_PID_STRING = filled("%d", GLOBAL_PID);
+    for (const auto& [variable, spelled] : TEMP_DIR_SOURCES) {
+        const char* directory = std::getenv(variable);
+        if (directory == nullptr) continue;
+        TEMP_DIR = directory;
+        if (temp_dir_is_writable()) return;
+        gripe(filled(ERROR_USIING_TEMP_DIR, SELF, spelled, directory));
+    }
+    TEMP_DIR = "/tmp";
+    if (!temp_dir_is_writable()) gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP));
+}
+
+const std::string& make_tfile(const char* tag, const char* part2, const char* part3) {
+    return G_TEMP_FILE = temporary_path(tag, part2, part3);
+}
+
+const std::string& make_cache_file(const char* part1, const char* part2) {
+    return G_CACHE_FILE = temporary_path("cache", part1, part2);
+}
+
+unsigned zul_sleep(unsigned seconds) {
+    return sleep(seconds);
+}

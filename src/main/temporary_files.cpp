@@ -1,0 +1,66 @@
+#include "main/temporary_files.h"
+
+#include <signal.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <cstring>
+
+namespace {
+
+// A signal handler may only look at lock-free atomics, so the list is an array of pointers to
+// paths; a slot that is null is free. The program never has more than a handful at a time.
+std::array<std::atomic<char*>, 16> slots;
+static_assert(std::atomic<char*>::is_always_lock_free);
+
+extern "C" void end_by_signal(int number) {
+    for (auto& slot : slots) {
+        if (const char* path = slot.load()) unlink(path);
+    }
+    signal(number, SIG_DFL);
+    raise(number);
+}
+
+}  // namespace
+
+void remember_temporary_file(const std::string& path) {
+    char* copy = strdup(path.c_str());
+    for (auto& slot : slots) {
+        char* free_slot = nullptr;
+        if (slot.compare_exchange_strong(free_slot, copy)) return;
+    }
+    std::free(copy);
+}
+
+void forget_temporary_file(const std::string& path) {
+    for (auto& slot : slots) {
+        char* kept = slot.load();
+        if (kept != nullptr && path == kept) {
+            slot.store(nullptr);
+            std::free(kept);
+            return;
+        }
+    }
+}
+
+void remove_temporary_files() {
+    for (auto& slot : slots) {
+        if (char* path = slot.exchange(nullptr)) {
+            unlink(path);
+            std::free(path);
+        }
+    }
+}
+
+void remove_temporary_files_on_signals() {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        struct sigaction action = {};
+        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
+        action.sa_handler = end_by_signal;
+        sigemptyset(&action.sa_mask);
+        action.sa_flags = 0;
+        sigaction(number, &action, nullptr);
+    }
+}

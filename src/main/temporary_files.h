@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+// Every temporary file of the process is on this list from its creation to its removal, so that
+// no way out of the process, a signal included, leaves one behind.
+
+/// Puts `path` on the list. A path may be on it once only.
+void remember_temporary_file(const std::string& path);
+
+/// Takes `path` off the list; the file itself is left alone.
+void forget_temporary_file(const std::string& path);
+
+/// Removes every file on the list and empties it.
+void remove_temporary_files();
+
+/// From now on SIGINT, SIGTERM and SIGHUP remove the files on the list before they end the
+/// process as they would have without this. A signal that was ignored at start stays ignored.
+void remove_temporary_files_on_signals();

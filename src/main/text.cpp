@@ -1,0 +1,122 @@
+#include "main/text.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+
+#include "main/filled.h"
+
+namespace {
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+char upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
+
+}  // namespace
+
+std::string& STRING_LOWER(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(), lower);
+    return text;
+}
+
+std::string& STRING_UPPER(std::string& text) {
+    std::transform(text.begin(), text.end(), text.begin(), upper);
+    return text;
+}
+
+const char* zul_strstri(const char* haystack, const char* needle) {
+    if (const char* exact = std::strstr(haystack, needle)) return exact;
+    std::string lower_haystack = haystack;
+    std::string lower_needle = needle;
+    const std::size_t place = STRING_LOWER(lower_haystack).find(STRING_LOWER(lower_needle));
+    return place == std::string::npos ? nullptr : haystack + place;
+}
+
+std::string* escaped_quoted_string(std::string& text) {
+    if (text.find('"') == std::string::npos) return nullptr;
+    for (std::size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 2)) {
+        text.insert(at, 1, '\\');
+    }
+    return &text;
+}
+
+void double_amp_string(std::string& text) {
+    for (std::size_t at = text.find('&'); at != std::string::npos; at = text.find('&', at + 2)) {
+        text.insert(at, 1, '&');
+    }
+}
+
+std::string* in_string__insert_this_char_after_nth_instance_of_that_char(std::string& text,
+                                                                         char inserted, int n,
+                                                                         char sought) {
+    std::size_t at = text.find(sought);
+    if (at == std::string::npos) return nullptr;
+    for (int seen = 1; at != std::string::npos && seen < n; ++seen) at = text.find(sought, at + 1);
+    if (at != std::string::npos && n >= 1) text.insert(at + 1, 1, inserted);
+    return &text;
+}
+
+bool includes_all_cases(const std::string& text) {
+    constexpr std::array<const char*, 7> forms = {"(*)", "<*>", "[*]", "{*}", "%*%", "'*'", "@*@"};
+    return std::any_of(forms.begin(), forms.end(), [&](const char* form) {
+        return c_text(text).find(form) != std::string_view::npos;
+    });
+}
+
+bool healthy(const char* text, const char* allowed) {
+    return text != nullptr && text[std::strspn(text, allowed)] == '\0';
+}
+
+bool unhealthy(const char* text, const char* forbidden) {
+    return text != nullptr && std::strpbrk(text, forbidden) != nullptr;
+}
+
+const char* STRTOK(const char* text, const char* delimiters) {
+    static std::string STRTOK_BUFFER;
+    static std::size_t STRTOK_PTR = 0;
+    if (text != nullptr) {
+        STRTOK_BUFFER = text;
+        STRTOK_PTR = 0;
+    }
+    const std::size_t end = STRTOK_BUFFER.find_first_of(delimiters, STRTOK_PTR);
+    if (end == std::string::npos) {
+        STRTOK_PTR = STRTOK_BUFFER.size();
+        return nullptr;
+    }
+    STRTOK_BUFFER[end] = '\0';
+    const char* piece = STRTOK_BUFFER.c_str() + STRTOK_PTR;
+    STRTOK_PTR = end + 1;
+    return piece;
+}
+
+std::vector<std::string> terminated_fields(const std::string& line) {
+    std::vector<std::string> fields;
+    for (const char* field = STRTOK(line.c_str(), ";"); field != nullptr;
+         field = STRTOK(nullptr, ";")) {
+        fields.emplace_back(field);
+    }
+    return fields;
+}
+
+std::string words_joined(std::string_view text) {
+    std::string joined;
+    bool first = true;
+    for (std::size_t at = text.find_first_not_of(WHITE_SPACE); at != std::string_view::npos;) {
+        const std::size_t end = std::min(text.find_first_of(WHITE_SPACE, at), text.size());
+        if (!first) joined += ' ';
+        joined += c_text(text.substr(at, end - at));
+        first = false;
+        at = text.find_first_not_of(WHITE_SPACE, end);
+    }
+    return joined;
+}
+
+long leading_number(const char* text) {
+    return std::strtol(text, nullptr, 10);
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <string_view>
+
+/// The triggerable ClearCase commands. A command's number in the log records is its place in
+/// this table, counted from 1, so the order must never change.
+inline constexpr std::array<std::string_view, 54> TRIGGERABLE_COMMANDS = {
+    "chbl",          "checkin",
+    "checkout",      "chevent",
+    "chfolder",      "chmaster",
+    "chproject",     "chtype",
+    "lock",          "lnname",
+    "mkattr",        "mkbranch",
+    "mkcomp",        "mkelem",
+    "mkfolder",      "mkhlink",
+    "mklabel",       "mkproject",
+    "mkslink",       "mktype",
+    "mktrigger",     "modtype",
+    "protect",       "reserve",
+    "rmattr",        "rmbl",
+    "rmbranch",      "rmcomp",
+    "rmelem",        "rmfolder",
+    "rmhlink",       "rmlabel",
+    "rmname",        "rmproject",
+    "rmtrigger",     "rmtype",
+    "rmver",         "rntype",
+    "uncheckout",    "unlock",
+    "unreserve",     "rebase_start",
+    "rebase_cancel", "rebase_complete",
+    "mkactivity",    "setactivity",
+    "chactivity",    "rmactivity",
+    "mkstream",      "chstream",
+    "rmstream",      "mkbl",
+    "mkbl_complete", "setactivity_none"};

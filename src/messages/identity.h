@@ -1,0 +1,20 @@
+#pragma once
+
+// Who this program is, and the limits that its arguments are held against.
+
+inline constexpr char SELF[] = "gatescope";
+inline constexpr char VERSION[] = "13.1.1";
+inline constexpr char BUILD[] = "20200630.09:37a";
+
+/// The policy engine's product words; the first field of a gatebits file begins with one of them.
+inline constexpr char GATEWARDEN_LIT[] = "gatewarden";
+inline constexpr char GATEWARDEN_LITE_LIT[] = "gatewarden_lite";
+
+inline constexpr int NUMBER_OF_QUERIES = 6;
+inline constexpr int NUMBER_OF_ACTIONS = 29;
+inline constexpr int HIGHEST_BIT = 23;
+
+inline constexpr char THIS_OS[] = "UNIX";
+inline constexpr char OTHER_OS[] = "Windows";
+inline constexpr char WINDOWS_OS[] = "Windows";
+inline constexpr char UNIX_OS[] = "UNIX";

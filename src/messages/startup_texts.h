@@ -1,0 +1,22 @@
+#pragma once
+
+// Texts of process start-up and of the file utilities.
+
+inline constexpr char NO_USER[] = "ERROR:  Unable to determine user.";
+inline constexpr char NO_MEMORY[] = "ERROR:  Unable to malloc needed memory.";
+
+/// Program, "TMP" or "TEMP", directory.
+inline constexpr char ERROR_USIING_TEMP_DIR[] =
+    "ERROR: %s using %s directory (%s) but it is not required writable... exiting";
+/// Program, PLEASE_SET_TMP_OR_TEMP.
+inline constexpr char ERROR_USING_SLASH_TMP[] =
+    "ERROR: %s using /tmp directory but it is not required writable...%s";
+inline constexpr char PLEASE_SET_TMP_OR_TEMP[] =
+    "Please set TMP or TEMP variable to a writable directory exiting";
+
+/// Path, system error number.
+inline constexpr char COULD_NOT_TOUCH[] = "#1 Could not touch (%s) with %d";
+inline constexpr char COULD_NOT_APPEND[] = "#1 Could not append (%s) with %d";
+/// Source, destination, system error number. They say "move" for a copy too.
+inline constexpr char COULD_NOT_MOVE_1[] = "#1 Could not move (%s) to (%s) with %d";
+inline constexpr char COULD_NOT_MOVE_2[] = "#2 Could not move (%s) to (%s) with %d";

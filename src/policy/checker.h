@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+// The policy engine's own checker, run on the gatebits file in use.
+
+/// Where to look for the checker when the gatebits file names none that exists. Set at start-up.
+extern std::string EMERGENCY_CHECKER;
+/// 1 when the last run found errors, else 0.
+extern int CURRENT_GATEBITS_FILE_HAS_ERRORS;
+/// The shell's status of the last counting run, undivided; 0: no errors.
+extern int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
+/// Cleared by every run.
+extern int PENDING_GATEBITS_CHANGE_TO_VERIFY;
+
+/// What a checker run is asked for.
+inline constexpr char CHECK_ERRORS = 'E';
+inline constexpr char CHECK_STATUS = 'S';
+inline constexpr char CHECK_COUNT = 'C';
+
+/// Derives EMERGENCY_CHECKER from the path that this program was started with: everything before
+/// the last 'g' in it, wherever that stands, and the checker's name.
+void set_emergency_checker(const std::string& program_path);
+
+/// The gatebits file's checker, or the emergency one where that is empty or missing; the choice
+/// is stored in GS_VAR, in memory only. False when neither exists.
+bool find_checker();
+
+/// Runs the checker in one of the three modes. 1 when it was run; 0, after telling the operator,
+/// when it could not be found. Any other mode gripes.
+int perform_cbfile_only_check(char mode);

@@ -1,0 +1,15 @@
+#include "policy/edition.h"
+
+#include <string>
+
+#include "messages/identity.h"
+#include "policy/gatebits_file.h"
+
+int GATEWARDEN_IS = 1;
+
+void read_edition() {
+    std::string header;
+    const bool lite =
+        get_a_line(HEADER_LINE, &header) == 1 && header.starts_with(GATEWARDEN_LITE_LIT);
+    GATEWARDEN_IS = lite ? 0 : 1;
+}

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The gatebits file as lines and fields. Nothing is cached: every call reads the file anew, and
+// every change replaces it whole.
+
+/// Path of the gatebits file in use. Set by the command line and by the actions that switch,
+/// create and copy gatebits files; read by everybody who touches the file.
+extern std::string ENTERPRIZE_PERMISSION_FILE;
+
+/// The policy engine reads no more than this many bytes, so no reader or writer here does.
+inline constexpr std::size_t GATEBITS_FILE_LIMIT = 30000;
+
+/// Passed to set_a_line instead of a text, it deletes the line.
+inline constexpr char DELETION_TOKEN[] = "<[;;;;;deletme;;;;;]>";
+
+/// Significant lines of the region block; the lines behind it are command keys.
+enum RegionLine {
+    HEADER_LINE = 1,
+    DEPOT_LINE = 2,
+    PARENT_LINE = 3,
+    NOTIFY_LINE = 4,
+    RESTRICTED_LINE = 5,
+    SPECIAL_LINE = 6,
+    MOTD_LINE = 7,
+    BITS_LINE = 8,
+    FIRST_KEY_LINE = 9
+};
+
+/// The lines of the gatebits file, without their newlines and without empty lines. Gripes when
+/// the file cannot be read, holds more than GATEBITS_FILE_LIMIT bytes or holds no line.
+std::vector<std::string> read_gatebits_lines();
+
+/// Replaces the gatebits file by `lines`, each followed by a newline; empty ones are left out.
+/// The one way in which this program changes a gatebits file. Gripes, with the file as it was,
+/// when the new text is not fit to be read back or cannot be written.
+void write_gatebits_lines(const std::vector<std::string>& lines);
+
+/// A line without its leading blanks and tabs.
+std::string_view without_leading_blanks(std::string_view line);
+
+/// Whether a line counts: it holds a character that is not blank, and that is not '#'.
+bool is_significant(std::string_view line);
+
+/// Counts significant lines in eight signed bits: behind the 127th the numbers turn negative and
+/// start over, so higher ones address nothing. Long files depend on it.
+class LineCounter {
+  public:
+    /// Counts `line` when it is significant; the result says whether it is and has number n.
+    bool reaches(int n, std::string_view line);
+
+  private:
+    std::int8_t counter_ = 0;
+};
+
+/// Copies significant line n (from 1) to `*line`, leading blanks included, and returns 1; returns
+/// 0 and leaves `*line` alone when there is none.
+int get_a_line(int n, std::string* line);
+
+/// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN), or
+/// appends `text` as the last line (n = 0). The file is rewritten even when there is no line n.
+/// Always 0.
+int set_a_line(int n, const std::string& text);
+
+/// Copies field f (from 1) of significant line n to `*value` and returns 1; returns 0 and leaves
+/// `*value` alone when the line or the field does not exist. Only text that a ';' ends is a field.
+int get_a_field(int n, int f, std::string* value);
+
+/// The field's value, or an empty text when the line or the field does not exist.
+std::string field_or_empty(int n, int f);
+
+/// Rebuilds line n with `value` as field f, every field ended by ';'. Text behind the last ';'
+/// goes. A field one past the last is accepted, but its value is not written. Always 0.
+int set_a_field(int n, int f, const std::string& value);

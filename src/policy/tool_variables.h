@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "messages/policy_texts.h"
+
+// gatescope's own eight settings, kept as comment lines in the gatebits file.
+
+/// Places in GS_VAR and GS_VAR_NAME.
+enum ToolVariable {
+    UNIX_CHECKER = 0,
+    WINDOWS_CHECKER = 1,
+    UNIX_BROWSER = 2,
+    WINDOWS_BROWSER = 3,
+    UNIX_LOGGING_DIR = 4,
+    WINDOWS_LOGGING_DIR = 5,
+    UNIX_RESULTS_DIR = 6,
+    WINDOWS_RESULTS_DIR = 7
+};
+
+/// The values. Set by interrogate_the_enterprise, build_var_list, change_a_var and, for the
+/// checker's fallback, the checker run; read by whoever needs a setting.
+extern std::array<std::string, GS_VAR_NAME.size()> GS_VAR;
+
+/// Which of the eight settings `line` sets, if any.
+std::optional<std::size_t> tool_variable_of(std::string_view line);
+
+/// Puts the value of `line`, everything behind its first '=', into GS_VAR when the line sets one
+/// of the eight.
+void take_tool_variable(std::string_view line);
+
+/// Empties GS_VAR and fills it from the gatebits file, so that a setting without a line is empty.
+void build_var_list();
+
+/// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
+/// of the table. GS_VAR must have been loaded. Always 0.
+int change_a_var(int index, const std::string& value);
