@@ -1,0 +1,51 @@
+#pragma once
+
+// The configuration actions, named after their menu entries.
+
+/// Prunes the logs.
+void A_1();
+/// Shows the view/change submenu and runs what is picked there.
+void A_2();
+/// The region's fields; each views and changes one of them. The depots return what
+/// view_change_depot returns.
+int A_4();
+int A_5();
+void A_6();
+void A_7();
+void A_8();
+void A_9();
+void A_10();
+void A_11();
+void A_12();
+void A_13();
+void A_14();
+void A_15();
+void A_16();
+/// Aliases: add, delete a definition, delete references, update.
+void A_17();
+void A_18();
+void A_19();
+void A_20();
+/// Command keys: view, change or delete; add.
+void A_21();
+void A_22();
+/// Runs the checker over the gatebits file and lets it report.
+void A_23();
+/// The tool's own settings.
+void A_24();
+/// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.
+int A_25();
+int A_26();
+int A_27();
+/// Guided walks through the important, and through all, fields.
+void A_28();
+void A_29();
+
+/// Runs action n (one that can damage the gatebits file) between two checks of the file, and
+/// again while the file got no better. 1 when the file is no worse than before, 0 when the check
+/// could not be run or the path entered does not hold. Gripes for any other number.
+int A_X(int n);
+
+/// 1, after telling the operator that the action of this title is not available, when the
+/// installer started the program; else 0.
+int A_during_install(const char* title);
