@@ -59,7 +59,6 @@ inline constexpr char GATEBITS_TOO_LARGE[] =
     "ERROR: The enterprise permissions file (%s) is larger than the limit of %zu bytes.";
 /// Path.
 inline constexpr char GATEBITS_EMPTY[] = "ERROR: The enterprise permissions file (%s) is empty.";
-inline constexpr char CANNOT_CREATE_TEMP_FILE[] = "Could not create needed temp file";
 /// Path, size in bytes, limit in bytes, path.
 inline constexpr char GATEBITS_WOULD_BE_TOO_LARGE[] =
     "ERROR: The change would make the enterprise permissions file (%s) %zu bytes long, but at "
@@ -92,11 +91,6 @@ inline constexpr char INVALID_LOGGING_LETTER[] =
 inline constexpr char LOGGING_LETTERS_NAMED_FOR_LENGTH[] = "NESA";
 inline constexpr char LOGGING_LETTERS_NAMED_FOR_LETTER[] = "OESA";
 inline constexpr char LOGGING_LETTERS_ACCEPTED[] = "AEOS";
-/// OS, path, line.
-inline constexpr char INCOMPLETE_DEPOT[] =
-    "ERROR: Incomplete %s OS Depot Directory defined in %s file key = %s.";
-inline constexpr char INCOMPLETE_PARENT[] =
-    "ERROR: Incomplete %s OS Parent Gatebits file key defined in %s file key = %s.";
 
 /// Title prompts of the file chooser, by use.
 inline constexpr char PROMPT_03[] = "Navigate to and name the new gatebits destination...";

@@ -20,3 +20,14 @@ inline constexpr char COULD_NOT_APPEND[] = "#1 Could not append (%s) with %d";
 /// Source, destination, system error number. They say "move" for a copy too.
 inline constexpr char COULD_NOT_MOVE_1[] = "#1 Could not move (%s) to (%s) with %d";
 inline constexpr char COULD_NOT_MOVE_2[] = "#2 Could not move (%s) to (%s) with %d";
+
+inline constexpr char CANNOT_CREATE_TEMP_FILE[] = "Could not create needed temp file";
+
+/// File, reason, in what state things were left.
+inline constexpr char COULD_NOT_REPLACE[] = "ERROR: Could not write the file (%s): %s.  %s";
+/// What COULD_NOT_REPLACE says of the state: file; file, copy; file.
+inline constexpr char FILE_IS_UNCHANGED[] = "(%s) is unchanged.";
+inline constexpr char FILE_IS_DAMAGED[] = "(%s) may be damaged.  Its complete new text is in (%s).";
+inline constexpr char FILE_IS_NEW[] =
+    "(%s) holds its complete new text, but may not have reached the disk yet.";
+inline constexpr char NOT_A_REGULAR_FILE[] = "it is not a regular file";

@@ -1,0 +1,160 @@
+#include "dialog/prompts.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+
+#include "dialog/clearprompt.h"
+#include "dialog/messages.h"
+#include "main/answer_file.h"
+#include "main/child.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "main/replace_file.h"
+#include "main/startup.h"
+#include "main/temporary_files.h"
+#include "main/text.h"
+#include "messages/dialog_texts.h"
+#include "messages/startup_texts.h"
+
+namespace {
+
+/// Largest answer of a multiple choice, in bytes.
+constexpr std::size_t LARGEST_SELECTION = 10001;
+
+std::string prompt_result_path() {
+    return make_tfile("gatewarden_prompt_result", GLOBAL_PID_STRING.c_str(), nullptr);
+}
+
+/// Runs a dialog that answers in words; its code.
+int answer_in_words(const std::string& command, const AnswerFile& answer) {
+    ANSWER = run_in_shell(command) == 0 ? ANSWERED : CANCELLED;
+    if (ANSWER == ANSWERED) {
+        GATEWARDEN_RESULT_STRING = words_joined(answer.content().value_or(""));
+    }
+    return ANSWER;
+}
+
+/// The picks of a multiple choice, one a line in the file, separated by commas.
+std::string several_picks(const AnswerFile& answer) {
+    bool failed = false;
+    const auto content = answer.content(LARGEST_SELECTION + 1, &failed);
+    if (!content) gripe(RESULT_FILE_DISAPPEARED);
+    if (failed) gripe(INVALID_SELECTION);
+    if (content->size() > LARGEST_SELECTION) {
+        gripe(filled(SELECTION_TOO_LARGE, static_cast<int>(LARGEST_SELECTION)));
+    }
+    std::string picks(c_text(*content));
+    std::replace(picks.begin(), picks.end(), '\n', ',');
+    if (picks.ends_with(',')) picks.pop_back();
+    return picks;
+}
+
+/// Adds `text` to the file that a prompt takes its default from. What somebody else put there is
+/// not written to.
+void append_default(const std::string& path, const std::string& text) {
+    const int file =
+        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
+    struct stat status;
+    if (file == -1 || fstat(file, &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_nlink != 1 || status.st_uid != geteuid()) {
+        gripe(CANNOT_CREATE_TEMP_FILE);
+    }
+    remember_temporary_file(path);
+    const bool written = write_all(file, c_text(text)) == 0;
+    if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
+}
+
+/// One of the two standard streams, pointed at a file while a command runs.
+class RedirectedStream {
+  public:
+    RedirectedStream(int stream, const char* duplicate_failure)
+        : stream_(stream), saved_(fcntl(stream, F_DUPFD_CLOEXEC, 3)) {
+        if (saved_ == -1) std::perror(duplicate_failure);
+    }
+    ~RedirectedStream() {
+        if (saved_ == -1) return;
+        dup2(saved_, stream_);
+        close(saved_);
+    }
+    RedirectedStream(const RedirectedStream&) = delete;
+    RedirectedStream& operator=(const RedirectedStream&) = delete;
+
+    [[nodiscard]] bool is_saved() const { return saved_ != -1; }
+    void point_at(int file, const char* failure) const {
+        if (saved_ != -1 && dup2(file, stream_) == -1) std::perror(failure);
+    }
+
+  private:
+    int stream_;
+    int saved_;
+};
+
+}  // namespace
+
+int prompt(const std::string& prompt_text, const std::string& def) {
+    const AnswerFile answer(prompt_result_path());
+    return answer_in_words(
+        filled(PROMPT_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(def).c_str(),
+               newline_option(prompt_text).c_str(), quoted(prompt_text).c_str()),
+        answer);
+}
+
+int prompt_from_file(const std::string& prompt_text, const std::string& default_text) {
+    const AnswerFile answer(prompt_result_path());
+    const std::string default_file =
+        make_tfile("gatewarden_prompt_prompt", GLOBAL_PID_STRING.c_str(), nullptr);
+    append_default(default_file, default_text);
+    const int code =
+        answer_in_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                               quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
+                               quoted(prompt_text).c_str()),
+                        answer);
+    remove_temporary_file(default_file);
+    return code;
+}
+
+void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors) {
+    const AnswerFile answer(prompt_result_path());
+    TMSG = filled(SHOW_FILE_TITLE, title.c_str(), errors ? "one or more " : "NO ",
+                  errors ? "displayed near bottom " : "");
+    run_in_shell(filled(SHOW_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                        quoted(file).c_str(), quoted(TMSG).c_str()));
+}
+
+int make_selection(const std::string& title, const std::string& items, const std::string& option) {
+    const AnswerFile answer(
+        make_tfile("gatewarden_select_result", GLOBAL_PID_STRING.c_str(), nullptr));
+    const std::string command =
+        filled(LIST_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(items).c_str(),
+               option.c_str(), quoted(title).c_str());
+    if (option == SINGLE_CHOICE) return answer_in_words(command, answer);
+    ANSWER = run_in_shell(command) == 0 ? ANSWERED : CANCELLED;
+    if (ANSWER == ANSWERED) GATEWARDEN_RESULT_STRING = several_picks(answer);
+    return ANSWER;
+}
+
+int get_system_rc(const std::string& command) {
+    std::fflush(stdout);
+    std::fflush(stderr);
+    const RedirectedStream out(STDOUT_FILENO, "_dup( stdout ) failure");
+    const RedirectedStream err(STDERR_FILENO, "_dup( stderr ) failure");
+    if (!out.is_saved() && !err.is_saved()) return run_in_shell(command);
+    const std::string trash =
+        make_tfile("gatewarden_temp_trash_file", nullptr, GLOBAL_PID_STRING.c_str());
+    const int file = create_temporary_file(trash);
+    if (file == -1) {
+        print_stdout("Can't open file 'data'\n");
+        return run_in_shell(command);
+    }
+    out.point_at(file, "Can't _dup2 stdout");
+    err.point_at(file, "Can't _dup2 stderr");
+    const int status = run_in_shell(command);
+    close(file);
+    remove_temporary_file(trash);
+    return status;
+}

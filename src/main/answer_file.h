@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+
+/// Creates `path` for writing, exclusively and with mode 0600, after removing what stood under
+/// that name; a link is never followed. The file is on the list of temporary files from then on.
+/// The descriptor, or -1 with errno set.
+int create_temporary_file(const std::string& path);
+
+/// Removes a temporary file and takes it off the list.
+void remove_temporary_file(const std::string& path);
+
+/// A file that a dialog writes its answer into. It exists, empty, before the dialog starts, so
+/// that nobody else can put one of theirs in its place, and goes with this object.
+class AnswerFile {
+  public:
+    /// Gripes when the file cannot be created.
+    explicit AnswerFile(const std::string& path);
+    ~AnswerFile();
+    AnswerFile(const AnswerFile&) = delete;
+    AnswerFile& operator=(const AnswerFile&) = delete;
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    /// What the dialog wrote, at most `limit` bytes of it. Nothing when it did not write the file
+    /// or the file is gone; `*failed`, where given, says that reading it failed.
+    [[nodiscard]] std::optional<std::string> content(std::size_t limit = std::string::npos,
+                                                     bool* failed = nullptr) const;
+
+  private:
+    std::string path_;
+};

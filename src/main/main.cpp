@@ -1,0 +1,36 @@
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "logs/demo_data.h"
+#include "main/command_line.h"
+#include "main/main_loop.h"
+#include "main/selections.h"
+#include "main/startup.h"
+#include "main/temporary_files.h"
+#include "messages/identity.h"
+#include "policy/checker.h"
+#include "policy/edition.h"
+#include "policy/region.h"
+
+int main(int argument_count, char** argument_vector) {
+    const std::vector<std::string> words(argument_vector, argument_vector + argument_count);
+    const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
+
+    remove_temporary_files_on_signals();
+    clean_start();
+    std::srand(static_cast<unsigned>(getpid()));
+    verify_set_tempdir();
+    t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
+    set_emergency_checker(words.empty() ? "" : words.front());
+
+    obey_sole_option(arguments);
+    parse_arguments(arguments);
+    choose_gatebits_file();
+    interrogate_the_enterprise();
+    read_edition();
+    if (data_gen_selected) data_gen();
+    return run_requests();
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+// What the self-test prints and asks.
+
+inline constexpr char EXPECTED_OS[] = "Expected OS is UNIX...";
+/// CLEARPROMPT.
+inline constexpr char TESTING_USABILITY[] = "testing for %s usability..\n";
+inline constexpr char USABILITY_LINE[] =
+    "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
+inline constexpr char CLEARPROMPT_NOT_FOUND[] = "%s not found in required path... exiting..\n";
+/// CLEARPROMPT, status.
+inline constexpr char CLEARPROMPT_RETURN_CODE[] = "%s return code = %d...";
+inline constexpr char TESTING_CLEARTOOL[] = "testing for cleartool version...";
+inline constexpr char CLEARTOOL_LINE[] = "cleartool -ver";
+inline constexpr char CLEARTOOL_NOT_FOUND[] = "cleartool not found in required path... exiting..";
+/// Status.
+inline constexpr char CLEARTOOL_RETURN_CODE[] = "cleartool return code = %d...";
+/// Answer, code.
+inline constexpr char SELECTION_REPORT[] = "selection(%s) rc = (%d)...";
+inline constexpr char RESPONSE_REPORT[] = "response(%s) rc = (%d)...";
+/// Code.
+inline constexpr char THREE_BUTTON_ANSWER[] = "3 button answer rc = (%d)...";
+/// Word, code.
+inline constexpr char ONLY_ANSWER[] = "%s only answer rc = (%d)...";
+
+struct TestQuestion {
+    const char* text;
+    /// Default and mask; null leaves them to the dialog.
+    const char* def;
+    const char* mask;
+};
+inline constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {
+    {"3 button Question (default [abort])...", "abort", "yes,no,abort"},
+    {"3 button Question (default [no])...", "no", "yes,no,abort"},
+    {"3 button Question (default [yes])...", "yes", "yes,no,abort"},
+    {"3 button Question (default [default yes])...", nullptr, nullptr}};
+inline constexpr TestQuestion ONE_BUTTON_QUESTIONS[] = {
+    {"abort only Question...", "abort", "abort"},
+    {"yes only Question...", "yes", "yes"},
+    {"no only Question...", "no", "no"}};

@@ -1,0 +1,84 @@
+#include "policy/checker.h"
+
+#include <cstdlib>
+
+#include "dialog/messages.h"
+#include "main/child.h"
+#include "main/files.h"
+#include "main/filled.h"
+#include "messages/identity.h"
+#include "messages/policy_texts.h"
+#include "policy/gatebits_file.h"
+#include "policy/region.h"
+#include "policy/tool_variables.h"
+
+std::string EMERGENCY_CHECKER;
+int CURRENT_GATEBITS_FILE_HAS_ERRORS = 0;
+int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
+int PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
+
+namespace {
+
+/// Whether one of the search path's directories holds the program.
+bool is_on_the_search_path(const std::string& program) {
+    const char* path = std::getenv("PATH");
+    std::string rest = path != nullptr ? path : "";
+    while (!rest.empty()) {
+        const auto colon = rest.find(':');
+        if (this_file_exists(rest.substr(0, colon) + "/" + program)) return true;
+        rest = colon == std::string::npos ? "" : rest.substr(colon + 1);
+    }
+    return false;
+}
+
+/// A bare name, which the shell looks for on the search path, exists when it is there.
+bool checker_exists(const std::string& checker) {
+    if (checker.empty()) return false;
+    if (this_file_exists(checker)) return true;
+    return checker.find('/') == std::string::npos && is_on_the_search_path(checker);
+}
+
+const char* option_word(char mode) {
+    switch (mode) {
+        case CHECK_ERRORS:
+            return ERROR_ONLY;
+        case CHECK_STATUS:
+            return STATUS_ONLY;
+        case CHECK_COUNT:
+            return ERROR_COUNT;
+        default:
+            gripe(UNKNOWN_CHECK_MODE);
+    }
+}
+
+}  // namespace
+
+void set_emergency_checker(const std::string& program_path) {
+    // The last such letter anywhere in the path counts, wherever the program's name begins.
+    const auto cut = program_path.rfind(SELF[0]);
+    EMERGENCY_CHECKER = (cut == std::string::npos ? "" : program_path.substr(0, cut));
+    EMERGENCY_CHECKER += GATEWARDEN_LIT;
+}
+
+bool find_checker() {
+    if (!checker_exists(GS_VAR[UNIX_CHECKER])) GS_VAR[UNIX_CHECKER] = EMERGENCY_CHECKER;
+    return checker_exists(GS_VAR[UNIX_CHECKER]);
+}
+
+int perform_cbfile_only_check(char mode) {
+    const char* word = option_word(mode);
+    const bool found = find_checker();
+    const std::string& checker = GS_VAR[UNIX_CHECKER];
+    if (!found) {
+        advise_wait(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
+                           ENTERPRIZE_NAME.c_str()));
+        return 0;
+    }
+    if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
+    const int status = run_in_shell(
+        filled(CHECKER_LINE, checker.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), word));
+    CURRENT_GATEBITS_FILE_HAS_ERRORS = status != 0 ? 1 : 0;
+    PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
+    if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = status;
+    return 1;
+}

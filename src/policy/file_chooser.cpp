@@ -1,0 +1,36 @@
+#include "policy/file_chooser.h"
+
+#include "dialog/clearprompt.h"
+#include "main/answer_file.h"
+#include "main/child.h"
+#include "main/filled.h"
+#include "main/startup.h"
+#include "main/text.h"
+#include "messages/policy_texts.h"
+#include "policy/gatebits_file.h"
+
+std::string POSSIBLE_FILE;
+
+namespace {
+
+/// The option that makes the dialog start where the gatebits file in use is.
+std::string directory_option() {
+    const std::string& file = ENTERPRIZE_PERMISSION_FILE;
+    if (file.empty()) return " ";
+    const std::string directory = file.substr(0, file.rfind('/') + 1);
+    return filled(DIRECTORY_OPTION, quoted(directory).c_str());
+}
+
+}  // namespace
+
+int select_cb_file(const std::string& /*prompt_text: the dialog has no place for it*/) {
+    const std::string DEF_OR_NO = " ";
+    const std::string DIR_OR_NO = directory_option();
+    const AnswerFile answer(t_file_name);
+    run_in_shell(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
+                        DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()));
+    const std::string chosen = words_joined(answer.content().value_or(""));
+    if (chosen.empty()) return 0;
+    POSSIBLE_FILE = chosen;
+    return 1;
+}

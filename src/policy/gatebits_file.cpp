@@ -1,0 +1,174 @@
+#include "policy/gatebits_file.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "dialog/messages.h"
+#include "main/answer_file.h"
+#include "main/filled.h"
+#include "main/replace_file.h"
+#include "main/startup.h"
+#include "main/text.h"
+#include "messages/policy_texts.h"
+#include "messages/startup_texts.h"
+
+std::string ENTERPRIZE_PERMISSION_FILE;
+
+namespace {
+
+/// All bytes of the gatebits file; gripes when it cannot be read or is too large.
+std::string read_gatebits_bytes() {
+    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
+    std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) gripe(CANNOT_READ_GATEBITS);
+        if (got == 0) break;
+        size += static_cast<std::size_t>(got);
+    }
+    close(file);
+    if (size > GATEBITS_FILE_LIMIT) {
+        gripe(filled(GATEBITS_TOO_LARGE, ENTERPRIZE_PERMISSION_FILE.c_str(), GATEBITS_FILE_LIMIT));
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+std::vector<std::string> lines_of(std::string_view text) {
+    std::vector<std::string> lines;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        if (!line.empty()) lines.emplace_back(line);
+        text.remove_prefix(std::min(line.size() + 1, text.size()));
+    }
+    return lines;
+}
+
+/// The new text of the file; gripes when a reader would not get back from it what `lines` holds.
+std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
+    const char* path = ENTERPRIZE_PERMISSION_FILE.c_str();
+    if (read_gatebits_bytes().find('\0') != std::string::npos) {
+        gripe(filled(GATEBITS_HOLDS_NUL, path));
+    }
+    std::string text;
+    for (const std::string& line : lines) {
+        const std::string_view kept = c_text(line);
+        if (kept.empty()) continue;
+        if (kept.find('\n') != std::string_view::npos) gripe(filled(NEW_LINE_HOLDS_BREAK, path));
+        text.append(kept) += '\n';
+    }
+    if (text.size() > GATEBITS_FILE_LIMIT) {
+        gripe(filled(GATEBITS_WOULD_BE_TOO_LARGE, path, text.size(), GATEBITS_FILE_LIMIT, path));
+    }
+    return text;
+}
+
+/// The new text in the run's scratch file, on the disk.
+void write_scratch_file(std::string_view text) {
+    const int file = create_temporary_file(t_file_name);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
+    const bool written = write_all(file, text) == 0 && fsync(file) == 0;
+    if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
+}
+
+/// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended
+/// by a blank, and the ';' alone would leave it open for the policy engine.
+bool ends_in_a_reference(const std::string& line) {
+    const auto tilde = line.rfind('~');
+    if (tilde == std::string::npos) return false;
+    const auto blank = line.rfind(' ');
+    return blank == std::string::npos || tilde > blank;
+}
+
+}  // namespace
+
+std::vector<std::string> read_gatebits_lines() {
+    const std::string bytes = read_gatebits_bytes();
+    std::vector<std::string> lines = lines_of(c_text(bytes));
+    if (lines.empty()) gripe(filled(GATEBITS_EMPTY, ENTERPRIZE_PERMISSION_FILE.c_str()));
+    return lines;
+}
+
+void write_gatebits_lines(const std::vector<std::string>& lines) {
+    const std::string text = text_fit_to_be_read_back(lines);
+    write_scratch_file(text);
+    replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name);
+}
+
+std::string_view without_leading_blanks(std::string_view line) {
+    const auto first = line.find_first_not_of(" \t");
+    return first == std::string_view::npos ? std::string_view() : line.substr(first);
+}
+
+bool is_significant(std::string_view line) {
+    const std::string_view text = without_leading_blanks(line);
+    return !text.empty() && text.front() != '#';
+}
+
+bool LineCounter::reaches(int n, std::string_view line) {
+    if (!is_significant(line)) return false;
+    counter_ = static_cast<std::int8_t>(static_cast<std::uint8_t>(counter_) + 1);
+    return counter_ == n;
+}
+
+int get_a_line(int n, std::string* line) {
+    LineCounter counter;
+    for (const std::string& candidate : read_gatebits_lines()) {
+        if (counter.reaches(n, candidate)) {
+            *line = candidate;
+            return 1;
+        }
+    }
+    return 0;
+}
+
+int set_a_line(int n, const std::string& text) {
+    std::vector<std::string> lines = read_gatebits_lines();
+    const std::string replacement = text == DELETION_TOKEN ? "" : text;
+    if (n == 0) {
+        lines.push_back(text);
+    } else {
+        LineCounter counter;
+        for (std::string& line : lines) {
+            if (counter.reaches(n, line)) line = replacement;
+        }
+    }
+    write_gatebits_lines(lines);
+    return 0;
+}
+
+int get_a_field(int n, int f, std::string* value) {
+    std::string line;
+    if (get_a_line(n, &line) == 0) return 0;
+    const std::vector<std::string> fields = terminated_fields(line);
+    if (f < 1 || static_cast<std::size_t>(f) > fields.size()) return 0;
+    *value = fields[static_cast<std::size_t>(f) - 1];
+    return 1;
+}
+
+std::string field_or_empty(int n, int f) {
+    std::string value;
+    get_a_field(n, f, &value);
+    return value;
+}
+
+int set_a_field(int n, int f, const std::string& value) {
+    std::string line;
+    if (get_a_line(n, &line) == 0) return 0;
+    const std::vector<std::string> fields = terminated_fields(line);
+    // A field one past the last passes: the line is then written back as it stands.
+    if (fields.empty() || static_cast<std::size_t>(f) > fields.size() + 1) return 0;
+    std::string rebuilt;
+    int number = 1;
+    for (const std::string& field : fields) {
+        rebuilt += number++ == f ? std::string(c_text(value)) : field;
+        if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
+        rebuilt += ';';
+    }
+    return set_a_line(n, rebuilt);
+}

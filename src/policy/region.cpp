@@ -1,0 +1,85 @@
+#include "policy/region.h"
+
+#include <cstring>
+#include <vector>
+
+#include "dialog/messages.h"
+#include "main/filled.h"
+#include "main/startup.h"
+#include "main/text.h"
+#include "messages/policy_texts.h"
+#include "policy/gatebits_file.h"
+#include "policy/tool_variables.h"
+
+std::string SYSTEM_VARS__SYSTEM_REGION_HEADER;
+std::string ENTERPRIZE_NAME;
+std::string SYSTEM_VARS__SYSTEM_POLICY_DIR;
+std::string SYSTEM_VARS__SYSTEM_PARENT_FILE;
+char LOGGING = 'O';
+std::string logging_dir;
+std::string results_dir;
+
+namespace {
+
+/// Takes the tool variables and returns the significant lines, without their leading blanks.
+std::vector<std::string> scan_the_file() {
+    std::vector<std::string> significant;
+    for (const std::string& line : read_gatebits_lines()) {
+        take_tool_variable(line);
+        if (is_significant(line)) significant.emplace_back(without_leading_blanks(line));
+    }
+    return significant;
+}
+
+/// The fields of significant line n; gripes with `fault` when there are fewer than `least`.
+std::vector<std::string> fields_of_line(const std::vector<std::string>& lines, int n,
+                                        std::size_t least, const char* fault) {
+    const auto index = static_cast<std::size_t>(n) - 1;
+    if (index >= lines.size()) gripe(fault);
+    std::vector<std::string> fields = terminated_fields(lines[index]);
+    if (fields.size() < least) gripe(fault);
+    return fields;
+}
+
+/// The logging personality that the depot line's third field stands for.
+char logging_letter(const std::string& field, const std::string& depot_line) {
+    const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
+    if (field.size() != 1) {
+        gripe(filled(INVALID_LOGGING_LENGTH, field.c_str(), LOGGING_LETTERS_NAMED_FOR_LENGTH,
+                     depot_line.c_str(), file));
+    }
+    if (std::strchr(LOGGING_LETTERS_ACCEPTED, field.front()) == nullptr) {
+        gripe(filled(INVALID_LOGGING_LETTER, field.front(), LOGGING_LETTERS_NAMED_FOR_LETTER,
+                     depot_line.c_str(), file));
+    }
+    return field.front();
+}
+
+std::string blank_when_empty(const std::string& value) {
+    return value.empty() ? " " : value;
+}
+
+/// The relocated directory when there is one, else `name` in the depot.
+std::string directory_of(ToolVariable relocated, const char* name) {
+    const std::string& directory = GS_VAR[relocated];
+    if (!directory.empty()) return directory;
+    return filled("%s%c%s", SYSTEM_VARS__SYSTEM_POLICY_DIR.c_str(), DIR_DELIMETER, name);
+}
+
+}  // namespace
+
+int interrogate_the_enterprise() {
+    const std::vector<std::string> lines = scan_the_file();
+    if (lines.empty()) gripe(NO_REGION_HEADER);
+    SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
+    const auto depots = fields_of_line(lines, DEPOT_LINE, 2, MANGLED_DEPOT);
+    LOGGING = depots.size() < 3 ? 'O' : logging_letter(depots[2], lines[DEPOT_LINE - 1]);
+    const auto parents = fields_of_line(lines, PARENT_LINE, 2, MANGLED_PARENT);
+    const auto header = fields_of_line(lines, HEADER_LINE, 4, MANGLED_REGION_HEADER);
+    ENTERPRIZE_NAME = blank_when_empty(header[3]);
+    SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[1]);
+    SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[1]);
+    logging_dir = directory_of(UNIX_LOGGING_DIR, "log");
+    results_dir = directory_of(UNIX_RESULTS_DIR, "query_results");
+    return 0;
+}
