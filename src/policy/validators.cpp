@@ -82,8 +82,7 @@ bool is_no_parent_file(const Check&, const Entered& entered) {
 
 bool is_no_program_in_depot(const Check&, const Entered& entered) {
     if (entered.os != THIS_OS) return false;
-    const OnDisk found =
-        what_is_at(field_or_empty(DEPOT_LINE, 2) + DIR_DELIMETER + entered.value);
+    const OnDisk found = what_is_at(field_or_empty(DEPOT_LINE, 2) + DIR_DELIMETER + entered.value);
     if (found == OnDisk::OTHER) return false;
     const char* program = entered.value.c_str();
     return reject(found == OnDisk::NOTHING ? filled(NOTIFY_DOES_NOT_EXIST, program)
