@@ -13,6 +13,7 @@
 #include "main/filled.h"
 #include "main/process_end.h"
 #include "main/text.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
@@ -39,7 +40,7 @@ struct TempDirSource {
     const char* variable;
     const char* spelled;
 };
-constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{"tmp", "TMP"}, {"temp", "TEMP"}}};
+constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
 
 const std::string* user_is(std::string name) {
     _CALCULATED_USER = STRING_LOWER(name);
@@ -49,7 +50,7 @@ const std::string* user_is(std::string name) {
 /// The text behind "user=" in the cookie, up to ";"; empty when there is none. The plain search
 /// also finds a cookie whose name merely ends so.
 std::string user_in_cookie() {
-    const char* cookie = std::getenv("HTTP_COOKIE");
+    const char* cookie = std::getenv(ENV_COOKIE);
     const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
     if (found == nullptr) return "";
     const char* value = found + std::strlen("user=");
@@ -112,7 +113,7 @@ void clean_start() {
     const std::string* user = calculated_user();
     if (user == nullptr) gripe(NO_USER);
     _CALCULATED_USER = without_domain(*user);
-    const char* no_gui = std::getenv("ZUL_PREFER_NO_GUI");
+    const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
     TMSG.clear();
     look_at_the_client();
