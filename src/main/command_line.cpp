@@ -17,7 +17,9 @@
 #include "main/process_end.h"
 #include "main/selections.h"
 #include "main/text.h"
+#include "messages/arguments.h"
 #include "messages/command_line_texts.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
@@ -169,6 +171,26 @@ constexpr std::array<Parameter, 9> PARAMETERS = {{
     {'R', &repeat_selected, &display_selected, false, take_repeat},
     {'U', &user_selected, &user_selected, false, take_user},
 }};
+
+constexpr std::array<const char*, 2> OPTIONS_ANYWHERE = {ARG_DATA_GEN, ARG_DURING_INSTALL};
+
+/// The manual and the completion are made from KNOWN_ARGUMENTS, so it has to hold what is parsed
+/// here, and nothing else.
+constexpr bool all_arguments_are_known() {
+    const bool parameters =
+        std::all_of(PARAMETERS.begin(), PARAMETERS.end(), [](const Parameter& parameter) {
+            const std::array<char, 2> spelling = {parameter.letter, '='};
+            return is_known_argument({spelling.data(), spelling.size()});
+        });
+    const bool options =
+        std::all_of(SOLE_OPTIONS.begin(), SOLE_OPTIONS.end(),
+                    [](const SoleOption& option) { return is_known_argument(option.word); }) &&
+        std::all_of(OPTIONS_ANYWHERE.begin(), OPTIONS_ANYWHERE.end(), is_known_argument);
+    return parameters && options &&
+           PARAMETERS.size() + SOLE_OPTIONS.size() + OPTIONS_ANYWHERE.size() ==
+               KNOWN_ARGUMENTS.size();
+}
+static_assert(all_arguments_are_known());
 
 void refuse_duplicate(const Parameter& parameter) {
     if (!*parameter.duplicate_flag) return;

@@ -5,14 +5,15 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "dialog/messages.h"
+#include "main/answer_file.h"
 #include "main/filled.h"
 #include "main/process_end.h"
 #include "main/text.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
@@ -39,7 +40,7 @@ struct TempDirSource {
     const char* variable;
     const char* spelled;
 };
-constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{"tmp", "TMP"}, {"temp", "TEMP"}}};
+constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
 
 const std::string* user_is(std::string name) {
     _CALCULATED_USER = STRING_LOWER(name);
@@ -49,7 +50,7 @@ const std::string* user_is(std::string name) {
 /// The text behind "user=" in the cookie, up to ";"; empty when there is none. The plain search
 /// also finds a cookie whose name merely ends so.
 std::string user_in_cookie() {
-    const char* cookie = std::getenv("HTTP_COOKIE");
+    const char* cookie = std::getenv(ENV_COOKIE);
     const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
     if (found == nullptr) return "";
     const char* value = found + std::strlen("user=");
@@ -99,10 +100,10 @@ std::string temporary_path(const char* tag, const char* part2, const char* part3
 
 bool temp_dir_is_writable() {
     const std::string probe = make_tfile("junk_test", SELF, GLOBAL_PID_STRING.c_str());
-    FILE* stream = std::fopen(probe.c_str(), "w");
-    if (stream == nullptr) return false;
-    std::fclose(stream);
-    unlink_remove(probe);
+    const int file = create_temporary_file(probe);
+    if (file == -1) return false;
+    close(file);
+    remove_temporary_file(probe);
     return true;
 }
 
@@ -112,7 +113,7 @@ void clean_start() {
     const std::string* user = calculated_user();
     if (user == nullptr) gripe(NO_USER);
     _CALCULATED_USER = without_domain(*user);
-    const char* no_gui = std::getenv("ZUL_PREFER_NO_GUI");
+    const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
     TMSG.clear();
     look_at_the_client();
