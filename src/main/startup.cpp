@@ -5,11 +5,11 @@
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
 #include "dialog/messages.h"
+#include "main/answer_file.h"
 #include "main/filled.h"
 #include "main/process_end.h"
 #include "main/text.h"
@@ -100,10 +100,10 @@ std::string temporary_path(const char* tag, const char* part2, const char* part3
 
 bool temp_dir_is_writable() {
     const std::string probe = make_tfile("junk_test", SELF, GLOBAL_PID_STRING.c_str());
-    FILE* stream = std::fopen(probe.c_str(), "w");
-    if (stream == nullptr) return false;
-    std::fclose(stream);
-    unlink_remove(probe);
+    const int file = create_temporary_file(probe);
+    if (file == -1) return false;
+    close(file);
+    remove_temporary_file(probe);
     return true;
 }
 

@@ -85,6 +85,41 @@ bool ends_in_a_reference(const std::string& line) {
     return blank == std::string::npos || tilde > blank;
 }
 
+const std::string* line_numbered(int n, const std::vector<std::string>& lines) {
+    LineCounter counter;
+    for (const std::string& line : lines) {
+        if (counter.reaches(n, line)) return &line;
+    }
+    return nullptr;
+}
+
+/// Every line that the counter gives the number: there is a second one in files that are long
+/// enough for it to start over.
+void replace_line(int n, const std::string& replacement, std::vector<std::string>* lines) {
+    LineCounter counter;
+    for (std::string& line : *lines) {
+        if (counter.reaches(n, line)) line = replacement;
+    }
+}
+
+/// Rebuilds the line of the change; whether there is anything to write.
+bool change_field(const FieldChange& change, std::vector<std::string>* lines) {
+    const std::string* line = line_numbered(change.line, *lines);
+    if (line == nullptr) return false;
+    const std::vector<std::string> fields = terminated_fields(*line);
+    // A field one past the last passes: the line is then written back as it stands.
+    if (fields.empty() || static_cast<std::size_t>(change.field) > fields.size() + 1) return false;
+    std::string rebuilt;
+    int number = 1;
+    for (const std::string& field : fields) {
+        rebuilt += number++ == change.field ? std::string(c_text(change.value)) : field;
+        if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
+        rebuilt += ';';
+    }
+    replace_line(change.line, rebuilt, lines);
+    return true;
+}
+
 }  // namespace
 
 std::vector<std::string> read_gatebits_lines() {
@@ -117,26 +152,19 @@ bool LineCounter::reaches(int n, std::string_view line) {
 }
 
 int get_a_line(int n, std::string* line) {
-    LineCounter counter;
-    for (const std::string& candidate : read_gatebits_lines()) {
-        if (counter.reaches(n, candidate)) {
-            *line = candidate;
-            return 1;
-        }
-    }
-    return 0;
+    const std::vector<std::string> lines = read_gatebits_lines();
+    const std::string* found = line_numbered(n, lines);
+    if (found == nullptr) return 0;
+    *line = *found;
+    return 1;
 }
 
 int set_a_line(int n, const std::string& text) {
     std::vector<std::string> lines = read_gatebits_lines();
-    const std::string replacement = text == DELETION_TOKEN ? "" : text;
     if (n == 0) {
         lines.push_back(text);
     } else {
-        LineCounter counter;
-        for (std::string& line : lines) {
-            if (counter.reaches(n, line)) line = replacement;
-        }
+        replace_line(n, text == DELETION_TOKEN ? "" : text, &lines);
     }
     write_gatebits_lines(lines);
     return 0;
@@ -158,17 +186,13 @@ std::string field_or_empty(int n, int f) {
 }
 
 int set_a_field(int n, int f, const std::string& value) {
-    std::string line;
-    if (get_a_line(n, &line) == 0) return 0;
-    const std::vector<std::string> fields = terminated_fields(line);
-    // A field one past the last passes: the line is then written back as it stands.
-    if (fields.empty() || static_cast<std::size_t>(f) > fields.size() + 1) return 0;
-    std::string rebuilt;
-    int number = 1;
-    for (const std::string& field : fields) {
-        rebuilt += number++ == f ? std::string(c_text(value)) : field;
-        if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
-        rebuilt += ';';
-    }
-    return set_a_line(n, rebuilt);
+    return set_fields({{n, f, value}});
+}
+
+int set_fields(const std::vector<FieldChange>& changes) {
+    std::vector<std::string> lines = read_gatebits_lines();
+    bool any = false;
+    for (const FieldChange& change : changes) any = change_field(change, &lines) || any;
+    if (any) write_gatebits_lines(lines);
+    return 0;
 }

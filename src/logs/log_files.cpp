@@ -1,0 +1,84 @@
+#include "logs/log_files.h"
+
+#include <ctime>
+
+#include "main/filled.h"
+#include "main/startup.h"
+#include "messages/log_texts.h"
+#include "policy/region.h"
+
+std::int64_t end_of_day_time = 0;
+std::array<int, 6> last_query_time = {};
+int days_to_show = 0;
+std::int64_t start_of_period_time = 0;
+
+namespace {
+
+constexpr std::array<const char*, 7> WEEKDAYS = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+constexpr std::array<const char*, 12> MONTHS = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+/// `time` on the local calendar; false where the calendar cannot express it.
+bool on_the_calendar(std::int64_t time, std::tm* local) {
+    const std::time_t seconds = time;
+    return localtime_r(&seconds, local) != nullptr;
+}
+
+std::size_t index_of(int calendar_field) {
+    return static_cast<std::size_t>(calendar_field);
+}
+
+/// "Sun Nov 15".
+std::string day_text(const std::tm& local) {
+    return filled("%s %s%3d", WEEKDAYS[index_of(local.tm_wday)], MONTHS[index_of(local.tm_mon)],
+                  local.tm_mday);
+}
+
+long year_of(const std::tm& local) {
+    return 1900L + local.tm_year;
+}
+
+}  // namespace
+
+std::string log_file_path(int number) {
+    return filled(LOGGING_NORMAL_PATTERN, logging_dir.c_str(), DIR_DELIMETER, number);
+}
+
+std::string pruning_companion_path(int number) {
+    return filled(LOGGING_PRUNING_PATTERN, logging_dir.c_str(), DIR_DELIMETER, number);
+}
+
+std::string pruning_scratch_path() {
+    return filled(LOGGING_PRUNING_FILE, logging_dir.c_str(), DIR_DELIMETER);
+}
+
+std::string pruning_token_path() {
+    return filled(LOGGING_PRUNING_TOKEN, logging_dir.c_str(), DIR_DELIMETER);
+}
+
+std::int64_t set_time_values() {
+    std::tm local = {};
+    on_the_calendar(std::time(nullptr), &local);
+    last_query_time = {local.tm_sec,  local.tm_min, local.tm_hour,
+                       local.tm_mday, local.tm_mon, local.tm_year};
+    local.tm_hour = 23;
+    local.tm_min = 59;
+    local.tm_sec = 59;
+    // The day may end in another daylight-saving time than it is in now.
+    local.tm_isdst = -1;
+    end_of_day_time = std::mktime(&local);
+    return end_of_day_time;
+}
+
+std::string time_text(std::int64_t time) {
+    std::tm local = {};
+    if (!on_the_calendar(time, &local)) return std::to_string(time);
+    return filled("%s %02d:%02d:%02d %ld", day_text(local).c_str(), local.tm_hour, local.tm_min,
+                  local.tm_sec, year_of(local));
+}
+
+std::string date_text(std::int64_t time) {
+    std::tm local = {};
+    if (!on_the_calendar(time, &local)) return std::to_string(time);
+    return filled("%s %ld", day_text(local).c_str(), year_of(local));
+}

@@ -1,0 +1,75 @@
+#include "logs/record_rule.h"
+
+#include <algorithm>
+
+#include "logs/log_reader.h"
+#include "main/filled.h"
+#include "main/text.h"
+
+namespace {
+
+/// A word as the markers and filters see it.
+class Record {
+  public:
+    explicit Record(std::string_view word) : text_(c_text(word)) { STRING_LOWER(text_); }
+
+    bool holds(std::string_view lower_case_text) const {
+        return text_.find(lower_case_text) != std::string::npos;
+    }
+    std::int64_t time() const { return leading_number(text_.c_str()); }
+
+    /// The number behind the first '<', where a "-" is 0; -1 when there is no '<'.
+    std::int64_t value() const {
+        const std::size_t place = text_.find('<');
+        return place == std::string::npos ? -1 : leading_number(text_.c_str() + place + 1);
+    }
+
+  private:
+    std::string text_;
+};
+
+bool passes(const RecordQuery& query, const Record& record) {
+    return std::all_of(query.filters.begin(), query.filters.end(),
+                       [&](const std::string& filter) { return record.holds(filter); });
+}
+
+/// The markers are tried in this order, and the first that is there decides.
+RecordOutcome outcome_per_day(int query, const Record& record) {
+    const bool commands = query == 1 || query == 3;
+    if (record.holds(":p:")) {
+        if (query != 6) return SEEN;
+        if (record.holds("]a<")) return ALLOWED;
+        return record.holds("]d<") ? DENIED : SEEN;
+    }
+    if (record.holds(":s:")) return commands ? ALLOWED : SEEN;
+    if (record.holds(":b:")) return query == 2 ? ALLOWED : SEEN;
+    if (record.holds(":d:")) return commands ? DENIED : SEEN;
+    return SEEN;
+}
+
+RecordOutcome outcome_per_number(const RecordQuery& query, const Record& record) {
+    if (query.query == 4) return record.holds(":b:") ? ALLOWED : SEEN;
+    const bool counted =
+        (query.edition == 1 && record.holds("]k<")) || (query.edition == 0 && record.holds("]c<"));
+    return counted ? ALLOWED : SEEN;
+}
+
+}  // namespace
+
+void count_word(const RecordQuery& query, std::string_view word, RecordTally* tally) {
+    tally->data_seen = true;
+    const Record record(word);
+    if (!record.holds(":") || !record.holds(">")) return;
+    const std::int64_t time = record.time();
+    if (time > query.period_end) return;
+    tally->earliest = std::min(tally->earliest, time);
+    if (time <= query.period_start || !passes(query, record)) return;
+    if (counts_per_day(query.query)) {
+        const auto cell = static_cast<std::size_t>(day_cell(query.period_end, time));
+        ++tally->rows[cell][outcome_per_day(query.query, record)];
+    } else {
+        const std::int64_t number = record.value();
+        if (number < 0 || number >= QUERY_DAYS) return;
+        ++tally->rows[static_cast<std::size_t>(number)][outcome_per_number(query, record)];
+    }
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <string_view>
+
+#include "logs/log_files.h"
+
+// What a query makes of one record: the plain rule, for every word that a log file can hold.
+
+/// What a query asks of the records.
+struct RecordQuery {
+    /// 1 to 6; see counts_per_day.
+    int query = 1;
+    /// GATEWARDEN_IS.
+    int edition = 1;
+    /// A record must hold each of these in any case. In lower case here.
+    std::array<std::string, 4> filters;
+    /// The period: behind the start, up to the end. Seconds since the epoch.
+    std::int64_t period_start = 0;
+    std::int64_t period_end = 0;
+};
+
+/// Queries 1, 2, 3 and 6 count per day, 4 and 5 per bit or key number.
+constexpr bool counts_per_day(int query) {
+    return query == 1 || query == 2 || query == 3 || query == 6;
+}
+constexpr bool counts_per_number(int query) {
+    return query == 4 || query == 5;
+}
+
+/// What becomes of a record whose day or number is known.
+enum RecordOutcome : std::uint8_t {
+    /// It does not pass the filters.
+    FILTERED = 0,
+    /// It passes, so its day or number was seen, but it is not of a kind that the query counts.
+    SEEN = 1,
+    /// Counted as allowed; also a use of a bit and, per number, whatever is counted.
+    ALLOWED = 2,
+    DENIED = 3
+};
+
+/// Records of one query by day cell (0 is today) or bit or key number, and outcome.
+struct RecordTally {
+    /// The rows from QUERY_DAYS on are never looked at: the fast path sends there what is outside
+    /// the period.
+    static constexpr std::size_t ROWS = 128;
+    std::array<std::array<std::uint32_t, 4>, ROWS> rows = {};
+    /// The smallest record time up to the end of the period; the largest number there is without
+    /// records.
+    std::int64_t earliest = std::numeric_limits<std::int64_t>::max();
+    /// Whether there was any word at all.
+    bool data_seen = false;
+};
+
+/// The day cell of a time not later than `period_end`; counts on beyond the period.
+constexpr std::int64_t day_cell(std::int64_t period_end, std::int64_t time) {
+    return (period_end - time) / SECONDS_A_DAY;
+}
+
+/// Takes one word of a log file, of at most WORD_LIMIT bytes, whatever it holds.
+void count_word(const RecordQuery& query, std::string_view word, RecordTally* tally);
