@@ -1,4 +1,5 @@
 #include "main/process_end.h"
+#include "main/signals.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -45,7 +46,7 @@ TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
 TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         const int status = in_a_child([&] {
-            remove_temporary_files_on_signals();
+            end_in_order_on_signals();
             close(create_temporary_file(at("scratch")));
             raise(number);
         });
@@ -58,7 +59,7 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
 TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
     const int status = in_a_child([&] {
         signal(SIGHUP, SIG_IGN);
-        remove_temporary_files_on_signals();
+        end_in_order_on_signals();
         raise(SIGHUP);
         _exit(5);
     });
