@@ -1,5 +1,4 @@
 #include "main/process_end.h"
-#include "main/signals.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -12,6 +11,7 @@
 
 #include "main/answer_file.h"
 #include "main/child.h"
+#include "main/signals.h"
 #include "main/temporary_files.h"
 #include "units/on_stage.h"
 
@@ -125,15 +125,21 @@ TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
     EXPECT_FALSE(answer.content().has_value());
 }
 
-TEST_F(ProcessEnd, AnAnswerThatIsADirectoryOrALinkIsNone) {
+TEST_F(ProcessEnd, AnAnswerThatIsADirectoryIsNone) {
     const AnswerFile answer(at("answer"));
     EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") + "' && rm answer && mkdir answer"), 0);
     EXPECT_FALSE(answer.content().has_value());
-    EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") +
-                           "' && rmdir answer && ln -s /etc/passwd "
-                           "answer"),
-              0);
-    EXPECT_FALSE(answer.content().has_value());
+    EXPECT_EQ(run_in_shell("rmdir '" + at("answer") + "'"), 0);
+}
+
+TEST_F(ProcessEnd, AnAnswerThatIsALinkIsNotFollowed) {
+    const int status = in_a_child([&] {
+        const AnswerFile answer(at("answer"));
+        run_in_shell("ln -sf /etc/passwd '" + at("answer") + "'");
+        if (answer.content()) _exit(1);
+        _exit(0);
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 99);
 }
 
 TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {
