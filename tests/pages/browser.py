@@ -82,6 +82,13 @@ class Browser:
         mouse = {"type": "pointer", "id": "mouse", "parameters": {"pointerType": "mouse"}}
         self._post(self._session + "/actions", {"actions": [dict(mouse, actions=[move])]})
 
+    def screenshot(self, width, height):
+        """The upper left part of the page, wherever the window ends, as a PNG in base 64."""
+        clip = {"x": 0, "y": 0, "width": width, "height": height, "scale": 1}
+        parameters = {"format": "png", "clip": clip, "captureBeyondViewport": True}
+        body = {"cmd": "Page.captureScreenshot", "params": parameters}
+        return self._post(self._session + "/goog/cdp/execute", body)["data"]
+
     def complaints(self):
         """What the page has written to the console since the last call."""
         return self._post(self._session + "/se/log", {"type": "browser"})
