@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "dialog/messages.h"
 #include "main/answer_file.h"
@@ -125,8 +126,7 @@ const std::string* calculated_user() {
         const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
         if (name != nullptr) return user_is(name);
     }
-    const std::string cookie_user = user_in_cookie();
-    if (!cookie_user.empty()) return user_is(cookie_user);
+    if (const auto cookie_user = user_in_cookie()) return user_is(*cookie_user);
     const passwd* entry = getpwuid(geteuid());
     return entry != nullptr ? user_is(entry->pw_name) : nullptr;
 }
