@@ -177,13 +177,6 @@ inline constexpr char POPULATE_NOW[] =
     "now or just the most critical ones.\n\nYou can skip any portion you are not ready to complete "
     "now\n\n What would you like to do?\n\nPrompt me for all fields (YES)\nPrompt me for just "
     "lritical ones (No)\nI'll do them later (Abort)";
-/// File, reason.
-inline constexpr char NEW_FILE_NOT_WRITTEN[] =
-    "ERROR: Could not write the new gatebits file (%s): %s.  The file was not created.";
-inline constexpr char NEW_FILE_NOT_SYNCED[] =
-    "ERROR: Could not bring the new gatebits file (%s) to the disk: %s.  The file was created and "
-    "is complete.";
-
 // gatescope's own settings.
 
 inline constexpr char SETTING_TITLE[] = "Select Gatescope Variable to View/Change";

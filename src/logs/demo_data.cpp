@@ -1,0 +1,96 @@
+#include "logs/demo_data.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "dialog/messages.h"
+#include "logs/log_files.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "messages/log_texts.h"
+
+namespace {
+
+constexpr int DEMO_RECORDS = 50000;
+constexpr int PROGRESS_STEP = 100;
+/// Only the first three are ever drawn.
+constexpr char DENIAL_LETTERS[] = "KBRC";
+constexpr char PARENT_LETTERS[] = "daaa";
+
+/// A fresh draw from 0 to below `limit`. The order of the draws decides what a seed makes, so
+/// no two may stand in one expression.
+int draw(int limit) {
+    return std::rand() % limit;
+}
+
+char kind_of_the_last_40_days() {
+    const int x = draw(20);
+    if (x == 7) return draw(125) == 0 ? 'D' : 'S';
+    return x == 8 || x == 9 ? 'B' : 'S';
+}
+
+/// A kind for each draw from 0 to 9.
+char kind_by_tenths(const char (&kinds)[11]) {
+    return kinds[draw(10)];
+}
+
+/// By the age of the record: a parent policy and many denials at first, hardly any at the end.
+char drawn_kind(std::int64_t time) {
+    const std::int64_t border_40 = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY / 3;
+    const std::int64_t border_80 = end_of_day_time - QUERY_DAYS * 2 * SECONDS_A_DAY / 3;
+    if (time >= border_40) return kind_of_the_last_40_days();
+    return time < border_80 ? kind_by_tenths("PSSDDDDBBB") : kind_by_tenths("PSSSSSDDBB");
+}
+
+std::string drawn_record() {
+    const std::string user = "user" + std::to_string(draw(5));
+    const std::int64_t day = draw(QUERY_DAYS);
+    const std::int64_t time = end_of_day_time - SECONDS_A_DAY / 2 - day * SECONDS_A_DAY;
+    const int command = draw(40) + 1;
+    const char kind = drawn_kind(time);
+    switch (kind) {
+        case 'D': {
+            const int key = draw(10);
+            const char letter = DENIAL_LETTERS[draw(3)];
+            return filled(DENIED_RECORD, time, kind, user.c_str(), command, letter, key);
+        }
+        case 'B':
+            return filled(BIT_RECORD, time, kind, user.c_str(), command, draw(24));
+        case 'S':
+            return filled(ALLOWED_RECORD, time, kind, user.c_str(), command);
+        case 'P':
+            return filled(PARENT_RECORD, time, kind, user.c_str(), command,
+                          PARENT_LETTERS[draw(4)]);
+        default:
+            gripe_uncoded("dat_gen");
+    }
+}
+
+void show_progress(int records) {
+    std::printf(DEMO_PROGRESS, records);
+}
+
+}  // namespace
+
+void data_gen() {
+    set_time_values();
+    days_to_show = QUERY_DAYS;
+    start_of_period_time = end_of_day_time - days_to_show * SECONDS_A_DAY;
+    const std::string path = log_file_path(DEMO_LOG_FILE);
+    LOGGING_STREAM = std::fopen(path.c_str(), "a");
+    if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE);
+    bool written = true;
+    for (int i = 0; i < DEMO_RECORDS; ++i) {
+        written = std::fputs(drawn_record().c_str(), LOGGING_STREAM) >= 0 && written;
+        if (i % PROGRESS_STEP == 0) show_progress(i);
+    }
+    show_progress(DEMO_RECORDS);
+    written = std::fclose(std::exchange(LOGGING_STREAM, nullptr)) == 0 && written;
+    if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
+    clean_exit(0);
+}

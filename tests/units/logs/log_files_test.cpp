@@ -1,0 +1,113 @@
+#include "logs/log_files.h"
+
+#include <cstdlib>
+#include <ctime>
+#include <limits>
+
+#include "log_region.h"
+
+namespace {
+
+/// Local time is that of `zone` until the end of the scope.
+class TimeZone {
+  public:
+    explicit TimeZone(const char* zone) {
+        setenv("TZ", zone, 1);
+        tzset();
+    }
+    ~TimeZone() {
+        unsetenv("TZ");
+        tzset();
+    }
+};
+
+TEST(LogFilePaths, FollowTheirPatterns) {
+    logging_dir = "/region/log";
+    EXPECT_EQ(log_file_path(0), "/region/log/logging_0.txt");
+    EXPECT_EQ(log_file_path(20), "/region/log/logging_20.txt");
+    EXPECT_EQ(pruning_companion_path(7), "/region/log/logging__7.txt");
+    EXPECT_EQ(pruning_scratch_path(), "/region/log/pruning_.txt");
+    EXPECT_EQ(pruning_token_path(), "/region/log/logging_pruning_token.txt");
+}
+
+TEST(LogFilePaths, LongDirectoriesAreNotCut) {
+    logging_dir = "/" + std::string(2000, 'd');
+    EXPECT_EQ(log_file_path(3), logging_dir + "/logging_3.txt");
+}
+
+TEST(QueryPeriod, TodayEndsAtTheLastSecondOfTheLocalDay) {
+    const std::time_t before = std::time(nullptr);
+    const std::int64_t end = set_time_values();
+    EXPECT_EQ(end, end_of_day_time);
+    EXPECT_GE(end, before);
+    EXPECT_LE(end - before, SECONDS_A_DAY + 3600);
+    const std::time_t seconds = end;
+    const std::tm local = *std::localtime(&seconds);
+    EXPECT_EQ(local.tm_hour, 23);
+    EXPECT_EQ(local.tm_min, 59);
+    EXPECT_EQ(local.tm_sec, 59);
+}
+
+TEST(QueryPeriod, RemembersTheMomentOfTheCall) {
+    const std::time_t before = std::time(nullptr);
+    set_time_values();
+    std::tm local = {};
+    local.tm_sec = last_query_time[0];
+    local.tm_min = last_query_time[1];
+    local.tm_hour = last_query_time[2];
+    local.tm_mday = last_query_time[3];
+    local.tm_mon = last_query_time[4];
+    local.tm_year = last_query_time[5];
+    local.tm_isdst = -1;
+    const std::time_t remembered = std::mktime(&local);
+    EXPECT_GE(remembered, before);
+    EXPECT_LE(remembered, std::time(nullptr));
+}
+
+TEST(QueryPeriod, LeavesThePeriodToItsUsers) {
+    days_to_show = 7;
+    start_of_period_time = 8;
+    set_time_values();
+    EXPECT_EQ(days_to_show, 7);
+    EXPECT_EQ(start_of_period_time, 8);
+}
+
+TEST(TimeTexts, LookLikeTheCLibrarysOwn) {
+    const TimeZone zone("UTC");
+    for (const std::time_t time : {0L, 1794787199L, 951782400L, 4102444800L}) {
+        std::string expected = std::asctime(std::gmtime(&time));
+        expected.pop_back();
+        EXPECT_EQ(time_text(time), expected);
+        expected.erase(11, 9);
+        EXPECT_EQ(date_text(time), expected);
+    }
+    EXPECT_EQ(time_text(1794787199), "Sun Nov 15 23:59:59 2026");
+    EXPECT_EQ(date_text(1794787199), "Sun Nov 15 2026");
+}
+
+TEST(TimeTexts, DaysOfOneDigitAreWidened) {
+    const TimeZone zone("UTC");
+    EXPECT_EQ(date_text(5 * SECONDS_A_DAY), "Tue Jan  6 1970");
+}
+
+TEST(TimeTexts, AreLocal) {
+    const TimeZone zone("XYZ-3");
+    EXPECT_EQ(time_text(0), "Thu Jan  1 03:00:00 1970");
+}
+
+TEST(TimeTexts, YearsBehind2038AreOrdinary) {
+    const TimeZone zone("UTC");
+    EXPECT_EQ(time_text(2147483648), "Tue Jan 19 03:14:08 2038");
+}
+
+TEST(TimeTexts, AbsurdYearsDoNotCrash) {
+    const TimeZone zone("UTC");
+    EXPECT_EQ(time_text(253402300800), "Sat Jan  1 00:00:00 10000");
+    EXPECT_EQ(date_text(67767976233532800), "Wed Jan  1 2147483648");
+    constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+    constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(time_text(largest), "9223372036854775807");
+    EXPECT_EQ(date_text(smallest), "-9223372036854775808");
+}
+
+}  // namespace

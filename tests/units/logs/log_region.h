@@ -1,0 +1,74 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "dialog/messages.h"
+#include "logs/log_files.h"
+#include "logs/query_data.h"
+#include "main/selections.h"
+#include "policy/edition.h"
+#include "policy/region.h"
+
+/// A region with nothing but a logging directory of its own, and messages on standard output.
+class LogRegion : public testing::Test {
+  protected:
+    void SetUp() override {
+        std::string pattern = testing::TempDir() + "gatescope_logs_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        logging_dir = pattern;
+        ENTERPRIZE_NAME = "east";
+        ZUL_PREFER_GUI = 0;
+        GATEWARDEN_IS = 1;
+        selected_display = "n";
+        filter_by();
+        set_time_values();
+    }
+    void TearDown() override { std::filesystem::remove_all(logging_dir); }
+
+    static void filter_by(const std::string& one = ":", const std::string& two = ":",
+                          const std::string& three = ":", const std::string& four = ":") {
+        GLOBAL_TEST_STRING_1 = one;
+        GLOBAL_TEST_STRING_2 = two;
+        GLOBAL_TEST_STRING_3 = three;
+        GLOBAL_TEST_STRING_4 = four;
+    }
+
+    static void write_file(const std::string& path, std::string_view text) {
+        std::ofstream(path, std::ios::binary) << text;
+    }
+    static void write_log(int number, std::string_view text) {
+        write_file(log_file_path(number), text);
+    }
+    static std::string file_text(const std::string& path) {
+        std::ifstream stream(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    }
+
+    /// The noon of the day that was so many days ago.
+    static std::int64_t noon(std::int64_t days_ago) {
+        return end_of_day_time - SECONDS_A_DAY / 2 - days_ago * SECONDS_A_DAY;
+    }
+    /// A record at `time`, without a line end.
+    static std::string record_at(std::int64_t time, const std::string& rest) {
+        return std::to_string(time) + ":" + rest;
+    }
+    /// A line with a record of the noon so many days ago.
+    static std::string line(std::int64_t days_ago, const std::string& rest) {
+        return record_at(noon(days_ago), rest) + "\n";
+    }
+
+    /// What get_query_data shows.
+    static std::string said_by_query(int query) {
+        testing::internal::CaptureStdout();
+        get_query_data(query);
+        return testing::internal::GetCapturedStdout();
+    }
+};
