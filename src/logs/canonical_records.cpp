@@ -1,15 +1,10 @@
 #include "logs/canonical_records.h"
 
 #include <algorithm>
-#include <bit>
-#include <cstring>
 
 #include "logs/log_reader.h"
+#include "logs/record_scan.h"
 #include "main/filled.h"
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 // The canonical shape, as the policy engine writes its records:
 //
@@ -26,15 +21,11 @@
 
 namespace {
 
-constexpr std::size_t TIME_DIGITS = 10;
 constexpr std::size_t KIND_PLACE = 11;
 constexpr std::size_t USER_PLACE = 13;
 /// With an empty user, and as a word.
 constexpr std::size_t SHORTEST = 20;
 constexpr std::size_t LONGEST = WORD_LIMIT;
-/// Word ends are looked for in so many bytes at a time.
-constexpr std::size_t SLICE = 4096;
-constexpr std::size_t BLOCK = 64;
 /// Row of records outside the period.
 constexpr std::uint64_t NO_ROW = RecordTally::ROWS - 1;
 
@@ -77,61 +68,19 @@ constexpr Codes DETAIL_CODE = letter_codes(DETAILS, 1);
 constexpr Codes UNITS = digit_codes(1, '-');
 constexpr Codes TENS = digit_codes(10, '<');
 
-/// What has to stand in the eight bytes up to the end, "]K<7>\n" or "]K<17>\n", and where.
-constexpr std::array<std::uint64_t, 2> TAIL_BITS = {0xFFFF00FF00FF0000, 0xFFFF0000FF00FF00};
-constexpr std::array<std::uint64_t, 2> TAIL = {0x0A3E003C005D0000, 0x0A3E00003C005D00};
+/// What has to stand in the eight bytes up to the end, "]K<7>\n" or "]K<17>\n", and where;
+/// of a number's second digit only the upper half, which tells it from a '-'.
+constexpr std::array<std::uint64_t, 2> TAIL_BITS = {0xFFFF00FF00FF0000, 0xFFFFF000FF00FF00};
+constexpr std::array<std::uint64_t, 2> TAIL = {0x0A3E003C005D0000, 0x0A3E30003C005D00};
 /// The same for "[2" and "[12", with the upper half of each digit.
 constexpr std::array<std::uint32_t, 2> COMMAND_BITS = {0x0000F0FF, 0x00F0F0FF};
 constexpr std::array<std::uint32_t, 2> COMMAND = {0x0000305B, 0x0030305B};
-
-#define ALWAYS_INLINE [[gnu::always_inline]] inline
-
-template <class Number>
-ALWAYS_INLINE Number little_endian(const char* at) {
-    Number number;
-    std::memcpy(&number, at, sizeof number);
-    if constexpr (std::endian::native == std::endian::big) {
-        if constexpr (sizeof number == 8) return __builtin_bswap64(number);
-        if constexpr (sizeof number == 4) return __builtin_bswap32(number);
-    }
-    return number;
-}
 
 ALWAYS_INLINE std::uint8_t code(const Codes& codes, const char* at) {
     return codes[static_cast<std::uint8_t>(*at)];
 }
 
 #if defined(__SSE2__)
-
-ALWAYS_INLINE __m128i sixteen(const char* at) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
-}
-
-ALWAYS_INLINE unsigned bits(__m128i lanes) {
-    return static_cast<unsigned>(_mm_movemask_epi8(lanes));
-}
-
-/// One bit for each of the BLOCK bytes that is no greater than a blank.
-ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
-    const __m128i blank = _mm_set1_epi8(' ');
-    std::uint64_t all = 0;
-#pragma GCC unroll 4
-    for (unsigned i = 0; i < BLOCK; i += 16) {
-        const __m128i text = sixteen(at + i);
-        const std::uint64_t some = bits(_mm_cmpeq_epi8(_mm_min_epu8(text, blank), text));
-        all |= some << i;
-    }
-    return all;
-}
-
-/// Whether ten digits, a colon, anything and a colon stand here.
-ALWAYS_INLINE bool has_canonical_head(const char* at) {
-    const __m128i lowest =
-        _mm_setr_epi8('0', '0', '0', '0', '0', '0', '0', '0', '0', '0', ':', 0, ':', 0, 0, 0);
-    const __m128i span = _mm_setr_epi8(9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 0, -1, 0, -1, -1, -1);
-    const __m128i above = _mm_sub_epi8(sixteen(at), lowest);
-    return bits(_mm_cmpeq_epi8(_mm_min_epu8(above, span), above)) == 0xFFFF;
-}
 
 /// One bit for each of the 16 bytes that no user of a canonical record holds.
 ALWAYS_INLINE unsigned user_end_bits(const char* at) {
@@ -151,20 +100,6 @@ ALWAYS_INLINE bool same_text(const char* at, const char* wanted, const char* mas
 
 #else
 
-ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
-    std::uint64_t all = 0;
-    for (unsigned i = 0; i < BLOCK; ++i) {
-        const std::uint64_t is_end = static_cast<std::uint8_t>(at[i]) <= ' ';
-        all |= is_end << i;
-    }
-    return all;
-}
-
-ALWAYS_INLINE bool has_canonical_head(const char* at) {
-    return std::all_of(at, at + TIME_DIGITS, [](char c) { return c >= '0' && c <= '9'; }) &&
-           at[KIND_PLACE - 1] == ':' && at[KIND_PLACE + 1] == ':';
-}
-
 ALWAYS_INLINE unsigned user_end_bits(const char* at) {
     unsigned all = 0;
     for (unsigned i = 0; i < 16; ++i) {
@@ -183,60 +118,6 @@ ALWAYS_INLINE bool same_text(const char* at, const char* wanted, const char* mas
 }
 
 #endif
-
-/// The place of the lowest bit; of no use, but no harm either, without one.
-ALWAYS_INLINE std::uint32_t lowest_bit(std::uint64_t number) {
-    constexpr std::uint64_t TOP = std::uint64_t{1} << 63;
-    return static_cast<std::uint32_t>(std::countr_zero(number | TOP));
-}
-
-/// Summed up in ever wider groups: a processor that may be of any make has no instruction for it.
-ALWAYS_INLINE std::ptrdiff_t number_of_bits(std::uint64_t number) {
-#ifdef __POPCNT__
-    return std::popcount(number);
-#endif
-    number -= number >> 1 & 0x5555555555555555;
-    number = (number & 0x3333333333333333) + (number >> 2 & 0x3333333333333333);
-    number = (number + (number >> 4)) & 0x0F0F0F0F0F0F0F0F;
-    return static_cast<std::ptrdiff_t>(number * 0x0101010101010101 >> 56);
-}
-
-/// The places of all ends in a slice, counted from its beginning; returns how many there are.
-ALWAYS_INLINE std::size_t find_ends(const char* slice, std::size_t size, std::uint32_t* ends) {
-    std::uint32_t* next = ends;
-    for (std::size_t place = 0; place < size; place += BLOCK) {
-        std::uint64_t found = end_bits(slice + place);
-        if (size - place < BLOCK) found &= (std::uint64_t{1} << (size - place)) - 1;
-        std::uint32_t* const behind = next + number_of_bits(found);
-        // Records being as long as they are, four are nearly always enough: storing them without
-        // a look at how many there are is quicker than a loop whose end nobody can foresee.
-#pragma GCC unroll 4
-        for (int i = 0; i < 4; ++i) {
-            next[i] = static_cast<std::uint32_t>(place) + lowest_bit(found);
-            found &= found - 1;
-        }
-        for (next += 4; found != 0; found &= found - 1) {
-            *next++ = static_cast<std::uint32_t>(place) +
-                      static_cast<std::uint32_t>(std::countr_zero(found));
-        }
-        next = behind;
-    }
-    return static_cast<std::size_t>(next - ends);
-}
-
-/// The number that eight digits make, two, four and eight at a time.
-ALWAYS_INLINE std::uint64_t eight_digits(const char* at) {
-    std::uint64_t number = little_endian<std::uint64_t>(at) & 0x0F0F0F0F0F0F0F0F;
-    number = number * 10 + (number >> 8);
-    return ((number & 0x000000FF000000FF) * 0x000F424000000064 +
-            (number >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
-           32;
-}
-
-ALWAYS_INLINE std::int64_t ten_digits(const char* at) {
-    const int low = (at[8] & 15) * 10 + (at[9] & 15);
-    return static_cast<std::int64_t>(eight_digits(at) * 100) + low;
-}
 
 /// Where the user ends: at '[' in a canonical record; null if nowhere in
 /// CanonicalFilter::USER_LIMIT bytes.
@@ -330,10 +211,10 @@ void count_piece(const RecordQuery& query, const CanonicalFilter& filter, std::s
     const char* at = piece.data();
     const char* const end = at + piece.size();
     std::int64_t earliest = tally->earliest;
-    std::array<std::uint32_t, SLICE + 4> ends;
+    WordEnds ends;
     for (const char* slice = at; slice < end; slice += SLICE) {
         const std::size_t size = std::min(SLICE, static_cast<std::size_t>(end - slice));
-        const std::size_t count = find_ends(slice, size, ends.data());
+        const std::size_t count = find_word_ends(slice, size, &ends);
         for (std::size_t i = 0; i < count; ++i) {
             const char* const stop = slice + ends[i];
             if (count_canonical<PER_DAY, HAS_FILTERS>(query, filter, at, stop, tally, &earliest)) {

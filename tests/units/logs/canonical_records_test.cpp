@@ -122,9 +122,9 @@ class RecordMaker {
     std::string record() {
         const char kind = pick("SDBPSDBPSDBPsdbpXK:");
         const char detail = pick("-KBRCad-KBRCad-kbrcADx:]<");
-        static const std::vector<std::string> values = {"-",  "-",   "0",   "5",   "7",  "23", "99",
-                                                        "05", "100", "119", "120", "-5", "x",  "",
-                                                        "5x", "-0",  "0-",  ":",   "<",  "5>"};
+        static const std::vector<std::string> values = {
+            "-", "-", "0",  "5",  "7",  "23", "99", "05", "100", "119", "120", "-5",
+            "x", "",  "5x", "-0", "0-", "5-", "--", "1-", ":",   "<",   "5>"};
         static const std::vector<std::string> commands = {"1",  "5",   "12", "54", "5",  "12", "0",
                                                           "05", "123", "",   "x",  "1x", ":",  "["};
         return time() + ":" + kind + ":" + user() + "[" + pick(commands) + "]" + detail + "<" +
@@ -247,7 +247,7 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
     }
     // The comparison is worth something only if both paths had something to do.
     EXPECT_GT(fast, 6000);
-    EXPECT_GT(counted_at_all, 100000);
+    EXPECT_GT(counted_at_all, 50000);
 }
 
 TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {
