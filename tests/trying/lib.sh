@@ -132,7 +132,7 @@ shows_rows() { # number of rows, arguments
 
 # --- a terminal of the test's own ---
 
-tmux_does() { tmux -L "$terminal_name" "$@"; }
+tmux_does() { tmux -N -L "$terminal_name" "$@"; }
 start_terminal() { # columns, rows
   needs tmux whiptail
   terminal_name=trying-$$
