@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include "dialog/messages.h"
 #include "main/answer_file.h"
@@ -68,12 +69,16 @@ std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
     return text;
 }
 
-/// The new text in the run's scratch file, on the disk.
+/// Puts the new text into the run's scratch file, on the disk.
 void write_scratch_file(std::string_view text) {
     const int file = create_temporary_file(t_file_name);
     if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
-    const bool written = write_all(file, text) == 0 && fsync(file) == 0;
-    if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
+    int error = write_all(file, text);
+    if (error == 0 && fsync(file) != 0) error = errno;
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error == 0) return;
+    gripe(filled(COULD_NOT_REPLACE, t_file_name.c_str(), std::strerror(error),
+                 filled(FILE_IS_UNCHANGED, ENTERPRIZE_PERMISSION_FILE.c_str()).c_str()));
 }
 
 /// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended

@@ -26,15 +26,6 @@ std::string unfinished_name(const std::string& path) {
            filled(".gatescope_new_%s", GLOBAL_PID_STRING.c_str());
 }
 
-/// Creates the unfinished file, with the permissions of any new file of the operator's; -1 when
-/// it cannot be.
-int create_unfinished(const std::string& unfinished) {
-    unlink(unfinished.c_str());
-    const int file = open(unfinished.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (file != -1) remember_temporary_file(unfinished);
-    return file;
-}
-
 /// Writes, syncs and closes; 0 or an errno.
 int fill(int file, const std::string& text) {
     int error = write_all(file, text);
@@ -62,7 +53,8 @@ int give_name(const std::string& unfinished, const std::string& path) {
 
 NewFile create_gatebits_file(const std::string& path, const std::string& text) {
     const std::string unfinished = unfinished_name(path);
-    const int file = create_unfinished(unfinished);
+    // With the permissions of any new file of the operator's.
+    const int file = create_temporary_file(unfinished, 0666);
     if (file == -1) return NewFile::NOT_PERMITTED;
     int error = fill(file, text);
     if (error == 0) error = give_name(unfinished, path);
