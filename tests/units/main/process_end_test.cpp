@@ -11,6 +11,7 @@
 
 #include "main/answer_file.h"
 #include "main/child.h"
+#include "main/signals.h"
 #include "main/temporary_files.h"
 #include "units/on_stage.h"
 
@@ -45,7 +46,7 @@ TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
 TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
         const int status = in_a_child([&] {
-            remove_temporary_files_on_signals();
+            end_in_order_on_signals();
             close(create_temporary_file(at("scratch")));
             raise(number);
         });
@@ -58,7 +59,7 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
 TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
     const int status = in_a_child([&] {
         signal(SIGHUP, SIG_IGN);
-        remove_temporary_files_on_signals();
+        end_in_order_on_signals();
         raise(SIGHUP);
         _exit(5);
     });
@@ -124,15 +125,21 @@ TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
     EXPECT_FALSE(answer.content().has_value());
 }
 
-TEST_F(ProcessEnd, AnAnswerThatIsADirectoryOrALinkIsNone) {
+TEST_F(ProcessEnd, AnAnswerThatIsADirectoryIsNone) {
     const AnswerFile answer(at("answer"));
     EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") + "' && rm answer && mkdir answer"), 0);
     EXPECT_FALSE(answer.content().has_value());
-    EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") +
-                           "' && rmdir answer && ln -s /etc/passwd "
-                           "answer"),
-              0);
-    EXPECT_FALSE(answer.content().has_value());
+    EXPECT_EQ(run_in_shell("rmdir '" + at("answer") + "'"), 0);
+}
+
+TEST_F(ProcessEnd, AnAnswerThatIsALinkIsNotFollowed) {
+    const int status = in_a_child([&] {
+        const AnswerFile answer(at("answer"));
+        run_in_shell("ln -sf /etc/passwd '" + at("answer") + "'");
+        if (answer.content()) _exit(1);
+        _exit(0);
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 99);
 }
 
 TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {
