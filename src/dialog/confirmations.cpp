@@ -8,6 +8,7 @@
 #include "main/process_end.h"
 #include "main/text.h"
 #include "messages/confirmation_texts.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 
@@ -181,7 +182,7 @@ int consent() {
 }
 
 void report(const std::string& text) {
-    if (std::getenv("ZUL_GATESCOPE_VERBOSITY") == nullptr) return;
+    if (std::getenv(ENV_VERBOSITY) == nullptr) return;
     TMSG = text;
     double_amp_string(TMSG);
     ask(TMSG, "yes", "yes");

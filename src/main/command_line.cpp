@@ -174,6 +174,11 @@ constexpr std::array<Parameter, 9> PARAMETERS = {{
 
 constexpr std::array<const char*, 2> OPTIONS_ANYWHERE = {ARG_DATA_GEN, ARG_DURING_INSTALL};
 
+constexpr bool is_known_argument(std::string_view spelling) {
+    return std::any_of(KNOWN_ARGUMENTS.begin(), KNOWN_ARGUMENTS.end(),
+                       [=](const KnownArgument& row) { return row.spelling == spelling; });
+}
+
 /// The manual and the completion are made from KNOWN_ARGUMENTS, so it has to hold what is parsed
 /// here, and nothing else.
 constexpr bool all_arguments_are_known() {

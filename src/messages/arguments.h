@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <string_view>
 
@@ -42,8 +41,3 @@ inline constexpr std::array<KnownArgument, 16> KNOWN_ARGUMENTS = {{
     {"D=", ArgumentPlace::ANYWHERE, false},
     {"R=", ArgumentPlace::ANYWHERE, false},
 }};
-
-constexpr bool is_known_argument(std::string_view spelling) {
-    return std::any_of(KNOWN_ARGUMENTS.begin(), KNOWN_ARGUMENTS.end(),
-                       [=](const KnownArgument& row) { return row.spelling == spelling; });
-}

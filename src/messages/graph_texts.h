@@ -28,7 +28,6 @@ inline constexpr char NO_BROWSER_DEFINED[] =
 inline constexpr char BROWSER_DOES_NOT_EXIST[] =
     "Gatescope query completed and html page\n(%s) was built, but Gatescope browser\n"
     "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
-inline constexpr char BROWSER_VARIABLE[] = "ZUL_GATESCOPE_BROWSER";
 /// Page file's name.
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
 /// Browser, path of the page. The page's path goes to the shell without quotes.

@@ -10,6 +10,7 @@
 #include "main/process_end.h"
 #include "main/text.h"
 #include "messages/alias_texts.h"
+#include "messages/environment.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 
@@ -169,7 +170,7 @@ std::string report_of(const Change& change, int count) {
         case REMOVE_ALIAS_REFERENCES:
             return reference_sentence(REFERENCES_REMOVED, count, reference);
         case CHANGE_ALIAS:
-            if (std::getenv("ZUL_GATESCOPE_VERBOSITY") == nullptr) return "";
+            if (std::getenv(ENV_VERBOSITY) == nullptr) return "";
             return filled(DEFINITION_CHANGED, change.name.c_str()) +
                    reference_sentence(REFERENCES_EFFECTED, count, reference);
         default:

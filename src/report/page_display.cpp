@@ -11,6 +11,7 @@
 #include "main/child.h"
 #include "main/filled.h"
 #include "main/selections.h"
+#include "messages/environment.h"
 #include "messages/graph_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
@@ -35,9 +36,9 @@ struct BrowserSource {
 /// file; nothing when neither defines one.
 std::optional<BrowserSource> choose_browser() {
     browser = GS_VAR[UNIX_BROWSER];
-    if (const char* wish = std::getenv(BROWSER_VARIABLE)) {
+    if (const char* wish = std::getenv(ENV_BROWSER)) {
         browser = wish;
-        return BrowserSource{"by", "the environmental variable", BROWSER_VARIABLE};
+        return BrowserSource{"by", "the environmental variable", ENV_BROWSER};
     }
     if (browser.empty()) return std::nullopt;
     return BrowserSource{"in", "the gatebits file", ENTERPRIZE_PERMISSION_FILE};

@@ -107,8 +107,7 @@ Finished run_to_the_end(const std::string& program, const std::string& name,
                         const std::vector<std::string>& args,
                         const std::map<std::string, std::string>& environment,
                         const std::string& directory) {
-    // Descendants whose parent has ended become children of this process, so none is missed.
-    prctl(PR_SET_CHILD_SUBREAPER, 1);
+    adopt_descendants();
     std::vector<std::string> arguments = {name};
     arguments.insert(arguments.end(), args.begin(), args.end());
     std::vector<std::string> settings;
@@ -132,4 +131,13 @@ Finished run_to_the_end(const std::string& program, const std::string& name,
         reap_all(finished, Clock::now() + PATIENCE);
     }
     return finished;
+}
+
+void adopt_descendants() {
+    prctl(PR_SET_CHILD_SUBREAPER, 1);
+}
+
+bool wait_for_all_descendants() {
+    Finished nobody;
+    return reap_all(nobody, Clock::now() + PATIENCE);
 }

@@ -21,3 +21,9 @@ Finished run_to_the_end(const std::string& program, const std::string& name,
                         const std::vector<std::string>& args,
                         const std::map<std::string, std::string>& environment,
                         const std::string& directory);
+
+/// Makes this process the parent of whatever its descendants leave behind.
+void adopt_descendants();
+
+/// Waits until this process has no descendants left. False when that takes longer than a minute.
+bool wait_for_all_descendants();

@@ -16,7 +16,7 @@ inline constexpr char STAGE_JOURNAL[] = "journal";
 inline constexpr char STAGE_LOCK[] = "lock";
 
 /// One call of a stand-in.
-struct Record {
+struct RecordedCall {
     /// The name that it was called by: "clearprompt", "gatewarden" ...
     std::string program;
     /// Its process id. The shell starts the children of a run one after the other, so ids tell
@@ -34,7 +34,7 @@ struct Record {
 };
 
 /// What a stand-in does when its turn comes.
-struct Answer {
+struct ScriptedAnswer {
     /// The kind of dialog that the scene expects: "yes_no", "text", "list", "file"; empty: any.
     std::string kind = {};
     int status = 0;
@@ -77,7 +77,7 @@ inline std::optional<std::string> take_optional(std::string_view& bytes) {
     return there ? std::optional<std::string>(text) : std::nullopt;
 }
 
-inline std::string to_bytes(const Record& record) {
+inline std::string to_bytes(const RecordedCall& record) {
     std::string bytes;
     put(bytes, record.program);
     put(bytes, record.pid);
@@ -90,8 +90,8 @@ inline std::string to_bytes(const Record& record) {
     return bytes;
 }
 
-inline Record take_record(std::string_view& bytes) {
-    Record record;
+inline RecordedCall take_record(std::string_view& bytes) {
+    RecordedCall record;
     record.program = take(bytes);
     record.pid = take_number(bytes);
     record.waited = take_number(bytes) == 1;
@@ -103,7 +103,7 @@ inline Record take_record(std::string_view& bytes) {
     return record;
 }
 
-inline std::string to_bytes(const Answer& answer) {
+inline std::string to_bytes(const ScriptedAnswer& answer) {
     std::string bytes;
     put(bytes, answer.kind);
     put(bytes, static_cast<long>(answer.status));
@@ -115,8 +115,8 @@ inline std::string to_bytes(const Answer& answer) {
     return bytes;
 }
 
-inline Answer take_answer(std::string_view& bytes) {
-    Answer answer;
+inline ScriptedAnswer take_answer(std::string_view& bytes) {
+    ScriptedAnswer answer;
     answer.kind = take(bytes);
     answer.status = static_cast<int>(take_number(bytes));
     answer.outfile = take_optional(bytes);

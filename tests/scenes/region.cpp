@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -52,16 +53,19 @@ std::string new_stage() {
 }
 
 /// Process ids come in the order of the starts, but begin anew behind the largest one.
-void sort_by_start(std::vector<Record>& calls, long first_pid) {
+void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
     const long largest = std::stol(content_of("/proc/sys/kernel/pid_max"));
-    const auto age = [&](const Record& call) { return (call.pid - first_pid + largest) % largest; };
-    std::stable_sort(calls.begin(), calls.end(),
-                     [&](const Record& one, const Record& other) { return age(one) < age(other); });
+    const auto age = [&](const RecordedCall& call) {
+        return (call.pid - first_pid + largest) % largest;
+    };
+    std::stable_sort(
+        calls.begin(), calls.end(),
+        [&](const RecordedCall& one, const RecordedCall& other) { return age(one) < age(other); });
 }
 
-std::vector<Record> read_journal(const fs::path& path) {
+std::vector<RecordedCall> read_journal(const fs::path& path) {
     const std::string bytes = content_of(path);
-    std::vector<Record> calls;
+    std::vector<RecordedCall> calls;
     for (std::string_view rest = bytes; !rest.empty();) calls.push_back(take_record(rest));
     return calls;
 }
@@ -174,7 +178,7 @@ std::string RegionPlan::gatebits_text() const {
 
 std::vector<Args> Result::calls_of(const std::string& program) const {
     std::vector<Args> found;
-    for (const Record& call : calls) {
+    for (const RecordedCall& call : calls) {
         if (call.program == program) found.push_back(call.args);
     }
     return found;
@@ -227,7 +231,7 @@ void Region::install_stand_ins(bool with_checker) const {
     }
 }
 
-Region& Region::script(const std::string& queue, const Answer& answer) {
+Region& Region::script(const std::string& queue, const ScriptedAnswer& answer) {
     std::ostringstream number;
     number.width(6);
     number.fill('0');
@@ -236,7 +240,7 @@ Region& Region::script(const std::string& queue, const Answer& answer) {
     return *this;
 }
 
-Region& Region::answers(const Answer& answer) {
+Region& Region::answers(const ScriptedAnswer& answer) {
     return script("clearprompt", answer);
 }
 
@@ -287,7 +291,7 @@ Region& Region::checker_ends_with(const std::vector<int>& statuses) {
     return *this;
 }
 
-Region& Region::program_answers(const std::string& program, const Answer& answer) {
+Region& Region::program_answers(const std::string& program, const ScriptedAnswer& answer) {
     return script(program, answer);
 }
 
@@ -305,9 +309,30 @@ Result Region::run_program(const std::string& program, const std::string& name, 
     result.err = finished.err;
     result.pid = finished.pid;
     EXPECT_FALSE(finished.timed_out) << "the program, or a child of it, never ended";
+    take_journal(result);
+    look_for_faults(result, in_tmp_before);
+    return result;
+}
+
+void Region::enter() const {
+    adopt_descendants();
+    for (const auto& [name, value] : env_) setenv(name.c_str(), value.c_str(), 1);
+}
+
+Result Region::shown_so_far() {
+    EXPECT_TRUE(wait_for_all_descendants()) << "a child never ended";
+    Result result;
+    result.pid = getpid();
+    take_journal(result);
+    look_for_faults(result, files_in("tmp"));
+    return result;
+}
+
+void Region::take_journal(Result& result) const {
     result.calls = read_journal(path(STAGE_JOURNAL));
+    fs::remove(path(STAGE_JOURNAL));
     sort_by_start(result.calls, result.pid);
-    for (const Record& call : result.calls) {
+    for (const RecordedCall& call : result.calls) {
         if (call.program != "clearprompt") continue;
         Dialog dialog{call.args, call.waited, call.shown};
         for (std::string& argument : dialog.args) {
@@ -315,13 +340,11 @@ Result Region::run_program(const std::string& program, const std::string& name, 
         }
         result.dialogs_.push_back(dialog);
     }
-    look_for_faults(result, in_tmp_before);
-    return result;
 }
 
 void Region::look_for_faults(const Result& result,
                              const std::vector<std::string>& in_tmp_before) const {
-    for (const Record& call : result.calls) {
+    for (const RecordedCall& call : result.calls) {
         if (call.error.empty()) continue;
         ADD_FAILURE() << call.error << ": " << call.program << " "
                       << testing::PrintToString(call.args);
@@ -331,7 +354,7 @@ void Region::look_for_faults(const Result& result,
         if (!entry.is_regular_file()) continue;
         const std::string bytes = content_of(entry.path());
         std::string_view rest = bytes;
-        const Answer answer = take_answer(rest);
+        const ScriptedAnswer answer = take_answer(rest);
         ADD_FAILURE() << "nobody asked for the answer " << entry.path().filename() << " of "
                       << entry.path().parent_path().filename() << ": " << answer.kind << " status "
                       << answer.status << " '" << answer.outfile.value_or("") << "'";

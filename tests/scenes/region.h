@@ -79,7 +79,7 @@ struct Result {
     std::string err;
     long pid = 0;
     /// Every call of a stand-in, in order of its start.
-    std::vector<Record> calls;
+    std::vector<RecordedCall> calls;
 
     /// What the operator was shown, in order.
     Dialogs dialogs() const { return dialogs_; }
@@ -116,18 +116,24 @@ class Region {
     /// Cancels a list, a prompt or a file dialog.
     Region& cancels();
     /// Anything else.
-    Region& answers(const Answer& answer);
+    Region& answers(const ScriptedAnswer& answer);
     /// The next box with one button ends with this status, whatever it shows.
     Region& box_ends_with(int status);
     /// The next runs of the checker end with these exit statuses; 0 after them.
     Region& checker_ends_with(const std::vector<int>& statuses);
     /// The next call of "gatewarden", "cleartool" or "browser".
-    Region& program_answers(const std::string& program, const Answer& answer);
+    Region& program_answers(const std::string& program, const ScriptedAnswer& answer);
 
     /// Runs gatescope and waits for it and for everything that it started.
     Result run(const Args& args = {});
     /// Runs another program in its place, with this argv[0].
     Result run_program(const std::string& program, const std::string& name, const Args& args);
+
+    /// Puts this process itself on the stage: from now on what it starts are the stand-ins, in the
+    /// stage's environment. For tests of single functions.
+    void enter() const;
+    /// What has been shown since this process entered the stage or asked last.
+    Result shown_so_far();
 
     /// A path on the stage.
     std::string path(const std::string& name) const;
@@ -158,8 +164,9 @@ class Region {
     std::string staged(std::string text) const;
 
   private:
-    Region& script(const std::string& queue, const Answer& answer);
+    Region& script(const std::string& queue, const ScriptedAnswer& answer);
     void install_stand_ins(bool with_checker) const;
+    void take_journal(Result& result) const;
     void look_for_faults(const Result& result, const std::vector<std::string>& in_tmp_before) const;
 
     std::string stage_;

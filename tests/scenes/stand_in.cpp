@@ -31,7 +31,7 @@ std::string content_of(const fs::path& path) {
 }
 
 /// The value behind an option, if that is there.
-std::optional<std::string> option(const Record& record, const std::string& name) {
+std::optional<std::string> option(const RecordedCall& record, const std::string& name) {
     const auto found = std::find(record.args.begin(), record.args.end(), name);
     if (found == record.args.end() || found + 1 == record.args.end()) return std::nullopt;
     return *(found + 1);
@@ -44,14 +44,14 @@ bool is_waited_for() {
     return action.sa_handler != SIG_IGN;
 }
 
-bool is_box_with_one_button(const Record& record) {
+bool is_box_with_one_button(const RecordedCall& record) {
     return record.program == "clearprompt" && !record.args.empty() &&
            record.args.front() == "yes_no" &&
            option(record, "-mask").value_or(",").find(',') == std::string::npos;
 }
 
 /// Takes the next scripted answer of `queue` away, under the stage's lock.
-std::optional<Answer> next_answer(const fs::path& stage, const std::string& queue) {
+std::optional<ScriptedAnswer> next_answer(const fs::path& stage, const std::string& queue) {
     const int lock = open((stage / STAGE_LOCK).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     flock(lock, LOCK_EX);
     std::vector<fs::path> files;
@@ -60,7 +60,7 @@ std::optional<Answer> next_answer(const fs::path& stage, const std::string& queu
             files.push_back(entry.path());
         }
     }
-    std::optional<Answer> answer;
+    std::optional<ScriptedAnswer> answer;
     if (!files.empty()) {
         const fs::path first = *std::min_element(files.begin(), files.end());
         const std::string bytes = content_of(first);
@@ -72,13 +72,13 @@ std::optional<Answer> next_answer(const fs::path& stage, const std::string& queu
     return answer;
 }
 
-bool is_offered(const Record& record, const std::string& pick) {
+bool is_offered(const RecordedCall& record, const std::string& pick) {
     const std::string items = "," + option(record, "-items").value_or("") + ",";
     return items.find("," + pick + ",") != std::string::npos;
 }
 
 /// Why the scripted answer does not fit the dialog; empty when it does.
-std::string misfit(const Record& record, const Answer& answer) {
+std::string misfit(const RecordedCall& record, const ScriptedAnswer& answer) {
     const std::string kind = record.args.empty() ? "" : record.args.front();
     if (!answer.kind.empty() && answer.kind != kind) {
         return "a " + kind + " dialog came where the scene answers a " + answer.kind + " dialog";
@@ -92,7 +92,7 @@ std::string misfit(const Record& record, const Answer& answer) {
     return "";
 }
 
-void write_down(const fs::path& stage, const Record& record) {
+void write_down(const fs::path& stage, const RecordedCall& record) {
     const std::string bytes = to_bytes(record);
     const int journal =
         open((stage / STAGE_JOURNAL).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
@@ -100,7 +100,7 @@ void write_down(const fs::path& stage, const Record& record) {
     close(journal);
 }
 
-int perform(const fs::path& stage, const Record& record, const Answer& answer) {
+int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAnswer& answer) {
     std::this_thread::sleep_for(std::chrono::milliseconds(answer.delay_milliseconds));
     if (!answer.meanwhile.empty()) {
         const std::string command = "cd '" + stage.string() + "' && " + answer.meanwhile;
@@ -119,7 +119,7 @@ int perform(const fs::path& stage, const Record& record, const Answer& answer) {
 int main(int argc, char** argv) {
     const fs::path self = fs::read_symlink("/proc/self/exe");
     const fs::path stage = self.parent_path().parent_path();
-    Record record;
+    RecordedCall record;
     record.program = self.filename();
     record.pid = getpid();
     record.waited = is_waited_for();
@@ -128,16 +128,16 @@ int main(int argc, char** argv) {
     if (const auto file = option(record, "-dfile")) record.shown = content_of(*file);
 
     const bool is_box = is_box_with_one_button(record);
-    std::optional<Answer> answer = next_answer(stage, is_box ? "box" : record.program);
+    std::optional<ScriptedAnswer> answer = next_answer(stage, is_box ? "box" : record.program);
     if (!answer) {
-        answer = Answer();
+        answer = ScriptedAnswer();
         if (record.program == "clearprompt" && !is_box) {
             answer->status = NO_ANSWER;
             record.error = "the scene has no answer for this dialog";
         }
     } else if (const std::string why = misfit(record, *answer); !why.empty()) {
         record.error = why;
-        answer = Answer();
+        answer = ScriptedAnswer();
         answer->status = NO_ANSWER;
     }
     write_down(stage, record);
