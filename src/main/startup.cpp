@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "dialog/messages.h"
 #include "main/answer_file.h"
@@ -47,14 +48,15 @@ const std::string* user_is(std::string name) {
     return &_CALCULATED_USER;
 }
 
-/// The text behind "user=" in the cookie, up to ";"; empty when there is none. The plain search
-/// also finds a cookie whose name merely ends so.
-std::string user_in_cookie() {
+/// The text behind "user=" in the cookie, up to ";", if anything follows it at all. The plain
+/// search also finds a cookie whose name merely ends so.
+std::optional<std::string> user_in_cookie() {
     const char* cookie = std::getenv(ENV_COOKIE);
     const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
-    if (found == nullptr) return "";
+    if (found == nullptr) return std::nullopt;
     const char* value = found + std::strlen("user=");
-    return {value, std::strcspn(value, ";")};
+    if (*value == '\0') return std::nullopt;
+    return std::string(value, std::strcspn(value, ";"));
 }
 
 /// What stands behind a domain ("DOMAIN\op") or a path ("a/b/op").
@@ -125,8 +127,7 @@ const std::string* calculated_user() {
         const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
         if (name != nullptr) return user_is(name);
     }
-    const std::string cookie_user = user_in_cookie();
-    if (!cookie_user.empty()) return user_is(cookie_user);
+    if (const auto cookie_user = user_in_cookie()) return user_is(*cookie_user);
     const passwd* entry = getpwuid(geteuid());
     return entry != nullptr ? user_is(entry->pw_name) : nullptr;
 }

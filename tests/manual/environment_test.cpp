@@ -81,5 +81,9 @@ TEST(Environment, HasEveryVariableOfTheSourcesInItsTableAndNoOther) {
 }
 
 TEST(Environment, IsReadInNoOtherWay) {
-    EXPECT_FALSE(std::regex_search(all_sources(), std::regex(R"(\benviron\b|secure_getenv)")));
+    // A child is handed the whole environment; nobody may look into it that way.
+    const std::string source = all_sources();
+    const std::regex other_way(R"(\benviron\b|secure_getenv)");
+    const std::regex handed_on(R"(posix_spawn\([^;]*\benviron\))");
+    EXPECT_FALSE(std::regex_search(std::regex_replace(source, handed_on, ""), other_way));
 }

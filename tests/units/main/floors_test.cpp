@@ -21,13 +21,14 @@ struct Floor {
     const char* folder;
     std::set<std::string> files;
 };
-const std::vector<Floor> EXCEPTIONS = {{8, "main", {"main", "command_line", "main_loop"}},
-                                       {6, "dialog", {"confirmations"}},
-                                       {2, "dialog", {"messages", "clearprompt"}},
-                                       {2,
-                                        "main",
-                                        {"process_end", "temporary_files", "child", "filled",
-                                         "answer_file", "replace_file", "file_identity"}}};
+const std::vector<Floor> EXCEPTIONS = {
+    {8, "main", {"main", "command_line", "main_loop"}},
+    {6, "dialog", {"confirmations"}},
+    {2, "dialog", {"messages", "clearprompt"}},
+    {2,
+     "main",
+     {"process_end", "signals", "temporary_files", "child", "filled", "answer_file", "replace_file",
+      "file_identity"}}};
 const std::vector<Floor> FOLDERS = {{7, "actions", {}}, {7, "queries", {}}, {6, "report", {}},
                                     {5, "policy", {}},  {5, "logs", {}},    {4, "dialog", {}},
                                     {3, "main", {}},    {1, "messages", {}}};

@@ -1,5 +1,4 @@
 #include "main/process_end.h"
-#include "main/signals.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -12,6 +11,7 @@
 
 #include "main/answer_file.h"
 #include "main/child.h"
+#include "main/signals.h"
 #include "main/temporary_files.h"
 #include "units/on_stage.h"
 
@@ -44,7 +44,7 @@ TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
 }
 
 TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
         const int status = in_a_child([&] {
             end_in_order_on_signals();
             close(create_temporary_file(at("scratch")));
@@ -125,15 +125,21 @@ TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
     EXPECT_FALSE(answer.content().has_value());
 }
 
-TEST_F(ProcessEnd, AnAnswerThatIsADirectoryOrALinkIsNone) {
+TEST_F(ProcessEnd, AnAnswerThatIsADirectoryIsNone) {
     const AnswerFile answer(at("answer"));
     EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") + "' && rm answer && mkdir answer"), 0);
     EXPECT_FALSE(answer.content().has_value());
-    EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") +
-                           "' && rmdir answer && ln -s /etc/passwd "
-                           "answer"),
-              0);
-    EXPECT_FALSE(answer.content().has_value());
+    EXPECT_EQ(run_in_shell("rmdir '" + at("answer") + "'"), 0);
+}
+
+TEST_F(ProcessEndDeathTest, AnAnswerIsNotReadThroughALink) {
+    const AnswerFile answer(at("answer"));
+    EXPECT_EQ(run_in_shell("ln -sf /etc/passwd '" + at("answer") + "'"), 0);
+    bool failed = false;
+    EXPECT_FALSE(answer.content(100, &failed).has_value());
+    EXPECT_TRUE(failed);
+    EXPECT_EXIT(answer.content(), testing::ExitedWithCode(99), "");
+    region.shown_so_far();
 }
 
 TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {

@@ -67,6 +67,11 @@ TEST_F(Startup, ACookieWhoseNameMerelyEndsSoMatches) {
     EXPECT_EQ(user(), "eve");
 }
 
+TEST_F(Startup, ACookieWithAnEmptyUserAndMoreBehindItIsAName) {
+    set("HTTP_COOKIE", "user=;sid=7");
+    EXPECT_EQ(user(), "");
+}
+
 TEST_F(Startup, ACookieWithoutAUserLeavesItToThePasswordDatabase) {
     const passwd* entry = getpwuid(geteuid());
     ASSERT_NE(entry, nullptr);
