@@ -16,12 +16,15 @@ struct Request {
     const char* label;
     /// The same in the lite edition's wording; null where it does not differ.
     const char* lite_label;
-    /// What runs it, the guard included where the request has one.
-    void (*run)();
+    /// What does its work, without the guard.
+    void (*handler)();
     /// Whether the gatebits file is checked before and after (A_X runs the handler).
     bool guarded;
     /// Whether it does its work when the installer started the program.
     bool during_install;
+
+    /// Runs the request, with the guard where it has one.
+    void run() const;
 };
 
 /// Which menu is shown: 1 the main menu, 2 the view/change submenu. Set by the command line, the

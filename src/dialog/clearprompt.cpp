@@ -6,11 +6,12 @@
 #include <string_view>
 
 #include "main/filled.h"
+#include "messages/environment.h"
 
 namespace {
 
 bool quoting_is_strict() {
-    const char* wish = std::getenv("ZUL_GATESCOPE_STRICT_QUOTING");
+    const char* wish = std::getenv(ENV_STRICT_QUOTING);
     return wish != nullptr && strcasecmp(wish, "yes") == 0;
 }
 

@@ -15,6 +15,7 @@
 #include "main/filled.h"
 #include "main/process_end.h"
 #include "main/replace_file.h"
+#include "main/signals.h"
 #include "main/startup.h"
 #include "main/temporary_files.h"
 #include "main/text.h"
@@ -54,17 +55,28 @@ std::string several_picks(const AnswerFile& answer) {
     return picks;
 }
 
+bool is_ours_alone(int file) {
+    struct stat status;
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+           status.st_uid == geteuid();
+}
+
+/// Opens the file for appending, creating it where needed; -1 when that cannot be, or when it is
+/// not ours alone.
+int open_default(const std::string& path) {
+    const SignalsHeld held;
+    const int file = open(
+        path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (file == -1 || !is_ours_alone(file)) return -1;
+    remember_temporary_file(path);
+    return file;
+}
+
 /// Adds `text` to the file that a prompt takes its default from. What somebody else put there is
 /// not written to.
 void append_default(const std::string& path, const std::string& text) {
-    const int file =
-        open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC, 0600);
-    struct stat status;
-    if (file == -1 || fstat(file, &status) != 0 || !S_ISREG(status.st_mode) ||
-        status.st_nlink != 1 || status.st_uid != geteuid()) {
-        gripe(CANNOT_CREATE_TEMP_FILE);
-    }
-    remember_temporary_file(path);
+    const int file = open_default(path);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
     const bool written = write_all(file, c_text(text)) == 0;
     if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
 }

@@ -7,9 +7,12 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 
 #include "dialog/messages.h"
+#include "main/filled.h"
 #include "main/process_end.h"
+#include "main/signals.h"
 #include "main/temporary_files.h"
 #include "messages/startup_texts.h"
 
@@ -24,11 +27,25 @@ bool was_written(int descriptor) {
            (status.st_size != 0 || status.st_mtim.tv_sec != 0);
 }
 
+/// At most `limit` bytes of the file; 0 or an errno.
+int read_answer(int descriptor, std::size_t limit, std::string* text) {
+    std::array<char, 4096> chunk;
+    while (text->size() < limit) {
+        const std::size_t wanted = std::min(chunk.size(), limit - text->size());
+        const ssize_t got = read(descriptor, chunk.data(), wanted);
+        if (got == 0) return 0;
+        if (got > 0) text->append(chunk.data(), static_cast<std::size_t>(got));
+        if (got < 0 && errno != EINTR) return errno;
+    }
+    return 0;
+}
+
 }  // namespace
 
-int create_temporary_file(const std::string& path) {
+int create_temporary_file(const std::string& path, mode_t mode) {
+    const SignalsHeld held;
     unlink(path.c_str());
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor != -1) remember_temporary_file(path);
     return descriptor;
 }
@@ -50,23 +67,15 @@ AnswerFile::~AnswerFile() {
 }
 
 std::optional<std::string> AnswerFile::content(std::size_t limit, bool* failed) const {
-    if (failed != nullptr) *failed = false;
     const int descriptor = open(path_.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor == -1) return std::nullopt;
-    if (!was_written(descriptor)) {
-        close(descriptor);
-        return std::nullopt;
-    }
+    int error = descriptor == -1 ? errno : 0;
     std::string text;
-    std::array<char, 4096> chunk;
-    while (text.size() < limit) {
-        const ssize_t got =
-            read(descriptor, chunk.data(), std::min(chunk.size(), limit - text.size()));
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0 && failed != nullptr) *failed = true;
-        if (got <= 0) break;
-        text.append(chunk.data(), static_cast<std::size_t>(got));
+    const bool answered = descriptor != -1 && was_written(descriptor);
+    if (answered) error = read_answer(descriptor, limit, &text);
+    if (descriptor != -1) close(descriptor);
+    if (failed != nullptr) *failed = error != 0;
+    if (error != 0 && error != ENOENT && failed == nullptr) {
+        gripe(filled(CANNOT_READ_ANSWER, path_.c_str(), std::strerror(error)));
     }
-    close(descriptor);
-    return text;
+    return answered ? std::optional(text) : std::nullopt;
 }

@@ -1,13 +1,15 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstddef>
 #include <optional>
 #include <string>
 
-/// Creates `path` for writing, exclusively and with mode 0600, after removing what stood under
-/// that name; a link is never followed. The file is on the list of temporary files from then on.
-/// The descriptor, or -1 with errno set.
-int create_temporary_file(const std::string& path);
+/// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
+/// never followed. The file is on the list of temporary files from then on. The descriptor, or -1
+/// with errno set.
+int create_temporary_file(const std::string& path, mode_t mode = 0600);
 
 /// Removes a temporary file and takes it off the list.
 void remove_temporary_file(const std::string& path);
@@ -25,7 +27,8 @@ class AnswerFile {
     [[nodiscard]] const std::string& path() const { return path_; }
 
     /// What the dialog wrote, at most `limit` bytes of it. Nothing when it did not write the file
-    /// or the file is gone; `*failed`, where given, says that reading it failed.
+    /// or the file is gone. Half an answer is none: when it cannot be read, `*failed` says so, and
+    /// without `failed` this gripes.
     [[nodiscard]] std::optional<std::string> content(std::size_t limit = std::string::npos,
                                                      bool* failed = nullptr) const;
 

@@ -6,4 +6,11 @@
 /// runs `command` in the shell, waits for it and returns the status as the shell call gives it
 /// (exit status times 256, or the number of the signal that ended it; -1 when no child could be
 /// started). The command ends at its first NUL.
+///
+/// Unlike std::system it leaves the signals alone: whoever interrupts a dialog ends the program
+/// too, and not only the dialog.
 int run_in_shell(const std::string& command);
+
+/// For signal handlers: sends the signal to the child that run_in_shell is waiting for, if there
+/// is one, and waits for its end, though no longer than a second.
+void end_running_child(int signal_number);

@@ -17,7 +17,9 @@
 #include "main/process_end.h"
 #include "main/selections.h"
 #include "main/text.h"
+#include "messages/arguments.h"
 #include "messages/command_line_texts.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
@@ -138,7 +140,7 @@ void take_repeat(const Argument& argument) {
 void take_file(const Argument& argument) {
     file_was_named = true;
     ENTERPRIZE_PERMISSION_FILE = argument.value;
-    const int file = open(argument.value.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = open(argument.value.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     file_selected = file != -1;
     if (file != -1) close(file);
 }
@@ -170,6 +172,31 @@ constexpr std::array<Parameter, 9> PARAMETERS = {{
     {'U', &user_selected, &user_selected, false, take_user},
 }};
 
+constexpr std::array<const char*, 2> OPTIONS_ANYWHERE = {ARG_DATA_GEN, ARG_DURING_INSTALL};
+
+constexpr bool is_known_argument(std::string_view spelling) {
+    return std::any_of(KNOWN_ARGUMENTS.begin(), KNOWN_ARGUMENTS.end(),
+                       [=](const KnownArgument& row) { return row.spelling == spelling; });
+}
+
+/// The manual and the completion are made from KNOWN_ARGUMENTS, so it has to hold what is parsed
+/// here, and nothing else.
+constexpr bool all_arguments_are_known() {
+    const bool parameters =
+        std::all_of(PARAMETERS.begin(), PARAMETERS.end(), [](const Parameter& parameter) {
+            const std::array<char, 2> spelling = {parameter.letter, '='};
+            return is_known_argument({spelling.data(), spelling.size()});
+        });
+    const bool options =
+        std::all_of(SOLE_OPTIONS.begin(), SOLE_OPTIONS.end(),
+                    [](const SoleOption& option) { return is_known_argument(option.word); }) &&
+        std::all_of(OPTIONS_ANYWHERE.begin(), OPTIONS_ANYWHERE.end(), is_known_argument);
+    return parameters && options &&
+           PARAMETERS.size() + SOLE_OPTIONS.size() + OPTIONS_ANYWHERE.size() ==
+               KNOWN_ARGUMENTS.size();
+}
+static_assert(all_arguments_are_known());
+
 void refuse_duplicate(const Parameter& parameter) {
     if (!*parameter.duplicate_flag) return;
     if (parameter.duplicate_is_bit_fault) {
@@ -194,7 +221,7 @@ void take_parameter(const std::string& argument) {
 bool take_file_from_environment(const char* named) {
     if (named == nullptr) return false;
     ENTERPRIZE_PERMISSION_FILE = named;
-    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_CLOEXEC);
+    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     return ENTERPRIZE_PERMISSION_FILE_FD != -1;
 }
 

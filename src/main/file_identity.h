@@ -3,8 +3,8 @@
 #include <string>
 
 /// Gives the open file `to` the owner, group, mode and extended attributes (access control lists
-/// among them) of the open file `from`. 0, or the errno of the first that could not be carried
-/// over.
+/// among them) of the open file `from`, and takes away what that one does not have. 0, or the errno
+/// of the first that could not be carried over.
 int carry_over_identity(int from, int to);
 
 /// Brings the directory that holds `path` to the disk, so that a rename in it survives a crash.

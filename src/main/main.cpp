@@ -8,8 +8,8 @@
 #include "main/command_line.h"
 #include "main/main_loop.h"
 #include "main/selections.h"
+#include "main/signals.h"
 #include "main/startup.h"
-#include "main/temporary_files.h"
 #include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
@@ -19,7 +19,7 @@ int main(int argument_count, char** argument_vector) {
     const std::vector<std::string> words(argument_vector, argument_vector + argument_count);
     const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
 
-    remove_temporary_files_on_signals();
+    end_in_order_on_signals();
     clean_start();
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();

@@ -1,10 +1,10 @@
 #include "main/replace_file.h"
 
 #include <fcntl.h>
-#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -13,6 +13,7 @@
 #include "main/answer_file.h"
 #include "main/file_identity.h"
 #include "main/filled.h"
+#include "main/signals.h"
 #include "main/temporary_files.h"
 #include "messages/startup_texts.h"
 
@@ -24,7 +25,7 @@ enum Outcome { REPLACED, NOT_POSSIBLE_HERE };
 /// The file that `path` names in the end, links followed; `path` itself when it names none.
 std::string target_of(const std::string& path) {
     char* resolved = realpath(path.c_str(), nullptr);
-    const std::string target = resolved != nullptr ? resolved : path;
+    std::string target = resolved != nullptr ? resolved : path;
     std::free(resolved);
     return target;
 }
@@ -45,15 +46,20 @@ int write_and_sync(int descriptor, std::string_view text) {
     return fsync(descriptor) == 0 ? 0 : errno;
 }
 
-/// A name for the new file: in the same directory, so that it can be renamed, and hidden.
-std::string name_beside(const std::string& path) {
-    const auto base = path.rfind('/') + 1;
-    return path.substr(0, base) + "." + path.substr(base) + filled(".gatescope-%d", getpid());
+/// Creates the new file in the same directory, so that it can be renamed; hidden, and under a name
+/// that nobody can have put anything under. The descriptor, or -1 with errno set.
+int create_beside(const std::string& path, std::string* new_path) {
+    const SignalsHeld held;
+    *new_path = path.substr(0, path.rfind('/') + 1) + ".gatescope_XXXXXX";
+    const int descriptor = mkostemp(new_path->data(), O_CLOEXEC);
+    if (descriptor != -1) remember_temporary_file(*new_path);
+    return descriptor;
 }
 
+/// Whether the directory, and not the disk, is the reason. A file that something is mounted on is
+/// busy or on another device.
 bool is_refusal(int error) {
-    return error == EACCES || error == EPERM || error == EROFS || error == EEXIST ||
-           error == ENAMETOOLONG;
+    return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
 /// Fills the new file and renames it. The old file is untouched whenever this gripes or gives up.
@@ -84,9 +90,9 @@ Outcome put_in_place(int old_file, int new_file, const std::string& new_path,
 Outcome replace_by_rename(int old_file, const std::string& path, std::string_view text) {
     struct stat status;
     if (fstat(old_file, &status) != 0) gripe_unchanged(path, errno);
-    if (status.st_nlink != 1) return NOT_POSSIBLE_HERE;
-    const std::string new_path = name_beside(path);
-    const int new_file = create_temporary_file(new_path);
+    if (status.st_nlink > 1) return NOT_POSSIBLE_HERE;
+    std::string new_path;
+    const int new_file = create_beside(path, &new_path);
     if (new_file == -1) {
         if (!is_refusal(errno)) gripe_unchanged(path, errno);
         return NOT_POSSIBLE_HERE;
@@ -94,57 +100,57 @@ Outcome replace_by_rename(int old_file, const std::string& path, std::string_vie
     return put_in_place(old_file, new_file, new_path, path, text);
 }
 
-/// While a file is being rewritten in place no signal may stop us halfway.
-class SignalsHeld {
-  public:
-    SignalsHeld() {
-        sigset_t signals;
-        sigemptyset(&signals);
-        for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGTSTP}) sigaddset(&signals, number);
-        sigprocmask(SIG_BLOCK, &signals, &before_);
-    }
-    ~SignalsHeld() { sigprocmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-
-  private:
-    sigset_t before_;
-};
-
-/// The part that makes the file longer goes first: when the disk is full the old text is still
-/// whole, and cutting the file back undoes everything.
-void grow(int file, const std::string& path, std::string_view text, std::size_t old_size) {
-    if (text.size() <= old_size) return;
-    int error = lseek(file, static_cast<off_t>(old_size), SEEK_SET) == -1
-                    ? errno
-                    : write_and_sync(file, text.substr(old_size));
-    if (error == 0) return;
-    if (ftruncate(file, static_cast<off_t>(old_size)) == 0) gripe_unchanged(path, error);
+/// Makes the file as long as the new text by blank lines behind the old, which mean nothing to
+/// its readers: when the disk is full, we learn it before anything is lost. 0, or an errno, and
+/// the file is then as it was.
+int make_room(int file, std::size_t old_size, std::size_t new_size) {
+    if (new_size <= old_size) return 0;
+    const auto end = static_cast<off_t>(old_size);
+    if (lseek(file, end, SEEK_SET) == -1) return errno;
+    const int error = write_and_sync(file, std::string(new_size - old_size, '\n'));
+    // Should cutting back fail too, it still is the old text, with blank lines behind it.
+    if (error != 0 && ftruncate(file, end) != 0) return error;
+    return error;
 }
 
-/// 0 or an errno.
-int overwrite(int file, std::string_view text) {
+/// Writes the text over the old one, in one piece and with blank lines over what is left of it, so
+/// that a reader meanwhile finds nothing of both. 0 or an errno.
+int overwrite(int file, std::string_view text, std::size_t old_size) {
+    std::string padded(text);
+    padded.resize(std::max(text.size(), old_size), '\n');
     if (lseek(file, 0, SEEK_SET) == -1) return errno;
-    if (const int error = write_all(file, text)) return error;
+    if (const int error = write_all(file, padded)) return error;
     if (ftruncate(file, static_cast<off_t>(text.size())) != 0) return errno;
     return fsync(file) == 0 ? 0 : errno;
 }
 
-void rewrite_in_place(const std::string& path, std::string_view text,
-                      const std::string& safe_copy) {
-    const int file = open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_CLOEXEC);
-    struct stat status;
-    if (file == -1 || fstat(file, &status) != 0) gripe_unchanged(path, errno);
+struct InPlace {
+    int error;
+    bool begun;
+};
+
+/// No signal may stop this halfway.
+InPlace try_in_place(int file, std::string_view text, const std::string& safe_copy) {
     const SignalsHeld held;
-    grow(file, path, text, static_cast<std::size_t>(status.st_size));
+    struct stat status;
+    if (fstat(file, &status) != 0) return {errno, false};
+    const auto old_size = static_cast<std::size_t>(status.st_size);
+    if (const int error = sync_directory_of(safe_copy)) return {error, false};
+    if (const int error = make_room(file, old_size, text.size())) return {error, false};
     // From here on the copy is the only whole text until the file is.
     forget_temporary_file(safe_copy);
-    int error = overwrite(file, text);
-    if (close(file) != 0 && error == 0) error = errno;
-    if (error != 0) {
-        gripe_about(path, std::strerror(error),
-                    filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
-    }
+    const int error = overwrite(file, text, old_size);
+    if (error == 0) remove_temporary_file(safe_copy);
+    return {error, true};
+}
+
+void rewrite_in_place(int file, const std::string& path, std::string_view text,
+                      const std::string& safe_copy) {
+    const InPlace result = try_in_place(file, text, safe_copy);
+    if (result.error == 0) return;
+    if (!result.begun) gripe_unchanged(path, result.error);
+    gripe_about(path, std::strerror(result.error),
+                filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
 }
 
 }  // namespace
@@ -162,7 +168,7 @@ void replace_file(const std::string& path, std::string_view text, const std::str
         gripe_about(target, NOT_A_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
     }
     if (replace_by_rename(old_file, target, text) != REPLACED) {
-        rewrite_in_place(target, text, safe_copy);
+        rewrite_in_place(old_file, target, text, safe_copy);
     }
     close(old_file);
     remove_temporary_file(safe_copy);

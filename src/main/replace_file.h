@@ -10,7 +10,8 @@
 /// The new file is written beside the old one and renamed. Where that cannot be done (hard links,
 /// a directory that does not let us, an attribute that cannot be carried over) the old file is
 /// rewritten in place, and `safe_copy`, a temporary file that the caller has written `text` to,
-/// stays until that is done.
+/// stays until that is done. For a moment it may then have blank lines at its end, so this is for
+/// texts in which those mean nothing.
 ///
 /// A failure ends the program through gripe with a text that names the file, the reason and the
 /// state in which it and the copy were left. `safe_copy` is removed unless it holds the only

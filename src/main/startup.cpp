@@ -7,12 +7,14 @@
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 
 #include "dialog/messages.h"
 #include "main/answer_file.h"
 #include "main/filled.h"
 #include "main/process_end.h"
 #include "main/text.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
@@ -39,21 +41,22 @@ struct TempDirSource {
     const char* variable;
     const char* spelled;
 };
-constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{"tmp", "TMP"}, {"temp", "TEMP"}}};
+constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
 
 const std::string* user_is(std::string name) {
     _CALCULATED_USER = STRING_LOWER(name);
     return &_CALCULATED_USER;
 }
 
-/// The text behind "user=" in the cookie, up to ";"; empty when there is none. The plain search
-/// also finds a cookie whose name merely ends so.
-std::string user_in_cookie() {
-    const char* cookie = std::getenv("HTTP_COOKIE");
+/// The text behind "user=" in the cookie, up to ";", if anything follows it at all. The plain
+/// search also finds a cookie whose name merely ends so.
+std::optional<std::string> user_in_cookie() {
+    const char* cookie = std::getenv(ENV_COOKIE);
     const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
-    if (found == nullptr) return "";
+    if (found == nullptr) return std::nullopt;
     const char* value = found + std::strlen("user=");
-    return {value, std::strcspn(value, ";")};
+    if (*value == '\0') return std::nullopt;
+    return std::string(value, std::strcspn(value, ";"));
 }
 
 /// What stands behind a domain ("DOMAIN\op") or a path ("a/b/op").
@@ -112,7 +115,7 @@ void clean_start() {
     const std::string* user = calculated_user();
     if (user == nullptr) gripe(NO_USER);
     _CALCULATED_USER = without_domain(*user);
-    const char* no_gui = std::getenv("ZUL_PREFER_NO_GUI");
+    const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
     TMSG.clear();
     look_at_the_client();
@@ -124,8 +127,7 @@ const std::string* calculated_user() {
         const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
         if (name != nullptr) return user_is(name);
     }
-    const std::string cookie_user = user_in_cookie();
-    if (!cookie_user.empty()) return user_is(cookie_user);
+    if (const auto cookie_user = user_in_cookie()) return user_is(*cookie_user);
     const passwd* entry = getpwuid(geteuid());
     return entry != nullptr ? user_is(entry->pw_name) : nullptr;
 }

@@ -1,6 +1,5 @@
 #include "main/temporary_files.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <array>
@@ -14,14 +13,6 @@ namespace {
 // paths; a slot that is null is free. The program never has more than a handful at a time.
 std::array<std::atomic<char*>, 16> slots;
 static_assert(std::atomic<char*>::is_always_lock_free);
-
-extern "C" void end_by_signal(int number) {
-    for (auto& slot : slots) {
-        if (const char* path = slot.load()) unlink(path);
-    }
-    signal(number, SIG_DFL);
-    raise(number);
-}
 
 }  // namespace
 
@@ -54,13 +45,8 @@ void remove_temporary_files() {
     }
 }
 
-void remove_temporary_files_on_signals() {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
-        struct sigaction action = {};
-        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
-        action.sa_handler = end_by_signal;
-        sigemptyset(&action.sa_mask);
-        action.sa_flags = 0;
-        sigaction(number, &action, nullptr);
+void unlink_temporary_files() {
+    for (auto& slot : slots) {
+        if (const char* path = slot.load()) unlink(path);
     }
 }

@@ -14,6 +14,5 @@ void forget_temporary_file(const std::string& path);
 /// Removes every file on the list and empties it.
 void remove_temporary_files();
 
-/// From now on SIGINT, SIGTERM and SIGHUP remove the files on the list before they end the
-/// process as they would have without this. A signal that was ignored at start stays ignored.
-void remove_temporary_files_on_signals();
+/// For signal handlers: removes every file on the list and leaves the list as it is.
+void unlink_temporary_files();

@@ -10,9 +10,6 @@ inline constexpr char ARG_GENERAL_TEST[] = "-general_test";
 inline constexpr char ARG_DATA_GEN[] = "-data_gen";
 inline constexpr char ARG_DURING_INSTALL[] = "-during_install";
 
-/// Names the gatebits file when F= is not given.
-inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
-
 /// Program, version.
 inline constexpr char ABOUT[] =
     "%s version (%s).\n\n"

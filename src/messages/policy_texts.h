@@ -114,3 +114,10 @@ inline constexpr char CHECKER_LINE[] = "\"%s\" %s -%s";
 /// Prefix of the setting, checker, region.
 inline constexpr char CHECKER_NOT_FOUND[] = "%s%s \ndefined in %s could not be found..";
 inline constexpr char UNKNOWN_CHECK_MODE[] = "Internal error perform_cbfile_only_check";
+
+/// File, reason.
+inline constexpr char NEW_FILE_NOT_WRITTEN[] =
+    "ERROR: Could not write the new gatebits file (%s): %s.  The file was not created.";
+inline constexpr char NEW_FILE_NOT_SYNCED[] =
+    "ERROR: Could not bring the new gatebits file (%s) to the disk: %s.  The file was created and "
+    "is complete.";

@@ -23,6 +23,10 @@ inline constexpr char COULD_NOT_MOVE_2[] = "#2 Could not move (%s) to (%s) with 
 
 inline constexpr char CANNOT_CREATE_TEMP_FILE[] = "Could not create needed temp file";
 
+/// File, reason.
+inline constexpr char CANNOT_READ_ANSWER[] =
+    "ERROR: Could not read the dialog's answer (%s): %s.  Nothing was changed.";
+
 /// File, reason, in what state things were left.
 inline constexpr char COULD_NOT_REPLACE[] = "ERROR: Could not write the file (%s): %s.  %s";
 /// What COULD_NOT_REPLACE says of the state: file; file, copy; file.

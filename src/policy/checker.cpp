@@ -6,6 +6,7 @@
 #include "main/child.h"
 #include "main/files.h"
 #include "main/filled.h"
+#include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
@@ -21,7 +22,7 @@ namespace {
 
 /// Whether one of the search path's directories holds the program.
 bool is_on_the_search_path(const std::string& program) {
-    const char* path = std::getenv("PATH");
+    const char* path = std::getenv(ENV_PATH);
     std::string rest = path != nullptr ? path : "";
     while (!rest.empty()) {
         const auto colon = rest.find(':');

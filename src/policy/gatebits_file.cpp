@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include "dialog/messages.h"
 #include "main/answer_file.h"
@@ -20,7 +21,8 @@ namespace {
 
 /// All bytes of the gatebits file; gripes when it cannot be read or is too large.
 std::string read_gatebits_bytes() {
-    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_CLOEXEC);
+    // A pipe without a writer must not keep us waiting.
+    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
     std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
     std::size_t size = 0;
@@ -68,12 +70,16 @@ std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
     return text;
 }
 
-/// The new text in the run's scratch file, on the disk.
+/// Puts the new text into the run's scratch file, on the disk.
 void write_scratch_file(std::string_view text) {
     const int file = create_temporary_file(t_file_name);
     if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
-    const bool written = write_all(file, text) == 0 && fsync(file) == 0;
-    if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
+    int error = write_all(file, text);
+    if (error == 0 && fsync(file) != 0) error = errno;
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error == 0) return;
+    gripe(filled(COULD_NOT_REPLACE, t_file_name.c_str(), std::strerror(error),
+                 filled(FILE_IS_UNCHANGED, ENTERPRIZE_PERMISSION_FILE.c_str()).c_str()));
 }
 
 /// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended
@@ -83,6 +89,41 @@ bool ends_in_a_reference(const std::string& line) {
     if (tilde == std::string::npos) return false;
     const auto blank = line.rfind(' ');
     return blank == std::string::npos || tilde > blank;
+}
+
+const std::string* line_numbered(int n, const std::vector<std::string>& lines) {
+    LineCounter counter;
+    for (const std::string& line : lines) {
+        if (counter.reaches(n, line)) return &line;
+    }
+    return nullptr;
+}
+
+/// Every line that the counter gives the number: there is a second one in files that are long
+/// enough for it to start over.
+void replace_line(int n, const std::string& replacement, std::vector<std::string>* lines) {
+    LineCounter counter;
+    for (std::string& line : *lines) {
+        if (counter.reaches(n, line)) line = replacement;
+    }
+}
+
+/// Rebuilds the line of the change; whether there is anything to write.
+bool change_field(const FieldChange& change, std::vector<std::string>* lines) {
+    const std::string* line = line_numbered(change.line, *lines);
+    if (line == nullptr) return false;
+    const std::vector<std::string> fields = terminated_fields(*line);
+    // A field one past the last passes: the line is then written back as it stands.
+    if (fields.empty() || static_cast<std::size_t>(change.field) > fields.size() + 1) return false;
+    std::string rebuilt;
+    int number = 1;
+    for (const std::string& field : fields) {
+        rebuilt += number++ == change.field ? std::string(c_text(change.value)) : field;
+        if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
+        rebuilt += ';';
+    }
+    replace_line(change.line, rebuilt, lines);
+    return true;
 }
 
 }  // namespace
@@ -117,26 +158,19 @@ bool LineCounter::reaches(int n, std::string_view line) {
 }
 
 int get_a_line(int n, std::string* line) {
-    LineCounter counter;
-    for (const std::string& candidate : read_gatebits_lines()) {
-        if (counter.reaches(n, candidate)) {
-            *line = candidate;
-            return 1;
-        }
-    }
-    return 0;
+    const std::vector<std::string> lines = read_gatebits_lines();
+    const std::string* found = line_numbered(n, lines);
+    if (found == nullptr) return 0;
+    *line = *found;
+    return 1;
 }
 
 int set_a_line(int n, const std::string& text) {
     std::vector<std::string> lines = read_gatebits_lines();
-    const std::string replacement = text == DELETION_TOKEN ? "" : text;
     if (n == 0) {
         lines.push_back(text);
     } else {
-        LineCounter counter;
-        for (std::string& line : lines) {
-            if (counter.reaches(n, line)) line = replacement;
-        }
+        replace_line(n, text == DELETION_TOKEN ? "" : text, &lines);
     }
     write_gatebits_lines(lines);
     return 0;
@@ -158,17 +192,13 @@ std::string field_or_empty(int n, int f) {
 }
 
 int set_a_field(int n, int f, const std::string& value) {
-    std::string line;
-    if (get_a_line(n, &line) == 0) return 0;
-    const std::vector<std::string> fields = terminated_fields(line);
-    // A field one past the last passes: the line is then written back as it stands.
-    if (fields.empty() || static_cast<std::size_t>(f) > fields.size() + 1) return 0;
-    std::string rebuilt;
-    int number = 1;
-    for (const std::string& field : fields) {
-        rebuilt += number++ == f ? std::string(c_text(value)) : field;
-        if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
-        rebuilt += ';';
-    }
-    return set_a_line(n, rebuilt);
+    return set_fields({{n, f, value}});
+}
+
+int set_fields(const std::vector<FieldChange>& changes) {
+    std::vector<std::string> lines = read_gatebits_lines();
+    bool any = false;
+    for (const FieldChange& change : changes) any = change_field(change, &lines) || any;
+    if (any) write_gatebits_lines(lines);
+    return 0;
 }

@@ -76,3 +76,11 @@ std::string field_or_empty(int n, int f);
 /// Rebuilds line n with `value` as field f, every field ended by ';'. Text behind the last ';'
 /// goes. A field one past the last is accepted, but its value is not written. Always 0.
 int set_a_field(int n, int f, const std::string& value);
+
+/// What set_a_field does, for several fields one after the other in one write.
+struct FieldChange {
+    int line;
+    int field;
+    std::string value;
+};
+int set_fields(const std::vector<FieldChange>& changes);

@@ -1,0 +1,40 @@
+# What "cmake --install" puts where, and the target that takes it away again.
+
+include(GNUInstallDirs)
+
+set(GATESCOPE_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+set(GATESCOPE_EXAMPLES_DIR ${CMAKE_INSTALL_DOCDIR}/examples)
+
+# Whatever the umask of whoever installs.
+set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+# The directories are made first, and those that were not there are written down: uninstalling
+# removes these, once they are empty, and none that stood there before.
+set(GATESCOPE_RECORD_DIR ${PROJECT_BINARY_DIR}/installed)
+install(CODE "
+  set(default_record \"${GATESCOPE_RECORD_DIR}\")
+  set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5
+    ${GATESCOPE_COMPLETION_DIR} ${CMAKE_INSTALL_DOCDIR}/docs/pictures
+    ${GATESCOPE_EXAMPLES_DIR}/systemd)")
+install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/make_directories.cmake)
+
+install(TARGETS gatescope RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope-files.5
+        DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+install(FILES ${PROJECT_BINARY_DIR}/completion/gatescope DESTINATION ${GATESCOPE_COMPLETION_DIR})
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
+# In the same places beside each other as in the sources, so that their links lead somewhere.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
+        FILES_MATCHING PATTERN *.md PATTERN *.png
+        PATTERN manual EXCLUDE)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPLES_DIR})
+
+install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/record_files.cmake)
+
+add_custom_target(uninstall
+  COMMAND ${CMAKE_COMMAND} -Ddefault_record=${GATESCOPE_RECORD_DIR}
+          -P ${PROJECT_SOURCE_DIR}/cmake/uninstall.cmake
+  VERBATIM)

@@ -1,0 +1,28 @@
+#include <span>
+
+#include "actions/actions.h"
+#include "actions/requests.h"
+#include "actions/tool_settings.h"
+
+namespace {
+
+// The actions of each walk behind the tool's settings, each run as the menus run it: what is
+// guarded there is guarded here.
+constexpr int IMPORTANT_FIELDS[] = {4, 5, 6, 7, 16, 23};
+constexpr int ALL_FIELDS[] = {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 22, 23};
+
+/// A step that is cancelled leads to the next one.
+void walk(char settings, std::span<const int> actions) {
+    ask_all_configure(settings);
+    for (const int number : actions) request_numbered(RequestKind::ACTION, number)->run();
+}
+
+}  // namespace
+
+void A_28() {
+    walk(IMPORTANT_SETTINGS, IMPORTANT_FIELDS);
+}
+
+void A_29() {
+    walk(ALL_SETTINGS, ALL_FIELDS);
+}

@@ -1,0 +1,36 @@
+#pragma once
+
+// The page file and its display: names and messages.
+
+/// Year, month, day, hour, minute, second, query number.
+inline constexpr char PAGE_FILE_NAME[] = "%04d%02d%02d_%02d%02d%02d_Q%02d.html";
+/// Directory, delimiter, name.
+inline constexpr char PAGE_FILE_PATH[] = "%s%c%s";
+
+/// Path.
+inline constexpr char CANNOT_OPEN_PAGE[] = "Could not create/open results file (%s)\n";
+/// Path, reason.
+inline constexpr char CANNOT_WRITE_PAGE[] =
+    "ERROR: The results file (%s) could not be written whole (%s).  What it holds of this query "
+    "is incomplete.\n";
+
+/// Path, region.
+inline constexpr char PAGE_STORED[] =
+    "\n\nGatescope query completed and html page\n(%s)\n"
+    "was built and stored for the region (%s).\n\n";
+/// Path, gatebits file, region.
+inline constexpr char NO_BROWSER_DEFINED[] =
+    "Gatescope query completed and html page\n(%s)\n"
+    "was built, but there is no browser defined by either\n"
+    "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
+    "in the gatebits file (%s)\nfor region (%s)";
+/// Path, browser, region, then where the browser was defined: "by" or "in", what, and its name.
+inline constexpr char BROWSER_DOES_NOT_EXIST[] =
+    "Gatescope query completed and html page\n(%s) was built, but Gatescope browser\n"
+    "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
+/// Page file's name.
+inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
+/// Browser, path of the page. The page's path goes to the shell without quotes.
+inline constexpr char BROWSER_LINE[] = "\"%s\" %s";
+/// Raw status, browser.
+inline constexpr char BROWSER_FAILED[] = "Warning: return code=%d returned from %s...";

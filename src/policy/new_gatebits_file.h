@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+/// What became of a new gatebits file.
+enum class NewFile {
+    CREATED,
+    EXISTS,         ///< somebody's file stands under that name; it was not touched
+    NOT_PERMITTED,  ///< the directory does not let us create it
+};
+
+/// Creates the file `path` with `text` in it. It appears under its name whole and on the disk, or
+/// not at all, whatever stops the program, and never takes the place of another file or link.
+/// Gripes, naming the file, the reason and the state, when the text cannot be written.
+NewFile create_gatebits_file(const std::string& path, const std::string& text);
+
+/// All bytes of the gatebits file `path`; gripes with the words of a copy to `destination` when
+/// it cannot be read.
+std::string bytes_to_copy(const std::string& path, const std::string& destination);

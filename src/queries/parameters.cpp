@@ -1,0 +1,136 @@
+#include "queries/parameters.h"
+
+#include <array>
+
+#include "actions/requests.h"
+#include "dialog/messages.h"
+#include "dialog/prompts.h"
+#include "main/commands.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "main/selections.h"
+#include "main/text.h"
+#include "messages/bit_names.h"
+#include "messages/identity.h"
+#include "messages/query_texts.h"
+#include "policy/edition.h"
+
+namespace {
+
+// What the command line gave.
+
+std::string given_command() {
+    return selected_command;
+}
+std::string given_user() {
+    return selected_user;
+}
+std::string number_or_all(long number) {
+    return number == -1 ? ALL : std::to_string(number);
+}
+std::string given_bit() {
+    return number_or_all(selected_bit);
+}
+std::string given_key() {
+    return number_or_all(selected_key);
+}
+
+// The dialogs; each returns its DialogCode.
+
+int pick(const char* title, std::string list) {
+    list.pop_back();
+    CHOICES = list;
+    return make_selection(title, CHOICES, SINGLE_CHOICE);
+}
+
+int pick_command() {
+    return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS);
+}
+
+int input_user() {
+    return prompt(PROMPT_INPUT_USER, ALL);
+}
+
+int pick_bit() {
+    std::string list = ALL_BITS_CHOICE;
+    int bit = 0;
+    for (const char* name : GATEWARDEN_BITS_DESC) list += filled(BIT_CHOICE, bit++, name);
+    return pick(PROMPT_SELECT_BIT, list);
+}
+
+int input_key() {
+    return prompt(GATEWARDEN_IS == 1 ? PROMPT_INPUT_KEY : PROMPT_INPUT_CPD, ALL);
+}
+
+// The value in an answer; empty when the question has to come again.
+
+std::string as_answered(const std::string& answer) {
+    return answer;
+}
+
+std::string bit_in(const std::string& answer) {
+    if (answer.starts_with(ALL)) return ALL;
+    const long bit = leading_number(answer.c_str());
+    if (bit < 0 || bit > HIGHEST_BIT) gripe_uncoded("Q_2");
+    return answer.empty() ? "" : std::to_string(bit);
+}
+
+std::string key_in(const std::string& answer) {
+    if (answer.empty() || answer == ALL) return answer;
+    if (!healthy(answer.c_str(), "0123456789")) return "";
+    return std::to_string(leading_number(answer.c_str()));
+}
+
+// The filters of values other than "*".
+
+std::string command_filter(const std::string& command) {
+    return filled(COMMAND_FILTER, command_number(command));
+}
+
+std::string user_filter(const std::string& user) {
+    std::string filter = filled(USER_FILTER, user.c_str());
+    return STRING_LOWER(filter);
+}
+
+std::string number_filter(const std::string& number) {
+    return filled(NUMBER_FILTER, leading_number(number.c_str()));
+}
+
+struct ParameterRow {
+    /// Whether the command line gave it, and what.
+    const bool* given;
+    std::string (*given_value)();
+    int (*ask_operator)();
+    std::string (*value_in)(const std::string& answer);
+    std::string (*filter)(const std::string& value);
+};
+
+/// In the order of Parameter.
+constexpr std::array<ParameterRow, 4> PARAMETERS = {{
+    {&command_selected, given_command, pick_command, as_answered, command_filter},
+    {&user_selected, given_user, input_user, as_answered, user_filter},
+    {&bit_selected, given_bit, pick_bit, bit_in, number_filter},
+    {&key_selected, given_key, input_key, key_in, number_filter},
+}};
+
+const ParameterRow& row_of(Parameter parameter) {
+    return PARAMETERS.at(static_cast<std::size_t>(parameter));
+}
+
+}  // namespace
+
+std::optional<std::string> value_of(Parameter parameter) {
+    const ParameterRow& row = row_of(parameter);
+    if (*row.given) return row.given_value();
+    std::string value;
+    while (value.empty()) {
+        GATEWARDEN_RESULT_STRING.clear();
+        if (row.ask_operator() == CANCELLED) return std::nullopt;
+        value = row.value_in(GATEWARDEN_RESULT_STRING);
+    }
+    return value;
+}
+
+std::string filter_for(Parameter parameter, const std::string& value) {
+    return value == ALL ? "" : row_of(parameter).filter(value);
+}

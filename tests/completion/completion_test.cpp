@@ -1,0 +1,259 @@
+#include <gtest/gtest.h>
+#include <stdlib.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "actions/requests.h"
+#include "messages/arguments.h"
+#include "messages/bit_names.h"
+#include "messages/command_names.h"
+
+namespace {
+
+using Words = std::vector<std::string>;
+
+constexpr char DEFAULT_BREAKS[] = " \t\n\"'><=;|&(:";
+constexpr char BREAKS_WITHOUT_EQUALS[] = " \t\n\"'><;|&(:";
+
+/// Readline's codes for the key that was pressed.
+constexpr char TAB[] = "9";
+constexpr char INSERT_ALL[] = "42";
+constexpr char MENU[] = "37";
+
+std::string in_shell(const std::string& text) {
+    std::string word = "'";
+    for (const char character : text)
+        word += character == '\'' ? "'\\''" : std::string(1, character);
+    return word + "'";
+}
+
+/// Runs a script in bash and returns the lines that it prints.
+Words bash(const std::string& script) {
+    FILE* output = popen(("bash --norc --noprofile -c " + in_shell(script)).c_str(), "r");
+    std::string text;
+    std::array<char, 4096> part{};
+    for (std::size_t n = 0; (n = std::fread(part.data(), 1, part.size(), output)) > 0;) {
+        text.append(part.data(), n);
+    }
+    EXPECT_EQ(pclose(output), 0);
+    Words lines;
+    for (std::size_t begin = 0; begin < text.size();) {
+        const auto end = text.find('\n', begin);
+        lines.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return lines;
+}
+
+struct Setting {
+    std::string breaks = DEFAULT_BREAKS;
+    std::string key = TAB;
+    std::string directory = "/";
+};
+
+/// What Tab offers at the end of `line`.
+Words offered(const std::string& line, const Setting& setting = {}) {
+    const auto broken = line.find_last_of(setting.breaks);
+    const std::string typed = line.substr(broken + 1);
+    return bash("cd " + in_shell(setting.directory) + " && source " + in_shell(COMPLETION_SCRIPT) +
+                " && COMP_LINE=" + in_shell(line) + " COMP_POINT=" + std::to_string(line.size()) +
+                " COMP_TYPE=" + setting.key + " COMP_WORDBREAKS=" + in_shell(setting.breaks) +
+                " && _gatescope gatescope " + in_shell(typed) +
+                " '' && if ((${#COMPREPLY[@]})); then printf '%s\\n' \"${COMPREPLY[@]}\"; fi");
+}
+
+Words titled(RequestKind kind) {
+    Words words;
+    for (const Request& request : all_requests()) {
+        if (request.kind != kind) continue;
+        words.push_back(std::to_string(request.number) + " - " +
+                        std::string(request.label).substr(6));
+    }
+    return words;
+}
+
+Words commands(const std::string& prefix = "") {
+    Words words;
+    for (const auto command : TRIGGERABLE_COMMANDS) words.push_back(prefix + std::string(command));
+    return words;
+}
+
+Words with(Words words, const std::string& last) {
+    words.push_back(last);
+    return words;
+}
+
+/// A directory that goes with this object.
+class Directory {
+  public:
+    Directory() {
+        std::string pattern = ::testing::TempDir() + "completion.XXXXXX";
+        EXPECT_NE(mkdtemp(pattern.data()), nullptr);
+        path_ = pattern;
+    }
+    ~Directory() { std::filesystem::remove_all(path_); }
+    Directory(const Directory&) = delete;
+    Directory& operator=(const Directory&) = delete;
+
+    void add(const std::string& name) const { std::ofstream(path_ + "/" + name) << "text\n"; }
+    [[nodiscard]] Setting setting() const { return {.directory = path_}; }
+
+  private:
+    std::string path_;
+};
+
+}  // namespace
+
+TEST(Completion, OffersEveryArgumentThatIsNotHiddenAtTheStart) {
+    Words wanted;
+    for (const auto place : {ArgumentPlace::ANYWHERE, ArgumentPlace::ALONE}) {
+        for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+            if (argument.hidden || argument.place != place) continue;
+            wanted.emplace_back(argument.spelling);
+        }
+    }
+    EXPECT_EQ(offered("gatescope "), wanted);
+}
+
+TEST(Completion, OffersOptionsOnlyAsTheFirstArgument) {
+    EXPECT_EQ(offered("gatescope -"), (Words{"-ver", "-help"}));
+    EXPECT_EQ(offered("gatescope Q=1 -"), Words{});
+}
+
+TEST(Completion, OffersNothingBehindAnOption) {
+    EXPECT_EQ(offered("gatescope -ver "), Words{});
+}
+
+TEST(Completion, OffersEveryQueryWithItsTitle) {
+    EXPECT_EQ(offered("gatescope Q="), titled(RequestKind::QUERY));
+}
+
+TEST(Completion, OffersEveryActionWithItsTitle) {
+    EXPECT_EQ(offered("gatescope A="), titled(RequestKind::ACTION));
+}
+
+TEST(Completion, ShowsTheTitlesOfTheActionsThatBeginAlike) {
+    const Words offers = offered("gatescope A=2");
+    ASSERT_EQ(offers.size(), 11U);
+    EXPECT_EQ(offers.front(), "2 - Modify Current Gatebits file... (A03-A23)");
+    EXPECT_EQ(offers.back(), "29 - Guide through ALL Gatebits file fields");
+}
+
+TEST(Completion, PutsInTheNumberAloneOnceThereIsNoChoice) {
+    EXPECT_EQ(offered("gatescope A=13"), Words{"13"});
+    EXPECT_EQ(offered("gatescope Q=6"), Words{"6"});
+}
+
+TEST(Completion, OffersNothingForNumbersThatAreNone) {
+    EXPECT_EQ(offered("gatescope A=3"), Words{});
+    EXPECT_EQ(offered("gatescope Q=7"), Words{});
+}
+
+TEST(Completion, PutsInNumbersWhereEachMatchIsPutIn) {
+    for (const char* key : {INSERT_ALL, MENU}) {
+        EXPECT_EQ(offered("gatescope Q=", {.key = key}), (Words{"1", "2", "3", "4", "5", "6"}));
+    }
+}
+
+TEST(Completion, OffersEveryCommandAndAllOfThem) {
+    EXPECT_EQ(offered("gatescope C="), with(commands(), "\\*"));
+}
+
+TEST(Completion, OffersTheCommandsThatBeginAlike) {
+    EXPECT_EQ(offered("gatescope Q=1 C=check"), (Words{"checkin", "checkout"}));
+    EXPECT_EQ(offered("gatescope Q=1 C=mkbl"), (Words{"mkbl", "mkbl_complete"}));
+}
+
+TEST(Completion, IsCaseSensitiveAsTheProgramIs) {
+    EXPECT_EQ(offered("gatescope C=Check"), Words{});
+}
+
+TEST(Completion, CompletesAnAsteriskSafeFromTheShell) {
+    EXPECT_EQ(offered("gatescope C=\\"), with(commands(), "\\*"));
+    EXPECT_EQ(offered("gatescope C=\\*"), Words{"\\*"});
+    EXPECT_EQ(offered("gatescope K="), Words{"\\*"});
+}
+
+TEST(Completion, OffersEveryBitWithItsName) {
+    Words wanted;
+    for (const char* name : GATEWARDEN_BITS_DESC) {
+        wanted.push_back(std::to_string(wanted.size()) + " - " + name);
+    }
+    EXPECT_EQ(offered("gatescope Q=2 B="), with(wanted, "\\*"));
+    EXPECT_EQ(offered("gatescope Q=2 B=23"), Words{"23"});
+}
+
+TEST(Completion, OffersYesAndNo) {
+    EXPECT_EQ(offered("gatescope Q=1 D="), (Words{"y", "n"}));
+    EXPECT_EQ(offered("gatescope Q=1 R="), (Words{"y", "n"}));
+    EXPECT_EQ(offered("gatescope Q=1 R=n"), Words{"n"});
+}
+
+TEST(Completion, OffersUsersOfTheMachine) {
+    EXPECT_EQ(offered("gatescope U=roo"), Words{"root"});
+}
+
+TEST(Completion, OffersNoParameterTwice) {
+    const Words offers = offered("gatescope F=a C=lock ");
+    EXPECT_EQ(offers, (Words{"Q=", "A=", "U=", "K=", "B=", "D=", "R="}));
+}
+
+TEST(Completion, OffersNoActionBesideAQuery) {
+    EXPECT_EQ(offered("gatescope Q=1 A"), Words{});
+    EXPECT_EQ(offered("gatescope A=1 Q"), Words{});
+}
+
+TEST(Completion, OffersNoDisplayBehindARepeat) {
+    EXPECT_EQ(offered("gatescope D=n R"), Words{"R="});
+    EXPECT_EQ(offered("gatescope R=n D"), Words{});
+}
+
+TEST(Completion, OffersFiles) {
+    const Directory directory;
+    directory.add("gatebits.txt");
+    directory.add("gate keeper.txt");
+    directory.add("other.txt");
+    EXPECT_EQ(offered("gatescope F=gateb", directory.setting()), Words{"gatebits.txt"});
+    EXPECT_EQ(offered("gatescope F=o", directory.setting()), Words{"other.txt"});
+    EXPECT_EQ(offered("gatescope F=zzz", directory.setting()), Words{});
+}
+
+TEST(Completion, OffersFilesWithBlanks) {
+    const Directory directory;
+    directory.add("gate keeper.txt");
+    // The shell hands the word over from its last break, the quoted blank not being one.
+    Setting setting = directory.setting();
+    setting.breaks = "=";
+    EXPECT_EQ(offered("gatescope F=gate\\ k", setting), Words{"gate keeper.txt"});
+    EXPECT_EQ(offered("gatescope F=\"gate k", setting), Words{"gate keeper.txt"});
+}
+
+TEST(Completion, OffersOnlyTheRestOfAFileNameThatBashBreaks) {
+    const Directory directory;
+    directory.add("a=b=c.txt");
+    EXPECT_EQ(offered("gatescope F=a=b", directory.setting()), Words{"b=c.txt"});
+}
+
+TEST(Completion, WorksWhereBashDoesNotBreakAtEqualsSigns) {
+    const Directory directory;
+    directory.add("gatebits.txt");
+    Setting setting = directory.setting();
+    setting.breaks = BREAKS_WITHOUT_EQUALS;
+    EXPECT_EQ(offered("gatescope F=gateb", setting), Words{"F=gatebits.txt"});
+    EXPECT_EQ(offered("gatescope C=", setting), with(commands("C="), "C=\\*"));
+    EXPECT_EQ(offered("gatescope A=13", setting), Words{"A=13"});
+    EXPECT_EQ(offered("gatescope A=", setting), titled(RequestKind::ACTION));
+}
+
+TEST(Completion, LooksOnlyAtWhatStandsBeforeTheCursor) {
+    EXPECT_EQ(bash("source " + in_shell(COMPLETION_SCRIPT) +
+                   " && COMP_LINE='gatescope Q= R=n' COMP_POINT=12 COMP_TYPE=42"
+                   " && _gatescope gatescope '' '=' && printf '%s\\n' \"${COMPREPLY[@]}\""),
+              (Words{"1", "2", "3", "4", "5", "6"}));
+}

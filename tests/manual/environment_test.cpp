@@ -1,0 +1,89 @@
+#include "messages/environment.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <regex>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+// What the sources read from the environment, held against the table.
+
+namespace {
+
+using Names = std::set<std::string>;
+
+/// Names that are put together while the program runs, by the text in the call that does it.
+const std::map<std::string, Names> COMPUTED = {
+    {"variable", {"tmp", "temp"}},
+    {R"(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str())",
+     {"CLEARCASE_USER", "AUTH_USER", "LOGON_USER", "REMOTE_USER", "UNMAPPED_REMOTE_USER"}},
+    {"hidden_e_var_name.c_str()",
+     {"CLEARCASE_VIEW_KIND", "ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}}};
+
+std::string all_sources() {
+    std::ostringstream text;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(SOURCE_DIRECTORY)) {
+        if (entry.is_regular_file()) text << std::ifstream(entry.path()).rdbuf();
+    }
+    return text.str();
+}
+
+/// What stands in the parentheses of every getenv call.
+std::vector<std::string> getenv_calls(const std::string& source) {
+    const std::string call = "getenv(";
+    std::vector<std::string> found;
+    for (auto at = source.find(call); at != std::string::npos; at = source.find(call, at)) {
+        at += call.size();
+        const auto begin = at;
+        for (int depth = 1; depth > 0 && at < source.size(); ++at) {
+            depth += (source[at] == '(') - (source[at] == ')');
+        }
+        found.push_back(source.substr(begin, at - begin - 1));
+    }
+    return found;
+}
+
+/// The names that a call may read: a literal, a constant's text, or a computed one.
+Names names_read_by(const std::string& argument, const std::string& source) {
+    const auto computed = COMPUTED.find(argument);
+    if (computed != COMPUTED.end()) return computed->second;
+    std::smatch match;
+    if (std::regex_match(argument, match, std::regex("\"([^\"]+)\""))) return {match[1]};
+    const std::regex definition("constexpr char " + argument + R"(\[\] =\s*"([^"]+)\")");
+    if (std::regex_match(argument, std::regex("[A-Za-z_]+")) &&
+        std::regex_search(source, match, definition)) {
+        return {match[1]};
+    }
+    ADD_FAILURE() << "getenv(" << argument << "): nobody knows what this reads";
+    return {};
+}
+
+Names names_in_the_table() {
+    Names names;
+    for (const EnvironmentVariable& variable : ENVIRONMENT) names.insert(variable.name);
+    return names;
+}
+
+}  // namespace
+
+TEST(Environment, HasEveryVariableOfTheSourcesInItsTableAndNoOther) {
+    const std::string source = all_sources();
+    Names read;
+    for (const std::string& argument : getenv_calls(source)) {
+        read.merge(names_read_by(argument, source));
+    }
+    EXPECT_EQ(read, names_in_the_table());
+}
+
+TEST(Environment, IsReadInNoOtherWay) {
+    // A child is handed the whole environment; nobody may look into it that way.
+    const std::string source = all_sources();
+    const std::regex other_way(R"(\benviron\b|secure_getenv)");
+    const std::regex handed_on(R"(posix_spawn\([^;]*\benviron\))");
+    EXPECT_FALSE(std::regex_search(std::regex_replace(source, handed_on, ""), other_way));
+}

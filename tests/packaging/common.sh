@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# What the scripts of this directory share. "$1" is the build tree, "$2" the source tree, "$3" a
+# directory that the script may fill; it is emptied first.
+
+set -eu
+# shellcheck disable=SC2034 # For those who include this file.
+build=$1
+source=$2
+work=$3
+rm -rf "$work"
+mkdir -p "$work"
+
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+skip() {
+    echo "SKIPPED: $*" >&2
+    exit 77
+}
+
+needs() {
+    local command
+    for command in "$@"; do
+        command -v "$command" >/dev/null || skip "$command is not installed"
+    done
+}
+
+# The program of the directory "$1", without dialogs and with nothing of the caller's.
+run_program() {
+    env -i PATH=/usr/bin:/bin CLEARCASE_USER=op ZUL_PREFER_NO_GUI=yes "$@"
+}
+
+# A region in "$work/east" made from the example policy file, with a few records of today.
+make_region() {
+    local now
+    now=$(date +%s)
+    mkdir -p "$work/east/log" "$work/east/query_results"
+    sed "s|/srv/gatewarden/east|$work/east|g" "$source/examples/gatebits.txt" \
+        >"$work/east/gatebits.txt"
+    printf '%s:S:ann[2]-<->\n%s:D:bob[2]K<0>\n' "$now" "$now" >"$work/east/log/logging_0.txt"
+}
+
+# Fails unless exactly one page of query 1 stands in the region.
+expect_one_page() {
+    set -- "$work"/east/query_results/*_Q01.html
+    [ $# -eq 1 ] && [ -s "$1" ] || fail "no page of query 1, or more than one: $*"
+    grep -q 'ClearCase command success/denied usage for:<br>(all) commands' "$1" ||
+        fail "the page is not of query 1"
+}

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Installs with DESTDIR, runs what was installed, and uninstalls: nothing may be left, and nothing
+# that stood there before may go.
+# shellcheck source=common.sh
+. "$(dirname "$0")/common.sh"
+
+root=$work/root
+export GATESCOPE_INSTALL_RECORD=$work/record
+export DESTDIR=$root
+
+contents() {
+    (cd "$root" && find . | sort)
+}
+
+# An empty directory, and a file of somebody else's, in places where the program installs.
+mkdir -p "$root/opt/tools/share/man/man5" "$root/opt/tools/bin"
+echo other >"$root/opt/tools/bin/other"
+contents >"$work/before"
+
+(umask 077 && cmake --install "$build" --prefix /opt/tools) >"$work/install.log"
+prefix=$root/opt/tools
+for file in bin/gatescope share/man/man1/gatescope.1 share/man/man5/gatescope-files.5 \
+    share/bash-completion/completions/gatescope share/doc/gatescope/README.md \
+    share/doc/gatescope/CHANGELOG.md share/doc/gatescope/docs/architecture.md \
+    share/doc/gatescope/docs/scheduled-jobs.md share/doc/gatescope/examples/gatebits.txt \
+    share/doc/gatescope/examples/gatescope.cron \
+    share/doc/gatescope/examples/systemd/gatescope-report.service \
+    share/doc/gatescope/examples/systemd/gatescope-report.timer; do
+    [ -s "$prefix/$file" ] || fail "$file was not installed"
+done
+[ -x "$prefix/bin/gatescope" ] || fail "the program cannot be executed"
+for link in $(grep -oE '\]\([^):]+\)' "$prefix/share/doc/gatescope/README.md" | tr -d ']()'); do
+    [ -e "$prefix/share/doc/gatescope/$link" ] || fail "the README leads to $link, which is not there"
+done
+closed=$(find "$prefix/share/doc/gatescope" "$prefix/share/bash-completion" ! -perm -044)
+[ -z "$closed" ] || fail "not readable for all: $closed"
+extra=$(find "$prefix" \( -name '*clearprompt*' -o -name 'fill_templates*' -o -name '*.in' \))
+[ -z "$extra" ] || fail "installed, but only of use to developers: $extra"
+
+run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the program does not run"
+run_program "$prefix/bin/gatescope" -ver | grep -q 'gatescope version (13.1.1)' ||
+    fail "the program does not know its version"
+
+# A second installation must not make the first one's record forget anything.
+cmake --install "$build" --prefix /opt/tools >"$work/install.log"
+touch "$prefix/share/doc/gatescope/examples/mine"
+cmake --build "$build" --target uninstall >"$work/uninstall.log"
+[ -e "$prefix/share/doc/gatescope/examples/mine" ] || fail "a file of somebody else's was removed"
+rm -r "$prefix/share/doc"
+contents | diff "$work/before" - || fail "not the same as before the installation"
+
+# Into a plain prefix; this time nobody interferes, and the prefix itself goes too.
+unset DESTDIR
+cmake --install "$build" --prefix "$work/plain" >"$work/install.log"
+run_program "$work/plain/bin/gatescope" -identify_self_as_gatescope ||
+    fail "the program does not run from a plain prefix"
+cmake --build "$build" --target uninstall >"$work/uninstall.log"
+[ ! -e "$work/plain" ] || fail "left behind: $(find "$work/plain")"
+cmake --build "$build" --target uninstall | grep -q 'Nothing was installed' ||
+    fail "a second uninstall does not say that there is nothing to do"

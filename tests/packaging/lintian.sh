@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Debian's own checker finds no error, and no warning either, in the package just made.
+# shellcheck source=common.sh
+. "$(dirname "$0")/common.sh"
+needs lintian
+set -- "$build"/tests/packaging/package/made/*.deb
+[ -s "$1" ] || skip "there is no package"
+
+as_root=''
+if [ "$(id -u)" -eq 0 ]; then as_root=--allow-root; fi
+lintian $as_root --fail-on error,warning --info "$1" || fail "lintian is not content"

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Makes the Debian package, installs it under a root of its own, runs it and removes it.
+# shellcheck source=common.sh
+. "$(dirname "$0")/common.sh"
+needs dpkg dpkg-deb dpkg-shlibdeps gzip
+
+(umask 077 && cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/made" >"$work/cpack.log" 2>&1) ||
+    fail "cpack: $(cat "$work/cpack.log")"
+set -- "$work"/made/*.deb
+[ $# -eq 1 ] && [ -s "$1" ] || fail "not one package: $*"
+package=$1
+
+field() {
+    dpkg-deb --field "$package" "$1"
+}
+field Depends | grep -q 'libc6 (>=' || fail "it depends on no C library: $(field Depends)"
+field Maintainer | grep -q '<.*@.*>' || fail "it has no maintainer: $(field Maintainer)"
+
+closed=$(dpkg-deb --contents "$package" | grep -vE '^(drwxr-xr-x|-rw-r--r--|-rwxr-xr-x) ' || true)
+[ -z "$closed" ] || fail "not open for all: $closed"
+
+dpkg-deb --extract "$package" "$work/files"
+program=$work/files/usr/bin/gatescope
+if command -v readelf >/dev/null; then
+    sections=$(readelf --sections --wide "$program")
+    case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
+fi
+for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
+    gzip -t "$work/files/usr/share/man/$page" || fail "$page is not a compressed page"
+done
+for file in copyright changelog.gz; do
+    [ -s "$work/files/usr/share/doc/gatescope/$file" ] || fail "there is no $file"
+done
+(cd "$work/files" && dpkg-deb --control "$package" "$work/control" &&
+    md5sum --check --quiet "$work/control/md5sums") || fail "its checksums do not fit"
+
+if [ "$(id -u)" -ne 0 ]; then
+    skip "made, but only root can install it under another root"
+fi
+root=$work/root
+mkdir -p "$root/var/lib/dpkg/info" "$root/var/lib/dpkg/updates"
+touch "$root/var/lib/dpkg/status"
+# The root holds no C library, so what the package depends on has to be forced.
+dpkg --root="$root" --force-depends --install "$package" >"$work/dpkg.log" 2>&1 ||
+    fail "it does not install: $(cat "$work/dpkg.log")"
+run_program "$root/usr/bin/gatescope" -ver | grep -q 'gatescope version (13.1.1)' ||
+    fail "what it installed does not run"
+dpkg --root="$root" --purge gatescope >"$work/dpkg.log" 2>&1 ||
+    fail "it cannot be removed: $(cat "$work/dpkg.log")"
+left=$(find "$root" -path "$root/var/lib/dpkg" -prune -o -path "$root/var/log" -prune -o \
+    ! -type d -print)
+[ -z "$left" ] && [ ! -e "$root/usr" ] || fail "removing it left: $(find "$root/usr") $left"

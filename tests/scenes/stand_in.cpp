@@ -1,0 +1,145 @@
+// Plays clearprompt, cleartool, the checker and the browser on a stage: it stands there under
+// each of these names, writes down how it was called, and answers as the scene has scripted.
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <thread>
+
+#include "scenes/journal.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// What an unscripted question is answered with: abort, in the words of clearprompt.
+constexpr int NO_ANSWER = 2;
+
+std::string content_of(const fs::path& path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// The value behind an option, if that is there.
+std::optional<std::string> option(const RecordedCall& record, const std::string& name) {
+    const auto found = std::find(record.args.begin(), record.args.end(), name);
+    if (found == record.args.end() || found + 1 == record.args.end()) return std::nullopt;
+    return *(found + 1);
+}
+
+/// The shell starts what it does not wait for with interrupts ignored.
+bool is_waited_for() {
+    struct sigaction action = {};
+    sigaction(SIGINT, nullptr, &action);
+    return action.sa_handler != SIG_IGN;
+}
+
+bool is_box_with_one_button(const RecordedCall& record) {
+    return record.program == "clearprompt" && !record.args.empty() &&
+           record.args.front() == "yes_no" &&
+           option(record, "-mask").value_or(",").find(',') == std::string::npos;
+}
+
+/// Takes the next scripted answer of `queue` away, under the stage's lock.
+std::optional<ScriptedAnswer> next_answer(const fs::path& stage, const std::string& queue) {
+    const int lock = open((stage / STAGE_LOCK).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    flock(lock, LOCK_EX);
+    std::vector<fs::path> files;
+    if (fs::exists(stage / STAGE_SCRIPT / queue)) {
+        for (const auto& entry : fs::directory_iterator(stage / STAGE_SCRIPT / queue)) {
+            files.push_back(entry.path());
+        }
+    }
+    std::optional<ScriptedAnswer> answer;
+    if (!files.empty()) {
+        const fs::path first = *std::min_element(files.begin(), files.end());
+        const std::string bytes = content_of(first);
+        std::string_view rest = bytes;
+        answer = take_answer(rest);
+        fs::remove(first);
+    }
+    close(lock);
+    return answer;
+}
+
+bool is_offered(const RecordedCall& record, const std::string& pick) {
+    const std::string items = "," + option(record, "-items").value_or("") + ",";
+    return items.find("," + pick + ",") != std::string::npos;
+}
+
+/// Why the scripted answer does not fit the dialog; empty when it does.
+std::string misfit(const RecordedCall& record, const ScriptedAnswer& answer) {
+    const std::string kind = record.args.empty() ? "" : record.args.front();
+    if (!answer.kind.empty() && answer.kind != kind) {
+        return "a " + kind + " dialog came where the scene answers a " + answer.kind + " dialog";
+    }
+    if (answer.outfile && option(record, "-outfile").value_or("").empty()) {
+        return "the answer needs a result file, but the dialog names none";
+    }
+    if (answer.must_be_offered && !is_offered(record, answer.outfile.value_or(""))) {
+        return "the list does not offer the pick '" + answer.outfile.value_or("") + "'";
+    }
+    return "";
+}
+
+void write_down(const fs::path& stage, const RecordedCall& record) {
+    const std::string bytes = to_bytes(record);
+    const int journal =
+        open((stage / STAGE_JOURNAL).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    if (journal < 0 || write(journal, bytes.data(), bytes.size()) != ssize_t(bytes.size())) abort();
+    close(journal);
+}
+
+int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAnswer& answer) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(answer.delay_milliseconds));
+    if (!answer.meanwhile.empty()) {
+        const std::string command = "cd '" + stage.string() + "' && " + answer.meanwhile;
+        if (std::system(command.c_str()) != 0) std::perror("meanwhile");
+    }
+    if (answer.outfile) {
+        std::ofstream out(option(record, "-outfile").value_or(""), std::ios::binary);
+        out << *answer.outfile;
+    }
+    std::fwrite(answer.out.data(), 1, answer.out.size(), stdout);
+    return answer.status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const fs::path self = fs::read_symlink("/proc/self/exe");
+    const fs::path stage = self.parent_path().parent_path();
+    RecordedCall record;
+    record.program = self.filename();
+    record.pid = getpid();
+    record.waited = is_waited_for();
+    record.cwd = fs::current_path();
+    record.args.assign(argv + 1, argv + argc);
+    if (const auto file = option(record, "-dfile")) record.shown = content_of(*file);
+
+    const bool is_box = is_box_with_one_button(record);
+    std::optional<ScriptedAnswer> answer = next_answer(stage, is_box ? "box" : record.program);
+    if (!answer) {
+        answer = ScriptedAnswer();
+        if (record.program == "clearprompt" && !is_box) {
+            answer->status = NO_ANSWER;
+            record.error = "the scene has no answer for this dialog";
+        }
+    } else if (const std::string why = misfit(record, *answer); !why.empty()) {
+        record.error = why;
+        answer = ScriptedAnswer();
+        answer->status = NO_ANSWER;
+    }
+    write_down(stage, record);
+    return perform(stage, record, *answer);
+}

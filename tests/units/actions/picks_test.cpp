@@ -1,0 +1,27 @@
+#include "actions/picks.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Picks, AListHasNoCommaAtItsEnd) {
+    EXPECT_EQ(as_list({}), "");
+    EXPECT_EQ(as_list({"a"}), "a");
+    EXPECT_EQ(as_list({"a", "", "b"}), "a,,b");
+}
+
+TEST(Picks, NumberAtFront) {
+    EXPECT_EQ(number_at_front("007 key"), 7);
+    EXPECT_EQ(number_at_front("12"), 12);
+    EXPECT_EQ(number_at_front("3x"), 3);
+    EXPECT_EQ(number_at_front("2147483647"), 2147483647);
+}
+
+TEST(Picks, WhatDoesNotBeginWithANumber) {
+    for (const char* pick :
+         {"", "x1", " 1", "-1", "+1", "2147483648", "99999999999999999999999999"}) {
+        EXPECT_EQ(number_at_front(pick), std::nullopt) << pick;
+    }
+}
+
+}  // namespace

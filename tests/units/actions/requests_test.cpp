@@ -1,0 +1,71 @@
+#include "actions/requests.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+#include "main/selections.h"
+
+namespace {
+
+std::set<int> numbers_where(bool (*holds)(const Request& request)) {
+    std::set<int> numbers;
+    for (const Request& request : all_requests()) {
+        if (request.kind == RequestKind::ACTION && holds(request)) numbers.insert(request.number);
+    }
+    return numbers;
+}
+
+TEST(Requests, EveryNumberButThreeIsAnAction) {
+    std::set<int> expected;
+    for (int n = 1; n <= 29; ++n) {
+        if (n != 3) expected.insert(n);
+    }
+    EXPECT_EQ(numbers_where([](const Request&) { return true; }), expected);
+    EXPECT_EQ(request_numbered(RequestKind::ACTION, 3), nullptr);
+    EXPECT_EQ(request_numbered(RequestKind::ACTION, 0), nullptr);
+    EXPECT_EQ(request_numbered(RequestKind::ACTION, 30), nullptr);
+}
+
+TEST(Requests, GuardedActions) {
+    EXPECT_EQ(numbers_where([](const Request& request) { return request.guarded; }),
+              (std::set<int>{4, 5, 6, 7, 9, 10, 11, 12, 14, 16, 17, 20, 21, 22}));
+}
+
+TEST(Requests, AreFoundByTheirLabels) {
+    for (const Request& request : all_requests()) {
+        EXPECT_EQ(request_labelled(request.label), &request);
+        EXPECT_EQ(request_numbered(request.kind, request.number), &request);
+    }
+    EXPECT_EQ(request_labelled("A22 - Add a Command Key"), nullptr);
+}
+
+TEST(Requests, Submenu) {
+    IS_DURING_INSTALL = false;
+    const std::string entries =
+        "A04 - View/Change Windows Depot,A05 - View/Change UNIX Depot,A06 - View/Change Windows "
+        "Gatebits Parent,A07 - View/Change UNIX Gatebits Parent,A08 - View/Change Region Logging "
+        "Personality,A09 - View/Change Region Windows Notify/Script,A10 - View/Change Region UNIX "
+        "Notify/Script,A11 - View/Change Region Inhibited Access,A12 - View/Change Region Special "
+        "Access List,A13 - View/Change Region MOTD String,A14 - View/Change Region MOTD "
+        "Restriction List,A15 - View/Change Per-VOB Functionality Bits Checking,A16 - View/Change "
+        "Functionality Bits for region,A17 - Add Alias Definition to Region,A18 - Delete Alias "
+        "Definition from Region,A19 - Delete References to Alias Definition from Region,A20 - "
+        "Update Alias Definition in Region,------------------------------,A21 - View/Change/Delete "
+        "a Command Key in Region,A22 - Add a Comand Key,A23 - VERIFY:Run gatewarden {gatebits} "
+        "-check";
+    EXPECT_EQ(submenu_entries(), entries);
+    IS_DURING_INSTALL = true;
+    EXPECT_EQ(submenu_entries(), entries + ",A24 - Configure Gatescope");
+    IS_DURING_INSTALL = false;
+}
+
+TEST(Requests, ASeparatorIsKnownByItsFirstFiveCharacters) {
+    EXPECT_TRUE(is_separator("------------------------------"));
+    EXPECT_TRUE(is_separator("-----x"));
+    EXPECT_FALSE(is_separator("----"));
+    EXPECT_FALSE(is_separator(""));
+    EXPECT_FALSE(is_separator("A01 - Prune Log Files"));
+}
+
+}  // namespace

@@ -1,0 +1,187 @@
+#include "dialog/messages.h"
+
+#include <gtest/gtest.h>
+
+#include "dialog/clearprompt.h"
+#include "units/on_stage.h"
+
+namespace {
+
+using Messages = OnStage;
+using MessagesDeathTest = OnStage;
+
+class MessagesWithoutDialogs : public OnStage {
+  protected:
+    MessagesWithoutDialogs() { ZUL_PREFER_GUI = 0; }
+    /// What `act` prints on standard output.
+    template <typename Act>
+    static std::string printed(Act act) {
+        testing::internal::CaptureStdout();
+        act();
+        return testing::internal::GetCapturedStdout();
+    }
+};
+
+TEST_F(Messages, AskWithoutMaskAndDefaultOffersAllThree) {
+    region.answers_yes();
+    EXPECT_EQ(ask("Sure?", nullptr, nullptr), YES);
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", "yes,no,abort")});
+}
+
+TEST_F(Messages, AskHandsMaskAndDefaultOver) {
+    region.answers_no();
+    EXPECT_EQ(ask("Sure?", "no", "yes,no"), NO);
+    EXPECT_EQ(ANSWER, NO);
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "no", "yes,no")});
+}
+
+TEST_F(Messages, EveryStatusButYesAndNoIsAnAbort) {
+    for (const int status : {2, 3, 10, 99, 126, 127, 255}) {
+        region.answers({.kind = "yes_no", .status = status});
+        EXPECT_EQ(ask("Sure?", "yes", "yes,no"), ABORT) << status;
+        EXPECT_EQ(ANSWER, ABORT);
+    }
+    region.shown_so_far();
+}
+
+TEST_F(Messages, AClearpromptThatIsNotThereIsAnAbort) {
+    setenv("PATH", "/nowhere", 1);
+    EXPECT_EQ(ask("Sure?", "yes", "yes,no"), ABORT);
+    region.enter();
+}
+
+TEST_F(Messages, AdviseDoesNotWait) {
+    advise("Take note.");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{advised("Take note.")});
+}
+
+TEST_F(Messages, AdviseWaitsForARemoteClient) {
+    ZUL_REMOTE_CLIENT_USER = 1;
+    advise("Take note.");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{advised_and_waited("Take note.")});
+}
+
+TEST_F(Messages, AdviseWaitWaits) {
+    advise_wait("Take note.");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{advised_and_waited("Take note.")});
+}
+
+TEST_F(Messages, OnlyThePairOfBackslashAndNAsksForNewline) {
+    advise_wait("one\\ntwo");
+    advise_wait("one\ntwo");
+    const Dialogs dialogs = region.shown_so_far().dialogs();
+    EXPECT_EQ(dialogs, (Dialogs{advised_and_waited("one\\ntwo"), advised_and_waited("one\ntwo")}));
+    EXPECT_EQ(dialogs.at(0).args, (Args{"yes_no", "-mask", "yes", "-def", "yes", "-pre", "-newline",
+                                        "-pro", "one\\ntwo"}));
+    EXPECT_EQ(dialogs.at(1).args,
+              (Args{"yes_no", "-mask", "yes", "-def", "yes", "-pre", "-pro", "one\ntwo"}));
+}
+
+TEST_F(Messages, AQuoteInAMessageBreaksTheQuoting) {
+    advise_wait("say \"two words\"");
+    EXPECT_EQ(region.shown_so_far().dialogs().at(0).args,
+              (Args{"yes_no", "-mask", "yes", "-def", "yes", "-pre", "-pro", "say two", "words"}));
+}
+
+TEST_F(Messages, WhatStandsBehindANulIsLostButTheCommandLineIsWhole) {
+    advise_wait(std::string("kept\0lost", 9));
+    region.answers_yes();
+    ask(std::string("kept\0lost", 9), "yes", "yes,no");
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              (Dialogs{advised_and_waited("kept"), asked("kept", "yes", "yes,no")}));
+}
+
+TEST_F(Messages, LongMessagesAreShownWhole) {
+    const std::string text(20000, 'x');
+    advise_wait(text);
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{advised_and_waited(text)});
+}
+
+TEST_F(MessagesDeathTest, AskRefusesADefaultThatIsNoAnswer) {
+    const std::string fault = "Internal Error: Inform ZUL: Unexpected case in gatescope:ask\n";
+    EXPECT_GRIPE(ask("Sure?", "maybe", "yes,no"), fault);
+    EXPECT_GRIPE(ask("Sure?", "", "yes,no"), fault);
+    EXPECT_GRIPE(ask("Sure?", "Yes", "yes,no"), fault);
+}
+
+TEST_F(MessagesDeathTest, GripeUncodedNamesThePlace) {
+    EXPECT_GRIPE(gripe_uncoded("here"),
+                 "Internal Error: Inform ZUL: Unexpected case in gatescope:here\n");
+}
+
+TEST_F(MessagesDeathTest, GripePrintsItsMessageAsAFormatWithoutArguments) {
+    EXPECT_GRIPE(gripe("100% of 50%% %s %n"), "100% of 50% %s %n");
+}
+
+TEST_F(MessagesDeathTest, AJustCheckingGripeSaysNothing) {
+    EXPECT_EXIT(
+        {
+            ZUL_PREFER_GUI = 0;
+            JUST_CHECKING = 1;
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            gripe("x");
+        },
+        testing::ExitedWithCode(99), testing::Eq(""));
+}
+
+TEST_F(MessagesWithoutDialogs, MessagesArePrinted) {
+    EXPECT_EQ(printed([] { advise("one"); }), "one\n");
+    EXPECT_EQ(printed([] { advise_wait("two\\n"); }), "two\\n\n");
+    EXPECT_TRUE(region.shown_so_far().dialogs().empty());
+}
+
+TEST_F(MessagesWithoutDialogs, AQuestionWithOneButtonIsAcceptedWithItsDefault) {
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "no", "no"), NO); }), "Sure?\n[no] accepted\n");
+    EXPECT_EQ(ANSWER, NO);
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "yes", "yes"), YES); }),
+              "Sure?\n[yes] accepted\n");
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "abort", "abort"), ABORT); }),
+              "Sure?\n[abort] accepted\n");
+    EXPECT_TRUE(region.shown_so_far().dialogs().empty());
+}
+
+TEST_F(MessagesWithoutDialogs, TheDefaultsFirstLetterIsTheAnswer) {
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "nobody", "yes"), NO); }),
+              "Sure?\n[nobody] accepted\n");
+}
+
+TEST_F(MessagesWithoutDialogs, AQuestionWithMoreButtonsStillNeedsADialog) {
+    region.answers_no();
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "yes", "yes,no"), NO); }), "");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", "yes,no")});
+}
+
+TEST_F(MessagesWithoutDialogs, TextIsAFormatWithoutArguments) {
+    EXPECT_EQ(printed([] { print_stdout("100%"); }), "100%");
+    EXPECT_EQ(printed([] { print_stdout("%%%d%%%"); }), "%%d%%");
+    EXPECT_EQ(printed([] { print_stdout("%s%n%*d\n"); }), "%s%n%*d\n");
+    EXPECT_EQ(printed([] { print_stdout(std::string("a\0b", 3)); }), "a");
+}
+
+TEST_F(MessagesWithoutDialogs, NothingIsPrintedWhileJustChecking) {
+    JUST_CHECKING = 1;
+    EXPECT_EQ(printed([] { print_stdout("x"); }), "");
+    JUST_CHECKING = 0;
+}
+
+TEST(Quoting, LeavesTheTextAsItIs) {
+    EXPECT_EQ(quoted("a \"b\" $c `d` \\"), "\"a \"b\" $c `d` \\\"");
+    EXPECT_EQ(quoted(std::string("a\0b", 3)), "\"a\"");
+}
+
+TEST(Quoting, StrictQuotingEscapesWhatTheShellWouldReadInQuotes) {
+    setenv("ZUL_GATESCOPE_STRICT_QUOTING", "yEs", 1);
+    EXPECT_EQ(quoted("a \"b\" $c `d` \\n 'e' !"), "\"a \\\"b\\\" \\$c \\`d\\` \\\\n 'e' !\"");
+    setenv("ZUL_GATESCOPE_STRICT_QUOTING", "y", 1);
+    EXPECT_EQ(quoted("$c"), "\"$c\"");
+    unsetenv("ZUL_GATESCOPE_STRICT_QUOTING");
+}
+
+TEST(Quoting, TheNewlineOptionIsForThePairOnly) {
+    EXPECT_EQ(newline_option("a\\nb"), "-newline");
+    EXPECT_EQ(newline_option("a\nb"), " ");
+    EXPECT_EQ(newline_option("a\\"), " ");
+    EXPECT_EQ(newline_option(std::string("a\0\\n", 4)), " ");
+}
+
+}  // namespace

@@ -1,0 +1,221 @@
+#include "dialog/prompts.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "units/on_stage.h"
+
+namespace {
+
+class Prompts : public OnStage {
+  protected:
+    Prompts() { GATEWARDEN_RESULT_STRING = "the answer before"; }
+
+    /// The answer of a prompt that the operator typed `typed` into.
+    std::string answer_to(const std::string& typed) {
+        region.types(typed);
+        EXPECT_EQ(prompt("Prompt:", "def"), ANSWERED);
+        region.shown_so_far();
+        return GATEWARDEN_RESULT_STRING;
+    }
+    /// The answer of a multiple choice whose result file holds `bytes`.
+    std::string several(const std::string& bytes) {
+        region.answers({.kind = "list", .outfile = bytes});
+        EXPECT_EQ(make_selection("Title", "a,b,c", MULTIPLE_CHOICE), ANSWERED);
+        region.shown_so_far();
+        return GATEWARDEN_RESULT_STRING;
+    }
+    void expect_no_temporary_files() { EXPECT_TRUE(region.files_in("tmp").empty()); }
+};
+using PromptsDeathTest = Prompts;
+
+TEST_F(Prompts, APromptIsAskedWithItsDefault) {
+    region.types("words");
+    EXPECT_EQ(prompt("Input user:", "*"), ANSWERED);
+    EXPECT_EQ(ANSWER, ANSWERED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "words");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{prompted("Input user:", "*")});
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ThePromptAloneDecidesAboutNewline) {
+    region.types("x").types("x");
+    prompt("one\\ntwo", "def");
+    prompt("one", "d\\nef");
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              (Dialogs{prompted("one\\ntwo", "def"), prompted("one", "d\\nef")}));
+}
+
+TEST_F(Prompts, AnEmptyDefaultIsAnEmptyArgument) {
+    region.types("x");
+    prompt("one", "");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{prompted("one", "")});
+}
+
+TEST_F(Prompts, AnAnswerIsItsWordsWithOneBlankBetweenThem) {
+    EXPECT_EQ(answer_to("  two   words \n"), "two words");
+    EXPECT_EQ(answer_to("a\nb\tc\r\n"), "a b c");
+    EXPECT_EQ(answer_to(""), "");
+    EXPECT_EQ(answer_to(" \n "), "");
+    EXPECT_EQ(answer_to("$(x) `y` \"z\" \\n"), "$(x) `y` \"z\" \\n");
+    EXPECT_EQ(answer_to(std::string("a\0b c", 5)), "a c");
+    EXPECT_EQ(answer_to("\xff\xfe"), "\xff\xfe");
+}
+
+TEST_F(Prompts, LongAnswersAreTakenWhole) {
+    const std::string answer(100000, 'x');
+    EXPECT_EQ(answer_to(answer), answer);
+}
+
+TEST_F(Prompts, AnswersThatWereNotWrittenAreEmpty) {
+    region.answers({.kind = "text", .status = 0});
+    EXPECT_EQ(prompt("Prompt:", "def"), ANSWERED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "");
+    region.shown_so_far();
+}
+
+TEST_F(Prompts, EveryStatusButZeroCancelsAndKeepsTheAnswerBefore) {
+    for (const int status : {1, 2, 255}) {
+        region.answers({.kind = "text", .status = status, .outfile = "typed"});
+        EXPECT_EQ(prompt("Prompt:", "def"), CANCELLED);
+        EXPECT_EQ(ANSWER, CANCELLED);
+        EXPECT_EQ(GATEWARDEN_RESULT_STRING, "the answer before");
+    }
+    region.shown_so_far();
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ADefaultInAFileIsHandedOverLetterForLetter) {
+    const std::string def = "line 1\nline \"2\" $(x)  \\n\n";
+    region.types("new");
+    EXPECT_EQ(prompt_from_file("Prompt:", def), ANSWERED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "new");
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{prompted_from_file("Prompt:", def)});
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ALeftoverDefaultFileIsAddedTo) {
+    region.write_file("tmp/gatewarden_prompt_prompt_" + GLOBAL_PID_STRING + "_.txt", "left ");
+    region.types("x");
+    prompt_from_file("Prompt\\n:", "new");
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              Dialogs{prompted_from_file("Prompt\\n:", "left new")});
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ACancelledPromptFromAFileLeavesNoFiles) {
+    region.cancels();
+    EXPECT_EQ(prompt_from_file("Prompt:", "def"), CANCELLED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "the answer before");
+    region.shown_so_far();
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, AFileIsShownWithWhatIsKnownOfItsErrors) {
+    region.write_file("report", "line\n");
+    region.closes_view().closes_view();
+    show_file_with_clearprompt("Title", region.path("report"), false);
+    show_file_with_clearprompt("Title", region.path("report"), true);
+    const Dialogs dialogs = region.shown_so_far().dialogs();
+    EXPECT_EQ(dialogs, (Dialogs{showed_file("Title", region.path("report"), "line\n", false),
+                                showed_file("Title", region.path("report"), "line\n", true)}));
+    EXPECT_EQ(dialogs.at(0).args.back(), "Title\\n -- File has NO errors --");
+    EXPECT_EQ(dialogs.at(1).args.back(),
+              "Title\\n -- File has one or more errors displayed near bottom --");
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, WhatIsTypedIntoAFileThatIsShownIsThrownAway) {
+    region.write_file("report", "line\n");
+    region.types("typed");
+    show_file_with_clearprompt("Title", region.path("report"), false);
+    region.shown_so_far();
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "the answer before");
+    EXPECT_EQ(region.file("report"), "line\n");
+}
+
+TEST_F(Prompts, ASinglePickComesBackAsListed) {
+    region.operator_picks("A01 - Prune Log Files");
+    EXPECT_EQ(make_selection("Pick (%s)", "A01 - Prune Log Files,A02 - x", SINGLE_CHOICE),
+              ANSWERED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "A01 - Prune Log Files");
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              Dialogs{listed("Pick (%s)", "A01 - Prune Log Files,A02 - x")});
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ACancelledListKeepsTheAnswerBefore) {
+    region.cancels().cancels();
+    EXPECT_EQ(make_selection("Title", "a,b", SINGLE_CHOICE), CANCELLED);
+    EXPECT_EQ(make_selection("Title", "a,b", MULTIPLE_CHOICE), CANCELLED);
+    EXPECT_EQ(ANSWER, CANCELLED);
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "the answer before");
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              (Dialogs{listed("Title", "a,b"), listed_for_several("Title", "a,b")}));
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, SeveralPicksAreJoinedByCommas) {
+    EXPECT_EQ(several("b - two\na - one\n"), "b - two,a - one");
+    EXPECT_EQ(several("a"), "a");
+    EXPECT_EQ(several("a\nb"), "a,b");
+    EXPECT_EQ(several(""), "");
+    EXPECT_EQ(several("\n"), "");
+    EXPECT_EQ(several("a\n\n"), "a,");
+    EXPECT_EQ(several("two  blanks \n"), "two  blanks ");
+}
+
+TEST_F(Prompts, SeveralPicksOf10001CharactersAreAccepted) {
+    const std::string largest(10001, 'x');
+    EXPECT_EQ(several(largest), largest);
+    const std::string with_break = std::string(10000, 'x') + "\n";
+    EXPECT_EQ(several(with_break), std::string(10000, 'x'));
+}
+
+TEST_F(PromptsDeathTest, SeveralPicksOf10002CharactersAreFatal) {
+    region.answers({.kind = "list", .outfile = std::string(10002, 'x')});
+    EXPECT_GRIPE(make_selection("Title", "a", MULTIPLE_CHOICE),
+                 "make_selection() selection excessively large exceeds 10001 bytes");
+    region.shown_so_far();
+}
+
+TEST_F(PromptsDeathTest, SeveralPicksWithoutAFileAreFatal) {
+    region.answers({.kind = "list", .status = 0});
+    EXPECT_GRIPE(make_selection("Title", "a", MULTIPLE_CHOICE),
+                 "expected result file disappeared in make_selection()");
+    region.answers({.kind = "list", .status = 0, .meanwhile = "rm tmp/*"});
+    EXPECT_GRIPE(make_selection("Title", "a", MULTIPLE_CHOICE),
+                 "expected result file disappeared in make_selection()");
+    region.shown_so_far();
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, ListsAreShownEvenWithoutDialogs) {
+    ZUL_PREFER_GUI = 0;
+    region.operator_picks("a").types("x");
+    EXPECT_EQ(make_selection("Title", "a,b", SINGLE_CHOICE), ANSWERED);
+    EXPECT_EQ(prompt("Prompt:", "def"), ANSWERED);
+    EXPECT_EQ(region.shown_so_far().dialogs(),
+              (Dialogs{listed("Title", "a,b"), prompted("Prompt:", "def")}));
+}
+
+TEST_F(Prompts, GetSystemRcThrowsTheOutputAwayAndKeepsTheStatus) {
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    std::fputs("before ", stdout);
+    EXPECT_EQ(get_system_rc("echo lost; echo lost >&2; exit 3"), 3 * 256);
+    std::fputs("after", stdout);
+    EXPECT_EQ(get_system_rc("true"), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "before after");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    expect_no_temporary_files();
+}
+
+TEST_F(Prompts, GetSystemRcRunsTheCommandEvenWithoutAPlaceForItsOutput) {
+    TEMP_DIR = "/no/such/dir";
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(get_system_rc("echo seen; exit 2"), 2 * 256);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Can't open file 'data'\nseen\n");
+}
+
+}  // namespace

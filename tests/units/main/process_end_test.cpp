@@ -1,0 +1,151 @@
+#include "main/process_end.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <functional>
+
+#include "main/answer_file.h"
+#include "main/child.h"
+#include "main/signals.h"
+#include "main/temporary_files.h"
+#include "units/on_stage.h"
+
+namespace {
+
+class ProcessEnd : public OnStage {
+  protected:
+    /// The wait status of a child process that does `act`.
+    static int in_a_child(const std::function<void()>& act) {
+        const pid_t child = fork();
+        if (child == 0) {
+            act();
+            _exit(77);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        return status;
+    }
+    std::string at(const std::string& name) const { return region.path("tmp/" + name); }
+};
+using ProcessEndDeathTest = ProcessEnd;
+
+TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
+    const int status = in_a_child([&] {
+        close(create_temporary_file(at("scratch")));
+        clean_exit(7);
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 7);
+    EXPECT_TRUE(region.files_in("tmp").empty());
+}
+
+TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
+    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+        const int status = in_a_child([&] {
+            end_in_order_on_signals();
+            close(create_temporary_file(at("scratch")));
+            raise(number);
+        });
+        EXPECT_TRUE(WIFSIGNALED(status)) << number;
+        EXPECT_EQ(WTERMSIG(status), number);
+        EXPECT_TRUE(region.files_in("tmp").empty()) << number;
+    }
+}
+
+TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
+    const int status = in_a_child([&] {
+        signal(SIGHUP, SIG_IGN);
+        end_in_order_on_signals();
+        raise(SIGHUP);
+        _exit(5);
+    });
+    EXPECT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 5);
+}
+
+TEST_F(ProcessEnd, AForgottenFileStays) {
+    in_a_child([&] {
+        close(create_temporary_file(at("kept")));
+        forget_temporary_file(at("kept"));
+        clean_exit(0);
+    });
+    EXPECT_EQ(region.files_in("tmp"), std::vector<std::string>{"kept"});
+}
+
+TEST_F(ProcessEnd, ClosesWhatIsOpenButNeverDescriptorZero) {
+    int zero = 0;
+    close_descriptor(&zero);
+    EXPECT_EQ(zero, -1);
+    EXPECT_NE(fcntl(0, F_GETFD), -1);
+    int other = open("/dev/null", O_RDONLY);
+    const int number = other;
+    close_descriptor(&other);
+    EXPECT_EQ(other, -1);
+    EXPECT_EQ(fcntl(number, F_GETFD), -1);
+    close_descriptor(&other);
+}
+
+TEST_F(ProcessEnd, TheJustCheckingFileGoesWithItsStream) {
+    in_a_child([&] {
+        just_checking_file = at("just_checking");
+        JUST_CHECKING_STREAM = std::fopen(just_checking_file.c_str(), "w");
+        clean_exit(0);
+    });
+    EXPECT_TRUE(region.files_in("tmp").empty());
+}
+
+TEST_F(ProcessEnd, TemporaryFilesArePrivateAndNeverThroughALink) {
+    region.write_file("victim", "precious");
+    ASSERT_EQ(symlink(region.path("victim").c_str(), at("scratch").c_str()), 0);
+    const int file = create_temporary_file(at("scratch"));
+    ASSERT_NE(file, -1);
+    struct stat status = {};
+    fstat(file, &status);
+    EXPECT_EQ(status.st_mode & 07777, mode_t{0600});
+    EXPECT_EQ(write(file, "x", 1), 1);
+    close(file);
+    EXPECT_EQ(region.file("victim"), "precious");
+    remove_temporary_file(at("scratch"));
+    EXPECT_FALSE(region.has_file("tmp/scratch"));
+}
+
+TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
+    const AnswerFile answer(at("answer"));
+    EXPECT_FALSE(answer.content().has_value());
+    EXPECT_EQ(run_in_shell(": > '" + at("answer") + "'"), 0);
+    EXPECT_EQ(answer.content(), "");
+    EXPECT_EQ(run_in_shell("printf 'a\\nb' > '" + at("answer") + "'"), 0);
+    EXPECT_EQ(answer.content(), "a\nb");
+    EXPECT_EQ(answer.content(2), "a\n");
+    EXPECT_EQ(run_in_shell("rm '" + at("answer") + "'"), 0);
+    EXPECT_FALSE(answer.content().has_value());
+}
+
+TEST_F(ProcessEnd, AnAnswerThatIsADirectoryIsNone) {
+    const AnswerFile answer(at("answer"));
+    EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") + "' && rm answer && mkdir answer"), 0);
+    EXPECT_FALSE(answer.content().has_value());
+    EXPECT_EQ(run_in_shell("rmdir '" + at("answer") + "'"), 0);
+}
+
+TEST_F(ProcessEndDeathTest, AnAnswerIsNotReadThroughALink) {
+    const AnswerFile answer(at("answer"));
+    EXPECT_EQ(run_in_shell("ln -sf /etc/passwd '" + at("answer") + "'"), 0);
+    bool failed = false;
+    EXPECT_FALSE(answer.content(100, &failed).has_value());
+    EXPECT_TRUE(failed);
+    EXPECT_EXIT(answer.content(), testing::ExitedWithCode(99), "");
+    region.shown_so_far();
+}
+
+TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {
+    EXPECT_EQ(run_in_shell("exit 0"), 0);
+    EXPECT_EQ(run_in_shell("exit 1"), 256);
+    EXPECT_EQ(run_in_shell("kill -TERM $$"), 15);
+}
+
+}  // namespace

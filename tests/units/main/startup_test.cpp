@@ -1,0 +1,217 @@
+#include "main/startup.h"
+
+#include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "dialog/messages.h"
+#include "main/text.h"
+#include "policy/checker.h"
+#include "units/on_stage.h"
+
+namespace {
+
+class Startup : public OnStage {
+  protected:
+    Startup() {
+        for (const char* name :
+             {"CLEARCASE_USER", "AUTH_USER", "LOGON_USER", "REMOTE_USER", "UNMAPPED_REMOTE_USER",
+              "HTTP_COOKIE", "CLEARCASE_VIEW_KIND", "ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT",
+              "ZUL_PREFER_NO_GUI", "tmp", "temp"}) {
+            unsetenv(name);
+        }
+        ZUL_SNAPSHOT_USER = REAL_ZUL_WEB_USER = 0;
+        ZUL_REMOTE_CLIENT_USER = REAL_ZUL_REMOTE_CLIENT_USER = 0;
+    }
+    ~Startup() override { region.enter(); }
+
+    static void set(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
+    static std::string user() {
+        const std::string* name = calculated_user();
+        return name != nullptr ? *name : "(null)";
+    }
+};
+using StartupDeathTest = Startup;
+
+TEST_F(Startup, TheFirstUserVariableThatIsSetWins) {
+    set("UNMAPPED_REMOTE_USER", "Fifth");
+    EXPECT_EQ(user(), "fifth");
+    set("REMOTE_USER", "Fourth");
+    EXPECT_EQ(user(), "fourth");
+    set("LOGON_USER", "Third");
+    EXPECT_EQ(user(), "third");
+    set("AUTH_USER", "Second");
+    EXPECT_EQ(user(), "second");
+    set("CLEARCASE_USER", "First");
+    EXPECT_EQ(user(), "first");
+}
+
+TEST_F(Startup, AVariableSetToNothingIsAName) {
+    set("CLEARCASE_USER", "");
+    set("AUTH_USER", "second");
+    EXPECT_EQ(user(), "");
+}
+
+TEST_F(Startup, TheCookieNamesTheUserUpToItsSemicolon) {
+    set("HTTP_COOKIE", "sid=7; user=Ann; x=y");
+    EXPECT_EQ(user(), "ann");
+    set("HTTP_COOKIE", "user=Bob");
+    EXPECT_EQ(user(), "bob");
+}
+
+TEST_F(Startup, ACookieWhoseNameMerelyEndsSoMatches) {
+    set("HTTP_COOKIE", "superuser=Eve;user=Ann");
+    EXPECT_EQ(user(), "eve");
+}
+
+TEST_F(Startup, ACookieWithAnEmptyUserAndMoreBehindItIsAName) {
+    set("HTTP_COOKIE", "user=;sid=7");
+    EXPECT_EQ(user(), "");
+}
+
+TEST_F(Startup, ACookieWithoutAUserLeavesItToThePasswordDatabase) {
+    const passwd* entry = getpwuid(geteuid());
+    ASSERT_NE(entry, nullptr);
+    std::string name = entry->pw_name;
+    STRING_LOWER(name);
+    EXPECT_EQ(user(), name);
+    set("HTTP_COOKIE", "sid=7");
+    EXPECT_EQ(user(), name);
+    set("HTTP_COOKIE", "user=");
+    EXPECT_EQ(user(), name);
+}
+
+TEST_F(Startup, TheDomainIsStripped) {
+    const std::pair<const char*, const char*> names[] = {{"DOM\\Sub\\Op", "op"},
+                                                         {"/dom/Op", "op"},
+                                                         {"a/b\\c/d", "c/d"},
+                                                         {"Op", "op"},
+                                                         {"dom\\", ""}};
+    for (const auto& [given, kept] : names) {
+        set("CLEARCASE_USER", given);
+        clean_start();
+        EXPECT_EQ(_CALCULATED_USER, kept) << given;
+    }
+}
+
+TEST_F(Startup, OnlyYesInAnyCaseTurnsDialogsOff) {
+    for (const char* wish : {"yes", "YES", "yEs"}) {
+        set("ZUL_PREFER_NO_GUI", wish);
+        clean_start();
+        EXPECT_EQ(ZUL_PREFER_GUI, 0) << wish;
+    }
+    for (const char* wish : {"", "y", "no", "yes ", "yess"}) {
+        set("ZUL_PREFER_NO_GUI", wish);
+        clean_start();
+        EXPECT_EQ(ZUL_PREFER_GUI, 1) << wish;
+    }
+    unsetenv("ZUL_PREFER_NO_GUI");
+    clean_start();
+    EXPECT_EQ(ZUL_PREFER_GUI, 1);
+}
+
+TEST_F(Startup, TheViewsKindTellsSnapshotAndWeb) {
+    set("CLEARCASE_VIEW_KIND", "a snapshot view");
+    clean_start();
+    EXPECT_EQ(ZUL_SNAPSHOT_USER, 1);
+    EXPECT_EQ(REAL_ZUL_WEB_USER, 0);
+    set("CLEARCASE_VIEW_KIND", "web");
+    clean_start();
+    EXPECT_EQ(ZUL_SNAPSHOT_USER, 0);
+    EXPECT_EQ(REAL_ZUL_WEB_USER, 1);
+    EXPECT_EQ(ZUL_REMOTE_CLIENT_USER, 0);
+}
+
+TEST_F(Startup, EitherRemoteVariableMakesARemoteClient) {
+    for (const char* name : {"ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
+        ZUL_REMOTE_CLIENT_USER = REAL_ZUL_WEB_USER = REAL_ZUL_REMOTE_CLIENT_USER = 0;
+        set(name, "");
+        clean_start();
+        EXPECT_EQ(ZUL_REMOTE_CLIENT_USER, 1) << name;
+        EXPECT_EQ(REAL_ZUL_WEB_USER, 1) << name;
+        EXPECT_EQ(REAL_ZUL_REMOTE_CLIENT_USER, 1) << name;
+        unsetenv(name);
+    }
+}
+
+TEST_F(Startup, TheSharedTextsStartEmpty) {
+    TMSG = "old";
+    GATEWARDEN_RESULT_STRING = "old";
+    clean_start();
+    EXPECT_EQ(TMSG, "");
+    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "");
+}
+
+TEST_F(Startup, TemporaryFilesGoWhereTmpThenTempThenTheSystemSays) {
+    verify_set_tempdir();
+    EXPECT_EQ(TEMP_DIR, "/tmp");
+    set("temp", region.path("home"));
+    verify_set_tempdir();
+    EXPECT_EQ(TEMP_DIR, region.path("home"));
+    set("tmp", region.path("tmp"));
+    verify_set_tempdir();
+    EXPECT_EQ(TEMP_DIR, region.path("tmp"));
+    EXPECT_TRUE(region.files_in("tmp").empty());
+    EXPECT_TRUE(region.files_in("home").empty());
+    EXPECT_EQ(GLOBAL_PID, getpid());
+    EXPECT_EQ(GLOBAL_PID_STRING, std::to_string(getpid()));
+}
+
+TEST_F(Startup, TheUpperCaseVariablesAreNotLookedAt) {
+    set("TMP", region.path("home"));
+    verify_set_tempdir();
+    EXPECT_EQ(TEMP_DIR, "/tmp");
+    unsetenv("TMP");
+}
+
+TEST_F(StartupDeathTest, ASetButUnwritableDirectoryIsFatalEvenWhereTheNextWouldDo) {
+    set("temp", region.path("tmp"));
+    set("tmp", "/no/such/dir");
+    EXPECT_GRIPE(verify_set_tempdir(),
+                 "ERROR: gatescope using TMP directory (/no/such/dir) but it is not required "
+                 "writable... exiting");
+    unsetenv("tmp");
+    set("temp", "/no/other/dir");
+    EXPECT_GRIPE(verify_set_tempdir(),
+                 "ERROR: gatescope using TEMP directory (/no/other/dir) but it is not required "
+                 "writable... exiting");
+}
+
+TEST_F(Startup, TemporaryNamesAreMadeOfThreeParts) {
+    TEMP_DIR = "/t";
+    EXPECT_EQ(make_tfile("tag", "two", "three"), "/t/tag_two_three.txt");
+    EXPECT_EQ(make_tfile("gatewarden_prompt_result", "123", nullptr),
+              "/t/gatewarden_prompt_result_123_.txt");
+    EXPECT_EQ(make_tfile("tag", nullptr, "9"), "/t/tag__9.txt");
+    EXPECT_EQ(make_tfile(nullptr, nullptr, nullptr), "/t/__.txt");
+    EXPECT_EQ(&make_tfile("a", "b", "c"), &G_TEMP_FILE);
+    EXPECT_EQ(make_cache_file("one", "two"), "/t/cache_one_two.txt");
+    EXPECT_EQ(make_cache_file(nullptr, "x"), "/t/cache__x.txt");
+    EXPECT_EQ(G_CACHE_FILE, "/t/cache__x.txt");
+    EXPECT_EQ(G_TEMP_FILE, "/t/a_b_c.txt");
+}
+
+TEST_F(Startup, SleepReturnsWhatWasLeft) {
+    EXPECT_EQ(zul_sleep(0), 0u);
+}
+
+TEST(EmergencyChecker, StandsBesideTheProgram) {
+    const std::pair<const char*, const char*> paths[] = {
+        {"/opt/x/bin/gatescope", "/opt/x/bin/gatewarden"},
+        {"gatescope", "gatewarden"},
+        {"./gatescope", "./gatewarden"},
+        {"/opt/x/tool", "gatewarden"},
+        {"", "gatewarden"},
+        // The last such letter counts, wherever it stands.
+        {"/opt/gs/tool", "/opt/gatewarden"},
+        {"/opt/x/bin/gatescope-debug", "/opt/x/bin/gatescope-debugatewarden"}};
+    for (const auto& [program, checker] : paths) {
+        set_emergency_checker(program);
+        EXPECT_EQ(EMERGENCY_CHECKER, checker) << program;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,229 @@
+#include "main/text.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "main/commands.h"
+#include "main/filled.h"
+
+namespace {
+
+using Pieces = std::vector<std::string>;
+
+/// All that STRTOK hands out for `text`.
+Pieces pieces(const char* text, const char* delimiters = ",") {
+    Pieces all;
+    for (const char* piece = STRTOK(text, delimiters); piece != nullptr;
+         piece = STRTOK(nullptr, delimiters)) {
+        all.emplace_back(piece);
+    }
+    return all;
+}
+
+TEST(Strtok, ALastPieceWithoutADelimiterIsDropped) {
+    EXPECT_EQ(pieces("a,b"), Pieces{"a"});
+    EXPECT_EQ(pieces("a"), Pieces{});
+    EXPECT_EQ(pieces(""), Pieces{});
+}
+
+TEST(Strtok, EveryTerminatedPieceIsHandedOut) {
+    EXPECT_EQ(pieces("a,b,"), (Pieces{"a", "b"}));
+}
+
+TEST(Strtok, EmptyPiecesCount) {
+    EXPECT_EQ(pieces(",a,"), (Pieces{"", "a"}));
+    EXPECT_EQ(pieces("a,,b,"), (Pieces{"a", "", "b"}));
+    EXPECT_EQ(pieces(","), Pieces{""});
+}
+
+TEST(Strtok, AnyOfTheDelimitersEndsAPiece) {
+    EXPECT_EQ(pieces("a;b,c;", ",;"), (Pieces{"a", "b", "c"}));
+}
+
+TEST(Strtok, StaysAtTheEnd) {
+    EXPECT_STREQ(STRTOK("a,rest", ","), "a");
+    EXPECT_EQ(STRTOK(nullptr, ","), nullptr);
+    EXPECT_EQ(STRTOK(nullptr, ","), nullptr);
+}
+
+TEST(Strtok, TextsOfAnyLengthAreTakenWhole) {
+    const std::string long_piece(5000, 'x');
+    EXPECT_EQ(pieces((long_piece + ",b,").c_str()), (Pieces{long_piece, "b"}));
+}
+
+TEST(TerminatedFields, AreWhatSemicolonsEnd) {
+    EXPECT_EQ(terminated_fields(";;O;"), (Pieces{"", "", "O"}));
+    EXPECT_EQ(terminated_fields("a;b"), Pieces{"a"});
+    EXPECT_EQ(terminated_fields("no field"), Pieces{});
+}
+
+TEST(Cases, ChangeInPlace) {
+    std::string text = "aBc-9\xc4";
+    EXPECT_EQ(&STRING_LOWER(text), &text);
+    EXPECT_EQ(text, "abc-9\xc4");
+    EXPECT_EQ(STRING_UPPER(text), "ABC-9\xc4");
+}
+
+TEST(ZulStrstri, FindsRegardlessOfCaseInsideTheCallersText) {
+    const char* haystack = "mkelem,checkin";
+    EXPECT_EQ(zul_strstri(haystack, "CHECKIN"), haystack + 7);
+    EXPECT_STREQ(zul_strstri(haystack, "CHECKIN"), "checkin");
+}
+
+TEST(ZulStrstri, AnExactMatchComesBeforeAnEarlierOneOfOtherCase) {
+    const char* haystack = "xKEYkey";
+    EXPECT_EQ(zul_strstri(haystack, "key"), haystack + 4);
+    EXPECT_EQ(zul_strstri(haystack, "kEy"), haystack + 1);
+}
+
+TEST(ZulStrstri, NothingFoundIsNull) {
+    EXPECT_EQ(zul_strstri("abc", "d"), nullptr);
+    EXPECT_EQ(zul_strstri("", "d"), nullptr);
+    EXPECT_STREQ(zul_strstri("abc", ""), "abc");
+}
+
+TEST(ZulStrstri, TextsOfAnyLengthAreSearched) {
+    const std::string haystack = std::string(2000, '.') + "Needle";
+    EXPECT_STREQ(zul_strstri(haystack.c_str(), "nEEDLE"), "Needle");
+}
+
+TEST(EscapedQuotedString, LeavesATextWithoutQuotesAlone) {
+    std::string text = "a'b\\c";
+    EXPECT_EQ(escaped_quoted_string(text), nullptr);
+    EXPECT_EQ(text, "a'b\\c");
+}
+
+TEST(EscapedQuotedString, PutsABackslashBeforeEveryQuote) {
+    std::string text = "\"a\"\"b\\\"";
+    EXPECT_EQ(escaped_quoted_string(text), &text);
+    EXPECT_EQ(text, "\\\"a\\\"\\\"b\\\\\"");
+}
+
+TEST(DoubleAmpString, DoublesEveryAmpersand) {
+    std::string text = "a&b&&c";
+    double_amp_string(text);
+    EXPECT_EQ(text, "a&&b&&&&c");
+    text = "none";
+    double_amp_string(text);
+    EXPECT_EQ(text, "none");
+}
+
+TEST(InsertAfterNth, PutsTheCharacterBehindTheNth) {
+    std::string text = "a/b/c";
+    EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 2, '/'),
+              &text);
+    EXPECT_EQ(text, "a/b/Xc");
+    in_string__insert_this_char_after_nth_instance_of_that_char(text, 'Y', 1, '/');
+    EXPECT_EQ(text, "a/Yb/Xc");
+}
+
+TEST(InsertAfterNth, FewerOccurrencesLeaveTheText) {
+    std::string text = "a/b/c";
+    EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 3, '/'),
+              &text);
+    EXPECT_EQ(text, "a/b/c");
+    EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 1, '!'),
+              nullptr);
+    EXPECT_EQ(text, "a/b/c");
+}
+
+TEST(IncludesAllCases, KnowsTheSevenForms) {
+    for (const char* form : {"(*)", "<*>", "[*]", "{*}", "%*%", "'*'", "@*@"}) {
+        EXPECT_TRUE(includes_all_cases(form)) << form;
+        EXPECT_TRUE(includes_all_cases("(a) " + std::string(form) + " x")) << form;
+    }
+    for (const char* other : {"", "*", "(a*)", "(*>", "\"*\"", "( * )"}) {
+        EXPECT_FALSE(includes_all_cases(other)) << other;
+    }
+}
+
+TEST(Healthy, EveryCharacterIsAllowed) {
+    EXPECT_TRUE(healthy("", "abc"));
+    EXPECT_TRUE(healthy("cab", "abc"));
+    EXPECT_FALSE(healthy("cabd", "abc"));
+    EXPECT_FALSE(healthy("a", ""));
+    EXPECT_FALSE(healthy(nullptr, "abc"));
+}
+
+TEST(Unhealthy, SomeCharacterIsForbidden) {
+    EXPECT_FALSE(unhealthy("", ",;"));
+    EXPECT_FALSE(unhealthy("abc", ",;"));
+    EXPECT_TRUE(unhealthy("ab;c", ",;"));
+    EXPECT_FALSE(unhealthy(nullptr, ",;"));
+}
+
+TEST(WordsJoined, OneBlankBetweenWordsAndNoneAround) {
+    EXPECT_EQ(words_joined("  two \t\n words \r\n"), "two words");
+    EXPECT_EQ(words_joined("one"), "one");
+    EXPECT_EQ(words_joined(" \n\t "), "");
+    EXPECT_EQ(words_joined(""), "");
+    EXPECT_EQ(words_joined("a\vb\fc"), "a b c");
+}
+
+TEST(WordsJoined, ANulEndsItsWordOnly) {
+    EXPECT_EQ(words_joined(std::string_view("ab\0cd ef", 8)), "ab ef");
+    EXPECT_EQ(words_joined(std::string_view("\0 x", 3)), " x");
+}
+
+TEST(LeadingNumber, StopsAtTheFirstOther) {
+    EXPECT_EQ(leading_number("7x"), 7);
+    EXPECT_EQ(leading_number("x"), 0);
+    EXPECT_EQ(leading_number(""), 0);
+    EXPECT_EQ(leading_number("0012,3"), 12);
+    EXPECT_EQ(leading_number("-4"), -4);
+    EXPECT_EQ(leading_number("99999999999999999999999"), 9223372036854775807L);
+}
+
+TEST(Filled, EndsWhereANulIsFilledIn) {
+    EXPECT_EQ(filled("a%cb", '\0'), "a");
+    EXPECT_EQ(filled("%s=%d", "x", 7), "x=7");
+    EXPECT_EQ(filled("%s", ""), "");
+}
+
+TEST(Filled, TakesTextsOfAnyLength) {
+    const std::string text(100000, 'x');
+    EXPECT_EQ(filled("<%s>", text.c_str()), "<" + text + ">");
+}
+
+TEST(CText, EndsAtTheFirstNul) {
+    EXPECT_EQ(c_text(std::string_view("ab\0cd", 5)), "ab");
+    EXPECT_EQ(c_text("ab"), "ab");
+}
+
+TEST(CommandNumber, IsThePlaceInTheList) {
+    EXPECT_EQ(command_number("chbl"), 1);
+    EXPECT_EQ(command_number("checkin"), 2);
+    EXPECT_EQ(command_number("mkbl"), 52);
+    EXPECT_EQ(command_number("mkbl_complete"), 53);
+    EXPECT_EQ(command_number("setactivity_none"), 54);
+}
+
+TEST(CommandNumber, OfAnythingElseIsZero) {
+    for (const char* name : {"", "*", "Checkin", "check", "mkbl_", ",", "setactivity_none,"}) {
+        EXPECT_EQ(command_number(name), 0) << name;
+    }
+}
+
+TEST(CommandNumber, OfTwoNeighboursIsThatOfTheFirst) {
+    EXPECT_EQ(command_number("checkin,checkout"), 2);
+}
+
+TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
+    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS.size(), ALL_TRIGGERABLE_COMMANDS_MAP.size());
+    EXPECT_EQ(
+        ALL_TRIGGERABLE_COMMANDS,
+        ",chbl,checkin,checkout,chevent,chfolder,chmaster,chproject,chtype,lock,lnname,mkattr,"
+        "mkbranch,mkcomp,mkelem,mkfolder,mkhlink,mklabel,mkproject,mkslink,mktype,mktrigger,"
+        "modtype,protect,reserve,rmattr,rmbl,rmbranch,rmcomp,rmelem,rmfolder,rmhlink,rmlabel,"
+        "rmname,rmproject,rmtrigger,rmtype,rmver,rntype,uncheckout,unlock,unreserve,"
+        "rebase_start,rebase_cancel,rebase_complete,mkactivity,setactivity,chactivity,"
+        "rmactivity,mkstream,chstream,rmstream,mkbl,mkbl_complete,setactivity_none,");
+    int number = 0;
+    for (const std::string& name : pieces(p_com + 1)) EXPECT_EQ(command_number(name), ++number);
+    EXPECT_EQ(number, 54);
+    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS_MAP.substr(0, 16), ",1,,,,2,,,,,,,3,");
+    EXPECT_EQ(std::strlen(p_map), ALL_TRIGGERABLE_COMMANDS.size());
+}
+
+}  // namespace

@@ -1,0 +1,251 @@
+#include "policy/aliases.h"
+
+#include <gtest/gtest.h>
+
+#include "units/scratch_region.h"
+
+namespace {
+
+const std::string BLOCK = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;0;\n";
+
+std::string alias_line(const std::string& name, const std::string& value) {
+    return "#!gatewarden_alias " + name + " " + value + "\n";
+}
+
+class Aliases : public ScratchRegion {
+  protected:
+    Aliases() {
+        number_of_aliases = 0;
+        ALIAS_NAME.fill("");
+        ALIAS.fill("");
+    }
+
+    /// Builds the list in silence.
+    static int built() {
+        int count = -1;
+        EXPECT_EQ(printed_by([&] { count = build_alias_list(); }), "");
+        return count;
+    }
+
+    /// What a fault in `line`, behind one good alias, makes the operator read.
+    std::string fault(const std::string& line) {
+        gatebits_are(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
+        const std::string said = printed_by([] { EXPECT_EQ(build_alias_list(), 1); });
+        EXPECT_EQ(ALIAS_NAME[0], "good");
+        EXPECT_EQ(ALIAS_NAME[1], "");
+        return said;
+    }
+
+    /// Builds the list, runs a change and returns what it said.
+    static std::string said_by(char mode, const std::string& name, const std::string& value) {
+        build_alias_list();
+        return printed_by([&] { EXPECT_EQ(add_change_remove_an_alias(mode, name, value), 0); });
+    }
+};
+
+TEST_F(Aliases, AreReadInOrderFromAnywhereInTheFile) {
+    gatebits_are("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK +
+                 alias_line("Two_2", "second"));
+    EXPECT_EQ(built(), 2);
+    EXPECT_EQ(ALIAS_NAME[0], "one");
+    EXPECT_EQ(ALIAS[0], "first value");
+    EXPECT_EQ(ALIAS_NAME[1], "Two_2");
+    EXPECT_EQ(ALIAS[1], "second");
+    EXPECT_EQ(ALIAS_NAME[2], "");
+    EXPECT_EQ(number_of_aliases, 2);
+}
+
+TEST_F(Aliases, HeaderWithoutABlankIsAComment) {
+    gatebits_are("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(said_by('A', "n", "v"), "");
+    EXPECT_EQ(gatebits(), alias_line("a", "b") + alias_line("n", "v") +
+                              "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
+}
+
+TEST_F(Aliases, LineWithNothingBehindTheMarkerIsSkipped) {
+    gatebits_are("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(ALIAS_NAME[0], "a");
+}
+
+TEST_F(Aliases, NameWithoutAValueComesBackWithOneBlank) {
+    gatebits_are("#!gatewarden_alias empty\n" + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(ALIAS_NAME[0], "empty");
+    EXPECT_EQ(ALIAS[0], "");
+    said_by('A', "n", "v");
+    EXPECT_EQ(gatebits(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
+}
+
+TEST_F(Aliases, RunsOfBlanksInAValueBecomeOneBlank) {
+    gatebits_are("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(ALIAS[0], "x y z");
+    said_by('A', "n", "v");
+    EXPECT_EQ(gatebits(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
+}
+
+TEST_F(Aliases, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
+    const std::string fifty(50, 'n');
+    gatebits_are(alias_line(fifty, "x") + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(ALIAS_NAME[0], fifty);
+    EXPECT_EQ(
+        fault("#!gatewarden_alias " + fifty + "n x"),
+        "ERROR: read alias name exceeds 50 characters: #!gatewarden_alias " + fifty + "n x\n\n");
+}
+
+TEST_F(Aliases, InvalidCharacterInANameEndsTheReading) {
+    EXPECT_EQ(fault("#!gatewarden_alias a-b x"),
+              "ERROR: read invalid alias name (#!gatewarden_alias a-b x).  Alias names must be "
+              "made up of [a..z,A..Z,_,0..9] only.\n");
+}
+
+TEST_F(Aliases, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
+    EXPECT_EQ(fault("#!gatewarden_alias good z"),
+              "ERROR: read alias name (#!gatewarden_alias good z) is a duplicate of another alias "
+              "name.  Alias names must be unique.\n\n");
+    gatebits_are(alias_line("good", "x") + alias_line("Good", "y") + BLOCK);
+    EXPECT_EQ(built(), 2);
+}
+
+TEST_F(Aliases, ValueOf256CharactersIsReadAndOf257IsNot) {
+    const std::string value = std::string(128, 'v') + " " + std::string(127, 'w');
+    gatebits_are(alias_line("a", value) + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(ALIAS[0], value);
+    EXPECT_EQ(
+        fault("#!gatewarden_alias a " + value + "w"),
+        "ERROR: read alias value exceeds 256 characters: #!gatewarden_alias a " + value + "w\n\n");
+}
+
+TEST_F(Aliases, TheEightyFirstEndsTheReading) {
+    std::string text;
+    for (int i = 1; i <= 80; ++i) text += alias_line("a" + std::to_string(i), "v");
+    gatebits_are(text + "  #!gatewarden_alias last one\n" + BLOCK);
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(build_alias_list(), 80); }),
+              "ERROR: read alias exceeds max of 80 alias definitions: #!gatewarden_alias last "
+              "one\n\n");
+    EXPECT_EQ(ALIAS_NAME[79], "a80");
+}
+
+TEST_F(Aliases, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
+    gatebits_are(alias_line("only", "x") + BLOCK);
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(said_by('R', "only", " "), "The alias definition for ( only ) was removed..\n\n\n");
+    EXPECT_EQ(built(), 1);
+    EXPECT_EQ(number_of_aliases, 1);
+    EXPECT_EQ(ALIAS_NAME[0], "");
+}
+
+TEST_F(Aliases, EntriesWithoutANameAreNotWritten) {
+    gatebits_are(alias_line("only", "x") + BLOCK);
+    said_by('R', "only", " ");
+    EXPECT_EQ(gatebits(), BLOCK);
+    said_by('A', "new", "y");
+    EXPECT_EQ(gatebits(), alias_line("new", "y") + BLOCK);
+}
+
+TEST_F(Aliases, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
+    gatebits_are("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
+                 "key;\n  #!gatewarden_alias a  1\n# end\n");
+    said_by('A', "c", "3");
+    EXPECT_EQ(gatebits(), alias_line("b", "2") + alias_line("a", "1") + alias_line("c", "3") +
+                              "#!gatescope_unix_browser=b\n# c\n" + BLOCK + "key;\n# end\n");
+}
+
+TEST_F(Aliases, ChangeKeepsTheOrderAndTheReferences) {
+    const std::string keys = "k;~b ;\nk;~bc;~b;\n";
+    gatebits_are(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
+    EXPECT_EQ(said_by('C', "b", "new value"), "");
+    EXPECT_EQ(gatebits(), alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
+}
+
+TEST_F(Aliases, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
+    setenv("ZUL_GATESCOPE_VERBOSITY", "", 1);
+    gatebits_are(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_by('C', "b", "3"), "The alias definition for ~b was changed..\n\n\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b ;\n");
+    EXPECT_EQ(said_by('C', "b", "3"),
+              "The alias definition for ~b was changed..\n\n1 current ~b alias reference was "
+              "effected.\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ~b ;\n");
+    EXPECT_EQ(said_by('C', "b", "3"),
+              "The alias definition for ~b was changed..\n\n3 current ~b alias references were "
+              "effected.\n");
+}
+
+TEST_F(Aliases, RemovalOfTheDefinitionCountsWhatStillRefers) {
+    const std::string start = "The alias definition for ( b ) was removed..\n\n";
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 1 ~b alias reference still exists.\n");
+    EXPECT_EQ(gatebits(), BLOCK + "k;~b;\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 2 ~b alias references still exist.\n");
+    gatebits_are(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_by('R', "b", " "), start + "\n");
+}
+
+TEST_F(Aliases, RemovalWithReferencesReportsThem) {
+    const std::string start = "The alias definition for ( b ) was removed..\n\n";
+    gatebits_are(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_by('R', "b", "~"), start + "No ~b alias references were found to remove.\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    EXPECT_EQ(said_by('R', "b", "~"), start + "1 ~b alias reference was found and also removed.\n");
+    EXPECT_EQ(gatebits(), BLOCK + "k;;\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(said_by('R', "b", "~"),
+              start + "2 ~b alias references were found and also removed.\n");
+}
+
+TEST_F(Aliases, RemovalOfReferencesOnlyKeepsTheDefinition) {
+    gatebits_are(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_by('r', "~b", " "), "No ~b alias references were found to remove.\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
+    EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
+    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "k;x y;\n");
+    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b ~b ;\n");
+    EXPECT_EQ(said_by('r', "~b", " "), "2 ~b alias references were found and removed.\n");
+    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "k;;\n");
+}
+
+TEST_F(Aliases, ReferencesEndInABlankOrASemicolon) {
+    gatebits_are(alias_line("b", "2") + BLOCK +
+                 "between;one ~b two;\n"
+                 "alone;~b;\n"
+                 "both;~b;x ~b ;\n"
+                 "two bare;~b;~b ;\n"
+                 "longer;~bc;~b_ ;~b\n"
+                 "glued;x~b;\n"
+                 "# comment ~b ;\n"
+                 "at the end ~b");
+    EXPECT_EQ(said_by('r', "~b", " "), "7 ~b alias references were found and removed.\n");
+    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK +
+                              "between;one two;\n"
+                              "alone;;\n"
+                              "both;;x ;\n"
+                              "two bare;;;\n"
+                              "longer;~bc;~b_ ;~b\n"
+                              "glued;x;\n"
+                              "# comment ~b ;\n"
+                              "at the end ~b\n");
+}
+
+TEST_F(Aliases, LinesBehindAFaultyOneAreNotLost) {
+    const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
+    gatebits_are(alias_line("good", "x") + BLOCK + rest);
+    printed_by([] { build_alias_list(); });
+    EXPECT_EQ(printed_by([] { add_change_remove_an_alias('A', "new", "z"); }), "");
+    EXPECT_EQ(gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
+}
+
+TEST_F(Aliases, AnUnknownModeIsAFaultAndWritesNothing) {
+    gatebits_are(alias_line("a", "1") + BLOCK);
+    EXPECT_GRIPE(add_change_remove_an_alias('x', "a", ""),
+                 "Internal Error: Inform ZUL: Unexpected case in "
+                 "gatescope:add_change_remove_an_alias\n");
+    EXPECT_EQ(gatebits(), alias_line("a", "1") + BLOCK);
+}
+
+}  // namespace

@@ -1,0 +1,318 @@
+#include "policy/gatebits_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "policy/edition.h"
+#include "units/on_stage.h"
+
+namespace {
+
+const std::string BLOCK =
+    "gatewarden;;;east;\n;/depot;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;000000000000000000000000;\n";
+
+class GatebitsFile : public OnStage {
+  protected:
+    std::string line(int n) const {
+        std::string text = "(untouched)";
+        return get_a_line(n, &text) == 1 ? text : "(none)" + text;
+    }
+    std::string field(int n, int f) const {
+        std::string text = "(untouched)";
+        return get_a_field(n, f, &text) == 1 ? text : "(none)" + text;
+    }
+    /// The file with `count` significant lines "line 1" and so on.
+    void use_lines(int count) const {
+        std::string text;
+        for (int i = 1; i <= count; ++i) text += "line " + std::to_string(i) + "\n";
+        use_gatebits(text);
+    }
+};
+using GatebitsFileDeathTest = GatebitsFile;
+
+const std::string NONE = "(none)(untouched)";
+
+TEST_F(GatebitsFile, OnlySignificantLinesAreCounted) {
+    use_gatebits(
+        "# comment\n"
+        "#!gatescope_unix_browser=/b\n"
+        "first;\n"
+        "\n\n"
+        "  \t# indented comment\n"
+        "#!gatewarden_alias name value\n"
+        " \t \n"
+        " \tsecond;\n"
+        "#\n"
+        "third");
+    EXPECT_EQ(line(1), "first;");
+    EXPECT_EQ(line(2), " \tsecond;");
+    EXPECT_EQ(line(3), "third");
+    EXPECT_EQ(line(4), NONE);
+    EXPECT_EQ(line(0), NONE);
+}
+
+TEST_F(GatebitsFile, NumbersUpTo127AddressLinesAndNoOthersDo) {
+    use_lines(300);
+    EXPECT_EQ(line(127), "line 127");
+    EXPECT_EQ(line(128), NONE);
+    EXPECT_EQ(line(129), NONE);
+    EXPECT_EQ(line(257), NONE);
+    EXPECT_EQ(line(300), NONE);
+    EXPECT_EQ(line(1), "line 1");
+}
+
+TEST_F(GatebitsFile, FieldsAreWhatSemicolonsEnd) {
+    use_gatebits(";;O;\none;two\nno field\n");
+    EXPECT_EQ(field(1, 1), "");
+    EXPECT_EQ(field(1, 2), "");
+    EXPECT_EQ(field(1, 3), "O");
+    EXPECT_EQ(field(1, 4), NONE);
+    EXPECT_EQ(field(1, 0), NONE);
+    EXPECT_EQ(field(2, 1), "one");
+    EXPECT_EQ(field(2, 2), NONE);
+    EXPECT_EQ(field(3, 1), NONE);
+    EXPECT_EQ(field(4, 1), NONE);
+    EXPECT_EQ(field_or_empty(1, 3), "O");
+    EXPECT_EQ(field_or_empty(1, 4), "");
+}
+
+TEST_F(GatebitsFile, LongLinesAreReadAndWrittenWhole) {
+    const std::string text(3000, 'x');
+    use_gatebits(";" + text + ";O;\n");
+    EXPECT_EQ(field(1, 2), text);
+    set_a_field(1, 3, "S");
+    EXPECT_EQ(region.gatebits(), ";" + text + ";S;\n");
+}
+
+TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
+    use_gatebits("# top\n first;\n\n#!gatewarden_alias a b\nsecond;\n\nthird");
+    EXPECT_EQ(set_a_line(2, "new;line;"), 0);
+    EXPECT_EQ(region.gatebits(), "# top\n first;\n#!gatewarden_alias a b\nnew;line;\nthird\n");
+}
+
+TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
+    use_gatebits(BLOCK + "# keys\nkey 0;\nkey 1;\n");
+    EXPECT_EQ(set_a_line(FIRST_KEY_LINE, DELETION_TOKEN), 0);
+    EXPECT_EQ(region.gatebits(), BLOCK + "# keys\nkey 1;\n");
+    EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
+    EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
+}
+
+TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
+    use_gatebits("one;\n");
+    set_a_line(1, std::string(DELETION_TOKEN) + " ");
+    EXPECT_EQ(region.gatebits(), "<[;;;;;deletme;;;;;]> \n");
+}
+
+TEST_F(GatebitsFile, LineZeroAppendsBehindEverything) {
+    use_gatebits(BLOCK + "# the end\n");
+    EXPECT_EQ(set_a_line(0, "a key;"), 0);
+    EXPECT_EQ(region.gatebits(), BLOCK + "# the end\na key;\n");
+}
+
+TEST_F(GatebitsFile, ANumberBehindTheLastLineOnlyDropsBlankLines) {
+    use_gatebits("one;\n\ntwo;\n\n# three\n");
+    EXPECT_EQ(set_a_line(5, "x;"), 0);
+    EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
+}
+
+TEST_F(GatebitsFile, TheCounterStartsOverSoLine256AndNIsReplacedToo) {
+    use_lines(300);
+    set_a_line(5, "new");
+    std::string expected;
+    for (int i = 1; i <= 300; ++i) {
+        expected += i == 5 || i == 261 ? "new\n" : "line " + std::to_string(i) + "\n";
+    }
+    EXPECT_EQ(region.gatebits(), expected);
+}
+
+TEST_F(GatebitsFile, LinesBehindThe127thAreNotReplaced) {
+    use_lines(200);
+    const std::string before = region.gatebits();
+    set_a_line(128, "new");
+    set_a_line(200, "new");
+    EXPECT_EQ(region.gatebits(), before);
+}
+
+TEST_F(GatebitsFile, SetAFieldChangesThatFieldOnly) {
+    use_gatebits("#c\n;;O;\nkeep\n");
+    EXPECT_EQ(set_a_field(1, 2, "/a/path"), 0);
+    EXPECT_EQ(region.gatebits(), "#c\n;/a/path;O;\nkeep\n");
+    set_a_field(1, 1, "C:\\depot");
+    EXPECT_EQ(line(1), "C:\\depot;/a/path;O;");
+    set_a_field(1, 3, "");
+    EXPECT_EQ(line(1), "C:\\depot;/a/path;;");
+}
+
+TEST_F(GatebitsFile, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
+    use_gatebits("one;two\n");
+    set_a_field(1, 1, "new");
+    EXPECT_EQ(line(1), "new;");
+}
+
+TEST_F(GatebitsFile, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
+    use_gatebits(";;O;trailing\n\n");
+    EXPECT_EQ(set_a_field(1, 4, "value"), 0);
+    EXPECT_EQ(region.gatebits(), ";;O;\n");
+}
+
+TEST_F(GatebitsFile, AFieldFurtherOutWritesNothing) {
+    use_gatebits(";;O;trailing\n\n");
+    EXPECT_EQ(set_a_field(1, 5, "value"), 0);
+    EXPECT_EQ(region.gatebits(), ";;O;trailing\n\n");
+}
+
+TEST_F(GatebitsFile, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
+    use_gatebits("no field\n\n");
+    EXPECT_EQ(set_a_field(1, 1, "value"), 0);
+    EXPECT_EQ(set_a_field(2, 1, "value"), 0);
+    EXPECT_EQ(region.gatebits(), "no field\n\n");
+}
+
+TEST_F(GatebitsFile, AnAliasReferenceAtAFieldsEndGetsABlank) {
+    use_gatebits("; ;\n");
+    set_a_field(1, 2, "(ann) ~team");
+    EXPECT_EQ(line(1), ";(ann) ~team ;");
+    use_gatebits("; ;\n");
+    set_a_field(1, 2, "~team");
+    EXPECT_EQ(line(1), ";~team ;");
+    use_gatebits("; ;\n");
+    set_a_field(1, 2, "~team (ann)");
+    EXPECT_EQ(line(1), ";~team (ann);");
+    use_gatebits("; ;\n");
+    set_a_field(1, 2, "~team ");
+    EXPECT_EQ(line(1), ";~team ;");
+}
+
+TEST_F(GatebitsFile, AReferenceInAnotherFieldGetsItsBlankToo) {
+    use_gatebits(";~team;x;\n");
+    set_a_field(1, 3, "y");
+    EXPECT_EQ(line(1), ";~team ;y;");
+}
+
+TEST_F(GatebitsFile, TheLineAsAWholeDecidesAboutTheBlank) {
+    // No blank behind the '~' so far, so each further field gets one until there is.
+    use_gatebits("~a;b;c;\n");
+    set_a_field(1, 3, "d");
+    EXPECT_EQ(line(1), "~a ;b;d;");
+}
+
+TEST_F(GatebitsFile, AValueEndsAtItsNul) {
+    use_gatebits(";;O;\n");
+    set_a_field(1, 2, std::string("a\0b", 3));
+    EXPECT_EQ(region.gatebits(), ";a;O;\n");
+    set_a_line(1, std::string("x;\0y", 4));
+    EXPECT_EQ(region.gatebits(), "x;\n");
+}
+
+TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
+    const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
+    use_gatebits(largest);
+    EXPECT_EQ(line(1), largest.substr(0, largest.size() - 1));
+    EXPECT_EQ(set_a_field(1, 1, "z"), 0);
+}
+
+TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
+    use_gatebits("x;" + std::string(GATEBITS_FILE_LIMIT - 2, 'y') + "\n");
+    EXPECT_EXIT(
+        {
+            ZUL_PREFER_GUI = 0;
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            line(1);
+        },
+        testing::ExitedWithCode(99), "ERROR:.*30000");
+}
+
+TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
+    ENTERPRIZE_PERMISSION_FILE = region.path("none");
+    EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
+    EXPECT_GRIPE(set_a_line(1, "x"), "ERROR: Can't open the enterprise permissions file.....");
+    ENTERPRIZE_PERMISSION_FILE = "";
+    EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
+    ENTERPRIZE_PERMISSION_FILE = region.path("depot");
+    EXPECT_GRIPE(line(1), "ERROR: Read failure on enterprise permissions file...");
+}
+
+TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
+    for (const char* empty : {"", "\n\n\n"}) {
+        use_gatebits(empty);
+        EXPECT_EXIT(
+            {
+                ZUL_PREFER_GUI = 0;
+                dup2(STDERR_FILENO, STDOUT_FILENO);
+                line(1);
+            },
+            testing::ExitedWithCode(99), "ERROR:.*empty");
+    }
+}
+
+TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
+    const std::string text = BLOCK + "key;\n";
+    use_gatebits(text);
+    EXPECT_EXIT(set_a_line(9, std::string(GATEBITS_FILE_LIMIT, 'x')), testing::ExitedWithCode(99),
+                "");
+    EXPECT_EXIT(set_a_line(9, "two\nlines"), testing::ExitedWithCode(99), "");
+    EXPECT_EXIT(set_a_field(2, 2, "two\nlines"), testing::ExitedWithCode(99), "");
+    EXPECT_EQ(region.gatebits(), text);
+    region.shown_so_far();
+}
+
+TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
+    use_gatebits(BLOCK);
+    t_file_name = "/no/such/dir/scratch";
+    EXPECT_GRIPE(set_a_line(1, "x"), "Could not create needed temp file");
+    EXPECT_EQ(region.gatebits(), BLOCK);
+}
+
+TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
+    use_gatebits(";;O;\n");
+    ASSERT_EQ(chmod(region.gatebits_path().c_str(), 0640), 0);
+    ASSERT_EQ(symlink("gatebits.txt", region.path("link.txt").c_str()), 0);
+    ENTERPRIZE_PERMISSION_FILE = region.path("link.txt");
+    const std::vector<std::string> before = region.files_in(".");
+    set_a_field(1, 3, "S");
+    EXPECT_EQ(region.gatebits(), ";;S;\n");
+    struct stat status = {};
+    ASSERT_EQ(lstat(region.path("link.txt").c_str(), &status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    ASSERT_EQ(stat(region.gatebits_path().c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, mode_t{0640});
+    EXPECT_EQ(region.files_in("."), before);
+    EXPECT_TRUE(region.files_in("tmp").empty());
+}
+
+TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
+    use_gatebits(";;O;\n");
+    ASSERT_EQ(link(region.gatebits_path().c_str(), region.path("other.txt").c_str()), 0);
+    set_a_field(1, 3, "S");
+    EXPECT_EQ(region.file("other.txt"), ";;S;\n");
+    EXPECT_EQ(region.gatebits(), ";;S;\n");
+    EXPECT_TRUE(region.files_in("tmp").empty());
+}
+
+TEST_F(GatebitsFile, TheEditionIsWhatLineOneBeginsWith) {
+    const std::pair<const char*, int> headers[] = {{"gatewarden;;;x;\n", 1},
+                                                   {"gatewarden_lite;;;x;\n", 0},
+                                                   {"gatewarden_lite 2;;;x;\n", 0},
+                                                   {"gatewarden_lit;;;x;\n", 1},
+                                                   {"GATEWARDEN_LITE;;;x;\n", 1},
+                                                   {"# nothing significant\n", 1},
+                                                   {"#c\ngatewarden_lite;\ngatewarden;\n", 0}};
+    for (const auto& [text, edition] : headers) {
+        use_gatebits(text);
+        GATEWARDEN_IS = 7;
+        read_edition();
+        EXPECT_EQ(GATEWARDEN_IS, edition) << text;
+    }
+}
+
+TEST(LineCounter, CountsInEightSignedBits) {
+    LineCounter counter;
+    for (int i = 1; i <= 127; ++i) EXPECT_TRUE(counter.reaches(i, "x"));
+    EXPECT_TRUE(counter.reaches(-128, "x"));
+    EXPECT_FALSE(counter.reaches(-127, "# x"));
+    EXPECT_TRUE(counter.reaches(-127, "x"));
+}
+
+}  // namespace

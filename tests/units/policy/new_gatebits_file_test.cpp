@@ -1,0 +1,105 @@
+#include "policy/new_gatebits_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "units/scratch_region.h"
+
+namespace {
+
+class NewGatebitsFile : public ScratchRegion {
+  protected:
+    NewGatebitsFile() { GLOBAL_PID_STRING = "4711"; }
+
+    /// Everything in the directory but the stand-in.
+    std::vector<std::string> files() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path(""))) {
+            const std::string name = entry.path().filename();
+            if (name != "clearprompt") names.push_back(name);
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
+    const mode_t mask = umask(027);
+    EXPECT_EQ(create_gatebits_file(path("new.txt"), "a\nb\n"), NewFile::CREATED);
+    umask(mask);
+    EXPECT_EQ(read("new.txt"), "a\nb\n");
+    struct stat status;
+    ASSERT_EQ(stat(path("new.txt").c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 07777, 0640u);
+    EXPECT_EQ(files(), std::vector<std::string>{"new.txt"});
+}
+
+TEST_F(NewGatebitsFile, NeverTakesAnotherFilesPlace) {
+    write("taken.txt", "theirs\n");
+    EXPECT_EQ(create_gatebits_file(path("taken.txt"), "ours\n"), NewFile::EXISTS);
+    EXPECT_EQ(read("taken.txt"), "theirs\n");
+    EXPECT_EQ(files(), std::vector<std::string>{"taken.txt"});
+}
+
+TEST_F(NewGatebitsFile, DoesNotFollowALink) {
+    std::filesystem::create_symlink(path("elsewhere.txt"), path("link.txt"));
+    EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n"), NewFile::EXISTS);
+    EXPECT_FALSE(std::filesystem::exists(path("elsewhere.txt")));
+}
+
+TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
+    write("victim.txt", "theirs\n");
+    std::filesystem::create_symlink(path("victim.txt"), path(".gatescope_new_4711"));
+    EXPECT_EQ(create_gatebits_file(path("new.txt"), "ours\n"), NewFile::CREATED);
+    EXPECT_EQ(read("victim.txt"), "theirs\n");
+    EXPECT_EQ(files(), (std::vector<std::string>{"new.txt", "victim.txt"}));
+}
+
+TEST_F(NewGatebitsFile, DirectoryThatIsNotThereIsNotPermitted) {
+    EXPECT_EQ(create_gatebits_file(path("none/new.txt"), "ours\n"), NewFile::NOT_PERMITTED);
+}
+
+TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
+    const auto create_with_little_room = [this] {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit = {4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        create_gatebits_file(path("new.txt"), std::string(4097, 'x'));
+    };
+    EXPECT_GRIPE(create_with_little_room(), "ERROR: Could not write the new gatebits file (" +
+                                                path("new.txt") +
+                                                "): File too large.  The file was not created.");
+    EXPECT_EQ(files(), std::vector<std::string>{});
+}
+
+TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
+    const std::string bytes("a\0b\n\n \xff", 7);
+    write("source.txt", bytes);
+    EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), bytes);
+}
+
+TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
+    EXPECT_GRIPE(
+        bytes_to_copy(path("none.txt"), path("copy.txt")),
+        "#2 Could not move (" + path("none.txt") + ") to (" + path("copy.txt") + ") with 2\n");
+    EXPECT_GRIPE(bytes_to_copy(path(""), path("copy.txt")),
+                 "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21\n");
+}
+
+TEST_F(NewGatebitsFile, SeveralFieldsChangeInOneWrite) {
+    gatebits_are("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
+    EXPECT_EQ(set_fields({{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}), 0);
+    EXPECT_EQ(gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
+}
+
+TEST_F(NewGatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
+    gatebits_are("h;\n\nd;u;O;\n");
+    EXPECT_EQ(set_fields({{9, 1, "x"}, {2, 5, "y"}}), 0);
+    EXPECT_EQ(gatebits(), "h;\n\nd;u;O;\n");
+}
+
+}  // namespace

@@ -1,0 +1,87 @@
+#include "policy/tool_variables.h"
+
+#include <gtest/gtest.h>
+
+#include "units/on_stage.h"
+
+namespace {
+
+using ToolVariables = OnStage;
+
+const std::string EIGHT_LINES =
+    "#!gatescope_unix_gatewarden_check=/c\n"
+    "#!gatescope_windows_gatewarden_check=\n"
+    "#!gatescope_unix_browser=/b\n"
+    "#!gatescope_windows_browser=\n"
+    "#!gatescope_relocated_logging_dir_unix=\n"
+    "#!gatescope_relocated_logging_dir_windows=\n"
+    "#!gatescope_relocated_results_dir_unix=\n"
+    "#!gatescope_relocated_results_dir_windows=\n";
+
+TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
+    GS_VAR.fill("old");
+    use_gatebits(
+        "x;\n  #!gatescope_unix_browser=/a=b c \n#!gatescope_windows_browser=\n#!gatescope_"
+        "unknown=1\n");
+    build_var_list();
+    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "/a=b c ");
+    for (const ToolVariable other :
+         {UNIX_CHECKER, WINDOWS_CHECKER, WINDOWS_BROWSER, UNIX_LOGGING_DIR, WINDOWS_LOGGING_DIR,
+          UNIX_RESULTS_DIR, WINDOWS_RESULTS_DIR}) {
+        EXPECT_EQ(GS_VAR[other], "") << other;
+    }
+}
+
+TEST_F(ToolVariables, APrefixWithoutItsEqualsSignIsAComment) {
+    use_gatebits("x;\n#!gatescope_unix_browser /b\n");
+    build_var_list();
+    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "");
+}
+
+TEST_F(ToolVariables, EachPrefixHasItsPlace) {
+    std::string text;
+    for (const char* prefix : GS_VAR_NAME) text += prefix + std::string(prefix + 12) + "\n";
+    use_gatebits(text);
+    build_var_list();
+    for (std::size_t i = 0; i < GS_VAR.size(); ++i) EXPECT_EQ(GS_VAR[i], GS_VAR_NAME[i] + 12);
+}
+
+TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
+    use_gatebits(
+        "# top\n"
+        "gatewarden;;;east;\n"
+        " #!gatescope_unix_browser=/old\n"
+        "#!gatescope_foreign=1\n"
+        "#!gatewarden_alias a b\n"
+        "\n"
+        "#!gatescope_unix_gatewarden_check=/c\n"
+        "last;\n");
+    build_var_list();
+    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/b"), 0);
+    EXPECT_EQ(region.gatebits(), EIGHT_LINES +
+                                     "# top\n"
+                                     "gatewarden;;;east;\n"
+                                     "#!gatescope_foreign=1\n"
+                                     "#!gatewarden_alias a b\n"
+                                     "last;\n");
+    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "/b");
+}
+
+TEST_F(ToolVariables, AChangeOfAFileThatHasNoneAddsThem) {
+    use_gatebits("gatewarden;;;east;\n");
+    GS_VAR[UNIX_CHECKER] = "/c";
+    change_a_var(UNIX_BROWSER, "/b");
+    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
+    change_a_var(UNIX_BROWSER, "/b");
+    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
+}
+
+TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {
+    EXPECT_EQ(tool_variable_of("#!gatescope_unix_browser=x"), std::size_t{UNIX_BROWSER});
+    EXPECT_EQ(tool_variable_of(" \t#!gatescope_windows_browser="), std::size_t{WINDOWS_BROWSER});
+    EXPECT_FALSE(tool_variable_of("# #!gatescope_unix_browser=x").has_value());
+    EXPECT_FALSE(tool_variable_of("#!gatescope_UNIX_browser=x").has_value());
+    EXPECT_FALSE(tool_variable_of("").has_value());
+}
+
+}  // namespace

@@ -1,0 +1,229 @@
+#include "policy/validators.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "main/process_end.h"
+#include "policy/aliases.h"
+#include "units/scratch_region.h"
+
+namespace {
+
+class Validators : public ScratchRegion {
+  protected:
+    /// A directory below ours whose whole path has this many bytes.
+    std::string directory_of_length(std::size_t length) const {
+        std::string made = path("");
+        while (made.size() < length) {
+            const std::size_t left = length - made.size();
+            made += std::string(left > 101 ? 100 : left, 'd');
+            if (made.size() < length) made += '/';
+        }
+        std::filesystem::create_directories(made);
+        return made;
+    }
+
+    void depot_is(const std::string& depot) const {
+        gatebits_are("gatewarden;;;east;\n;" + depot + ";O;\n;;\n");
+    }
+};
+
+/// What a rejection says; "accepted" where there is none, and then TMSG has to be untouched.
+std::string verdict(int accepted) {
+    if (accepted == 0) return TMSG;
+    return TMSG.empty() ? "accepted" : "accepted, but says " + TMSG;
+}
+
+TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
+    for (const char* os : {"UNIX", "Windows"}) {
+        EXPECT_EQ(verdict(region_depot_is_ok("", os)), "accepted");
+        EXPECT_EQ(verdict(region_parent_is_ok("", os)), "accepted");
+        EXPECT_EQ(verdict(region_notify_is_ok("", os)), "accepted");
+    }
+    EXPECT_EQ(verdict(region_list_is_ok("")), "accepted");
+    EXPECT_EQ(verdict(region_MOTD_is_ok("")), "accepted");
+    EXPECT_EQ(verdict(region_MOTDL_is_ok("")), "accepted");
+    EXPECT_EQ(verdict(alias_value_is_ok("")), "RETRY: alias value is empty");
+    EXPECT_EQ(verdict(alias_name_is_ok("")), "RETRY: alias name is empty");
+}
+
+TEST_F(Validators, DepotOf256CharactersPassesAndOf257DoesNot) {
+    EXPECT_EQ(verdict(region_depot_is_ok(directory_of_length(256), "UNIX")), "accepted");
+    EXPECT_EQ(verdict(region_depot_is_ok(directory_of_length(257), "UNIX")),
+              "RETRY: depot alue value exceeds 256 character max");
+}
+
+TEST_F(Validators, DepotMayNotHoldWhatPoisonsAPath) {
+    EXPECT_EQ(verdict(region_depot_is_ok("/a;b", "UNIX")),
+              "RETRY: depot may not contain commas (,) semi-colons (;) or slash (\\) "
+              "characters\\nInvalid directory '/a;b' disallowed");
+    for (const char* value : {"/a,b", "/a\\b"}) {
+        EXPECT_EQ(region_depot_is_ok(value, "UNIX"), 0);
+        EXPECT_NE(TMSG.find("slash (\\) characters"), std::string::npos) << value;
+    }
+    EXPECT_EQ(verdict(region_depot_is_ok("\\\\m\\s/d", "Windows")),
+              "RETRY: depot may not contain commas (,) semi-colons (;) or slash (/) "
+              "characters\\nInvalid directory '\\\\m\\s/d' disallowed");
+    for (const char* value : {"a,b", "a;b"}) {
+        EXPECT_EQ(region_depot_is_ok(value, "Windows"), 0);
+        EXPECT_NE(TMSG.find("slash (/) characters"), std::string::npos) << value;
+    }
+}
+
+TEST_F(Validators, DepotMayNotEndInItsSeparator) {
+    EXPECT_EQ(verdict(region_depot_is_ok(path(""), "UNIX")),
+              "RETRY: depot may not end in the (/) character\\nInvalid depot '" + path("") +
+                  "' disallowed");
+    EXPECT_EQ(verdict(region_depot_is_ok("C:\\depot\\", "Windows")),
+              "RETRY: depot may not end in the (\\) character\\nInvalid depot 'C:\\depot\\' "
+              "disallowed");
+}
+
+TEST_F(Validators, UnixDepotHasToBeADirectory) {
+    write("file", "");
+    EXPECT_EQ(verdict(region_depot_is_ok(path("none"), "UNIX")),
+              "RETRY: the input directory (" + path("none") + ") does not exist and is disallowed");
+    EXPECT_EQ(
+        verdict(region_depot_is_ok(path("file"), "UNIX")),
+        "RETRY: the input directory (" + path("file") + ") is actually a FILE and is disallowed");
+}
+
+TEST_F(Validators, WindowsPathsAreNeverLookedUp) {
+    gatebits_are("gatewarden;;;east;\n;;O;\n");
+    EXPECT_EQ(verdict(region_depot_is_ok("C:\\none", "Windows")), "accepted");
+    EXPECT_EQ(verdict(region_parent_is_ok("C:\\none.txt", "Windows")), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok("none.bat", "Windows")), "accepted");
+}
+
+TEST_F(Validators, ParentMessages) {
+    std::filesystem::create_directory(path("directory"));
+    write("parent.txt", "");
+    EXPECT_EQ(verdict(region_parent_is_ok(path("parent.txt"), "UNIX")), "accepted");
+    EXPECT_EQ(verdict(region_parent_is_ok(std::string(257, 'x'), "UNIX")),
+              "RETRY: parent gatebits file value value exceeds 256 character max");
+    EXPECT_EQ(verdict(region_parent_is_ok("a,b", "UNIX")),
+              "RETRY: parent gatebits file may not contain commas (,) semi-colons (;) or slash "
+              "(\\) characters\\nInvalid file 'a,b' disallowed");
+    EXPECT_EQ(verdict(region_parent_is_ok("/a/", "UNIX")),
+              "RETRY: parent gatebits_file may not end in the (/) character\\nInvalid parent "
+              "gatebits_file '/a/' disallowed");
+    EXPECT_EQ(verdict(region_parent_is_ok("/none", "UNIX")),
+              "RETRY: the input parent gatebits file (/none) does not exist and is disallowed");
+    EXPECT_EQ(verdict(region_parent_is_ok(path("directory"), "UNIX")),
+              "RETRY: the input parent gatebits file (" + path("directory") +
+                  ") is actually a DIRECTORY and is disallowed");
+}
+
+TEST_F(Validators, ValueOf256CharactersPassesEveryFormCheck) {
+    const std::string value(256, 'x');
+    EXPECT_EQ(verdict(region_parent_is_ok(value, "Windows")), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok(value, "Windows")), "accepted");
+    EXPECT_EQ(verdict(region_list_is_ok(value)), "accepted");
+    EXPECT_EQ(verdict(region_MOTD_is_ok(value)), "accepted");
+    EXPECT_EQ(verdict(region_MOTDL_is_ok(value)), "accepted");
+    EXPECT_EQ(verdict(alias_value_is_ok(value)), "accepted");
+}
+
+TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
+    std::filesystem::create_directories(path("depot/directory"));
+    write("depot/script.sh", "");
+    depot_is(path("depot"));
+    EXPECT_EQ(verdict(region_notify_is_ok("script.sh", "UNIX")), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok("none.sh", "UNIX")),
+              "RETRY: the input notify program (none.sh) does not exist in the depot and is "
+              "disallowed");
+    EXPECT_EQ(verdict(region_notify_is_ok("directory", "UNIX")),
+              "RETRY: the input notify program (directory) in the depot, but is actually a "
+              "DIRECTORY and is disallowed");
+    EXPECT_EQ(region_notify_is_ok(path("depot/script.sh"), "UNIX"), 0);
+}
+
+TEST_F(Validators, NotifyProgramWithoutADepotIsLookedForAtTheRoot) {
+    gatebits_are("gatewarden;;;east;\n");
+    EXPECT_EQ(verdict(region_notify_is_ok("etc/passwd", "UNIX")), "accepted");
+}
+
+TEST_F(Validators, NotifyFormMessages) {
+    gatebits_are("gatewarden;;;east;\n");
+    EXPECT_EQ(verdict(region_notify_is_ok(std::string(257, 'x'), "UNIX")),
+              "RETRY: notify program value value exceeds 256 character max");
+    EXPECT_EQ(verdict(region_notify_is_ok("a\\b", "UNIX")),
+              "RETRY: notify program may not contain commas (,) semi-colons (;) or slash (\\) "
+              "characters\\nInvalid file 'a\\b' disallowed");
+    EXPECT_EQ(verdict(region_notify_is_ok("a/", "UNIX")),
+              "RETRY: notify program may not end in the (/) character\\nInvalid notify program "
+              "'a/' disallowed");
+}
+
+TEST_F(Validators, ListMayHoldNeitherCommaNorSemicolon) {
+    EXPECT_EQ(verdict(region_list_is_ok("(a) <b> ~c")), "accepted");
+    for (const char* value : {"a,b", "a;b"}) {
+        EXPECT_EQ(verdict(region_list_is_ok(value)),
+                  "RETRY: list value may not contain commas (,) or semi-colons (;)");
+    }
+    EXPECT_EQ(verdict(region_list_is_ok(std::string(257, 'x'))),
+              "RETRY: list value value exceeds 256 character max");
+}
+
+TEST_F(Validators, MotdMayHoldACommaButNoSemicolon) {
+    EXPECT_EQ(verdict(region_MOTD_is_ok("a, b")), "accepted");
+    EXPECT_EQ(verdict(region_MOTD_is_ok("a; b")),
+              "RETRY: MOTD values may not contain semi-colons (;)");
+    EXPECT_EQ(verdict(region_MOTD_is_ok(std::string(257, 'x'))),
+              "RETRY: MOTD value value exceeds 256 character max");
+}
+
+TEST_F(Validators, MotdListMayHoldACommaButNoSemicolon) {
+    EXPECT_EQ(verdict(region_MOTDL_is_ok("a, b")), "accepted");
+    EXPECT_EQ(verdict(region_MOTDL_is_ok("a; b")),
+              "RETRY: MOTD Restriction List values may not contain semi-colons (;)");
+    EXPECT_EQ(verdict(region_MOTDL_is_ok(std::string(257, 'x'))),
+              "RETRY: MOTD Restriction List value value exceeds 256 character max");
+}
+
+TEST_F(Validators, AliasValue) {
+    EXPECT_EQ(verdict(alias_value_is_ok("(a) (b)")), "accepted");
+    EXPECT_EQ(verdict(alias_value_is_ok(std::string(257, ','))),
+              "RETRY: alias value value exceeds 256 character max");
+    for (const char* value : {"a,b", "a;b"}) {
+        EXPECT_EQ(verdict(alias_value_is_ok(value)),
+                  "RETRY: alias value may not contain commas (,) or semi-colons (;)");
+    }
+}
+
+TEST_F(Validators, AliasName) {
+    number_of_aliases = 2;
+    ALIAS_NAME.fill("");
+    ALIAS_NAME[0] = "One";
+    ALIAS_NAME[1] = "Two";
+    ALIAS_NAME[2] = "stale";
+    EXPECT_EQ(verdict(alias_name_is_ok("some_Alias_09")), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok(std::string(50, 'n'))), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok("two")), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok("stale")), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok(std::string(51, '-'))),
+              "RETRY: alias name value exceeds 50 character max");
+    EXPECT_EQ(verdict(alias_name_is_ok("a-b")),
+              "RETRY: alias names must only contain [a..z,A..Z,0..9,_]");
+    EXPECT_EQ(verdict(alias_name_is_ok("Two")),
+              "RETRY: alias name Two already exist.  You should edit that one or input another "
+              "alias name");
+}
+
+TEST_F(Validators, BlocksSayWhetherTheValueFails) {
+    EXPECT_EQ(item_value_exceeds_max_character_size_set_TMSG("thing", "abc", 3), 0);
+    EXPECT_EQ(value_contains_file_dir_OS_posion_set_TMSG("a/b", "thing", "file", "UNIX"), 0);
+    EXPECT_EQ(value_contains_file_dir_OS_posion_set_TMSG("a\\b", "thing", "file", "Windows"), 0);
+    EXPECT_EQ(value_has_comma_or_semi_set_TMSG("a b", "thing"), 0);
+    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("a\\", "thing", "UNIX"), 0);
+    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("a/", "thing", "Windows"), 0);
+    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("", "thing", "UNIX"), 0);
+    EXPECT_EQ(TMSG, "");
+    EXPECT_EQ(item_value_exceeds_max_character_size_set_TMSG("thing", "abcd", 3), 1);
+    EXPECT_EQ(TMSG, "RETRY: thing value exceeds 3 character max");
+    EXPECT_EQ(value_has_comma_or_semi_set_TMSG("a;b", "thing"), 1);
+    EXPECT_EQ(TMSG, "RETRY: thing value may not contain commas (,) or semi-colons (;)");
+}
+
+}  // namespace

@@ -1,0 +1,229 @@
+#include <unistd.h>
+
+#include "actions/requests.h"
+#include "main/commands.h"
+#include "units/queries/query_region.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+namespace {
+
+class AskedQuery : public QueryRegion {
+  protected:
+    /// How the dialogs look to clearprompt. The shell takes the inner quotes of two prompts away.
+    [[nodiscard]] std::string list(const std::string& title, const std::string& items) const {
+        return "[list][-prefer_gui][-outfile][" + path("tmp/gatewarden_select_result_1_.txt") +
+               "][-newline][-items][" + items + "][-prompt][" + title + "]\n";
+    }
+    [[nodiscard]] std::string text(const std::string& question) const {
+        return "[text][-prefer_gui][-outfile][" + path("tmp/gatewarden_prompt_result_1_.txt") +
+               "][-default][*][-prompt][" + question + "]\n";
+    }
+    [[nodiscard]] std::string command_dialog() const {
+        const std::string& names = ALL_TRIGGERABLE_COMMANDS;
+        return list("Select triggerable command to display usage for...",
+                    "*" + names.substr(0, names.size() - 1));
+    }
+    [[nodiscard]] std::string user_dialog() const {
+        return text("Input user to display usage for or * for all users:");
+    }
+    [[nodiscard]] std::string bit_dialog() const {
+        return list("Select Functionility Bit to display usage for...", BITS);
+    }
+    [[nodiscard]] std::string key_dialog() const {
+        return text("Input Command Key Number to display denials for (* for all keys):");
+    }
+
+    /// What was asked, without messages.
+    [[nodiscard]] std::string questions() const {
+        std::string found;
+        std::string line;
+        for (const char character : asked()) {
+            line += character;
+            if (character != '\n') continue;
+            if (!line.starts_with("[yes_no]")) found += line;
+            line.clear();
+        }
+        return found;
+    }
+
+    static constexpr char BITS[] =
+        "* - <ALL BITS>,00 - BIT__AUTO_BRANCH_REMOVAL,01 - BIT__CHOWN_VOB_OWNER,"
+        "02 - BIT__EVIL_TWIN,03 - BIT__ONE_CO_PER_BRANCH,04 - BIT__CHECK_BRANCH_LABEL_NAMES,"
+        "05 - BIT__VOB_OWNER_CI_MAIN,06 - BIT__RECURSIVE_CI_CO_UNCO,07 - BIT__CHECK_MAGIC_PATH,"
+        "08 - BIT__NO_SPACES_IN_ELEMENT_NAMES,09 - BIT__NO_MULTIPLE_MERGES,10 - BIT__SMART_CHECKIN,"
+        "11 - BIT__CASE_CHECKING,12 - BIT__ATOMIC_CHANGE,13 - BIT__REQUIRE_EXTENSION,"
+        "14 - BIT__NOTIFY_PARENT_CHANGE_ON_CO,15 - BIT__NOTIFY_PARENT_CHANGE_ON_CI,"
+        "16 - BIT__PREVENT_DATA_LOSS,17 - BIT__AUTO_EXEC_BIT,18 - BIT__PREVENT_CORE_ELEMENTS,"
+        "19 - BIT__AUTO_DIRECTORY_PROTECT,20 - BIT__AUTO_CONTRIB_REMOVAL,"
+        "21 - BIT__WARN_LOST_AND_FOUND,22 - BIT__OWN_LIKE_PARENT_DIR,"
+        "23 - BIT__FORCE_CHECKOUTS_UNRESERVED";
+};
+
+TEST_F(AskedQuery, OneAsksForCommandAndUser) {
+    operator_answers({"rmelem", "Ann.B"});
+    run(Q_1);
+    EXPECT_EQ(questions(), command_dialog() + user_dialog());
+    EXPECT_EQ(graph_title,
+              "ClearCase command success/denied usage for:<br><dd>the (rmelem) command for the "
+              "user (Ann.B)");
+    EXPECT_THAT(filters(),
+                ElementsAre(filled("[%d]", command_number("rmelem")), ":ann.b[", ":", ":"));
+    EXPECT_EQ(pages(), 1);
+}
+
+TEST_F(AskedQuery, TwoAsksForBitAndUser) {
+    operator_answers({"09 - BIT__NO_MULTIPLE_MERGES", "*"});
+    run(Q_2);
+    EXPECT_EQ(questions(), bit_dialog() + user_dialog());
+    EXPECT_THAT(graph_title, HasSubstr("<br>bit #9 (BIT__NO_MULTIPLE_MERGES) for (all) users"));
+    EXPECT_THAT(filters(), ElementsAre(":B:", "<9>", ":", ":"));
+}
+
+TEST_F(AskedQuery, ThreeAsksForKeyUserAndCommand) {
+    operator_answers({"012", "*", "*"});
+    run(Q_3);
+    EXPECT_EQ(questions(), key_dialog() + user_dialog() + command_dialog());
+    EXPECT_THAT(graph_title, HasSubstr("<br>key #12 for (all) users for (all) commands"));
+    EXPECT_THAT(filters(), ElementsAre("]K<", "<12>", ":", ":"));
+}
+
+TEST_F(AskedQuery, FourAsksForTheUser) {
+    operator_answers({"ann"});
+    run(Q_4);
+    EXPECT_EQ(questions(), user_dialog());
+}
+
+TEST_F(AskedQuery, FiveAsksForUserAndCommand) {
+    operator_answers({"ann", "checkin"});
+    run(Q_5);
+    EXPECT_EQ(questions(), user_dialog() + command_dialog());
+}
+
+TEST_F(AskedQuery, SixAsksForCommandAndUser) {
+    operator_answers({"*", "*"});
+    run(Q_6);
+    EXPECT_EQ(questions(), command_dialog() + user_dialog());
+}
+
+TEST_F(AskedQuery, OnlyWhatTheCommandLineLacksIsAskedFor) {
+    command_line_gives_user("ann");
+    operator_answers({"*", "lock"});
+    run(Q_3);
+    EXPECT_EQ(questions(), key_dialog() + command_dialog());
+}
+
+TEST_F(AskedQuery, TheLiteEditionAsksForACpd) {
+    GATEWARDEN_IS = 0;
+    operator_answers({"4", "*", "*"});
+    run(Q_3);
+    EXPECT_THAT(questions(),
+                testing::StartsWith(text("Input CPD Number to display denials for (* for all "
+                                         "CPD):")));
+}
+
+TEST_F(AskedQuery, TheListsStandInChoices) {
+    operator_answers({"*", "*"});
+    run(Q_1);
+    EXPECT_TRUE(CHOICES.starts_with("*,chbl,checkin,checkout,"));
+    EXPECT_FALSE(CHOICES.ends_with(","));
+    operator_answers({"* - <ALL BITS>", "*"});
+    run(Q_2);
+    EXPECT_EQ(CHOICES, BITS);
+}
+
+TEST_F(AskedQuery, AllBitsIsTheFirstEntryOfTheList) {
+    operator_answers({"* - <ALL BITS>", "*"});
+    run(Q_2);
+    EXPECT_THAT(graph_title, HasSubstr("<br>(all) bits for (all) users"));
+    EXPECT_THAT(filters(), ElementsAre(":B:", ":", ":", ":"));
+}
+
+TEST_F(AskedQuery, AnEmptyAnswerIsAskedForAgain) {
+    operator_answers({"", "*", "", "", "ann"});
+    run(Q_1);
+    EXPECT_EQ(questions(),
+              command_dialog() + command_dialog() + user_dialog() + user_dialog() + user_dialog());
+    EXPECT_EQ(GLOBAL_TEST_STRING_2, ":ann[");
+}
+
+TEST_F(AskedQuery, AnEmptyBitIsAskedForAgain) {
+    operator_answers({"", "00 - BIT__AUTO_BRANCH_REMOVAL", "*"});
+    run(Q_2);
+    EXPECT_EQ(questions(), bit_dialog() + bit_dialog() + user_dialog());
+    EXPECT_EQ(GLOBAL_TEST_STRING_2, "<0>");
+}
+
+TEST_F(AskedQuery, AKeyWithOtherThanDigitsIsAskedForAgain) {
+    operator_answers({"12a", "-1", "**", "1 2", "", "12", "*", "*"});
+    run(Q_3);
+    std::string expected;
+    for (int time = 0; time < 6; ++time) expected += key_dialog();
+    EXPECT_EQ(questions(), expected + user_dialog() + command_dialog());
+    EXPECT_EQ(GLOBAL_TEST_STRING_2, "<12>");
+}
+
+TEST_F(AskedQuery, AStarIsAllKeys) {
+    operator_answers({"*", "*", "*"});
+    run(Q_3);
+    EXPECT_THAT(filters(), ElementsAre("]K<", ":", ":", ":"));
+    EXPECT_THAT(graph_title, HasSubstr("<br>(all) keys for"));
+}
+
+TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
+    struct Case {
+        void (*driver)();
+        std::vector<std::string> answers;
+    };
+    const std::vector<Case> cases = {{Q_1, {}}, {Q_1, {"*"}}, {Q_2, {}},         {Q_2, {"* - all"}},
+                                     {Q_3, {}}, {Q_3, {"*"}}, {Q_3, {"*", "*"}}, {Q_4, {}},
+                                     {Q_5, {}}, {Q_5, {"*"}}, {Q_6, {}},         {Q_6, {"*"}}};
+    logged({":S:ann[1]-<->"});
+    for (const Case& query : cases) {
+        cell_success.fill(77);
+        operator_answers(query.answers);
+        operator_answers({"CANCEL"});
+        run(query.driver);
+        EXPECT_EQ(cell_success[0], 77U);
+        EXPECT_EQ(pages(), 0);
+    }
+}
+
+TEST_F(AskedQuery, TheUserMayBeAnyText) {
+    operator_answers({"*", "100%s & <b>X</b>"});
+    run(Q_1);
+    EXPECT_THAT(graph_title, HasSubstr(" for the user (100%s & <b>X</b>)"));
+    EXPECT_EQ(GLOBAL_TEST_STRING_2, ":100%s & <b>x</b>[");
+}
+
+TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
+    operator_answers({"24 - BIT__NONE"});
+    EXPECT_EXIT(
+        {
+            ZUL_PREFER_GUI = 0;
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            Q_2();
+        },
+        testing::ExitedWithCode(99),
+        HasSubstr("Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2"));
+}
+
+TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
+    IS_DURING_INSTALL = true;
+    void (*const drivers[])() = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
+    std::string expected;
+    for (const auto driver : drivers) {
+        run(driver);
+        expected +=
+            "[yes_no][-mask][yes][-def][yes][-pre][-pro][Query functions are not available during "
+            "the installation process...]\n";
+    }
+    EXPECT_EQ(asked(), expected);
+    EXPECT_EQ(pages(), 0);
+    EXPECT_EQ(Q_during_install(), 1);
+    IS_DURING_INSTALL = false;
+    EXPECT_EQ(Q_during_install(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "dialog/messages.h"
+#include "logs/query_data.h"
+#include "main/filled.h"
+#include "main/selections.h"
+#include "main/startup.h"
+#include "policy/edition.h"
+#include "policy/gatebits_file.h"
+#include "policy/region.h"
+#include "queries/query_drivers.h"
+#include "report/graph.h"
+
+/// A test with a region of its own, where clearprompt is a script that writes down its arguments
+/// and answers in the order in which the test says.
+class QueryRegion : public testing::Test {
+  protected:
+    QueryRegion() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "queries_XXXXXX").string();
+        directory_ = mkdtemp(pattern.data());
+        for (const char* name : {"log", "results", "answers", "tmp"}) {
+            std::filesystem::create_directory(path(name));
+        }
+        write("gatebits.txt", "gatewarden;;;east;\n");
+        write("clearprompt", CLEARPROMPT_SCRIPT);
+        std::filesystem::permissions(path("clearprompt"), std::filesystem::perms::owner_all);
+        setenv("PATH", (directory_ + ":/usr/bin:/bin").c_str(), 1);
+        setenv("STAGE", directory_.c_str(), 1);
+        ENTERPRIZE_PERMISSION_FILE = path("gatebits.txt");
+        logging_dir = path("log");
+        results_dir = path("results");
+        TEMP_DIR = path("tmp");
+        GLOBAL_PID_STRING = "1";
+        ZUL_PREFER_GUI = 1;
+        // No message may outlive the test in the background.
+        ZUL_REMOTE_CLIENT_USER = 1;
+        nothing_given();
+    }
+    ~QueryRegion() override {
+        nothing_given();
+        std::filesystem::remove_all(directory_);
+    }
+
+    /// The operator's answers to text prompts and lists, one a dialog; "CANCEL" cancels.
+    void operator_answers(const std::vector<std::string>& answers) {
+        for (const std::string& answer : answers) {
+            write("answers/" + std::to_string(++answers_), answer);
+        }
+    }
+
+    void command_line_gives_command(const std::string& command) {
+        command_selected = true;
+        selected_command = command;
+    }
+    void command_line_gives_user(const std::string& user) {
+        user_selected = true;
+        selected_user = user;
+    }
+    void command_line_gives_bit(int bit) {
+        bit_selected = true;
+        selected_bit = bit;
+    }
+    void command_line_gives_key(long key) {
+        key_selected = true;
+        selected_key = key;
+    }
+
+    /// A log of today's records; each is what stands behind the time.
+    void logged(const std::vector<std::string>& records) {
+        const long time = static_cast<long>(set_time_values());
+        std::string log;
+        for (const std::string& record : records) log += std::to_string(time) + record + "\n";
+        write("log/logging_0.txt", log);
+    }
+
+    /// Runs a driver as the main loop does.
+    void run(void (*driver)()) {
+        for (std::string* filter : {&GLOBAL_TEST_STRING_1, &GLOBAL_TEST_STRING_2,
+                                    &GLOBAL_TEST_STRING_3, &GLOBAL_TEST_STRING_4}) {
+            *filter = ANY_LOG_ENTRY;
+        }
+        testing::internal::CaptureStdout();
+        driver();
+        testing::internal::GetCapturedStdout();
+    }
+
+    /// The filters of the last run.
+    static std::vector<std::string> filters() {
+        return {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
+                GLOBAL_TEST_STRING_4};
+    }
+
+    /// What the operator was asked: a line a dialog, its arguments in brackets.
+    [[nodiscard]] std::string asked() const { return read("asked"); }
+
+    [[nodiscard]] int pages() const {
+        int number = 0;
+        for ([[maybe_unused]] const auto& page :
+             std::filesystem::directory_iterator(path("results"))) {
+            ++number;
+        }
+        return number;
+    }
+
+    [[nodiscard]] std::string path(const std::string& name) const {
+        return directory_ + "/" + name;
+    }
+
+  private:
+    static constexpr char CLEARPROMPT_SCRIPT[] =
+        "#!/bin/sh\n"
+        "[ \"$1\" = yes_no ] || file=$4\n"
+        "printf '[%s]' \"$@\" >>\"$STAGE/asked\"\n"
+        "echo >>\"$STAGE/asked\"\n"
+        "[ -n \"$file\" ] || exit 0\n"
+        "turn=$(($(cat \"$STAGE/turn\" 2>/dev/null || echo 0) + 1))\n"
+        "echo $turn >\"$STAGE/turn\"\n"
+        "answer=$(cat \"$STAGE/answers/$turn\") || exit 9\n"
+        "[ \"$answer\" = CANCEL ] && exit 1\n"
+        "printf '%s' \"$answer\" >\"$file\"\n";
+
+    static void nothing_given() {
+        command_selected = user_selected = bit_selected = key_selected = false;
+        selected_display = "n";
+        IS_DURING_INSTALL = false;
+        GATEWARDEN_IS = 1;
+        graph_title.clear();
+    }
+
+    void write(const std::string& name, const std::string& text) const {
+        std::ofstream(path(name), std::ios::binary) << text;
+    }
+    [[nodiscard]] std::string read(const std::string& name) const {
+        std::ifstream file(path(name), std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+
+    std::string directory_;
+    int answers_ = 0;
+};

@@ -1,0 +1,255 @@
+#include <sys/resource.h>
+#include <unistd.h>
+
+#include <csignal>
+
+#include "dialog/messages.h"
+#include "main/selections.h"
+#include "policy/edition.h"
+#include "policy/gatebits_file.h"
+#include "policy/region.h"
+#include "policy/tool_variables.h"
+#include "report/graph.h"
+#include "units/report/page_text.h"
+#include "units/report/scratch_directory.h"
+
+namespace fs = std::filesystem;
+using testing::ExitedWithCode;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+constexpr char PAGE_1[] = "20260107_080905_Q01.html";
+
+/// A region with its results directory, queried on 7 January 2026 at 08:09:05.
+class MakeGraph : public PageText {
+  protected:
+    MakeGraph() {
+        last_query_time = {5, 9, 8, 7, 0, 126};
+        results_dir = directory.path();
+        ENTERPRIZE_NAME = "east";
+        ENTERPRIZE_PERMISSION_FILE = directory.path("gatebits.txt");
+        directory.write("gatebits.txt", "gatewarden;;;east;\n");
+        GS_VAR.fill("");
+        GATEWARDEN_IS = 1;
+        selected_display = "y";
+        ZUL_PREFER_GUI = 0;
+        browser.clear();
+        unsetenv("ZUL_GATESCOPE_BROWSER");
+    }
+    ~MakeGraph() override { unsetenv("ZUL_GATESCOPE_BROWSER"); }
+
+    static std::string said_by_make_graph(int query) {
+        testing::internal::CaptureStdout();
+        Make_Graph(query);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    /// A browser that writes down its arguments, one a line, and ends with `status`.
+    std::string browser_ending_with(const std::string& status) const {
+        directory.write_program("my browser", "printf '%s\\n' \"$@\" >'" + directory.path("shown") +
+                                                  "'\nexit " + status + "\n");
+        return directory.path("my browser");
+    }
+
+    ScratchDirectory directory;
+};
+
+TEST_F(MakeGraph, ThePageIsNamedAfterTheMomentOfTheQuery) {
+    selected_display = "n";
+    for (int query = 1; query <= 6; ++query) said_by_make_graph(query);
+    for (const char* name :
+         {"20260107_080905_Q01.html", "20260107_080905_Q02.html", "20260107_080905_Q03.html",
+          "20260107_080905_Q04.html", "20260107_080905_Q05.html", "20260107_080905_Q06.html"}) {
+        EXPECT_TRUE(fs::exists(directory.path(name))) << name;
+    }
+    EXPECT_EQ(DISPLAY_STREAM, nullptr);
+}
+
+TEST_F(MakeGraph, EachQueryHasItsWriter) {
+    selected_display = "n";
+    first_cell_read = 0;
+    for (int query = 1; query <= 6; ++query) said_by_make_graph(query);
+    const auto page = [&](int query) {
+        return directory.read("20260107_080905_Q0" + std::to_string(query) + ".html");
+    };
+    EXPECT_THAT(page(1), HasSubstr("No matching commands were attempted on"));
+    EXPECT_THAT(page(2), HasSubstr("Matching bits were invoked 0 times through"));
+    EXPECT_THAT(page(3), HasSubstr("Matching keys were invoked 0 times to deny"));
+    EXPECT_THAT(page(4), HasSubstr("<th>Bit#</th>"));
+    EXPECT_THAT(page(5), HasSubstr("<th>Key#</th>"));
+    EXPECT_EQ(page(6), page(1));
+}
+
+TEST_F(MakeGraph, ASecondQueryInTheSameSecondAddsAPage) {
+    selected_display = "n";
+    said_by_make_graph(1);
+    const std::string once = directory.read(PAGE_1);
+    said_by_make_graph(1);
+    EXPECT_EQ(directory.read(PAGE_1), once + once);
+}
+
+TEST_F(MakeGraph, WithoutDisplayALineNamesThePage) {
+    selected_display = "n";
+    setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
+    EXPECT_EQ(said_by_make_graph(1), "\n\nGatescope query completed and html page\n(" +
+                                         directory.path(PAGE_1) +
+                                         ")\nwas built and stored for the region (east).\n\n");
+    EXPECT_FALSE(fs::exists(directory.path("shown")));
+}
+
+TEST_F(MakeGraph, TheLineShowsPercentSignsAsTheyAre) {
+    selected_display = "n";
+    ENTERPRIZE_NAME = "100%% %s";
+    EXPECT_THAT(said_by_make_graph(1), HasSubstr("for the region (100%% %s)."));
+}
+
+TEST_F(MakeGraph, WithoutABrowserThePageIsNamed) {
+    EXPECT_EQ(said_by_make_graph(1), "Gatescope query completed and html page\n(" +
+                                         directory.path(PAGE_1) +
+                                         ")\nwas built, but there is no browser defined by either\n"
+                                         "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
+                                         "in the gatebits file (" +
+                                         ENTERPRIZE_PERMISSION_FILE + ")\nfor region (east)\n");
+    EXPECT_THAT(directory.read(PAGE_1), HasSubstr("</html>\n"));
+}
+
+TEST_F(MakeGraph, AMissingBrowserOfTheGatebitsFileIsNamed) {
+    GS_VAR[UNIX_BROWSER] = directory.path("none");
+    EXPECT_EQ(said_by_make_graph(1),
+              "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
+                  ") was built, but Gatescope browser\n(" + directory.path("none") +
+                  ") for region (east)\nas defined in the gatebits file (" +
+                  ENTERPRIZE_PERMISSION_FILE + ") does not exist\n");
+}
+
+TEST_F(MakeGraph, AMissingBrowserOfTheEnvironmentIsNamed) {
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    setenv("ZUL_GATESCOPE_BROWSER", directory.path("none").c_str(), 1);
+    EXPECT_EQ(said_by_make_graph(1),
+              "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
+                  ") was built, but Gatescope browser\n(" + directory.path("none") +
+                  ") for region (east)\nas defined by the environmental variable "
+                  "(ZUL_GATESCOPE_BROWSER) does not exist\n");
+    EXPECT_FALSE(fs::exists(directory.path("shown")));
+}
+
+TEST_F(MakeGraph, AnEmptyVariableWinsToo) {
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    setenv("ZUL_GATESCOPE_BROWSER", "", 1);
+    EXPECT_THAT(said_by_make_graph(1),
+                HasSubstr("\n() for region (east)\nas defined by the environmental variable"));
+}
+
+TEST_F(MakeGraph, TheBrowserIsStartedOnThePage) {
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    EXPECT_EQ(said_by_make_graph(1),
+              "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
+    EXPECT_EQ(directory.read("shown"), directory.path(PAGE_1) + "\n");
+    EXPECT_EQ(browser, directory.path("my browser"));
+}
+
+TEST_F(MakeGraph, TheEnvironmentOverridesTheBrowserOfTheFile) {
+    GS_VAR[UNIX_BROWSER] = directory.path("none");
+    setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
+    EXPECT_EQ(said_by_make_graph(1),
+              "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
+    EXPECT_EQ(directory.read("shown"), directory.path(PAGE_1) + "\n");
+}
+
+TEST_F(MakeGraph, AChangedBrowserIsTakenUp) {
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    said_by_make_graph(1);
+    GS_VAR[UNIX_BROWSER].clear();
+    EXPECT_THAT(said_by_make_graph(1), HasSubstr("no browser defined"));
+}
+
+TEST_F(MakeGraph, APagePathWithBlanksReachesTheBrowserInPieces) {
+    fs::create_directory(directory.path("two  words"));
+    results_dir = directory.path("two  words");
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    said_by_make_graph(1);
+    EXPECT_EQ(directory.read("shown"),
+              directory.path("two") + "\nwords/" + std::string(PAGE_1) + "\n");
+}
+
+TEST_F(MakeGraph, ABrowserThatFailsAtOnceIsReportedWithTheRawStatus) {
+    GS_VAR[UNIX_BROWSER] = browser_ending_with("3");
+    EXPECT_EQ(said_by_make_graph(1),
+              "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n"
+              "Warning: return code=768 returned from " +
+                  directory.path("my browser") + "...\n");
+}
+
+TEST_F(MakeGraph, AFileThatCannotBeRunCountsAsABrowser) {
+    GS_VAR[UNIX_BROWSER] = ENTERPRIZE_PERMISSION_FILE;
+    EXPECT_THAT(said_by_make_graph(1), HasSubstr("Warning: return code=32256 returned from " +
+                                                 ENTERPRIZE_PERMISSION_FILE + "...\n"));
+}
+
+TEST_F(MakeGraph, TheStatusOfABrowserThatWasUsedIsIgnored) {
+    directory.write_program("used", "sleep 3\nexit 3\n");
+    GS_VAR[UNIX_BROWSER] = directory.path("used");
+    EXPECT_THAT(said_by_make_graph(1), Not(HasSubstr("Warning")));
+}
+
+/// What a gripe says in the process of a death test goes where that looks for it.
+void say_it_on_standard_error() {
+    dup2(STDERR_FILENO, STDOUT_FILENO);
+}
+
+void limit_file_size(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST_F(MakeGraph, APageThatCannotBeOpenedEndsTheProgram) {
+    results_dir = directory.path("nowhere");
+    EXPECT_EXIT(
+        {
+            say_it_on_standard_error();
+            Make_Graph(1);
+        },
+        ExitedWithCode(99),
+        testing::Eq("Could not create/open results file (" + directory.path("nowhere/") + PAGE_1 +
+                    ")\n\n"));
+}
+
+TEST_F(MakeGraph, AFullDiskEndsTheProgram) {
+    fs::create_symlink("/dev/full", directory.path(PAGE_1));
+    EXPECT_EXIT(
+        {
+            say_it_on_standard_error();
+            Make_Graph(1);
+        },
+        ExitedWithCode(99),
+        testing::Eq("ERROR: The results file (" + directory.path(PAGE_1) +
+                    ") could not be written whole (No space left on device).  What it holds of "
+                    "this query is incomplete.\n\n"));
+}
+
+TEST_F(MakeGraph, APageThatOutgrowsTheFileSizeLimitEndsTheProgram) {
+    EXPECT_EXIT(
+        {
+            say_it_on_standard_error();
+            limit_file_size(6000);
+            Make_Graph(1);
+        },
+        ExitedWithCode(99),
+        HasSubstr(std::string(PAGE_1) + ") could not be written whole (File too large)."));
+    EXPECT_EQ(fs::file_size(directory.path(PAGE_1)), 6000U);
+}
+
+TEST_F(MakeGraph, AnotherNumberIsAnInternalFault) {
+    EXPECT_EXIT(
+        {
+            say_it_on_standard_error();
+            Make_Graph(7);
+        },
+        ExitedWithCode(99),
+        testing::Eq("Internal Error: Inform ZUL: Unexpected case in gatescope:Make_Graph\n\n"));
+}
+
+}  // namespace

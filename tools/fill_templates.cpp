@@ -1,0 +1,251 @@
+// Fills the templates of the manual pages and of the completion from the program's own tables, so
+// that neither can say anything that the program does not do.
+//
+// Usage: fill_templates TEMPLATE OUTPUT
+//
+// A line of the template that is "@@name@@" and nothing else gives way to the block of that name;
+// "@NAME@" inside a line gives way to the text of that name.
+
+#include <array>
+#include <cstdio>
+#include <fstream>
+#include <iostream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "actions/requests.h"
+#include "main/filled.h"
+#include "messages/arguments.h"
+#include "messages/bit_names.h"
+#include "messages/command_names.h"
+#include "messages/environment.h"
+#include "messages/identity.h"
+#include "messages/policy_texts.h"
+
+namespace {
+
+/// The part of a label that stands behind its number.
+std::string title_of(std::string_view label) {
+    constexpr std::string_view MARK = " - ";
+    const auto mark = label.find(MARK);
+    return std::string(mark == std::string_view::npos ? label : label.substr(mark + MARK.size()));
+}
+
+/// A text as a line of a manual page.
+std::string in_manual(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        result += character == '\\' ? "\\e" : std::string(1, character);
+    }
+    const bool looks_like_macro = !result.empty() && (result[0] == '.' || result[0] == '\'');
+    return looks_like_macro ? "\\&" + result : result;
+}
+
+std::string manual_requests(RequestKind kind, char letter) {
+    std::string block;
+    for (const Request& request : all_requests()) {
+        if (request.kind != kind) continue;
+        block += filled(".It Cm %c=%d\n%s\n", letter, request.number,
+                        in_manual(title_of(request.label)).c_str());
+        if (request.lite_label != nullptr) {
+            block +=
+                filled(".Pq lite edition: %s\n", in_manual(title_of(request.lite_label)).c_str());
+        }
+    }
+    return block;
+}
+
+std::string manual_queries() {
+    return manual_requests(RequestKind::QUERY, 'Q');
+}
+
+std::string manual_actions() {
+    return manual_requests(RequestKind::ACTION, 'A');
+}
+
+std::string manual_bits() {
+    std::string block;
+    int number = 0;
+    for (const char* name : GATEWARDEN_BITS_DESC) {
+        block += filled(".It %d\n.Dv %s\n", number++, name);
+    }
+    return block;
+}
+
+std::string manual_commands() {
+    std::string block;
+    for (const auto name : TRIGGERABLE_COMMANDS) {
+        const bool last = name == TRIGGERABLE_COMMANDS.back();
+        block.append(".Cm ").append(name).append(last ? " .\n" : " ,\n");
+    }
+    return block;
+}
+
+std::string manual_environment() {
+    std::string block;
+    for (const EnvironmentVariable& variable : ENVIRONMENT) {
+        block += filled(".It Ev %s\n%s.\n", variable.name, in_manual(variable.meaning).c_str());
+    }
+    return block;
+}
+
+std::string manual_settings() {
+    std::string block;
+    for (const char* prefix : GS_VAR_NAME) block += filled(".It Li %s\n", prefix);
+    return block;
+}
+
+/// A text as one word of the shell.
+std::string in_shell(std::string_view text) {
+    std::string word = "'";
+    for (const char character : text)
+        word += character == '\'' ? "'\\''" : std::string(1, character);
+    return word + "'";
+}
+
+/// One word of an array a line.
+std::string shell_line(std::string_view text) {
+    return "    " + in_shell(text) + "\n";
+}
+
+std::string shell_requests(RequestKind kind) {
+    std::string block;
+    for (const Request& request : all_requests()) {
+        if (request.kind != kind) continue;
+        block += shell_line(filled("%d - %s", request.number, title_of(request.label).c_str()));
+    }
+    return block;
+}
+
+std::string shell_queries() {
+    return shell_requests(RequestKind::QUERY);
+}
+
+std::string shell_actions() {
+    return shell_requests(RequestKind::ACTION);
+}
+
+std::string shell_bits() {
+    std::string block;
+    int number = 0;
+    for (const char* name : GATEWARDEN_BITS_DESC) {
+        block += shell_line(filled("%d - %s", number++, name));
+    }
+    return block;
+}
+
+std::string shell_commands() {
+    std::string block;
+    for (const auto name : TRIGGERABLE_COMMANDS) block += shell_line(name);
+    return block;
+}
+
+std::string shell_arguments(ArgumentPlace place) {
+    std::string block;
+    for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+        if (argument.place == place && !argument.hidden) block += shell_line(argument.spelling);
+    }
+    return block;
+}
+
+std::string shell_options() {
+    return shell_arguments(ArgumentPlace::ALONE);
+}
+
+std::string shell_parameters() {
+    return shell_arguments(ArgumentPlace::ANYWHERE);
+}
+
+struct Block {
+    std::string_view name;
+    std::string (*text)();
+};
+constexpr std::array<Block, 12> BLOCKS = {{{"@@manual_queries@@", manual_queries},
+                                           {"@@manual_actions@@", manual_actions},
+                                           {"@@manual_bits@@", manual_bits},
+                                           {"@@manual_commands@@", manual_commands},
+                                           {"@@manual_environment@@", manual_environment},
+                                           {"@@manual_settings@@", manual_settings},
+                                           {"@@shell_queries@@", shell_queries},
+                                           {"@@shell_actions@@", shell_actions},
+                                           {"@@shell_bits@@", shell_bits},
+                                           {"@@shell_commands@@", shell_commands},
+                                           {"@@shell_options@@", shell_options},
+                                           {"@@shell_parameters@@", shell_parameters}}};
+
+/// The numbers of the actions that run between two checks, as a sentence lists them.
+std::string guarded_actions() {
+    std::string list;
+    std::string last;
+    for (const Request& request : all_requests()) {
+        if (!request.guarded) continue;
+        if (!last.empty()) list.append(list.empty() ? "" : ", ").append(last);
+        last = std::to_string(request.number);
+    }
+    return list + " and " + last;
+}
+
+struct Text {
+    std::string_view name;
+    std::string text;
+};
+
+std::array<Text, 7> texts() {
+    return {{{"@VERSION@", VERSION},
+             {"@QUERIES@", std::to_string(NUMBER_OF_QUERIES)},
+             {"@ACTIONS@", std::to_string(NUMBER_OF_ACTIONS)},
+             {"@COMMANDS@", std::to_string(TRIGGERABLE_COMMANDS.size())},
+             {"@BITS@", std::to_string(GATEWARDEN_BITS_DESC.size())},
+             {"@HIGHEST_BIT@", std::to_string(HIGHEST_BIT)},
+             {"@GUARDED_ACTIONS@", guarded_actions()}}};
+}
+
+/// Whether a capitalised name stands between two '@'.
+bool names_a_text(std::string_view line) {
+    constexpr std::string_view LETTERS = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_";
+    for (auto at = line.find('@'); at != std::string_view::npos; at = line.find('@', at + 1)) {
+        const auto end = line.find_first_not_of(LETTERS, at + 1);
+        if (end != std::string_view::npos && end > at + 1 && line[end] == '@') return true;
+    }
+    return false;
+}
+
+/// A line with its texts filled in; nothing when it names a block or a text that does not exist.
+std::optional<std::string> filled_line(const std::string& line) {
+    for (const Block& block : BLOCKS) {
+        if (line == block.name) return block.text();
+    }
+    std::string result = line;
+    for (const auto& [name, text] : texts()) {
+        for (auto at = result.find(name); at != std::string::npos; at = result.find(name, at)) {
+            result.replace(at, name.size(), text);
+        }
+    }
+    if (result.starts_with("@@") || names_a_text(result)) return std::nullopt;
+    return result + "\n";
+}
+
+int complain(const char* about, const std::string& what) {
+    std::cerr << "fill_templates: " << about << ": " << what << "\n";
+    return 1;
+}
+
+}  // namespace
+
+int main(int argument_count, char** arguments) {
+    if (argument_count != 3) return complain("usage", "fill_templates TEMPLATE OUTPUT");
+    std::ifstream input(arguments[1]);
+    if (!input) return complain("cannot read", arguments[1]);
+    std::ostringstream result;
+    for (std::string line; std::getline(input, line);) {
+        const auto text = filled_line(line);
+        if (!text) return complain("no such table", line);
+        result << *text;
+    }
+    std::ofstream output(arguments[2], std::ios::binary);
+    output << result.str();
+    output.close();
+    return output ? 0 : complain("cannot write", arguments[2]);
+}
