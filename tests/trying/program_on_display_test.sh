@@ -44,7 +44,7 @@ down 9
 press Return
 window_asks 'Input a MOTD'
 press ctrl+a
-enter 'Rock & <b>Roll_ at noon'
+enter 'R&D: no <b>checkin_ & no mail today'
 picture text
 press Return
 window_asks 'Confirm change of: Region MOTD String'
@@ -55,7 +55,7 @@ expect_equal "the change" "$(printf '%s\n' \
     '< #!gatescope_unix_gatewarden_check=' \
     "> #!gatescope_unix_gatewarden_check=$stage/stand-ins/gatewarden" \
     '< ;Welcome to the region.;;' \
-    '> ;Rock & <b>Roll_ at noon;;')" "$(changes)"
+    '> ;R&D: no <b>checkin_ & no mail today;;')" "$(changes)"
 
 case_is "a declined change leaves the file as it is"
 cp "$gatebits" changed
