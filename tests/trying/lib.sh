@@ -75,7 +75,7 @@ eventually() {
 
 start_dialog() {
     rm -f labels labels.rows
-    WINDOW_LABELS=$stage/labels LD_PRELOAD=${WINDOW_LABELS_LIBRARY:-} "$clearprompt" "$@" 2>err &
+    "$clearprompt" "$@" 2>err &
     dialog=$!
 }
 has_ended() { ! kill -0 "$dialog" 2>/dev/null; }
@@ -103,6 +103,20 @@ start_display() {
     eventually test -s "$stage/display" || give_up "Xvfb does not come up"
     DISPLAY=:$(<"$stage/display")
     export DISPLAY GTK_USE_PORTAL=0 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
+    make_zenity_tell
+}
+# A zenity on the search path that writes down its labels and rows.
+make_zenity_tell() {
+    local zenity
+    zenity=$(command -v zenity)
+    mkdir "$stage/telling"
+    cat >"$stage/telling/zenity" <<END
+#!/bin/sh
+WINDOW_LABELS='$stage/labels' LD_PRELOAD='${WINDOW_LABELS_LIBRARY:?names the library}' \\
+    exec '$zenity' "\$@"
+END
+    chmod +x "$stage/telling/zenity"
+    PATH=$stage/telling:$PATH
 }
 has_window() { # class
     window=$(xdotool search --onlyvisible --class "$1" 2>/dev/null | head -n 1)

@@ -29,9 +29,8 @@ picture() {
     import -window "$window" "$DIALOG_PICTURES/$1.png"
 }
 
-export WINDOW_LABELS=$stage/labels ZUL_GATESCOPE_BROWSER=/bin/true
-LD_PRELOAD=${WINDOW_LABELS_LIBRARY:?} \
-    run_menus "$GATESCOPE_PROGRAM" "$gatebits" "$stage/stand-ins" </dev/null >output 2>&1 &
+export ZUL_GATESCOPE_BROWSER=/bin/true
+run_menus "$GATESCOPE_PROGRAM" "$gatebits" "$stage/stand-ins" </dev/null >output 2>&1 &
 dialog=$!
 
 case_is "the menu, the submenu, an edit and its confirmation"
