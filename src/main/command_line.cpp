@@ -140,7 +140,7 @@ void take_repeat(const Argument& argument) {
 void take_file(const Argument& argument) {
     file_was_named = true;
     ENTERPRIZE_PERMISSION_FILE = argument.value;
-    const int file = open(argument.value.c_str(), O_RDONLY | O_CLOEXEC);
+    const int file = open(argument.value.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     file_selected = file != -1;
     if (file != -1) close(file);
 }
@@ -221,7 +221,7 @@ void take_parameter(const std::string& argument) {
 bool take_file_from_environment(const char* named) {
     if (named == nullptr) return false;
     ENTERPRIZE_PERMISSION_FILE = named;
-    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_CLOEXEC);
+    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     return ENTERPRIZE_PERMISSION_FILE_FD != -1;
 }
 

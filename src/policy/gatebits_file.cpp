@@ -21,7 +21,8 @@ namespace {
 
 /// All bytes of the gatebits file; gripes when it cannot be read or is too large.
 std::string read_gatebits_bytes() {
-    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_CLOEXEC);
+    // A pipe without a writer must not keep us waiting.
+    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
     std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
     std::size_t size = 0;

@@ -194,8 +194,8 @@ struct AclEntry {
 };
 struct Acl {
     std::uint32_t version = 2;
-    std::array<AclEntry, 5> entries = {{{0x01, 6, ~0U}, {0x02, 4, 10}, {0x04, 4, ~0U},
-                                        {0x10, 4, ~0U}, {0x20, 0, ~0U}}};
+    std::array<AclEntry, 5> entries = {
+        {{0x01, 6, ~0U}, {0x02, 4, 10}, {0x04, 4, ~0U}, {0x10, 4, ~0U}, {0x20, 0, ~0U}}};
 };
 constexpr char ACCESS_LIST[] = "system.posix_acl_access";
 constexpr char DEFAULT_LIST[] = "system.posix_acl_default";

@@ -1,0 +1,394 @@
+#!/usr/bin/env python3
+"""Ends, or fails, every system call of whole edits and prunes, and looks at what is left.
+
+    every_system_call.py GATESCOPE [--sample RUNS] [--only EDIT] [--jobs N]
+
+Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
+there is one run that is killed when it gets there, and for calls that touch files one run for
+each error that they can meet. With --sample only about that many runs, evenly spread, take place.
+"""
+
+import argparse
+import collections
+import concurrent.futures
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+# What can go wrong with a call, besides being killed at it.
+DISK = ["ENOSPC", "EIO", "EINTR"]
+REFUSED = ["EACCES", "EIO", "EINTR"]
+ERRORS = {
+    "write": DISK, "pwrite64": DISK, "fsync": DISK, "fdatasync": DISK, "close": DISK,
+    "ftruncate": DISK, "lseek": ["EIO"], "read": ["EIO", "EINTR"], "copy_file_range": DISK,
+    "openat": ["ENOSPC", "EACCES", "EMFILE", "EINTR"], "open": ["ENOSPC", "EACCES", "EINTR"],
+    "rename": REFUSED, "renameat2": REFUSED, "link": REFUSED, "unlink": REFUSED,
+    "fchown": ["EPERM", "EIO"], "fchmod": ["EPERM", "EIO"], "fsetxattr": ["EPERM", "ENOSPC"],
+    "fgetxattr": ["EIO"], "flistxattr": ["EIO", "ENOTSUP"], "fremovexattr": ["EPERM"],
+    "utimensat": ["EPERM", "EIO"], "newfstatat": ["EIO"], "chmod": ["EPERM", "EIO"],
+    "readlink": ["EIO"], "flock": ["EIO", "EINTR"], "fallocate": ["ENOSPC", "EOPNOTSUPP"],
+}
+
+STATUS_OF_A_DONE_EDIT = 110
+STATUS_OF_AN_ERROR = 99
+
+BLOCK = """\
+#!gatescope_unix_gatewarden_check=/bin/true
+#!gatescope_relocated_logging_dir_unix={stage}/logs
+# a comment
+#!gatewarden_alias adm (root)
+gatewarden;;;east;
+;{stage}/depot;O;
+;;
+;;
+; (a) ~adm ;
+; ;
+;old message;;
+D;000000000000000000000000;
+pre_checkin;R; ;0;
+post_checkin;S; ~adm ;
+"""
+
+# An operator's clearprompt: one line of the script an answer, "status text"; boxes with a single
+# button answer themselves.
+CLEARPROMPT = """\
+#!/bin/sh
+stage={stage}
+case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
+turn=0
+[ -e "$stage/turn" ] && read -r turn < "$stage/turn"
+turn=$((turn + 1))
+echo $turn > "$stage/turn"
+line=$(sed -n "${{turn}}p" "$stage/script")
+[ -n "$line" ] || exit 2
+while [ $# -gt 0 ]; do
+    [ "$1" = -outfile ] && printf '%s\\n' "${{line#* }}" > "$2"
+    shift
+done
+exit "${{line%% *}}"
+"""
+
+YES = "0 "
+CANCEL = "2 "
+
+
+class Edit:
+    """One kind of edit: how it is asked for, what the operator answers, which file it is about."""
+
+    def __init__(self, arguments, answers, result="gatebits.txt", shows=""):
+        self.arguments = arguments
+        self.answers = answers
+        self.result = result
+        self.shows = shows
+
+    def furnish(self, stage):
+        pass
+
+    def state(self, stage):
+        """What the edit is about: the bytes of its file, or None when there is none."""
+        return bytes_of(os.path.join(stage, self.result))
+
+    def fault_after_kill(self, stage, old, new, gatescope):
+        state = self.state(stage)
+        if state not in (old, new):
+            return "killed: the file is neither the old nor the new one, but %r" % state
+        return self.fault_of_the_rest(stage, old)
+
+    def fault_after_error(self, stage, old, new, run, gatescope):
+        state = self.state(stage)
+        if state not in (old, new):
+            return "the file is neither the old nor the new one, but %r" % state
+        if state == old and not run.told():
+            return "nothing was written and nothing was said (status %d)" % run.status
+        if run.status == STATUS_OF_A_DONE_EDIT and state != new:
+            return "it claims to be done, but the file is the old one"
+        return self.fault_of_the_rest(stage, old)
+
+    def fault_of_the_rest(self, stage, old):
+        """The gatebits file in use must be whole, whichever file the edit is about."""
+        if self.result == "gatebits.txt":
+            return None
+        if bytes_of(os.path.join(stage, "gatebits.txt")) != BLOCK.format(stage=stage).encode():
+            return "another file was changed"
+        return None
+
+    def leftovers(self, stage):
+        names = ["tmp/" + name for name in os.listdir(os.path.join(stage, "tmp"))]
+        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "trace",
+                 os.path.basename(self.result)}
+        return names + [name for name in os.listdir(stage) if name not in known]
+
+
+NOW = int(time.time())
+DAY = 86400
+
+
+class Prune(Edit):
+    """The logs: what counts is which records there are, in whatever files."""
+
+    KEPT = 40
+    DROPPED = 30
+
+    def __init__(self):
+        super().__init__(["A=1", "D=n", "R=n"], [], result="logs", shows="retained")
+
+    def furnish(self, stage):
+        logs = os.path.join(stage, "logs")
+        for number in (0, 7, 20):
+            with open(os.path.join(logs, "logging_%d.txt" % number), "w") as log:
+                for i in range(self.KEPT):
+                    log.write("%d:S:kept%d_%d[2]-<->\n" % (NOW - i * DAY, number, i))
+                    if i < self.DROPPED:
+                        log.write("%d:S:old%d_%d[2]-<->\n" % (NOW - (200 + i) * DAY, number, i))
+        # Left by a writer while an earlier prune ran, beside a file that it has no log for.
+        for number in (7, 12):
+            with open(os.path.join(logs, "logging__%d.txt" % number), "w") as companion:
+                companion.write("%d:D:kept_beside_%d[3]K<4>\n" % (NOW, number))
+                companion.write("%d:D:old_beside_%d[3]K<4>\n" % (NOW - 300 * DAY, number))
+
+    def records(self, stage):
+        """Every retained record in the logs and their companions, with its number."""
+        count = collections.Counter()
+        logs = os.path.join(stage, "logs")
+        for name in os.listdir(logs):
+            if re.fullmatch(r"logging__?\d+\.txt", name):
+                for word in bytes_of(os.path.join(logs, name)).decode().split():
+                    if ":kept" in word:
+                        count[word] += 1
+        return count
+
+    def state(self, stage):
+        logs = os.path.join(stage, "logs")
+        return {name: bytes_of(os.path.join(logs, name)) for name in sorted(os.listdir(logs))}
+
+    def fault_of_records(self, stage, new, gatescope):
+        """Whatever happened, the next run puts everything right."""
+        again = Run(gatescope, self, stage)
+        if again.status != STATUS_OF_A_DONE_EDIT:
+            return "the next run ended with %d: %s" % (again.status, again.said)
+        if self.state(stage) != new:
+            return "the next run came out wrong: %s" % difference(self.state(stage), new)
+        return None
+
+    def fault_after_kill(self, stage, old, new, gatescope):
+        return self.fault_of_records(stage, new, gatescope)
+
+    def fault_after_error(self, stage, old, new, run, gatescope):
+        if not run.told() and self.state(stage) != new:
+            return "it was not done and nothing was said (status %d)" % run.status
+        return self.fault_of_records(stage, new, gatescope)
+
+    def leftovers(self, stage):
+        return []
+
+
+def difference(one, other):
+    return ", ".join("%s: %r instead of %r" % (name, one.get(name), other.get(name))
+                     for name in sorted(set(one) | set(other)) if one.get(name) != other.get(name))
+
+
+class InPlace(Edit):
+    """A field of a file with two names, which cannot be replaced by a rename. Between the old and
+    the new text there may be blank lines at its end; a failed write says where the whole text is."""
+
+    def furnish(self, stage):
+        os.link(os.path.join(stage, "gatebits.txt"), os.path.join(stage, "depot", "other"))
+
+    def state(self, stage):
+        return super().state(stage).rstrip(b"\n") + b"\n"
+
+    def fault_after_error(self, stage, old, new, run, gatescope):
+        copy = re.search(r"Its complete new text is in \((.*?)\)", run.said)
+        if copy and bytes_of(copy.group(1)) == new:
+            os.unlink(copy.group(1))
+            return None
+        return super().fault_after_error(stage, old, new, run, gatescope)
+
+
+EDITS = {
+    "field": Edit(["A=13", "R=n"], ["0 new (message) ~adm", YES], shows=";new (message) ~adm ;"),
+    "field_in_place": InPlace(["A=13", "R=n"], ["0 new (message) ~adm and more of it", YES],
+                              shows=";new (message) ~adm and more of it;"),
+    "key_changed": Edit(["A=21", "R=n"], ["0 000 pre_checkin;R; ;0;", YES, "0 changed;R;", YES,
+                                          CANCEL], shows="changed;R;"),
+    "key_added": Edit(["A=22", "R=n"], ["0 000 pre_checkin;R; ;0;", "0 added;R;", YES,
+                                        CANCEL], shows="added;R;"),
+    "alias_added": Edit(["A=17", "R=n"], ["0 dev", "0 (new)", YES, CANCEL],
+                        shows="#!gatewarden_alias dev (new)"),
+    "variable": Edit(["A=24", "R=n"], ["0 02 gatescope_unix_browser=", "0 /usr/bin/browser", YES],
+                     shows="browser=/usr/bin/browser"),
+    "create": Edit(["A=26", "R=n"], ["0 {stage}/new.txt", CANCEL], result="new.txt",
+                   shows="{region Name}"),
+    "copy": Edit(["A=27", "R=n"], ["0 {stage}/gatebits.txt", "0 {stage}/copy.txt"],
+                 result="copy.txt", shows="old message"),
+    "prune": Prune(),
+}
+
+
+def bytes_of(path):
+    try:
+        with open(path, "rb") as file:
+            return file.read()
+    except FileNotFoundError:
+        return None
+
+
+class Run:
+    """One run of the program on a stage, with one call disturbed as `injection` says."""
+
+    def __init__(self, gatescope, edit, stage, injection=None, trace=None):
+        command = [gatescope, "F=" + os.path.join(stage, "gatebits.txt")] + edit.arguments
+        if injection or trace:
+            # Without -f: the children are left alone.
+            strace = ["strace", "-qq", "-o", trace or "/dev/null"]
+            if injection:
+                strace += ["-e", "trace=" + injection.split(":")[0], "-e", "inject=" + injection]
+            command = strace + command
+        environment = {
+            "PATH": os.path.join(stage, "bin") + ":/usr/bin:/bin", "tmp": os.path.join(stage, "tmp"),
+            "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
+        }
+        finished = subprocess.run(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60)
+        self.status = finished.returncode
+        self.said = finished.stdout.decode(errors="replace")
+
+    def told(self):
+        """Whether the operator learns that it was not done."""
+        return self.status != STATUS_OF_A_DONE_EDIT
+
+
+def set_the_stage(stage, edit):
+    shutil.rmtree(stage, ignore_errors=True)
+    for folder in ("bin", "tmp", "logs", "depot"):
+        os.makedirs(os.path.join(stage, folder))
+    with open(os.path.join(stage, "gatebits.txt"), "w") as file:
+        file.write(BLOCK.format(stage=stage))
+    with open(os.path.join(stage, "script"), "w") as file:
+        file.write("".join(answer.format(stage=stage) + "\n" for answer in edit.answers))
+    program = os.path.join(stage, "bin", "clearprompt")
+    with open(program, "w") as file:
+        file.write(CLEARPROMPT.format(stage=stage))
+    os.chmod(program, 0o755)
+    edit.furnish(stage)
+
+
+def calls_of(trace):
+    """The calls of a run as (name, how many of that name so far)."""
+    count = collections.Counter()
+    calls = []
+    with open(trace) as file:
+        for line in file:
+            match = re.match(r"(\w+)\(", line)
+            if not match or match.group(1) in ("exit_group", "execve", "rt_sigreturn"):
+                continue
+            count[match.group(1)] += 1
+            calls.append((match.group(1), count[match.group(1)], line.rstrip()))
+    return calls
+
+
+def disturbances(calls):
+    """Every way to disturb one call: (injection, was it a kill, what was disturbed)."""
+    loaded = 0
+    for name, number, line in calls:
+        yield "%s:signal=SIGKILL:when=%d" % (name, number), True, line
+        # Before the gatebits file is loaded the operator is still asked which file to use. The
+        # messages themselves are written to descriptor 1.
+        loaded += "gatebits.txt" in line
+        if loaded < 2 or line.startswith("write(1,"):
+            continue
+        for error in ERRORS.get(name, []):
+            yield "%s:error=%s:when=%d" % (name, error, number), False, line
+
+
+def disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line):
+    """What is wrong after one disturbed run; None when nothing is."""
+    stage = stages.pop()
+    try:
+        set_the_stage(stage, edit)
+        old = edit.state(stage)
+        new = expected(stage)
+        run = Run(gatescope, edit, stage, injection)
+        if run.status < 0 and run.status != -9:
+            fault = "it ended by signal %d" % -run.status
+        elif is_kill:
+            fault = edit.fault_after_kill(stage, old, new, gatescope) if run.status == -9 else None
+        else:
+            fault = edit.fault_after_error(stage, old, new, run, gatescope)
+            left = edit.leftovers(stage)
+            # What cannot be removed stays.
+            if not fault and left and not injection.startswith("unlink:"):
+                fault = "left behind: %s" % left
+        if fault:
+            return "%s, %s at %s\n    %s\n    status %d, said %r" % (
+                name, injection, line, fault, run.status, run.said)
+        return None
+    finally:
+        stages.append(stage)
+
+
+def learn(gatescope, name, edit, stage, root):
+    """The calls of an undisturbed run, and its result as a function of the stage."""
+    set_the_stage(stage, edit)
+    old = edit.state(stage)
+    trace = os.path.join(root, "trace")
+    run = Run(gatescope, edit, stage, trace=trace)
+    new = edit.state(stage)
+    if run.status != STATUS_OF_A_DONE_EDIT or new == old or edit.shows not in repr(new) + run.said:
+        sys.exit("%s, undisturbed, ended with %d, said %r and left %r" %
+                 (name, run.status, run.said, new))
+    if edit.leftovers(stage):
+        sys.exit("%s, undisturbed, left %s behind" % (name, edit.leftovers(stage)))
+
+    def expected(other):
+        if isinstance(new, dict):
+            return new
+        return new.replace(stage.encode(), other.encode())
+
+    return calls_of(trace), expected
+
+
+def main():
+    options = argparse.ArgumentParser(description=__doc__)
+    options.add_argument("gatescope")
+    options.add_argument("--sample", type=int, default=0)
+    options.add_argument("--only")
+    options.add_argument("--jobs", type=int, default=os.cpu_count())
+    options = options.parse_args()
+    gatescope = os.path.abspath(options.gatescope)
+
+    root = tempfile.mkdtemp(prefix="gatescope_calls_")
+    try:
+        stages = [os.path.join(root, "stage_%d" % i) for i in range(options.jobs)]
+        work = []
+        for name, edit in EDITS.items():
+            if options.only and name != options.only:
+                continue
+            calls, expected = learn(gatescope, name, edit, stages[0], root)
+            ways = [(name, edit, expected) + way for way in disturbances(calls)]
+            print("%-15s %4d system calls, %4d ways to disturb them" % (name, len(calls), len(ways)))
+            work += ways
+        if options.sample:
+            step = max(1, len(work) // options.sample)
+            work = work[step // 2::step]
+
+        def do(item):
+            name, edit, expected, injection, is_kill, line = item
+            return disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line)
+
+        begin = time.time()
+        with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+            faults = [fault for fault in pool.map(do, work) if fault]
+        print("%d runs in %d seconds, %d faults" % (len(work), time.time() - begin, len(faults)))
+        print("\n".join(faults))
+        return 1 if faults or not work else 0
+    finally:
+        shutil.rmtree(root, ignore_errors=True)
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,74 @@
+// Aliases of an arbitrary gatebits file, read and rewritten.
+
+#include <algorithm>
+
+#include "fuzz/fuzz_world.h"
+#include "policy/aliases.h"
+#include "policy/gatebits_file.h"
+
+namespace {
+
+constexpr char MODES[] = {ADD_ALIAS, CHANGE_ALIAS, REMOVE_ALIAS, REMOVE_ALIAS_REFERENCES, 'x'};
+
+bool is_comment(const std::string& line) {
+    return !is_significant(line) && !without_leading_blanks(line).empty() &&
+           !without_leading_blanks(line).starts_with("#!gatewarden_alias ");
+}
+
+/// The lines that no alias has anything to do with, in order.
+std::vector<std::string> comments() {
+    std::vector<std::string> lines;
+    if (gatebits().empty()) return lines;
+    must(until_the_end([&] { lines = read_gatebits_lines(); }) == -1, "a written file is read");
+    lines.erase(std::remove_if(lines.begin(), lines.end(),
+                               [](const std::string& line) { return !is_comment(line); }),
+                lines.end());
+    return lines;
+}
+
+/// Whether `some` stand among `all` in their order. Cutting out a reference can bring a '#' to the
+/// front of its line, so there may be more.
+bool are_among(const std::vector<std::string>& some, const std::vector<std::string>& all) {
+    auto next = some.begin();
+    for (const std::string& line : all) {
+        if (next != some.end() && *next == line) ++next;
+    }
+    return next == some.end();
+}
+
+/// A name from the tables, or any.
+std::string some_name(FuzzedDataProvider& data) {
+    if (number_of_aliases == 0 || data.ConsumeBool()) return data.ConsumeRandomLengthString(60);
+    return ALIAS_NAME[data.ConsumeIntegralInRange<std::size_t>(0, number_of_aliases - 1U)];
+}
+
+std::string some_value(FuzzedDataProvider& data) {
+    return data.ConsumeBool() ? REFERENCES_TOO : data.ConsumeRandomLengthString(300);
+}
+
+void change_an_alias(FuzzedDataProvider& data) {
+    const char mode = data.PickValueInArray(MODES);
+    const std::string name = (mode == REMOVE_ALIAS_REFERENCES ? "~" : "") + some_name(data);
+    add_change_remove_an_alias(mode, name, some_value(data));
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    answer_dialogs_from(nullptr);
+    number_of_aliases = 0;
+    use_gatebits(data.ConsumeRandomLengthString());
+    for (int changes = data.ConsumeIntegralInRange(1, 3); changes > 0; --changes) {
+        if (until_the_end([] { build_alias_list(); }) != -1) return 0;
+        must(number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
+        const std::string old_bytes = gatebits();
+        const std::vector<std::string> old_comments = comments();
+        if (until_the_end([&] { change_an_alias(data); }) != -1) {
+            must(gatebits() == old_bytes, "a refused write changes nothing");
+            continue;
+        }
+        must(are_among(old_comments, comments()), "comments stay, in their order");
+    }
+    return 0;
+}

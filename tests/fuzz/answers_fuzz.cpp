@@ -1,0 +1,77 @@
+// Dialogs that answer with anything.
+
+#include "dialog/clearprompt.h"
+#include "dialog/messages.h"
+#include "dialog/prompts.h"
+#include "fuzz/fuzz_world.h"
+#include "main/process_end.h"
+#include "main/text.h"
+#include "policy/file_chooser.h"
+
+namespace {
+
+/// Words with single blanks between them.
+void must_be_words(const std::string& answer) {
+    must(answer.find_first_of(std::string("\t\n\v\f\r\0", 6)) == std::string::npos,
+         "no line breaks or NULs in an answer");
+    // A word that begins with a NUL is an empty word, and has its blanks all the same.
+    must(answer == words_joined(answer) || last_answer.find('\0') != std::string::npos,
+         "an answer is words and single blanks");
+}
+
+void must_be_picks(const std::string& answer) {
+    must(answer.find_first_of(std::string("\n\0", 2)) == std::string::npos,
+         "no line breaks or NULs in picks");
+    must(answer.size() <= 10001, "picks are no longer than may be");
+}
+
+void run_a_dialog(FuzzedDataProvider& data) {
+    const std::string text = data.ConsumeRandomLengthString(200);
+    const std::string other = data.ConsumeRandomLengthString(200);
+    GATEWARDEN_RESULT_STRING = "before";
+    switch (data.ConsumeIntegralInRange(0, 6)) {
+        case 0:
+            if (prompt(text, other) == ANSWERED) must_be_words(GATEWARDEN_RESULT_STRING);
+            break;
+        case 1:
+            if (prompt_from_file(text, other) == ANSWERED) must_be_words(GATEWARDEN_RESULT_STRING);
+            break;
+        case 2:
+            if (make_selection(text, other, SINGLE_CHOICE) == ANSWERED) {
+                must_be_words(GATEWARDEN_RESULT_STRING);
+            }
+            break;
+        case 3:
+            if (make_selection(text, other, MULTIPLE_CHOICE) == ANSWERED) {
+                must_be_picks(GATEWARDEN_RESULT_STRING);
+            }
+            break;
+        case 4:
+            if (select_cb_file(text) == 1) must_be_words(POSSIBLE_FILE);
+            break;
+        case 5:
+            must(ask(text, "no", nullptr) <= ABORT, "an answer has a name");
+            break;
+        default:
+            show_file_with_clearprompt(text, other, data.ConsumeBool());
+    }
+    if (ANSWER == CANCELLED) {
+        must(GATEWARDEN_RESULT_STRING == "before", "a cancel leaves the last answer");
+    }
+    must(last_command.find('\0') == std::string::npos, "no NUL in a command line");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    use_gatebits("");
+    answer_dialogs_from(&data);
+    ZUL_PREFER_GUI = 1;
+    until_the_end([&] { run_a_dialog(data); });
+    must(get_file("tmp/gatewarden_prompt_result_1_.txt").empty() &&
+             get_file("tmp/gatewarden_select_result_1_.txt").empty(),
+         "no answer is left behind");
+    answer_dialogs_from(nullptr);
+    return 0;
+}

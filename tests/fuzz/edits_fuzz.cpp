@@ -1,0 +1,56 @@
+// Every action that edits the gatebits file, on an arbitrary one, with an operator who answers
+// anything.
+
+#include <algorithm>
+#include <filesystem>
+
+#include "actions/requests.h"
+#include "fuzz/fuzz_world.h"
+#include "main/process_end.h"
+#include "main/selections.h"
+#include "messages/policy_texts.h"
+#include "policy/edition.h"
+#include "policy/gatebits_file.h"
+#include "policy/region.h"
+
+namespace {
+
+/// Actions that touch nothing but the gatebits file.
+constexpr int ACTIONS[] = {2,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14,
+                           15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 28, 29};
+
+/// A sound region block more often than not, so that start-up lets it pass.
+std::string some_gatebits(FuzzedDataProvider& data) {
+    std::string text = data.ConsumeRandomLengthString(300);
+    if (data.ConsumeBool()) return text;
+    const std::string line = data.ConsumeRandomLengthString(100);
+    return text + "\n" + GS_VAR_NAME[0] + "/bin/true\n" +
+           "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;" + line +
+           ";;\nD;000000000000000000000000;\n" + data.ConsumeRandomLengthString(300);
+}
+
+void run_actions(FuzzedDataProvider& data) {
+    interrogate_the_enterprise();
+    read_edition();
+    for (int actions = data.ConsumeIntegralInRange(1, 3); actions > 0; --actions) {
+        request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))->run();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    use_gatebits(some_gatebits(data));
+    const std::size_t old_size = gatebits().size();
+    selected_repeat = data.ConsumeBool() ? "n" : "y";
+    IS_DURING_INSTALL = data.ConsumeBool();
+    chapter = 1;
+    answer_dialogs_from(&data);
+    until_the_end([&] { run_actions(data); });
+    answer_dialogs_from(nullptr);
+    must(gatebits().size() <= std::max(old_size, GATEBITS_FILE_LIMIT),
+         "what is written can be read back");
+    must(std::filesystem::is_empty(world_path("tmp")), "nothing is left behind");
+    return 0;
+}

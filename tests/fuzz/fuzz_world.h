@@ -1,0 +1,41 @@
+#pragma once
+
+#include <fuzzer/FuzzedDataProvider.h>
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+// The world that the program's functions find themselves in under a fuzzer: a directory in memory
+// instead of a region's, a thrown value instead of the end of the process, and dialogs that are
+// answered from the fuzzer's bytes instead of children.
+
+/// Thrown in place of the end of the process.
+struct ProcessEnded {
+    int status;
+};
+
+/// Runs `body`; the status when it wanted to end the process, -1 when it came to its end. What
+/// it left open is closed.
+int until_the_end(const std::function<void()>& body);
+
+/// A path in the world's directory, which is made at its first use and goes with the process.
+std::string world_path(const std::string& name);
+void put_file(const std::string& name, std::string_view bytes);
+std::string get_file(const std::string& name);
+
+/// Puts a gatebits file, and takes it into use; start-up's settings are made too.
+void use_gatebits(std::string_view bytes);
+std::string gatebits();
+
+/// From now on dialogs answer with what `data` gives; null: every dialog is cancelled. A child
+/// that is not a dialog ends with 0 then.
+void answer_dialogs_from(FuzzedDataProvider* data);
+
+/// The last command that was to be run in the shell.
+extern std::string last_command;
+/// What the last dialog answered.
+extern std::string last_answer;
+
+/// Ends the fuzzing with a finding unless `holds`.
+void must(bool holds, const char* what);

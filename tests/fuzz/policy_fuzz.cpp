@@ -1,0 +1,102 @@
+// Lines, fields and settings of an arbitrary gatebits file, read and rewritten.
+
+#include <algorithm>
+
+#include "fuzz/fuzz_world.h"
+#include "policy/edition.h"
+#include "policy/gatebits_file.h"
+#include "policy/region.h"
+#include "policy/tool_variables.h"
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+Lines lines_now() {
+    Lines lines;
+    must(until_the_end([&] { lines = read_gatebits_lines(); }) == -1, "a written file is read");
+    return lines;
+}
+
+/// `one` without the lines that `other` holds too, in whatever order.
+Lines without(Lines one, Lines other) {
+    std::sort(one.begin(), one.end());
+    std::sort(other.begin(), other.end());
+    Lines rest;
+    std::set_difference(one.begin(), one.end(), other.begin(), other.end(),
+                        std::back_inserter(rest));
+    return rest;
+}
+
+/// A line number that is there more often than not, and sometimes is far out.
+int number(FuzzedDataProvider& data) {
+    return data.ConsumeBool() ? data.ConsumeIntegralInRange(0, 12)
+                              : data.ConsumeIntegralInRange(-3, 300);
+}
+
+void read_something(FuzzedDataProvider& data) {
+    std::string value;
+    switch (data.ConsumeIntegralInRange(0, 4)) {
+        case 0:
+            get_a_line(number(data), &value);
+            break;
+        case 1:
+            get_a_field(number(data), number(data), &value);
+            break;
+        case 2:
+            build_var_list();
+            break;
+        case 3:
+            interrogate_the_enterprise();
+            break;
+        default:
+            read_edition();
+    }
+}
+
+/// Changes something; no more than `*changed` old lines may be gone afterwards.
+void write_something(FuzzedDataProvider& data, std::size_t* changed) {
+    const int line = number(data);
+    // The counter starts over after 256 lines, so a number may stand for a second line.
+    *changed = 1 + GATEBITS_FILE_LIMIT / 2 / 256;
+    switch (data.ConsumeIntegralInRange(0, 3)) {
+        case 0:
+            set_a_line(line, data.ConsumeRandomLengthString());
+            break;
+        case 1:
+            set_a_line(line, DELETION_TOKEN);
+            break;
+        case 2:
+            set_a_field(line, number(data), data.ConsumeRandomLengthString());
+            break;
+        default:
+            build_var_list();
+            *changed = GATEBITS_FILE_LIMIT;
+            change_a_var(data.ConsumeIntegralInRange(0, 7), data.ConsumeRandomLengthString());
+    }
+}
+
+void check_a_write(FuzzedDataProvider& data) {
+    Lines before;
+    if (until_the_end([&] { before = read_gatebits_lines(); }) != -1) return;
+    const std::string old_bytes = gatebits();
+    std::size_t changed = 0;
+    if (until_the_end([&] { write_something(data, &changed); }) != -1) {
+        must(gatebits() == old_bytes, "a refused write changes nothing");
+        return;
+    }
+    if (gatebits().empty()) return;
+    must(gatebits().size() <= GATEBITS_FILE_LIMIT, "what is written can be read back");
+    must(without(before, lines_now()).size() <= changed, "other lines stay as they are");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    answer_dialogs_from(nullptr);
+    use_gatebits(data.ConsumeRandomLengthString());
+    until_the_end([&] { read_something(data); });
+    for (int writes = data.ConsumeIntegralInRange(0, 2); writes > 0; --writes) check_a_write(data);
+    return 0;
+}

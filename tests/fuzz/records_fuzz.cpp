@@ -1,0 +1,59 @@
+// Arbitrary log files, read by any query.
+
+#include <numeric>
+
+#include "fuzz/fuzz_world.h"
+#include "logs/log_files.h"
+#include "logs/query_data.h"
+#include "policy/edition.h"
+#include "policy/region.h"
+
+namespace {
+
+/// Times that mean something: "T" followed by a digit stands for a moment of this period.
+std::string with_times_of_today(const std::string& text) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != 'T' || i + 1 == text.size() || text[i + 1] < '0' || text[i + 1] > '9') {
+            result += text[i];
+            continue;
+        }
+        constexpr int DAYS[] = {0, 1, 60, 119, 120, 121, 129, 130, 131, -1};
+        const auto days = DAYS[text[++i] - '0'];
+        result += std::to_string(end_of_day_time - days * SECONDS_A_DAY - (text[i] == '8' ? 1 : 0));
+    }
+    return result;
+}
+
+template <typename Counters>
+std::uint64_t sum(const Counters& counters) {
+    return std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
+    FuzzedDataProvider data(bytes, size);
+    answer_dialogs_from(nullptr);
+    use_gatebits("");
+    set_time_values();
+    logging_dir = world_path("tmp");
+    const auto filter = [&] {
+        return data.ConsumeBool() ? ANY_LOG_ENTRY : data.ConsumeRandomLengthString(20);
+    };
+    GLOBAL_TEST_STRING_1 = filter();
+    GLOBAL_TEST_STRING_2 = filter();
+    GLOBAL_TEST_STRING_3 = ANY_LOG_ENTRY;
+    GLOBAL_TEST_STRING_4 = ANY_LOG_ENTRY;
+    GATEWARDEN_IS = data.ConsumeIntegralInRange(0, 1);
+    const int query = data.ConsumeIntegralInRange(1, 6);
+    const std::string first = with_times_of_today(data.ConsumeRandomLengthString());
+    const std::string last = with_times_of_today(data.ConsumeRemainingBytesAsString());
+    put_file("tmp/logging_0.txt", first);
+    put_file("tmp/logging_20.txt", last);
+    must(until_the_end([&] { get_query_data(query); }) == -1, "a query comes to its end");
+    must(sum(cell_success) + sum(cell_denied) <= first.size() + last.size(),
+         "no more is counted than there is");
+    must(get_file("tmp/logging_0.txt") == first, "reading changes nothing");
+    return 0;
+}
