@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Ends, or fails, every system call of whole edits and prunes, and looks at what is left.
+"""Ends at, or fails, every system call of whole edits and prunes, and looks at what is left.
 
     every_system_call.py GATESCOPE [--sample RUNS] [--only EDIT] [--jobs N]
 
 Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
-there is one run that is killed when it gets there, and for calls that touch files one run for
-each error that they can meet. With --sample only about that many runs, evenly spread, take place.
+there is one run that is killed when it gets there, one that is sent a signal that it can clean up
+after, and for calls that touch files one run for each error that they can meet. With --sample only about that many runs, evenly spread, take place.
 """
 
 import argparse
@@ -34,6 +34,8 @@ ERRORS = {
 }
 
 STATUS_OF_A_DONE_EDIT = 110
+# What a disturbance does.
+KILL, SIGNAL, FAIL = "kill", "signal", "fail"
 # Tells ctest that there was nothing to test with.
 SKIPPED = 77
 
@@ -298,10 +300,12 @@ def calls_of(trace):
 
 
 def disturbances(calls):
-    """Every way to disturb one call: (injection, was it a kill, what was disturbed)."""
+    """Every way to disturb one call: (injection, what it does, what was disturbed)."""
     loaded = 0
-    for name, number, line in calls:
-        yield "%s:signal=SIGKILL:when=%d" % (name, number), True, line
+    for at, (name, number, line) in enumerate(calls):
+        yield "%s:signal=SIGKILL:when=%d" % (name, number), KILL, line
+        gentle = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
+        yield "%s:signal=%s:when=%d" % (name, gentle, number), SIGNAL, line
         # Before the gatebits file is loaded the operator is still asked which file to use. The
         # messages themselves are written to descriptor 1.
         loaded += "gatebits.txt" in line
@@ -309,10 +313,10 @@ def disturbances(calls):
         if loaded < 2 or line.startswith("write(1,") or '"/bin/true"' in line:
             continue
         for error in ERRORS.get(name, []):
-            yield "%s:error=%s:when=%d" % (name, error, number), False, line
+            yield "%s:error=%s:when=%d" % (name, error, number), FAIL, line
 
 
-def disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line):
+def disturbed(gatescope, name, edit, expected, stages, injection, kind, line):
     """What is wrong after one disturbed run; None when nothing is."""
     stage = stages.pop()
     try:
@@ -320,16 +324,19 @@ def disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line)
         old = edit.state(stage)
         new = expected(stage)
         run = Run(gatescope, edit, stage, injection)
-        if run.status < 0 and run.status != -9:
+        if run.status < 0 and kind == FAIL:
             fault = "it ended by signal %d" % -run.status
-        elif is_kill:
-            fault = edit.fault_after_kill(stage, old, new, gatescope) if run.status == -9 else None
-        else:
+        elif kind == FAIL:
             fault = edit.fault_after_error(stage, old, new, run, gatescope)
-            left = edit.leftovers(stage)
-            # What cannot be removed stays.
-            if not fault and left and not injection.startswith("unlink:"):
-                fault = "left behind: %s" % left
+        elif run.status < 0:
+            fault = edit.fault_after_kill(stage, old, new, gatescope)
+        else:
+            # It came too late, or a call was not repeated exactly.
+            fault = None if run.status == STATUS_OF_A_DONE_EDIT else "it did not end by the signal"
+        # What is killed leaves something behind, and what cannot be removed stays.
+        left = edit.leftovers(stage)
+        if not fault and left and kind != KILL and not injection.startswith("unlink:error"):
+            fault = "left behind: %s" % left
         if fault:
             return "%s, %s at %s\n    %s\n    status %d, said %r" % (
                 name, injection, line, fault, run.status, run.said)
@@ -388,8 +395,8 @@ def main():
             work = work[step // 2::step]
 
         def do(item):
-            name, edit, expected, injection, is_kill, line = item
-            return disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line)
+            name, edit, expected, injection, kind, line = item
+            return disturbed(gatescope, name, edit, expected, stages, injection, kind, line)
 
         begin = time.time()
         with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
