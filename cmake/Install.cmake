@@ -9,14 +9,15 @@ set(GATESCOPE_EXAMPLES_DIR ${CMAKE_INSTALL_DOCDIR}/examples)
 set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
-# Directories that installing makes are written down before it begins: uninstalling removes these,
-# once they are empty, and none that stood there before.
+# The directories are made first, and those that were not there are written down: uninstalling
+# removes these, once they are empty, and none that stood there before.
 set(GATESCOPE_RECORD_DIR ${PROJECT_BINARY_DIR}/installed)
 install(CODE "
   set(default_record \"${GATESCOPE_RECORD_DIR}\")
   set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5
-    ${GATESCOPE_COMPLETION_DIR} ${CMAKE_INSTALL_DOCDIR}/pictures ${GATESCOPE_EXAMPLES_DIR}/systemd)")
-install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/record_directories.cmake)
+    ${GATESCOPE_COMPLETION_DIR} ${CMAKE_INSTALL_DOCDIR}/docs/pictures
+    ${GATESCOPE_EXAMPLES_DIR}/systemd)")
+install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/make_directories.cmake)
 
 install(TARGETS gatescope RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
@@ -25,7 +26,8 @@ install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope-files.5
 install(FILES ${PROJECT_BINARY_DIR}/completion/gatescope DESTINATION ${GATESCOPE_COMPLETION_DIR})
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}
+# In the same places beside each other as in the sources, so that their links lead somewhere.
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png
         PATTERN manual EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPLES_DIR})

@@ -30,6 +30,7 @@ std::vector<std::string> command_keys() {
 
 std::string key_list(const std::vector<std::string>& keys) {
     std::vector<std::string> entries;
+    entries.reserve(keys.size());
     for (const std::string& key : keys) {
         entries.push_back(filled(KEY_ENTRY, static_cast<int>(entries.size()),
                                  key.substr(0, LISTED_CHARACTERS).c_str()));

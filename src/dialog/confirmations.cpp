@@ -191,7 +191,7 @@ void report(const std::string& text) {
 }  // namespace
 
 std::string cut_for_dialog(const std::string& value) {
-    const std::string text(c_text(value));
+    std::string text(c_text(value));
     if (text.size() < SHOWN_CHARACTERS) return text;
     return text.substr(0, SHOWN_CHARACTERS) + CUT_MARK;
 }

@@ -42,7 +42,7 @@ char kind_by_tenths(const char (&kinds)[11]) {
 /// By the age of the record: a parent policy and many denials at first, hardly any at the end.
 char drawn_kind(std::int64_t time) {
     const std::int64_t border_40 = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY / 3;
-    const std::int64_t border_80 = end_of_day_time - QUERY_DAYS * 2 * SECONDS_A_DAY / 3;
+    const std::int64_t border_80 = end_of_day_time - 2 * SECONDS_A_DAY * QUERY_DAYS / 3;
     if (time >= border_40) return kind_of_the_last_40_days();
     return time < border_80 ? kind_by_tenths("PSSDDDDBBB") : kind_by_tenths("PSSSSSDDBB");
 }

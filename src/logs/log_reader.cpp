@@ -17,7 +17,7 @@
 namespace {
 
 /// Small enough to stay in the processor's cache between reading and looking.
-constexpr std::size_t READ_SIZE = 128 * 1024;
+constexpr std::size_t READ_SIZE = std::size_t{128} * 1024;
 
 /// Where the words that are known to be whole end: behind the last white space, or behind the
 /// last full piece of a word that is longer than WORD_LIMIT.

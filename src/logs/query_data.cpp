@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "dialog/messages.h"
+#include "logs/canonical_records.h"
 #include "logs/log_reader.h"
 #include "logs/record_rule.h"
 #include "main/filled.h"
@@ -83,24 +84,15 @@ RecordQuery record_query(int query) {
     return asked;
 }
 
-void count_words(const RecordQuery& query, std::string_view piece, RecordTally* tally) {
-    const char* at = piece.data();
-    const char* end = at + piece.size();
-    while (true) {
-        const std::string_view word = next_word(&at, end);
-        if (word.empty()) return;
-        count_word(query, word, tally);
-    }
-}
-
 RecordTally read_logs(const RecordQuery& query) {
     RecordTally tally;
+    const CanonicalQuery canonical(query);
     LogReader reader;
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
         const std::string path = log_file_path(number);
         if (!open_log_stream(path)) continue;
         reader.start(fileno(LOGGING_STREAM), path);
-        for (std::string_view piece; reader.next(&piece);) count_words(query, piece, &tally);
+        for (std::string_view piece; reader.next(&piece);) canonical.count(piece, &tally);
         close_log_stream();
     }
     return tally;

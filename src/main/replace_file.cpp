@@ -25,7 +25,7 @@ enum Outcome { REPLACED, NOT_POSSIBLE_HERE };
 /// The file that `path` names in the end, links followed; `path` itself when it names none.
 std::string target_of(const std::string& path) {
     char* resolved = realpath(path.c_str(), nullptr);
-    const std::string target = resolved != nullptr ? resolved : path;
+    std::string target = resolved != nullptr ? resolved : path;
     std::free(resolved);
     return target;
 }

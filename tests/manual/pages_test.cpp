@@ -102,12 +102,14 @@ TEST(ManualPage, ShowsInItsSynopsisWhatIsNotHidden) {
     const Lines synopsis = section("gatescope.1", "SYNOPSIS");
     std::string all;
     for (const std::string& line : synopsis) all += line + " ";
+    Names known;
     for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+        known.emplace(argument.spelling);
         if (argument.hidden) continue;
         EXPECT_NE(all.find(argument.spelling), std::string::npos) << argument.spelling;
     }
     for (std::smatch match; std::regex_search(all, match, std::regex("(-[a-z_]+|[A-Z]=)"));) {
-        EXPECT_TRUE(is_known_argument(match.str())) << match.str();
+        EXPECT_EQ(known.count(match.str()), 1u) << match.str();
         all = match.suffix();
     }
 }

@@ -21,14 +21,17 @@ contents >"$work/before"
 prefix=$root/opt/tools
 for file in bin/gatescope share/man/man1/gatescope.1 share/man/man5/gatescope-files.5 \
     share/bash-completion/completions/gatescope share/doc/gatescope/README.md \
-    share/doc/gatescope/CHANGELOG.md share/doc/gatescope/architecture.md \
-    share/doc/gatescope/scheduled-jobs.md share/doc/gatescope/examples/gatebits.txt \
+    share/doc/gatescope/CHANGELOG.md share/doc/gatescope/docs/architecture.md \
+    share/doc/gatescope/docs/scheduled-jobs.md share/doc/gatescope/examples/gatebits.txt \
     share/doc/gatescope/examples/gatescope.cron \
     share/doc/gatescope/examples/systemd/gatescope-report.service \
     share/doc/gatescope/examples/systemd/gatescope-report.timer; do
     [ -s "$prefix/$file" ] || fail "$file was not installed"
 done
 [ -x "$prefix/bin/gatescope" ] || fail "the program cannot be executed"
+for link in $(grep -oE '\]\([^):]+\)' "$prefix/share/doc/gatescope/README.md" | tr -d ']()'); do
+    [ -e "$prefix/share/doc/gatescope/$link" ] || fail "the README leads to $link, which is not there"
+done
 closed=$(find "$prefix/share/doc/gatescope" "$prefix/share/bash-completion" ! -perm -044)
 [ -z "$closed" ] || fail "not readable for all: $closed"
 extra=$(find "$prefix" \( -name '*clearprompt*' -o -name 'fill_templates*' -o -name '*.in' \))

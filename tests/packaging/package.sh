@@ -4,7 +4,7 @@
 . "$(dirname "$0")/common.sh"
 needs dpkg dpkg-deb dpkg-shlibdeps gzip
 
-cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/made" >"$work/cpack.log" 2>&1 ||
+(umask 077 && cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/made" >"$work/cpack.log" 2>&1) ||
     fail "cpack: $(cat "$work/cpack.log")"
 set -- "$work"/made/*.deb
 [ $# -eq 1 ] && [ -s "$1" ] || fail "not one package: $*"
@@ -15,6 +15,9 @@ field() {
 }
 field Depends | grep -q 'libc6 (>=' || fail "it depends on no C library: $(field Depends)"
 field Maintainer | grep -q '<.*@.*>' || fail "it has no maintainer: $(field Maintainer)"
+
+closed=$(dpkg-deb --contents "$package" | grep -vE '^(drwxr-xr-x|-rw-r--r--|-rwxr-xr-x) ' || true)
+[ -z "$closed" ] || fail "not open for all: $closed"
 
 dpkg-deb --extract "$package" "$work/files"
 program=$work/files/usr/bin/gatescope

@@ -27,8 +27,8 @@ const std::vector<Floor> EXCEPTIONS = {
     {2, "dialog", {"messages", "clearprompt"}},
     {2,
      "main",
-     {"process_end", "temporary_files", "child", "filled", "answer_file", "replace_file",
-      "file_identity", "signals"}}};
+     {"process_end", "signals", "temporary_files", "child", "filled", "answer_file", "replace_file",
+      "file_identity"}}};
 const std::vector<Floor> FOLDERS = {{7, "actions", {}}, {7, "queries", {}}, {6, "report", {}},
                                     {5, "policy", {}},  {5, "logs", {}},    {4, "dialog", {}},
                                     {3, "main", {}},    {1, "messages", {}}};

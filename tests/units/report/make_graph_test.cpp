@@ -182,6 +182,12 @@ TEST_F(MakeGraph, ABrowserThatFailsAtOnceIsReportedWithTheRawStatus) {
                   directory.path("my browser") + "...\n");
 }
 
+TEST_F(MakeGraph, AFileThatCannotBeRunCountsAsABrowser) {
+    GS_VAR[UNIX_BROWSER] = ENTERPRIZE_PERMISSION_FILE;
+    EXPECT_THAT(said_by_make_graph(1), HasSubstr("Warning: return code=32256 returned from " +
+                                                 ENTERPRIZE_PERMISSION_FILE + "...\n"));
+}
+
 TEST_F(MakeGraph, TheStatusOfABrowserThatWasUsedIsIgnored) {
     directory.write_program("used", "sleep 3\nexit 3\n");
     GS_VAR[UNIX_BROWSER] = directory.path("used");

@@ -1,0 +1,27 @@
+# Part of the installation: makes the directories "folders" (relative to the prefix, or absolute)
+# with all above them, open to everybody whatever the umask, and writes down in
+# <record>/directories.txt which of them were not there.
+
+include(${CMAKE_CURRENT_LIST_DIR}/record.cmake)
+if(recording)
+  file(MAKE_DIRECTORY ${record})
+endif()
+
+foreach(folder IN LISTS folders)
+  if(NOT IS_ABSOLUTE "${folder}")
+    set(folder "${CMAKE_INSTALL_PREFIX}/${folder}")
+  endif()
+  set(folder "$ENV{DESTDIR}${folder}")
+  set(missing "")
+  while(NOT EXISTS "${folder}")
+    list(PREPEND missing "${folder}")
+    get_filename_component(folder "${folder}" DIRECTORY)
+  endwhile()
+  foreach(directory IN LISTS missing)
+    file(MAKE_DIRECTORY "${directory}")
+    file(CHMOD "${directory}" PERMISSIONS ${CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
+    if(recording)
+      file(APPEND ${record}/directories.txt "${directory}\n")
+    endif()
+  endforeach()
+endforeach()

@@ -1,0 +1,144 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+// How the fast paths of the queries and of the pruner look at log bytes: 16 or 64 at a time. What
+// they find is exact; what it means is for them to say. Every function may read READER_MARGIN
+// bytes behind what it is asked about.
+
+#define ALWAYS_INLINE [[gnu::always_inline]] inline
+
+template <class Number>
+ALWAYS_INLINE Number little_endian(const char* at) {
+    Number number;
+    std::memcpy(&number, at, sizeof number);
+    if constexpr (std::endian::native == std::endian::big) {
+        if constexpr (sizeof number == 8) return __builtin_bswap64(number);
+        if constexpr (sizeof number == 4) return __builtin_bswap32(number);
+    }
+    return number;
+}
+
+/// Bytes in which word ends are looked for at a time, and the bytes that are looked at at once.
+constexpr std::size_t SLICE = 4096;
+constexpr std::size_t BLOCK = 64;
+/// One for each byte of a slice, and a few that are written but never read.
+using WordEnds = std::array<std::uint32_t, SLICE + 4>;
+
+constexpr std::size_t TIME_DIGITS = 10;
+/// "1794787199:D:" comes before the user.
+constexpr std::size_t HEAD_SIZE = 13;
+
+#if defined(__SSE2__)
+
+ALWAYS_INLINE __m128i sixteen(const char* at) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
+}
+
+ALWAYS_INLINE unsigned bits(__m128i lanes) {
+    return static_cast<unsigned>(_mm_movemask_epi8(lanes));
+}
+
+/// One bit for each of the BLOCK bytes that is no greater than a blank.
+ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
+    const __m128i blank = _mm_set1_epi8(' ');
+    std::uint64_t all = 0;
+#pragma GCC unroll 4
+    for (unsigned i = 0; i < BLOCK; i += 16) {
+        const __m128i text = sixteen(at + i);
+        const std::uint64_t some = bits(_mm_cmpeq_epi8(_mm_min_epu8(text, blank), text));
+        all |= some << i;
+    }
+    return all;
+}
+
+/// Whether ten digits, a colon, anything and a colon stand here.
+ALWAYS_INLINE bool has_canonical_head(const char* at) {
+    const __m128i lowest =
+        _mm_setr_epi8('0', '0', '0', '0', '0', '0', '0', '0', '0', '0', ':', 0, ':', 0, 0, 0);
+    const __m128i span = _mm_setr_epi8(9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 0, -1, 0, -1, -1, -1);
+    const __m128i above = _mm_sub_epi8(sixteen(at), lowest);
+    return bits(_mm_cmpeq_epi8(_mm_min_epu8(above, span), above)) == 0xFFFF;
+}
+
+#else
+
+ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
+    std::uint64_t all = 0;
+    for (unsigned i = 0; i < BLOCK; ++i) {
+        const std::uint64_t is_end = static_cast<std::uint8_t>(at[i]) <= ' ';
+        all |= is_end << i;
+    }
+    return all;
+}
+
+ALWAYS_INLINE bool has_canonical_head(const char* at) {
+    return std::all_of(at, at + TIME_DIGITS, [](char c) { return c >= '0' && c <= '9'; }) &&
+           at[HEAD_SIZE - 3] == ':' && at[HEAD_SIZE - 1] == ':';
+}
+
+#endif
+
+/// The place of the lowest bit; of no use, but no harm either, without one.
+ALWAYS_INLINE std::uint32_t lowest_bit(std::uint64_t number) {
+    constexpr std::uint64_t TOP = std::uint64_t{1} << 63;
+    return static_cast<std::uint32_t>(std::countr_zero(number | TOP));
+}
+
+/// Summed up in ever wider groups: a processor that may be of any make has no instruction for it.
+ALWAYS_INLINE std::ptrdiff_t number_of_bits(std::uint64_t number) {
+#ifdef __POPCNT__
+    return std::popcount(number);
+#endif
+    number -= number >> 1 & 0x5555555555555555;
+    number = (number & 0x3333333333333333) + (number >> 2 & 0x3333333333333333);
+    number = (number + (number >> 4)) & 0x0F0F0F0F0F0F0F0F;
+    return static_cast<std::ptrdiff_t>(number * 0x0101010101010101 >> 56);
+}
+
+/// Finds all bytes up to a blank in `slice`, which is no larger than SLICE and behind which BLOCK
+/// bytes may be read: every word ends at one, but a control character ends none. Sets `*ends` to
+/// their places in the slice and returns how many there are.
+ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, WordEnds* ends) {
+    std::uint32_t* next = ends->data();
+    for (std::size_t place = 0; place < size; place += BLOCK) {
+        std::uint64_t found = end_bits(slice + place);
+        if (size - place < BLOCK) found &= (std::uint64_t{1} << (size - place)) - 1;
+        std::uint32_t* const behind = next + number_of_bits(found);
+        // Records being as long as they are, four are nearly always enough: storing them without
+        // a look at how many there are is quicker than a loop whose end nobody can foresee.
+#pragma GCC unroll 4
+        for (int i = 0; i < 4; ++i) {
+            next[i] = static_cast<std::uint32_t>(place) + lowest_bit(found);
+            found &= found - 1;
+        }
+        for (next += 4; found != 0; found &= found - 1) {
+            *next++ = static_cast<std::uint32_t>(place) +
+                      static_cast<std::uint32_t>(std::countr_zero(found));
+        }
+        next = behind;
+    }
+    return static_cast<std::size_t>(next - ends->data());
+}
+
+/// The number that eight digits make, two, four and eight at a time.
+ALWAYS_INLINE std::uint64_t eight_digits(const char* at) {
+    std::uint64_t number = little_endian<std::uint64_t>(at) & 0x0F0F0F0F0F0F0F0F;
+    number = number * 10 + (number >> 8);
+    return ((number & 0x000000FF000000FF) * 0x000F424000000064 +
+            (number >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
+           32;
+}
+
+ALWAYS_INLINE std::int64_t ten_digits(const char* at) {
+    const int low = (at[8] & 15) * 10 + (at[9] & 15);
+    return static_cast<std::int64_t>(eight_digits(at) * 100) + low;
+}

@@ -1,0 +1,493 @@
+// The six queries, each asked and given, from the menu and from the command line.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ctime>
+
+#include "scenes/region.h"
+
+namespace {
+
+const std::string BIT_LIST =
+    "* - <ALL BITS>,"
+    "00 - BIT__AUTO_BRANCH_REMOVAL,"
+    "01 - BIT__CHOWN_VOB_OWNER,"
+    "02 - BIT__EVIL_TWIN,"
+    "03 - BIT__ONE_CO_PER_BRANCH,"
+    "04 - BIT__CHECK_BRANCH_LABEL_NAMES,"
+    "05 - BIT__VOB_OWNER_CI_MAIN,"
+    "06 - BIT__RECURSIVE_CI_CO_UNCO,"
+    "07 - BIT__CHECK_MAGIC_PATH,"
+    "08 - BIT__NO_SPACES_IN_ELEMENT_NAMES,"
+    "09 - BIT__NO_MULTIPLE_MERGES,"
+    "10 - BIT__SMART_CHECKIN,"
+    "11 - BIT__CASE_CHECKING,"
+    "12 - BIT__ATOMIC_CHANGE,"
+    "13 - BIT__REQUIRE_EXTENSION,"
+    "14 - BIT__NOTIFY_PARENT_CHANGE_ON_CO,"
+    "15 - BIT__NOTIFY_PARENT_CHANGE_ON_CI,"
+    "16 - BIT__PREVENT_DATA_LOSS,"
+    "17 - BIT__AUTO_EXEC_BIT,"
+    "18 - BIT__PREVENT_CORE_ELEMENTS,"
+    "19 - BIT__AUTO_DIRECTORY_PROTECT,"
+    "20 - BIT__AUTO_CONTRIB_REMOVAL,"
+    "21 - BIT__WARN_LOST_AND_FOUND,"
+    "22 - BIT__OWN_LIKE_PARENT_DIR,"
+    "23 - BIT__FORCE_CHECKOUTS_UNRESERVED";
+
+const std::string COMMAND_LIST =
+    "*,chbl,checkin,checkout,chevent,chfolder,chmaster,chproject,chtype,lock,lnname,mkattr,"
+    "mkbranch,mkcomp,mkelem,mkfolder,mkhlink,mklabel,mkproject,mkslink,mktype,mktrigger,modtype,"
+    "protect,reserve,rmattr,rmbl,rmbranch,rmcomp,rmelem,rmfolder,rmhlink,rmlabel,rmname,rmproject,"
+    "rmtrigger,rmtype,rmver,rntype,uncheckout,unlock,unreserve,rebase_start,rebase_cancel,"
+    "rebase_complete,mkactivity,setactivity,chactivity,rmactivity,mkstream,chstream,rmstream,mkbl,"
+    "mkbl_complete,setactivity_none";
+
+const Dialog COMMAND_DIALOG =
+    listed("Select triggerable command to display usage for...", COMMAND_LIST);
+const Dialog BIT_DIALOG = listed("Select Functionility Bit to display usage for...", BIT_LIST);
+// The quotes around the star meet those that the text itself is put into, and vanish.
+const Dialog USER_DIALOG = prompted("Input user to display usage for or * for all users:", "*");
+const Dialog KEY_DIALOG =
+    prompted("Input Command Key Number to display denials for (* for all keys):", "*");
+const Dialog CPD_DIALOG = prompted("Input CPD Number to display denials for (* for all CPD):", "*");
+
+/// Records of today: what each query counts, and what it does not.
+std::string records() {
+    const std::string now = std::to_string(std::time(nullptr));
+    std::string text;
+    for (const char* rest :
+         {":S:ann[2]-<->", ":S:ann[3]-<->", ":D:ann[2]K<1>", ":D:bob[2]K<1>", ":D:bob[2]C<7>",
+          ":B:ann[2]-<5>", ":B:bob[2]-<5>", ":B:bob[3]-<6>", ":P:ann[2]a<->", ":P:bob[2]d<->"}) {
+        text += now + rest + "\n";
+    }
+    return text;
+}
+
+RegionPlan a_region_with_records() {
+    return a_region().with_key("key 0;").with_key("key 1;").with_log(0, records());
+}
+
+std::string heading_of(const std::string& page) {
+    const std::size_t begin = page.find("<h1>") + 4;
+    return page.substr(begin, page.find(" for the last 120 days.</h1>") - begin);
+}
+
+bool holds(const std::string& text, const std::string& part) {
+    return text.find(part) != std::string::npos;
+}
+
+struct QueryCase {
+    const char* name;
+    Args args;
+    std::string heading;
+};
+
+// Every parameter given: nothing is asked, and the run ends by itself.
+
+class GivenQuery : public testing::TestWithParam<QueryCase> {};
+
+TEST_P(GivenQuery, AsksNothingAndWritesItsPage) {
+    Region east = a_region_with_records().with_env("ZUL_GATESCOPE_BROWSER", "{stage}/bin/browser");
+    Args args = GetParam().args;
+    args.insert(args.end(), {"D=n", "R=n"});
+    const Result result = east.run(args);
+    EXPECT_EQ(result.status, 110);
+    EXPECT_TRUE(result.calls.empty());
+    ASSERT_EQ(east.pages().size(), 1u);
+    EXPECT_TRUE(
+        east.pages().front().ends_with("_Q0" + GetParam().args.front().substr(2) + ".html"));
+    EXPECT_EQ(heading_of(east.page()), GetParam().heading);
+    EXPECT_EQ(result.out, "\n\nGatescope query completed and html page\n(" +
+                              east.path("depot/query_results/" + east.pages().front()) +
+                              ")\nwas built and stored for the region (east).\n\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Queries, GivenQuery,
+    testing::Values(
+        QueryCase{"Q1",
+                  {"Q=1", "C=checkin", "U=Ann"},
+                  "ClearCase command success/denied usage for:<br><dd>the (checkin) command for "
+                  "the user (ann)"},
+        QueryCase{"Q1All",
+                  {"Q=1", "C=*", "U=*"},
+                  "ClearCase command success/denied usage for:<br>(all) commands for (all) users"},
+        QueryCase{"Q2",
+                  {"Q=2", "B=5", "U=ann"},
+                  "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for "
+                  "the user (ann)"},
+        QueryCase{"Q2All",
+                  {"Q=2", "B=*", "U=*"},
+                  "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users"},
+        QueryCase{"Q3",
+                  {"Q=3", "K=1", "U=ann", "C=checkin"},
+                  "ClearCase Comand Key usage for:<br>key #1 for the user (ann) for the (checkin)"},
+        QueryCase{"Q3All",
+                  {"Q=3", "K=*", "U=*", "C=*"},
+                  "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) "
+                  "commands"},
+        QueryCase{
+            "Q4",
+            {"Q=4", "U=ann"},
+            "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (ann)"},
+        QueryCase{"Q5",
+                  {"Q=5", "U=*", "C=checkin"},
+                  "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for the "
+                  "(checkin)"},
+        QueryCase{"Q6",
+                  {"Q=6", "C=checkin", "U=bob"},
+                  "ClearCase command allowed/denied by parent policy for:<br><dd>the (checkin) "
+                  "command for the user (bob)"},
+        QueryCase{"Q6All",
+                  {"Q=6", "C=*", "U=*"},
+                  "ClearCase command allowed/denied by parent policy for:<br>(all) commands for "
+                  "(all) users"}),
+    [](const testing::TestParamInfo<QueryCase>& row) { return row.param.name; });
+
+TEST(Queries, TheLiteEditionHasItsOwnTitles) {
+    const QueryCase cases[] = {
+        {"",
+         {"Q=3", "K=7", "U=*", "C=*"},
+         "ClearCase CPD usage for:<br>CPD #7 for (all) users for (all) commands"},
+        {"",
+         {"Q=3", "K=*", "U=*", "C=*"},
+         "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands"},
+        {"",
+         {"Q=5", "U=*", "C=*"},
+         "ClearCase CPD vs. CPD usage for:<br>(all) CPDs for (all) users for (all) commands"}};
+    for (const QueryCase& lite : cases) {
+        Region east = a_region_with_records().lite().without_dialogs();
+        Args args = lite.args;
+        args.insert(args.end(), {"D=n", "R=n"});
+        EXPECT_EQ(east.run(args).status, 110);
+        EXPECT_EQ(heading_of(east.page()), lite.heading);
+    }
+}
+
+// Nothing given: the operator is asked for each parameter in turn.
+
+TEST(Queries, OneAsksForCommandAndUser) {
+    Region east = a_region_with_records();
+    east.operator_picks("checkin").types("Ann");
+    const Result result = east.run({"Q=1", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{COMMAND_DIALOG, USER_DIALOG}));
+    EXPECT_EQ(heading_of(east.page()),
+              "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the "
+              "user (Ann)");
+}
+
+TEST(Queries, TwoAsksForBitAndUser) {
+    Region east = a_region_with_records();
+    east.operator_picks("05 - BIT__VOB_OWNER_CI_MAIN").types("*");
+    const Result result = east.run({"Q=2", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{BIT_DIALOG, USER_DIALOG}));
+    EXPECT_EQ(heading_of(east.page()),
+              "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for (all) "
+              "users");
+}
+
+TEST(Queries, TwoTakesAllBits) {
+    Region east = a_region_with_records();
+    east.operator_picks("* - <ALL BITS>").types("*");
+    EXPECT_EQ(east.run({"Q=2", "D=n", "R=n"}).status, 110);
+    EXPECT_EQ(heading_of(east.page()),
+              "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users");
+}
+
+TEST(Queries, ThreeAsksForKeyUserAndCommand) {
+    Region east = a_region_with_records();
+    east.types("1").types("*").operator_picks("*");
+    const Result result = east.run({"Q=3", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{KEY_DIALOG, USER_DIALOG, COMMAND_DIALOG}));
+    EXPECT_EQ(heading_of(east.page()),
+              "ClearCase Comand Key usage for:<br>key #1 for (all) users for (all) commands");
+}
+
+TEST(Queries, ThreeAsksForACpdInTheLiteEdition) {
+    Region east = a_region_with_records().lite();
+    east.types("*").types("*").operator_picks("*");
+    EXPECT_EQ(east.run({"Q=3", "D=n", "R=n"}).dialogs(),
+              (Dialogs{CPD_DIALOG, USER_DIALOG, COMMAND_DIALOG}));
+}
+
+TEST(Queries, FourAsksForTheUser) {
+    Region east = a_region_with_records();
+    east.types("bob");
+    const Result result = east.run({"Q=4", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), Dialogs{USER_DIALOG});
+}
+
+TEST(Queries, FiveAsksForUserAndCommand) {
+    Region east = a_region_with_records();
+    east.types("*").operator_picks("*");
+    const Result result = east.run({"Q=5", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{USER_DIALOG, COMMAND_DIALOG}));
+}
+
+TEST(Queries, SixAsksForCommandAndUser) {
+    Region east = a_region_with_records();
+    east.operator_picks("setactivity_none").types("*");
+    const Result result = east.run({"Q=6", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{COMMAND_DIALOG, USER_DIALOG}));
+}
+
+TEST(Queries, OnlyWhatIsMissingIsAsked) {
+    Region east = a_region_with_records();
+    east.types("*");
+    EXPECT_EQ(east.run({"Q=1", "C=checkin", "D=n", "R=n"}).dialogs(), Dialogs{USER_DIALOG});
+    east.operator_picks("*");
+    EXPECT_EQ(east.run({"Q=3", "K=*", "U=*", "D=n", "R=n"}).dialogs(), Dialogs{COMMAND_DIALOG});
+}
+
+TEST(Queries, AnEmptyAnswerIsAskedForAgain) {
+    Region east = a_region_with_records();
+    east.answers({.kind = "list", .outfile = ""}).operator_picks("*").types("  ").types("*");
+    EXPECT_EQ(east.run({"Q=1", "D=n", "R=n"}).dialogs(),
+              (Dialogs{COMMAND_DIALOG, COMMAND_DIALOG, USER_DIALOG, USER_DIALOG}));
+}
+
+TEST(Queries, AKeyThatIsNoNumberIsAskedForAgain) {
+    Region east = a_region_with_records();
+    east.types("1a").types("-1").types("**").types("1 2").types("07").types("*").operator_picks(
+        "*");
+    const Result result = east.run({"Q=3", "D=n", "R=n"});
+    EXPECT_EQ(result.dialogs(), (Dialogs{KEY_DIALOG, KEY_DIALOG, KEY_DIALOG, KEY_DIALOG, KEY_DIALOG,
+                                         USER_DIALOG, COMMAND_DIALOG}));
+    EXPECT_TRUE(heading_of(east.page())
+                    .starts_with("ClearCase Comand Key usage for:<br>key #7 for (all) users"))
+        << heading_of(east.page());
+}
+
+// A cancel at each dialog.
+
+struct Cancel {
+    const char* query;
+    std::vector<ScriptedAnswer> before;
+};
+
+TEST(Queries, ACancelAtAnyDialogWritesNoPageAndReadsNoLog) {
+    const ScriptedAnswer command = {.kind = "list", .outfile = "checkin"};
+    const ScriptedAnswer bit = {.kind = "list", .outfile = "05 - BIT__VOB_OWNER_CI_MAIN"};
+    const ScriptedAnswer text = {.kind = "text", .outfile = "1"};
+    const std::vector<Cancel> cancels = {
+        {"Q=1", {}}, {"Q=1", {command}}, {"Q=2", {}},           {"Q=2", {bit}},
+        {"Q=3", {}}, {"Q=3", {text}},    {"Q=3", {text, text}}, {"Q=4", {}},
+        {"Q=5", {}}, {"Q=5", {text}},    {"Q=6", {}},           {"Q=6", {command}}};
+    for (const Cancel& cancel : cancels) {
+        // Reading a log that holds nothing would be reported.
+        Region east = a_region();
+        for (const ScriptedAnswer& answer : cancel.before) east.answers(answer);
+        east.cancels();
+        const Result result = east.run({cancel.query, "R=n"});
+        EXPECT_EQ(result.status, 110) << cancel.query;
+        EXPECT_EQ(result.dialogs().size(), cancel.before.size() + 1) << cancel.query;
+        EXPECT_TRUE(east.pages().empty()) << cancel.query;
+    }
+}
+
+// What is counted.
+
+TEST(Queries, TheBitFilterCountsItsRecordsOnly) {
+    Region east = a_region_with_records().without_dialogs();
+    east.run({"Q=4", "U=*", "D=n", "R=n"});
+    EXPECT_TRUE(holds(east.page(), "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"));
+    EXPECT_TRUE(holds(east.page(), "The BIT__RECURSIVE_CI_CO_UNCO bit was invoked once"));
+
+    Region west = a_region_with_records().without_dialogs();
+    west.run({"Q=4", "U=ANN", "D=n", "R=n"});
+    EXPECT_TRUE(holds(west.page(), "The BIT__VOB_OWNER_CI_MAIN bit was invoked once"));
+    EXPECT_TRUE(holds(west.page(), "The BIT__RECURSIVE_CI_CO_UNCO bit was not invoked"));
+}
+
+TEST(Queries, KeyDenialsAreThoseOfTheEdition) {
+    Region full = a_region_with_records().without_dialogs();
+    full.run({"Q=5", "U=*", "C=*", "D=n", "R=n"});
+    EXPECT_TRUE(holds(full.page(), "Key #1 was invoked 2 times"));
+    EXPECT_FALSE(holds(full.page(), "#7 was invoked"));
+
+    Region lite = a_region_with_records().lite().without_dialogs();
+    lite.run({"Q=5", "U=*", "C=*", "D=n", "R=n"});
+    EXPECT_TRUE(holds(lite.page(), "#7 was invoked once"));
+    EXPECT_FALSE(holds(lite.page(), "#1 was invoked"));
+}
+
+TEST(Queries, WithoutAnyRecordTheOperatorIsToldAndThePageDrawn) {
+    Region east = a_region();
+    const Result result = east.run({"Q=1", "C=*", "U=*", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), Dialogs{advised("There was no data to perform the query on.")});
+    EXPECT_EQ(east.pages().size(), 1u);
+}
+
+TEST(Queries, OldRecordsRaiseOneWarning) {
+    const long old = std::time(nullptr) - 200L * 86400;
+    std::string records;
+    for (int i = 0; i < 50; ++i) records += std::to_string(old + i) + ":S:ann[2]-<->\n";
+    Region east = a_region().with_log(3, records).without_dialogs();
+    const Result result = east.run({"Q=1", "C=*", "U=*", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_TRUE(result.out.starts_with("Warning:\n\nYou have log records from ")) << result.out;
+    EXPECT_EQ(result.out.find("consider pruning"), result.out.rfind("consider pruning"));
+    EXPECT_FALSE(holds(result.out, "There was no data"));
+}
+
+// From the menu, and again.
+
+TEST(Queries, TheMenuRunsThemAndComesUpAgain) {
+    Region east = a_region_with_records();
+    east.operator_picks("Q01 - Commands/Users (success/denied) over Time")
+        .operator_picks("*")
+        .types("*")
+        .operator_picks("Q04 - Bit vs. Bit (per user) usage over Time")
+        .types("*")
+        .cancels();
+    const Result result = east.run({"D=n"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.dialogs().size(), 6u);
+    EXPECT_EQ(east.pages().size(), 2u);
+}
+
+TEST(Queries, ARepeatedRunStopsAfterOnePassFromTheMenuToo) {
+    Region east = a_region_with_records();
+    east.operator_picks("Q04 - Bit vs. Bit (per user) usage over Time").types("*");
+    EXPECT_EQ(east.run({"D=n", "R=n"}).status, 110);
+}
+
+TEST(Queries, ParametersOfTheCommandLineStayForLaterQueries) {
+    Region east = a_region_with_records();
+    east.operator_picks("Q06 - Commands/Users (success/denied) over Time by parent policy")
+        .cancels();
+    const Result result = east.run({"Q=1", "C=checkin", "U=ann", "D=n"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.dialogs().size(), 2u);
+    EXPECT_EQ(east.pages().size(), 2u);
+}
+
+TEST(Queries, FiltersOfOneQueryDoNotReachTheNext) {
+    Region east = a_region_with_records();
+    east.operator_picks("Q04 - Bit vs. Bit (per user) usage over Time").cancels();
+    east.run({"Q=3", "K=1", "U=*", "C=rmelem", "D=n"});
+    ASSERT_EQ(east.pages().size(), 2u);
+    for (const std::string& name : east.pages()) {
+        if (!name.ends_with("_Q04.html")) continue;
+        // The command filter of the first query would leave nothing to count.
+        EXPECT_TRUE(holds(east.file("depot/query_results/" + name),
+                          "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"));
+    }
+}
+
+TEST(Queries, AQueryNumberEndsAtItsFirstLetter) {
+    Region east = a_region_with_records().without_dialogs();
+    EXPECT_EQ(east.run({"Q=2abc", "B=5", "U=*", "D=n", "R=n"}).status, 110);
+    EXPECT_TRUE(east.pages().at(0).ends_with("_Q02.html"));
+}
+
+TEST(Queries, ANeighbourOfTheCommandIsAcceptedAndTheFirstIsCounted) {
+    Region east = a_region_with_records().without_dialogs();
+    EXPECT_EQ(east.run({"Q=1", "C=checkin,checkout", "U=*", "D=n", "R=n"}).status, 110);
+    EXPECT_TRUE(holds(heading_of(east.page()), "the (checkin,checkout) command"));
+}
+
+TEST(Queries, TheInstallerHasNone) {
+    for (const char* query : {"Q=1", "Q=2", "Q=3", "Q=4", "Q=5", "Q=6"}) {
+        Region east = a_region_with_records();
+        const Result result = east.run({"-during_install", query, "R=n"});
+        EXPECT_EQ(result.status, 110);
+        EXPECT_EQ(result.dialogs(),
+                  Dialogs{advised_and_waited(
+                      "Query functions are not available during the installation process...")});
+        EXPECT_TRUE(east.pages().empty());
+    }
+}
+
+// The browser.
+
+TEST(Queries, APageIsShownInTheBrowserOfTheGatebitsFile) {
+    Region east = a_region_with_records();
+    const Result result = east.run({"Q=4", "U=*", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    const std::string page = east.pages().at(0);
+    EXPECT_EQ(result.dialogs(),
+              Dialogs{advised("Graph (" + page + ") built.. Displaying graph...")});
+    EXPECT_EQ(result.calls_of("browser"),
+              std::vector<Args>{{east.path("depot/query_results/" + page)}});
+    EXPECT_EQ(result.out, "");
+}
+
+TEST(Queries, ABrowserThatFailsAtOnceIsReportedWithItsRawStatus) {
+    Region east = a_region_with_records();
+    east.program_answers("browser", {.status = 3});
+    const Result result = east.run({"Q=4", "U=*", "R=n"});
+    ASSERT_EQ(result.dialogs().size(), 2u);
+    EXPECT_EQ(result.dialogs().at(1), advised("Warning: return code=768 returned from " +
+                                              east.path("bin/browser") + "..."));
+}
+
+TEST(Queries, AMissingBrowserIsReportedAndThePageStays) {
+    Region east = a_region_with_records().with_variable(2, "/no/such/browser").without_dialogs();
+    const Result result = east.run({"Q=4", "U=*", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.out, "Gatescope query completed and html page\n(" +
+                              east.path("depot/query_results/" + east.pages().at(0)) +
+                              ") was built, but Gatescope browser\n(/no/such/browser) for region "
+                              "(east)\nas defined in the gatebits file (" +
+                              east.gatebits_path() + ") does not exist\n");
+
+    Region west = a_region_with_records().with_variable(2, "").without_dialogs();
+    const std::string said = west.run({"Q=4", "U=*", "R=n"}).out;
+    EXPECT_EQ(said, "Gatescope query completed and html page\n(" +
+                        west.path("depot/query_results/" + west.pages().at(0)) +
+                        ")\nwas built, but there is no browser defined by either\nthe "
+                        "ZUL_GATESCOPE_BROWSER environmental variable or\nin the gatebits file (" +
+                        west.gatebits_path() + ")\nfor region (east)\n");
+}
+
+TEST(Queries, AnUnwritableResultsDirectoryIsFatal) {
+    Region east = a_region_with_records().with_variable(6, "/no/such/dir").without_dialogs();
+    const Result result = east.run({"Q=4", "U=*", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 99);
+    EXPECT_TRUE(result.out.starts_with("Could not create/open results file (/no/such/dir/"))
+        << result.out;
+}
+
+// Demo data.
+
+TEST(DemoData, FillsTheLastLogFileAndEndsWell) {
+    Region east = a_region().without_dialogs();
+    const Result result = east.run({"-data_gen"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_TRUE(
+        result.out.starts_with("Created 0 demo data entries\nCreated 100 demo data entries\n"));
+    EXPECT_TRUE(
+        result.out.ends_with("Created 49900 demo data entries\nCreated 50000 demo data entries\n"));
+    const std::string log = east.log(20);
+    EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 50000);
+    EXPECT_EQ(east.files_in("depot/log"), std::vector<std::string>{"logging_20.txt"});
+}
+
+TEST(DemoData, ASecondRunAppendsAsManyMore) {
+    Region east = a_region().without_dialogs();
+    east.run({"-data_gen"});
+    const std::string first = east.log(20);
+    east.run({"R=n", "-data_gen"});
+    const std::string both = east.log(20);
+    EXPECT_TRUE(both.starts_with(first));
+    EXPECT_EQ(std::count(both.begin(), both.end(), '\n'), 100000);
+}
+
+TEST(DemoData, AnUnwritableLogDirectoryIsFatal) {
+    Region east = a_region().with_variable(4, "/no/such/dir").without_dialogs();
+    const Result result = east.run({"-data_gen"});
+    EXPECT_EQ(result.status, 99);
+    EXPECT_EQ(result.out, "could not make needed logging_file\n");
+}
+
+}  // namespace

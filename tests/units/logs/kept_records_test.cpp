@@ -1,0 +1,104 @@
+#include "logs/kept_records.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <string>
+
+#include "logs/log_reader.h"
+#include "main/filled.h"
+#include "main/text.h"
+
+namespace {
+
+constexpr std::int64_t CUT_OFF = 1700000000;
+
+struct Kept {
+    std::string text;
+    std::int64_t total = 0;
+    std::int64_t removed = 0;
+    bool same_piece = false;
+};
+
+Kept kept_of(const std::string& text) {
+    const std::string with_margin = text + std::string(READER_MARGIN, '\n');
+    KeptRecords records(CUT_OFF);
+    const std::string_view piece(with_margin.data(), text.size());
+    const std::string_view kept = records.of(piece);
+    return {std::string(kept), records.total(), records.removed(), kept.data() == piece.data()};
+}
+
+/// Word by word.
+Kept kept_by_the_plain_rule(const std::string& text) {
+    Kept kept;
+    const char* at = text.data();
+    while (true) {
+        const std::string_view word = next_word(&at, text.data() + text.size());
+        if (word.empty()) break;
+        ++kept.total;
+        const std::string record(c_text(word));
+        if (leading_number(record.c_str()) >= CUT_OFF) {
+            kept.text += record + "\n";
+        } else {
+            ++kept.removed;
+        }
+    }
+    kept.same_piece = kept.text == text;
+    return kept;
+}
+
+TEST(KeptRecordsOf, KeepTheCutOffItself) {
+    const Kept kept = kept_of("1700000000:S:a[1]-<->\n1699999999:S:a[1]-<->\n");
+    EXPECT_EQ(kept.text, "1700000000:S:a[1]-<->\n");
+    EXPECT_EQ(kept.total, 2);
+    EXPECT_EQ(kept.removed, 1);
+}
+
+TEST(KeptRecordsOf, DropWordsWithoutANumber) {
+    const Kept kept = kept_of("rubbish :S:a[1]-<->\n1700000001\n");
+    EXPECT_EQ(kept.text, "1700000001\n");
+    EXPECT_EQ(kept.total, 3);
+    EXPECT_EQ(kept.removed, 2);
+}
+
+TEST(KeptRecordsOf, PutEachWordOnALineOfItsOwn) {
+    EXPECT_EQ(kept_of(" 1700000001:a\t1700000002:b\r\n\n1700000003:c").text,
+              "1700000001:a\n1700000002:b\n1700000003:c\n");
+}
+
+TEST(KeptRecordsOf, ArePieceItselfWhenNothingChanges) {
+    const std::string text = "1700000001:S:a[1]-<->\n1700000002:D:b[1]K<7>\n1800000000:odd\n";
+    EXPECT_TRUE(kept_of(text).same_piece);
+    EXPECT_EQ(kept_of(text).text, text);
+    EXPECT_FALSE(kept_of(text + "1").same_piece);
+}
+
+TEST(KeptRecordsOf, AgreeWithThePlainRule) {
+    std::mt19937 random(3);
+    const auto draw = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
+    const auto byte = [&] { return " \n\r\t\x01:[]<>-019aS!\xff\0"[draw(18)]; };
+    int unchanged = 0;
+    for (int round = 0; round < 20000; ++round) {
+        std::string text;
+        const unsigned kept_in_100 = draw(2) == 0 ? 100 : draw(101);
+        for (int line = 0; line < 60; ++line) {
+            text += std::to_string(CUT_OFF + (draw(100) < kept_in_100 ? 0 : -1) *
+                                                 static_cast<int>(1 + draw(5)));
+            text += ":S:user" + std::to_string(draw(1000)) + "[1]-<->\n";
+            if (draw(400) == 0) text.insert(draw(static_cast<unsigned>(text.size())), 1, byte());
+            if (draw(400) == 0) text.insert(text.size(), draw(600), byte());
+            if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
+        }
+        const Kept kept = kept_of(text);
+        const Kept plain = kept_by_the_plain_rule(text);
+        ASSERT_TRUE(kept.text == plain.text) << "round " << round;
+        ASSERT_EQ(kept.total, plain.total);
+        ASSERT_EQ(kept.removed, plain.removed);
+        ASSERT_EQ(kept.same_piece, plain.same_piece) << "round " << round;
+        unchanged += kept.same_piece;
+    }
+    EXPECT_GT(unchanged, 1000);
+    EXPECT_LT(unchanged, 19000);
+}
+
+}  // namespace
