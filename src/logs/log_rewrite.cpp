@@ -94,7 +94,7 @@ class NewText {
         begin();
         // An owner that cannot be carried over is noticed when the log is to be replaced.
         carry_over_identity(log, descriptor());
-        std::vector<char> buffer(128 * 1024);
+        std::vector<char> buffer(std::size_t{128} * 1024);
         for (off_t at = 0; at < size;) {
             const auto left = static_cast<std::size_t>(size - at);
             const ssize_t got = pread(log, buffer.data(), std::min(buffer.size(), left), at);
@@ -331,7 +331,7 @@ void Rewriting::copy_over_log() {
     if (log == -1 || fstat(log, &before) != 0) gripe_stopped(log_, "open", log_, errno);
     if (!open_log_stream(overwriting_)) gripe_stopped(log_, "open", overwriting_, errno);
     const int source = fileno(LOGGING_STREAM);
-    std::vector<char> buffer(128 * 1024);
+    std::vector<char> buffer(std::size_t{128} * 1024);
     off_t size = 0;
     while (true) {
         const ssize_t got = read(source, buffer.data(), buffer.size());
