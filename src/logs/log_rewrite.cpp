@@ -37,6 +37,8 @@ constexpr int BLIND_PATIENCE = 20;
 /// Only a writer that never pauses makes a second round necessary time and again; what it adds
 /// last is left for the next run.
 constexpr int MOST_ROUNDS = 20;
+/// The disk is set to work on a new text whenever so many bytes have come together.
+constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 
 [[noreturn]] void gripe_stopped(const std::string& log, const char* step, const std::string& path,
                                 int error) {
@@ -108,6 +110,12 @@ class NewText {
     void add(std::string_view text) {
         const int error = write_all(descriptor(), text);
         if (error != 0) gripe_stopped(log_, "write", path_, error);
+        size_ += static_cast<off_t>(text.size());
+        if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
+            // Only to make the sync shorter, so it may fail.
+            sync_file_range(descriptor(), on_its_way_, 0, SYNC_FILE_RANGE_WRITE);
+            on_its_way_ = size_;
+        }
     }
 
     /// Brings it to the disk and gives it the name that says that it is complete.
@@ -127,6 +135,9 @@ class NewText {
 
     std::string log_;
     std::string path_;
+    off_t size_ = 0;
+    /// The beginning that the system has been told to bring to the disk already.
+    off_t on_its_way_ = 0;
 };
 
 /// A file beside the log, and the number in its name.
