@@ -37,6 +37,8 @@ constexpr int BLIND_PATIENCE = 20;
 /// Only a writer that never pauses makes a second round necessary time and again; what it adds
 /// last is left for the next run.
 constexpr int MOST_ROUNDS = 20;
+/// Bytes copied at a time.
+constexpr std::size_t COPY_SIZE = 128UL * 1024;
 /// The disk is set to work on a new text whenever so many bytes have come together.
 constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 
@@ -79,7 +81,7 @@ class NewText {
   public:
     explicit NewText(const std::string& log) : log_(log), path_(scratch_beside(log)) {}
 
-    bool exists() const { return LOGGING_FILE_PRUNE_STREAM != nullptr; }
+    static bool exists() { return LOGGING_FILE_PRUNE_STREAM != nullptr; }
 
     /// Creates it.
     void begin() {
@@ -96,7 +98,7 @@ class NewText {
         begin();
         // An owner that cannot be carried over is noticed when the log is to be replaced.
         carry_over_identity(log, descriptor());
-        std::vector<char> buffer(128 * 1024);
+        std::vector<char> buffer(COPY_SIZE);
         for (off_t at = 0; at < size;) {
             const auto left = static_cast<std::size_t>(size - at);
             const ssize_t got = pread(log, buffer.data(), std::min(buffer.size(), left), at);
@@ -342,7 +344,7 @@ void Rewriting::copy_over_log() {
     if (log == -1 || fstat(log, &before) != 0) gripe_stopped(log_, "open", log_, errno);
     if (!open_log_stream(overwriting_)) gripe_stopped(log_, "open", overwriting_, errno);
     const int source = fileno(LOGGING_STREAM);
-    std::vector<char> buffer(128 * 1024);
+    std::vector<char> buffer(COPY_SIZE);
     off_t size = 0;
     while (true) {
         const ssize_t got = read(source, buffer.data(), buffer.size());

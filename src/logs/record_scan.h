@@ -74,7 +74,7 @@ ALWAYS_INLINE bool has_canonical_head(const char* at, std::int64_t* time) {
     const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(fours));
     const std::uint64_t eight = (both & 0xFFFFFFFF) * 10000 + (both >> 32);
     // And two, the first in the lower byte: ten times it, and the other, meet in the second byte.
-    const unsigned last = static_cast<unsigned>(_mm_extract_epi16(above, 4));
+    const auto last = static_cast<unsigned>(_mm_extract_epi16(above, 4));
     *time = static_cast<std::int64_t>(eight * 100 + (last * 0x0A01 >> 8 & 0xFF));
     return bits(_mm_cmpeq_epi8(_mm_min_epu8(above, span), above)) == 0xFFFF;
 }
