@@ -51,8 +51,8 @@ constexpr Codes letter_codes(std::string_view letters, std::uint8_t step) {
 constexpr Codes digit_codes(std::uint8_t step, char zero_too) {
     Codes codes = {};
     codes.fill(NOT_CANONICAL);
-    for (int digit = 0; digit < 10; ++digit) {
-        codes[static_cast<std::uint8_t>('0' + digit)] = static_cast<std::uint8_t>(digit * step);
+    for (std::uint8_t digit = 0; digit < 10; ++digit) {
+        codes[std::size_t{'0'} + digit] = static_cast<std::uint8_t>(digit * step);
     }
     codes[static_cast<std::uint8_t>(zero_too)] = 0;
     return codes;
@@ -167,8 +167,9 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     const unsigned units = code(UNITS, end - 2);
     const bool good_codes = ((kind | detail | tens | units) & NOT_CANONICAL) == 0;
 
-    const std::int64_t time = ten_digits(at);
-    if (!(static_cast<unsigned>(has_canonical_head(at)) & static_cast<unsigned>(good_tail) &
+    std::int64_t time;
+    const bool good_head = has_canonical_head(at, &time);
+    if (!(static_cast<unsigned>(good_head) & static_cast<unsigned>(good_tail) &
           static_cast<unsigned>(good_command) & static_cast<unsigned>(good_codes) &
           static_cast<unsigned>(wide_command <= 1))) [[unlikely]] {
         return false;

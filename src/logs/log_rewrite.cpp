@@ -37,6 +37,10 @@ constexpr int BLIND_PATIENCE = 20;
 /// Only a writer that never pauses makes a second round necessary time and again; what it adds
 /// last is left for the next run.
 constexpr int MOST_ROUNDS = 20;
+/// Bytes copied at a time.
+constexpr std::size_t COPY_SIZE = 128UL * 1024;
+/// The disk is set to work on a new text whenever so many bytes have come together.
+constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 
 [[noreturn]] void gripe_stopped(const std::string& log, const char* step, const std::string& path,
                                 int error) {
@@ -77,7 +81,7 @@ class NewText {
   public:
     explicit NewText(const std::string& log) : log_(log), path_(scratch_beside(log)) {}
 
-    bool exists() const { return LOGGING_FILE_PRUNE_STREAM != nullptr; }
+    static bool exists() { return LOGGING_FILE_PRUNE_STREAM != nullptr; }
 
     /// Creates it.
     void begin() {
@@ -94,7 +98,7 @@ class NewText {
         begin();
         // An owner that cannot be carried over is noticed when the log is to be replaced.
         carry_over_identity(log, descriptor());
-        std::vector<char> buffer(std::size_t{128} * 1024);
+        std::vector<char> buffer(COPY_SIZE);
         for (off_t at = 0; at < size;) {
             const auto left = static_cast<std::size_t>(size - at);
             const ssize_t got = pread(log, buffer.data(), std::min(buffer.size(), left), at);
@@ -108,6 +112,12 @@ class NewText {
     void add(std::string_view text) {
         const int error = write_all(descriptor(), text);
         if (error != 0) gripe_stopped(log_, "write", path_, error);
+        size_ += static_cast<off_t>(text.size());
+        if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
+            // Only to make the sync shorter, so it may fail.
+            sync_file_range(descriptor(), on_its_way_, 0, SYNC_FILE_RANGE_WRITE);
+            on_its_way_ = size_;
+        }
     }
 
     /// Brings it to the disk and gives it the name that says that it is complete.
@@ -127,6 +137,9 @@ class NewText {
 
     std::string log_;
     std::string path_;
+    off_t size_ = 0;
+    /// The beginning that the system has been told to bring to the disk already.
+    off_t on_its_way_ = 0;
 };
 
 /// A file beside the log, and the number in its name.
@@ -331,7 +344,7 @@ void Rewriting::copy_over_log() {
     if (log == -1 || fstat(log, &before) != 0) gripe_stopped(log_, "open", log_, errno);
     if (!open_log_stream(overwriting_)) gripe_stopped(log_, "open", overwriting_, errno);
     const int source = fileno(LOGGING_STREAM);
-    std::vector<char> buffer(std::size_t{128} * 1024);
+    std::vector<char> buffer(COPY_SIZE);
     off_t size = 0;
     while (true) {
         const ssize_t got = read(source, buffer.data(), buffer.size());
