@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Ends, or fails, every system call of whole edits and prunes, and looks at what is left.
+"""Ends at, or fails, every system call of whole edits and prunes, and looks at what is left.
 
     every_system_call.py GATESCOPE [--sample RUNS] [--only EDIT] [--jobs N]
 
 Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
-there is one run that is killed when it gets there, and for calls that touch files one run for
-each error that they can meet. With --sample only about that many runs, evenly spread, take place.
+there is one run that is killed when it gets there, one that is sent a signal that it can clean up
+after, and for calls that touch files one run for each error that they can meet. With --sample only about that many runs, evenly spread, take place.
 """
 
 import argparse
@@ -34,7 +34,10 @@ ERRORS = {
 }
 
 STATUS_OF_A_DONE_EDIT = 110
-STATUS_OF_AN_ERROR = 99
+# What a disturbance does.
+KILL, SIGNAL, FAIL = "kill", "signal", "fail"
+# Tells ctest that there was nothing to test with.
+SKIPPED = 77
 
 BLOCK = """\
 #!gatescope_unix_gatewarden_check=/bin/true
@@ -59,6 +62,7 @@ CLEARPROMPT = """\
 #!/bin/sh
 stage={stage}
 case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
+printf '%s\\n' "$*" >> "$stage/asked"
 turn=0
 [ -e "$stage/turn" ] && read -r turn < "$stage/turn"
 turn=$((turn + 1))
@@ -84,6 +88,8 @@ class Edit:
         self.answers = answers
         self.result = result
         self.shows = shows
+        # Learnt from the undisturbed run.
+        self.asked = b""
 
     def furnish(self, stage):
         pass
@@ -104,8 +110,6 @@ class Edit:
             return "the file is neither the old nor the new one, but %r" % state
         if state == old and not run.told():
             return "nothing was written and nothing was said (status %d)" % run.status
-        if run.status == STATUS_OF_A_DONE_EDIT and state != new:
-            return "it claims to be done, but the file is the old one"
         return self.fault_of_the_rest(stage, old)
 
     def fault_of_the_rest(self, stage, old):
@@ -118,7 +122,7 @@ class Edit:
 
     def leftovers(self, stage):
         names = ["tmp/" + name for name in os.listdir(os.path.join(stage, "tmp"))]
-        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "trace",
+        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "asked",
                  os.path.basename(self.result)}
         return names + [name for name in os.listdir(stage) if name not in known]
 
@@ -256,10 +260,14 @@ class Run:
                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60)
         self.status = finished.returncode
         self.said = finished.stdout.decode(errors="replace")
+        # Questions, prompts and lists, whichever process on whichever stage asked them.
+        asked = (bytes_of(os.path.join(stage, "asked")) or b"").replace(stage.encode(), b"")
+        self.asked = re.sub(rb"_\d+_", b"_", asked)
+        self.asks_otherwise = not edit.asked.startswith(self.asked)
 
     def told(self):
-        """Whether the operator learns that it was not done."""
-        return self.status != STATUS_OF_A_DONE_EDIT
+        """Whether the operator learns that it was not done: by an error, or another question."""
+        return self.status != STATUS_OF_A_DONE_EDIT or self.asks_otherwise
 
 
 def set_the_stage(stage, edit):
@@ -292,20 +300,23 @@ def calls_of(trace):
 
 
 def disturbances(calls):
-    """Every way to disturb one call: (injection, was it a kill, what was disturbed)."""
+    """Every way to disturb one call: (injection, what it does, what was disturbed)."""
     loaded = 0
-    for name, number, line in calls:
-        yield "%s:signal=SIGKILL:when=%d" % (name, number), True, line
+    for at, (name, number, line) in enumerate(calls):
+        yield "%s:signal=SIGKILL:when=%d" % (name, number), KILL, line
+        gentle = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
+        yield "%s:signal=%s:when=%d" % (name, gentle, number), SIGNAL, line
         # Before the gatebits file is loaded the operator is still asked which file to use. The
         # messages themselves are written to descriptor 1.
         loaded += "gatebits.txt" in line
-        if loaded < 2 or line.startswith("write(1,"):
+        # A checker that cannot be looked at counts as not there, and another one is used.
+        if loaded < 2 or line.startswith("write(1,") or '"/bin/true"' in line:
             continue
         for error in ERRORS.get(name, []):
-            yield "%s:error=%s:when=%d" % (name, error, number), False, line
+            yield "%s:error=%s:when=%d" % (name, error, number), FAIL, line
 
 
-def disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line):
+def disturbed(gatescope, name, edit, expected, stages, injection, kind, line):
     """What is wrong after one disturbed run; None when nothing is."""
     stage = stages.pop()
     try:
@@ -313,16 +324,19 @@ def disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line)
         old = edit.state(stage)
         new = expected(stage)
         run = Run(gatescope, edit, stage, injection)
-        if run.status < 0 and run.status != -9:
+        if run.status < 0 and kind == FAIL:
             fault = "it ended by signal %d" % -run.status
-        elif is_kill:
-            fault = edit.fault_after_kill(stage, old, new, gatescope) if run.status == -9 else None
-        else:
+        elif kind == FAIL:
             fault = edit.fault_after_error(stage, old, new, run, gatescope)
-            left = edit.leftovers(stage)
-            # What cannot be removed stays.
-            if not fault and left and not injection.startswith("unlink:"):
-                fault = "left behind: %s" % left
+        elif run.status < 0:
+            fault = edit.fault_after_kill(stage, old, new, gatescope)
+        else:
+            # It came too late, or a call was not repeated exactly.
+            fault = None if run.status == STATUS_OF_A_DONE_EDIT else "it did not end by the signal"
+        # What is killed leaves something behind, and what cannot be removed stays.
+        left = edit.leftovers(stage)
+        if not fault and left and kind != KILL and not injection.startswith("unlink:error"):
+            fault = "left behind: %s" % left
         if fault:
             return "%s, %s at %s\n    %s\n    status %d, said %r" % (
                 name, injection, line, fault, run.status, run.said)
@@ -337,6 +351,7 @@ def learn(gatescope, name, edit, stage, root):
     old = edit.state(stage)
     trace = os.path.join(root, "trace")
     run = Run(gatescope, edit, stage, trace=trace)
+    edit.asked = run.asked
     new = edit.state(stage)
     if run.status != STATUS_OF_A_DONE_EDIT or new == old or edit.shows not in repr(new) + run.said:
         sys.exit("%s, undisturbed, ended with %d, said %r and left %r" %
@@ -360,6 +375,9 @@ def main():
     options.add_argument("--jobs", type=int, default=os.cpu_count())
     options = options.parse_args()
     gatescope = os.path.abspath(options.gatescope)
+    if not shutil.which("strace") or subprocess.run(["strace", "-o", "/dev/null", "true"]).returncode:
+        print("strace is not there, or may not trace")
+        return SKIPPED
 
     root = tempfile.mkdtemp(prefix="gatescope_calls_")
     try:
@@ -377,8 +395,8 @@ def main():
             work = work[step // 2::step]
 
         def do(item):
-            name, edit, expected, injection, is_kill, line = item
-            return disturbed(gatescope, name, edit, expected, stages, injection, is_kill, line)
+            name, edit, expected, injection, kind, line = item
+            return disturbed(gatescope, name, edit, expected, stages, injection, kind, line)
 
         begin = time.time()
         with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
