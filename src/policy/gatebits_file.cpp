@@ -38,7 +38,6 @@ std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
     std::string text;
     for (const std::string& line : lines) {
         const std::string_view kept = c_text(line);
-        if (kept.empty()) continue;
         if (kept.find('\n') != std::string_view::npos) gripe(filled(NEW_LINE_HOLDS_BREAK, path));
         text.append(kept) += '\n';
     }

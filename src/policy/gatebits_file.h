@@ -39,9 +39,10 @@ std::string read_gatebits_bytes();
 /// the file cannot be read, holds more than GATEBITS_FILE_LIMIT bytes or holds no line.
 std::vector<std::string> read_gatebits_lines();
 
-/// Replaces the gatebits file by `lines`, each followed by a newline; empty ones are left out.
-/// The one way in which this program changes a gatebits file. Gripes, with the file as it was,
-/// when the new text is not fit to be read back or cannot be written.
+/// Replaces the gatebits file by `lines`, each followed by a newline. An empty one leaves a blank
+/// line, which readers do not see and the next rewrite drops. The one way in which this program
+/// changes a gatebits file. Gripes, with the file as it was, when the new text is not fit to be
+/// read back or cannot be written.
 void write_gatebits_lines(const std::vector<std::string>& lines);
 
 /// A line without its leading blanks and tabs.
@@ -65,9 +66,9 @@ class LineCounter {
 /// 0 and leaves `*line` alone when there is none.
 int get_a_line(int n, std::string* line);
 
-/// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN), or
-/// appends `text` as the last line (n = 0). The file is rewritten even when there is no line n.
-/// Always 0.
+/// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN: a blank line
+/// stands there until the next rewrite), or appends `text` as the last line (n = 0). The file is
+/// rewritten even when there is no line n. Always 0.
 int set_a_line(int n, const std::string& text);
 
 /// Copies field f (from 1) of significant line n to `*value` and returns 1; returns 0 and leaves

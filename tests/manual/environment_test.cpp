@@ -80,6 +80,15 @@ TEST(Environment, HasEveryVariableOfTheSourcesInItsTableAndNoOther) {
     EXPECT_EQ(read, names_in_the_table());
 }
 
+TEST(Environment, KeepsTheNamesOfTheClientsVariablesOutOfTheProgramFile) {
+    std::ostringstream bytes;
+    bytes << std::ifstream(PROGRAM, std::ios::binary).rdbuf();
+    ASSERT_NE(bytes.str().find("ZUL_PREFER_NO_GUI"), std::string::npos);
+    for (const std::string& name : COMPUTED.at("hidden_e_var_name.c_str()")) {
+        EXPECT_EQ(bytes.str().find(name), std::string::npos) << name;
+    }
+}
+
 TEST(Environment, IsReadInNoOtherWay) {
     // A child is handed the whole environment; nobody may look into it that way.
     const std::string source = all_sources();

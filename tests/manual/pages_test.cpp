@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <fstream>
 #include <regex>
 #include <set>
@@ -18,11 +17,6 @@
 #include "messages/policy_texts.h"
 
 namespace {
-
-bool is_known_argument(const std::string& spelling) {
-    return std::any_of(KNOWN_ARGUMENTS.begin(), KNOWN_ARGUMENTS.end(),
-                       [&](const KnownArgument& row) { return row.spelling == spelling; });
-}
 
 using Lines = std::vector<std::string>;
 using Names = std::set<std::string>;

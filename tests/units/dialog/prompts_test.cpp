@@ -211,6 +211,12 @@ TEST_F(Prompts, GetSystemRcThrowsTheOutputAwayAndKeepsTheStatus) {
     expect_no_temporary_files();
 }
 
+TEST_F(Prompts, GetSystemRcKeepsTheOutputInATemporaryFileMeanwhile) {
+    get_system_rc("ls " + TEMP_DIR + " >" + region.path("home") + "/listing");
+    EXPECT_EQ(region.file("home/listing"),
+              "gatewarden_temp_trash_file__" + GLOBAL_PID_STRING + ".txt\n");
+}
+
 TEST_F(Prompts, GetSystemRcRunsTheCommandEvenWithoutAPlaceForItsOutput) {
     TEMP_DIR = "/no/such/dir";
     testing::internal::CaptureStdout();

@@ -180,6 +180,18 @@ TEST_F(StartupDeathTest, ASetButUnwritableDirectoryIsFatalEvenWhereTheNextWouldD
                  "writable... exiting");
 }
 
+TEST_F(StartupDeathTest, TheDirectoryIsTriedWithAFileThatIsNamedAfterTheProcess) {
+    set("tmp", region.temporary_directory());
+    const auto try_with_the_name_taken = [&] {
+        const std::string name = "junk_test_gatescope_" + std::to_string(getpid()) + ".txt";
+        region.write_file("tmp/" + name + "/in_the_way", "");
+        verify_set_tempdir();
+    };
+    EXPECT_GRIPE(try_with_the_name_taken(), "ERROR: gatescope using TMP directory (" +
+                                                region.temporary_directory() +
+                                                ") but it is not required writable... exiting");
+}
+
 TEST_F(Startup, TemporaryNamesAreMadeOfThreeParts) {
     TEMP_DIR = "/t";
     EXPECT_EQ(make_tfile("tag", "two", "three"), "/t/tag_two_three.txt");

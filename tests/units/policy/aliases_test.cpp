@@ -232,6 +232,12 @@ TEST_F(Aliases, ReferencesEndInABlankOrASemicolon) {
                               "at the end ~b\n");
 }
 
+TEST_F(Aliases, ALineThatHeldOnlyAReferenceIsLeftBlank) {
+    gatebits_are(alias_line("b", "2") + BLOCK + "~b \nk;\n");
+    EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
+    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
+}
+
 TEST_F(Aliases, LinesBehindAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
     gatebits_are(alias_line("good", "x") + BLOCK + rest);

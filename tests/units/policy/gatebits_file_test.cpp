@@ -94,9 +94,24 @@ TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
 TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
     use_gatebits(BLOCK + "# keys\nkey 0;\nkey 1;\n");
     EXPECT_EQ(set_a_line(FIRST_KEY_LINE, DELETION_TOKEN), 0);
-    EXPECT_EQ(region.gatebits(), BLOCK + "# keys\nkey 1;\n");
+    EXPECT_EQ(region.gatebits(), BLOCK + "# keys\n\nkey 1;\n");
     EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
+}
+
+TEST_F(GatebitsFile, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
+    use_gatebits(BLOCK + "key 0;\nkey 1;\n");
+    set_a_line(FIRST_KEY_LINE, DELETION_TOKEN);
+    set_a_line(FIRST_KEY_LINE, "key 2;");
+    EXPECT_EQ(region.gatebits(), BLOCK + "key 2;\n");
+}
+
+TEST_F(GatebitsFile, AnEmptyTextIsWrittenAsAnEmptyLine) {
+    use_gatebits(BLOCK + "key 0;\nkey 1;\n");
+    set_a_line(FIRST_KEY_LINE, "");
+    EXPECT_EQ(region.gatebits(), BLOCK + "\nkey 1;\n");
+    set_a_line(0, "");
+    EXPECT_EQ(region.gatebits(), BLOCK + "key 1;\n\n");
 }
 
 TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
