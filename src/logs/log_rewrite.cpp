@@ -63,13 +63,6 @@ bool writers_have_gone(int file) {
     return false;
 }
 
-bool same_file(const std::string& one, const std::string& other) {
-    struct stat status1;
-    struct stat status2;
-    return stat(one.c_str(), &status1) == 0 && stat(other.c_str(), &status2) == 0 &&
-           status1.st_dev == status2.st_dev && status1.st_ino == status2.st_ino;
-}
-
 /// The scratch file, in the log's own directory, so that it can be renamed.
 std::string scratch_beside(const std::string& log) {
     const std::filesystem::path scratch = pruning_scratch_path();
@@ -180,6 +173,10 @@ class Rewriting {
     void keep_tail(int log, off_t from);
 
     std::optional<Beside> find(const char* format) const;
+    bool is_regular_file(const std::string& path) const;
+    bool is_there(const std::string& path) const;
+    bool is_the_log(const std::string& path) const;
+    bool examine(const std::string& path, struct stat* status) const;
     bool something_to_add() const;
     std::string named(const char* format, off_t bytes) const;
     void remove_file(const std::string& path) const;
@@ -210,7 +207,7 @@ void Rewriting::take(const std::string& companion) {
 /// Does what has to be done before a new text can be made.
 void Rewriting::resume() {
     unlink_remove(scratch_beside(log_));
-    if (this_file_exists(overwriting_)) copy_over_log();
+    if (is_there(overwriting_)) copy_over_log();
     if (const auto new_text = find(REPLACEMENT_NAME)) publish(*new_text);
     drop_old_without_tail();
 }
@@ -222,13 +219,13 @@ bool Rewriting::make_new_text(bool look_at_log) {
     if (open_log_stream(log_)) {
         taken_over = add_log(&text, fileno(LOGGING_STREAM), look_at_log);
         close_log_stream();
-    } else if (this_file_exists(log_) && something_to_add()) {
+    } else if (is_there(log_) && something_to_add()) {
         gripe(NO_LOGGING_FILE);
     }
     if (something_to_add()) {
         if (!text.exists()) text.begin();
         if (const auto old = find(REPLACED_NAME)) add_records(&text, old->path, old->bytes);
-        if (this_file_exists(taken_)) add_records(&text, taken_, 0);
+        if (is_there(taken_)) add_records(&text, taken_, 0);
     }
     if (!text.exists()) return false;
     text.complete(named(REPLACEMENT_NAME, taken_over));
@@ -271,18 +268,18 @@ void Rewriting::add_records(NewText* text, const std::string& path, off_t from) 
 }
 
 void Rewriting::publish(const Beside& new_text) {
-    if (!same_file(new_text.path, log_)) {
+    if (!is_the_log(new_text.path)) {
         remove_file(taken_);
         while (const auto old = find(REPLACED_NAME)) remove_file(old->path);
         // Gone for good before the new text is the log, and could be added to it once more.
         sync_names();
         become_log(new_text);
     }
-    if (this_file_exists(new_text.path)) remove_file(new_text.path);
+    if (is_there(new_text.path)) remove_file(new_text.path);
 }
 
 void Rewriting::become_log(const Beside& new_text) {
-    if (!this_file_exists(log_)) {
+    if (!is_there(log_)) {
         // Somebody may be making the log at this moment, so nothing may be replaced.
         if (link(new_text.path.c_str(), log_.c_str()) == 0) return sync_names();
         if (errno != EEXIST) gripe_stopped(log_, "make", log_, errno);
@@ -369,7 +366,7 @@ void Rewriting::drop_old_without_tail() {
     const auto old = find(REPLACED_NAME);
     if (!old) return;
     bool has_tail = false;
-    if (!same_file(old->path, log_)) {
+    if (!is_the_log(old->path)) {
         if (!open_log_stream(old->path)) gripe_stopped(log_, "open", old->path, errno);
         const int file = fileno(LOGGING_STREAM);
         writers_have_gone(file);
@@ -382,7 +379,7 @@ void Rewriting::drop_old_without_tail() {
 }
 
 bool Rewriting::something_to_add() const {
-    return this_file_exists(taken_) || find(REPLACED_NAME).has_value();
+    return is_there(taken_) || find(REPLACED_NAME).has_value();
 }
 
 std::string Rewriting::named(const char* format, off_t bytes) const {
@@ -398,14 +395,39 @@ std::optional<Beside> Rewriting::find(const char* format) const {
     for (auto entry = std::filesystem::directory_iterator(directory, error);
          !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const std::string& path = entry->path().native();
-        if (!path.starts_with(start) ||
-            entry->symlink_status(error).type() != std::filesystem::file_type::regular) {
-            continue;
-        }
+        if (!path.starts_with(start) || !is_regular_file(path)) continue;
         const off_t bytes = std::atoll(path.c_str() + start.size());
         if (path == named(format, bytes)) return Beside{path, bytes};
     }
+    // Not to see what stands beside the log is not the same as nothing standing there.
+    if (error) gripe_stopped(log_, "list", directory.native(), error.value());
     return std::nullopt;
+}
+
+bool Rewriting::is_regular_file(const std::string& path) const {
+    struct stat status;
+    if (lstat(path.c_str(), &status) == 0) return S_ISREG(status.st_mode);
+    if (errno != ENOENT) gripe_stopped(log_, "examine", path, errno);
+    return false;
+}
+
+bool Rewriting::is_there(const std::string& path) const {
+    struct stat status;
+    return examine(path, &status);
+}
+
+bool Rewriting::is_the_log(const std::string& path) const {
+    struct stat status;
+    struct stat log;
+    return examine(path, &status) && examine(log_, &log) && status.st_dev == log.st_dev &&
+           status.st_ino == log.st_ino;
+}
+
+/// False when there is no such file.
+bool Rewriting::examine(const std::string& path, struct stat* status) const {
+    if (stat(path.c_str(), status) == 0) return true;
+    if (errno != ENOENT) gripe_stopped(log_, "examine", path, errno);
+    return false;
 }
 
 void Rewriting::remove_file(const std::string& path) const {
