@@ -74,7 +74,7 @@ class NewText {
   public:
     explicit NewText(const std::string& log) : log_(log), path_(scratch_beside(log)) {}
 
-    static bool exists() { return LOGGING_FILE_PRUNE_STREAM != nullptr; }
+    bool exists() const { return exists_; }
 
     /// Creates it.
     void begin() {
@@ -84,6 +84,7 @@ class NewText {
         remember_temporary_file(path_);
         LOGGING_FILE_PRUNE_STREAM = fdopen(file, "w");
         if (LOGGING_FILE_PRUNE_STREAM == nullptr) gripe(NO_PRUNING_FILE);
+        exists_ = true;
     }
 
     /// Creates it with the identity and the first `size` bytes of the open log.
@@ -130,6 +131,7 @@ class NewText {
 
     std::string log_;
     std::string path_;
+    bool exists_ = false;
     off_t size_ = 0;
     /// The beginning that the system has been told to bring to the disk already.
     off_t on_its_way_ = 0;
