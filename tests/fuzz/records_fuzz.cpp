@@ -1,10 +1,16 @@
-// Arbitrary log files, read by any query.
+// Arbitrary log files, read by any query; the fast path held against the plain rule.
 
+#include <algorithm>
 #include <numeric>
 
 #include "fuzz/fuzz_world.h"
+#include "logs/canonical_records.h"
 #include "logs/log_files.h"
+#include "logs/log_reader.h"
 #include "logs/query_data.h"
+#include "logs/record_rule.h"
+#include "main/filled.h"
+#include "main/text.h"
 #include "policy/edition.h"
 #include "policy/region.h"
 
@@ -28,6 +34,48 @@ std::string with_times_of_today(const std::string& text) {
 template <typename Counters>
 std::uint64_t sum(const Counters& counters) {
     return std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
+}
+
+/// A query as get_query_data asks it with the filters that are set.
+RecordQuery record_query(int query) {
+    RecordQuery asked;
+    asked.query = query;
+    asked.edition = GATEWARDEN_IS;
+    asked.filters = {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
+                     GLOBAL_TEST_STRING_4};
+    for (std::string& filter : asked.filters) {
+        filter = c_text(filter);
+        STRING_LOWER(filter);
+    }
+    asked.period_start = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY;
+    asked.period_end = end_of_day_time;
+    return asked;
+}
+
+RecordTally counted_by_the_plain_rule(const RecordQuery& query, const std::string& text) {
+    RecordTally tally;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (std::string_view word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) {
+        count_word(query, word, &tally);
+    }
+    return tally;
+}
+
+RecordTally counted_fast(const RecordQuery& query, const std::string& text) {
+    const std::string with_margin = text + std::string(READER_MARGIN, '\0');
+    RecordTally tally;
+    CanonicalQuery(query).count(std::string_view(with_margin).substr(0, text.size()), &tally);
+    return tally;
+}
+
+bool same_counts(const RecordTally& one, const RecordTally& other) {
+    return std::equal(one.rows.begin(), one.rows.begin() + QUERY_DAYS, other.rows.begin(),
+                      [](const auto& row, const auto& other_row) {
+                          return std::equal(row.begin() + SEEN, row.end(),
+                                            other_row.begin() + SEEN);
+                      }) &&
+           one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
 
 }  // namespace
@@ -55,5 +103,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     must(sum(cell_success) + sum(cell_denied) <= first.size() + last.size(),
          "no more is counted than there is");
     must(get_file("tmp/logging_0.txt") == first, "reading changes nothing");
+    const RecordQuery asked = record_query(query);
+    for (const std::string& text : {first, last}) {
+        must(same_counts(counted_fast(asked, text), counted_by_the_plain_rule(asked, text)),
+             "records of the canonical shape count as the plain rule says");
+    }
     return 0;
 }
