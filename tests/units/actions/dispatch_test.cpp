@@ -2,17 +2,31 @@
 #include "actions/requests.h"
 #include "actions/tool_settings.h"
 #include "main/selections.h"
+#include "policy/checker.h"
 #include "units/on_stage.h"
 
 namespace {
 
 class Dispatch : public OnStage {
   protected:
-    Dispatch() {
+    Dispatch()
+        : OnStage(a_region()
+                      .with_line(2, "W:depot;{stage}/depot;O;")
+                      .with_file("a_file", "")
+                      .with_file("a_directory/file", "")) {
         GS_VAR[UNIX_CHECKER] = region.checker_path();
         IS_DURING_INSTALL = false;
     }
     ~Dispatch() override { IS_DURING_INSTALL = false; }
+
+    /// What the guard says of action n when its prompt is cancelled with `path` in the field.
+    int guard_of_path(int n, RegionLine line, int field, const std::string& path) {
+        set_a_field(line, field, path);
+        region.cancels();
+        const int result = A_X(n);
+        EXPECT_EQ(region.shown_so_far().dialogs().size(), 1u) << n << path;
+        return result;
+    }
 };
 using DispatchDeathTest = Dispatch;
 
@@ -20,6 +34,31 @@ TEST_F(DispatchDeathTest, TheGuardRefusesWhatIsRunDirectly) {
     for (const int n : {-1, 0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 29, 30}) {
         EXPECT_GRIPE(A_X(n), "incomplete action coding in A_X:main") << n;
     }
+}
+
+TEST_F(Dispatch, TheGuardLooksAtUnixPathsOnly) {
+    const std::string file = region.path("a_file");
+    const std::string directory = region.path("a_directory");
+    for (const auto& [n, line] : {std::pair{7, PARENT_LINE}, std::pair{10, NOTIFY_LINE}}) {
+        EXPECT_EQ(guard_of_path(n, line, 2, ""), 1) << n;
+        EXPECT_EQ(guard_of_path(n, line, 2, file), 1) << n;
+        EXPECT_EQ(guard_of_path(n, line, 2, directory), 0) << n;
+        EXPECT_EQ(guard_of_path(n, line, 2, "/no/such/file"), 0) << n;
+    }
+    for (const auto& [n, line] : {std::pair{6, PARENT_LINE}, std::pair{9, NOTIFY_LINE}}) {
+        EXPECT_EQ(guard_of_path(n, line, 1, directory), 1) << n;
+        EXPECT_EQ(guard_of_path(n, line, 1, "/no/such/file"), 1) << n;
+    }
+}
+
+TEST_F(Dispatch, TheGuardSaysWhetherTheFileCouldBeChecked) {
+    region.cancels();
+    EXPECT_EQ(A_X(11), 1);
+    GS_VAR[UNIX_CHECKER] = "";
+    EMERGENCY_CHECKER = region.path("no_checker");
+    region.cancels();
+    EXPECT_EQ(A_X(11), 0);
+    EMERGENCY_CHECKER = "";
 }
 
 TEST_F(Dispatch, OutsideInstallationNothingIsRefused) {
