@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # To be sourced: installs what the scripts need, on Debian and its kin.
 
 # Whether a command or a path (with wildcards) is there.

@@ -42,8 +42,10 @@ void A_28();
 void A_29();
 
 /// Runs action n (one that can damage the gatebits file) between two checks of the file, and
-/// again while the file got no better. 1 when the file is no worse than before, 0 when the check
-/// could not be run or the path entered does not hold. Gripes for any other number.
+/// again while the file got no better; an operator who leaves it three times in a row without a
+/// change is let go unless the file has more errors than at the start. 1 when the file is no worse
+/// than before, 0 when the check could not be run or the path entered does not hold. Gripes for any
+/// other number.
 int A_X(int n);
 
 /// 1, after telling the operator that the action of this title is not available, when the

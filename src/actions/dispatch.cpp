@@ -1,8 +1,5 @@
 #include <sys/stat.h>
 
-#include <fstream>
-#include <iterator>
-
 #include "actions/actions.h"
 #include "actions/requests.h"
 #include "dialog/messages.h"
@@ -100,17 +97,11 @@ Verdict verdict_after(const Before& before) {
     return no_better ? Verdict::REENTER : Verdict::GOOD_ENOUGH;
 }
 
-/// The file's bytes; empty when it cannot be read, which those who need it say themselves.
-std::string gatebits_bytes() {
-    std::ifstream file(ENTERPRIZE_PERMISSION_FILE, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 /// Runs the handler; whether it left the file other than it was.
 bool changes_the_file(const Request& request) {
-    const std::string bytes = gatebits_bytes();
+    const std::string bytes = read_gatebits_bytes();
     request.handler();
-    return gatebits_bytes() != bytes;
+    return read_gatebits_bytes() != bytes;
 }
 
 /// Whether the errors that are counted now are no more than those at the start of the action. A

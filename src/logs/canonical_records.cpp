@@ -51,8 +51,8 @@ constexpr Codes letter_codes(std::string_view letters, std::uint8_t step) {
 constexpr Codes digit_codes(std::uint8_t step, char zero_too) {
     Codes codes = {};
     codes.fill(NOT_CANONICAL);
-    for (int digit = 0; digit < 10; ++digit) {
-        codes[static_cast<std::size_t>('0' + digit)] = static_cast<std::uint8_t>(digit * step);
+    for (std::uint8_t digit = 0; digit < 10; ++digit) {
+        codes[std::size_t{'0'} + digit] = static_cast<std::uint8_t>(digit * step);
     }
     codes[static_cast<std::uint8_t>(zero_too)] = 0;
     return codes;
@@ -142,7 +142,7 @@ template <bool PER_DAY, bool HAS_FILTERS>
 ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilter& filter,
                                    const char* at, const char* end, RecordTally* tally,
                                    std::int64_t* earliest) {
-    const std::size_t length = static_cast<std::size_t>(end - at);
+    const auto length = static_cast<std::size_t>(end - at);
     if (length - SHORTEST > LONGEST - SHORTEST) [[unlikely]]
         return false;
     const char* const bracket = user_end(at + USER_PLACE);
@@ -156,7 +156,7 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
 
     // "[2]" or "[12]": the bracket that closes is known from the tail.
     const std::size_t wide_command = static_cast<std::size_t>(angle - bracket) - 4;
-    const std::uint32_t command = little_endian<std::uint32_t>(bracket);
+    const auto command = little_endian<std::uint32_t>(bracket);
     const bool good_command =
         (command & COMMAND_BITS[wide_command & 1]) == COMMAND[wide_command & 1] &&
         ((command + 0x00060600) & COMMAND_BITS[wide_command & 1]) == COMMAND[wide_command & 1];
@@ -167,8 +167,9 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     const unsigned units = code(UNITS, end - 2);
     const bool good_codes = ((kind | detail | tens | units) & NOT_CANONICAL) == 0;
 
-    const std::int64_t time = ten_digits(at);
-    if (!(static_cast<unsigned>(has_canonical_head(at)) & static_cast<unsigned>(good_tail) &
+    std::int64_t time;
+    const bool good_head = has_canonical_head(at, &time);
+    if (!(static_cast<unsigned>(good_head) & static_cast<unsigned>(good_tail) &
           static_cast<unsigned>(good_command) & static_cast<unsigned>(good_codes) &
           static_cast<unsigned>(wide_command <= 1))) [[unlikely]] {
         return false;
@@ -288,8 +289,8 @@ bool CanonicalQuery::take_user(std::string_view user_and_bracket) {
     const bool one_field = user_and_bracket.find_first_of(":[") == size - 1;
     if (!one_field || filter_.user_mask[0] != 0) return false;
     // A longer user is in no canonical record, nor is a NUL, which this then asks for.
-    filter_.user_mask.fill(size > filter_.USER_LIMIT ? '\xff' : '\0');
-    if (size > filter_.USER_LIMIT) return true;
+    filter_.user_mask.fill(size > CanonicalFilter::USER_LIMIT ? '\xff' : '\0');
+    if (size > CanonicalFilter::USER_LIMIT) return true;
     for (std::size_t i = 0; i < size; ++i) {
         const char c = user_and_bracket[i];
         filter_.user[i] = c;

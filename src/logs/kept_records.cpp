@@ -20,15 +20,16 @@ enum Fate { KEPT, DROPPED, NOT_A_PLAIN_LINE };
 
 /// What becomes of the line in [at, end), where `end` is a byte up to a blank.
 ALWAYS_INLINE Fate fate_of(const char* at, const char* end, std::int64_t cut_off) {
-    const std::size_t length = static_cast<std::size_t>(end - at);
+    const auto length = static_cast<std::size_t>(end - at);
     const bool plain = length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE && *end == '\n';
-    if (!plain || !has_canonical_head(at)) [[unlikely]]
+    std::int64_t time;
+    if (!plain || !has_canonical_head(at, &time)) [[unlikely]]
         return NOT_A_PLAIN_LINE;
-    return ten_digits(at) >= cut_off ? KEPT : DROPPED;
+    return time >= cut_off ? KEPT : DROPPED;
 }
 
 char* appended(char* out, const char* begin, const char* end) {
-    const std::size_t size = static_cast<std::size_t>(end - begin);
+    const auto size = static_cast<std::size_t>(end - begin);
     std::memcpy(out, begin, size);
     return out + size;
 }

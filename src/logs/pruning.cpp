@@ -1,76 +1,94 @@
 #include "logs/pruning.h"
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <filesystem>
 #include <string>
 
 #include "dialog/messages.h"
+#include "logs/kept_records.h"
 #include "logs/log_files.h"
-#include "main/files.h"
+#include "logs/log_rewrite.h"
 #include "main/filled.h"
 #include "main/process_end.h"
+#include "main/replace_file.h"
 #include "main/selections.h"
-#include "main/text.h"
+#include "messages/log_texts.h"
 #include "policy/region.h"
 
 namespace {
 
-struct Tally {
-    int total = 0;
-    int removed = 0;
-};
-
-void copy_kept_words(const std::string& from, const std::string& to, const char* mode,
-                     const char* failure, Tally* tally) {
-    LOGGING_STREAM = std::fopen(from.c_str(), "r");
-    if (LOGGING_STREAM == nullptr) return;
-    LOGGING_FILE_PRUNE_STREAM = std::fopen(to.c_str(), mode);
-    if (LOGGING_FILE_PRUNE_STREAM == nullptr) gripe(failure);
-    char word[256];
-    while (std::fscanf(LOGGING_STREAM, "%255s", word) == 1) {
-        ++tally->total;
-        if (leading_number(word) >= start_of_period_time) {
-            std::fprintf(LOGGING_FILE_PRUNE_STREAM, "%s\n", word);
-        } else {
-            ++tally->removed;
+/// Opens the token, making it where needed, and locks it: two that prune the same region at once
+/// would take each other's files for left-overs. Gripes when another process has it locked.
+int open_token(const std::string& path) {
+    while (true) {
+        const int token =
+            open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0666);
+        if (token == -1) gripe(NO_PRUNING_TOKEN);
+        // File systems without locks are trusted to have but one administrator.
+        if (flock(token, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+            gripe(filled(PRUNED_BY_ANOTHER, ENTERPRIZE_NAME.c_str()));
         }
+        // Another run may have ended, and removed it, between the two calls.
+        struct stat status;
+        if (fstat(token, &status) != 0 || status.st_nlink != 0) return token;
+        close(token);
     }
-    std::fclose(LOGGING_STREAM);
-    std::fclose(LOGGING_FILE_PRUNE_STREAM);
-    LOGGING_STREAM = LOGGING_FILE_PRUNE_STREAM = nullptr;
+}
+
+/// Puts up the token, which diverts the log writers to the companions.
+int put_up_token(const std::string& path) {
+    const int token = open_token(path);
+    const std::string text = filled(TOKEN_TEXT, time_text(start_of_period_time).c_str());
+    if (write_all(token, text) != 0) gripe(NO_PRUNING_TOKEN);
+    return token;
+}
+
+void take_down_token(const std::string& path, int token) {
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
+        gripe(filled(TOKEN_STAYS, path.c_str(), std::strerror(errno)));
+    }
+    close(token);
+}
+
+/// The log that is meant: where a symbolic link stands for it, the link stays.
+LogFiles files_of(int number) {
+    const std::string path = log_file_path(number);
+    std::error_code error;
+    const std::filesystem::path real = std::filesystem::canonical(path, error);
+    return {error ? path : real.native(), pruning_companion_path(number)};
+}
+
+void tell_result(const KeptRecords& records, int days) {
+    TMSG = filled(PRUNING_RESULT, static_cast<long long>(records.removed()),
+                  static_cast<long long>(records.total()), records.removed() == 1 ? "was" : "were",
+                  ENTERPRIZE_NAME.c_str(), days);
+    if (selected_display == "n") {
+        std::fputs(TMSG.c_str(), stdout);
+    } else {
+        advise(TMSG);
+    }
 }
 
 }  // namespace
 
 void prune_logging_files(std::uint8_t days) {
-    set_time_values();
-    start_of_period_time = end_of_day_time - days * SECONDS_A_DAY;
-    FILE* token = std::fopen(pruning_token_path().c_str(), "a");
-    if (token == nullptr) gripe("Could not create needed pruning token");
-    std::fprintf(token, "pruning records before:\n   %s\n",
-                 time_text(start_of_period_time).c_str());
-    std::fclose(token);
-    Tally tally;
+    start_of_period_time = set_time_values() - days * SECONDS_A_DAY;
+    const std::string token_path = pruning_token_path();
+    const int token = put_up_token(token_path);
+    KeptRecords records(start_of_period_time);
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        if (!this_file_exists(log_file_path(number))) continue;
-        copy_kept_words(log_file_path(number), pruning_scratch_path(), "w",
-                        "Could not create needed pruning file", &tally);
-        move_file(pruning_scratch_path(), log_file_path(number));
-        make_public(log_file_path(number));
+        rewrite_log(files_of(number), &records);
     }
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        copy_kept_words(pruning_companion_path(number), log_file_path(number), "a",
-                        "Could not create needed logging file", &tally);
-        unlink_remove(pruning_companion_path(number));
+        merge_companion(files_of(number), &records);
     }
-    unlink_remove(pruning_token_path());
-    TMSG = filled(
-        "%d of %d log entries %s removed from the Gatewarden LOGS for the Gatewarden Region "
-        "(%s).\n\n%d days of data retained.",
-        tally.removed, tally.total, tally.removed == 1 ? "was" : "were", ENTERPRIZE_NAME.c_str(),
-        days);
-    if (selected_display == "n") {
-        print_stdout(TMSG);
-    } else {
-        advise(TMSG);
-    }
+    take_down_token(token_path, token);
+    tell_result(records, days);
 }

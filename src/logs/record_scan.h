@@ -60,12 +60,22 @@ ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
     return all;
 }
 
-/// Whether ten digits, a colon, anything and a colon stand here.
-ALWAYS_INLINE bool has_canonical_head(const char* at) {
+/// Whether ten digits, a colon, anything and a colon stand here; sets `*time` to the digits'
+/// number, or to anything if not.
+ALWAYS_INLINE bool has_canonical_head(const char* at, std::int64_t* time) {
     const __m128i lowest =
         _mm_setr_epi8('0', '0', '0', '0', '0', '0', '0', '0', '0', '0', ':', 0, ':', 0, 0, 0);
     const __m128i span = _mm_setr_epi8(9, 9, 9, 9, 9, 9, 9, 9, 9, 9, 0, -1, 0, -1, -1, -1);
     const __m128i above = _mm_sub_epi8(sixteen(at), lowest);
+    // Eight digits: each by itself, by twos, by fours.
+    const __m128i ones = _mm_unpacklo_epi8(above, _mm_setzero_si128());
+    const __m128i twos = _mm_madd_epi16(ones, _mm_set1_epi32(0x0001000A));
+    const __m128i fours = _mm_madd_epi16(_mm_packs_epi32(twos, twos), _mm_set1_epi32(0x00010064));
+    const auto both = static_cast<std::uint64_t>(_mm_cvtsi128_si64(fours));
+    const std::uint64_t eight = (both & 0xFFFFFFFF) * 10000 + (both >> 32);
+    // And two, the first in the lower byte: ten times it, and the other, meet in the second byte.
+    const auto last = static_cast<unsigned>(_mm_extract_epi16(above, 4));
+    *time = static_cast<std::int64_t>(eight * 100 + (last * 0x0A01 >> 8 & 0xFF));
     return bits(_mm_cmpeq_epi8(_mm_min_epu8(above, span), above)) == 0xFFFF;
 }
 
@@ -80,9 +90,13 @@ ALWAYS_INLINE std::uint64_t end_bits(const char* at) {
     return all;
 }
 
-ALWAYS_INLINE bool has_canonical_head(const char* at) {
-    return std::all_of(at, at + TIME_DIGITS, [](char c) { return c >= '0' && c <= '9'; }) &&
-           at[HEAD_SIZE - 3] == ':' && at[HEAD_SIZE - 1] == ':';
+ALWAYS_INLINE bool has_canonical_head(const char* at, std::int64_t* time) {
+    *time = 0;
+    for (std::size_t i = 0; i < TIME_DIGITS; ++i) {
+        if (at[i] < '0' || at[i] > '9') return false;
+        *time = *time * 10 + (at[i] - '0');
+    }
+    return at[HEAD_SIZE - 3] == ':' && at[HEAD_SIZE - 1] == ':';
 }
 
 #endif
@@ -127,18 +141,4 @@ ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, Wo
         next = behind;
     }
     return static_cast<std::size_t>(next - ends->data());
-}
-
-/// The number that eight digits make, two, four and eight at a time.
-ALWAYS_INLINE std::uint64_t eight_digits(const char* at) {
-    std::uint64_t number = little_endian<std::uint64_t>(at) & 0x0F0F0F0F0F0F0F0F;
-    number = number * 10 + (number >> 8);
-    return ((number & 0x000000FF000000FF) * 0x000F424000000064 +
-            (number >> 16 & 0x000000FF000000FF) * 0x0000271000000001) >>
-           32;
-}
-
-ALWAYS_INLINE std::int64_t ten_digits(const char* at) {
-    const int low = (at[8] & 15) * 10 + (at[9] & 15);
-    return static_cast<std::int64_t>(eight_digits(at) * 100) + low;
 }

@@ -21,10 +21,13 @@ namespace {
 /// A file that nobody has written since its creation carries this time.
 constexpr std::array<timespec, 2> NEVER_WRITTEN = {{{0, 0}, {0, 0}}};
 
-bool was_written(int descriptor) {
+/// 0 when there is an answer, ENOENT when nobody has written one, or another errno.
+int look_for_answer(int descriptor) {
     struct stat status;
-    return fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
-           (status.st_size != 0 || status.st_mtim.tv_sec != 0);
+    if (fstat(descriptor, &status) != 0) return errno;
+    const bool written =
+        S_ISREG(status.st_mode) && (status.st_size != 0 || status.st_mtim.tv_sec != 0);
+    return written ? 0 : ENOENT;
 }
 
 /// At most `limit` bytes of the file; 0 or an errno.
@@ -68,9 +71,9 @@ AnswerFile::~AnswerFile() {
 
 std::optional<std::string> AnswerFile::content(std::size_t limit, bool* failed) const {
     const int descriptor = open(path_.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    int error = descriptor == -1 ? errno : 0;
+    int error = descriptor == -1 ? errno : look_for_answer(descriptor);
+    const bool answered = error == 0;
     std::string text;
-    const bool answered = descriptor != -1 && was_written(descriptor);
     if (answered) error = read_answer(descriptor, limit, &text);
     if (descriptor != -1) close(descriptor);
     if (failed != nullptr) *failed = error != 0;

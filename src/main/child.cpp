@@ -1,11 +1,13 @@
 #include "main/child.h"
 
+#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -48,6 +50,70 @@ void wait_for_the_end_of(pid_t child) {
     }
 }
 
+// What follows is for a signal handler: nothing but system calls, and memory of its own.
+
+/// A process and all that it has started, itself first.
+struct Family {
+    std::array<pid_t, 64> members;
+    int size;
+};
+
+/// Writes `number` in decimal to `at`; the place behind it.
+char* put_number(char* at, pid_t number) {
+    char* begin = at;
+    for (; number > 0; number /= 10) *at++ = static_cast<char>('0' + number % 10);
+    std::reverse(begin, at);
+    return at;
+}
+
+char* put_text(char* at, const char* text) {
+    while (*text != '\0') *at++ = *text++;
+    return at;
+}
+
+/// The system's list of the children of a process: decimal numbers, a blank behind each. Where
+/// there is no such list, there are no children to be seen.
+ssize_t read_children(pid_t process, std::array<char, 1024>* list) {
+    std::array<char, 64> path = {};
+    char* end = put_number(put_text(path.data(), "/proc/"), process);
+    put_text(put_number(put_text(end, "/task/"), process), "/children");
+    const int file = open(path.data(), O_RDONLY | O_CLOEXEC);
+    if (file == -1) return 0;
+    const ssize_t got = read(file, list->data(), list->size());
+    close(file);
+    return got;
+}
+
+void add_children(pid_t process, Family* family) {
+    std::array<char, 1024> list;
+    const ssize_t size = read_children(process, &list);
+    pid_t number = 0;
+    for (ssize_t i = 0; i < size; ++i) {
+        const char c = list[static_cast<std::size_t>(i)];
+        if (c >= '0' && c <= '9') {
+            number = number * 10 + (c - '0');
+        } else if (family->size < static_cast<int>(family->members.size())) {
+            family->members[static_cast<std::size_t>(family->size++)] = number;
+            number = 0;
+        }
+    }
+}
+
+Family family_of(pid_t process) {
+    Family family = {{process}, 1};
+    for (int i = 0; i < family.size; ++i) {
+        add_children(family.members[static_cast<std::size_t>(i)], &family);
+    }
+    return family;
+}
+
+bool is_alive(const Family& family) {
+    // The first is our own child, and there as long as nobody asks how it ended.
+    waitpid(family.members.front(), nullptr, WNOHANG);
+    return std::any_of(family.members.begin(), family.members.begin() + family.size,
+                       [](pid_t member) { return kill(member, 0) == 0; });
+}
+
 }  // namespace
 
 int run_in_shell(const std::string& command) {
@@ -70,8 +136,14 @@ int run_in_shell(const std::string& command) {
 void end_running_child(int signal_number) {
     const pid_t child = running_child;
     if (child <= 0) return;
-    kill(child, signal_number);
-    for (int pauses = 0; pauses < 100 && waitpid(child, nullptr, WNOHANG) == 0; ++pauses) {
-        poll(nullptr, 0, 10);
+    // The shell may be about to start the program: it must stand still while we look.
+    siginfo_t information;
+    kill(child, SIGSTOP);
+    waitid(P_PID, static_cast<id_t>(child), &information, WSTOPPED | WEXITED | WNOWAIT);
+    const Family family = family_of(child);
+    for (int i = 0; i < family.size; ++i) {
+        kill(family.members[static_cast<std::size_t>(i)], signal_number);
     }
+    kill(child, SIGCONT);
+    for (int pauses = 0; pauses < 100 && is_alive(family); ++pauses) poll(nullptr, 0, 10);
 }

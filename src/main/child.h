@@ -12,5 +12,6 @@
 int run_in_shell(const std::string& command);
 
 /// For signal handlers: sends the signal to the child that run_in_shell is waiting for, if there
-/// is one, and waits for its end, though no longer than a second.
+/// is one, and to all that it has started, and waits for their end, though no longer than a
+/// second.
 void end_running_child(int signal_number);

@@ -38,3 +38,35 @@ inline constexpr char DENIED_RECORD[] = "%ld:%c:%s[%d]%c<%d>\n";
 inline constexpr char BIT_RECORD[] = "%ld:%c:%s[%d]-<%d>\n";
 inline constexpr char ALLOWED_RECORD[] = "%ld:%c:%s[%d]-<->\n";
 inline constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
+
+// Pruning. While a log is rewritten these stand beside it, or beside its companion;
+// log_rewrite.h says what they mean.
+/// What follows the log's path, and is followed by a number of bytes.
+inline constexpr char REPLACEMENT_NAME[] = ".new_";
+inline constexpr char REPLACED_NAME[] = ".old_";
+/// Log.
+inline constexpr char OVERWRITING_NAME[] = "%s.overwriting";
+/// Companion.
+inline constexpr char TAKEN_NAME[] = "%s.taken";
+
+inline constexpr char NO_PRUNING_TOKEN[] = "Could not create needed pruning token";
+inline constexpr char NO_PRUNING_FILE[] = "Could not create needed pruning file";
+inline constexpr char NO_LOGGING_FILE[] = "Could not create needed logging file";
+/// Cut-off.
+inline constexpr char TOKEN_TEXT[] = "pruning records before:\n   %s\n";
+/// Region.
+inline constexpr char PRUNED_BY_ANOTHER[] =
+    "ERROR: The logs of the Gatewarden Region (%s) are being pruned by another process.  Nothing "
+    "was changed.";
+/// What was to be done, file, the system's reason, log file.
+inline constexpr char PRUNING_STOPPED[] =
+    "ERROR: Pruning stopped, because it could not %s (%s): %s.  No record of the log file (%s) is "
+    "lost; prune once more to finish.";
+/// Token, the system's reason.
+inline constexpr char TOKEN_STAYS[] =
+    "ERROR: The logs are pruned, but the pruning token (%s) could not be removed: %s.  New records "
+    "are kept aside until it is.";
+/// Records removed, records read, "was" or "were", region, days.
+inline constexpr char PRUNING_RESULT[] =
+    "%lld of %lld log entries %s removed from the Gatewarden LOGS for the Gatewarden Region "
+    "(%s).\n\n%d days of data retained.";

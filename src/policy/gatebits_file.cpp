@@ -19,28 +19,6 @@ std::string ENTERPRIZE_PERMISSION_FILE;
 
 namespace {
 
-/// All bytes of the gatebits file; gripes when it cannot be read or is too large.
-std::string read_gatebits_bytes() {
-    // A pipe without a writer must not keep us waiting.
-    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
-    std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) gripe(CANNOT_READ_GATEBITS);
-        if (got == 0) break;
-        size += static_cast<std::size_t>(got);
-    }
-    close(file);
-    if (size > GATEBITS_FILE_LIMIT) {
-        gripe(filled(GATEBITS_TOO_LARGE, ENTERPRIZE_PERMISSION_FILE.c_str(), GATEBITS_FILE_LIMIT));
-    }
-    bytes.resize(size);
-    return bytes;
-}
-
 std::vector<std::string> lines_of(std::string_view text) {
     std::vector<std::string> lines;
     while (!text.empty()) {
@@ -126,6 +104,27 @@ bool change_field(const FieldChange& change, std::vector<std::string>* lines) {
 }
 
 }  // namespace
+
+std::string read_gatebits_bytes() {
+    // A pipe without a writer must not keep us waiting.
+    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
+    std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
+    std::size_t size = 0;
+    while (size < bytes.size()) {
+        const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) gripe(CANNOT_READ_GATEBITS);
+        if (got == 0) break;
+        size += static_cast<std::size_t>(got);
+    }
+    close(file);
+    if (size > GATEBITS_FILE_LIMIT) {
+        gripe(filled(GATEBITS_TOO_LARGE, ENTERPRIZE_PERMISSION_FILE.c_str(), GATEBITS_FILE_LIMIT));
+    }
+    bytes.resize(size);
+    return bytes;
+}
 
 std::vector<std::string> read_gatebits_lines() {
     const std::string bytes = read_gatebits_bytes();

@@ -31,6 +31,10 @@ enum RegionLine {
     FIRST_KEY_LINE = 9
 };
 
+/// All bytes of the gatebits file. Gripes when it cannot be read or holds more than
+/// GATEBITS_FILE_LIMIT bytes.
+std::string read_gatebits_bytes();
+
 /// The lines of the gatebits file, without their newlines and without empty lines. Gripes when
 /// the file cannot be read, holds more than GATEBITS_FILE_LIMIT bytes or holds no line.
 std::vector<std::string> read_gatebits_lines();

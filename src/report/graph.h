@@ -7,7 +7,7 @@
 extern FILE* DISPLAY_STREAM;
 /// The heading of the page; may hold HTML. Set by the query drivers.
 extern std::string graph_title;
-/// The browser's path; empty until a page is first displayed. Set by Make_Graph.
+/// The browser's path; empty until a page is first displayed. Set when one is.
 extern std::string browser;
 
 /// Writes the page of query 1 to 6 from the counters of the last get_query_data into the results

@@ -386,6 +386,17 @@ TEST(FieldActionsAlone, ALoggingFieldThatIsNotThereIsNotWritten) {
     EXPECT_EQ(east.line(2), east.staged(";{stage}/depot;"));
 }
 
+TEST(FieldActionsAlone, WithoutDialogsOnlyTheReportIsPrinted) {
+    Region east = full_region().without_dialogs().with_env("ZUL_GATESCOPE_VERBOSITY", "");
+    east.types("new").answers_yes();
+    const Result result = east.run({"A=13", "R=n"});
+    EXPECT_EQ(result.dialogs().size(), 2u);
+    EXPECT_EQ(result.out,
+              "Successfully changed Region MOTD String\n\nchange from:  old motd\n                 "
+              "to:  new\n[yes] accepted\n");
+    EXPECT_EQ(east.field(7, 2), "new");
+}
+
 // The depot.
 
 TEST(Depots, ClearingTheUnixDepotClearsWhatStandsOnIt) {

@@ -7,6 +7,8 @@
 
 namespace {
 
+using namespace std::string_literals;
+
 const std::string BLOCK_ENTRIES =
     "A04 - View/Change Windows Depot,A05 - View/Change UNIX Depot,A06 - View/Change Windows "
     "Gatebits Parent,A07 - View/Change UNIX Gatebits Parent,A08 - View/Change Region Logging "
@@ -323,7 +325,7 @@ TEST(HostileAnswers, LineBreaksNulsAndLengthDoNotTearTheFile) {
     east.types("two\nlines\n").answers_yes();
     east.run({"A=13", "R=n"});
     EXPECT_EQ(east.gatebits(), with_replaced(before, ";old;;", ";two lines;;"));
-    east.types(std::string("x\0y z", 5)).answers_yes();
+    east.types("x\0y z"s).answers_yes();
     east.run({"A=13", "R=n"});
     EXPECT_EQ(east.gatebits(), with_replaced(before, ";old;;", ";x z;;"));
     east.types(std::string(5000, 'm')).cancels();
@@ -352,7 +354,7 @@ TEST(HostileAnswers, KeyThatWouldMakeTheFileUnreadableIsRefused) {
 
 TEST(HostileAnswers, BitsWithLineBreaksAndNulsStayBits) {
     Region east = a_region();
-    east.answers({.kind = "list", .outfile = std::string("00 - x\n\n\n23\n99\n05\0;\n", 22)});
+    east.answers({.kind = "list", .outfile = "00 - x\n\n\n23\n99\n05\0;\n"s});
     east.answers_yes();
     east.run({"A=16", "R=n"});
     EXPECT_EQ(east.line(8), "D;100001000000000000000001;");

@@ -1,15 +1,17 @@
+#!/usr/bin/env bash
 # Answers from a script: which dialog takes which, and what the transcript says.
 
-. "$(dirname -- "$0")/lib.sh" || exit 99
+source "$(dirname -- "$0")/lib.sh" || exit 99
 export CLEARPROMPT_ANSWERS=$stage/answers
 
 ends() { # status, arguments
-  local expected=$1
-  shift
-  rm -f answer
-  "$clearprompt" "$@" 2>err
-  expect_equal "status of $*" "$expected" $?
+    local expected=$1
+    shift
+    rm -f answer
+    "$clearprompt" "$@" 2>err
+    expect_equal "status of $*" "$expected" $?
 }
+# shellcheck disable=SC2054 # the mask is one word
 question=(yes_no -mask yes,no,abort -default no -prompt 'Really?')
 
 case_is "answers are taken in their order"
@@ -35,6 +37,7 @@ ends 2 "${question[@]}"
 ends 2 "${question[@]}"
 ends 1 "${question[@]}"
 ends 0 text -outfile answer -default old -prompt p
+# shellcheck disable=SC2016 # none of it is to act
 expect_file answer '  a <b>&amp; _x_ %s "q" $(echo no) \ \n  '
 ends 0 text -outfile answer -default 'as it  was' -prompt p
 expect_file answer 'as it  was'
@@ -59,16 +62,20 @@ expect_file answers $'no\n'
 
 case_is "a script that does not fit is said so, and not taken for an answer"
 for answer in maybe text:x pick:a file:/x; do
-  printf '%s\n' "$answer" >answers
-  ends 14 "${question[@]}"
+    printf '%s\n' "$answer" >answers
+    ends 14 "${question[@]}"
 done
 for answer in yes text:x pick:x pick:A; do
-  printf '%s\n' "$answer" >answers
-  ends 14 list -outfile answer -items A1,A2,B -prompt p
-  expect_no_file answer
+    printf '%s\n' "$answer" >answers
+    ends 14 list -outfile answer -items A1,A2,B -prompt p
+    expect_no_file answer
 done
 printf 'pick:A1,B\n' >answers
 ends 14 list -outfile answer -items A1,A2,B -prompt p
+for answer in pick: default; do
+    printf '%s\n' "$answer" >answers
+    ends 14 list -outfile answer -items A1,A2,B -prompt p
+done
 printf 'no\n' >answers
 ends 14 yes_no -mask yes,abort -prompt p
 : >answers
@@ -88,6 +95,16 @@ expect_file err '+-- list
 |    three
 +-- pick:two
 '
+printf 'pick:7,2\n' >answers
+ends 0 list -outfile answer -newline -items 1,2,3,4,5,6,7,8,9 -choices -prompt 'Long'
+expect_file err '+-- list, several picks
+|  Long
+|  > 2
+|  > 7
+|    (7 other items)
++-- pick:7,2
+'
+expect_file answer $'7\n2\n'
 printf 'yes\n' >answers
 CLEARPROMPT_TRANSCRIPT=$stage/transcript ends 0 "${question[@]}"
 expect_file err ''
@@ -112,8 +129,8 @@ case_is "a full disk leaves no answer"
 # A file size limit stands for the disk. The shell must live to tell, so its signal is ignored.
 printf 'text:%05000d\n' 7 >answers
 (
-  trap '' XFSZ
-  cd beside && rm answer && ulimit -f 1 && "$clearprompt" text -outfile answer -prompt p 2>../err
+    trap '' XFSZ
+    cd beside && rm answer && ulimit -f 1 && "$clearprompt" text -outfile answer -prompt p 2>../err
 )
 expect_equal status 12 $?
 expect_equal "what is left" "" "$(ls beside)"

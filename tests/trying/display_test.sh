@@ -1,26 +1,27 @@
+#!/usr/bin/env bash
 # clearprompt on a display: every mode, every way out, and texts letter for letter.
 
-. "$(dirname -- "$0")/lib.sh" || exit 99
+source "$(dirname -- "$0")/lib.sh" || exit 99
 start_display
+# shellcheck disable=SC2016 # none of it is to act
 nasty='<b>&amp; _x_ %s "quotes" $(echo no) \ \n'
 
-case_is "an accelerator mark in the nasty text would be taken out"
 # "&amp;" holds a single "&" before a letter: doubled here as the program doubles it.
 marked=${nasty//&/&&}
 
 case_is "the buttons of a question"
 for preset in yes no abort; do
-  for way in Return:preset alt+y:0 alt+n:1 alt+a:2 Escape:2; do
-    case_is "a question, preset $preset, ${way%:*}"
-    shows yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
-    press "${way%:*}"
-    case $way:$preset in
-      *:preset:yes) ends_with 0 ;;
-      *:preset:no) ends_with 1 ;;
-      *:preset:abort) ends_with 2 ;;
-      *) ends_with "$(cut -d: -f2 <<<"$way")" ;;
-    esac
-  done
+    for way in Return:preset alt+y:0 alt+n:1 alt+a:2 Escape:2; do
+        case_is "a question, preset $preset, ${way%:*}"
+        shows yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
+        press "${way%:*}"
+        case $way:$preset in
+            *:preset:yes) ends_with 0 ;;
+            *:preset:no) ends_with 1 ;;
+            *:preset:abort) ends_with 2 ;;
+            *) ends_with "$(cut -d: -f2 <<<"$way")" ;;
+        esac
+    done
 done
 
 case_is "two buttons"
@@ -42,15 +43,15 @@ ends_with 2
 
 case_is "one button, pressed and closed"
 for way in Return Escape; do
-  shows yes_no -mask yes -def yes -pre -pro 'Done.'
-  press $way
-  ends_with 0
-  shows yes_no -mask no -def no -pre -pro 'Done.'
-  press $way
-  ends_with 1
-  shows yes_no -mask abort -def abort -pre -pro 'Done.'
-  press $way
-  ends_with 2
+    shows yes_no -mask yes -def yes -pre -pro 'Done.'
+    press $way
+    ends_with 0
+    shows yes_no -mask no -def no -pre -pro 'Done.'
+    press $way
+    ends_with 1
+    shows yes_no -mask abort -def abort -pre -pro 'Done.'
+    press $way
+    ends_with 2
 done
 
 case_is "prompts letter for letter"
@@ -63,7 +64,7 @@ press Return && ends_with 0
 shows text -pre -outfile answer -pro "$marked"
 expect_equal "the prompt" "$nasty" "$(head -n 1 labels)"
 press Return && ends_with 0
-shows list -pre -outfile answer -newline -items a -pro "${marked//'\n'/'\n'second}"
+shows list -pre -outfile answer -newline -items a -pro "$marked"second
 expect_equal "the prompt" "${nasty//'\n'/|second}" "$(head -n 1 labels)"
 press Escape && ends_with 1
 shows text -pre -outfile answer -multi_line -newline -pro 'Title <b>_x\nsecond'
@@ -79,7 +80,7 @@ press Return && ends_with 0
 case_is "a message taller than the screen keeps its buttons on it"
 tall=$(seq -f 'line %.0f' 200)
 shows yes_no -mask yes,no,abort -def no -pre -pro "$tall"
-eval "$(xdotool getwindowgeometry --shell "$window")"
+read_geometry
 ((Y >= 0 && Y + HEIGHT <= 768)) || failed "the window reaches from $Y to $((Y + HEIGHT))"
 click_from_corner 140 32
 ends_with 0
@@ -112,7 +113,7 @@ expect_file answer ''
 case_is "a text longer than the window"
 long=$(seq -s ' ' 1 900)
 shows text -prefer_gui -outfile answer -default "$long" -prompt "$long"
-eval "$(xdotool getwindowgeometry --shell "$window")"
+read_geometry
 ((X >= 0 && X + WIDTH <= 1024)) || failed "the window reaches from $X to $((X + WIDTH))"
 press End
 enter ' end'
@@ -150,7 +151,7 @@ case_is "a list of fifty"
 rm -f answer
 items=$(seq -s , -f 'Item <%.0f> &amp; _x_ \n' 50)
 shows_rows 50 list -prefer_gui -outfile answer -newline -items "$items" -prompt 'Pick'
-eval "$(xdotool getwindowgeometry --shell "$window")"
+read_geometry
 ((Y >= 0 && Y + HEIGHT <= 768)) || failed "the window reaches from $Y to $((Y + HEIGHT))"
 press End Return
 ends_with 0
@@ -171,6 +172,7 @@ case_is "OK without a pick asks again"
 shows_rows 2 list -prefer_gui -outfile answer -newline -items a,b -prompt 'Pick'
 first=$(xdotool getwindowpid "$window")
 click_from_corner 45 32
+# shellcheck disable=SC2317 # called by its name
 is_another() { has_window zenity && [[ $(xdotool getwindowpid "$window") != "$first" ]]; }
 eventually is_another || failed "no second window"
 eventually has_rows 2 || failed "the second window has no rows"
@@ -179,7 +181,7 @@ ends_with 0
 
 case_is "several picks"
 shows_rows 5 list -prefer_gui -outfile answer -newline -items 'one,two,three,------,five' -choices \
-  -prompt 'Pick'
+    -prompt 'Pick'
 # The check boxes are a column of their own.
 press Down Right space Down Down Down space
 click_from_corner 55 32
@@ -206,6 +208,7 @@ mkdir files && : >files/old.txt
 shows file -prefer_gui -outfile answer -pattern '*.txt' -directory "$stage/files/" -prompt p
 enter new.txt
 # The chooser keeps Return for itself while it looks into the directory or offers names.
+# shellcheck disable=SC2317 # called by its name
 press_and_ended() { press Return && has_ended; }
 eventually press_and_ended
 ends_with 0
@@ -246,12 +249,12 @@ expect_no_file answer
 case_is "a zenity that crashes or fails is no answer"
 mkdir broken
 for end in 'kill -SEGV $$' 'exit 1' 'exit 5' 'exit 0'; do
-  printf '#!/bin/sh\n%s\n' "$end" >broken/zenity && chmod +x broken/zenity
-  PATH=$stage/broken:$PATH "$clearprompt" yes_no -mask yes,no -pre -pro x 2>err
-  expect_equal "status after '$end'" 11 $?
-  PATH=$stage/broken:$PATH "$clearprompt" text -pre -outfile answer -pro x 2>err
-  expect_equal "status after '$end'" 11 $?
-  expect_no_file answer
+    printf '#!/bin/sh\n%s\n' "$end" >broken/zenity && chmod +x broken/zenity
+    PATH=$stage/broken:$PATH "$clearprompt" yes_no -mask yes,no -pre -pro x 2>err
+    expect_equal "status after '$end'" 11 $?
+    PATH=$stage/broken:$PATH "$clearprompt" text -pre -outfile answer -pro x 2>err
+    expect_equal "status after '$end'" 11 $?
+    expect_no_file answer
 done
 
 case_is "a display that goes while a dialog is up"

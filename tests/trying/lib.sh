@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # What the tests of trying gatescope without ClearCase share. Read by each of them; gives
 # `$clearprompt`, an empty directory `$stage` that is the working directory, and an end that
 # leaves no process behind.
@@ -13,11 +14,11 @@ stage=$(mktemp -d)
 cd "$stage" || exit 99
 
 end() {
-  local process
-  for process in $dialog $terminal_server $display_server; do
-    kill "$process" 2>/dev/null && wait "$process" 2>/dev/null
-  done
-  rm -rf "$stage"
+    local process
+    for process in $dialog $terminal_server $display_server; do
+        kill "$process" 2>/dev/null && wait "$process" 2>/dev/null
+    done
+    rm -rf "$stage"
 }
 trap end EXIT
 trap 'exit 130' INT
@@ -27,128 +28,149 @@ trap 'exit 143' TERM HUP
 
 case_is() { current_case=$*; }
 failed() {
-  failures=$((failures + 1))
-  printf 'FAILED: %s: %s\n' "$current_case" "$1"
+    failures=$((failures + 1))
+    printf 'FAILED: %s: %s\n' "$current_case" "$1"
 }
 expect_equal() { # what, expected, actual
-  [[ $2 == "$3" ]] || failed "$1 is '$3', not '$2'"
+    [[ $2 == "$3" ]] || failed "$1 is '$3', not '$2'"
 }
 expect_holds() { # what, part, actual
-  [[ $3 == *"$2"* ]] || failed "$1 lacks '$2': $3"
+    [[ $3 == *"$2"* ]] || failed "$1 lacks '$2': $3"
 }
 expect_file() { # file, content to the byte
-  local content
-  [[ -e $1 ]] || { failed "$1 is not there" && return; }
-  content=$(cat "$1" && printf x)
-  expect_equal "the content of $1" "$2" "${content%x}"
+    local content
+    [[ -e $1 ]] || { failed "$1 is not there" && return; }
+    content=$(cat "$1" && printf x)
+    expect_equal "the content of $1" "$2" "${content%x}"
 }
 expect_no_file() { [[ ! -e $1 ]] || failed "$1 is there"; }
 give_up() {
-  failed "$1"
-  report
+    failed "$1"
+    report
 }
 report() {
-  ((failures == 0)) || { printf '%d failures\n' "$failures" && exit 1; }
-  printf 'all as expected\n'
-  exit 0
+    ((failures == 0)) || { printf '%d failures\n' "$failures" && exit 1; }
+    printf 'all as expected\n'
+    exit 0
 }
 
 # Ends the test as not run where a program that it needs is missing.
 needs() {
-  local program
-  for program in "$@"; do
-    command -v "$program" >/dev/null || { printf 'not run: no %s\n' "$program" && exit 77; }
-  done
+    local program
+    for program in "$@"; do
+        command -v "$program" >/dev/null || { printf 'not run: no %s\n' "$program" && exit 77; }
+    done
 }
 
 # Repeats a command until it succeeds, ten seconds long.
 eventually() {
-  local end=$((SECONDS + 10))
-  until "$@"; do
-    ((SECONDS < end)) || return 1
-    sleep 0.05
-  done
+    local end=$((SECONDS + 10))
+    until "$@"; do
+        ((SECONDS < end)) || return 1
+        sleep 0.05
+    done
 }
 
 # --- a dialog of clearprompt's, in the background ---
 
 start_dialog() {
-  rm -f labels labels.rows
-  WINDOW_LABELS=$stage/labels LD_PRELOAD=${WINDOW_LABELS_LIBRARY:-} "$clearprompt" "$@" 2>err &
-  dialog=$!
+    rm -f labels labels.rows
+    "$clearprompt" "$@" 2>err &
+    dialog=$!
 }
 has_ended() { ! kill -0 "$dialog" 2>/dev/null; }
 # Waits for its end: sets `status`.
 dialog_ends() {
-  eventually has_ended || { failed "the dialog is still there" && kill "$dialog"; }
-  wait "$dialog"
-  status=$?
-  dialog=''
+    eventually has_ended || { failed "the dialog is still there" && kill "$dialog"; }
+    wait "$dialog"
+    status=$?
+    dialog=''
 }
 ends_with() { # status
-  dialog_ends
-  expect_equal status "$1" "$status"
+    dialog_ends
+    expect_equal status "$1" "$status"
 }
 
 # --- a display of the test's own ---
 
 start_display() {
-  needs Xvfb xdotool zenity
-  exec 5> >(cat >"$stage/display")
-  setpriv --pdeathsig KILL Xvfb -displayfd 5 -noreset -screen 0 1024x768x24 -nolisten tcp >/dev/null 2>&1 &
-  display_server=$!
-  exec 5>&-
-  eventually test -s "$stage/display" || give_up "Xvfb does not come up"
-  DISPLAY=:$(<"$stage/display")
-  export DISPLAY GTK_USE_PORTAL=0 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
+    needs Xvfb xdotool zenity
+    exec 5> >(cat >"$stage/display")
+    setpriv --pdeathsig KILL Xvfb -displayfd 5 -noreset -screen 0 1024x768x24 -nolisten tcp \
+        >/dev/null 2>&1 &
+    display_server=$!
+    exec 5>&-
+    eventually test -s "$stage/display" || give_up "Xvfb does not come up"
+    DISPLAY=:$(<"$stage/display")
+    export DISPLAY GTK_USE_PORTAL=0 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
+    make_zenity_tell
+}
+# A zenity on the search path that writes down its labels and rows.
+make_zenity_tell() {
+    local zenity
+    zenity=$(command -v zenity)
+    mkdir "$stage/telling"
+    cat >"$stage/telling/zenity" <<END
+#!/bin/sh
+WINDOW_LABELS='$stage/labels' LD_PRELOAD='${WINDOW_LABELS_LIBRARY:?names the library}' \\
+    exec '$zenity' "\$@"
+END
+    chmod +x "$stage/telling/zenity"
+    PATH=$stage/telling:$PATH
 }
 has_window() { # class
-  window=$(xdotool search --onlyvisible --class "$1" 2>/dev/null | head -n 1)
-  [[ -n $window ]] || return 1
-  xdotool windowfocus "$window" 2>/dev/null
-  [[ $(xdotool getwindowfocus -f 2>/dev/null) == "$window" ]]
+    window=$(xdotool search --onlyvisible --class "$1" 2>/dev/null | head -n 1)
+    [[ -n $window ]] || return 1
+    xdotool windowfocus "$window" 2>/dev/null
+    [[ $(xdotool getwindowfocus -f 2>/dev/null) == "$window" ]]
 }
 has_no_window() { ! has_window "$1"; }
 window_appears() {
-  eventually has_window zenity || failed "no window appears: $(cat err 2>/dev/null)"
+    eventually has_window zenity || failed "no window appears: $(cat err 2>/dev/null)"
 }
 window_goes() { eventually has_no_window zenity || failed "the window stays"; }
 press() { xdotool key --delay 30 "$@"; }
 enter() { xdotool type --delay 15 "$1"; }
+# Sets X, Y, WIDTH and HEIGHT of the window, in pixels.
+read_geometry() {
+    X=0 Y=0 WIDTH=0 HEIGHT=0
+    eval "$(xdotool getwindowgeometry --shell "$window")"
+}
 # Clicks the window at so many pixels from its right and lower edges.
 click_from_corner() {
-  local WIDTH=0 HEIGHT=0 X=0 Y=0 WINDOW SCREEN
-  eval "$(xdotool getwindowgeometry --shell "$window")"
-  xdotool mousemove $((X + WIDTH - $1)) $((Y + HEIGHT - $2)) click 1
+    read_geometry
+    xdotool mousemove $((X + WIDTH - $1)) $((Y + HEIGHT - $2)) click 1
 }
 shows() { start_dialog "$@" && window_appears; }
 has_rows() { [[ -e labels.rows && $(<labels.rows) == "$1" ]]; }
 shows_rows() { # number of rows, arguments
-  local rows=$1
-  shift
-  shows "$@"
-  eventually has_rows "$rows" || failed "the list has $(<labels.rows) rows, not $rows"
+    local rows=$1
+    shift
+    shows "$@"
+    eventually has_rows "$rows" || failed "the list has $(<labels.rows) rows, not $rows"
 }
 
 # --- a terminal of the test's own ---
 
 tmux_does() { tmux -N -L "$terminal_name" "$@"; }
 start_terminal() { # columns, rows
-  needs tmux whiptail
-  terminal_name=trying-$$
-  TMUX_TMPDIR=$stage
-  export TMUX_TMPDIR
-  cat >"$stage/tmux.conf" <<'CONF'
+    needs tmux whiptail
+    terminal_name=trying-$$
+    TMUX_TMPDIR=$stage
+    export TMUX_TMPDIR
+    cat >"$stage/tmux.conf" <<'CONF'
 set -g exit-empty off
 set -g default-terminal screen
 set -g status off
 set -s escape-time 0
 CONF
-  setpriv --pdeathsig KILL tmux -L "$terminal_name" -f "$stage/tmux.conf" -D </dev/null >/dev/null 2>&1 &
-  terminal_server=$!
-  eventually tmux_does new-session -d -x "$1" -y "$2" "env PS1='ready> ' bash --norc --noprofile -i" \
-    2>/dev/null || give_up "tmux does not come up"
-  eventually on_screen 'ready>' || give_up "no shell comes up in tmux"
+    setpriv --pdeathsig KILL tmux -L "$terminal_name" -f "$stage/tmux.conf" -D \
+        </dev/null >/dev/null 2>&1 &
+    terminal_server=$!
+    eventually tmux_does new-session -d -x "$1" -y "$2" \
+        "env PS1='ready> ' bash --norc --noprofile -i" 2>/dev/null ||
+        give_up "tmux does not come up"
+    eventually on_screen 'ready>' || give_up "no shell comes up in tmux"
 }
 screen() { tmux_does capture-pane -p; }
 on_screen() { [[ $(screen) == *"$1"* ]]; }
@@ -156,21 +178,50 @@ not_on_screen() { ! on_screen "$1"; }
 keys() { tmux_does send-keys "$@"; }
 types() { tmux_does send-keys -l -- "$1"; }
 appears() {
-  eventually on_screen "$1" || failed "not on the screen: '$1' but: $(screen)"
+    eventually on_screen "$1" || failed "not on the screen: '$1' but: $(screen)"
 }
 # Runs a command in the terminal; its status comes to the file `status`.
 in_terminal() {
-  rm -f status
-  printf '%s\n' "$1" >command
-  keys C-l
-  types '. ./command; echo $? >s; mv s status'
-  keys Enter
+    rm -f status
+    printf '%s\n' "$1" >to_run
+    keys C-l
+    # shellcheck disable=SC2016 # the shell in the terminal fills it in
+    types '. ./to_run; echo $? >s; mv s status'
+    keys Enter
 }
 terminal_ends_with() {
-  if eventually test -e status; then
-    expect_equal status "$1" "$(<status)"
-  else
-    failed "the command is still running: $(screen)"
-    keys C-c
-  fi
+    if eventually test -e status; then
+        expect_equal status "$1" "$(<status)"
+    else
+        failed "the command is still running: $(screen)"
+        keys C-c
+    fi
 }
+
+# --- the whole program ---
+
+# Makes a region under `$region` with a record of today in its log.
+make_region() {
+    region=$stage/region
+    gatebits=$region/gatebits.txt
+    mkdir -p "$region/log" "$region/query_results"
+    cat >"$gatebits" <<END
+#!gatescope_unix_gatewarden_check=
+#!gatescope_unix_browser=
+gatewarden;;;trial;
+;$region;A;
+;;
+;;
+; ;
+; ;
+;Welcome to the region.;;
+D;000000000000000000000000;
+pre_checkin;R; ;0;0;0;D; ;N; ;0;;;;;0;E;;;
+END
+    printf '%d:S:anna[2]-<->\n' "$(date +%s)" >"$region/log/logging_0.txt"
+    cp "$gatebits" before
+}
+# The changed lines of the policy file.
+changes() { diff before "$gatebits" | grep '^[<>]'; }
+pages() { find "$region/query_results" -name '*_Q01.html' | wc -l; }
+has_page() { [[ $(pages) == 1 ]]; }

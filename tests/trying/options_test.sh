@@ -1,23 +1,24 @@
+#!/usr/bin/env bash
 # What clearprompt takes and refuses, without any dialog.
 
-. "$(dirname -- "$0")/lib.sh" || exit 99
+source "$(dirname -- "$0")/lib.sh" || exit 99
 export CLEARPROMPT_ANSWERS=$stage/answers
 
 runs() { # answer, arguments
-  printf '%s\n' "$1" >answers
-  shift
-  "$clearprompt" "$@" >out 2>err
-  status=$?
-  said=$(<err)
+    printf '%s\n' "$1" >answers
+    shift
+    "$clearprompt" "$@" >out 2>err
+    status=$?
+    said=$(<err)
 }
 refuses() { # part of the message, arguments
-  local part=$1
-  shift
-  rm -f answer
-  runs "${refused_answer:-yes}" "$@"
-  expect_equal "status of $*" 13 "$status"
-  expect_holds "the message for $*" "$part" "$said"
-  expect_no_file answer
+    local part=$1
+    shift
+    rm -f answer
+    runs "${refused_answer:-yes}" "$@"
+    expect_equal "status of $*" 13 "$status"
+    expect_holds "the message for $*" "$part" "$said"
+    expect_no_file answer
 }
 
 case_is "options cut as the program cuts them"

@@ -1,37 +1,39 @@
+#!/usr/bin/env bash
 # clearprompt on a terminal: every mode, every way out, and what happens where there is none.
 
-. "$(dirname -- "$0")/lib.sh" || exit 99
+source "$(dirname -- "$0")/lib.sh" || exit 99
 start_terminal 90 30
+# shellcheck disable=SC2016 # none of it is to act
 nasty='<b>&amp; _x_ %s "quotes" $(echo no) \ \n'
 marked=${nasty//&/&&}
 
 # Starts clearprompt with these arguments in the terminal and waits for a part of its screen.
 asks() { # part of the screen, arguments
-  local part=$1
-  shift
-  rm -f answer
-  in_terminal "$(printf '%q ' "$clearprompt" "$@")"
-  appears "$part"
+    local part=$1
+    shift
+    rm -f answer
+    in_terminal "$(printf '%q ' "$clearprompt" "$@")"
+    appears "$part"
 }
 ends() { # status, keys
-  local expected=$1
-  shift
-  keys "$@"
-  terminal_ends_with "$expected"
+    local expected=$1
+    shift
+    keys "$@"
+    terminal_ends_with "$expected"
 }
 # The screen without the joiner that keeps backslash and n apart.
 plain_screen() { screen | sed $'s/\u2060//g'; }
 
 for preset in yes no abort; do
-  case_is "a question, preset $preset"
-  asks Abort yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
-  case $preset in
-    yes) ends 0 Enter ;;
-    no) ends 1 Enter ;;
-    abort) ends 2 Enter ;;
-  esac
-  asks Abort yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
-  ends 2 Escape
+    case_is "a question, preset $preset"
+    asks Abort yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
+    case $preset in
+        yes) ends 0 Enter ;;
+        no) ends 1 Enter ;;
+        abort) ends 2 Enter ;;
+    esac
+    asks Abort yes_no -mask yes,no,abort -def $preset -pre -pro 'Really?'
+    ends 2 Escape
 done
 case_is "a question, picked by the arrows"
 asks Abort yes_no -mask yes,no,abort -def yes -pre -pro 'Really?'
@@ -55,19 +57,19 @@ ends 2 Tab Enter
 
 case_is "one button, pressed and closed"
 for way in Enter Escape; do
-  asks '<Yes>' yes_no -mask yes -def yes -pre -pro 'Done.'
-  ends 0 $way
-  asks '<No>' yes_no -mask no -def no -pre -pro 'Done.'
-  ends 1 $way
-  asks '<Abort>' yes_no -mask abort -def abort -pre -pro 'Done.'
-  ends 2 $way
+    asks '<Yes>' yes_no -mask yes -def yes -pre -pro 'Done.'
+    ends 0 $way
+    asks '<No>' yes_no -mask no -def no -pre -pro 'Done.'
+    ends 1 $way
+    asks '<Abort>' yes_no -mask abort -def abort -pre -pro 'Done.'
+    ends 2 $way
 done
 
 case_is "prompts letter for letter"
 asks '<Yes>' yes_no -mask yes,no -pre -pro "$marked"
 expect_holds "the screen" " $nasty " "$(plain_screen)"
 ends 0 Enter
-asks Abort yes_no -pre -newline -pro "--${marked//'\n'/'\n'next line}"
+asks Abort yes_no -pre -newline -pro "--$marked"'next line'
 expect_holds "the screen" " --${nasty%'\n'}" "$(screen)"
 expect_holds "the screen" '│ next line ' "$(screen)"
 ends 0 Enter
@@ -123,7 +125,7 @@ expect_file answer 'one two  three'
 case_is "several lines are shown"
 seq -f 'line %.0f \n <b>' 100 >lines
 asks 'line 9' text -prefer_gui -multi_line -outfile answer -dfile lines -newline \
-  -prompt 'A file\nof mine'
+    -prompt 'A file\nof mine'
 expect_holds "the screen" 'of mine' "$(screen)"
 expect_holds "the screen" 'line 1 \n <b>' "$(plain_screen)"
 ends 0 Tab Enter
@@ -183,7 +185,7 @@ expect_no_file answer
 
 case_is "a box in the background, then a question: one after the other"
 printf '%s\n' "$clearprompt yes_no -mask yes -def yes -pre -pro FIRST &" \
-  "$clearprompt yes_no -mask yes,no -def no -pre -pro SECOND" >both
+    "$clearprompt yes_no -mask yes,no -def no -pre -pro SECOND" >both
 in_terminal 'sh ./both'
 appears FIRST
 expect_equal "the question beside the box" "" "$(screen | grep SECOND)"
@@ -201,7 +203,9 @@ appears 'still 42'
 terminal_ends_with 0
 
 case_is "a question whose terminal is another's is no 'no'"
-printf '%s\n' "$clearprompt yes_no -mask yes,no -pre -pro Q 2>err; echo \$? >s; mv s background" >later
+# shellcheck disable=SC2016 # the shell in the terminal fills it in
+printf '%s\n' "$clearprompt yes_no -mask yes,no -pre -pro Q 2>err" 'echo $? >s' \
+    'mv s background' >later
 in_terminal 'sh -c "sh ./later &"'
 terminal_ends_with 0
 eventually test -e background || failed "the question does not end"
@@ -209,22 +213,26 @@ expect_equal status 10 "$(<background)"
 
 case_is "terminals of no or of an unknown kind"
 for kind in '' dumb never-heard-of; do
-  in_terminal "TERM='$kind' $clearprompt yes_no -mask yes,no -pre -pro x 2>err"
-  terminal_ends_with 10
-  expect_holds "the message" "TERM='$kind'" "$(<err)"
+    in_terminal "TERM='$kind' $clearprompt yes_no -mask yes,no -pre -pro x 2>err"
+    terminal_ends_with 10
+    expect_holds "the message" "TERM='$kind'" "$(<err)"
 done
 
 case_is "a whiptail that crashes or fails is no answer"
 mkdir broken
 for end in 'kill -SEGV $$' 'exit 7' 'echo usage >&2; exit 1' 'echo broken >&2; exit 255'; do
-  printf '#!/bin/sh\n%s\n' "$end" >broken/whiptail && chmod +x broken/whiptail
-  in_terminal "PATH=$stage/broken:\$PATH $clearprompt yes_no -mask yes,no -pre -pro x 2>err"
-  terminal_ends_with 11
+    printf '#!/bin/sh\n%s\n' "$end" >broken/whiptail && chmod +x broken/whiptail
+    in_terminal "PATH=$stage/broken:\$PATH $clearprompt yes_no -mask yes,no -pre -pro x 2>err"
+    terminal_ends_with 11
 done
 
 case_is "a signal gives the terminal back as it was"
 mkdir temporary
-in_terminal "stty -a >before; TMPDIR=$stage/temporary $clearprompt text -pre -out answer -pro Q & pid=\$!; fg >/dev/null; s=\$?; stty -a >after; (exit \$s)"
+in_terminal "stty -a >before
+TMPDIR=$stage/temporary $clearprompt text -pre -out answer -pro Q
+s=\$?
+stty -a >after
+(exit \$s)"
 appears '<Ok>'
 pkill -TERM -P "$(tmux_does display-message -p '#{pane_pid}')" -f tools/clearprompt
 terminal_ends_with 143

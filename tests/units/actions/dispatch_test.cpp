@@ -1,95 +1,98 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
 #include "actions/actions.h"
-#include "actions/requests.h"
 #include "actions/tool_settings.h"
 #include "main/selections.h"
 #include "policy/checker.h"
-#include "units/on_stage.h"
+#include "policy/tool_variables.h"
+#include "units/scratch_region.h"
 
 namespace {
 
-class Dispatch : public OnStage {
+/// Every dialog is cancelled, and the checker ends with CHECKER_STATUS.
+class Dispatch : public ScratchRegion {
   protected:
-    Dispatch()
-        : OnStage(a_region()
-                      .with_line(2, "W:depot;{stage}/depot;O;")
-                      .with_file("a_file", "")
-                      .with_file("a_directory/file", "")) {
-        GS_VAR[UNIX_CHECKER] = region.checker_path();
+    Dispatch() {
+        write("checker", "#!/bin/sh\nexit ${CHECKER_STATUS:-0}\n");
+        std::filesystem::permissions(path("checker"), std::filesystem::perms::owner_all);
+        unsetenv("CHECKER_STATUS");
+        GS_VAR.fill("");
+        GS_VAR[UNIX_CHECKER] = path("checker");
+        EMERGENCY_CHECKER = path("none");
         IS_DURING_INSTALL = false;
+        questions_end_with(2);
+        region("", "");
     }
     ~Dispatch() override { IS_DURING_INSTALL = false; }
 
-    /// What the guard says of action n when its prompt is cancelled with `path` in the field.
-    int guard_of_path(int n, RegionLine line, int field, const std::string& path) {
-        set_a_field(line, field, path);
-        region.cancels();
-        const int result = A_X(n);
-        EXPECT_EQ(region.shown_so_far().dialogs().size(), 1u) << n << path;
-        return result;
+    /// The UNIX column of the parent and notify lines.
+    void region(const std::string& parent, const std::string& notify) const {
+        gatebits_are("gatewarden;;;east;\nW:d;" + path("") + ";O;\n/none;" + parent + ";\n/none;" +
+                     notify + ";\n; ;\n; ;\n;;;\nD;0;\n");
     }
 };
-using DispatchDeathTest = Dispatch;
 
-TEST_F(DispatchDeathTest, TheGuardRefusesWhatIsRunDirectly) {
-    for (const int n : {-1, 0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 29, 30}) {
-        EXPECT_GRIPE(A_X(n), "incomplete action coding in A_X:main") << n;
+TEST_F(Dispatch, ActionsThatAreNotGuardedAreAFault) {
+    for (const int number : {0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 24, 25, 26, 27, 28, 29, 30}) {
+        EXPECT_GRIPE(A_X(number), "incomplete action coding in A_X:main\n");
     }
 }
 
-TEST_F(Dispatch, TheGuardLooksAtUnixPathsOnly) {
-    const std::string file = region.path("a_file");
-    const std::string directory = region.path("a_directory");
-    for (const auto& [n, line] : {std::pair{7, PARENT_LINE}, std::pair{10, NOTIFY_LINE}}) {
-        EXPECT_EQ(guard_of_path(n, line, 2, ""), 1) << n;
-        EXPECT_EQ(guard_of_path(n, line, 2, file), 1) << n;
-        EXPECT_EQ(guard_of_path(n, line, 2, directory), 0) << n;
-        EXPECT_EQ(guard_of_path(n, line, 2, "/no/such/file"), 0) << n;
-    }
-    for (const auto& [n, line] : {std::pair{6, PARENT_LINE}, std::pair{9, NOTIFY_LINE}}) {
-        EXPECT_EQ(guard_of_path(n, line, 1, directory), 1) << n;
-        EXPECT_EQ(guard_of_path(n, line, 1, "/no/such/file"), 1) << n;
+TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
+    write("file", "");
+    for (const int number : {7, 10}) {
+        region("", "");
+        EXPECT_EQ(A_X(number), 1);
+        region(path("file"), path("file"));
+        EXPECT_EQ(A_X(number), 1);
+        region(path(""), path(""));
+        EXPECT_EQ(A_X(number), 0);
+        region(path("nothing"), path("nothing"));
+        EXPECT_EQ(A_X(number), 0);
     }
 }
 
-TEST_F(Dispatch, TheGuardSaysWhetherTheFileCouldBeChecked) {
-    region.cancels();
+TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
+    EXPECT_EQ(A_X(6), 1);
+    EXPECT_EQ(A_X(9), 1);
+}
+
+TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
     EXPECT_EQ(A_X(11), 1);
-    GS_VAR[UNIX_CHECKER] = "";
-    EMERGENCY_CHECKER = region.path("no_checker");
-    region.cancels();
-    EXPECT_EQ(A_X(11), 0);
-    EMERGENCY_CHECKER = "";
+    GS_VAR[UNIX_CHECKER] = path("none");
+    int result = -1;
+    const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
+                                  " \ndefined in  could not be found..\n";
+    EXPECT_EQ(printed_by([&] { result = A_X(11); }), not_found + not_found);
+    EXPECT_EQ(result, 0);
 }
 
-TEST_F(Dispatch, OutsideInstallationNothingIsRefused) {
-    EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 0);
-    EXPECT_TRUE(region.shown_so_far().dialogs().empty());
+TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
+    setenv("CHECKER_STATUS", "3", 1);
+    const std::string reenter =
+        "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
+    int result = -1;
+    EXPECT_EQ(printed_by([&] { result = A_X(11); }), reenter + reenter);
+    EXPECT_EQ(result, 1);
 }
 
-TEST_F(Dispatch, ARefusalNamesTheActionByItsTitle) {
+TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 0); }), "");
     IS_DURING_INSTALL = true;
-    EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 1);
-    EXPECT_EQ(A_during_install("A02 - one - two"), 1);
-    EXPECT_EQ(A_during_install("Prune-Log-Files"), 1);
-    EXPECT_EQ(region.shown_so_far().dialogs(),
-              (Dialogs{advised_and_waited("This Action: 'Prune Log Files'\n\nis not available "
-                                          "during the installation process..."),
-                       advised_and_waited("This Action: 'one - two'\n\nis not available during the "
-                                          "installation process..."),
-                       advised_and_waited("This Action is not available during the installation "
-                                          "process...")}));
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 1); }),
+              "This Action: 'Prune Log Files'\n\nis not available during the installation "
+              "process...\n");
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("Prune - Log - Files"), 1); }),
+              "This Action: 'Log - Files'\n\nis not available during the installation "
+              "process...\n");
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("Prune"), 1); }),
+              "This Action is not available during the installation process...\n");
 }
 
-TEST_F(DispatchDeathTest, SettingsAreAskedForInTwoModesOnly) {
-    EXPECT_GRIPE(ask_all_configure('m'), "Internal error in ask_all_configure");
-    EXPECT_GRIPE(ask_all_configure('\0'), "Internal error in ask_all_configure");
-}
-
-TEST_F(Dispatch, TheWalksHaveTheirTitlesThoughNoMenuShowsThem) {
-    EXPECT_STREQ(request_numbered(RequestKind::ACTION, 28)->label,
-                 "A28 - Guide through important Gatebits file fields");
-    EXPECT_STREQ(request_numbered(RequestKind::ACTION, 29)->label,
-                 "A29 - Guide through ALL Gatebits file fields");
+TEST_F(Dispatch, UnknownSetOfSettingsIsAFault) {
+    EXPECT_GRIPE(ask_all_configure('X'), "Internal error in ask_all_configure\n");
 }
 
 }  // namespace

@@ -1,0 +1,37 @@
+#include "actions/bits_field.h"
+
+#include <vector>
+
+#include "actions/picks.h"
+#include "main/filled.h"
+#include "main/text.h"
+#include "messages/action_texts.h"
+
+std::string bit_state(std::string field) {
+    field.resize(NUMBER_OF_BITS, '0');
+    for (char& bit : field) bit = bit == '1' ? '1' : '0';
+    return field;
+}
+
+std::string bit_entries(const std::string& state) {
+    std::vector<std::string> entries;
+    for (std::size_t bit = 0; bit < NUMBER_OF_BITS; ++bit) {
+        entries.push_back(
+            filled(BIT_ENTRY, static_cast<int>(bit), state[bit], GATEWARDEN_BITS_DESC[bit]));
+    }
+    return as_list(entries);
+}
+
+std::string state_with_only(const std::string& picks) {
+    std::string state(NUMBER_OF_BITS, '0');
+    // A delimiter behind the last pick keeps it from being dropped.
+    const std::string terminated = picks + ",";
+    for (const char* pick = STRTOK(terminated.c_str(), ","); pick != nullptr;
+         pick = STRTOK(nullptr, ",")) {
+        const auto bit = number_at_front(pick);
+        if (bit && static_cast<std::size_t>(*bit) < NUMBER_OF_BITS) {
+            state[static_cast<std::size_t>(*bit)] = '1';
+        }
+    }
+    return state;
+}

@@ -1,0 +1,467 @@
+#include "logs/log_rewrite.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <optional>
+#include <utility>
+
+#include "dialog/messages.h"
+#include "logs/log_files.h"
+#include "logs/log_reader.h"
+#include "main/file_identity.h"
+#include "main/files.h"
+#include "main/filled.h"
+#include "main/process_end.h"
+#include "main/replace_file.h"
+#include "main/temporary_files.h"
+#include "messages/log_texts.h"
+
+namespace {
+
+/// How long a writer is waited for. One that keeps a log open for longer is taken to keep it open
+/// for good.
+constexpr int PATIENCE = 200;
+constexpr useconds_t PATIENCE_STEP = 1000;
+/// The same where the system does not tell whether there is a writer.
+constexpr int BLIND_PATIENCE = 20;
+/// Only a writer that never pauses makes a second round necessary time and again; what it adds
+/// last is left for the next run.
+constexpr int MOST_ROUNDS = 20;
+/// Bytes copied at a time.
+constexpr std::size_t COPY_SIZE = 128UL * 1024;
+/// The disk is set to work on a new text whenever so many bytes have come together.
+constexpr off_t WRITE_BACK_SIZE = 8 << 20;
+
+[[noreturn]] void gripe_stopped(const std::string& log, const char* step, const std::string& path,
+                                int error) {
+    gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error), log.c_str()));
+}
+
+/// Waits until nobody has an open file open for writing; false when somebody keeps it so.
+bool writers_have_gone(int file) {
+    // Who opens the file at the moment of the lease makes the system send this one.
+    std::signal(SIGIO, SIG_IGN);
+    for (int tried = 0; tried < PATIENCE; ++tried) {
+        // A lease for reading is granted to nobody while there is a writer.
+        if (fcntl(file, F_SETLEASE, F_RDLCK) == 0) {
+            fcntl(file, F_SETLEASE, F_UNLCK);
+            return true;
+        }
+        if (errno != EAGAIN && tried >= BLIND_PATIENCE) return true;
+        usleep(PATIENCE_STEP);
+    }
+    return false;
+}
+
+/// The scratch file, in the log's own directory, so that it can be renamed.
+std::string scratch_beside(const std::string& log) {
+    const std::filesystem::path scratch = pruning_scratch_path();
+    return std::filesystem::path(log).replace_filename(scratch.filename());
+}
+
+/// The new text of a log while it is written.
+class NewText {
+  public:
+    explicit NewText(const std::string& log) : log_(log), path_(scratch_beside(log)) {}
+
+    bool exists() const { return exists_; }
+
+    /// Creates it.
+    void begin() {
+        unlink(path_.c_str());
+        const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+        if (file == -1) gripe(NO_PRUNING_FILE);
+        remember_temporary_file(path_);
+        LOGGING_FILE_PRUNE_STREAM = fdopen(file, "w");
+        if (LOGGING_FILE_PRUNE_STREAM == nullptr) gripe(NO_PRUNING_FILE);
+        exists_ = true;
+    }
+
+    /// Creates it with the identity and the first `size` bytes of the open log.
+    void begin_like(int log, off_t size) {
+        begin();
+        // An owner that cannot be carried over is noticed when the log is to be replaced.
+        carry_over_identity(log, descriptor());
+        std::vector<char> buffer(COPY_SIZE);
+        for (off_t at = 0; at < size;) {
+            const auto left = static_cast<std::size_t>(size - at);
+            const ssize_t got = pread(log, buffer.data(), std::min(buffer.size(), left), at);
+            if (got == -1 && errno == EINTR) continue;
+            if (got <= 0) gripe_stopped(log_, "read", log_, got == 0 ? EIO : errno);
+            add({buffer.data(), static_cast<std::size_t>(got)});
+            at += got;
+        }
+    }
+
+    void add(std::string_view text) {
+        const int error = write_all(descriptor(), text);
+        if (error != 0) gripe_stopped(log_, "write", path_, error);
+        size_ += static_cast<off_t>(text.size());
+        if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
+            // Only to make the sync shorter, so it may fail.
+            sync_file_range(descriptor(), on_its_way_, 0, SYNC_FILE_RANGE_WRITE);
+            on_its_way_ = size_;
+        }
+    }
+
+    /// Brings it to the disk and gives it the name that says that it is complete.
+    void complete(const std::string& name) {
+        if (fsync(descriptor()) != 0) gripe_stopped(log_, "sync", path_, errno);
+        if (std::fclose(std::exchange(LOGGING_FILE_PRUNE_STREAM, nullptr)) != 0) {
+            gripe_stopped(log_, "close", path_, errno);
+        }
+        if (rename(path_.c_str(), name.c_str()) != 0) {
+            gripe_stopped(log_, "rename", path_, errno);
+        }
+        forget_temporary_file(path_);
+    }
+
+  private:
+    static int descriptor() { return fileno(LOGGING_FILE_PRUNE_STREAM); }
+
+    std::string log_;
+    std::string path_;
+    bool exists_ = false;
+    off_t size_ = 0;
+    /// The beginning that the system has been told to bring to the disk already.
+    off_t on_its_way_ = 0;
+};
+
+/// A file beside the log, and the number in its name.
+struct Beside {
+    std::string path;
+    off_t bytes = 0;
+};
+
+/// One log on its way from state to state.
+class Rewriting {
+  public:
+    Rewriting(const LogFiles& files, KeptRecords* records)
+        : log_(files.log),
+          taken_(filled(TAKEN_NAME, files.companion.c_str())),
+          overwriting_(filled(OVERWRITING_NAME, files.log.c_str())),
+          records_(records) {}
+
+    /// Goes on where another run stopped, until there is nothing beside the log. The log's own
+    /// records are all kept, and not counted, unless `look_at_log`.
+    void run(bool look_at_log);
+    /// Puts the companion out of the writers' reach.
+    void take(const std::string& companion);
+
+  private:
+    // From state to state.
+    void resume();
+    bool make_new_text(bool look_at_log);
+    void publish(const Beside& new_text);
+    void become_log(const Beside& new_text);
+    bool replace_log(const Beside& new_text, int log);
+    void overwrite_log(const Beside& new_text, int log);
+    void copy_over_log();
+    void drop_old_without_tail();
+
+    // The pieces of a new text.
+    off_t add_log(NewText* text, int log, bool look_at_it);
+    void add_records(NewText* text, const std::string& path, off_t from);
+    void keep_tail(int log, off_t from);
+
+    std::optional<Beside> find(const char* format) const;
+    bool is_regular_file(const std::string& path) const;
+    bool is_there(const std::string& path) const;
+    bool is_the_log(const std::string& path) const;
+    bool examine(const std::string& path, struct stat* status) const;
+    bool something_to_add() const;
+    std::string named(const char* format, off_t bytes) const;
+    void remove_file(const std::string& path) const;
+    void sync_names() const;
+
+    std::string log_;
+    std::string taken_;
+    std::string overwriting_;
+    KeptRecords* records_;
+};
+
+void Rewriting::run(bool look_at_log) {
+    for (int round = 0; round < MOST_ROUNDS; ++round) {
+        resume();
+        const bool look = look_at_log && round == 0;
+        if (!look && !something_to_add()) return;
+        if (!make_new_text(look)) return;
+    }
+    resume();
+}
+
+void Rewriting::take(const std::string& companion) {
+    if (rename(companion.c_str(), taken_.c_str()) != 0) {
+        gripe_stopped(log_, "rename", companion, errno);
+    }
+}
+
+/// Does what has to be done before a new text can be made.
+void Rewriting::resume() {
+    unlink_remove(scratch_beside(log_));
+    if (is_there(overwriting_)) copy_over_log();
+    if (const auto new_text = find(REPLACEMENT_NAME)) publish(*new_text);
+    drop_old_without_tail();
+}
+
+/// False, with nothing created, when the log is as it is to be.
+bool Rewriting::make_new_text(bool look_at_log) {
+    NewText text(log_);
+    off_t taken_over = 0;
+    if (open_log_stream(log_)) {
+        taken_over = add_log(&text, fileno(LOGGING_STREAM), look_at_log);
+        close_log_stream();
+    } else if (is_there(log_) && something_to_add()) {
+        gripe(NO_LOGGING_FILE);
+    }
+    if (something_to_add()) {
+        if (!text.exists()) text.begin();
+        if (const auto old = find(REPLACED_NAME)) add_records(&text, old->path, old->bytes);
+        if (is_there(taken_)) add_records(&text, taken_, 0);
+    }
+    if (!text.exists()) return false;
+    text.complete(named(REPLACEMENT_NAME, taken_over));
+    sync_names();
+    return true;
+}
+
+/// Returns how many bytes of the log the text holds, or would hold if it were needed.
+off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
+    KeptRecords all(std::numeric_limits<std::int64_t>::min());
+    KeptRecords* const records = look_at_it ? records_ : &all;
+    LogReader reader;
+    off_t done = 0;
+    off_t done_before = -1;
+    // What was appended while the rest was read comes along.
+    while (done != done_before) {
+        done_before = done;
+        reader.start(log, log_);
+        for (std::string_view piece; reader.next(&piece);) {
+            const std::string_view kept = records->of(piece);
+            if (!text->exists() && kept.data() != piece.data()) text->begin_like(log, done);
+            if (text->exists()) text->add(kept);
+            done += static_cast<off_t>(piece.size());
+        }
+    }
+    if (!text->exists() && something_to_add()) text->begin_like(log, done);
+    return done;
+}
+
+/// Adds the kept records of a file that nobody can open any more.
+void Rewriting::add_records(NewText* text, const std::string& path, off_t from) {
+    if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
+    const int file = fileno(LOGGING_STREAM);
+    writers_have_gone(file);
+    if (lseek(file, from, SEEK_SET) == -1) gripe_stopped(log_, "read", path, errno);
+    LogReader reader;
+    reader.start(file, path);
+    for (std::string_view piece; reader.next(&piece);) text->add(records_->of(piece));
+    close_log_stream();
+}
+
+void Rewriting::publish(const Beside& new_text) {
+    if (!is_the_log(new_text.path)) {
+        remove_file(taken_);
+        while (const auto old = find(REPLACED_NAME)) remove_file(old->path);
+        // Gone for good before the new text is the log, and could be added to it once more.
+        sync_names();
+        become_log(new_text);
+    }
+    if (is_there(new_text.path)) remove_file(new_text.path);
+}
+
+void Rewriting::become_log(const Beside& new_text) {
+    if (!is_there(log_)) {
+        // Somebody may be making the log at this moment, so nothing may be replaced.
+        if (link(new_text.path.c_str(), log_.c_str()) == 0) return sync_names();
+        if (errno != EEXIST) gripe_stopped(log_, "make", log_, errno);
+    }
+    if (!open_log_stream(log_)) gripe(NO_LOGGING_FILE);
+    const int log = fileno(LOGGING_STREAM);
+    if (!replace_log(new_text, log)) overwrite_log(new_text, log);
+    if (LOGGING_STREAM != nullptr) close_log_stream();
+}
+
+/// False, with nothing done, where the log has to stay the file that it is.
+bool Rewriting::replace_log(const Beside& new_text, int log) {
+    struct stat old_status;
+    struct stat new_status;
+    if (fstat(log, &old_status) != 0 || stat(new_text.path.c_str(), &new_status) != 0 ||
+        old_status.st_nlink != 1 || old_status.st_uid != new_status.st_uid ||
+        old_status.st_gid != new_status.st_gid || !writers_have_gone(log)) {
+        return false;
+    }
+    const std::string old = named(REPLACED_NAME, new_text.bytes);
+    if (link(log_.c_str(), old.c_str()) != 0) return false;
+    if (rename(new_text.path.c_str(), log_.c_str()) != 0) {
+        gripe_stopped(log_, "replace", log_, errno);
+    }
+    sync_names();
+    return true;
+}
+
+void Rewriting::overwrite_log(const Beside& new_text, int log) {
+    keep_tail(log, new_text.bytes);
+    if (rename(new_text.path.c_str(), overwriting_.c_str()) != 0) {
+        gripe_stopped(log_, "rename", new_text.path, errno);
+    }
+    sync_names();
+    close_log_stream();
+    copy_over_log();
+}
+
+/// Writes what was appended to the log behind `from` into a companion taken.
+void Rewriting::keep_tail(int log, off_t from) {
+    struct stat status;
+    if (fstat(log, &status) != 0) gripe_stopped(log_, "examine", log_, errno);
+    if (status.st_size <= from) return;
+    std::string tail(static_cast<std::size_t>(status.st_size - from), '\0');
+    const ssize_t got = pread(log, tail.data(), tail.size(), from);
+    if (got == -1) gripe_stopped(log_, "read", log_, errno);
+    tail.resize(static_cast<std::size_t>(got));
+    const int file = open(taken_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (file == -1) gripe_stopped(log_, "make", taken_, errno);
+    int error = write_all(file, tail);
+    if (error == 0 && fsync(file) != 0) error = errno;
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error != 0) gripe_stopped(log_, "write", taken_, error);
+}
+
+void Rewriting::copy_over_log() {
+    const int log = open(log_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    struct stat before;
+    if (log == -1 || fstat(log, &before) != 0) gripe_stopped(log_, "open", log_, errno);
+    if (!open_log_stream(overwriting_)) gripe_stopped(log_, "open", overwriting_, errno);
+    const int source = fileno(LOGGING_STREAM);
+    std::vector<char> buffer(COPY_SIZE);
+    off_t size = 0;
+    while (true) {
+        const ssize_t got = read(source, buffer.data(), buffer.size());
+        if (got == -1 && errno == EINTR) continue;
+        if (got == -1) gripe_stopped(log_, "read", overwriting_, errno);
+        if (got == 0) break;
+        const int error = write_all(log, {buffer.data(), static_cast<std::size_t>(got)});
+        if (error != 0) gripe_stopped(log_, "write", log_, error);
+        size += got;
+    }
+    close_log_stream();
+    // Whoever never closes the log may have appended meanwhile.
+    keep_tail(log, std::max(before.st_size, size));
+    if (ftruncate(log, size) != 0) gripe_stopped(log_, "cut", log_, errno);
+    if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
+    if (close(log) != 0) gripe_stopped(log_, "close", log_, errno);
+    remove_file(overwriting_);
+}
+
+/// Removes the old file where it is the log still, or nobody has appended to it.
+void Rewriting::drop_old_without_tail() {
+    const auto old = find(REPLACED_NAME);
+    if (!old) return;
+    bool has_tail = false;
+    if (!is_the_log(old->path)) {
+        if (!open_log_stream(old->path)) gripe_stopped(log_, "open", old->path, errno);
+        const int file = fileno(LOGGING_STREAM);
+        writers_have_gone(file);
+        struct stat status;
+        if (fstat(file, &status) != 0) gripe_stopped(log_, "examine", old->path, errno);
+        has_tail = status.st_size > old->bytes;
+        close_log_stream();
+    }
+    if (!has_tail) remove_file(old->path);
+}
+
+bool Rewriting::something_to_add() const {
+    return is_there(taken_) || find(REPLACED_NAME).has_value();
+}
+
+std::string Rewriting::named(const char* format, off_t bytes) const {
+    const std::string number = std::to_string(bytes);
+    return log_ + format + number;
+}
+
+/// The file that `named` would name with some number, if there is one.
+std::optional<Beside> Rewriting::find(const char* format) const {
+    const std::string start = log_ + format;
+    std::error_code error;
+    const auto directory = std::filesystem::path(log_).parent_path();
+    for (auto entry = std::filesystem::directory_iterator(directory, error);
+         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string& path = entry->path().native();
+        if (!path.starts_with(start) || !is_regular_file(path)) continue;
+        const off_t bytes = std::atoll(path.c_str() + start.size());
+        if (path == named(format, bytes)) return Beside{path, bytes};
+    }
+    // Not to see what stands beside the log is not the same as nothing standing there.
+    if (error) gripe_stopped(log_, "list", directory.native(), error.value());
+    return std::nullopt;
+}
+
+bool Rewriting::is_regular_file(const std::string& path) const {
+    struct stat status;
+    if (lstat(path.c_str(), &status) == 0) return S_ISREG(status.st_mode);
+    if (errno != ENOENT) gripe_stopped(log_, "examine", path, errno);
+    return false;
+}
+
+bool Rewriting::is_there(const std::string& path) const {
+    struct stat status;
+    return examine(path, &status);
+}
+
+bool Rewriting::is_the_log(const std::string& path) const {
+    struct stat status;
+    struct stat log;
+    return examine(path, &status) && examine(log_, &log) && status.st_dev == log.st_dev &&
+           status.st_ino == log.st_ino;
+}
+
+/// False when there is no such file.
+bool Rewriting::examine(const std::string& path, struct stat* status) const {
+    if (stat(path.c_str(), status) == 0) return true;
+    if (errno != ENOENT) gripe_stopped(log_, "examine", path, errno);
+    return false;
+}
+
+void Rewriting::remove_file(const std::string& path) const {
+    if (unlink(path.c_str()) != 0 && errno != ENOENT) gripe_stopped(log_, "remove", path, errno);
+}
+
+void Rewriting::sync_names() const {
+    for (const std::string& path : {log_, taken_}) {
+        const int error = sync_directory_of(path);
+        if (error != 0) gripe_stopped(log_, "bring to the disk the directory of", path, error);
+    }
+}
+
+}  // namespace
+
+void rewrite_log(const LogFiles& files, KeptRecords* records) {
+    Rewriting(files, records).run(true);
+    if (!open_log_stream(files.log)) return;
+    // Not a fault: somebody else's log keeps its mode.
+    make_public(files.log);
+    close_log_stream();
+}
+
+void merge_companion(const LogFiles& files, KeptRecords* records) {
+    if (!open_log_stream(files.companion)) return;
+    close_log_stream();
+    if (this_file_exists(files.log)) {
+        if (!open_log_stream(files.log)) gripe(NO_LOGGING_FILE);
+        close_log_stream();
+    }
+    Rewriting rewriting(files, records);
+    rewriting.run(false);
+    rewriting.take(files.companion);
+    rewriting.run(false);
+}

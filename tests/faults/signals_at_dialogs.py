@@ -1,0 +1,160 @@
+#!/usr/bin/env python3
+"""Ends the program by signals while a dialog is on the screen.
+
+    signals_at_dialogs.py GATESCOPE
+
+Whatever the signal and wherever it comes from, the program ends as by that signal, the dialog goes
+with it, no temporary file stays, and the policy file is the old one.
+"""
+
+import os
+import pty
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+GATEBITS = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
+
+# Dialogs that stay until they are ended: one that dies, and one that writes its answer even then,
+# as a program would that cleans up in its own way.
+PLAIN = "exec sleep 60"
+STUBBORN = """
+trap 'for last in "$@"; do [ "$before" = -outfile ] && echo late > "$last"; before=$last; done
+exit 0' TERM INT HUP
+while :; do sleep 0.1; done"""
+
+WAIT = 20
+
+
+def wait_for(condition, what):
+    end = time.time() + WAIT
+    while not condition():
+        if time.time() > end:
+            raise AssertionError("waited in vain for " + what)
+        time.sleep(0.01)
+
+
+def is_alive(pid):
+    try:
+        with open("/proc/%d/stat" % pid) as status:
+            return status.read().rsplit(")", 1)[1].split()[0] != "Z"
+    except FileNotFoundError:
+        return False
+
+
+class Stage:
+    def __init__(self, dialog):
+        self.path = tempfile.mkdtemp(prefix="gatescope_signals_")
+        for folder in ("bin", "tmp"):
+            os.mkdir(os.path.join(self.path, folder))
+        with open(os.path.join(self.path, "gatebits.txt"), "w") as file:
+            file.write(GATEBITS)
+        program = os.path.join(self.path, "bin", "clearprompt")
+        with open(program, "w") as file:
+            file.write("#!/bin/sh\necho $$ > %s/up.new; mv %s/up.new %s/up\n%s\n" %
+                       (self.path, self.path, self.path, dialog))
+        os.chmod(program, 0o755)
+        self.environment = {"PATH": self.path + "/bin:/usr/bin:/bin", "tmp": self.path + "/tmp",
+                            "CLEARCASE_USER": "op"}
+
+    def command(self, gatescope):
+        return [gatescope, "F=" + self.path + "/gatebits.txt", "A=13", "R=n"]
+
+    def dialog(self):
+        """Waits until the dialog is on the screen; its process."""
+        wait_for(lambda: os.path.exists(self.path + "/up"), "the dialog")
+        with open(self.path + "/up") as file:
+            return int(file.read())
+
+    def look(self, dialog, status, number):
+        assert status == -number, "it ended with %d and not by signal %d" % (status, number)
+        wait_for(lambda: not is_alive(dialog), "the end of the dialog")
+        left = os.listdir(self.path + "/tmp")
+        assert not left, "left behind: %s" % left
+        with open(self.path + "/gatebits.txt") as file:
+            assert file.read() == GATEBITS, "the policy file was changed"
+        shutil.rmtree(self.path)
+
+
+def sent_to_the_program_alone(gatescope, number, dialog):
+    stage = Stage(dialog)
+    program = subprocess.Popen(stage.command(gatescope), env=stage.environment)
+    shown = stage.dialog()
+    program.send_signal(number)
+    stage.look(shown, program.wait(WAIT), number)
+
+
+def sent_to_the_whole_group(gatescope, number, dialog):
+    stage = Stage(dialog)
+    program = subprocess.Popen(stage.command(gatescope), env=stage.environment,
+                               start_new_session=True)
+    shown = stage.dialog()
+    os.killpg(program.pid, number)
+    stage.look(shown, program.wait(WAIT), number)
+
+
+def typed_at_the_terminal(gatescope, key, number):
+    stage = Stage(PLAIN)
+    command = stage.command(gatescope)
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execve(command[0], command, stage.environment)
+    shown = stage.dialog()
+    os.write(terminal, key)
+    _, status = os.waitpid(child, 0)
+    stage.look(shown, os.waitstatus_to_exitcode(status), number)
+
+
+def closed_terminal(gatescope):
+    stage = Stage(PLAIN)
+    command = stage.command(gatescope)
+    child, terminal = pty.fork()
+    if child == 0:
+        os.execve(command[0], command, stage.environment)
+    shown = stage.dialog()
+    os.close(terminal)
+    _, status = os.waitpid(child, 0)
+    stage.look(shown, os.waitstatus_to_exitcode(status), signal.SIGHUP)
+
+
+def ignored_from_the_start(gatescope):
+    """What is started with nohup goes on when the terminal goes."""
+    stage = Stage(PLAIN)
+    program = subprocess.Popen(stage.command(gatescope), env=stage.environment,
+                               preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+    shown = stage.dialog()
+    program.send_signal(signal.SIGHUP)
+    time.sleep(0.1)
+    assert is_alive(shown), "the dialog is gone"
+    os.kill(shown, signal.SIGTERM)
+    assert program.wait(WAIT) == 110, program.returncode
+    shutil.rmtree(stage.path)
+
+
+def ends_of_children_ignored(gatescope):
+    """Whoever starts the program may ignore the ends of children; dialogs still answer."""
+    stage = Stage("exit 2")
+    finished = subprocess.run(stage.command(gatescope), env=stage.environment, timeout=WAIT,
+                              preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
+    assert finished.returncode == 110, finished.returncode
+    shutil.rmtree(stage.path)
+
+
+def main():
+    gatescope = os.path.abspath(sys.argv[1])
+    for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+        for dialog in (PLAIN, STUBBORN):
+            sent_to_the_program_alone(gatescope, number, dialog)
+        sent_to_the_whole_group(gatescope, number, PLAIN)
+    typed_at_the_terminal(gatescope, b"\x03", signal.SIGINT)
+    closed_terminal(gatescope)
+    ignored_from_the_start(gatescope)
+    ends_of_children_ignored(gatescope)
+    print("13 ways to be ended at a dialog, all of them in order")
+
+
+if __name__ == "__main__":
+    main()

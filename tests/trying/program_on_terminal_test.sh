@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# The whole program on a terminal: a change of the policy file and a query, both by the menus.
+
+source "$(dirname -- "$0")/lib.sh" || exit 99
+start_terminal 100 40
+make_region
+cat >run <<END
+source "$source_directory/scripts/lib/interactive.sh"
+run_menus "${GATESCOPE_PROGRAM:?names the program}" "$gatebits" "$stage/stand-ins"
+END
+down() { # how often
+    local i
+    for ((i = 0; i < $1; ++i)); do keys Down; done
+}
+
+in_terminal 'bash ./run'
+
+case_is "the menu, the submenu, an edit and its confirmation"
+appears 'Select Query or Action for (trial)'
+appears 'A27 - Copy'
+down 9
+keys Enter
+appears 'Gatebits view/change Action for (trial)'
+appears 'A22 - Add'
+down 9
+keys Enter
+appears 'Input a MOTD'
+appears 'Welcome to the region.___'
+keys C-u
+types 'Rock & <b>Roll_ at noon'
+keys Enter
+appears 'Confirm change of: Region MOTD String'
+appears Abort
+# The preset answer is no.
+keys Up Enter
+appears 'A22 - Add'
+expect_equal "the change" "$(printf '%s\n' \
+    '< #!gatescope_unix_gatewarden_check=' \
+    "> #!gatescope_unix_gatewarden_check=$stage/stand-ins/gatewarden" \
+    '< ;Welcome to the region.;;' \
+    '> ;Rock & <b>Roll_ at noon;;')" "$(changes)"
+
+case_is "a declined change leaves the file as it is"
+cp "$gatebits" changed
+down 9
+keys Enter
+appears 'Input a MOTD'
+appears 'noon___'
+types 'x'
+keys Enter
+appears 'Confirm change of: Region MOTD String'
+appears Abort
+keys Enter
+appears 'Input a MOTD'
+appears 'noon___'
+keys Escape
+appears 'A22 - Add'
+cmp changed "$gatebits" || failed "the file was changed"
+keys Escape
+
+case_is "a query by the menu"
+appears 'A27 - Copy'
+keys Enter
+appears 'Select triggerable command'
+appears checkin
+keys Enter
+appears 'Input user'
+appears '*___'
+keys Enter
+appears 'there is no browser defined'
+eventually has_page || failed "no page"
+expect_equal "days with something to show" 1 \
+    "$(grep -c 'class="time_block_populated' "$region"/query_results/*_Q01.html)"
+keys Enter
+appears 'A27 - Copy'
+keys Escape
+terminal_ends_with 0
+
+report
