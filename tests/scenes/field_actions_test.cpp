@@ -537,6 +537,14 @@ TEST(DepotFirst, UnixDepotHasToBeADirectory) {
                             "yes", "yes,no")});
 }
 
+TEST(DepotFirst, UnsoundDepotThatIsNotRedefinedLeavesTheParentAlone) {
+    Region east = full_region().with_line(2, "W:depot;/none;O;");
+    east.answers_yes().cancels();
+    EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 2u);
+    east.answers_yes().types(east.path("depot")).aborts();
+    EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 3u);
+}
+
 TEST(DepotFirst, WindowsDepotIsNeverLookedAt) {
     Region east = full_region().with_line(2, "/none;{stage}/depot;O;");
     east.cancels();

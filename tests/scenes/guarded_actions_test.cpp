@@ -100,6 +100,41 @@ TEST(Submenu, RejectedValueThenCancelLeavesIt) {
     EXPECT_EQ(east.run({"A=2", "R=n"}).status, 110);
 }
 
+struct Left {
+    const char* action;
+    /// What is answered in it before the cancel: an entry of a list, then a text.
+    std::string pick;
+    std::string text;
+};
+
+TEST(Submenu, CancelledListsAndAliasPromptsBringItAgain) {
+    const std::string alias = "#!gatewarden_alias one (x)";
+    const Left cases[] = {{A8, "", ""},      {A15, "", ""},     {A16, "", ""}, {A17, "", ""},
+                          {A17, "", "name"}, {A18, "", ""},     {A19, "", ""}, {A20, "", ""},
+                          {A20, alias, ""},  {A20, alias, ","}, {A21, "", ""}, {A22, "", ""}};
+    for (const Left& left : cases) {
+        Region east = a_region().with_alias("one", "(x)").with_key("key;");
+        east.operator_picks(left.action);
+        if (!left.pick.empty()) east.operator_picks(left.pick);
+        if (!left.text.empty()) east.types(left.text);
+        east.cancels().cancels();
+        const Result result = east.run({"A=2", "R=n"});
+        EXPECT_EQ(result.status, 0) << left.action << left.pick << left.text;
+        EXPECT_EQ(result.dialogs().back(), submenu()) << left.action << left.pick << left.text;
+    }
+}
+
+TEST(Submenu, CancelledKeyPromptsLeaveIt) {
+    Region with_key = a_region().with_key("key;");
+    with_key.operator_picks(A21).operator_picks("000 key;").answers_yes().cancels();
+    EXPECT_EQ(with_key.run({"A=2", "R=n"}).status, 110);
+    with_key.operator_picks(A22).operator_picks("000 key;").cancels();
+    EXPECT_EQ(with_key.run({"A=2", "R=n"}).status, 110);
+    Region without_keys = a_region();
+    without_keys.operator_picks(A22).cancels();
+    EXPECT_EQ(without_keys.run({"A=2", "R=n"}).status, 110);
+}
+
 TEST(Submenu, RunsGuardedActionsUnderTheirGuard) {
     Region east = a_region();
     east.operator_picks(A11).cancels().cancels();

@@ -126,6 +126,13 @@ TEST_F(Confirmations, ClearingTheUnixDepotLooksAtTheUnixColumn) {
               "so 'Region Logging' would also get set from 'A' to 'O'ff...");
 }
 
+TEST_F(Confirmations, ADepotIsOfWindowsWhenItsNameBeginsSo) {
+    region("gatewarden;;O;east;", ";u;O;", "wp;up;", ";;");
+    EXPECT_EQ(warnings("Our Windows Policy Depot...", "u", ""),
+              "\n\nWarning:  Clearing the (Our Windows Policy Depot) will also clear the (UNIX "
+              "Parent Gatebits File) currently set to 'up'...");
+}
+
 TEST_F(Confirmations, ClearingADepotThatNothingStandsOnWarnsOfNothing) {
     region("gatewarden;;E;east;", "w;u;A;", ";up;", ";un;");
     EXPECT_EQ(warnings("Windows Policy Depot...", "w", ""), "");
