@@ -40,6 +40,13 @@ TEST(Requests, AreFoundByTheirLabels) {
     EXPECT_EQ(request_labelled("A22 - Add a Command Key"), nullptr);
 }
 
+TEST(Requests, TheWalksHaveTheirTitlesThoughNoMenuShowsThem) {
+    EXPECT_STREQ(request_numbered(RequestKind::ACTION, 28)->label,
+                 "A28 - Guide through important Gatebits file fields");
+    EXPECT_STREQ(request_numbered(RequestKind::ACTION, 29)->label,
+                 "A29 - Guide through ALL Gatebits file fields");
+}
+
 TEST(Requests, Submenu) {
     IS_DURING_INSTALL = false;
     const std::string entries =
