@@ -69,21 +69,6 @@ void set_labels(int query) {
     }
 }
 
-RecordQuery record_query(int query) {
-    RecordQuery asked;
-    asked.query = query;
-    asked.edition = GATEWARDEN_IS;
-    asked.filters = {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
-                     GLOBAL_TEST_STRING_4};
-    for (std::string& filter : asked.filters) {
-        filter = c_text(filter);
-        STRING_LOWER(filter);
-    }
-    asked.period_start = start_of_period_time;
-    asked.period_end = end_of_day_time;
-    return asked;
-}
-
 RecordTally read_logs(const RecordQuery& query) {
     RecordTally tally;
     const CanonicalQuery canonical(query);
@@ -139,6 +124,21 @@ void tell_about_the_data(const RecordTally& tally) {
 }
 
 }  // namespace
+
+RecordQuery record_query(int query) {
+    RecordQuery asked;
+    asked.query = query;
+    asked.edition = GATEWARDEN_IS;
+    asked.filters = {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
+                     GLOBAL_TEST_STRING_4};
+    for (std::string& filter : asked.filters) {
+        filter = c_text(filter);
+        STRING_LOWER(filter);
+    }
+    asked.period_start = start_of_period_time;
+    asked.period_end = end_of_day_time;
+    return asked;
+}
 
 void get_query_data(int query) {
     set_time_values();

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "logs/log_files.h"
+#include "logs/record_rule.h"
 
 // The reader of the region's log files: filters in, counters out.
 
@@ -40,6 +41,9 @@ extern std::int32_t highest_key_read;
 extern std::int64_t earliest_read_time;
 /// Labels: one per day (time queries), or the first and last date of the period (bar queries).
 extern std::array<std::string, QUERY_DAYS> cell_time;
+
+/// What query 1 to 6 asks of each record with the filters, edition and period that are set.
+RecordQuery record_query(int query);
 
 /// Reads all log files and fills the results for query 1 to 6. Shows a warning when there are
 /// records older than the queries reach, and a message when there was no data at all. Gripes for

@@ -8,9 +8,6 @@
 #include "logs/log_files.h"
 #include "logs/log_reader.h"
 #include "logs/query_data.h"
-#include "logs/record_rule.h"
-#include "main/filled.h"
-#include "main/text.h"
 #include "policy/edition.h"
 #include "policy/region.h"
 
@@ -34,22 +31,6 @@ std::string with_times_of_today(const std::string& text) {
 template <typename Counters>
 std::uint64_t sum(const Counters& counters) {
     return std::accumulate(counters.begin(), counters.end(), std::uint64_t{0});
-}
-
-/// A query as get_query_data asks it with the filters that are set.
-RecordQuery record_query(int query) {
-    RecordQuery asked;
-    asked.query = query;
-    asked.edition = GATEWARDEN_IS;
-    asked.filters = {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
-                     GLOBAL_TEST_STRING_4};
-    for (std::string& filter : asked.filters) {
-        filter = c_text(filter);
-        STRING_LOWER(filter);
-    }
-    asked.period_start = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY;
-    asked.period_end = end_of_day_time;
-    return asked;
 }
 
 RecordTally counted_by_the_plain_rule(const RecordQuery& query, const std::string& text) {
