@@ -40,13 +40,17 @@ struct Directory {
     Directory& operator=(const Directory&) = delete;
 };
 
-/// The value of "-outfile" in a command line; the world's own names hold nothing to quote.
+/// The value of "-outfile" in a command line when it lies in the world's directory for temporary
+/// files, else nothing: a text in the command line may name any file under that option. The
+/// world's own names hold nothing to quote.
 std::string result_file_in(const std::string& command) {
     constexpr std::string_view OPTION = "-outfile \"";
     const auto at = command.find(OPTION);
     if (at == std::string::npos) return "";
     const auto begin = at + OPTION.size();
-    return command.substr(begin, command.find('"', begin) - begin);
+    const std::string file = command.substr(begin, command.find('"', begin) - begin);
+    const bool ours = file.starts_with(TEMP_DIR + "/") && file.find("..") == std::string::npos;
+    return ours ? file : "";
 }
 
 void write_bytes(const std::string& path, std::string_view bytes) {
