@@ -40,13 +40,16 @@ struct Directory {
     Directory& operator=(const Directory&) = delete;
 };
 
-/// The value of "-outfile" in a command line; the world's own names hold nothing to quote.
+/// The value of "-outfile" in a command line, if that is a file of the world's: the texts of a
+/// dialog may hold the same words, and nothing outside may be written to.
 std::string result_file_in(const std::string& command) {
     constexpr std::string_view OPTION = "-outfile \"";
     const auto at = command.find(OPTION);
     if (at == std::string::npos) return "";
     const auto begin = at + OPTION.size();
-    return command.substr(begin, command.find('"', begin) - begin);
+    const std::string path = command.substr(begin, command.find('"', begin) - begin);
+    const bool inside = path.starts_with(world_path("")) && path.find("..") == std::string::npos;
+    return inside ? path : "";
 }
 
 void write_bytes(const std::string& path, std::string_view bytes) {
