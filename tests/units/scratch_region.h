@@ -35,7 +35,11 @@ class ScratchRegion : public testing::Test {
         unsetenv("CLEARPROMPT_STATUS");
         unsetenv("ZUL_GATESCOPE_VERBOSITY");
     }
-    ~ScratchRegion() override { std::filesystem::remove_all(directory_); }
+    ~ScratchRegion() override {
+        setenv("PATH", path_before_.c_str(), 1);
+        ZUL_PREFER_GUI = 1;
+        std::filesystem::remove_all(directory_);
+    }
 
     std::string path(const std::string& name) const { return directory_ + "/" + name; }
 
@@ -65,6 +69,7 @@ class ScratchRegion : public testing::Test {
     }
 
   private:
+    std::string path_before_ = std::getenv("PATH");
     std::string directory_;
 };
 
