@@ -7,6 +7,8 @@ set -u
 source_directory=${SOURCE_DIRECTORY:?names the source directory}
 clearprompt=$source_directory/tools/clearprompt
 unset CLEARPROMPT_ANSWERS CLEARPROMPT_TRANSCRIPT DISPLAY WAYLAND_DISPLAY
+# What is looked for on screens holds more than ASCII, whatever locale the tests are started in.
+export LC_ALL=C.UTF-8
 failures=0
 display_server='' terminal_server='' dialog=''
 
