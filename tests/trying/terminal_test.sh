@@ -184,10 +184,15 @@ ends 1 Escape
 expect_no_file answer
 
 case_is "a box in the background, then a question: one after the other"
+# The question comes when the box is up: which of two that start together is first, nobody says.
 printf '%s\n' "$clearprompt yes_no -mask yes -def yes -pre -pro FIRST &" \
+    'until [ -e box_is_up ]; do sleep 0.05; done; touch question_comes' \
     "$clearprompt yes_no -mask yes,no -def no -pre -pro SECOND" >both
 in_terminal 'sh ./both'
 appears FIRST
+touch box_is_up
+eventually test -e question_comes || failed "the question does not come"
+sleep 0.5
 expect_equal "the question beside the box" "" "$(screen | grep SECOND)"
 keys Enter
 appears SECOND
