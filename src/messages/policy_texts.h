@@ -16,7 +16,6 @@ inline constexpr std::array<const char*, 8> GS_VAR_NAME = {
     "#!gatescope_relocated_logging_dir_windows=",
     "#!gatescope_relocated_results_dir_unix=",
     "#!gatescope_relocated_results_dir_windows="};
-inline constexpr char GS_VAR_MARK[] = "#!gatescope_";
 
 inline constexpr char ALIAS_HEADER[] = "#!gatewarden_alias";
 inline constexpr char ALIAS_LOCATER[] = "#!gatewarden_alias ";

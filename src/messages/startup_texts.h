@@ -3,7 +3,6 @@
 // Texts of process start-up and of the file utilities.
 
 inline constexpr char NO_USER[] = "ERROR:  Unable to determine user.";
-inline constexpr char NO_MEMORY[] = "ERROR:  Unable to malloc needed memory.";
 
 /// Program, "TMP" or "TEMP", directory.
 inline constexpr char ERROR_USIING_TEMP_DIR[] =
