@@ -1,14 +1,9 @@
 #include "fuzz/fuzz_world.h"
 
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
+#include "fuzz/memory_files.h"
 #include "main/child.h"
 #include "main/process_end.h"
 #include "main/startup.h"
@@ -27,19 +22,6 @@ constexpr int MANY_DIALOGS = 5000;
 FuzzedDataProvider* answers = nullptr;
 int dialogs = 0;
 
-/// The world's directory, as long as the process lives.
-struct Directory {
-    std::string path = "/dev/shm/gatescope_fuzz_XXXXXX";
-    Directory() {
-        if (mkdtemp(path.data()) != nullptr) return;
-        path = "/tmp/gatescope_fuzz_XXXXXX";
-        must(mkdtemp(path.data()) != nullptr, "a directory for the world");
-    }
-    ~Directory() { std::filesystem::remove_all(path); }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-};
-
 /// The value of "-outfile" in a command line when it lies in the world's directory for temporary
 /// files, else nothing: a text in the command line may name any file under that option. The
 /// world's own names hold nothing to quote.
@@ -51,12 +33,6 @@ std::string result_file_in(const std::string& command) {
     const std::string file = command.substr(begin, command.find('"', begin) - begin);
     const bool ours = file.starts_with(TEMP_DIR + "/") && file.find("..") == std::string::npos;
     return ours ? file : "";
-}
-
-void write_bytes(const std::string& path, std::string_view bytes) {
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    must(file != -1 && write(file, bytes.data(), bytes.size()) == ssize_t(bytes.size()), "a file");
-    close(file);
 }
 
 }  // namespace
@@ -77,16 +53,11 @@ int run_in_shell(const std::string& command) {
     const int status = answers->PickValueInArray(STATUSES);
     const std::string file = is_dialog ? result_file_in(command) : "";
     last_answer = answers->ConsumeRandomLengthString();
-    if (!file.empty() && status == 0) write_bytes(file, last_answer);
+    if (!file.empty() && status == 0) put_memory_file(file, last_answer);
     return status;
 }
 
 int until_the_end(const std::function<void()>& body) {
-    static const int first_free = [] {
-        const int probe = open("/dev/null", O_RDONLY);
-        close(probe);
-        return probe;
-    }();
     int status = -1;
     dialogs = 0;
     try {
@@ -97,28 +68,28 @@ int until_the_end(const std::function<void()>& body) {
     if (LOGGING_STREAM != nullptr) std::fclose(LOGGING_STREAM);
     if (LOGGING_FILE_PRUNE_STREAM != nullptr) std::fclose(LOGGING_FILE_PRUNE_STREAM);
     LOGGING_STREAM = LOGGING_FILE_PRUNE_STREAM = nullptr;
-    if (status != -1) close_range(static_cast<unsigned>(first_free), ~0U, 0);
+    close_memory_files();
     return status;
 }
 
 std::string world_path(const std::string& name) {
-    static const Directory directory;
-    return directory.path + "/" + name;
+    return std::string(MEMORY_ROOT) + "/" + name;
 }
 
 void put_file(const std::string& name, std::string_view bytes) {
-    write_bytes(world_path(name), bytes);
+    put_memory_file(world_path(name), bytes);
 }
 
 std::string get_file(const std::string& name) {
-    std::ifstream stream(world_path(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    return memory_file(world_path(name));
+}
+
+std::size_t files_in(const std::string& directory) {
+    return memory_files_below(world_path(directory + "/"));
 }
 
 void use_gatebits(std::string_view bytes) {
     TEMP_DIR = world_path("tmp");
-    static const bool made = std::filesystem::create_directory(TEMP_DIR);
-    must(made, "a directory for temporary files");
     GLOBAL_PID_STRING = "1";
     t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
     ENTERPRIZE_PERMISSION_FILE = world_path("gatebits.txt");

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// The world that the program's functions find themselves in under a fuzzer: a directory in memory
+// The world that the program's functions find themselves in under a fuzzer: files in memory
 // instead of a region's, a thrown value instead of the end of the process, and dialogs that are
 // answered from the fuzzer's bytes instead of children.
 
@@ -19,10 +19,12 @@ struct ProcessEnded {
 /// it left open is closed.
 int until_the_end(const std::function<void()>& body);
 
-/// A path in the world's directory, which is made at its first use and goes with the process.
+/// A path in the world's directory.
 std::string world_path(const std::string& name);
 void put_file(const std::string& name, std::string_view bytes);
 std::string get_file(const std::string& name);
+/// How many files there are in a directory of the world's.
+std::size_t files_in(const std::string& directory);
 
 /// Puts a gatebits file, and takes it into use; start-up's settings are made too.
 void use_gatebits(std::string_view bytes);
