@@ -43,7 +43,10 @@ std::string_view next_word(const char** at, const char* end) {
 
 bool open_log_stream(const std::string& path) {
     // Without O_NONBLOCK somebody's pipe under a log's name would hold the program for ever.
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    // A log that is being rewritten in place is waited for, and not skipped.
+    if (descriptor == -1 && errno == EWOULDBLOCK)
+        descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor == -1) return false;
     struct stat status;
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {

@@ -47,26 +47,46 @@ constexpr off_t WRITE_BACK_SIZE = 8 << 20;
     gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error), log.c_str()));
 }
 
-/// Waits until nobody has an open file open for writing; false when somebody keeps it so.
-bool writers_have_gone(int file) {
-    // Who opens the file at the moment of the lease makes the system send this one.
+enum Lease { GRANTED, REFUSED, NOT_KNOWN_HERE };
+
+/// Asks for a lease on an open file for as long as others who have it open can be waited for.
+Lease take_lease(int file, int kind) {
+    // Who opens the file during the lease makes the system send this one.
     std::signal(SIGIO, SIG_IGN);
     for (int tried = 0; tried < PATIENCE; ++tried) {
-        // A lease for reading is granted to nobody while there is a writer.
-        if (fcntl(file, F_SETLEASE, F_RDLCK) == 0) {
-            fcntl(file, F_SETLEASE, F_UNLCK);
-            return true;
-        }
-        if (errno != EAGAIN && tried >= BLIND_PATIENCE) return true;
+        if (fcntl(file, F_SETLEASE, kind) == 0) return GRANTED;
+        if (errno != EAGAIN && tried >= BLIND_PATIENCE) return NOT_KNOWN_HERE;
         usleep(PATIENCE_STEP);
     }
-    return false;
+    return REFUSED;
+}
+
+/// Waits until nobody has a file, open for reading, open for writing; false when somebody keeps it
+/// so.
+bool writers_have_gone(int file) {
+    const Lease lease = take_lease(file, F_RDLCK);
+    if (lease == GRANTED) fcntl(file, F_SETLEASE, F_UNLCK);
+    return lease != REFUSED;
 }
 
 /// The scratch file, in the log's own directory, so that it can be renamed.
 std::string scratch_beside(const std::string& log) {
     const std::filesystem::path scratch = pruning_scratch_path();
     return std::filesystem::path(log).replace_filename(scratch.filename());
+}
+
+/// Hands the bytes from `at` to `end` of an open log out piece by piece.
+template <typename Take>
+void read_range(const std::string& log, int file, off_t at, off_t end, const Take& take) {
+    std::vector<char> buffer(COPY_SIZE);
+    while (at < end) {
+        const auto left = static_cast<std::size_t>(end - at);
+        const ssize_t got = pread(file, buffer.data(), std::min(buffer.size(), left), at);
+        if (got == -1 && errno == EINTR) continue;
+        if (got <= 0) gripe_stopped(log, "read", log, got == 0 ? EIO : errno);
+        take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
+        at += got;
+    }
 }
 
 /// The new text of a log while it is written.
@@ -92,15 +112,7 @@ class NewText {
         begin();
         // An owner that cannot be carried over is noticed when the log is to be replaced.
         carry_over_identity(log, descriptor());
-        std::vector<char> buffer(COPY_SIZE);
-        for (off_t at = 0; at < size;) {
-            const auto left = static_cast<std::size_t>(size - at);
-            const ssize_t got = pread(log, buffer.data(), std::min(buffer.size(), left), at);
-            if (got == -1 && errno == EINTR) continue;
-            if (got <= 0) gripe_stopped(log_, "read", log_, got == 0 ? EIO : errno);
-            add({buffer.data(), static_cast<std::size_t>(got)});
-            at += got;
-        }
+        read_range(log_, log, 0, size, [this](std::string_view bytes) { add(bytes); });
     }
 
     void add(std::string_view text) {
@@ -147,10 +159,7 @@ struct Beside {
 class Rewriting {
   public:
     Rewriting(const LogFiles& files, KeptRecords* records)
-        : log_(files.log),
-          taken_(filled(TAKEN_NAME, files.companion.c_str())),
-          overwriting_(filled(OVERWRITING_NAME, files.log.c_str())),
-          records_(records) {}
+        : log_(files.log), taken_(filled(TAKEN_NAME, files.companion.c_str())), records_(records) {}
 
     /// Goes on where another run stopped, until there is nothing beside the log. The log's own
     /// records are all kept, and not counted, unless `look_at_log`.
@@ -165,20 +174,27 @@ class Rewriting {
     void publish(const Beside& new_text);
     void become_log(const Beside& new_text);
     bool replace_log(const Beside& new_text, int log);
-    void overwrite_log(const Beside& new_text, int log);
-    void copy_over_log();
+    void overwrite_log(const Beside& new_text);
+    void finish_overwriting(const Beside& text, int log);
     void drop_old_without_tail();
 
     // The pieces of a new text.
     off_t add_log(NewText* text, int log, bool look_at_it);
     void add_records(NewText* text, const std::string& path, off_t from);
-    void keep_tail(int log, off_t from);
+
+    // The log, where it is overwritten.
+    int open_alone() const;
+    void make_room(int log, off_t size) const;
+    void keep_tail(int log, off_t from, off_t to) const;
+    off_t copy_over(int log, const std::string& path) const;
+    void write_blank_lines(int log, off_t number) const;
 
     std::optional<Beside> find(const char* format) const;
     bool is_regular_file(const std::string& path) const;
     bool is_there(const std::string& path) const;
     bool is_the_log(const std::string& path) const;
     bool examine(const std::string& path, struct stat* status) const;
+    off_t size_of(int log) const;
     bool something_to_add() const;
     std::string named(const char* format, off_t bytes) const;
     void remove_file(const std::string& path) const;
@@ -186,15 +202,16 @@ class Rewriting {
 
     std::string log_;
     std::string taken_;
-    std::string overwriting_;
     KeptRecords* records_;
+    /// Whether blank lines are left in the middle of the log.
+    bool has_blank_lines_ = false;
 };
 
 void Rewriting::run(bool look_at_log) {
     for (int round = 0; round < MOST_ROUNDS; ++round) {
         resume();
         const bool look = look_at_log && round == 0;
-        if (!look && !something_to_add()) return;
+        if (!look && !something_to_add() && !has_blank_lines_) return;
         if (!make_new_text(look)) return;
     }
     resume();
@@ -209,7 +226,7 @@ void Rewriting::take(const std::string& companion) {
 /// Does what has to be done before a new text can be made.
 void Rewriting::resume() {
     unlink_remove(scratch_beside(log_));
-    if (is_there(overwriting_)) copy_over_log();
+    if (const auto text = find(OVERWRITING_NAME)) finish_overwriting(*text, open_alone());
     if (const auto new_text = find(REPLACEMENT_NAME)) publish(*new_text);
     drop_old_without_tail();
 }
@@ -218,6 +235,7 @@ void Rewriting::resume() {
 bool Rewriting::make_new_text(bool look_at_log) {
     NewText text(log_);
     off_t taken_over = 0;
+    has_blank_lines_ = false;
     if (open_log_stream(log_)) {
         taken_over = add_log(&text, fileno(LOGGING_STREAM), look_at_log);
         close_log_stream();
@@ -287,9 +305,9 @@ void Rewriting::become_log(const Beside& new_text) {
         if (errno != EEXIST) gripe_stopped(log_, "make", log_, errno);
     }
     if (!open_log_stream(log_)) gripe(NO_LOGGING_FILE);
-    const int log = fileno(LOGGING_STREAM);
-    if (!replace_log(new_text, log)) overwrite_log(new_text, log);
-    if (LOGGING_STREAM != nullptr) close_log_stream();
+    const bool replaced = replace_log(new_text, fileno(LOGGING_STREAM));
+    close_log_stream();
+    if (!replaced) overwrite_log(new_text);
 }
 
 /// False, with nothing done, where the log has to stay the file that it is.
@@ -310,57 +328,100 @@ bool Rewriting::replace_log(const Beside& new_text, int log) {
     return true;
 }
 
-void Rewriting::overwrite_log(const Beside& new_text, int log) {
-    keep_tail(log, new_text.bytes);
-    if (rename(new_text.path.c_str(), overwriting_.c_str()) != 0) {
+void Rewriting::overwrite_log(const Beside& new_text) {
+    struct stat status;
+    if (!examine(new_text.path, &status)) gripe_stopped(log_, "examine", new_text.path, ENOENT);
+    const int log = open_alone();
+    make_room(log, status.st_size);
+    const off_t size = size_of(log);
+    keep_tail(log, new_text.bytes, size);
+    const Beside text = {named(OVERWRITING_NAME, size), size};
+    if (rename(new_text.path.c_str(), text.path.c_str()) != 0) {
         gripe_stopped(log_, "rename", new_text.path, errno);
     }
     sync_names();
-    close_log_stream();
-    copy_over_log();
+    finish_overwriting(text, log);
+}
+
+/// Opens the log so that, where the system can do that, all others who open it wait until it is
+/// closed again.
+int Rewriting::open_alone() const {
+    const int log = open(log_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (log == -1) gripe_stopped(log_, "open", log_, errno);
+    // Somebody may have it open for good; then it has to do without.
+    take_lease(log, F_WRLCK);
+    return log;
+}
+
+/// Makes the log at least so long. Blank lines at its end mean nothing, so a disk that is full is
+/// noticed before any harm is done.
+void Rewriting::make_room(int log, off_t size) const {
+    const off_t missing = size - size_of(log);
+    if (missing <= 0) return;
+    // Behind whatever is appended at this moment.
+    if (fcntl(log, F_SETFL, O_APPEND) != 0) gripe_stopped(log_, "extend", log_, errno);
+    write_blank_lines(log, missing);
+    if (fcntl(log, F_SETFL, 0) != 0) gripe_stopped(log_, "extend", log_, errno);
+    if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
 }
 
 /// Writes what was appended to the log behind `from` into a companion taken.
-void Rewriting::keep_tail(int log, off_t from) {
-    struct stat status;
-    if (fstat(log, &status) != 0) gripe_stopped(log_, "examine", log_, errno);
-    if (status.st_size <= from) return;
-    std::string tail(static_cast<std::size_t>(status.st_size - from), '\0');
-    const ssize_t got = pread(log, tail.data(), tail.size(), from);
-    if (got == -1) gripe_stopped(log_, "read", log_, errno);
-    tail.resize(static_cast<std::size_t>(got));
-    const int file = open(taken_.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+void Rewriting::keep_tail(int log, off_t from, off_t to) const {
+    if (to <= from) return;
+    const int file = open(taken_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file == -1) gripe_stopped(log_, "make", taken_, errno);
-    int error = write_all(file, tail);
+    int error = 0;
+    read_range(log_, log, from, to, [&](std::string_view bytes) {
+        if (error == 0) error = write_all(file, bytes);
+    });
     if (error == 0 && fsync(file) != 0) error = errno;
     if (close(file) != 0 && error == 0) error = errno;
     if (error != 0) gripe_stopped(log_, "write", taken_, error);
+    sync_names();
 }
 
-void Rewriting::copy_over_log() {
-    const int log = open(log_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-    struct stat before;
-    if (log == -1 || fstat(log, &before) != 0) gripe_stopped(log_, "open", log_, errno);
-    if (!open_log_stream(overwriting_)) gripe_stopped(log_, "open", overwriting_, errno);
-    const int source = fileno(LOGGING_STREAM);
+void Rewriting::finish_overwriting(const Beside& text, int log) {
+    const off_t size = copy_over(log, text.path);
+    write_blank_lines(log, text.bytes - size);
+    if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
+    // The log holds everything now; a run that went on from here would overwrite what comes next.
+    remove_file(text.path);
+    sync_names();
+    // What somebody appended meanwhile is not cut off.
+    has_blank_lines_ = size_of(log) > std::max(text.bytes, size);
+    if (!has_blank_lines_ && ftruncate(log, size) != 0) gripe_stopped(log_, "cut", log_, errno);
+    if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
+    if (close(log) != 0) gripe_stopped(log_, "close", log_, errno);
+}
+
+/// Copies a file over the beginning of the log and returns how long it is.
+off_t Rewriting::copy_over(int log, const std::string& path) const {
+    if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
+    if (lseek(log, 0, SEEK_SET) == -1) gripe_stopped(log_, "write", log_, errno);
     std::vector<char> buffer(COPY_SIZE);
     off_t size = 0;
     while (true) {
-        const ssize_t got = read(source, buffer.data(), buffer.size());
+        const ssize_t got = read(fileno(LOGGING_STREAM), buffer.data(), buffer.size());
         if (got == -1 && errno == EINTR) continue;
-        if (got == -1) gripe_stopped(log_, "read", overwriting_, errno);
+        if (got == -1) gripe_stopped(log_, "read", path, errno);
         if (got == 0) break;
         const int error = write_all(log, {buffer.data(), static_cast<std::size_t>(got)});
         if (error != 0) gripe_stopped(log_, "write", log_, error);
         size += got;
     }
     close_log_stream();
-    // Whoever never closes the log may have appended meanwhile.
-    keep_tail(log, std::max(before.st_size, size));
-    if (ftruncate(log, size) != 0) gripe_stopped(log_, "cut", log_, errno);
-    if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
-    if (close(log) != 0) gripe_stopped(log_, "close", log_, errno);
-    remove_file(overwriting_);
+    return size;
+}
+
+/// At the log's position; nothing when the number is not positive.
+void Rewriting::write_blank_lines(int log, off_t number) const {
+    const std::string lines(COPY_SIZE, '\n');
+    while (number > 0) {
+        const auto now = std::min(static_cast<std::size_t>(number), lines.size());
+        const int error = write_all(log, std::string_view(lines).substr(0, now));
+        if (error != 0) gripe_stopped(log_, "write", log_, error);
+        number -= static_cast<off_t>(now);
+    }
 }
 
 /// Removes the old file where it is the log still, or nobody has appended to it.
@@ -430,6 +491,12 @@ bool Rewriting::examine(const std::string& path, struct stat* status) const {
     if (stat(path.c_str(), status) == 0) return true;
     if (errno != ENOENT) gripe_stopped(log_, "examine", path, errno);
     return false;
+}
+
+off_t Rewriting::size_of(int log) const {
+    struct stat status;
+    if (fstat(log, &status) != 0) gripe_stopped(log_, "examine", log_, errno);
+    return status.st_size;
 }
 
 void Rewriting::remove_file(const std::string& path) const {

@@ -21,9 +21,11 @@
 //   <log>.old_<n>        The file that was the log until a new text took its place, for whoever
 //                        had it open by then: records behind its first n bytes are to be added.
 //                        If it is the log still, it is to be removed.
-//   <log>.overwriting    A complete new text on its way into a log that cannot be replaced (it has
+//   <log>.overwriting_<n>
+//                        A complete new text on its way into a log that cannot be replaced (it has
 //                        hard links, another owner or a writer that never closes it): to be
-//                        copied over the log, from the beginning.
+//                        copied over the first n bytes of the log, with blank lines behind it.
+//                        Records behind them are not in the text, and stay where they are.
 //
 // One rename, link or removal leads from each of these states to the next, so a run that finds
 // what another one left knows where to go on.

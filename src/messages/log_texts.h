@@ -44,8 +44,7 @@ inline constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
 /// What follows the log's path, and is followed by a number of bytes.
 inline constexpr char REPLACEMENT_NAME[] = ".new_";
 inline constexpr char REPLACED_NAME[] = ".old_";
-/// Log.
-inline constexpr char OVERWRITING_NAME[] = "%s.overwriting";
+inline constexpr char OVERWRITING_NAME[] = ".overwriting_";
 /// Companion.
 inline constexpr char TAKEN_NAME[] = "%s.taken";
 

@@ -5,18 +5,23 @@
 
 Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
 there is one run that is killed when it gets there, one that is sent a signal that it can clean up
-after, and for calls that touch files one run for each error that they can meet. With --sample only about that many runs, evenly spread, take place.
+after, and for calls that touch files one run for each error that they can meet. A prune is also
+paused at each, for a late writer. With --sample only about that many runs, evenly spread, take
+place.
 """
 
 import argparse
 import collections
 import concurrent.futures
+import contextlib
 import os
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import threading
 import time
 
 # What can go wrong with a call, besides being killed at it.
@@ -35,7 +40,7 @@ ERRORS = {
 
 STATUS_OF_A_DONE_EDIT = 110
 # What a disturbance does.
-KILL, SIGNAL, FAIL = "kill", "signal", "fail"
+KILL, SIGNAL, FAIL, PAUSE = "kill", "signal", "fail", "pause"
 # Tells ctest that there was nothing to test with.
 SKIPPED = 77
 
@@ -140,13 +145,17 @@ class Prune(Edit):
     long = True
     KEPT = 40
     DROPPED = 30
+    # Comes from a writer that looked for the token just before it was there.
+    LATE = "%d:S:kept_late[2]-<->" % NOW
 
-    def __init__(self):
+    def __init__(self, logs=(0, 7, 20), hard_links=False):
         super().__init__(["A=1", "D=n", "R=n"], [], result="logs", shows="retained")
+        self.logs = logs
+        self.hard_links = hard_links
 
     def furnish(self, stage):
         logs = os.path.join(stage, "logs")
-        for number in (0, 7, 20):
+        for number in self.logs:
             with open(os.path.join(logs, "logging_%d.txt" % number), "w") as log:
                 for i in range(self.KEPT):
                     log.write("%d:S:kept%d_%d[2]-<->\n" % (NOW - i * DAY, number, i))
@@ -157,30 +166,44 @@ class Prune(Edit):
             with open(os.path.join(logs, "logging__%d.txt" % number), "w") as companion:
                 companion.write("%d:D:kept_beside_%d[3]K<4>\n" % (NOW, number))
                 companion.write("%d:D:old_beside_%d[3]K<4>\n" % (NOW - 300 * DAY, number))
-
-    def records(self, stage):
-        """Every retained record in the logs and their companions, with its number."""
-        count = collections.Counter()
-        logs = os.path.join(stage, "logs")
-        for name in os.listdir(logs):
-            if re.fullmatch(r"logging__?\d+\.txt", name):
-                for word in bytes_of(os.path.join(logs, name)).decode().split():
-                    if ":kept" in word:
-                        count[word] += 1
-        return count
+        for number in self.logs if self.hard_links else ():
+            os.link(os.path.join(logs, "logging_%d.txt" % number),
+                    os.path.join(stage, "depot", "twin_%d" % number))
 
     def state(self, stage):
         logs = os.path.join(stage, "logs")
         return {name: bytes_of(os.path.join(logs, name)) for name in sorted(os.listdir(logs))}
 
+    def fault_after_pause(self, stage, new, run, gatescope):
+        if run.status != STATUS_OF_A_DONE_EDIT:
+            return "it did not go on"
+        return self.fault_of_the_next_run(stage, new, gatescope)
+
     def fault_of_records(self, stage, new, gatescope):
-        """Whatever happened, the next run puts everything right."""
+        """Whatever happened and is written late, the next run puts everything right."""
+        self.write_late(stage)
+        return self.fault_of_the_next_run(stage, new, gatescope)
+
+    def fault_of_the_next_run(self, stage, new, gatescope):
         again = Run(gatescope, self, stage)
         if again.status != STATUS_OF_A_DONE_EDIT:
             return "the next run ended with %d: %s" % (again.status, again.said)
-        if self.state(stage) != new:
-            return "the next run came out wrong: %s" % difference(self.state(stage), new)
+        state = self.state(stage)
+        for name in self.log_names():
+            if state.get(name, b"").split().count(self.LATE.encode()) != 1:
+                return "the next run lost or doubled what was written late to %s" % name
+            state[name] = state[name].replace(self.LATE.encode() + b"\n", b"")
+        if state != new:
+            return "the next run came out wrong: %s" % difference(state, new)
         return None
+
+    def log_names(self):
+        return ["logging_%d.txt" % number for number in self.logs]
+
+    def write_late(self, stage):
+        for name in self.log_names():
+            with open(os.path.join(stage, "logs", name), "a") as log:
+                log.write(self.LATE + "\n")
 
     def fault_after_kill(self, stage, old, new, gatescope):
         return self.fault_of_records(stage, new, gatescope)
@@ -241,6 +264,7 @@ EDITS = {
     "copy": Edit(["A=27", "R=n"], ["0 {stage}/gatebits.txt", "0 {stage}/copy.txt"],
                  result="copy.txt", shows="old message"),
     "prune": Prune(),
+    "prune_in_place": Prune(logs=(7,), hard_links=True),
 }
 
 
@@ -248,14 +272,24 @@ def bytes_of(path):
     try:
         with open(path, "rb") as file:
             return file.read()
-    except FileNotFoundError:
+    except (FileNotFoundError, ProcessLookupError):
         return None
+
+
+def only_child(pid):
+    children = bytes_of("/proc/%d/task/%d/children" % (pid, pid))
+    return int(children.split()[0]) if children else None
+
+
+def is_stopped(pid):
+    status = bytes_of("/proc/%d/stat" % pid)
+    return status and status.split()[2] in (b"T", b"t")
 
 
 class Run:
     """One run of the program on a stage, with one call disturbed as `injection` says."""
 
-    def __init__(self, gatescope, edit, stage, injection=None, trace=None):
+    def __init__(self, gatescope, edit, stage, injection=None, trace=None, meanwhile=None):
         command = [gatescope, "F=" + os.path.join(stage, "gatebits.txt")] + edit.arguments
         if injection or trace:
             # Without -f: the children are left alone.
@@ -267,14 +301,37 @@ class Run:
             "PATH": os.path.join(stage, "bin") + ":/usr/bin:/bin", "tmp": os.path.join(stage, "tmp"),
             "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
         }
-        finished = subprocess.run(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
-                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60)
-        self.status = finished.returncode
-        self.said = finished.stdout.decode(errors="replace")
+        process = subprocess.Popen(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        if meanwhile:
+            self.while_paused(process, meanwhile)
+        self.said = process.communicate(timeout=60)[0].decode(errors="replace")
+        self.status = process.returncode
         # Questions, prompts and lists, whichever process on whichever stage asked them.
         asked = (bytes_of(os.path.join(stage, "asked")) or b"").replace(stage.encode(), b"")
         self.asked = re.sub(rb"_\d+_", b"_", asked)
         self.asks_otherwise = not edit.asked.startswith(self.asked)
+
+    def while_paused(self, strace, meanwhile):
+        """Does it once the program has stopped, and lets that go on, whether it is done by then
+        or not: what it needs may be held by the program."""
+        at_rest = 0
+        while at_rest < 3 and strace.poll() is None:
+            # Another one at first: strace tries out what it can do.
+            child = only_child(strace.pid)
+            at_rest = at_rest + 1 if child and is_stopped(child) else 0
+            time.sleep(0.002)
+        work = threading.Thread(target=meanwhile)
+        work.start()
+        work.join(0.03)
+        while strace.poll() is None:
+            # It was paused a moment later, should it only have looked like it.
+            with contextlib.suppress(ProcessLookupError):
+                child = only_child(strace.pid)
+                if child and is_stopped(child):
+                    os.kill(child, signal.SIGCONT)
+            time.sleep(0.002)
+        work.join()
 
     def told(self):
         """Whether the operator learns that it was not done: by an error, or another question."""
@@ -333,6 +390,10 @@ def disturbances(calls, long):
             gentle = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
             yield "%s:signal=%s:when=%d" % (name, gentle, number), SIGNAL, line
         changed = changes_something(name, line)
+        # The program pauses behind the call, so what it has just seen may be out of date then.
+        has_looked = name in ("newfstatat", "read", "pread64") and "ENOENT" not in line
+        if long and loaded >= 2 and (changed or has_looked):
+            yield "%s:signal=SIGSTOP:when=%d" % (name, number), PAUSE, line
         # What is not there cannot fail in a way that matters.
         if long and "ENOENT" in line:
             continue
@@ -353,8 +414,11 @@ def disturbed(gatescope, name, edit, expected, stages, injection, kind, line):
         set_the_stage(stage, edit)
         old = edit.state(stage)
         new = expected(stage)
-        run = Run(gatescope, edit, stage, injection)
-        if run.status < 0 and kind == FAIL:
+        late = lambda: edit.write_late(stage)
+        run = Run(gatescope, edit, stage, injection, meanwhile=late if kind == PAUSE else None)
+        if kind == PAUSE:
+            fault = edit.fault_after_pause(stage, new, run, gatescope)
+        elif run.status < 0 and kind == FAIL:
             fault = "it ended by signal %d" % -run.status
         elif kind == FAIL:
             run.disturbed = line

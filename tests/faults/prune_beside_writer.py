@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Prunes beside writers at full speed, and kills every other prune at some moment.
 
-    prune_beside_writer.py GATESCOPE [--prunes N] [--seed N]
+    prune_beside_writer.py GATESCOPE [--prunes N] [--seed N] [--hard-links]
 
 The writers follow the token rule: while the token is there they write to the companion of the log,
-else to the log. In the end every record to be retained must be there once, and nothing else.
+else to the log. With --hard-links the logs have a second name and so are rewritten in place. In the end every record to be retained must be there once, and nothing else.
 """
 
 import argparse
@@ -79,6 +79,7 @@ def main():
     options.add_argument("gatescope")
     options.add_argument("--prunes", type=int, default=20)
     options.add_argument("--seed", type=int, default=int(time.time()))
+    options.add_argument("--hard-links", action="store_true")
     options = options.parse_args()
     chance = random.Random(options.seed)
     gatescope = os.path.abspath(options.gatescope)
@@ -89,6 +90,11 @@ def main():
             os.mkdir(stage + "/" + folder)
         with open(stage + "/gatebits.txt", "w") as file:
             file.write(GATEBITS.format(stage=stage))
+        if options.hard_links:
+            os.mkdir(stage + "/twins")
+            for number in LOGS:
+                open(stage + "/twins/%d" % number, "w").close()
+                os.link(stage + "/twins/%d" % number, stage + "/logs/logging_%d.txt" % number)
         stop = multiprocessing.Event()
         written = multiprocessing.Array("q", WRITERS)
         writers = [multiprocessing.Process(target=write_records, args=(stage, i, stop, written))

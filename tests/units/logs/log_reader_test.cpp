@@ -4,7 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <random>
+#include <thread>
 #include <vector>
 
 #include "log_region.h"
@@ -111,6 +113,20 @@ TEST_F(LogReaderOnFiles, WhatIsNoRegularFileIsNotOpened) {
     ASSERT_EQ(mkfifo(log_file_path(1).c_str(), 0600), 0);
     EXPECT_FALSE(open_log_stream(log_file_path(1)));
     EXPECT_EQ(LOGGING_STREAM, nullptr);
+}
+
+TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
+    write_log(0, "old");
+    const int holder = open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC);
+    std::signal(SIGIO, SIG_IGN);
+    if (fcntl(holder, F_SETLEASE, F_WRLCK) != 0) GTEST_SKIP() << "no leases here";
+    std::thread rewriting([&] {
+        usleep(50'000);
+        EXPECT_EQ(pwrite(holder, "new", 3, 0), 3);
+        close(holder);
+    });
+    EXPECT_EQ(words_read(log_file_path(0)), Words{"new"});
+    rewriting.join();
 }
 
 TEST_F(LogReaderOnFiles, LinksToLogsAreFollowed) {

@@ -353,10 +353,19 @@ TEST_F(Pruning, AnOldFileWithoutATailGoes) {
 }
 
 TEST_F(Pruning, AnInterruptedOverwritingIsDoneOnceMore) {
-    write_log(0, fresh(1) + "half of the new text and a longer rest of the old" + old(1));
-    write_file(log_file_path(0) + ".overwriting", fresh(1) + fresh(2));
-    EXPECT_EQ(said_by_pruning(), result(0, 2));
-    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+    const std::string half =
+        fresh(1) + "half of the new text and a longer rest of the old" + old(1);
+    write_log(0, half + fresh(3));
+    write_file(log_file_path(0) + ".overwriting_" + std::to_string(half.size()),
+               fresh(1) + fresh(2));
+    EXPECT_EQ(said_by_pruning(), result(0, 3));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
+}
+
+TEST_F(Pruning, AnOverwritingThatLacksNothingButItsCutIsDone) {
+    write_log(0, fresh(1) + "\n\n\n\n");
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
 TEST_F(Pruning, FilesWithOtherNamesBesideTheLogAreNobodysState) {
