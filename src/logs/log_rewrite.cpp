@@ -28,15 +28,22 @@
 
 namespace {
 
-/// How long a writer is waited for. One that keeps a log open for longer is taken to keep it open
-/// for good.
-constexpr int PATIENCE = 200;
+/// How long whoever has a file open is waited for, in steps: where the system tells whether there
+/// is somebody, and where it does not.
+struct Patience {
+    int steps;
+    int blind_steps;
+};
 constexpr useconds_t PATIENCE_STEP = 1000;
-/// The same where the system does not tell whether there is a writer.
-constexpr int BLIND_PATIENCE = 20;
-/// Only a writer that never pauses makes a second round necessary time and again; what it adds
-/// last is left for the next run.
-constexpr int MOST_ROUNDS = 20;
+/// Who keeps a log open for longer is taken to keep it open for good.
+constexpr Patience FOR_A_LOG = {200, 20};
+/// For a file that nobody can open any more.
+constexpr Patience FOR_LEFT_OVERS = {2000, 200};
+constexpr Patience UNLESS_SOMEBODY_IS_THERE = {1, FOR_LEFT_OVERS.blind_steps};
+constexpr Patience NO_PATIENCE = {1, 1};
+/// Only a writer that never pauses makes another round necessary time and again; what that leaves
+/// blank lines in the log, or a companion for the next run.
+constexpr int MOST_ROUNDS = 5;
 /// Bytes copied at a time.
 constexpr std::size_t COPY_SIZE = 128UL * 1024;
 /// The disk is set to work on a new text whenever so many bytes have come together.
@@ -49,22 +56,24 @@ constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 
 enum Lease { GRANTED, REFUSED, NOT_KNOWN_HERE };
 
-/// Asks for a lease on an open file for as long as others who have it open can be waited for.
-Lease take_lease(int file, int kind) {
+/// Asks for a lease on an open file until the others who have it open are gone.
+Lease take_lease(int file, int kind, const Patience& patience) {
     // Who opens the file during the lease makes the system send this one.
     std::signal(SIGIO, SIG_IGN);
-    for (int tried = 0; tried < PATIENCE; ++tried) {
+    for (int tried = 1;; ++tried) {
         if (fcntl(file, F_SETLEASE, kind) == 0) return GRANTED;
-        if (errno != EAGAIN && tried >= BLIND_PATIENCE) return NOT_KNOWN_HERE;
+        const bool somebody_is_there = errno == EAGAIN;
+        if (tried >= (somebody_is_there ? patience.steps : patience.blind_steps)) {
+            return somebody_is_there ? REFUSED : NOT_KNOWN_HERE;
+        }
         usleep(PATIENCE_STEP);
     }
-    return REFUSED;
 }
 
 /// Waits until nobody has a file, open for reading, open for writing; false when somebody keeps it
 /// so.
-bool writers_have_gone(int file) {
-    const Lease lease = take_lease(file, F_RDLCK);
+bool writers_have_gone(int file, const Patience& patience) {
+    const Lease lease = take_lease(file, F_RDLCK, patience);
     if (lease == GRANTED) fcntl(file, F_SETLEASE, F_UNLCK);
     return lease != REFUSED;
 }
@@ -149,6 +158,11 @@ class NewText {
     off_t on_its_way_ = 0;
 };
 
+std::string_view without_last_word(std::string_view piece) {
+    const auto end = std::find_if(piece.rbegin(), piece.rend(), is_white);
+    return piece.substr(0, static_cast<std::size_t>(piece.rend() - end));
+}
+
 /// A file beside the log, and the number in its name.
 struct Beside {
     std::string path;
@@ -170,6 +184,7 @@ class Rewriting {
   private:
     // From state to state.
     void resume();
+    bool somebody_writes_left_overs() const;
     bool make_new_text(bool look_at_log);
     void publish(const Beside& new_text);
     void become_log(const Beside& new_text);
@@ -179,11 +194,13 @@ class Rewriting {
     void drop_old_without_tail();
 
     // The pieces of a new text.
+    void start_reading(int log, off_t at, LogReader* reader) const;
     off_t add_log(NewText* text, int log, bool look_at_it);
     void add_records(NewText* text, const std::string& path, off_t from);
 
     // The log, where it is overwritten.
-    int open_alone() const;
+    bool log_writers_have_gone(int log);
+    int open_alone();
     void make_room(int log, off_t size) const;
     void keep_tail(int log, off_t from, off_t to) const;
     off_t copy_over(int log, const std::string& path) const;
@@ -203,6 +220,8 @@ class Rewriting {
     std::string log_;
     std::string taken_;
     KeptRecords* records_;
+    /// Once somebody has kept the log open, there is no use in waiting for him again.
+    Patience patience_ = FOR_A_LOG;
     /// Whether blank lines are left in the middle of the log.
     bool has_blank_lines_ = false;
 };
@@ -212,12 +231,15 @@ void Rewriting::run(bool look_at_log) {
         resume();
         const bool look = look_at_log && round == 0;
         if (!look && !something_to_add() && !has_blank_lines_) return;
+        if (somebody_writes_left_overs()) return;
         if (!make_new_text(look)) return;
     }
     resume();
 }
 
 void Rewriting::take(const std::string& companion) {
+    // One that could not be added yet; the next run takes this one.
+    if (is_there(taken_)) return;
     if (rename(companion.c_str(), taken_.c_str()) != 0) {
         gripe_stopped(log_, "rename", companion, errno);
     }
@@ -231,6 +253,20 @@ void Rewriting::resume() {
     drop_old_without_tail();
 }
 
+/// Whether a file that is to be added is not complete yet. The next run adds it, and until then
+/// there may be no new text, which would be taken to hold it.
+bool Rewriting::somebody_writes_left_overs() const {
+    std::vector<std::string> paths;
+    if (is_there(taken_)) paths.push_back(taken_);
+    if (const auto old = find(REPLACED_NAME)) paths.push_back(old->path);
+    return std::any_of(paths.begin(), paths.end(), [this](const std::string& path) {
+        if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
+        const bool have_gone = writers_have_gone(fileno(LOGGING_STREAM), FOR_LEFT_OVERS);
+        close_log_stream();
+        return !have_gone;
+    });
+}
+
 /// False, with nothing created, when the log is as it is to be.
 bool Rewriting::make_new_text(bool look_at_log) {
     NewText text(log_);
@@ -239,7 +275,7 @@ bool Rewriting::make_new_text(bool look_at_log) {
     if (open_log_stream(log_)) {
         taken_over = add_log(&text, fileno(LOGGING_STREAM), look_at_log);
         close_log_stream();
-    } else if (is_there(log_) && something_to_add()) {
+    } else if (something_to_add() && is_there(log_)) {
         gripe(NO_LOGGING_FILE);
     }
     if (something_to_add()) {
@@ -253,6 +289,11 @@ bool Rewriting::make_new_text(bool look_at_log) {
     return true;
 }
 
+void Rewriting::start_reading(int log, off_t at, LogReader* reader) const {
+    if (lseek(log, at, SEEK_SET) == -1) gripe_stopped(log_, "read", log_, errno);
+    reader->start(log, log_);
+}
+
 /// Returns how many bytes of the log the text holds, or would hold if it were needed.
 off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
     KeptRecords all(std::numeric_limits<std::int64_t>::min());
@@ -263,23 +304,35 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
     // What was appended while the rest was read comes along.
     while (done != done_before) {
         done_before = done;
-        reader.start(log, log_);
+        bool waited = false;
+        bool is_held = false;
+        start_reading(log, done, &reader);
         for (std::string_view piece; reader.next(&piece);) {
+            const auto end = done + static_cast<off_t>(piece.size());
+            // Somebody may be in the middle of writing the last record.
+            const bool is_unfinished = !is_white(piece.back()) && end >= size_of(log);
+            if (is_unfinished && !waited) {
+                waited = true;
+                is_held = !log_writers_have_gone(log);
+                start_reading(log, done, &reader);
+                continue;
+            }
+            if (is_unfinished && is_held) piece = without_last_word(piece);
             const std::string_view kept = records->of(piece);
             if (!text->exists() && kept.data() != piece.data()) text->begin_like(log, done);
             if (text->exists()) text->add(kept);
             done += static_cast<off_t>(piece.size());
+            if (done != end) break;
         }
     }
     if (!text->exists() && something_to_add()) text->begin_like(log, done);
     return done;
 }
 
-/// Adds the kept records of a file that nobody can open any more.
+/// Adds the kept records of a file that nobody writes any more.
 void Rewriting::add_records(NewText* text, const std::string& path, off_t from) {
     if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
     const int file = fileno(LOGGING_STREAM);
-    writers_have_gone(file);
     if (lseek(file, from, SEEK_SET) == -1) gripe_stopped(log_, "read", path, errno);
     LogReader reader;
     reader.start(file, path);
@@ -314,9 +367,11 @@ void Rewriting::become_log(const Beside& new_text) {
 bool Rewriting::replace_log(const Beside& new_text, int log) {
     struct stat old_status;
     struct stat new_status;
+    struct stat named_status;
     if (fstat(log, &old_status) != 0 || stat(new_text.path.c_str(), &new_status) != 0 ||
+        lstat(log_.c_str(), &named_status) != 0 || old_status.st_ino != named_status.st_ino ||
         old_status.st_nlink != 1 || old_status.st_uid != new_status.st_uid ||
-        old_status.st_gid != new_status.st_gid || !writers_have_gone(log)) {
+        old_status.st_gid != new_status.st_gid || !log_writers_have_gone(log)) {
         return false;
     }
     const std::string old = named(REPLACED_NAME, new_text.bytes);
@@ -332,10 +387,14 @@ void Rewriting::overwrite_log(const Beside& new_text) {
     struct stat status;
     if (!examine(new_text.path, &status)) gripe_stopped(log_, "examine", new_text.path, ENOENT);
     const int log = open_alone();
-    make_room(log, status.st_size);
-    const off_t size = size_of(log);
-    keep_tail(log, new_text.bytes, size);
-    const Beside text = {named(OVERWRITING_NAME, size), size};
+    // What is behind the old text may stay there, unless the new one needs the place.
+    off_t covered = new_text.bytes;
+    if (status.st_size > covered) {
+        make_room(log, status.st_size);
+        covered = size_of(log);
+        keep_tail(log, new_text.bytes, covered);
+    }
+    const Beside text = {named(OVERWRITING_NAME, covered), covered};
     if (rename(new_text.path.c_str(), text.path.c_str()) != 0) {
         gripe_stopped(log_, "rename", new_text.path, errno);
     }
@@ -345,12 +404,18 @@ void Rewriting::overwrite_log(const Beside& new_text) {
 
 /// Opens the log so that, where the system can do that, all others who open it wait until it is
 /// closed again.
-int Rewriting::open_alone() const {
+int Rewriting::open_alone() {
     const int log = open(log_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (log == -1) gripe_stopped(log_, "open", log_, errno);
     // Somebody may have it open for good; then it has to do without.
-    take_lease(log, F_WRLCK);
+    if (take_lease(log, F_WRLCK, patience_) == REFUSED) patience_ = NO_PATIENCE;
     return log;
+}
+
+bool Rewriting::log_writers_have_gone(int log) {
+    const bool have_gone = writers_have_gone(log, patience_);
+    if (!have_gone) patience_ = NO_PATIENCE;
+    return have_gone;
 }
 
 /// Makes the log at least so long. Blank lines at its end mean nothing, so a disk that is full is
@@ -367,7 +432,11 @@ void Rewriting::make_room(int log, off_t size) const {
 
 /// Writes what was appended to the log behind `from` into a companion taken.
 void Rewriting::keep_tail(int log, off_t from, off_t to) const {
-    if (to <= from) return;
+    bool is_blank = true;
+    read_range(log_, log, from, to, [&](std::string_view bytes) {
+        is_blank = is_blank && std::all_of(bytes.begin(), bytes.end(), is_white);
+    });
+    if (is_blank) return;
     const int file = open(taken_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file == -1) gripe_stopped(log_, "make", taken_, errno);
     int error = 0;
@@ -387,6 +456,8 @@ void Rewriting::finish_overwriting(const Beside& text, int log) {
     // The log holds everything now; a run that went on from here would overwrite what comes next.
     remove_file(text.path);
     sync_names();
+    // The system takes the lease back from who has it for long.
+    if (fcntl(log, F_GETLEASE) != F_WRLCK) take_lease(log, F_WRLCK, patience_);
     // What somebody appended meanwhile is not cut off.
     has_blank_lines_ = size_of(log) > std::max(text.bytes, size);
     if (!has_blank_lines_ && ftruncate(log, size) != 0) gripe_stopped(log_, "cut", log_, errno);
@@ -432,10 +503,8 @@ void Rewriting::drop_old_without_tail() {
     if (!is_the_log(old->path)) {
         if (!open_log_stream(old->path)) gripe_stopped(log_, "open", old->path, errno);
         const int file = fileno(LOGGING_STREAM);
-        writers_have_gone(file);
-        struct stat status;
-        if (fstat(file, &status) != 0) gripe_stopped(log_, "examine", old->path, errno);
-        has_tail = status.st_size > old->bytes;
+        const bool is_complete = writers_have_gone(file, UNLESS_SOMEBODY_IS_THERE);
+        has_tail = !is_complete || size_of(file) > old->bytes;
         close_log_stream();
     }
     if (!has_tail) remove_file(old->path);
@@ -452,15 +521,17 @@ std::string Rewriting::named(const char* format, off_t bytes) const {
 
 /// The file that `named` would name with some number, if there is one.
 std::optional<Beside> Rewriting::find(const char* format) const {
-    const std::string start = log_ + format;
+    const std::filesystem::path log(log_);
+    const std::string start = log.filename().native() + format;
+    const auto directory = log.parent_path();
     std::error_code error;
-    const auto directory = std::filesystem::path(log_).parent_path();
     for (auto entry = std::filesystem::directory_iterator(directory, error);
          !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string& path = entry->path().native();
-        if (!path.starts_with(start) || !is_regular_file(path)) continue;
-        const off_t bytes = std::atoll(path.c_str() + start.size());
-        if (path == named(format, bytes)) return Beside{path, bytes};
+        const std::string name = entry->path().filename();
+        if (!name.starts_with(start)) continue;
+        const off_t bytes = std::atoll(name.c_str() + start.size());
+        const Beside found = {named(format, bytes), bytes};
+        if (name == start + std::to_string(bytes) && is_regular_file(found.path)) return found;
     }
     // Not to see what stands beside the log is not the same as nothing standing there.
     if (error) gripe_stopped(log_, "list", directory.native(), error.value());

@@ -15,6 +15,8 @@
 //
 //   pruning_.txt         A new text that is not complete: to be thrown away.
 //   <companion>.taken    A companion that nobody will open any more: its records are to be added.
+//                        While somebody who opened it before still has it open, it waits, and so
+//                        does the log.
 //   <log>.new_<n>        A complete new text. It holds the first n bytes of the log, and all of
 //                        the companion taken and of <log>.old_<m>; so these are to be removed, and
 //                        then it is to become the log.
@@ -30,7 +32,7 @@
 // One rename, link or removal leads from each of these states to the next, so a run that finds
 // what another one left knows where to go on.
 
-/// A log and its companion, by their paths; the log's has no symbolic link in it.
+/// A log and its companion, by their paths; that of the log names no symbolic link.
 struct LogFiles {
     std::string log;
     std::string companion;

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -23,6 +24,9 @@
 #include "policy/region.h"
 
 namespace {
+
+/// The system follows no more symbolic links than this, so they are a ring.
+constexpr int MOST_LINKS = 40;
 
 /// Opens the token, making it where needed, and locks it: two that prune the same region at once
 /// would take each other's files for left-overs. Gripes when another process has it locked.
@@ -57,12 +61,28 @@ void take_down_token(const std::string& path, int token) {
     close(token);
 }
 
-/// The log that is meant: where a symbolic link stands for it, the link stays.
+/// The log that is meant: where a symbolic link stands for it, the link stays, and leads to the log
+/// even when that is not there yet.
+std::string behind_links(std::filesystem::path path) {
+    for (int links = 0; links < MOST_LINKS; ++links) {
+        std::error_code error;
+        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+        // No link, nothing there, or nothing that can be reached and so opened.
+        constexpr std::errc FINAL[] = {std::errc::invalid_argument,
+                                       std::errc::no_such_file_or_directory,
+                                       std::errc::not_a_directory, std::errc::permission_denied};
+        if (std::find(std::begin(FINAL), std::end(FINAL), error) != std::end(FINAL)) break;
+        if (error) {
+            gripe(filled(PRUNING_STOPPED, "follow", path.c_str(), std::strerror(error.value()),
+                         path.c_str()));
+        }
+        path = path.parent_path() / target;
+    }
+    return path;
+}
+
 LogFiles files_of(int number) {
-    const std::string path = log_file_path(number);
-    std::error_code error;
-    const std::filesystem::path real = std::filesystem::canonical(path, error);
-    return {error ? path : real.native(), pruning_companion_path(number)};
+    return {behind_links(log_file_path(number)), pruning_companion_path(number)};
 }
 
 void tell_result(const KeptRecords& records, int days) {

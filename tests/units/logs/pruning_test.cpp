@@ -206,6 +206,157 @@ TEST_F(Pruning, ALogThatSomebodyKeepsOpenStaysHisFile) {
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2)}}));
 }
 
+/// Does something a little later, while the test goes on.
+class Later {
+  public:
+    template <typename Work>
+    explicit Later(const Work& work)
+        : thread_([work] {
+              usleep(100'000);
+              work();
+          }) {}
+    ~Later() { thread_.join(); }
+    Later(const Later&) = delete;
+    Later& operator=(const Later&) = delete;
+
+  private:
+    std::thread thread_;
+};
+
+/// Somebody who has opened a file, and has still to write.
+class SlowWriter {
+  public:
+    explicit SlowWriter(const std::string& path)
+        : file_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666)) {
+        EXPECT_NE(file_, -1);
+    }
+    void write(const std::string& text) const {
+        EXPECT_EQ(::write(file_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+    void end() const { EXPECT_EQ(close(file_), 0); }
+
+  private:
+    int file_;
+};
+
+TEST_F(Pruning, ARecordThatIsHalfWrittenIsWaitedFor) {
+    write_log(3, old(1));
+    const SlowWriter writer(log_file_path(3));
+    writer.write(fresh(1).substr(0, 15));
+    {
+        const Later rest([&] {
+            writer.write(fresh(1).substr(15));
+            writer.end();
+        });
+        EXPECT_EQ(said_by_pruning(), result(1, 2));
+    }
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
+}
+
+TEST_F(Pruning, ARecordThatStaysHalfWrittenIsNotTouched) {
+    write_log(3, old(1));
+    const SlowWriter writer(log_file_path(3));
+    writer.write(fresh(1).substr(0, 15));
+    EXPECT_EQ(said_by_pruning(), result(1, 1));
+    writer.write(fresh(1).substr(15));
+    writer.end();
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
+}
+
+TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
+    const SlowWriter writer(pruning_companion_path(3));
+    {
+        const Later record([&] {
+            usleep(300'000);
+            writer.write(fresh(1));
+            writer.end();
+        });
+        EXPECT_EQ(said_by_pruning(), result(0, 1));
+    }
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
+}
+
+TEST_F(Pruning, ACompanionThatSomebodyKeepsOpenIsLeftForTheNextRun) {
+    write_log(3, old(1) + fresh(1));
+    write_file(pruning_companion_path(3), fresh(2));
+    const SlowWriter writer(pruning_companion_path(3));
+    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    writer.write(fresh(3));
+    // Another companion does not take its place meanwhile.
+    write_file(pruning_companion_path(3), fresh(4));
+    EXPECT_EQ(said_by_pruning(), result(0, 0));
+    writer.end();
+    EXPECT_EQ(said_by_pruning(), result(0, 4));
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2) + fresh(3) + fresh(4)}}));
+}
+
+TEST_F(Pruning, AnOldFileThatSomebodyKeepsOpenStays) {
+    const std::string taken_over = old(1) + fresh(1);
+    const std::string path = log_file_path(0) + ".old_" + std::to_string(taken_over.size());
+    write_log(0, fresh(1));
+    write_file(path, taken_over);
+    const SlowWriter writer(path);
+    said_by_pruning();
+    EXPECT_TRUE(fs::exists(path));
+    writer.write(fresh(2));
+    writer.end();
+    said_by_pruning();
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
+    write_log(3, old(1));
+    write_file(pruning_companion_path(3), fresh(0));
+    const SlowWriter writer(log_file_path(3));
+    std::atomic<bool> stop = false;
+    int written = 0;
+    std::thread writing([&] {
+        for (; !stop; ++written) {
+            writer.write(line(0, "S:user" + std::to_string(written) + "[1]-<->"));
+            usleep(5'000);
+        }
+    });
+    said_by_pruning();
+    stop = true;
+    writing.join();
+    writer.end();
+    said_by_pruning();
+    std::map<std::string, int> seen;
+    std::istringstream stream(file_text(log_file_path(3)));
+    for (std::string one; std::getline(stream, one);) ++seen[one];
+    EXPECT_EQ(seen.size(), static_cast<std::size_t>(written) + 1);
+    for (const auto& [record, times] : seen) EXPECT_EQ(times, 1) << record;
+    EXPECT_EQ(all_files().size(), 1u);
+}
+
+TEST_F(Pruning, ACompanionMakesTheLogHoweverItsDirectoryIsWritten) {
+    const std::string directory = logging_dir;
+    logging_dir += "/";
+    write_file(pruning_companion_path(5), fresh(1));
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    write_file(pruning_companion_path(5), fresh(2));
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_5.txt", fresh(1) + fresh(2)}}));
+    logging_dir = directory;
+}
+
+TEST_F(Pruning, ACompanionMakesTheLogThatALinkLeadsTo) {
+    fs::create_directory(logging_dir + "/elsewhere");
+    fs::create_symlink("elsewhere/real.txt", log_file_path(3));
+    write_file(pruning_companion_path(3), fresh(1));
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_TRUE(fs::is_symlink(log_file_path(3)));
+    EXPECT_EQ(file_text(logging_dir + "/elsewhere/real.txt"), fresh(1));
+}
+
+TEST_F(Pruning, ALinkThatLeadsInARingIsSkipped) {
+    fs::create_symlink("logging_4.txt", log_file_path(3));
+    fs::create_symlink("logging_3.txt", log_file_path(4));
+    EXPECT_EQ(said_by_pruning(), result(0, 0));
+    EXPECT_TRUE(fs::is_symlink(log_file_path(3)));
+}
+
 TEST_F(Pruning, TheTokenStandsWhileItRunsAndNamesTheCutOff) {
     // A pipe for a companion of a log that cannot be made holds nothing up, so the token is
     // looked at through what a run that fails leaves behind.
