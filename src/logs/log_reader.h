@@ -41,6 +41,8 @@ class LogReader {
     /// A word that the end of the file cuts short is handed out as it stands. Gripes when the
     /// file cannot be read on.
     bool next(std::string_view* piece);
+    /// Whether the last piece went up to the end of the file, as it was when it was read.
+    bool at_end() const { return at_end_; }
 
   private:
     std::size_t fill();

@@ -201,9 +201,10 @@ class Rewriting {
     // The log, where it is overwritten.
     bool log_writers_have_gone(int log);
     int open_alone();
-    void make_room(int log, off_t size) const;
+    off_t make_room(int log, off_t size) const;
     void keep_tail(int log, off_t from, off_t to) const;
     off_t copy_over(int log, const std::string& path) const;
+    void take_out(int log, off_t from, off_t to) const;
     void write_blank_lines(int log, off_t number) const;
 
     std::optional<Beside> find(const char* format) const;
@@ -222,15 +223,18 @@ class Rewriting {
     KeptRecords* records_;
     /// Once somebody has kept the log open, there is no use in waiting for him again.
     Patience patience_ = FOR_A_LOG;
-    /// Whether blank lines are left in the middle of the log.
+    /// Whether blank lines are left in the middle of the log that need not be there.
     bool has_blank_lines_ = false;
+    /// Whether somebody keeps the last record of the log half written.
+    bool has_half_record_ = false;
 };
 
 void Rewriting::run(bool look_at_log) {
     for (int round = 0; round < MOST_ROUNDS; ++round) {
         resume();
         const bool look = look_at_log && round == 0;
-        if (!look && !something_to_add() && !has_blank_lines_) return;
+        const bool is_to_be_tidied = has_blank_lines_ && !has_half_record_;
+        if (!look && !something_to_add() && !is_to_be_tidied) return;
         if (somebody_writes_left_overs()) return;
         if (!make_new_text(look)) return;
     }
@@ -301,23 +305,23 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
     LogReader reader;
     off_t done = 0;
     off_t done_before = -1;
+    has_half_record_ = false;
     // What was appended while the rest was read comes along.
     while (done != done_before) {
         done_before = done;
-        bool waited = false;
-        bool is_held = false;
+        off_t waited_at = -1;
         start_reading(log, done, &reader);
         for (std::string_view piece; reader.next(&piece);) {
             const auto end = done + static_cast<off_t>(piece.size());
             // Somebody may be in the middle of writing the last record.
-            const bool is_unfinished = !is_white(piece.back()) && end >= size_of(log);
-            if (is_unfinished && !waited) {
-                waited = true;
-                is_held = !log_writers_have_gone(log);
+            const bool is_unfinished = !is_white(piece.back()) && reader.at_end();
+            if (is_unfinished && waited_at != end) {
+                waited_at = end;
+                has_half_record_ = !log_writers_have_gone(log);
                 start_reading(log, done, &reader);
                 continue;
             }
-            if (is_unfinished && is_held) piece = without_last_word(piece);
+            if (is_unfinished && has_half_record_) piece = without_last_word(piece);
             const std::string_view kept = records->of(piece);
             if (!text->exists() && kept.data() != piece.data()) text->begin_like(log, done);
             if (text->exists()) text->add(kept);
@@ -390,8 +394,7 @@ void Rewriting::overwrite_log(const Beside& new_text) {
     // What is behind the old text may stay there, unless the new one needs the place.
     off_t covered = new_text.bytes;
     if (status.st_size > covered) {
-        make_room(log, status.st_size);
-        covered = size_of(log);
+        covered = make_room(log, status.st_size);
         keep_tail(log, new_text.bytes, covered);
     }
     const Beside text = {named(OVERWRITING_NAME, covered), covered};
@@ -418,16 +421,16 @@ bool Rewriting::log_writers_have_gone(int log) {
     return have_gone;
 }
 
-/// Makes the log at least so long. Blank lines at its end mean nothing, so a disk that is full is
-/// noticed before any harm is done.
-void Rewriting::make_room(int log, off_t size) const {
-    const off_t missing = size - size_of(log);
-    if (missing <= 0) return;
-    // Behind whatever is appended at this moment.
+/// Makes the log at least so long and returns how long it was made. Blank lines at its end mean
+/// nothing, so a disk that is full is noticed before any harm is done.
+off_t Rewriting::make_room(int log, off_t size) const {
+    // Behind whatever is appended at this moment: at least one, so that no record goes across.
     if (fcntl(log, F_SETFL, O_APPEND) != 0) gripe_stopped(log_, "extend", log_, errno);
-    write_blank_lines(log, missing);
-    if (fcntl(log, F_SETFL, 0) != 0) gripe_stopped(log_, "extend", log_, errno);
+    write_blank_lines(log, std::max<off_t>(size - size_of(log), 1));
+    const off_t end = lseek(log, 0, SEEK_CUR);
+    if (end == -1 || fcntl(log, F_SETFL, 0) != 0) gripe_stopped(log_, "extend", log_, errno);
     if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
+    return end;
 }
 
 /// Writes what was appended to the log behind `from` into a companion taken.
@@ -457,12 +460,30 @@ void Rewriting::finish_overwriting(const Beside& text, int log) {
     remove_file(text.path);
     sync_names();
     // The system takes the lease back from who has it for long.
-    if (fcntl(log, F_GETLEASE) != F_WRLCK) take_lease(log, F_WRLCK, patience_);
-    // What somebody appended meanwhile is not cut off.
-    has_blank_lines_ = size_of(log) > std::max(text.bytes, size);
-    if (!has_blank_lines_ && ftruncate(log, size) != 0) gripe_stopped(log_, "cut", log_, errno);
+    const bool has_lease = fcntl(log, F_GETLEASE) == F_WRLCK;
+    const bool is_shared = !has_lease && take_lease(log, F_WRLCK, NO_PATIENCE) == REFUSED;
+    // What somebody appended meanwhile, or appends at this moment, is not cut off.
+    const off_t end = std::max(text.bytes, size);
+    has_blank_lines_ = !is_shared && size_of(log) > end;
+    if (is_shared) {
+        take_out(log, size, end);
+    } else if (!has_blank_lines_ && ftruncate(log, size) != 0) {
+        gripe_stopped(log_, "cut", log_, errno);
+    }
     if (fsync(log) != 0) gripe_stopped(log_, "sync", log_, errno);
     if (close(log) != 0) gripe_stopped(log_, "close", log_, errno);
+}
+
+/// Takes bytes out of the middle of a log while others write at its end, as far as the file system
+/// can do that. What is left of them are blank lines, which mean nothing.
+void Rewriting::take_out(int log, off_t from, off_t to) const {
+    struct stat status;
+    if (fstat(log, &status) != 0) gripe_stopped(log_, "examine", log_, errno);
+    // Whole blocks, and not the last one of the file.
+    const off_t block = status.st_blksize;
+    from = (from + block - 1) / block * block;
+    to = std::min(to, status.st_size - 1) / block * block;
+    if (to > from) fallocate(log, FALLOC_FL_COLLAPSE_RANGE, from, to - from);
 }
 
 /// Copies a file over the beginning of the log and returns how long it is.
@@ -533,6 +554,7 @@ std::optional<Beside> Rewriting::find(const char* format) const {
         const Beside found = {named(format, bytes), bytes};
         if (name == start + std::to_string(bytes) && is_regular_file(found.path)) return found;
     }
+    if (error == std::errc::no_such_file_or_directory) return std::nullopt;
     // Not to see what stands beside the log is not the same as nothing standing there.
     if (error) gripe_stopped(log_, "list", directory.native(), error.value());
     return std::nullopt;
@@ -584,6 +606,9 @@ void Rewriting::sync_names() const {
 }  // namespace
 
 void rewrite_log(const LogFiles& files, KeptRecords* records) {
+    // One that cannot be reached, as behind a link that leads nowhere, is passed over.
+    struct stat status;
+    if (stat(files.log.c_str(), &status) != 0 && errno != ENOENT) return;
     Rewriting(files, records).run(true);
     if (!open_log_stream(files.log)) return;
     // Not a fault: somebody else's log keeps its mode.
@@ -597,6 +622,8 @@ void merge_companion(const LogFiles& files, KeptRecords* records) {
     if (this_file_exists(files.log)) {
         if (!open_log_stream(files.log)) gripe(NO_LOGGING_FILE);
         close_log_stream();
+    } else if (!this_file_exists(std::filesystem::path(files.log).parent_path())) {
+        gripe(NO_LOGGING_FILE);
     }
     Rewriting rewriting(files, records);
     rewriting.run(false);

@@ -70,7 +70,10 @@ std::string behind_links(std::filesystem::path path) {
         // No link, nothing there, or nothing that can be reached and so opened.
         constexpr std::errc FINAL[] = {std::errc::invalid_argument,
                                        std::errc::no_such_file_or_directory,
-                                       std::errc::not_a_directory, std::errc::permission_denied};
+                                       std::errc::not_a_directory,
+                                       std::errc::permission_denied,
+                                       std::errc::too_many_symbolic_link_levels,
+                                       std::errc::filename_too_long};
         if (std::find(std::begin(FINAL), std::end(FINAL), error) != std::end(FINAL)) break;
         if (error) {
             gripe(filled(PRUNING_STOPPED, "follow", path.c_str(), std::strerror(error.value()),

@@ -101,6 +101,22 @@ TEST_F(LogReaderOnFiles, AFileMayEndInAWord) {
     EXPECT_EQ(words_read(log_file_path(0)), (Words{"one", "two"}));
 }
 
+TEST_F(LogReaderOnFiles, TheEndIsKnownWithThePieceThatReachesIt) {
+    write_log(0, std::string(300, 'x') + " " + std::string(200'000, 'y'));
+    ASSERT_TRUE(open_log_stream(log_file_path(0)));
+    LogReader reader;
+    reader.start(fileno(LOGGING_STREAM), log_file_path(0));
+    std::string_view piece;
+    ASSERT_TRUE(reader.next(&piece));
+    EXPECT_FALSE(reader.at_end());
+    while (!reader.at_end() && reader.next(&piece)) {
+    }
+    EXPECT_EQ(piece.back(), 'y');
+    // Only what was read when the end was seen.
+    EXPECT_FALSE(reader.next(&piece));
+    close_log_stream();
+}
+
 TEST_F(LogReaderOnFiles, AnEmptyFileHasNoPieces) {
     write_log(0, "");
     EXPECT_EQ(words_read(log_file_path(0)), Words{});

@@ -203,7 +203,30 @@ TEST_F(Pruning, ALogThatSomebodyKeepsOpenStaysHisFile) {
     const std::string later = fresh(2);
     EXPECT_EQ(write(writer, later.data(), later.size()), static_cast<ssize_t>(later.size()));
     close(writer);
+    // Nothing is cut off a file that somebody may be writing to, so blank lines are left in it.
+    const std::string blank(old(1).size(), '\n');
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + blank + fresh(2)}}));
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(Pruning, ALogThatSomebodyKeepsOpenGetsShorterByWholeBlocks) {
+    std::string text;
+    while (text.size() < 100'000) text += old(1);
+    write_log(3, text + fresh(1));
+    const int writer = open(log_file_path(3).c_str(), O_WRONLY | O_APPEND);
+    ASSERT_NE(writer, -1);
+    const int other = open((logging_dir + "/other").c_str(), O_RDWR | O_CREAT, 0600);
+    EXPECT_EQ(write(other, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    const bool can_shorten = fallocate(other, FALLOC_FL_COLLAPSE_RANGE, 0, 65'536) == 0;
+    close(other);
+    said_by_pruning();
+    close(writer);
+    const std::string left = file_text(log_file_path(3));
+    EXPECT_EQ(left.substr(0, fresh(1).size()), fresh(1));
+    EXPECT_EQ(left.find_first_not_of('\n', fresh(1).size()), std::string::npos);
+    if (!can_shorten) GTEST_SKIP() << "this file system cannot shorten a file in its middle";
+    EXPECT_LT(left.size(), 20'000u);
 }
 
 /// Does something a little later, while the test goes on.
@@ -348,6 +371,33 @@ TEST_F(Pruning, ACompanionMakesTheLogThatALinkLeadsTo) {
     EXPECT_EQ(said_by_pruning(), result(0, 1));
     EXPECT_TRUE(fs::is_symlink(log_file_path(3)));
     EXPECT_EQ(file_text(logging_dir + "/elsewhere/real.txt"), fresh(1));
+}
+
+TEST_F(Pruning, ALinkThatLeadsNowhereIsSkipped) {
+    write_log(0, old(1));
+    write_file(logging_dir + "/file", "");
+    fs::create_symlink("missing/real.txt", log_file_path(1));
+    fs::create_symlink("file/real.txt", log_file_path(2));
+    fs::create_symlink("logging_3.txt/real.txt", log_file_path(3));
+    fs::create_symlink(std::string(300, 'x'), log_file_path(4));
+    write_log(5, old(1));
+    EXPECT_EQ(said_by_pruning(), result(2, 2));
+    for (int number = 1; number <= 4; ++number) EXPECT_TRUE(fs::is_symlink(log_file_path(number)));
+}
+
+TEST_F(Pruning, ACompanionWithoutAPlaceForItsLogIsKept) {
+    fs::create_symlink("missing/real.txt", log_file_path(1));
+    write_file(pruning_companion_path(1), fresh(1));
+    EXPECT_EXIT(
+        {
+            stdout = stderr;
+            prune_logging_files(120);
+        },
+        testing::ExitedWithCode(99), "Could not create needed logging file");
+    EXPECT_EQ(file_text(pruning_companion_path(1)), fresh(1));
+    fs::create_directory(logging_dir + "/missing");
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(file_text(logging_dir + "/missing/real.txt"), fresh(1));
 }
 
 TEST_F(Pruning, ALinkThatLeadsInARingIsSkipped) {
