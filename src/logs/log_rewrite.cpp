@@ -158,6 +158,14 @@ class NewText {
     off_t on_its_way_ = 0;
 };
 
+/// Whether it is a log that cannot be opened and so is passed over, as behind a link that leads
+/// nowhere.
+bool cannot_be_reached(const std::string& log) {
+    struct stat status;
+    if (stat(log.c_str(), &status) == 0) return false;
+    return errno == EACCES || errno == ENOTDIR || errno == ELOOP || errno == ENAMETOOLONG;
+}
+
 std::string_view without_last_word(std::string_view piece) {
     const auto end = std::find_if(piece.rbegin(), piece.rend(), is_white);
     return piece.substr(0, static_cast<std::size_t>(piece.rend() - end));
@@ -606,9 +614,7 @@ void Rewriting::sync_names() const {
 }  // namespace
 
 void rewrite_log(const LogFiles& files, KeptRecords* records) {
-    // One that cannot be reached, as behind a link that leads nowhere, is passed over.
-    struct stat status;
-    if (stat(files.log.c_str(), &status) != 0 && errno != ENOENT) return;
+    if (cannot_be_reached(files.log)) return;
     Rewriting(files, records).run(true);
     if (!open_log_stream(files.log)) return;
     // Not a fault: somebody else's log keeps its mode.
