@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -16,6 +15,7 @@
 #include <utility>
 
 #include "dialog/messages.h"
+#include "logs/file_leases.h"
 #include "logs/log_files.h"
 #include "logs/log_reader.h"
 #include "main/file_identity.h"
@@ -28,13 +28,6 @@
 
 namespace {
 
-/// How long whoever has a file open is waited for, in steps: where the system tells whether there
-/// is somebody, and where it does not.
-struct Patience {
-    int steps;
-    int blind_steps;
-};
-constexpr useconds_t PATIENCE_STEP = 1000;
 /// Who keeps a log open for longer is taken to keep it open for good.
 constexpr Patience FOR_A_LOG = {200, 20};
 /// For a file that nobody can open any more.
@@ -52,30 +45,6 @@ constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 [[noreturn]] void gripe_stopped(const std::string& log, const char* step, const std::string& path,
                                 int error) {
     gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error), log.c_str()));
-}
-
-enum Lease { GRANTED, REFUSED, NOT_KNOWN_HERE };
-
-/// Asks for a lease on an open file until the others who have it open are gone.
-Lease take_lease(int file, int kind, const Patience& patience) {
-    // Who opens the file during the lease makes the system send this one.
-    std::signal(SIGIO, SIG_IGN);
-    for (int tried = 1;; ++tried) {
-        if (fcntl(file, F_SETLEASE, kind) == 0) return GRANTED;
-        const bool somebody_is_there = errno == EAGAIN;
-        if (tried >= (somebody_is_there ? patience.steps : patience.blind_steps)) {
-            return somebody_is_there ? REFUSED : NOT_KNOWN_HERE;
-        }
-        usleep(PATIENCE_STEP);
-    }
-}
-
-/// Waits until nobody has a file, open for reading, open for writing; false when somebody keeps it
-/// so.
-bool writers_have_gone(int file, const Patience& patience) {
-    const Lease lease = take_lease(file, F_RDLCK, patience);
-    if (lease == GRANTED) fcntl(file, F_SETLEASE, F_UNLCK);
-    return lease != REFUSED;
 }
 
 /// The scratch file, in the log's own directory, so that it can be renamed.

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -39,6 +42,20 @@ class LogRegion : public testing::Test {
         GLOBAL_TEST_STRING_2 = two;
         GLOBAL_TEST_STRING_3 = three;
         GLOBAL_TEST_STRING_4 = four;
+    }
+
+    /// Whether the system tells who has a file open, which much of what happens beside writers
+    /// needs.
+    static bool has_leases() {
+        const std::string path = logging_dir + "/leases";
+        const int writer = open(path.c_str(), O_WRONLY | O_CREAT, 0600);
+        const int reader = open(path.c_str(), O_RDONLY);
+        const bool tells = fcntl(reader, F_SETLEASE, F_RDLCK) != 0 && errno == EAGAIN;
+        close(writer);
+        const bool grants = fcntl(reader, F_SETLEASE, F_RDLCK) == 0;
+        close(reader);
+        std::filesystem::remove(path);
+        return tells && grants;
     }
 
     static void write_file(const std::string& path, std::string_view text) {

@@ -196,6 +196,7 @@ TEST_F(Pruning, ALogWithHardLinksStaysTheirFile) {
 }
 
 TEST_F(Pruning, ALogThatSomebodyKeepsOpenStaysHisFile) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1) + fresh(1));
     const int writer = open(log_file_path(3).c_str(), O_WRONLY | O_APPEND);
     ASSERT_NE(writer, -1);
@@ -211,6 +212,7 @@ TEST_F(Pruning, ALogThatSomebodyKeepsOpenStaysHisFile) {
 }
 
 TEST_F(Pruning, ALogThatSomebodyKeepsOpenGetsShorterByWholeBlocks) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     std::string text;
     while (text.size() < 100'000) text += old(1);
     write_log(3, text + fresh(1));
@@ -263,6 +265,7 @@ class SlowWriter {
 };
 
 TEST_F(Pruning, ARecordThatIsHalfWrittenIsWaitedFor) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1));
     const SlowWriter writer(log_file_path(3));
     writer.write(fresh(1).substr(0, 15));
@@ -277,6 +280,7 @@ TEST_F(Pruning, ARecordThatIsHalfWrittenIsWaitedFor) {
 }
 
 TEST_F(Pruning, ARecordThatStaysHalfWrittenIsNotTouched) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1));
     const SlowWriter writer(log_file_path(3));
     writer.write(fresh(1).substr(0, 15));
@@ -288,6 +292,7 @@ TEST_F(Pruning, ARecordThatStaysHalfWrittenIsNotTouched) {
 }
 
 TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     const SlowWriter writer(pruning_companion_path(3));
     {
         const Later record([&] {
@@ -301,6 +306,7 @@ TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
 }
 
 TEST_F(Pruning, ACompanionThatSomebodyKeepsOpenIsLeftForTheNextRun) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1) + fresh(1));
     write_file(pruning_companion_path(3), fresh(2));
     const SlowWriter writer(pruning_companion_path(3));
@@ -315,6 +321,7 @@ TEST_F(Pruning, ACompanionThatSomebodyKeepsOpenIsLeftForTheNextRun) {
 }
 
 TEST_F(Pruning, AnOldFileThatSomebodyKeepsOpenStays) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     const std::string taken_over = old(1) + fresh(1);
     const std::string path = log_file_path(0) + ".old_" + std::to_string(taken_over.size());
     write_log(0, fresh(1));
@@ -329,6 +336,7 @@ TEST_F(Pruning, AnOldFileThatSomebodyKeepsOpenStays) {
 }
 
 TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1));
     write_file(pruning_companion_path(3), fresh(0));
     const SlowWriter writer(log_file_path(3));
