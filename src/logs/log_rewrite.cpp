@@ -53,15 +53,16 @@ std::string scratch_beside(const std::string& log) {
     return std::filesystem::path(log).replace_filename(scratch.filename());
 }
 
-/// Hands the bytes from `at` to `end` of an open log out piece by piece.
+/// Hands the bytes from `at` to `end` of the open file at `path` out piece by piece.
 template <typename Take>
-void read_range(const std::string& log, int file, off_t at, off_t end, const Take& take) {
+void read_range(const std::string& log, const std::string& path, int file, off_t at, off_t end,
+                const Take& take) {
     std::vector<char> buffer(COPY_SIZE);
     while (at < end) {
         const auto left = static_cast<std::size_t>(end - at);
         const ssize_t got = pread(file, buffer.data(), std::min(buffer.size(), left), at);
         if (got == -1 && errno == EINTR) continue;
-        if (got <= 0) gripe_stopped(log, "read", log, got == 0 ? EIO : errno);
+        if (got <= 0) gripe_stopped(log, "read", path, got == 0 ? EIO : errno);
         take(std::string_view(buffer.data(), static_cast<std::size_t>(got)));
         at += got;
     }
@@ -90,7 +91,7 @@ class NewText {
         begin();
         // An owner that cannot be carried over is noticed when the log is to be replaced.
         carry_over_identity(log, descriptor());
-        read_range(log_, log, 0, size, [this](std::string_view bytes) { add(bytes); });
+        read_range(log_, log_, log, 0, size, [this](std::string_view bytes) { add(bytes); });
     }
 
     void add(std::string_view text) {
@@ -413,14 +414,14 @@ off_t Rewriting::make_room(int log, off_t size) const {
 /// Writes what was appended to the log behind `from` into a companion taken.
 void Rewriting::keep_tail(int log, off_t from, off_t to) const {
     bool is_blank = true;
-    read_range(log_, log, from, to, [&](std::string_view bytes) {
+    read_range(log_, log_, log, from, to, [&](std::string_view bytes) {
         is_blank = is_blank && std::all_of(bytes.begin(), bytes.end(), is_white);
     });
     if (is_blank) return;
     const int file = open(taken_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     if (file == -1) gripe_stopped(log_, "make", taken_, errno);
     int error = 0;
-    read_range(log_, log, from, to, [&](std::string_view bytes) {
+    read_range(log_, log_, log, from, to, [&](std::string_view bytes) {
         if (error == 0) error = write_all(file, bytes);
     });
     if (error == 0 && fsync(file) != 0) error = errno;
@@ -467,17 +468,12 @@ void Rewriting::take_out(int log, off_t from, off_t to) const {
 off_t Rewriting::copy_over(int log, const std::string& path) const {
     if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
     if (lseek(log, 0, SEEK_SET) == -1) gripe_stopped(log_, "write", log_, errno);
-    std::vector<char> buffer(COPY_SIZE);
-    off_t size = 0;
-    while (true) {
-        const ssize_t got = read(fileno(LOGGING_STREAM), buffer.data(), buffer.size());
-        if (got == -1 && errno == EINTR) continue;
-        if (got == -1) gripe_stopped(log_, "read", path, errno);
-        if (got == 0) break;
-        const int error = write_all(log, {buffer.data(), static_cast<std::size_t>(got)});
+    const int source = fileno(LOGGING_STREAM);
+    const off_t size = size_of(source);
+    read_range(log_, path, source, 0, size, [&](std::string_view bytes) {
+        const int error = write_all(log, bytes);
         if (error != 0) gripe_stopped(log_, "write", log_, error);
-        size += got;
-    }
+    });
     close_log_stream();
     return size;
 }

@@ -96,12 +96,17 @@ def sent_to_the_whole_group(gatescope, number, dialog):
     stage.look(shown, program.wait(WAIT), number)
 
 
-def typed_at_the_terminal(gatescope, key, number):
+def started_on_a_terminal(gatescope):
     stage = Stage(PLAIN)
     command = stage.command(gatescope)
     child, terminal = pty.fork()
     if child == 0:
         os.execve(command[0], command, stage.environment)
+    return stage, child, terminal
+
+
+def typed_at_the_terminal(gatescope, key, number):
+    stage, child, terminal = started_on_a_terminal(gatescope)
     shown = stage.dialog()
     os.write(terminal, key)
     _, status = os.waitpid(child, 0)
@@ -109,11 +114,7 @@ def typed_at_the_terminal(gatescope, key, number):
 
 
 def closed_terminal(gatescope):
-    stage = Stage(PLAIN)
-    command = stage.command(gatescope)
-    child, terminal = pty.fork()
-    if child == 0:
-        os.execve(command[0], command, stage.environment)
+    stage, child, terminal = started_on_a_terminal(gatescope)
     shown = stage.dialog()
     os.close(terminal)
     _, status = os.waitpid(child, 0)
