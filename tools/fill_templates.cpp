@@ -16,7 +16,7 @@
 #include <string_view>
 
 #include "actions/requests.h"
-#include "main/filled.h"
+#include "base/filled.h"
 #include "messages/arguments.h"
 #include "messages/bit_names.h"
 #include "messages/command_names.h"

@@ -2,11 +2,11 @@
 
 #include "actions/actions.h"
 #include "actions/picks.h"
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "messages/policy_texts.h"

@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "actions/picks.h"
-#include "main/filled.h"
-#include "main/text.h"
+#include "base/filled.h"
+#include "base/text.h"
 #include "messages/action_texts.h"
 
 std::string bit_state(std::string field) {

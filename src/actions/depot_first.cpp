@@ -3,9 +3,9 @@
 #include <sys/stat.h>
 
 #include "actions/field_editors.h"
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"

@@ -3,10 +3,10 @@
 #include "actions/actions.h"
 #include "actions/depot_first.h"
 #include "actions/field_table.h"
+#include "base/process_end.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "main/process_end.h"
 #include "messages/identity.h"
 #include "policy/region.h"
 

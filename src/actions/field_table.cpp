@@ -2,9 +2,9 @@
 
 #include "actions/bits_field.h"
 #include "actions/picks.h"
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/prompts.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"

@@ -3,9 +3,9 @@
 #include <limits>
 
 #include "actions/requests.h"
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/prompts.h"
-#include "main/process_end.h"
-#include "main/text.h"
 
 std::string as_list(const std::vector<std::string>& entries) {
     std::string list;

@@ -3,8 +3,8 @@
 #include <array>
 
 #include "actions/actions.h"
-#include "main/filled.h"
-#include "main/selections.h"
+#include "base/filled.h"
+#include "base/selections.h"
 #include "messages/menu_labels.h"
 #include "policy/edition.h"
 #include "policy/region.h"

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "main/filled.h"
+#include "base/filled.h"
 #include "messages/environment.h"
 
 namespace {

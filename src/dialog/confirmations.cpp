@@ -3,10 +3,10 @@
 #include <cstdlib>
 #include <vector>
 
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/text.h"
 #include "messages/confirmation_texts.h"
 #include "messages/environment.h"
 #include "messages/identity.h"

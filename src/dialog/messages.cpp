@@ -3,10 +3,10 @@
 #include <cstdio>
 #include <string_view>
 
+#include "base/child.h"
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/clearprompt.h"
-#include "main/child.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/dialog_texts.h"
 #include "messages/identity.h"
 

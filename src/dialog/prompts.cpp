@@ -8,17 +8,17 @@
 #include <array>
 #include <cstdio>
 
+#include "base/answer_file.h"
+#include "base/child.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/replace_file.h"
+#include "base/signals.h"
+#include "base/startup.h"
+#include "base/temporary_files.h"
+#include "base/text.h"
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"
-#include "main/answer_file.h"
-#include "main/child.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/replace_file.h"
-#include "main/signals.h"
-#include "main/startup.h"
-#include "main/temporary_files.h"
-#include "main/text.h"
 #include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 

@@ -1,10 +1,10 @@
 #include "dialog/self_test.h"
 
+#include "base/child.h"
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "main/child.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/command_line_texts.h"
 #include "messages/dialog_texts.h"
 #include "messages/identity.h"

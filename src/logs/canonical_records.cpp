@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/filled.h"
 #include "logs/log_reader.h"
 #include "logs/record_scan.h"
-#include "main/filled.h"
 
 // The canonical shape, as the policy engine writes its records:
 //

@@ -8,10 +8,10 @@
 #include <string>
 #include <utility>
 
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/log_texts.h"
 
 namespace {

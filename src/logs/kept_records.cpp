@@ -4,10 +4,10 @@
 #include <cstring>
 #include <string>
 
+#include "base/filled.h"
+#include "base/text.h"
 #include "logs/log_reader.h"
 #include "logs/record_scan.h"
-#include "main/filled.h"
-#include "main/text.h"
 
 // The fast path: a line that begins with ten digits, ':', any character and ':', holds no byte up
 // to a blank, is no longer than a word may be and ends in "\n" is written as it stands when it is

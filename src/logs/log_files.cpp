@@ -2,8 +2,8 @@
 
 #include <ctime>
 
-#include "main/filled.h"
-#include "main/startup.h"
+#include "base/filled.h"
+#include "base/startup.h"
 #include "messages/log_texts.h"
 #include "policy/region.h"
 

@@ -9,9 +9,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -14,16 +14,16 @@
 #include <optional>
 #include <utility>
 
+#include "base/file_identity.h"
+#include "base/files.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/replace_file.h"
+#include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "logs/file_leases.h"
 #include "logs/log_files.h"
 #include "logs/log_reader.h"
-#include "main/file_identity.h"
-#include "main/files.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/replace_file.h"
-#include "main/temporary_files.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -12,14 +12,14 @@
 #include <filesystem>
 #include <string>
 
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/replace_file.h"
+#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/kept_records.h"
 #include "logs/log_files.h"
 #include "logs/log_rewrite.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/replace_file.h"
-#include "main/selections.h"
 #include "messages/log_texts.h"
 #include "policy/region.h"
 

@@ -4,13 +4,13 @@
 #include <limits>
 #include <numeric>
 
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/messages.h"
 #include "logs/canonical_records.h"
 #include "logs/log_reader.h"
 #include "logs/record_rule.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/text.h"
 #include "messages/log_texts.h"
 #include "policy/edition.h"
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/filled.h"
+#include "base/text.h"
 #include "logs/log_reader.h"
-#include "main/filled.h"
-#include "main/text.h"
 
 namespace {
 

@@ -4,12 +4,12 @@
 #include <string>
 #include <vector>
 
+#include "base/selections.h"
+#include "base/signals.h"
+#include "base/startup.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
 #include "main/main_loop.h"
-#include "main/selections.h"
-#include "main/signals.h"
-#include "main/startup.h"
 #include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/edition.h"

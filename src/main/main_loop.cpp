@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "actions/requests.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/selections.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/selections.h"
 #include "messages/command_line_texts.h"
 #include "messages/menu_labels.h"
 #include "policy/region.h"

@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/text.h"
 #include "messages/alias_texts.h"
 #include "messages/environment.h"
 #include "messages/policy_texts.h"

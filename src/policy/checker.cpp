@@ -2,10 +2,10 @@
 
 #include <cstdlib>
 
+#include "base/child.h"
+#include "base/files.h"
+#include "base/filled.h"
 #include "dialog/messages.h"
-#include "main/child.h"
-#include "main/files.h"
-#include "main/filled.h"
 #include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"

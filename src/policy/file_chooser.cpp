@@ -1,11 +1,11 @@
 #include "policy/file_chooser.h"
 
+#include "base/answer_file.h"
+#include "base/child.h"
+#include "base/filled.h"
+#include "base/startup.h"
+#include "base/text.h"
 #include "dialog/clearprompt.h"
-#include "main/answer_file.h"
-#include "main/child.h"
-#include "main/filled.h"
-#include "main/startup.h"
-#include "main/text.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 

@@ -6,12 +6,12 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/answer_file.h"
+#include "base/filled.h"
+#include "base/replace_file.h"
+#include "base/startup.h"
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/answer_file.h"
-#include "main/filled.h"
-#include "main/replace_file.h"
-#include "main/startup.h"
-#include "main/text.h"
 #include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
 

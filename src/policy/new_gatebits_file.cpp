@@ -8,13 +8,13 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/answer_file.h"
+#include "base/file_identity.h"
+#include "base/filled.h"
+#include "base/replace_file.h"
+#include "base/startup.h"
+#include "base/temporary_files.h"
 #include "dialog/messages.h"
-#include "main/answer_file.h"
-#include "main/file_identity.h"
-#include "main/filled.h"
-#include "main/replace_file.h"
-#include "main/startup.h"
-#include "main/temporary_files.h"
 #include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
 

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <vector>
 
+#include "base/filled.h"
+#include "base/startup.h"
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/startup.h"
-#include "main/text.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"

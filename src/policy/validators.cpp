@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <span>
 
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/startup.h"
-#include "main/text.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/startup.h"
+#include "base/text.h"
 #include "messages/identity.h"
 #include "messages/validator_texts.h"
 #include "policy/aliases.h"

@@ -3,13 +3,13 @@
 #include <array>
 
 #include "actions/requests.h"
+#include "base/commands.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/selections.h"
+#include "base/text.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "main/commands.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/selections.h"
-#include "main/text.h"
 #include "messages/bit_names.h"
 #include "messages/identity.h"
 #include "messages/query_texts.h"

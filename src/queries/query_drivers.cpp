@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
+#include "base/filled.h"
+#include "base/selections.h"
+#include "base/text.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
-#include "main/selections.h"
-#include "main/text.h"
 #include "messages/bit_names.h"
 #include "messages/query_texts.h"
 #include "policy/edition.h"

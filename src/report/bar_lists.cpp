@@ -3,8 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "base/filled.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
 #include "messages/bar_list_texts.h"
 #include "messages/bit_names.h"
 #include "messages/page_texts.h"

@@ -1,7 +1,7 @@
 #include "report/day_titles.h"
 
+#include "base/filled.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
 #include "messages/time_graph_texts.h"
 #include "report/bars.h"
 

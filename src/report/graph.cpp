@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/filled.h"
+#include "base/startup.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
-#include "main/filled.h"
-#include "main/startup.h"
 #include "messages/graph_texts.h"
 #include "policy/region.h"
 #include "report/bar_lists.h"

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "main/filled.h"
+#include "base/filled.h"
 #include "messages/identity.h"
 #include "messages/page_texts.h"
 #include "report/graph.h"

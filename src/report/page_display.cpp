@@ -7,10 +7,10 @@
 #include <cstdlib>
 #include <optional>
 
+#include "base/child.h"
+#include "base/filled.h"
+#include "base/selections.h"
 #include "dialog/messages.h"
-#include "main/child.h"
-#include "main/filled.h"
-#include "main/selections.h"
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
 #include "policy/gatebits_file.h"

@@ -1,4 +1,4 @@
-#include "main/replace_file.h"
+#include "base/replace_file.h"
 
 #include <gtest/gtest.h>
 #include <sys/mount.h>
@@ -11,10 +11,10 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/signals.h"
+#include "base/temporary_files.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
-#include "main/signals.h"
-#include "main/temporary_files.h"
 
 namespace {
 

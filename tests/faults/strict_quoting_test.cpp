@@ -8,11 +8,11 @@
 #include <thread>
 #include <vector>
 
+#include "base/startup.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
-#include "main/startup.h"
 #include "policy/file_chooser.h"
 #include "policy/gatebits_file.h"
 

@@ -4,13 +4,13 @@
 
 #include <functional>
 
+#include "base/answer_file.h"
+#include "base/process_end.h"
+#include "base/startup.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
-#include "main/answer_file.h"
-#include "main/process_end.h"
-#include "main/startup.h"
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 

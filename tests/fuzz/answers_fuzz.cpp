@@ -1,11 +1,11 @@
 // Dialogs that answer with anything.
 
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "fuzz/fuzz_world.h"
-#include "main/process_end.h"
-#include "main/text.h"
 #include "policy/file_chooser.h"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "base/commands.h"
+#include "base/selections.h"
 #include "fuzz/fuzz_world.h"
 #include "main/command_line.h"
-#include "main/commands.h"
-#include "main/selections.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "actions/requests.h"
+#include "base/process_end.h"
+#include "base/selections.h"
 #include "fuzz/fuzz_world.h"
-#include "main/process_end.h"
-#include "main/selections.h"
 #include "messages/policy_texts.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"

@@ -3,11 +3,11 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "base/child.h"
+#include "base/process_end.h"
+#include "base/startup.h"
+#include "base/temporary_files.h"
 #include "fuzz/memory_files.h"
-#include "main/child.h"
-#include "main/process_end.h"
-#include "main/startup.h"
-#include "main/temporary_files.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 

@@ -12,10 +12,10 @@
 #include <fstream>
 #include <string>
 
+#include "base/filled.h"
+#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
-#include "main/selections.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 #include "report/graph.h"

@@ -5,9 +5,9 @@
 
 #include <string>
 
+#include "base/process_end.h"
+#include "base/startup.h"
 #include "dialog/messages.h"
-#include "main/process_end.h"
-#include "main/startup.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"

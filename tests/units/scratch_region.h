@@ -10,9 +10,9 @@
 #include <iterator>
 #include <string>
 
+#include "base/process_end.h"
+#include "base/startup.h"
 #include "dialog/messages.h"
-#include "main/process_end.h"
-#include "main/startup.h"
 #include "policy/gatebits_file.h"
 
 /// A test with a directory of its own, a gatebits file in use there, and a clearprompt that ends

@@ -4,7 +4,7 @@
 
 #include "actions/actions.h"
 #include "actions/tool_settings.h"
-#include "main/selections.h"
+#include "base/selections.h"
 #include "policy/checker.h"
 #include "policy/tool_variables.h"
 #include "units/scratch_region.h"

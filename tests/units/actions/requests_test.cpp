@@ -4,7 +4,7 @@
 
 #include <set>
 
-#include "main/selections.h"
+#include "base/selections.h"
 
 namespace {
 

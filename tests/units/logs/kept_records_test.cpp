@@ -5,9 +5,9 @@
 #include <random>
 #include <string>
 
+#include "base/filled.h"
+#include "base/text.h"
 #include "logs/log_reader.h"
-#include "main/filled.h"
-#include "main/text.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "base/process_end.h"
 #include "log_region.h"
-#include "main/process_end.h"
 
 namespace {
 

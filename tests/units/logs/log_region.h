@@ -13,10 +13,10 @@
 #include <string>
 #include <string_view>
 
+#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
-#include "main/selections.h"
 #include "policy/edition.h"
 #include "policy/region.h"
 

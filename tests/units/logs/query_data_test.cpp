@@ -3,8 +3,8 @@
 #include <limits>
 #include <numeric>
 
+#include "base/process_end.h"
 #include "log_region.h"
-#include "main/process_end.h"
 
 namespace {
 

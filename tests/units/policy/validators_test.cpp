@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "main/process_end.h"
+#include "base/process_end.h"
 #include "policy/aliases.h"
 #include "units/scratch_region.h"
 

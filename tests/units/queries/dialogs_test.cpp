@@ -1,7 +1,7 @@
 #include <unistd.h>
 
 #include "actions/requests.h"
-#include "main/commands.h"
+#include "base/commands.h"
 #include "units/queries/query_region.h"
 
 using testing::ElementsAre;

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
+#include "base/filled.h"
+#include "base/selections.h"
+#include "base/startup.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
-#include "main/filled.h"
-#include "main/selections.h"
-#include "main/startup.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"

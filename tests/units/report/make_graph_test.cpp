@@ -3,8 +3,8 @@
 
 #include <csignal>
 
+#include "base/selections.h"
 #include "dialog/messages.h"
-#include "main/selections.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"

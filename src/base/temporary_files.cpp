@@ -1,4 +1,4 @@
-#include "main/temporary_files.h"
+#include "base/temporary_files.h"
 
 #include <unistd.h>
 

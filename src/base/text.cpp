@@ -1,11 +1,11 @@
-#include "main/text.h"
+#include "base/text.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
 
-#include "main/filled.h"
+#include "base/filled.h"
 
 namespace {
 

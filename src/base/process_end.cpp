@@ -1,11 +1,11 @@
-#include "main/process_end.h"
+#include "base/process_end.h"
 
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdlib>
 
-#include "main/temporary_files.h"
+#include "base/temporary_files.h"
 
 std::string TMSG;
 std::string GATEWARDEN_RESULT_STRING;

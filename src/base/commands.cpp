@@ -1,11 +1,11 @@
-#include "main/commands.h"
+#include "base/commands.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
-#include "main/filled.h"
-#include "main/text.h"
+#include "base/filled.h"
+#include "base/text.h"
 #include "messages/command_names.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "main/child.h"
+#include "base/child.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -13,8 +13,8 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "main/filled.h"
-#include "main/signals.h"
+#include "base/filled.h"
+#include "base/signals.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "main/startup.h"
+#include "base/startup.h"
 
 #include <gtest/gtest.h>
 #include <pwd.h>
@@ -7,8 +7,8 @@
 
 #include <cstdlib>
 
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/text.h"
 #include "policy/checker.h"
 #include "units/on_stage.h"
 

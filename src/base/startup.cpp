@@ -1,4 +1,4 @@
-#include "main/startup.h"
+#include "base/startup.h"
 
 #include <pwd.h>
 #include <strings.h>
@@ -9,11 +9,11 @@
 #include <cstring>
 #include <optional>
 
+#include "base/answer_file.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/text.h"
 #include "dialog/messages.h"
-#include "main/answer_file.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/text.h"
 #include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"

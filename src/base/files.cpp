@@ -1,4 +1,4 @@
-#include "main/files.h"
+#include "base/files.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,9 +9,9 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/filled.h"
+#include "base/process_end.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
 #include "messages/startup_texts.h"
 
 namespace {

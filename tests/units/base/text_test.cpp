@@ -1,11 +1,11 @@
-#include "main/text.h"
+#include "base/text.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "main/commands.h"
-#include "main/filled.h"
+#include "base/commands.h"
+#include "base/filled.h"
 
 namespace {
 

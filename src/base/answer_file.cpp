@@ -1,4 +1,4 @@
-#include "main/answer_file.h"
+#include "base/answer_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,11 +9,11 @@
 #include <cerrno>
 #include <cstring>
 
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "base/signals.h"
+#include "base/temporary_files.h"
 #include "dialog/messages.h"
-#include "main/filled.h"
-#include "main/process_end.h"
-#include "main/signals.h"
-#include "main/temporary_files.h"
 #include "messages/startup_texts.h"
 
 namespace {

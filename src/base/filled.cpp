@@ -1,4 +1,4 @@
-#include "main/filled.h"
+#include "base/filled.h"
 
 #include <cstdarg>
 #include <cstdio>

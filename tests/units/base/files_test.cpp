@@ -1,4 +1,4 @@
-#include "main/files.h"
+#include "base/files.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -6,8 +6,8 @@
 
 #include <string>
 
-#include "main/commands.h"
-#include "main/process_end.h"
+#include "base/commands.h"
+#include "base/process_end.h"
 #include "units/on_stage.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "main/replace_file.h"
+#include "base/replace_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -9,12 +9,12 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/answer_file.h"
+#include "base/file_identity.h"
+#include "base/filled.h"
+#include "base/signals.h"
+#include "base/temporary_files.h"
 #include "dialog/messages.h"
-#include "main/answer_file.h"
-#include "main/file_identity.h"
-#include "main/filled.h"
-#include "main/signals.h"
-#include "main/temporary_files.h"
 #include "messages/startup_texts.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "main/selections.h"
+#include "base/selections.h"
 
 bool file_selected = false;
 bool query_selected = false;

@@ -1,9 +1,9 @@
-#include "main/signals.h"
+#include "base/signals.h"
 
 #include <array>
 
-#include "main/child.h"
-#include "main/temporary_files.h"
+#include "base/child.h"
+#include "base/temporary_files.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "main/process_end.h"
+#include "base/process_end.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -9,10 +9,10 @@
 
 #include <functional>
 
-#include "main/answer_file.h"
-#include "main/child.h"
-#include "main/signals.h"
-#include "main/temporary_files.h"
+#include "base/answer_file.h"
+#include "base/child.h"
+#include "base/signals.h"
+#include "base/temporary_files.h"
 #include "units/on_stage.h"
 
 namespace {

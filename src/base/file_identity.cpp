@@ -1,4 +1,4 @@
-#include "main/file_identity.h"
+#include "base/file_identity.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
