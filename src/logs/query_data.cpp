@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
+#include <string>
+#include <vector>
 
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/messages.h"
-#include "logs/canonical_records.h"
-#include "logs/log_reader.h"
+#include "logs/log_tally.h"
 #include "logs/record_rule.h"
 #include "messages/log_texts.h"
 #include "policy/edition.h"
@@ -69,18 +69,12 @@ void set_labels(int query) {
     }
 }
 
-RecordTally read_logs(const RecordQuery& query) {
-    RecordTally tally;
-    const CanonicalQuery canonical(query);
-    LogReader reader;
+std::vector<std::string> log_paths() {
+    std::vector<std::string> paths;
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        const std::string path = log_file_path(number);
-        if (!open_log_stream(path)) continue;
-        reader.start(fileno(LOGGING_STREAM), path);
-        for (std::string_view piece; reader.next(&piece);) canonical.count(piece, &tally);
-        close_log_stream();
+        paths.push_back(log_file_path(number));
     }
-    return tally;
+    return paths;
 }
 
 void set_cells(const RecordTally& tally) {
@@ -146,7 +140,7 @@ void get_query_data(int query) {
     if (!counts_per_day(query) && !counts_per_number(query)) gripe_uncoded("get_query_data");
     set_query_period();
     set_labels(query);
-    const RecordTally tally = read_logs(record_query(query));
+    const RecordTally tally = tally_logs(record_query(query), log_paths());
     earliest_read_time = tally.earliest;
     set_cells(tally);
     if (counts_per_day(query)) {
