@@ -6,12 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
-#include "base/filled.h"
-#include "base/process_end.h"
-#include "dialog/messages.h"
 #include "messages/log_texts.h"
 
 namespace {
@@ -23,14 +19,8 @@ constexpr std::size_t READ_SIZE = FUZZED_READ_SIZE;
 #else
 constexpr std::size_t READ_SIZE = std::size_t{128} * 1024;
 #endif
-
-/// Where the words that are known to be whole end: behind the last white space, or behind the
-/// last full piece of a word that is longer than WORD_LIMIT.
-std::size_t whole_words(const char* bytes, std::size_t size) {
-    std::size_t end = size;
-    while (end > 0 && !is_white(bytes[end - 1])) --end;
-    return size - (size - end) % WORD_LIMIT;
-}
+/// What is read behind the end of a range: the last word goes on there.
+constexpr std::size_t TAIL_SIZE = std::min<std::size_t>(READ_SIZE, 4096);
 
 }  // namespace
 
@@ -41,57 +31,112 @@ std::string_view next_word(const char** at, const char* end) {
     return {start, static_cast<std::size_t>(*at - start)};
 }
 
-bool open_log_stream(const std::string& path) {
+Descriptor open_log(const std::string& path, std::string* reason) {
+    reason->clear();
     // Without O_NONBLOCK somebody's pipe under a log's name would hold the program for ever.
-    int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    // A log that is being rewritten in place is waited for, and not skipped.
-    if (descriptor == -1 && errno == EWOULDBLOCK)
-        descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor == -1) return false;
+    Descriptor log(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    // A log that somebody holds for himself for a moment is waited for, and not skipped.
+    if (!log && errno == EWOULDBLOCK) log = Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
-    if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) {
-        LOGGING_STREAM = fdopen(descriptor, "r");
-        if (LOGGING_STREAM != nullptr) return true;
+    if (!log || fstat(log.get(), &status) != 0) {
+        if (errno != ENOENT && errno != ENOTDIR) *reason = std::strerror(errno);
+        return Descriptor();
     }
-    close(descriptor);
-    return false;
+    if (S_ISREG(status.st_mode)) return log;
+    *reason = NOT_A_REGULAR_FILE;
+    return Descriptor();
 }
 
-void close_log_stream() {
-    std::fclose(LOGGING_STREAM);
-    LOGGING_STREAM = nullptr;
+LogReader::LogReader()
+    : buffer_(std::make_unique_for_overwrite<char[]>(WORD_LIMIT + READ_SIZE + READER_MARGIN)) {}
+
+void LogReader::start(int file, off_t from) {
+    start_range(file, from, TO_THE_END);
+    place_ = from;
+    skipping_ = false;
 }
 
-LogReader::LogReader() : buffer_(WORD_LIMIT + READ_SIZE + READER_MARGIN) {}
-
-void LogReader::start(int descriptor, const std::string& path) {
-    descriptor_ = descriptor;
-    path_ = path;
+void LogReader::start_range(int file, off_t from, off_t to) {
+    file_ = file;
+    // The byte before tells whether a word begins at the first one.
+    place_ = std::max<off_t>(from - 1, 0);
+    to_ = to;
     held_ = 0;
     handed_out_ = 0;
+    skipping_ = from > 0;
+    finished_ = from >= to;
     at_end_ = false;
+    error_ = 0;
 }
 
 bool LogReader::next(std::string_view* piece) {
     // What is left over is the beginning of one word, shorter than WORD_LIMIT.
     held_ -= handed_out_;
-    std::memmove(buffer_.data(), buffer_.data() + handed_out_, held_);
+    std::memmove(buffer_.get(), buffer_.get() + handed_out_, held_);
     handed_out_ = 0;
-    while (handed_out_ == 0 && !at_end_) {
-        const std::size_t got = fill();
-        at_end_ = got == 0;
-        held_ += got;
-        handed_out_ = at_end_ ? held_ : whole_words(buffer_.data(), held_);
+    while (handed_out_ == 0 && !finished_ && fill()) {
+        if (skipping_) skip_to_first_word();
+        find_end();
     }
-    *piece = {buffer_.data(), handed_out_};
+    *piece = {buffer_.get(), handed_out_};
     return handed_out_ != 0;
 }
 
-std::size_t LogReader::fill() {
+/// Reads on; false when that fails.
+bool LogReader::fill() {
+    const off_t wanted = std::clamp<off_t>(to_ - place_, 0, READ_SIZE);
+    const std::size_t size = std::min(READ_SIZE, static_cast<std::size_t>(wanted) + TAIL_SIZE);
     ssize_t got;
     do {
-        got = read(descriptor_, buffer_.data() + held_, READ_SIZE);
+        got = pread(file_, buffer_.get() + held_, size, place_);
     } while (got == -1 && errno == EINTR);
-    if (got == -1) gripe(filled(LOG_READ_FAILURE, path_.c_str(), std::strerror(errno)));
-    return static_cast<std::size_t>(got);
+    if (got == -1) {
+        error_ = errno;
+        finished_ = true;
+        return false;
+    }
+    at_end_ = got == 0;
+    held_ += static_cast<std::size_t>(got);
+    place_ += got;
+    return true;
+}
+
+/// Drops what stands before the first white space. When there is none before the end of the range,
+/// no word begins in it.
+void LogReader::skip_to_first_word() {
+    const char* const begin = buffer_.get();
+    const char* const end = begin + held_;
+    const char* const first = std::find_if(begin, end, is_white);
+    const off_t place = place_ - static_cast<off_t>(end - first);
+    skipping_ = first == end;
+    finished_ = place >= to_ - 1;
+    held_ = finished_ ? 0 : static_cast<std::size_t>(end - first);
+    std::memmove(buffer_.get(), first, held_);
+}
+
+/// Finds out how much of what is held can be handed out: up to where the range ends, or else up to
+/// where the words that are known to be whole end. That is behind the last white space, or behind
+/// the last full piece of a word that is longer than WORD_LIMIT.
+void LogReader::find_end() {
+    const char* const begin = buffer_.get();
+    const char* const end = begin + held_;
+    if (at_end_) {
+        finished_ = true;
+        handed_out_ = held_;
+        return;
+    }
+    if (place_ >= to_) {
+        // The last word of the range is the one that its last byte belongs to.
+        const off_t behind_last = place_ - (to_ - 1);
+        const char* const last = end - std::min<off_t>(behind_last, end - begin);
+        const char* const stop = std::find_if(last, end, is_white);
+        if (stop != end) {
+            finished_ = true;
+            handed_out_ = static_cast<std::size_t>(stop - begin) + 1;
+            return;
+        }
+    }
+    const char* last = end;
+    while (last > begin && !is_white(last[-1])) --last;
+    handed_out_ = held_ - static_cast<std::size_t>(end - last) % WORD_LIMIT;
 }

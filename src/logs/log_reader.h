@@ -1,14 +1,19 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <cstdint>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "base/descriptor.h"
 
 // Log bytes in, words out. A word is what stands between white space (blank, \t, \n, \v, \f, \r);
 // one that is longer than WORD_LIMIT is read as several. One word is one record.
 
-inline constexpr std::size_t WORD_LIMIT = 255;
+inline constexpr std::size_t WORD_LIMIT = std::size_t{64} * 1024;
 
 /// How many bytes may be looked at behind the end of a piece that LogReader hands out: vector
 /// code may read, but not believe, what stands there.
@@ -23,35 +28,52 @@ constexpr bool is_white(char c) {
 /// there is none. NUL bytes are part of a word; what counts of a word is its C text.
 std::string_view next_word(const char** at, const char* end);
 
-/// Opens a log file for reading as LOGGING_STREAM, where the end of the process finds it. False,
-/// without a message, when there is no such file or it is not a regular one that may be read.
-bool open_log_stream(const std::string& path);
-/// Closes LOGGING_STREAM.
-void close_log_stream();
+/// Opens a log for reading. Nothing is open when it cannot be opened or is no regular file; then
+/// `*reason` says why, and is empty when there is no such file at all.
+Descriptor open_log(const std::string& path, std::string* reason);
 
-/// Hands out a file piece by piece, always in whole words.
+/// Hands out the words of an open file piece by piece, always whole ones. It moves no file
+/// position, so that several may read the same file at the same time.
 class LogReader {
   public:
     LogReader();
 
-    /// Starts over with an open file that is read from where it stands. `path` is for messages.
-    void start(int descriptor, const std::string& path);
+    /// Starts over with all that stands in `file` from its byte `from` on. The file stays the
+    /// caller's, who keeps it open.
+    void start(int file, off_t from = 0);
 
-    /// The next piece, never empty; it is good until the next call. False at the end of the file.
-    /// A word that the end of the file cuts short is handed out as it stands. Gripes when the
-    /// file cannot be read on.
+    /// Starts over with the words that begin at `from` or later and before `to`: ranges that
+    /// follow each other without a gap hand out each word of a file once.
+    void start_range(int file, off_t from, off_t to);
+
+    /// To the end of the file, wherever that is when it is reached.
+    static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
+
+    /// The next piece, never empty; it is good until the next call. A word that the end of the
+    /// file cuts short is handed out as it stands. False at the end, and when the file cannot be
+    /// read on: then error() says why.
     bool next(std::string_view* piece);
     /// Whether the last piece went up to the end of the file, as it was when it was read.
     bool at_end() const { return at_end_; }
+    /// 0, or the errno of the read that failed.
+    int error() const { return error_; }
 
   private:
-    std::size_t fill();
+    bool fill();
+    void skip_to_first_word();
+    void find_end();
 
-    std::vector<char> buffer_;
-    int descriptor_ = -1;
-    std::string path_;
-    /// The bytes in the buffer, and how many of them have been handed out.
+    std::unique_ptr<char[]> buffer_;
+    int file_ = -1;
+    /// Where the next read starts, and where the first word that is not wanted may begin.
+    off_t place_ = 0;
+    off_t to_ = TO_THE_END;
+    /// The bytes in the buffer, and how many of them are handed out.
     std::size_t held_ = 0;
     std::size_t handed_out_ = 0;
+    /// Whether what is read belongs to a word that began before the range.
+    bool skipping_ = false;
+    bool finished_ = true;
     bool at_end_ = true;
+    int error_ = 0;
 };

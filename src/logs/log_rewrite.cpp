@@ -47,6 +47,24 @@ constexpr off_t WRITE_BACK_SIZE = 8 << 20;
     gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error), log.c_str()));
 }
 
+[[noreturn]] void gripe_unread(const std::string& path, int error) {
+    gripe(filled(LOG_READ_FAILURE, path.c_str(), std::strerror(error)));
+}
+
+/// Opens a file for reading as LOGGING_STREAM, where the end of the process finds it.
+bool open_log_stream(const std::string& path) {
+    std::string reason;
+    const Descriptor file = open_log(path, &reason);
+    if (!file) return false;
+    LOGGING_STREAM = fdopen(fcntl(file.get(), F_DUPFD_CLOEXEC, 0), "r");
+    return LOGGING_STREAM != nullptr;
+}
+
+void close_log_stream() {
+    std::fclose(LOGGING_STREAM);
+    LOGGING_STREAM = nullptr;
+}
+
 /// The scratch file, in the log's own directory, so that it can be renamed.
 std::string scratch_beside(const std::string& log) {
     const std::filesystem::path scratch = pruning_scratch_path();
@@ -172,7 +190,6 @@ class Rewriting {
     void drop_old_without_tail();
 
     // The pieces of a new text.
-    void start_reading(int log, off_t at, LogReader* reader) const;
     off_t add_log(NewText* text, int log, bool look_at_it);
     void add_records(NewText* text, const std::string& path, off_t from);
 
@@ -271,11 +288,6 @@ bool Rewriting::make_new_text(bool look_at_log) {
     return true;
 }
 
-void Rewriting::start_reading(int log, off_t at, LogReader* reader) const {
-    if (lseek(log, at, SEEK_SET) == -1) gripe_stopped(log_, "read", log_, errno);
-    reader->start(log, log_);
-}
-
 /// Returns how many bytes of the log the text holds, or would hold if it were needed.
 off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
     KeptRecords all(std::numeric_limits<std::int64_t>::min());
@@ -288,7 +300,7 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
     while (done != done_before) {
         done_before = done;
         off_t waited_at = -1;
-        start_reading(log, done, &reader);
+        reader.start(log, done);
         for (std::string_view piece; reader.next(&piece);) {
             const auto end = done + static_cast<off_t>(piece.size());
             // Somebody may be in the middle of writing the last record.
@@ -296,7 +308,7 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
             if (is_unfinished && waited_at != end) {
                 waited_at = end;
                 has_half_record_ = !log_writers_have_gone(log);
-                start_reading(log, done, &reader);
+                reader.start(log, done);
                 continue;
             }
             if (is_unfinished && has_half_record_) piece = without_last_word(piece);
@@ -306,6 +318,7 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
             done += static_cast<off_t>(piece.size());
             if (done != end) break;
         }
+        if (reader.error() != 0) gripe_unread(log_, reader.error());
     }
     if (!text->exists() && something_to_add()) text->begin_like(log, done);
     return done;
@@ -315,10 +328,10 @@ off_t Rewriting::add_log(NewText* text, int log, bool look_at_it) {
 void Rewriting::add_records(NewText* text, const std::string& path, off_t from) {
     if (!open_log_stream(path)) gripe_stopped(log_, "open", path, errno);
     const int file = fileno(LOGGING_STREAM);
-    if (lseek(file, from, SEEK_SET) == -1) gripe_stopped(log_, "read", path, errno);
     LogReader reader;
-    reader.start(file, path);
+    reader.start(file, from);
     for (std::string_view piece; reader.next(&piece);) text->add(records_->of(piece));
+    if (reader.error() != 0) gripe_unread(path, reader.error());
     close_log_stream();
 }
 

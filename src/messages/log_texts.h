@@ -13,6 +13,10 @@ inline constexpr char LOGGING_PRUNING_TOKEN[] = "%s%clogging_pruning_token.txt";
 inline constexpr char LOG_READ_FAILURE[] =
     "ERROR: The log file (%s) could not be read to its end: %s.  The file is as it was.";
 
+/// On standard error. File, why it could not be opened.
+inline constexpr char LOG_LEFT_OUT[] = "gatescope: the log file (%s) was left out: %s\n";
+inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
+
 // Row labels of the day cells: date, then the number of days where there is one.
 inline constexpr char LABEL_TODAY[] = "%s - today";
 inline constexpr char LABEL_YESTERDAY[] = "%s - yesterday";

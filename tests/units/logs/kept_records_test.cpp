@@ -73,6 +73,14 @@ TEST(KeptRecordsOf, ArePieceItselfWhenNothingChanges) {
     EXPECT_FALSE(kept_of(text + "1").same_piece);
 }
 
+TEST(KeptRecordsOf, AreWholeHoweverLong) {
+    const std::string user(5000, 'u');
+    const std::string kept = "1700000001:S:" + user + "[1]-<->\n";
+    const std::string dropped = "1699999999:S:" + user + "1700000001:S:ann[1]-<->\n";
+    EXPECT_EQ(kept_of(kept + dropped + kept).text, kept + kept);
+    EXPECT_EQ(kept_of(kept + dropped + kept).total, 3);
+}
+
 TEST(KeptRecordsOf, AgreeWithThePlainRule) {
     std::mt19937 random(3);
     const auto draw = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
@@ -86,7 +94,7 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
                                                  static_cast<int>(1 + draw(5)));
             text += ":S:user" + std::to_string(draw(1000)) + "[1]-<->\n";
             if (draw(400) == 0) text.insert(draw(static_cast<unsigned>(text.size())), 1, byte());
-            if (draw(400) == 0) text.insert(text.size(), draw(600), byte());
+            if (draw(400) == 0) text.insert(text.size(), draw(40) == 0 ? 140000 : draw(600), byte());
             if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
         }
         const Kept kept = kept_of(text);

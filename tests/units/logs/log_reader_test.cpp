@@ -9,7 +9,6 @@
 #include <thread>
 #include <vector>
 
-#include "base/process_end.h"
 #include "log_region.h"
 
 namespace {
@@ -30,30 +29,52 @@ Words words_of(std::string_view text) {
 Words words_of_the_c_library(const std::string& path) {
     Words words;
     FILE* stream = std::fopen(path.c_str(), "r");
-    std::string buffer(256, '\0');
-    while (true) {
-        int length = 0;
-        if (std::fscanf(stream, "%255s%n", buffer.data(), &length) != 1) break;
-        // %n counts the white space in front too, and NULs may stand in the word, so what is
-        // compared is the C text.
-        words.emplace_back(buffer.c_str());
-    }
+    std::string buffer(WORD_LIMIT + 1, '\0');
+    // NULs may stand in the word, so what is compared is the C text.
+    while (std::fscanf(stream, "%65536s", buffer.data()) == 1) words.emplace_back(buffer.c_str());
     std::fclose(stream);
     return words;
 }
 
 class LogReaderOnFiles : public LogRegion {
   protected:
-    static Words words_read(const std::string& path) {
-        Words words;
-        EXPECT_TRUE(open_log_stream(path));
-        LogReader reader;
-        reader.start(fileno(LOGGING_STREAM), path);
+    static Descriptor opened(const std::string& path) {
+        std::string reason;
+        Descriptor log = open_log(path, &reason);
+        EXPECT_TRUE(log) << reason;
+        return log;
+    }
+    static void add_words(LogReader& reader, Words* words) {
         for (std::string_view piece; reader.next(&piece);) {
-            for (const std::string& word : words_of(piece)) words.push_back(word);
+            for (const std::string& word : words_of(piece)) words->push_back(word);
         }
-        close_log_stream();
+        EXPECT_EQ(reader.error(), 0);
+    }
+    static Words words_read(const std::string& path, off_t from = 0) {
+        Words words;
+        const Descriptor log = opened(path);
+        LogReader reader;
+        reader.start(log.get(), from);
+        add_words(reader, &words);
         return words;
+    }
+    /// As read by ranges of `size` bytes, the last of them without an end.
+    static Words words_read_by_ranges(const std::string& path, off_t size) {
+        Words words;
+        const Descriptor log = opened(path);
+        const auto end = static_cast<off_t>(std::filesystem::file_size(path));
+        LogReader reader;
+        for (off_t from = 0; from == 0 || from < end; from += size) {
+            reader.start_range(log.get(), from,
+                               from + size < end ? from + size : LogReader::TO_THE_END);
+            add_words(reader, &words);
+        }
+        return words;
+    }
+    static std::string reason_not_to_open(const std::string& path) {
+        std::string reason = "some old reason";
+        EXPECT_FALSE(open_log(path, &reason));
+        return reason;
     }
 };
 
@@ -68,8 +89,8 @@ TEST(NextWord, OtherControlCharactersDoNot) {
 TEST(NextWord, LongWordsComeInPieces) {
     const std::string long_word(2 * WORD_LIMIT + 1, 'x');
     EXPECT_EQ(words_of(" " + long_word + " y"),
-              (Words{std::string(255, 'x'), std::string(255, 'x'), "x", "y"}));
-    EXPECT_EQ(words_of(std::string(255, 'x') + " y"), (Words{std::string(255, 'x'), "y"}));
+              (Words{std::string(65536, 'x'), std::string(65536, 'x'), "x", "y"}));
+    EXPECT_EQ(words_of(std::string(65536, 'x') + " y"), (Words{std::string(65536, 'x'), "y"}));
 }
 
 TEST(NextWord, NulsBelongToTheWord) {
@@ -84,7 +105,7 @@ TEST(NextWord, NothingButWhiteSpaceHoldsNoWord) {
 
 TEST_F(LogReaderOnFiles, WordsAcrossReadsStayWhole) {
     std::mt19937 random(1);
-    for (const int longest : {40, 255, 300, 5000, 400000}) {
+    for (const int longest : {40, 5000, 65536, 66000, 400000}) {
         std::string text;
         while (text.size() < 700000) {
             text.append(1 + random() % static_cast<unsigned>(longest), "abcdefgh"[random() % 8]);
@@ -101,11 +122,49 @@ TEST_F(LogReaderOnFiles, AFileMayEndInAWord) {
     EXPECT_EQ(words_read(log_file_path(0)), (Words{"one", "two"}));
 }
 
+TEST_F(LogReaderOnFiles, ReadingMayStartAnywhere) {
+    write_log(0, "one two three");
+    EXPECT_EQ(words_read(log_file_path(0), 4), (Words{"two", "three"}));
+    EXPECT_EQ(words_read(log_file_path(0), 5), (Words{"wo", "three"}));
+    EXPECT_EQ(words_read(log_file_path(0), 13), Words{});
+    EXPECT_EQ(words_read(log_file_path(0), 100), Words{});
+}
+
+TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceWhereverTheyMeet) {
+    const std::string path = log_file_path(0);
+    for (const char* text : {"", "a", "\n", "ab", "a b", " a", "a ", "ab cd\n\nef  g hijklmnop\n",
+                             "\n\n\n", "abcdefghijklmnop", "a\r\nb\r\nc\r\n"}) {
+        write_log(0, text);
+        const Words words = words_of(text);
+        for (off_t size = 1; size < 20; ++size) {
+            EXPECT_EQ(words_read_by_ranges(path, size), words) << "'" << text << "' by " << size;
+        }
+    }
+}
+
+TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceAcrossReadsToo) {
+    std::mt19937 random(2);
+    const std::string path = log_file_path(0);
+    for (const int longest : {40, 66000, 400000}) {
+        std::string text;
+        while (text.size() < 1200000) {
+            text.append(1 + random() % static_cast<unsigned>(longest), "abcdefgh"[random() % 8]);
+            text.append(1 + random() % 3, " \n\r\t\v\f"[random() % 6]);
+        }
+        write_log(0, text);
+        const Words words = words_of(text);
+        for (const off_t size : {1000, 65536, 100003, 131072, 262144, 131071 + 4096, 999999}) {
+            EXPECT_TRUE(words_read_by_ranges(path, size) == words)
+                << "words of up to " << longest << " by " << size;
+        }
+    }
+}
+
 TEST_F(LogReaderOnFiles, TheEndIsKnownWithThePieceThatReachesIt) {
     write_log(0, std::string(300, 'x') + " " + std::string(200'000, 'y'));
-    ASSERT_TRUE(open_log_stream(log_file_path(0)));
+    const Descriptor log = opened(log_file_path(0));
     LogReader reader;
-    reader.start(fileno(LOGGING_STREAM), log_file_path(0));
+    reader.start(log.get());
     std::string_view piece;
     ASSERT_TRUE(reader.next(&piece));
     EXPECT_FALSE(reader.at_end());
@@ -114,7 +173,6 @@ TEST_F(LogReaderOnFiles, TheEndIsKnownWithThePieceThatReachesIt) {
     EXPECT_EQ(piece.back(), 'y');
     // Only what was read when the end was seen.
     EXPECT_FALSE(reader.next(&piece));
-    close_log_stream();
 }
 
 TEST_F(LogReaderOnFiles, AnEmptyFileHasNoPieces) {
@@ -123,12 +181,24 @@ TEST_F(LogReaderOnFiles, AnEmptyFileHasNoPieces) {
 }
 
 TEST_F(LogReaderOnFiles, WhatIsNoRegularFileIsNotOpened) {
-    EXPECT_FALSE(open_log_stream(logging_dir + "/missing.txt"));
     std::filesystem::create_directory(log_file_path(0));
-    EXPECT_FALSE(open_log_stream(log_file_path(0)));
+    EXPECT_EQ(reason_not_to_open(log_file_path(0)), "Not a regular file");
     ASSERT_EQ(mkfifo(log_file_path(1).c_str(), 0600), 0);
-    EXPECT_FALSE(open_log_stream(log_file_path(1)));
-    EXPECT_EQ(LOGGING_STREAM, nullptr);
+    EXPECT_EQ(reason_not_to_open(log_file_path(1)), "Not a regular file");
+}
+
+TEST_F(LogReaderOnFiles, AMissingFileIsNotOpenedAndNoFault) {
+    EXPECT_EQ(reason_not_to_open(log_file_path(0)), "");
+    std::filesystem::create_symlink("nowhere", log_file_path(1));
+    EXPECT_EQ(reason_not_to_open(log_file_path(1)), "");
+    EXPECT_EQ(reason_not_to_open(log_file_path(1) + "/below"), "");
+    write_log(2, "a file");
+    EXPECT_EQ(reason_not_to_open(log_file_path(2) + "/below"), "");
+}
+
+TEST_F(LogReaderOnFiles, WhatCannotBeOpenedHasAReason) {
+    std::filesystem::create_symlink("logging_3.txt", log_file_path(3));
+    EXPECT_EQ(reason_not_to_open(log_file_path(3)), "Too many levels of symbolic links");
 }
 
 TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
@@ -152,8 +222,19 @@ TEST_F(LogReaderOnFiles, LinksToLogsAreFollowed) {
     EXPECT_EQ(words_read(log_file_path(0)), Words{"word"});
 }
 
-TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
+TEST_F(LogReaderOnFiles, AReadErrorIsKept) {
     // Reading address 0 of this process is a file that opens and cannot be read.
+    std::filesystem::create_symlink("/proc/self/mem", log_file_path(4));
+    const Descriptor log = opened(log_file_path(4));
+    LogReader reader;
+    reader.start(log.get());
+    std::string_view piece;
+    EXPECT_FALSE(reader.next(&piece));
+    EXPECT_EQ(reader.error(), EIO);
+    EXPECT_FALSE(reader.next(&piece));
+}
+
+TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
     std::filesystem::create_symlink("/proc/self/mem", log_file_path(4));
     EXPECT_EXIT(
         {
