@@ -11,22 +11,23 @@ namespace {
 
 // A signal handler may only look at lock-free atomics, so the list is an array of pointers to
 // paths; a slot that is null is free. The program never has more than a handful at a time.
-std::array<std::atomic<char*>, 16> slots;
+using Slots = std::array<std::atomic<char*>, 16>;
+Slots slots;
+/// The files that only a signal takes away.
+Slots slots_for_signals;
 static_assert(std::atomic<char*>::is_always_lock_free);
 
-}  // namespace
-
-void remember_temporary_file(const std::string& path) {
+void remember(Slots* list, const std::string& path) {
     char* copy = strdup(path.c_str());
-    for (auto& slot : slots) {
+    for (auto& slot : *list) {
         char* free_slot = nullptr;
         if (slot.compare_exchange_strong(free_slot, copy)) return;
     }
     std::free(copy);
 }
 
-void forget_temporary_file(const std::string& path) {
-    for (auto& slot : slots) {
+void forget(Slots* list, const std::string& path) {
+    for (auto& slot : *list) {
         char* kept = slot.load();
         if (kept != nullptr && path == kept) {
             slot.store(nullptr);
@@ -34,6 +35,27 @@ void forget_temporary_file(const std::string& path) {
             return;
         }
     }
+}
+
+void unlink_all(const Slots& list) {
+    for (auto slot = list.rbegin(); slot != list.rend(); ++slot) {
+        if (const char* path = slot->load()) unlink(path);
+    }
+}
+
+}  // namespace
+
+void remember_temporary_file(const std::string& path) {
+    remember(&slots, path);
+}
+
+void remember_for_signals(const std::string& path) {
+    remember(&slots_for_signals, path);
+}
+
+void forget_temporary_file(const std::string& path) {
+    forget(&slots, path);
+    forget(&slots_for_signals, path);
 }
 
 void remove_temporary_files() {
@@ -46,7 +68,7 @@ void remove_temporary_files() {
 }
 
 void unlink_temporary_files() {
-    for (auto& slot : slots) {
-        if (const char* path = slot.load()) unlink(path);
-    }
+    unlink_all(slots);
+    // They tell others that work is going on, so they go when its other files have gone.
+    unlink_all(slots_for_signals);
 }

@@ -56,6 +56,32 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
     }
 }
 
+TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
+    const auto make = [&] {
+        close(create_temporary_file(at("sign")));
+        forget_temporary_file(at("sign"));
+        remember_for_signals(at("sign"));
+    };
+    in_a_child([&] {
+        make();
+        clean_exit(7);
+    });
+    EXPECT_FALSE(region.files_in("tmp").empty());
+    in_a_child([&] {
+        end_in_order_on_signals();
+        make();
+        raise(SIGTERM);
+    });
+    EXPECT_TRUE(region.files_in("tmp").empty());
+    in_a_child([&] {
+        end_in_order_on_signals();
+        make();
+        forget_temporary_file(at("sign"));
+        raise(SIGTERM);
+    });
+    EXPECT_FALSE(region.files_in("tmp").empty());
+}
+
 TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
     const int status = in_a_child([&] {
         signal(SIGHUP, SIG_IGN);
