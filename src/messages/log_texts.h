@@ -17,6 +17,9 @@ inline constexpr char LOG_READ_FAILURE[] =
 inline constexpr char LOG_LEFT_OUT[] = "gatescope: the log file (%s) was left out: %s\n";
 inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
 
+/// On a terminal, while logs are read or pruned. Megabytes done, megabytes of all, seconds left.
+inline constexpr char PROGRESS_LINE[] = "%lld of %lld MB, %.0f s left";
+
 // Row labels of the day cells: date, then the number of days where there is one.
 inline constexpr char LABEL_TODAY[] = "%s - today";
 inline constexpr char LABEL_YESTERDAY[] = "%s - yesterday";
