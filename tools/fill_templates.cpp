@@ -194,8 +194,8 @@ struct Text {
 
 std::array<Text, 7> texts() {
     return {{{"@VERSION@", VERSION},
-             {"@QUERIES@", std::to_string(NUMBER_OF_QUERIES)},
-             {"@ACTIONS@", std::to_string(NUMBER_OF_ACTIONS)},
+             {"@QUERIES@", std::to_string(highest_number(RequestKind::QUERY))},
+             {"@ACTIONS@", std::to_string(highest_number(RequestKind::ACTION))},
              {"@COMMANDS@", std::to_string(TRIGGERABLE_COMMANDS.size())},
              {"@BITS@", std::to_string(GATEWARDEN_BITS_DESC.size())},
              {"@HIGHEST_BIT@", std::to_string(HIGHEST_BIT)},

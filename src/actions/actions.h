@@ -1,11 +1,13 @@
 #pragma once
 
+#include "actions/run.h"
+
 // The configuration actions, named after their menu entries.
 
-/// Prunes the logs.
-void A_1();
-/// Shows the view/change submenu and runs what is picked there.
-void A_2();
+/// Prunes the logs; `display` says whether the result is shown or printed.
+void A_1(bool display);
+/// Shows the view/change submenu and runs what is picked there; says which menu comes next.
+void A_2(Run& run);
 /// The region's fields; each views and changes one of them. The depots return what
 /// view_change_depot returns.
 int A_4();
@@ -29,25 +31,26 @@ void A_20();
 /// Command keys: view, change or delete; add.
 void A_21();
 void A_22();
-/// Runs the checker over the gatebits file and lets it report.
-void A_23();
+/// Runs the checker over the gatebits file and lets it report; a failure is told unless the
+/// installer runs.
+void A_23(bool during_install);
 /// The tool's own settings.
 void A_24();
 /// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.
 int A_25();
-int A_26();
+int A_26(Run& run);
 int A_27();
 /// Guided walks through the important, and through all, fields.
-void A_28();
-void A_29();
+void A_28(Run& run);
+void A_29(Run& run);
 
 /// Runs action n (one that can damage the gatebits file) between two checks of the file, and
 /// again while the file got no better; an operator who leaves it three times in a row without a
 /// change is let go unless the file has more errors than at the start. 1 when the file is no worse
 /// than before, 0 when the check could not be run or the path entered does not hold. Gripes for any
 /// other number.
-int A_X(int n);
+int A_X(Run& run, int n);
 
 /// 1, after telling the operator that the action of this title is not available, when the
 /// installer started the program; else 0.
-int A_during_install(const char* title);
+int A_during_install(bool during_install, const char* title);

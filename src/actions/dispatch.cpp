@@ -1,40 +1,37 @@
 #include <sys/stat.h>
 
 #include "actions/actions.h"
+#include "actions/menus.h"
 #include "actions/requests.h"
 #include "base/filled.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
+#include "policy/region.h"
 
 // The submenu and the guard: how an action is run, whichever it is.
 
 namespace {
 
-/// The submenu runs these itself; what else it may offer is the main loop's.
-constexpr int FIRST_SUBMENU_ACTION = 4;
-constexpr int LAST_SUBMENU_ACTION = 23;
-
 /// How often an operator may leave an action without having written anything before an error that
 /// was in the file all along stops holding them in it.
 constexpr int TIMES_LEFT_UNCHANGED = 3;
 
-void run_submenu_pick() {
+/// What the submenu has for the installer only, the main loop runs and not the submenu itself.
+void run_submenu_pick(Run& run, const std::string& QUERY_OR_ACTION) {
     const Request* request = request_labelled(QUERY_OR_ACTION);
-    if (request == nullptr || request->kind != RequestKind::ACTION) return;
-    if (request->number < FIRST_SUBMENU_ACTION || request->number > LAST_SUBMENU_ACTION) return;
-    request->run();
+    if (request == nullptr) return;
+    if (request->in_submenu == Shown::NO || request->in_submenu == Shown::TO_INSTALLER_ONLY) return;
+    request->execute(run);
 }
 
-void leave_submenu() {
-    if (selected_repeat.front() == 'n' || IS_DURING_INSTALL) clean_exit(0);
-    chapter = 1;
+void leave_submenu(Run& run) {
+    if (run.options.runs_once() || run.options.IS_DURING_INSTALL) clean_exit(0);
+    run.chapter = MAIN_MENU;
     GATEWARDEN_RESULT_STRING.clear();
-    QUERY_OR_ACTION.clear();
 }
 
 /// Actions that enter a path outside the gatebits file: the checker does not judge that path, so
@@ -98,9 +95,9 @@ Verdict verdict_after(const Before& before) {
 }
 
 /// Runs the handler; whether it left the file other than it was.
-bool changes_the_file(const Request& request) {
+bool changes_the_file(const Request& request, Run& run) {
     const std::string bytes = read_gatebits_bytes();
-    request.handler();
+    request.handler(run);
     return read_gatebits_bytes() != bytes;
 }
 
@@ -112,25 +109,26 @@ bool no_more_errors_than(const Before& at_entry, const Before& before_last_run) 
 
 }  // namespace
 
-void A_2() {
+void A_2(Run& run) {
     GATEWARDEN_RESULT_STRING.clear();
     while (GATEWARDEN_RESULT_STRING.empty() || is_separator(GATEWARDEN_RESULT_STRING)) {
-        chapter = 2;
-        TMSG = submenu_title();
-        CHOICES = submenu_entries();
-        if (make_selection(TMSG, CHOICES, SINGLE_CHOICE) == CANCELLED) return leave_submenu();
-        QUERY_OR_ACTION = GATEWARDEN_RESULT_STRING;
-        run_submenu_pick();
+        run.chapter = SUBMENU;
+        const bool during_install = run.options.IS_DURING_INSTALL;
+        TMSG = submenu_title(ENTERPRIZE_NAME, during_install);
+        const std::string CHOICES = submenu_entries(during_install);
+        if (make_selection(TMSG, CHOICES, SINGLE_CHOICE) == CANCELLED) return leave_submenu(run);
+        const std::string QUERY_OR_ACTION = GATEWARDEN_RESULT_STRING;
+        run_submenu_pick(run, QUERY_OR_ACTION);
     }
 }
 
-int A_X(int n) {
+int A_X(Run& run, int n) {
     Before before = look_before();
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     for (int times_unchanged = 0;; before = look_before()) {
-        times_unchanged = changes_the_file(*request) ? 0 : times_unchanged + 1;
+        times_unchanged = changes_the_file(*request, run) ? 0 : times_unchanged + 1;
         if (const PathAction* action = path_action(n)) return path_holds(*action);
 
         const Verdict verdict = verdict_after(before);
@@ -143,8 +141,8 @@ int A_X(int n) {
     }
 }
 
-int A_during_install(const char* title) {
-    if (!IS_DURING_INSTALL) return 0;
+int A_during_install(bool during_install, const char* title) {
+    if (!during_install) return 0;
     const std::string label = title;
     const auto dash = label.find(LABEL_DASH);
     TMSG = dash == std::string::npos

@@ -3,11 +3,9 @@
 #include "base/files.h"
 #include "base/filled.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
-#include "messages/menu_labels.h"
 #include "messages/policy_texts.h"
 #include "policy/checker.h"
 #include "policy/file_chooser.h"
@@ -30,7 +28,8 @@ Step again_if_wished(const char* question) {
 }
 
 /// Repeats a step for as long as the operator wants to try again.
-bool done_in_the_end(Step (*step)()) {
+template <typename Repeated>
+bool done_in_the_end(Repeated step) {
     Step result = Step::AGAIN;
     while (result == Step::AGAIN) result = step();
     return result == Step::DONE;
@@ -75,13 +74,13 @@ std::string text_of_new_file() {
                   GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
 }
 
-void offer_the_walks() {
+void offer_the_walks(Run& run) {
     TMSG = POPULATE_NOW;
     switch (ask(TMSG, "yes", "yes,no,abort")) {
         case YES:
-            return A_29();
+            return A_29(run);
         case NO:
-            return A_28();
+            return A_28(run);
         default:
             return;
     }
@@ -92,7 +91,7 @@ void use_file(const std::string& path) {
     interrogate_the_enterprise();
 }
 
-Step create_file() {
+Step create_file(Run& run) {
     if (select_cb_file(PROMPT_05) == 0) return Step::GIVEN_UP;
     if (this_file_exists(POSSIBLE_FILE)) return use_existing_or_again();
     switch (create_gatebits_file(POSSIBLE_FILE, text_of_new_file())) {
@@ -104,7 +103,7 @@ Step create_file() {
             break;
     }
     use_file(POSSIBLE_FILE);
-    offer_the_walks();
+    offer_the_walks(run);
     return Step::DONE;
 }
 
@@ -144,7 +143,7 @@ Step copy_the_file() {
 
 }  // namespace
 
-void A_23() {
+void A_23(bool during_install) {
     const bool found = find_checker();
     const std::string& checker = GS_VAR[UNIX_CHECKER];
     if (!found) {
@@ -154,22 +153,19 @@ void A_23() {
     const std::string command =
         filled(CHECKER_LINE, checker.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), CHECK);
     const int status = run_in_shell(command);
-    if (status == 0 || IS_DURING_INSTALL) return;
+    if (status == 0 || during_install) return;
     TMSG = filled(CHECK_FAILED, status, command.c_str());
     ask(TMSG, "abort", "abort");
 }
 
 int A_25() {
-    if (A_during_install(A25) == 1) return 0;
     return done_in_the_end(switch_file) ? 1 : 0;
 }
 
-int A_26() {
-    if (A_during_install(A26) == 1) return 0;
-    return done_in_the_end(create_file) ? 1 : 0;
+int A_26(Run& run) {
+    return done_in_the_end([&] { return create_file(run); }) ? 1 : 0;
 }
 
 int A_27() {
-    if (A_during_install(A27) == 1) return 0;
     return done_in_the_end(copy_the_file) ? 1 : 0;
 }

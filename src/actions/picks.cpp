@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "actions/requests.h"
 #include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/prompts.h"
@@ -16,9 +15,8 @@ std::string as_list(const std::vector<std::string>& entries) {
 
 int show_list(const std::string& title, const std::string& items, const std::string& option) {
     TMSG = title;
-    CHOICES = items;
     GATEWARDEN_RESULT_STRING.clear();
-    return make_selection(TMSG, CHOICES, option);
+    return make_selection(TMSG, items, option);
 }
 
 int pick_one(const std::string& title, const std::string& items) {

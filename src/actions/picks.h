@@ -9,7 +9,7 @@
 /// The entries as one list, separated by commas.
 std::string as_list(const std::vector<std::string>& entries);
 
-/// Shows the list once, with TMSG and CHOICES set to what is shown and
+/// Shows the list once, with TMSG set to its title and
 /// GATEWARDEN_RESULT_STRING emptied before. A DialogCode.
 int show_list(const std::string& title, const std::string& items, const std::string& option);
 

@@ -1,92 +1,112 @@
 #include "actions/requests.h"
 
+#include <algorithm>
 #include <array>
 
 #include "actions/actions.h"
-#include "base/filled.h"
-#include "base/selections.h"
 #include "messages/menu_labels.h"
-#include "policy/edition.h"
 #include "policy/region.h"
 #include "queries/query_drivers.h"
 
-unsigned char chapter = 1;
-unsigned char initial_chapter = 1;
-std::string QUERY_OR_ACTION;
-std::string CHOICES;
-
 namespace {
 
-/// A handler that puts another gatebits file in use makes the region's settings stale.
-template <int (*handler)()>
-void then_reload() {
-    if (handler() == 1) interrogate_the_enterprise();
+// How the rows hand on what each handler takes.
+
+template <auto query>
+void with_options(Run& run) {
+    query(run.options);
+}
+template <auto action>
+void with_run(Run& run) {
+    action(run);
+}
+template <auto action>
+void alone(Run& /*run*/) {
+    action();
+}
+void prune(Run& run) {
+    A_1(run.options.displays());
+}
+void verify(Run& run) {
+    A_23(run.options.IS_DURING_INSTALL);
 }
 
-/// A handler whose result only its other callers need.
-template <int (*handler)()>
-void without_result() {
-    handler();
+// Another gatebits file in use makes the region's settings stale.
+
+template <auto action>
+void alone_then_reload(Run& /*run*/) {
+    if (action() == 1) interrogate_the_enterprise();
+}
+template <auto action>
+void with_run_then_reload(Run& run) {
+    if (action(run) == 1) interrogate_the_enterprise();
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
 constexpr auto ACTION = RequestKind::ACTION;
+constexpr auto NO = Shown::NO;
+constexpr auto YES = Shown::YES;
+constexpr auto APART = Shown::AFTER_SEPARATOR;
+constexpr auto INSTALLER = Shown::TO_INSTALLER_ONLY;
 
 constexpr std::array<Request, 34> REQUESTS = {{
-    {QUERY, 1, Q1, nullptr, Q_1, false, false},
-    {QUERY, 2, Q2, nullptr, Q_2, false, false},
-    {QUERY, 3, Q3, Q3_L, Q_3, false, false},
-    {QUERY, 4, Q4, nullptr, Q_4, false, false},
-    {QUERY, 5, Q5, Q5_L, Q_5, false, false},
-    {QUERY, 6, Q6, nullptr, Q_6, false, false},
-    {ACTION, 1, A1, nullptr, A_1, false, false},
-    {ACTION, 2, A2, nullptr, A_2, false, true},
-    {ACTION, 4, A4, nullptr, without_result<A_4>, true, true},
-    {ACTION, 5, A5, nullptr, without_result<A_5>, true, true},
-    {ACTION, 6, A6, nullptr, A_6, true, true},
-    {ACTION, 7, A7, nullptr, A_7, true, true},
-    {ACTION, 8, A8, nullptr, A_8, false, true},
-    {ACTION, 9, A9, nullptr, A_9, true, true},
-    {ACTION, 10, A10, nullptr, A_10, true, true},
-    {ACTION, 11, A11, nullptr, A_11, true, true},
-    {ACTION, 12, A12, nullptr, A_12, true, true},
-    {ACTION, 13, A13, nullptr, A_13, false, true},
-    {ACTION, 14, A14, nullptr, A_14, true, true},
-    {ACTION, 15, A15, nullptr, A_15, false, true},
-    {ACTION, 16, A16, nullptr, A_16, true, true},
-    {ACTION, 17, A17, nullptr, A_17, true, true},
-    {ACTION, 18, A18, nullptr, A_18, false, true},
-    {ACTION, 19, A19, nullptr, A_19, false, true},
-    {ACTION, 20, A20, nullptr, A_20, true, true},
-    {ACTION, 21, A21, nullptr, A_21, true, true},
-    {ACTION, 22, A22, nullptr, A_22, true, true},
-    {ACTION, 23, A23, nullptr, A_23, false, true},
-    {ACTION, 24, A24, nullptr, A_24, false, true},
-    {ACTION, 25, A25, nullptr, then_reload<A_25>, false, false},
-    {ACTION, 26, A26, nullptr, then_reload<A_26>, false, false},
-    {ACTION, 27, A27, nullptr, then_reload<A_27>, false, false},
-    {ACTION, 28, A28, nullptr, A_28, false, true},
-    {ACTION, 29, A29, nullptr, A_29, false, true},
+    {QUERY, 1, Q1, nullptr, with_options<Q_1>, false, false, YES, NO},
+    {QUERY, 2, Q2, nullptr, with_options<Q_2>, false, false, YES, NO},
+    {QUERY, 3, Q3, Q3_L, with_options<Q_3>, false, false, YES, NO},
+    {QUERY, 4, Q4, nullptr, with_options<Q_4>, false, false, YES, NO},
+    {QUERY, 5, Q5, Q5_L, with_options<Q_5>, false, false, YES, NO},
+    {QUERY, 6, Q6, nullptr, with_options<Q_6>, false, false, YES, NO},
+    {ACTION, 1, A1, nullptr, prune, false, false, APART, NO},
+    {ACTION, 2, A2, nullptr, with_run<A_2>, false, true, APART, NO},
+    {ACTION, 4, A4, nullptr, alone<A_4>, true, true, NO, YES},
+    {ACTION, 5, A5, nullptr, alone<A_5>, true, true, NO, YES},
+    {ACTION, 6, A6, nullptr, alone<A_6>, true, true, NO, YES},
+    {ACTION, 7, A7, nullptr, alone<A_7>, true, true, NO, YES},
+    {ACTION, 8, A8, nullptr, alone<A_8>, false, true, NO, YES},
+    {ACTION, 9, A9, nullptr, alone<A_9>, true, true, NO, YES},
+    {ACTION, 10, A10, nullptr, alone<A_10>, true, true, NO, YES},
+    {ACTION, 11, A11, nullptr, alone<A_11>, true, true, NO, YES},
+    {ACTION, 12, A12, nullptr, alone<A_12>, true, true, NO, YES},
+    {ACTION, 13, A13, nullptr, alone<A_13>, false, true, NO, YES},
+    {ACTION, 14, A14, nullptr, alone<A_14>, true, true, NO, YES},
+    {ACTION, 15, A15, nullptr, alone<A_15>, false, true, NO, YES},
+    {ACTION, 16, A16, nullptr, alone<A_16>, true, true, NO, YES},
+    {ACTION, 17, A17, nullptr, alone<A_17>, true, true, NO, YES},
+    {ACTION, 18, A18, nullptr, alone<A_18>, false, true, NO, YES},
+    {ACTION, 19, A19, nullptr, alone<A_19>, false, true, NO, YES},
+    {ACTION, 20, A20, nullptr, alone<A_20>, true, true, NO, YES},
+    {ACTION, 21, A21, nullptr, alone<A_21>, true, true, NO, APART},
+    {ACTION, 22, A22, nullptr, alone<A_22>, true, true, NO, YES},
+    {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},
+    {ACTION, 24, A24, nullptr, alone<A_24>, false, true, APART, INSTALLER},
+    {ACTION, 25, A25, nullptr, alone_then_reload<A_25>, false, false, APART, NO},
+    {ACTION, 26, A26, nullptr, with_run_then_reload<A_26>, false, false, YES, NO},
+    {ACTION, 27, A27, nullptr, alone_then_reload<A_27>, false, false, YES, NO},
+    {ACTION, 28, A28, nullptr, with_run<A_28>, false, true, NO, NO},
+    {ACTION, 29, A29, nullptr, with_run<A_29>, false, true, NO, NO},
 }};
-
-std::string entries(std::initializer_list<const char*> labels) {
-    std::string list;
-    for (const char* label : labels) list.append(list.empty() ? "" : ",").append(label);
-    return list;
-}
 
 }  // namespace
 
-void Request::run() const {
+void Request::execute(Run& run) const {
+    if (refused(*this, run.options)) return;
     if (guarded) {
-        A_X(number);
+        A_X(run, number);
     } else {
-        handler();
+        handler(run);
     }
 }
 
 std::span<const Request> all_requests() {
     return REQUESTS;
+}
+
+int highest_number(RequestKind kind) {
+    int highest = 0;
+    for (const Request& request : REQUESTS) {
+        if (request.kind == kind) highest = std::max(highest, request.number);
+    }
+    return highest;
 }
 
 const Request* request_numbered(RequestKind kind, int number) {
@@ -104,27 +124,8 @@ const Request* request_labelled(const std::string& label) {
     return nullptr;
 }
 
-const char* label_of(const Request& request) {
-    return request.lite_label != nullptr && GATEWARDEN_IS == 0 ? request.lite_label : request.label;
-}
-
-std::string main_menu_entries() {
-    const char* q3 = label_of(*request_numbered(QUERY, 3));
-    const char* q5 = label_of(*request_numbered(QUERY, 5));
-    return entries({Q1, Q2, q3, Q4, q5, Q6, SEPERATOR, A1, SEPERATOR, A2, A23, SEPERATOR, A24,
-                    SEPERATOR, A25, A26, A27});
-}
-
-std::string submenu_entries() {
-    const std::string list = entries({A4,  A5,  A6,  A7,  A8,  A9,  A10,       A11, A12, A13, A14,
-                                      A15, A16, A17, A18, A19, A20, SEPERATOR, A21, A22, A23});
-    return IS_DURING_INSTALL ? list + "," + A24 : list;
-}
-
-std::string submenu_title() {
-    return filled(IS_DURING_INSTALL ? INSTALL_MENU_TITLE : SUBMENU_TITLE, ENTERPRIZE_NAME.c_str());
-}
-
-bool is_separator(const std::string& pick) {
-    return pick.compare(0, 5, std::string(SEPERATOR, 5)) == 0;
+bool refused(const Request& request, const Options& options) {
+    if (request.during_install) return false;
+    return request.kind == QUERY ? Q_during_install(options.IS_DURING_INSTALL) == 1
+                                 : A_during_install(options.IS_DURING_INSTALL, request.label) == 1;
 }

@@ -3,10 +3,15 @@
 #include <span>
 #include <string>
 
-// The table of everything that an operator can ask for: the menus, the command line's limits and
-// the dispatch all read it.
+#include "actions/run.h"
+
+// The table of everything that an operator can ask for: the menus, the command line's limits, the
+// installer's refusals, the dispatch, the manual and the completion all read it.
 
 enum class RequestKind { QUERY, ACTION };
+
+/// Whether and how a menu shows a request.
+enum class Shown { NO, YES, AFTER_SEPARATOR, TO_INSTALLER_ONLY };
 
 struct Request {
     RequestKind kind;
@@ -16,28 +21,24 @@ struct Request {
     const char* label;
     /// The same in the lite edition's wording; null where it does not differ.
     const char* lite_label;
-    /// What does its work, without the guard.
-    void (*handler)();
+    /// What does its work, without the guard and the refusal.
+    void (*handler)(Run& run);
     /// Whether the gatebits file is checked before and after (A_X runs the handler).
     bool guarded;
     /// Whether it does its work when the installer started the program.
     bool during_install;
+    /// Each menu has its entries in the order of the table.
+    Shown in_main_menu;
+    Shown in_submenu;
 
-    /// Runs the request, with the guard where it has one.
-    void run() const;
+    /// Runs the request, with the guard where it has one, unless the installer is refused it.
+    void execute(Run& run) const;
 };
 
-/// Which menu is shown: 1 the main menu, 2 the view/change submenu. Set by the command line, the
-/// main loop and A_2.
-extern unsigned char chapter;
-extern unsigned char initial_chapter;
-/// Label of the request picked last. Set by the main loop and A_2.
-extern std::string QUERY_OR_ACTION;
-/// The list of the selection dialog shown last, entries separated by commas. Set by whoever shows
-/// one.
-extern std::string CHOICES;
-
 std::span<const Request> all_requests();
+
+/// The largest number of Q= or A=.
+int highest_number(RequestKind kind);
 
 /// The request of that number, or null.
 const Request* request_numbered(RequestKind kind, int number);
@@ -45,15 +46,6 @@ const Request* request_numbered(RequestKind kind, int number);
 /// The request whose label, in either edition's wording, is `label`, or null.
 const Request* request_labelled(const std::string& label);
 
-/// The label in the wording of the edition in use.
-const char* label_of(const Request& request);
-
-/// Entries of the two menus, separated by commas; the submenu has one more for the installer.
-std::string main_menu_entries();
-std::string submenu_entries();
-
-/// The submenu's title for the region, in the installer's wording where it started the program.
-std::string submenu_title();
-
-/// Whether a pick is one of the lines between the menu's groups.
-bool is_separator(const std::string& pick);
+/// Whether the request is refused, after telling the operator so: the installer started the program
+/// and cannot have it.
+bool refused(const Request& request, const Options& options);

@@ -13,7 +13,6 @@
 #include "logs/pruning.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
-#include "messages/menu_labels.h"
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
@@ -53,9 +52,8 @@ Setting ask_for_setting(std::size_t index, const std::string& def, std::string* 
 
 }  // namespace
 
-void A_1() {
-    if (A_during_install(A1) == 1) return;
-    prune_logging_files(QUERY_DAYS);
+void A_1(bool display) {
+    prune_logging_files(QUERY_DAYS, display);
 }
 
 void A_24() {

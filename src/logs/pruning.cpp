@@ -15,7 +15,6 @@
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "base/replace_file.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/kept_records.h"
 #include "logs/log_files.h"
@@ -88,20 +87,20 @@ LogFiles files_of(int number) {
     return {behind_links(log_file_path(number)), pruning_companion_path(number)};
 }
 
-void tell_result(const KeptRecords& records, int days) {
+void tell_result(const KeptRecords& records, int days, bool display) {
     TMSG = filled(PRUNING_RESULT, static_cast<long long>(records.removed()),
                   static_cast<long long>(records.total()), records.removed() == 1 ? "was" : "were",
                   ENTERPRIZE_NAME.c_str(), days);
-    if (selected_display == "n") {
-        std::fputs(TMSG.c_str(), stdout);
-    } else {
+    if (display) {
         advise(TMSG);
+    } else {
+        std::fputs(TMSG.c_str(), stdout);
     }
 }
 
 }  // namespace
 
-void prune_logging_files(std::uint8_t days) {
+void prune_logging_files(std::uint8_t days, bool display) {
     start_of_period_time = set_time_values() - days * SECONDS_A_DAY;
     const std::string token_path = pruning_token_path();
     const int token = put_up_token(token_path);
@@ -113,5 +112,5 @@ void prune_logging_files(std::uint8_t days) {
         merge_companion(files_of(number), &records);
     }
     take_down_token(token_path, token);
-    tell_result(records, days);
+    tell_result(records, days, display);
 }

@@ -5,31 +5,22 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <utility>
 
-#include "actions/actions.h"
 #include "actions/requests.h"
 #include "base/commands.h"
 #include "base/filled.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "dialog/self_test.h"
 #include "messages/arguments.h"
 #include "messages/command_line_texts.h"
-#include "messages/environment.h"
 #include "messages/identity.h"
-#include "policy/edition.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
-/// Whether F= was given at all: a file that cannot be read leaves file_selected clear.
-bool file_was_named = false;
-
-/// One argument: the whole of it, as messages show it, and what stands behind the '='.
+/// One argument: the whole of it, as messages show it, and what stands after the '='.
 struct Argument {
     const std::string& whole;
     std::string value;
@@ -40,8 +31,8 @@ constexpr char EVERYTHING[] = "*";
 constexpr long ALL_NUMBERS = -1;
 
 [[noreturn]] void show_usage() {
-    gripe(filled(USAGE, SELF, VERSION, BUILD, SELF, NUMBER_OF_QUERIES, NUMBER_OF_ACTIONS,
-                 HIGHEST_BIT));
+    gripe(filled(USAGE, SELF, VERSION, BUILD, SELF, highest_number(RequestKind::QUERY),
+                 highest_number(RequestKind::ACTION), HIGHEST_BIT));
 }
 
 [[noreturn]] void show_kudos() {
@@ -71,105 +62,101 @@ int number_up_to(const std::string& value, int limit) {
     return number <= limit ? static_cast<int>(number) : 0;
 }
 
-void take_action(const Argument& argument) {
-    if (query_selected) gripe(ERROR_48);
-    selected_action = number_up_to(argument.value, NUMBER_OF_ACTIONS);
-    if (selected_action == 0) {
-        gripe(filled(ERROR_47, argument.whole.c_str(), NUMBER_OF_ACTIONS));
-    }
-    if (selected_action == 2) initial_chapter = chapter = 2;
+void take_action(const Argument& argument, Options* options) {
+    if (options->query_selected) gripe(ERROR_48);
+    const int limit = highest_number(RequestKind::ACTION);
+    options->selected_action = number_up_to(argument.value, limit);
+    if (options->selected_action == 0) gripe(filled(ERROR_47, argument.whole.c_str(), limit));
 }
 
-void take_query(const Argument& argument) {
-    if (action_selected) gripe(ERROR_48);
-    selected_query = number_up_to(argument.value, NUMBER_OF_QUERIES);
-    if (selected_query == 0) {
-        gripe(filled(ERROR_41, argument.whole.c_str(), NUMBER_OF_QUERIES));
-    }
+void take_query(const Argument& argument, Options* options) {
+    if (options->action_selected) gripe(ERROR_48);
+    const int limit = highest_number(RequestKind::QUERY);
+    options->selected_query = number_up_to(argument.value, limit);
+    if (options->selected_query == 0) gripe(filled(ERROR_41, argument.whole.c_str(), limit));
 }
 
-void take_bit(const Argument& argument) {
+void take_bit(const Argument& argument, Options* options) {
     const char* whole = argument.whole.c_str();
-    selected_bit = ALL_NUMBERS;
+    options->selected_bit = ALL_NUMBERS;
     if (argument.value == EVERYTHING) return;
     if (argument.value.front() == '*') gripe(filled(ERROR_43, whole, HIGHEST_BIT));
     if (!healthy(argument.value.c_str(), DIGITS)) gripe(filled(ERROR_43b, whole, HIGHEST_BIT));
     const long bit = leading_number(argument.value.c_str());
     if (bit > HIGHEST_BIT) gripe(filled(ERROR_43, whole, HIGHEST_BIT));
-    selected_bit = static_cast<int>(bit);
+    options->selected_bit = static_cast<int>(bit);
 }
 
-void take_key(const Argument& argument) {
-    selected_key = ALL_NUMBERS;
+void take_key(const Argument& argument, Options* options) {
+    options->selected_key = ALL_NUMBERS;
     if (argument.value == EVERYTHING) return;
     if (!healthy(argument.value.c_str(), DIGITS)) {
         gripe(filled(ERROR_45, argument.whole.c_str()));
     }
-    selected_key = leading_number(argument.value.c_str());
+    options->selected_key = leading_number(argument.value.c_str());
 }
 
-void take_command(const Argument& argument) {
-    selected_command = argument.value;
-    if (selected_command == EVERYTHING) return;
-    if (command_number(selected_command) == 0) gripe(filled(ERROR_42, argument.whole.c_str()));
+void take_command(const Argument& argument, Options* options) {
+    options->selected_command = argument.value;
+    if (argument.value == EVERYTHING) return;
+    if (command_number(argument.value) == 0) gripe(filled(ERROR_42, argument.whole.c_str()));
 }
 
-void take_user(const Argument& argument) {
-    selected_user = argument.value;
-    STRING_LOWER(selected_user);
+void take_user(const Argument& argument, Options* options) {
+    options->selected_user = argument.value;
+    STRING_LOWER(options->selected_user);
 }
 
 bool is_yes_or_no(const std::string& value) {
     return value == "y" || value == "n";
 }
 
-void take_display(const Argument& argument) {
-    selected_display = argument.value;
-    if (!is_yes_or_no(STRING_LOWER(selected_display))) {
+void take_display(const Argument& argument, Options* options) {
+    options->selected_display = argument.value;
+    if (!is_yes_or_no(STRING_LOWER(options->selected_display))) {
         gripe(filled(ERROR_44, argument.whole.c_str()));
     }
 }
 
-void take_repeat(const Argument& argument) {
-    selected_repeat = argument.value;
-    if (!is_yes_or_no(STRING_LOWER(selected_repeat))) {
+void take_repeat(const Argument& argument, Options* options) {
+    options->selected_repeat = argument.value;
+    if (!is_yes_or_no(STRING_LOWER(options->selected_repeat))) {
         gripe(filled(ERROR_49, argument.whole.c_str()));
     }
 }
 
-void take_file(const Argument& argument) {
-    file_was_named = true;
-    ENTERPRIZE_PERMISSION_FILE = argument.value;
+void take_file(const Argument& argument, Options* options) {
+    options->selected_file = argument.value;
     const int file = open(argument.value.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    file_selected = file != -1;
+    options->file_selected = file != -1;
     if (file != -1) close(file);
 }
 
 /// A file that could not be read may be named again, so F= keeps its own flag.
-constexpr bool* SETS_ITS_OWN_FLAG = nullptr;
+constexpr bool Options::*SETS_ITS_OWN_FLAG = nullptr;
 
 struct Parameter {
     char letter;
     /// Set already: the parameter is a duplicate.
-    const bool* duplicate_flag;
+    bool Options::*duplicate_flag;
     /// Set when the parameter has been taken.
-    bool* taken_flag;
+    bool Options::*taken_flag;
     /// A duplicate is reported in the words of a bad bit.
     bool duplicate_is_bit_fault;
-    void (*take)(const Argument&);
+    void (*take)(const Argument&, Options*);
 };
-// R= has always set D='s flag: a second R= is accepted, and a D= behind an R= is a duplicate.
+// R= has always set D='s flag: a second R= is accepted, and a D= after an R= is a duplicate.
 // Scheduled jobs are written with that in mind.
 constexpr std::array<Parameter, 9> PARAMETERS = {{
-    {'A', &action_selected, &action_selected, false, take_action},
-    {'B', &bit_selected, &bit_selected, true, take_bit},
-    {'C', &command_selected, &command_selected, false, take_command},
-    {'D', &display_selected, &display_selected, false, take_display},
-    {'F', &file_selected, SETS_ITS_OWN_FLAG, false, take_file},
-    {'K', &key_selected, &key_selected, true, take_key},
-    {'Q', &query_selected, &query_selected, false, take_query},
-    {'R', &repeat_selected, &display_selected, false, take_repeat},
-    {'U', &user_selected, &user_selected, false, take_user},
+    {'A', &Options::action_selected, &Options::action_selected, false, take_action},
+    {'B', &Options::bit_selected, &Options::bit_selected, true, take_bit},
+    {'C', &Options::command_selected, &Options::command_selected, false, take_command},
+    {'D', &Options::display_selected, &Options::display_selected, false, take_display},
+    {'F', &Options::file_selected, SETS_ITS_OWN_FLAG, false, take_file},
+    {'K', &Options::key_selected, &Options::key_selected, true, take_key},
+    {'Q', &Options::query_selected, &Options::query_selected, false, take_query},
+    {'R', &Options::repeat_selected, &Options::display_selected, false, take_repeat},
+    {'U', &Options::user_selected, &Options::user_selected, false, take_user},
 }};
 
 constexpr std::array<const char*, 2> OPTIONS_ANYWHERE = {ARG_DATA_GEN, ARG_DURING_INSTALL};
@@ -197,49 +184,24 @@ constexpr bool all_arguments_are_known() {
 }
 static_assert(all_arguments_are_known());
 
-void refuse_duplicate(const Parameter& parameter) {
-    if (!*parameter.duplicate_flag) return;
+void refuse_duplicate(const Parameter& parameter, const Options& options) {
+    if (!(options.*parameter.duplicate_flag)) return;
     if (parameter.duplicate_is_bit_fault) {
         gripe(filled(ERROR_43, std::string(1, parameter.letter).c_str(), HIGHEST_BIT));
     }
     gripe(filled(ERROR_39, parameter.letter));
 }
 
-void take_parameter(const std::string& argument) {
+void take_parameter(const std::string& argument, Options* options) {
     if (argument.size() < 2 || argument[1] != '=') gripe(filled(ERROR_46, argument.c_str()));
     if (argument.size() == 2) gripe(filled(ERROR_40, argument.c_str()));
     const auto* parameter =
         std::find_if(PARAMETERS.begin(), PARAMETERS.end(),
                      [&](const Parameter& row) { return row.letter == argument[0]; });
     if (parameter == PARAMETERS.end()) gripe(filled(ERROR_46, argument.c_str()));
-    refuse_duplicate(*parameter);
-    parameter->take({argument, argument.substr(2)});
-    if (parameter->taken_flag != SETS_ITS_OWN_FLAG) *parameter->taken_flag = true;
-}
-
-/// Takes the gatebits file that the environment names; false when it names none that opens.
-bool take_file_from_environment(const char* named) {
-    if (named == nullptr) return false;
-    ENTERPRIZE_PERMISSION_FILE = named;
-    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    return ENTERPRIZE_PERMISSION_FILE_FD != -1;
-}
-
-/// Why there is no gatebits file yet, and the question what to do about it.
-std::string gatebits_question(const char* from_environment) {
-    const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
-    if (file_was_named) return filled(WARN_01, file, WARN_00);
-    if (from_environment != nullptr) return filled(WARN_02, file, ENV_GATEBITS_FILE, WARN_00);
-    return filled(WARN_03, ENV_GATEBITS_FILE, WARN_00);
-}
-
-void make_new_gatebits_file() {
-    if (A_26() != 1) clean_exit(1);
-    GATEWARDEN_IS = 1;
-}
-
-void open_existing_gatebits_file() {
-    if (A_25() != 1) clean_exit(1);
+    refuse_duplicate(*parameter, *options);
+    parameter->take({argument, argument.substr(2)}, options);
+    if (parameter->taken_flag != SETS_ITS_OWN_FLAG) options->*parameter->taken_flag = true;
 }
 
 }  // namespace
@@ -251,36 +213,20 @@ void obey_sole_option(const std::vector<std::string>& arguments) {
     }
 }
 
-void parse_arguments(std::vector<std::string> arguments) {
-    IS_DURING_INSTALL =
+Options parse_arguments(std::vector<std::string> arguments) {
+    Options options;
+    options.IS_DURING_INSTALL =
         std::find(arguments.begin(), arguments.end(), ARG_DURING_INSTALL) != arguments.end();
     for (std::string& argument : arguments) {
         if (argument == ARG_DATA_GEN) {
-            data_gen_selected = true;
+            options.data_gen_selected = true;
         } else if (argument != ARG_DURING_INSTALL) {
             // Installers cannot always pass a '=', so they write A-2.
-            if (IS_DURING_INSTALL && argument.size() >= 2 && argument[1] == '-') argument[1] = '=';
-            take_parameter(argument);
+            if (options.IS_DURING_INSTALL && argument.size() >= 2 && argument[1] == '-') {
+                argument[1] = '=';
+            }
+            take_parameter(argument, &options);
         }
     }
-}
-
-void choose_gatebits_file() {
-    if (file_selected) return;
-    const char* named = file_was_named ? nullptr : std::getenv(ENV_GATEBITS_FILE);
-    if (!take_file_from_environment(named)) {
-        TMSG = gatebits_question(named);
-        const int answer = ask(TMSG, "yes", "yes,no,abort");
-        ENTERPRIZE_PERMISSION_FILE.clear();
-        if (answer == YES) {
-            make_new_gatebits_file();
-        } else if (answer == NO) {
-            open_existing_gatebits_file();
-        } else {
-            clean_exit(1);
-        }
-        // Asked once more, but whatever the answer, start-up goes on.
-        if (ENTERPRIZE_PERMISSION_FILE.empty()) ask(RETRY_GATEBITS_FILE, "yes", "yes,no,abort");
-    }
-    file_selected = true;
+    return options;
 }

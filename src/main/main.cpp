@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "base/selections.h"
 #include "base/signals.h"
 #include "base/startup.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
+#include "main/gatebits_choice.h"
 #include "main/main_loop.h"
 #include "messages/identity.h"
 #include "policy/checker.h"
@@ -27,10 +27,10 @@ int main(int argument_count, char** argument_vector) {
     set_emergency_checker(words.empty() ? "" : words.front());
 
     obey_sole_option(arguments);
-    parse_arguments(arguments);
-    choose_gatebits_file();
+    const Options options = parse_arguments(arguments);
+    choose_gatebits_file(options);
     interrogate_the_enterprise();
     read_edition();
-    if (data_gen_selected) data_gen();
-    return run_requests();
+    if (options.data_gen_selected) data_gen();
+    return run_requests(options);
 }

@@ -1,63 +1,54 @@
 #include "main/main_loop.h"
 
-#include <utility>
-
+#include "actions/menus.h"
 #include "actions/requests.h"
-#include "base/filled.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "logs/query_data.h"
 #include "messages/command_line_texts.h"
-#include "messages/menu_labels.h"
+#include "policy/edition.h"
 #include "policy/region.h"
-
-unsigned char use_default_answer = 0;
 
 namespace {
 
-/// The label of the request that the command line named; numbers without a request are a fault.
-std::string label_from_command_line(RequestKind kind, int number) {
-    query_selected = false;
-    action_selected = false;
-    const Request* request = request_numbered(kind, number);
+/// The request of the command line; null when it named none. A number without a request is a fault.
+const Request* request_from_command_line(const Options& options) {
+    if (!options.query_selected && !options.action_selected) return nullptr;
+    const Request* request = options.query_selected
+                                 ? request_numbered(RequestKind::QUERY, options.selected_query)
+                                 : request_numbered(RequestKind::ACTION, options.selected_action);
     if (request == nullptr) gripe(INCOMPLETE_QUERY_CODING);
-    return label_of(*request);
+    return request;
 }
 
-void show_menu() {
-    if (chapter == 1) {
-        TMSG = filled(MAIN_MENU_TITLE, ENTERPRIZE_NAME.c_str());
-        CHOICES = main_menu_entries();
-    } else {
-        TMSG = submenu_title();
-        CHOICES = submenu_entries();
-    }
+/// Shows the menu that is due once; GATEWARDEN_RESULT_STRING has the pick, or is empty when the
+/// submenu was left.
+void show_menu(Run& run) {
+    const bool during_install = run.options.IS_DURING_INSTALL;
+    const bool main_menu = run.chapter == MAIN_MENU;
+    TMSG = main_menu ? main_menu_title(ENTERPRIZE_NAME)
+                     : submenu_title(ENTERPRIZE_NAME, during_install);
+    const std::string CHOICES =
+        main_menu ? main_menu_entries(GATEWARDEN_IS) : submenu_entries(during_install);
     if (make_selection(TMSG, CHOICES, SINGLE_CHOICE) != CANCELLED) return;
-    if (chapter == 1 || IS_DURING_INSTALL) clean_exit(0);
-    chapter = 1;
+    if (main_menu || during_install) clean_exit(0);
+    run.chapter = MAIN_MENU;
     GATEWARDEN_RESULT_STRING.clear();
 }
 
-std::string label_from_menu() {
+/// What the operator picks; null when there is no such request.
+const Request* request_from_menu(Run& run) {
     GATEWARDEN_RESULT_STRING.clear();
     while (GATEWARDEN_RESULT_STRING.empty() || is_separator(GATEWARDEN_RESULT_STRING)) {
         // The installer has no main menu.
-        if (chapter == 1 && IS_DURING_INSTALL) clean_exit(0);
-        show_menu();
+        if (run.chapter == MAIN_MENU && run.options.IS_DURING_INSTALL) clean_exit(0);
+        show_menu(run);
     }
-    return GATEWARDEN_RESULT_STRING;
-}
-
-std::string next_label() {
-    if (query_selected) return label_from_command_line(RequestKind::QUERY, selected_query);
-    if (action_selected) return label_from_command_line(RequestKind::ACTION, selected_action);
-    return label_from_menu();
+    return request_labelled(GATEWARDEN_RESULT_STRING);
 }
 
 void forget_last_request() {
-    use_default_answer = 0;
     GLOBAL_TEST_STRING_1 = ANY_LOG_ENTRY;
     GLOBAL_TEST_STRING_2 = ANY_LOG_ENTRY;
     GLOBAL_TEST_STRING_3 = ANY_LOG_ENTRY;
@@ -66,12 +57,15 @@ void forget_last_request() {
 
 }  // namespace
 
-int run_requests() {
+int run_requests(const Options& options) {
+    Run run = {options};
+    const Request* from_command_line = request_from_command_line(options);
     do {
-        QUERY_OR_ACTION = next_label();
+        const Request* request =
+            from_command_line != nullptr ? from_command_line : request_from_menu(run);
+        from_command_line = nullptr;
         forget_last_request();
-        const Request* request = request_labelled(QUERY_OR_ACTION);
-        if (request != nullptr) request->run();
-    } while (selected_repeat.front() != 'n');
-    return static_cast<unsigned char>(selected_repeat.front());
+        if (request != nullptr) request->execute(run);
+    } while (!options.runs_once());
+    return static_cast<unsigned char>(options.selected_repeat.front());
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-// Who this program is, and the limits that its arguments are held against.
+// Who this program is, and the limit of bit numbers.
 
 inline constexpr char SELF[] = "gatescope";
 inline constexpr char VERSION[] = "13.1.1";
@@ -10,8 +10,6 @@ inline constexpr char BUILD[] = "20200630.09:37a";
 inline constexpr char GATEWARDEN_LIT[] = "gatewarden";
 inline constexpr char GATEWARDEN_LITE_LIT[] = "gatewarden_lite";
 
-inline constexpr int NUMBER_OF_QUERIES = 6;
-inline constexpr int NUMBER_OF_ACTIONS = 29;
 inline constexpr int HIGHEST_BIT = 23;
 
 inline constexpr char THIS_OS[] = "UNIX";

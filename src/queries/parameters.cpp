@@ -2,11 +2,9 @@
 
 #include <array>
 
-#include "actions/requests.h"
 #include "base/commands.h"
 #include "base/filled.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
@@ -19,28 +17,27 @@ namespace {
 
 // What the command line gave.
 
-std::string given_command() {
-    return selected_command;
+std::string given_command(const Options& options) {
+    return options.selected_command;
 }
-std::string given_user() {
-    return selected_user;
+std::string given_user(const Options& options) {
+    return options.selected_user;
 }
 std::string number_or_all(long number) {
     return number == -1 ? ALL : std::to_string(number);
 }
-std::string given_bit() {
-    return number_or_all(selected_bit);
+std::string given_bit(const Options& options) {
+    return number_or_all(options.selected_bit);
 }
-std::string given_key() {
-    return number_or_all(selected_key);
+std::string given_key(const Options& options) {
+    return number_or_all(options.selected_key);
 }
 
 // The dialogs; each returns its DialogCode.
 
 int pick(const char* title, std::string list) {
     list.pop_back();
-    CHOICES = list;
-    return make_selection(title, CHOICES, SINGLE_CHOICE);
+    return make_selection(title, list, SINGLE_CHOICE);
 }
 
 int pick_command() {
@@ -98,8 +95,8 @@ std::string number_filter(const std::string& number) {
 
 struct ParameterRow {
     /// Whether the command line gave it, and what.
-    const bool* given;
-    std::string (*given_value)();
+    bool Options::*given;
+    std::string (*given_value)(const Options& options);
     int (*ask_operator)();
     std::string (*value_in)(const std::string& answer);
     std::string (*filter)(const std::string& value);
@@ -107,10 +104,10 @@ struct ParameterRow {
 
 /// In the order of Parameter.
 constexpr std::array<ParameterRow, 4> PARAMETERS = {{
-    {&command_selected, given_command, pick_command, as_answered, command_filter},
-    {&user_selected, given_user, input_user, as_answered, user_filter},
-    {&bit_selected, given_bit, pick_bit, bit_in, number_filter},
-    {&key_selected, given_key, input_key, key_in, number_filter},
+    {&Options::command_selected, given_command, pick_command, as_answered, command_filter},
+    {&Options::user_selected, given_user, input_user, as_answered, user_filter},
+    {&Options::bit_selected, given_bit, pick_bit, bit_in, number_filter},
+    {&Options::key_selected, given_key, input_key, key_in, number_filter},
 }};
 
 const ParameterRow& row_of(Parameter parameter) {
@@ -119,9 +116,9 @@ const ParameterRow& row_of(Parameter parameter) {
 
 }  // namespace
 
-std::optional<std::string> value_of(Parameter parameter) {
+std::optional<std::string> value_of(Parameter parameter, const Options& options) {
     const ParameterRow& row = row_of(parameter);
-    if (*row.given) return row.given_value();
+    if (options.*row.given) return row.given_value(options);
     std::string value;
     while (value.empty()) {
         GATEWARDEN_RESULT_STRING.clear();

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+#include "base/options.h"
+
 // The parameters of the queries. A value is a text: a command, a user, the decimal number of a
 // bit or key, or "*" for all of them.
 
@@ -10,7 +12,7 @@ enum class Parameter { COMMAND, USER, BIT, KEY };
 
 /// The value that the command line gave, else the operator's answer, asked for again while it is
 /// empty or unfit; nothing when the operator cancels.
-std::optional<std::string> value_of(Parameter parameter);
+std::optional<std::string> value_of(Parameter parameter, const Options& options);
 
 /// What log records of that value hold; empty for "*", which leaves every record in.
 std::string filter_for(Parameter parameter, const std::string& value);

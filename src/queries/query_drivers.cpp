@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/selections.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
@@ -95,10 +94,10 @@ constexpr std::array<Query, 6> QUERIES = {{
 }};
 
 /// The values of the query's parameters; empty when the operator cancelled one.
-std::vector<std::string> ask_for_values(const Query& query) {
+std::vector<std::string> ask_for_values(const Query& query, const Options& options) {
     std::vector<std::string> values;
     for (const Parameter parameter : query.asked()) {
-        const auto value = value_of(parameter);
+        const auto value = value_of(parameter, options);
         if (!value) return {};
         values.push_back(*value);
     }
@@ -129,39 +128,38 @@ std::string title_of(const Query& query, const std::vector<std::string>& values)
     return title;
 }
 
-void run(const Query& query) {
-    if (Q_during_install() == 1) return;
-    const std::vector<std::string> values = ask_for_values(query);
+void run(const Query& query, const Options& options) {
+    const std::vector<std::string> values = ask_for_values(query, options);
     if (values.empty()) return;
     set_filters(query, values);
     graph_title = title_of(query, values);
     get_query_data(query.number);
-    Make_Graph(query.number);
+    Make_Graph(query.number, options.displays());
 }
 
 }  // namespace
 
-void Q_1() {
-    run(QUERIES[0]);
+void Q_1(const Options& options) {
+    run(QUERIES[0], options);
 }
-void Q_2() {
-    run(QUERIES[1]);
+void Q_2(const Options& options) {
+    run(QUERIES[1], options);
 }
-void Q_3() {
-    run(QUERIES[2]);
+void Q_3(const Options& options) {
+    run(QUERIES[2], options);
 }
-void Q_4() {
-    run(QUERIES[3]);
+void Q_4(const Options& options) {
+    run(QUERIES[3], options);
 }
-void Q_5() {
-    run(QUERIES[4]);
+void Q_5(const Options& options) {
+    run(QUERIES[4], options);
 }
-void Q_6() {
-    run(QUERIES[5]);
+void Q_6(const Options& options) {
+    run(QUERIES[5], options);
 }
 
-int Q_during_install() {
-    if (!IS_DURING_INSTALL) return 0;
+int Q_during_install(bool during_install) {
+    if (!during_install) return 0;
     advise_wait(NO_QUERIES_DURING_INSTALL);
     return 1;
 }

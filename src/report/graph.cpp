@@ -62,12 +62,12 @@ void close_page(const std::string& path) {
 
 }  // namespace
 
-void Make_Graph(int query) {
+void Make_Graph(int query, bool display) {
     const std::string name = page_name(query);
     const std::string path =
         filled(PAGE_FILE_PATH, results_dir.c_str(), DIR_DELIMETER, name.c_str());
     open_page(path);
     write_page(query);
     close_page(path);
-    display_page(path, name);
+    display_page(path, name, display);
 }

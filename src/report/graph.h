@@ -11,6 +11,6 @@ extern std::string graph_title;
 extern std::string browser;
 
 /// Writes the page of query 1 to 6 from the counters of the last get_query_data into the results
-/// directory, and shows it in a browser unless the operator asked for no display. Gripes when the
-/// page cannot be written.
-void Make_Graph(int query);
+/// directory, and shows it in a browser or, without `display`, names it on standard output. Gripes
+/// when the page cannot be written.
+void Make_Graph(int query, bool display);

@@ -9,7 +9,6 @@
 
 #include "base/child.h"
 #include "base/filled.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
@@ -54,8 +53,8 @@ void run_browser(const std::string& path) {
 
 }  // namespace
 
-void display_page(const std::string& path, const std::string& name) {
-    if (selected_display == "n") {
+void display_page(const std::string& path, const std::string& name, bool display) {
+    if (!display) {
         std::fputs(filled(PAGE_STORED, path.c_str(), ENTERPRIZE_NAME.c_str()).c_str(), stdout);
         return;
     }

@@ -5,7 +5,6 @@
 
 #include "actions/requests.h"
 #include "base/process_end.h"
-#include "base/selections.h"
 #include "fuzz/fuzz_world.h"
 #include "messages/policy_texts.h"
 #include "policy/edition.h"
@@ -28,11 +27,12 @@ std::string some_gatebits(FuzzedDataProvider& data) {
            ";;\nD;000000000000000000000000;\n" + data.ConsumeRandomLengthString(300);
 }
 
-void run_actions(FuzzedDataProvider& data) {
+void run_actions(FuzzedDataProvider& data, const Options& options) {
     interrogate_the_enterprise();
     read_edition();
+    Run run = {options};
     for (int actions = data.ConsumeIntegralInRange(1, 3); actions > 0; --actions) {
-        request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))->run();
+        request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))->execute(run);
     }
 }
 
@@ -42,11 +42,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedDataProvider data(bytes, size);
     use_gatebits(some_gatebits(data));
     const std::size_t old_size = gatebits().size();
-    selected_repeat = data.ConsumeBool() ? "n" : "y";
-    IS_DURING_INSTALL = data.ConsumeBool();
-    chapter = 1;
+    Options options;
+    options.selected_repeat = data.ConsumeBool() ? "n" : "y";
+    options.IS_DURING_INSTALL = data.ConsumeBool();
     answer_dialogs_from(&data);
-    until_the_end([&] { run_actions(data); });
+    until_the_end([&] { run_actions(data, options); });
     answer_dialogs_from(nullptr);
     must(gatebits().size() <= std::max(old_size, GATEBITS_FILE_LIMIT),
          "what is written can be read back");

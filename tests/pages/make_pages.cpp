@@ -13,7 +13,6 @@
 #include <string>
 
 #include "base/filled.h"
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
 #include "policy/gatebits_file.h"
@@ -70,7 +69,7 @@ std::string json_of(const Counts& counts) {
 
 void make_page(int query, const std::string& title, std::ofstream& json) {
     graph_title = title;
-    Make_Graph(query);
+    Make_Graph(query, false);
     json << (query > 1 ? ",\n" : "{\n") << '"' << query << R"(": {"success": )"
          << json_of(cell_success) << R"(, "denied": )" << json_of(cell_denied) << R"(, "read": )"
          << json_of(cell_read) << R"(, "first_cell_read": )" << first_cell_read
@@ -93,7 +92,6 @@ int main(int argc, char** argv) {
     }
     results_dir = argv[1];
     ENTERPRIZE_NAME = "east";
-    selected_display = "n";
     ZUL_PREFER_GUI = 0;
     last_query_time = {5, 9, 8, 7, 0, 126};
     write_gatebits_file(results_dir + "/gatebits.txt");

@@ -4,7 +4,6 @@
 
 #include "actions/actions.h"
 #include "actions/tool_settings.h"
-#include "base/selections.h"
 #include "policy/checker.h"
 #include "policy/tool_variables.h"
 #include "units/scratch_region.h"
@@ -21,22 +20,23 @@ class Dispatch : public ScratchRegion {
         GS_VAR.fill("");
         GS_VAR[UNIX_CHECKER] = path("checker");
         EMERGENCY_CHECKER = path("none");
-        IS_DURING_INSTALL = false;
         questions_end_with(2);
         region("", "");
     }
-    ~Dispatch() override { IS_DURING_INSTALL = false; }
 
     /// The UNIX column of the parent and notify lines.
     void region(const std::string& parent, const std::string& notify) const {
         gatebits_are("gatewarden;;;east;\nW:d;" + path("") + ";O;\n/none;" + parent + ";\n/none;" +
                      notify + ";\n; ;\n; ;\n;;;\nD;0;\n");
     }
+
+    Options options;
+    ::Run run = {options};
 };
 
 TEST_F(Dispatch, ActionsThatAreNotGuardedAreAFault) {
     for (const int number : {0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 24, 25, 26, 27, 28, 29, 30}) {
-        EXPECT_GRIPE(A_X(number), "incomplete action coding in A_X:main\n");
+        EXPECT_GRIPE(A_X(run, number), "incomplete action coding in A_X:main\n");
     }
 }
 
@@ -44,28 +44,28 @@ TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
     write("file", "");
     for (const int number : {7, 10}) {
         region("", "");
-        EXPECT_EQ(A_X(number), 1);
+        EXPECT_EQ(A_X(run, number), 1);
         region(path("file"), path("file"));
-        EXPECT_EQ(A_X(number), 1);
+        EXPECT_EQ(A_X(run, number), 1);
         region(path(""), path(""));
-        EXPECT_EQ(A_X(number), 0);
+        EXPECT_EQ(A_X(run, number), 0);
         region(path("nothing"), path("nothing"));
-        EXPECT_EQ(A_X(number), 0);
+        EXPECT_EQ(A_X(run, number), 0);
     }
 }
 
 TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
-    EXPECT_EQ(A_X(6), 1);
-    EXPECT_EQ(A_X(9), 1);
+    EXPECT_EQ(A_X(run, 6), 1);
+    EXPECT_EQ(A_X(run, 9), 1);
 }
 
 TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
-    EXPECT_EQ(A_X(11), 1);
+    EXPECT_EQ(A_X(run, 11), 1);
     GS_VAR[UNIX_CHECKER] = path("none");
     int result = -1;
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";
-    EXPECT_EQ(printed_by([&] { result = A_X(11); }), not_found + not_found);
+    EXPECT_EQ(printed_by([&] { result = A_X(run, 11); }), not_found + not_found);
     EXPECT_EQ(result, 0);
 }
 
@@ -74,20 +74,20 @@ TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
     int result = -1;
-    EXPECT_EQ(printed_by([&] { result = A_X(11); }), reenter + reenter);
+    EXPECT_EQ(printed_by([&] { result = A_X(run, 11); }), reenter + reenter);
     EXPECT_EQ(result, 1);
 }
 
 TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 0); }), "");
-    IS_DURING_INSTALL = true;
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("A01 - Prune Log Files"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(false, "A01 - Prune Log Files"), 0); }),
+              "");
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "A01 - Prune Log Files"), 1); }),
               "This Action: 'Prune Log Files'\n\nis not available during the installation "
               "process...\n");
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("Prune - Log - Files"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "Prune - Log - Files"), 1); }),
               "This Action: 'Log - Files'\n\nis not available during the installation "
               "process...\n");
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install("Prune"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "Prune"), 1); }),
               "This Action is not available during the installation process...\n");
 }
 

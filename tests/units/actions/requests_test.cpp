@@ -3,8 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <set>
+#include <string>
 
-#include "base/selections.h"
+#include "actions/menus.h"
 
 namespace {
 
@@ -32,6 +33,18 @@ TEST(Requests, GuardedActions) {
               (std::set<int>{4, 5, 6, 7, 9, 10, 11, 12, 14, 16, 17, 20, 21, 22}));
 }
 
+TEST(Requests, TheInstallerIsRefusedTheQueriesAndWhatNeedsARegion) {
+    EXPECT_EQ(numbers_where([](const Request& request) { return !request.during_install; }),
+              (std::set<int>{1, 25, 26, 27}));
+    Options options;
+    for (const Request& request : all_requests()) EXPECT_FALSE(refused(request, options));
+}
+
+TEST(Requests, TheLargestNumbersLimitTheCommandLine) {
+    EXPECT_EQ(highest_number(RequestKind::QUERY), 6);
+    EXPECT_EQ(highest_number(RequestKind::ACTION), 29);
+}
+
 TEST(Requests, AreFoundByTheirLabels) {
     for (const Request& request : all_requests()) {
         EXPECT_EQ(request_labelled(request.label), &request);
@@ -47,8 +60,7 @@ TEST(Requests, TheWalksHaveTheirTitlesThoughNoMenuShowsThem) {
                  "A29 - Guide through ALL Gatebits file fields");
 }
 
-TEST(Requests, Submenu) {
-    IS_DURING_INSTALL = false;
+TEST(Menus, Submenu) {
     const std::string entries =
         "A04 - View/Change Windows Depot,A05 - View/Change UNIX Depot,A06 - View/Change Windows "
         "Gatebits Parent,A07 - View/Change UNIX Gatebits Parent,A08 - View/Change Region Logging "
@@ -61,13 +73,40 @@ TEST(Requests, Submenu) {
         "Update Alias Definition in Region,------------------------------,A21 - View/Change/Delete "
         "a Command Key in Region,A22 - Add a Comand Key,A23 - VERIFY:Run gatewarden {gatebits} "
         "-check";
-    EXPECT_EQ(submenu_entries(), entries);
-    IS_DURING_INSTALL = true;
-    EXPECT_EQ(submenu_entries(), entries + ",A24 - Configure Gatescope");
-    IS_DURING_INSTALL = false;
+    EXPECT_EQ(submenu_entries(false), entries);
+    EXPECT_EQ(submenu_entries(true), entries + ",A24 - Configure Gatescope");
 }
 
-TEST(Requests, ASeparatorIsKnownByItsFirstFiveCharacters) {
+TEST(Menus, MainMenuOfEachEdition) {
+    const std::string line = ",------------------------------,";
+    const std::string actions =
+        line + "A01 - Prune Log Files" + line +
+        "A02 - Modify Current Gatebits file... (A03-A23),A23 - VERIFY:Run gatewarden {gatebits} "
+        "-check" +
+        line + "A24 - Configure Gatescope" + line +
+        "A25 - Switch to another Gatebits file,A26 - Create New Gatebits file,A27 - Copy Existing "
+        "Gatebits file";
+    EXPECT_EQ(main_menu_entries(1),
+              "Q01 - Commands/Users (success/denied) over Time,Q02 - Bits/Users used over Time,Q03 "
+              "- Keys/Users/Commands denied over Time,Q04 - Bit vs. Bit (per user) usage over "
+              "Time,Q05 - Key vs. Key (per user/command) usage over Time,Q06 - Commands/Users "
+              "(success/denied) over Time by parent policy" +
+                  actions);
+    EXPECT_EQ(main_menu_entries(0),
+              "Q01 - Commands/Users (success/denied) over Time,Q02 - Bits/Users used over Time,Q03 "
+              "- CPDs/Users/Commands denied over Time,Q04 - Bit vs. Bit (per user) usage over "
+              "Time,Q05 - CPD vs. CPD (per user/command) usage over Time,Q06 - Commands/Users "
+              "(success/denied) over Time by parent policy" +
+                  actions);
+}
+
+TEST(Menus, TitlesNameTheRegion) {
+    EXPECT_EQ(main_menu_title("east"), "Select Query or Action for (east)");
+    EXPECT_EQ(submenu_title("east", false), "Gatebits view/change Action for (east)");
+    EXPECT_EQ(submenu_title("east", true), "Select Install Action for (east)");
+}
+
+TEST(Menus, ASeparatorIsKnownByItsFirstFiveCharacters) {
     EXPECT_TRUE(is_separator("------------------------------"));
     EXPECT_TRUE(is_separator("-----x"));
     EXPECT_FALSE(is_separator("----"));

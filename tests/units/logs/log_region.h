@@ -13,7 +13,6 @@
 #include <string>
 #include <string_view>
 
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
@@ -30,7 +29,6 @@ class LogRegion : public testing::Test {
         ENTERPRIZE_NAME = "east";
         ZUL_PREFER_GUI = 0;
         GATEWARDEN_IS = 1;
-        selected_display = "n";
         filter_by();
         set_time_values();
     }

@@ -21,9 +21,9 @@ namespace fs = std::filesystem;
 
 class Pruning : public LogRegion {
   protected:
-    static std::string said_by_pruning(int days = 120) {
+    static std::string said_by_pruning(int days = 120, bool display = false) {
         testing::internal::CaptureStdout();
-        prune_logging_files(static_cast<std::uint8_t>(days));
+        prune_logging_files(static_cast<std::uint8_t>(days), display);
         return testing::internal::GetCapturedStdout();
     }
 
@@ -167,10 +167,9 @@ TEST_F(Pruning, DirectoriesUnderALogsNameAreLeftAlone) {
 }
 
 TEST_F(Pruning, TheResultIsShownInADialogUnlessDisplayIsOff) {
-    selected_display = "y";
-    EXPECT_EQ(said_by_pruning(), result(0, 0) + "\n");
+    EXPECT_EQ(said_by_pruning(120, true), result(0, 0) + "\n");
     write_log(0, old(1));
-    EXPECT_EQ(said_by_pruning(), result(1, 1) + "\n");
+    EXPECT_EQ(said_by_pruning(120, true), result(1, 1) + "\n");
     EXPECT_EQ(TMSG, result(1, 1));
 }
 
@@ -399,7 +398,7 @@ TEST_F(Pruning, ACompanionWithoutAPlaceForItsLogIsKept) {
     EXPECT_EXIT(
         {
             stdout = stderr;
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "Could not create needed logging file");
     EXPECT_EQ(file_text(pruning_companion_path(1)), fresh(1));
@@ -423,7 +422,7 @@ TEST_F(Pruning, TheTokenStandsWhileItRunsAndNamesTheCutOff) {
     EXPECT_EXIT(
         {
             stdout = stderr;
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "Could not create needed logging file");
     EXPECT_EQ(
@@ -445,7 +444,7 @@ TEST_F(Pruning, WithoutATokenNothingIsDone) {
     EXPECT_EXIT(
         {
             stdout = stderr;
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "^Could not create needed pruning token\n$");
     EXPECT_EQ(file_text(log_file_path(0)), old(1));
@@ -458,7 +457,7 @@ TEST_F(Pruning, WithoutAScratchFileNothingIsDone) {
     EXPECT_EXIT(
         {
             stdout = stderr;
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "^Could not create needed pruning file\n$");
     EXPECT_EQ(file_text(log_file_path(0)), old(1));
@@ -472,7 +471,7 @@ TEST_F(Pruning, TwoDoNotPruneAtOnce) {
     EXPECT_EXIT(
         {
             stdout = stderr;
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "\\(east\\) are being pruned by another process");
     close(other);
@@ -489,7 +488,7 @@ TEST_F(Pruning, AFileThatIsTooLargeLeavesTheLogAsItWas) {
             stdout = stderr;
             std::signal(SIGXFSZ, SIG_IGN);
             limit_file_sizes();
-            prune_logging_files(120);
+            prune_logging_files(120, false);
         },
         testing::ExitedWithCode(99), "could not write \\(.*pruning_.txt\\): File too large");
     EXPECT_EQ(file_text(log_file_path(0)), log);

@@ -1,6 +1,5 @@
 #include <unistd.h>
 
-#include "actions/requests.h"
 #include "base/commands.h"
 #include "units/queries/query_region.h"
 
@@ -123,16 +122,6 @@ TEST_F(AskedQuery, TheLiteEditionAsksForACpd) {
                                          "CPD):")));
 }
 
-TEST_F(AskedQuery, TheListsStandInChoices) {
-    operator_answers({"*", "*"});
-    run(Q_1);
-    EXPECT_TRUE(CHOICES.starts_with("*,chbl,checkin,checkout,"));
-    EXPECT_FALSE(CHOICES.ends_with(","));
-    operator_answers({"* - <ALL BITS>", "*"});
-    run(Q_2);
-    EXPECT_EQ(CHOICES, BITS);
-}
-
 TEST_F(AskedQuery, AllBitsIsTheFirstEntryOfTheList) {
     operator_answers({"* - <ALL BITS>", "*"});
     run(Q_2);
@@ -173,7 +162,7 @@ TEST_F(AskedQuery, AStarIsAllKeys) {
 
 TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
     struct Case {
-        void (*driver)();
+        void (*driver)(const Options&);
         std::vector<std::string> answers;
     };
     const std::vector<Case> cases = {{Q_1, {}}, {Q_1, {"*"}}, {Q_2, {}},         {Q_2, {"* - all"}},
@@ -203,27 +192,20 @@ TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
         {
             ZUL_PREFER_GUI = 0;
             dup2(STDERR_FILENO, STDOUT_FILENO);
-            Q_2();
+            Q_2(options);
         },
         testing::ExitedWithCode(99),
         HasSubstr("Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2"));
 }
 
 TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
-    IS_DURING_INSTALL = true;
-    void (*const drivers[])() = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
-    std::string expected;
-    for (const auto driver : drivers) {
-        run(driver);
-        expected +=
-            "[yes_no][-mask][yes][-def][yes][-pre][-pro][Query functions are not available during "
-            "the installation process...]\n";
-    }
-    EXPECT_EQ(asked(), expected);
-    EXPECT_EQ(pages(), 0);
-    EXPECT_EQ(Q_during_install(), 1);
-    IS_DURING_INSTALL = false;
-    EXPECT_EQ(Q_during_install(), 0);
+    EXPECT_EQ(Q_during_install(false), 0);
+    EXPECT_EQ(asked(), "");
+    EXPECT_EQ(Q_during_install(true), 1);
+    EXPECT_EQ(
+        asked(),
+        "[yes_no][-mask][yes][-def][yes][-pre][-pro][Query functions are not available during "
+        "the installation process...]\n");
 }
 
 }  // namespace

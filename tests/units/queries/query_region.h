@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/selections.h"
+#include "base/options.h"
 #include "base/startup.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
@@ -44,12 +44,11 @@ class QueryRegion : public testing::Test {
         ZUL_PREFER_GUI = 1;
         // No message may outlive the test in the background.
         ZUL_REMOTE_CLIENT_USER = 1;
-        nothing_given();
+        GATEWARDEN_IS = 1;
+        graph_title.clear();
+        options.selected_display = "n";
     }
-    ~QueryRegion() override {
-        nothing_given();
-        std::filesystem::remove_all(directory_);
-    }
+    ~QueryRegion() override { std::filesystem::remove_all(directory_); }
 
     /// The operator's answers to text prompts and lists, one a dialog; "CANCEL" cancels.
     void operator_answers(const std::vector<std::string>& answers) {
@@ -59,20 +58,20 @@ class QueryRegion : public testing::Test {
     }
 
     void command_line_gives_command(const std::string& command) {
-        command_selected = true;
-        selected_command = command;
+        options.command_selected = true;
+        options.selected_command = command;
     }
     void command_line_gives_user(const std::string& user) {
-        user_selected = true;
-        selected_user = user;
+        options.user_selected = true;
+        options.selected_user = user;
     }
     void command_line_gives_bit(int bit) {
-        bit_selected = true;
-        selected_bit = bit;
+        options.bit_selected = true;
+        options.selected_bit = bit;
     }
     void command_line_gives_key(long key) {
-        key_selected = true;
-        selected_key = key;
+        options.key_selected = true;
+        options.selected_key = key;
     }
 
     /// A log of today's records; each is what stands behind the time.
@@ -84,13 +83,13 @@ class QueryRegion : public testing::Test {
     }
 
     /// Runs a driver as the main loop does.
-    void run(void (*driver)()) {
+    void run(void (*driver)(const Options&)) {
         for (std::string* filter : {&GLOBAL_TEST_STRING_1, &GLOBAL_TEST_STRING_2,
                                     &GLOBAL_TEST_STRING_3, &GLOBAL_TEST_STRING_4}) {
             *filter = ANY_LOG_ENTRY;
         }
         testing::internal::CaptureStdout();
-        driver();
+        driver(options);
         testing::internal::GetCapturedStdout();
     }
 
@@ -116,6 +115,8 @@ class QueryRegion : public testing::Test {
         return directory_ + "/" + name;
     }
 
+    Options options;
+
   private:
     static constexpr char CLEARPROMPT_SCRIPT[] =
         "#!/bin/sh\n"
@@ -128,14 +129,6 @@ class QueryRegion : public testing::Test {
         "answer=$(cat \"$STAGE/answers/$turn\") || exit 9\n"
         "[ \"$answer\" = CANCEL ] && exit 1\n"
         "printf '%s' \"$answer\" >\"$file\"\n";
-
-    static void nothing_given() {
-        command_selected = user_selected = bit_selected = key_selected = false;
-        selected_display = "n";
-        IS_DURING_INSTALL = false;
-        GATEWARDEN_IS = 1;
-        graph_title.clear();
-    }
 
     void write(const std::string& name, const std::string& text) const {
         std::ofstream(path(name), std::ios::binary) << text;

@@ -201,7 +201,7 @@ TEST_F(GivenQuery, EachDriverReadsTheDataOfItsOwnNumber) {
 }
 
 TEST_F(GivenQuery, ThePageCarriesTheNumberOfTheQuery) {
-    void (*const drivers[])() = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
+    void (*const drivers[])(const Options&) = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
     for (const auto driver : drivers) run(driver);
     std::vector<std::string> names;
     for (const auto& page : std::filesystem::directory_iterator(path("results"))) {

@@ -3,7 +3,6 @@
 
 #include <csignal>
 
-#include "base/selections.h"
 #include "dialog/messages.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
@@ -33,16 +32,15 @@ class MakeGraph : public PageText {
         directory.write("gatebits.txt", "gatewarden;;;east;\n");
         GS_VAR.fill("");
         GATEWARDEN_IS = 1;
-        selected_display = "y";
         ZUL_PREFER_GUI = 0;
         browser.clear();
         unsetenv("ZUL_GATESCOPE_BROWSER");
     }
     ~MakeGraph() override { unsetenv("ZUL_GATESCOPE_BROWSER"); }
 
-    static std::string said_by_make_graph(int query) {
+    static std::string said_by_make_graph(int query, bool display = true) {
         testing::internal::CaptureStdout();
-        Make_Graph(query);
+        Make_Graph(query, display);
         return testing::internal::GetCapturedStdout();
     }
 
@@ -57,8 +55,7 @@ class MakeGraph : public PageText {
 };
 
 TEST_F(MakeGraph, ThePageIsNamedAfterTheMomentOfTheQuery) {
-    selected_display = "n";
-    for (int query = 1; query <= 6; ++query) said_by_make_graph(query);
+    for (int query = 1; query <= 6; ++query) said_by_make_graph(query, false);
     for (const char* name :
          {"20260107_080905_Q01.html", "20260107_080905_Q02.html", "20260107_080905_Q03.html",
           "20260107_080905_Q04.html", "20260107_080905_Q05.html", "20260107_080905_Q06.html"}) {
@@ -68,9 +65,8 @@ TEST_F(MakeGraph, ThePageIsNamedAfterTheMomentOfTheQuery) {
 }
 
 TEST_F(MakeGraph, EachQueryHasItsWriter) {
-    selected_display = "n";
     first_cell_read = 0;
-    for (int query = 1; query <= 6; ++query) said_by_make_graph(query);
+    for (int query = 1; query <= 6; ++query) said_by_make_graph(query, false);
     const auto page = [&](int query) {
         return directory.read("20260107_080905_Q0" + std::to_string(query) + ".html");
     };
@@ -83,26 +79,23 @@ TEST_F(MakeGraph, EachQueryHasItsWriter) {
 }
 
 TEST_F(MakeGraph, ASecondQueryInTheSameSecondAddsAPage) {
-    selected_display = "n";
-    said_by_make_graph(1);
+    said_by_make_graph(1, false);
     const std::string once = directory.read(PAGE_1);
-    said_by_make_graph(1);
+    said_by_make_graph(1, false);
     EXPECT_EQ(directory.read(PAGE_1), once + once);
 }
 
 TEST_F(MakeGraph, WithoutDisplayALineNamesThePage) {
-    selected_display = "n";
     setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
-    EXPECT_EQ(said_by_make_graph(1), "\n\nGatescope query completed and html page\n(" +
-                                         directory.path(PAGE_1) +
-                                         ")\nwas built and stored for the region (east).\n\n");
+    EXPECT_EQ(said_by_make_graph(1, false),
+              "\n\nGatescope query completed and html page\n(" + directory.path(PAGE_1) +
+                  ")\nwas built and stored for the region (east).\n\n");
     EXPECT_FALSE(fs::exists(directory.path("shown")));
 }
 
 TEST_F(MakeGraph, TheLineShowsPercentSignsAsTheyAre) {
-    selected_display = "n";
     ENTERPRIZE_NAME = "100%% %s";
-    EXPECT_THAT(said_by_make_graph(1), HasSubstr("for the region (100%% %s)."));
+    EXPECT_THAT(said_by_make_graph(1, false), HasSubstr("for the region (100%% %s)."));
 }
 
 TEST_F(MakeGraph, WithoutABrowserThePageIsNamed) {
@@ -210,7 +203,7 @@ TEST_F(MakeGraph, APageThatCannotBeOpenedEndsTheProgram) {
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(1);
+            Make_Graph(1, true);
         },
         ExitedWithCode(99),
         testing::Eq("Could not create/open results file (" + directory.path("nowhere/") + PAGE_1 +
@@ -222,7 +215,7 @@ TEST_F(MakeGraph, AFullDiskEndsTheProgram) {
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(1);
+            Make_Graph(1, true);
         },
         ExitedWithCode(99),
         testing::Eq("ERROR: The results file (" + directory.path(PAGE_1) +
@@ -235,7 +228,7 @@ TEST_F(MakeGraph, APageThatOutgrowsTheFileSizeLimitEndsTheProgram) {
         {
             say_it_on_standard_error();
             limit_file_size(6000);
-            Make_Graph(1);
+            Make_Graph(1, true);
         },
         ExitedWithCode(99),
         HasSubstr(std::string(PAGE_1) + ") could not be written whole (File too large)."));
@@ -246,7 +239,7 @@ TEST_F(MakeGraph, AnotherNumberIsAnInternalFault) {
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(7);
+            Make_Graph(7, true);
         },
         ExitedWithCode(99),
         testing::Eq("Internal Error: Inform ZUL: Unexpected case in gatescope:Make_Graph\n\n"));

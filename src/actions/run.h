@@ -1,0 +1,15 @@
+#pragma once
+
+#include "base/options.h"
+
+/// Menus by number.
+inline constexpr int MAIN_MENU = 1;
+inline constexpr int SUBMENU = 2;
+
+/// What the main loop knows when it runs a request. Only the rows of the request table and those
+/// who run rows see it whole; an action gets from it what it needs.
+struct Run {
+    const Options& options;
+    /// The menu to be shown next. Set by the main loop and by A_2.
+    int chapter = MAIN_MENU;
+};

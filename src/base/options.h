@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+/// What the command line asked for: parse_arguments makes it, and nothing changes it afterwards.
+struct Options {
+    /// Whether the argument was given. file_selected also says that the file could be read, and
+    /// R= sets display_selected: the command line says why.
+    bool file_selected = false;
+    bool query_selected = false;
+    bool action_selected = false;
+    bool command_selected = false;
+    bool user_selected = false;
+    bool key_selected = false;
+    bool bit_selected = false;
+    bool display_selected = false;
+    bool repeat_selected = false;
+    bool data_gen_selected = false;
+
+    /// The file of the last F=, whether or not it can be read; nothing without an F=.
+    std::optional<std::string> selected_file;
+    /// 1 to 6 and 1 to 29.
+    int selected_query = 0;
+    int selected_action = 0;
+    /// A triggerable command as given, or "*".
+    std::string selected_command;
+    /// A user, lower-cased, or "*".
+    std::string selected_user;
+    /// A key or bit number; -1 for all.
+    long selected_key = 0;
+    int selected_bit = 0;
+    /// "y" or "n".
+    std::string selected_display = "y";
+    std::string selected_repeat = "y";
+
+    /// Whether the installer started the program.
+    bool IS_DURING_INSTALL = false;
+
+    /// Whether a finished page or pruning is shown, and not only named on standard output.
+    [[nodiscard]] bool displays() const { return selected_display != "n"; }
+    /// Whether the program stops after the first request.
+    [[nodiscard]] bool runs_once() const { return selected_repeat.front() == 'n'; }
+};

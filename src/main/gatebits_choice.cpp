@@ -1,0 +1,68 @@
+#include "main/gatebits_choice.h"
+
+#include <fcntl.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "actions/actions.h"
+#include "actions/requests.h"
+#include "base/filled.h"
+#include "base/process_end.h"
+#include "dialog/messages.h"
+#include "messages/command_line_texts.h"
+#include "messages/environment.h"
+#include "policy/edition.h"
+#include "policy/gatebits_file.h"
+
+namespace {
+
+/// Takes the gatebits file that the environment names; false when it names none that opens.
+bool take_file_from_environment(const char* named) {
+    if (named == nullptr) return false;
+    ENTERPRIZE_PERMISSION_FILE = named;
+    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    return ENTERPRIZE_PERMISSION_FILE_FD != -1;
+}
+
+/// Why there is no gatebits file yet, and the question what to do about it.
+std::string gatebits_question(const Options& options, const char* from_environment) {
+    if (options.selected_file) return filled(WARN_01, options.selected_file->c_str(), WARN_00);
+    if (from_environment != nullptr) {
+        return filled(WARN_02, from_environment, ENV_GATEBITS_FILE, WARN_00);
+    }
+    return filled(WARN_03, ENV_GATEBITS_FILE, WARN_00);
+}
+
+void make_new_gatebits_file(const Options& options) {
+    Run run = {options};
+    if (refused(*request_numbered(RequestKind::ACTION, 26), options) || A_26(run) != 1) {
+        clean_exit(1);
+    }
+    GATEWARDEN_IS = 1;
+}
+
+void open_existing_gatebits_file(const Options& options) {
+    if (refused(*request_numbered(RequestKind::ACTION, 25), options) || A_25() != 1) clean_exit(1);
+}
+
+}  // namespace
+
+void choose_gatebits_file(const Options& options) {
+    ENTERPRIZE_PERMISSION_FILE = options.selected_file.value_or("");
+    if (options.file_selected) return;
+    const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
+    if (take_file_from_environment(named)) return;
+    TMSG = gatebits_question(options, named);
+    const int answer = ask(TMSG, "yes", "yes,no,abort");
+    ENTERPRIZE_PERMISSION_FILE.clear();
+    if (answer == YES) {
+        make_new_gatebits_file(options);
+    } else if (answer == NO) {
+        open_existing_gatebits_file(options);
+    } else {
+        clean_exit(1);
+    }
+    // Asked once more, but whatever the answer, start-up goes on.
+    if (ENTERPRIZE_PERMISSION_FILE.empty()) ask(RETRY_GATEBITS_FILE, "yes", "yes,no,abort");
+}
