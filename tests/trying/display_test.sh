@@ -44,6 +44,7 @@ ends_with 2
 case_is "one button, pressed and closed"
 for way in Return Escape; do
     shows yes_no -mask yes -def yes -pre -pro 'Done.'
+    expect_holds "the labels" 'OK' "$(<labels)"
     press $way
     ends_with 0
     shows yes_no -mask no -def no -pre -pro 'Done.'
@@ -223,6 +224,57 @@ shows file -prefer_gui -outfile answer -pattern '*.txt' -prompt p
 press Escape
 ends_with 1
 expect_no_file answer
+
+# What the test leaves is gone with it.
+export XDG_RUNTIME_DIR=$stage/runtime
+mkdir "$XDG_RUNTIME_DIR"
+# shellcheck disable=SC2317 # called by their names
+windows_are() { [[ $(xdotool search --onlyvisible --class zenity | wc -l) == "$1" ]]; }
+waits_for_its_turn() { pgrep -P "$dialog" -x flock >/dev/null; }
+shows_box_and_question() {
+    "$clearprompt" yes_no -mask yes -def yes -pre -pro 'BOX' 2>box_err &
+    box=$!
+    window_appears
+    start_dialog yes_no -mask yes,no -def no -pre -pro 'QUESTION'
+}
+
+case_is "without a window manager no window hides under another"
+needs xprop
+shows_box_and_question
+eventually waits_for_its_turn || failed "the question does not wait"
+windows_are 1 ||
+    failed "not one window is up: $(xdotool search --onlyvisible --class zenity 2>&1; cat labels box_err err)"
+press Return
+wait "$box"
+expect_equal "the box's status" 0 $?
+# shellcheck disable=SC2317
+asks_question() { [[ -e labels && $(head -n 1 labels) == QUESTION ]]; }
+eventually asks_question || failed "the question does not come after the box"
+window_appears
+press Return
+ends_with 1
+
+case_is "a signal ends a dialog that waits for its turn"
+shows_box_and_question
+eventually waits_for_its_turn || failed "the question does not wait"
+kill -TERM "$dialog"
+ends_with 143
+press Return
+wait "$box"
+expect_equal "what is left" "" "$(ls "$XDG_RUNTIME_DIR")"
+
+case_is "with a window manager two windows are up side by side"
+# Only what a window manager leaves to be known by, on a window that is there.
+root=$(xwininfo -root | sed -n 's/.*Window id: \(0x[0-9a-f]*\).*/\1/p')
+xprop -root -f _NET_SUPPORTING_WM_CHECK 32x -set _NET_SUPPORTING_WM_CHECK "$root"
+shows_box_and_question
+eventually windows_are 2 || failed "the question waits for the box"
+kill "$box" && wait "$box" 2>/dev/null
+eventually windows_are 1 || failed "the box stays"
+window_appears
+press Return
+ends_with 1
+xprop -root -remove _NET_SUPPORTING_WM_CHECK
 
 case_is "a signal takes the window with it and leaves nothing"
 mkdir temporary

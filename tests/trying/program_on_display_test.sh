@@ -81,10 +81,8 @@ press Return
 eventually has_page || failed "no page: $(cat output)"
 expect_equal "days with something to show" 1 \
     "$(grep -c 'class="time_block_populated' "$region"/query_results/*_Q01.html)"
-# The box that tells of the page and the next menu come up side by side.
-# shellcheck disable=SC2317
-has_menu() { [[ $(xdotool search --onlyvisible --class zenity | wc -l) -ge 2 ]]; }
-eventually has_menu || failed "the box and the menu are not both there: $(cat output)"
+# There is no window manager here, so the box that tells of the page and the next menu come up one
+# after the other, in either order.
 # shellcheck disable=SC2317
 press_escape() {
     has_ended && return

@@ -57,11 +57,11 @@ ends 2 Tab Enter
 
 case_is "one button, pressed and closed"
 for way in Enter Escape; do
-    asks '<Yes>' yes_no -mask yes -def yes -pre -pro 'Done.'
+    asks '<OK>' yes_no -mask yes -def yes -pre -pro 'Done.'
     ends 0 $way
-    asks '<No>' yes_no -mask no -def no -pre -pro 'Done.'
+    asks '<OK>' yes_no -mask no -def no -pre -pro 'Done.'
     ends 1 $way
-    asks '<Abort>' yes_no -mask abort -def abort -pre -pro 'Done.'
+    asks '<OK>' yes_no -mask abort -def abort -pre -pro 'Done.'
     ends 2 $way
 done
 
@@ -231,7 +231,7 @@ for end in 'kill -SEGV $$' 'exit 7' 'echo usage >&2; exit 1' 'echo broken >&2; e
     terminal_ends_with 11
 done
 
-case_is "a signal gives the terminal back as it was"
+case_is "a signal gives the terminal back as it was, without the box"
 mkdir temporary
 in_terminal "stty -a >before
 TMPDIR=$stage/temporary $clearprompt text -pre -out answer -pro Q
@@ -241,8 +241,39 @@ stty -a >after
 appears '<Ok>'
 pkill -TERM -P "$(tmux_does display-message -p '#{pane_pid}')" -f tools/clearprompt
 terminal_ends_with 143
+eventually not_on_screen '<Ok>' || failed "the box stays on the screen: $(screen)"
 expect_equal "the terminal's settings" "$(<before)" "$(<after)"
 expect_equal "what is left" "" "$(ls temporary)"
+
+case_is "Ctrl-C ends the dialog and whatever waits for it, and the box goes"
+printf '%s\n' "$clearprompt yes_no -mask yes,no -pre -pro QUESTION" 'echo went on >goes_on' >waits
+# shellcheck disable=SC2016 # the shell in the terminal fills it in
+printf '%s\n' 'trap : INT' 'stty -a >before' 'sh ./waits' 's=$?' 'stty -a >after' 'exit $s' >around
+in_terminal "bash ./around"
+appears '<Yes>'
+terminal_of_test=$(tmux_does display-message -p '#{pane_tty}')
+# shellcheck disable=SC2317 # called by its name
+interrupt_key_works() { [[ $(stty -a -F "$terminal_of_test") == *'intr = ^C;'* ]]; }
+eventually interrupt_key_works || failed "the terminal has no interrupt key"
+ends 130 C-c
+expect_no_file goes_on
+eventually not_on_screen QUESTION || failed "the box stays on the screen: $(screen)"
+expect_equal "the terminal's settings" "$(<before)" "$(<after)"
+
+case_is "Ctrl-C ends a box in the background as well, and what waits for it"
+printf '%s\n' "$clearprompt yes_no -mask yes -def yes -pre -pro BACKGROUND &" \
+    'until [ -e box_is_up ]; do sleep 0.05; done; touch question_comes' \
+    "$clearprompt yes_no -mask yes,no -pre -pro QUESTION" 'echo went on >goes_on' >waits
+rm -f box_is_up question_comes
+in_terminal "bash ./around"
+appears BACKGROUND
+eventually interrupt_key_works || failed "the terminal has no interrupt key"
+touch box_is_up
+eventually test -e question_comes || failed "the question does not come"
+ends 130 C-c
+expect_no_file goes_on
+eventually not_on_screen BACKGROUND || failed "the box stays on the screen: $(screen)"
+expect_equal "the terminal's settings" "$(<before)" "$(<after)"
 
 case_is "without -prefer_gui the terminal comes first"
 in_terminal "DISPLAY=:9999 $clearprompt yes_no -mask yes,no -pro ASKED"
@@ -253,6 +284,27 @@ case_is "a display that cannot be opened leaves the terminal"
 in_terminal "DISPLAY=:9999 $clearprompt yes_no -mask yes,no -pre -pro ASKED"
 appears ASKED
 ends 1 Tab Enter
+
+case_is "60 columns: frames are whole and long items are cut"
+frame_is_whole() { # an item
+    local line
+    line=$(screen | grep -F -- "$1")
+    [[ $line =~ ^' '?│.*│' '?$ ]] || failed "the frame beside '$1' is not whole: $(screen)"
+}
+tmux_does resize-window -x 60 -y 24
+long='Q06 - Commands/Users (success/denied) over Time by parent policy'
+asks 'Q06 -' list -pre -outfile answer -items "A01 - Prune,$long" -pro 'Select'
+frame_is_whole 'over Time by ...'
+ends 0 Down Enter
+expect_file answer "$long"
+asks 'Q06 -' list -pre -outfile answer -choices -items "A01 - Prune,$long" -pro 'Select'
+frame_is_whole 'over Time...'
+ends 1 Escape
+mkdir -p "$stage/a directory with a name/that takes/quite a few more columns/than there are"
+asks 'than there are' file -pre -outfile answer -pro p \
+    -directory "$stage/a directory with a name/that takes/quite a few more columns/than there are"
+frame_is_whole '(type a name)'
+ends 1 Escape
 
 case_is "a small terminal"
 tmux_does resize-window -x 60 -y 12
