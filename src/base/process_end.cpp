@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdlib>
 
+#include "base/standard_streams.h"
 #include "base/temporary_files.h"
 
 std::string TMSG;
@@ -49,5 +50,5 @@ void clean_exit(int status) {
     remove_temporary_files();
     TMSG.clear();
     GATEWARDEN_RESULT_STRING.clear();
-    std::exit(status);
+    std::exit(status_with_output_written(status));
 }

@@ -32,6 +32,6 @@ void close_descriptor(int* descriptor);
 /// ignored.
 void unlink_remove(const std::string& path);
 
-/// Closes what is open, removes the temporary files that are left, flushes standard output and
-/// ends the process with `status`.
+/// Closes what is open, removes the temporary files that are left and ends the process with
+/// `status`, or with 99 when standard output could not be written.
 [[noreturn]] void clean_exit(int status);

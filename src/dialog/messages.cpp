@@ -1,11 +1,11 @@
 #include "dialog/messages.h"
 
-#include <cstdio>
 #include <string_view>
 
 #include "base/child.h"
 #include "base/filled.h"
 #include "base/process_end.h"
+#include "base/standard_streams.h"
 #include "dialog/clearprompt.h"
 #include "messages/dialog_texts.h"
 #include "messages/identity.h"
@@ -98,8 +98,10 @@ int ask(const std::string& message, const char* def, const char* mask) {
 void print_stdout(const std::string& text) {
     if (JUST_CHECKING == 1) return;
     const std::string_view rest = c_text(text);
+    std::string printed;
     for (std::size_t i = 0; i < rest.size(); ++i) {
-        std::putchar(rest[i]);
+        printed += rest[i];
         if (rest.substr(i, 2) == "%%") ++i;
     }
+    write_output(printed);
 }

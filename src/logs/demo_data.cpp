@@ -10,6 +10,7 @@
 
 #include "base/filled.h"
 #include "base/process_end.h"
+#include "base/standard_streams.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
@@ -72,7 +73,7 @@ std::string drawn_record() {
 }
 
 void show_progress(int records) {
-    std::printf(DEMO_PROGRESS, records);
+    write_output(filled(DEMO_PROGRESS, records));
 }
 
 }  // namespace

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -15,6 +14,7 @@
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "base/replace_file.h"
+#include "base/standard_streams.h"
 #include "dialog/messages.h"
 #include "logs/kept_records.h"
 #include "logs/log_files.h"
@@ -94,7 +94,7 @@ void tell_result(const KeptRecords& records, int days, bool display) {
     if (display) {
         advise(TMSG);
     } else {
-        std::fputs(TMSG.c_str(), stdout);
+        write_output(c_text(TMSG));
     }
 }
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "base/signals.h"
+#include "base/standard_streams.h"
 #include "base/startup.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
@@ -16,6 +17,7 @@
 #include "policy/region.h"
 
 int main(int argument_count, char** argument_vector) {
+    open_missing_standard_streams();
     const std::vector<std::string> words(argument_vector, argument_vector + argument_count);
     const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
 
@@ -32,5 +34,5 @@ int main(int argument_count, char** argument_vector) {
     interrogate_the_enterprise();
     read_edition();
     if (options.data_gen_selected) data_gen();
-    return run_requests(options);
+    return status_with_output_written(run_requests(options));
 }

@@ -2,6 +2,10 @@
 
 // Texts of process start-up and of the file utilities.
 
+/// Reason. For standard error.
+inline constexpr char CANNOT_OPEN_NULL_DEVICE[] = "the null device cannot be opened: %s";
+inline constexpr char OUTPUT_NOT_WRITTEN[] = "standard output could not be written: %s";
+
 inline constexpr char NO_USER[] = "ERROR:  Unable to determine user.";
 
 /// Program, "TMP" or "TEMP", directory.

@@ -3,12 +3,12 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <cstdio>
 #include <cstdlib>
 #include <optional>
 
 #include "base/child.h"
 #include "base/filled.h"
+#include "base/standard_streams.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
@@ -55,7 +55,7 @@ void run_browser(const std::string& path) {
 
 void display_page(const std::string& path, const std::string& name, bool display) {
     if (!display) {
-        std::fputs(filled(PAGE_STORED, path.c_str(), ENTERPRIZE_NAME.c_str()).c_str(), stdout);
+        write_output(filled(PAGE_STORED, path.c_str(), ENTERPRIZE_NAME.c_str()));
         return;
     }
     const auto source = choose_browser();

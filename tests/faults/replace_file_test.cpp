@@ -1,7 +1,6 @@
 #include "base/replace_file.h"
 
 #include <gtest/gtest.h>
-#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -15,6 +14,7 @@
 #include "base/temporary_files.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
+#include "faults/small_disk.h"
 
 namespace {
 
@@ -313,32 +313,6 @@ TEST_F(ReplaceFile, DirectoryFifoAndDanglingLinkAreRefusedAndStay) {
     }
     EXPECT_EQ(bytes_of(file), OLD);
     expect_nothing_left({"fifo", "file", "folder", "link"});
-}
-
-/// A file system of `bytes` bytes, mounted on a directory.
-class SmallDisk {
-  public:
-    SmallDisk(const std::string& where, int bytes) : where_(where) {
-        const std::string size = "size=" + std::to_string(bytes);
-        mounted_ = mount("tmpfs", where.c_str(), "tmpfs", 0, size.c_str()) == 0;
-    }
-    ~SmallDisk() {
-        if (mounted_) umount2(where_.c_str(), MNT_DETACH);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-    bool is_mounted() const { return mounted_; }
-
-  private:
-    std::string where_;
-    bool mounted_;
-};
-
-/// Fills a small disk until nothing goes on it any more.
-void fill_up(const std::string& path) {
-    std::ofstream stream(path, std::ios::binary);
-    while (stream.put('x').flush()) {
-    }
 }
 
 void expect_says_unchanged(const Ended& ended, const std::string& path, int error) {

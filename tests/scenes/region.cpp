@@ -314,6 +314,12 @@ Result Region::run_program(const std::string& program, const std::string& name, 
     return result;
 }
 
+Result Region::run_after(const std::string& preparation, const Args& args) {
+    Args shell = {"-c", preparation + "\nexec \"$0\" \"$@\"", GATESCOPE_PROGRAM};
+    shell.insert(shell.end(), args.begin(), args.end());
+    return run_program("/bin/sh", "sh", shell);
+}
+
 void Region::enter() const {
     adopt_descendants();
     for (const auto& [name, value] : env_) setenv(name.c_str(), value.c_str(), 1);

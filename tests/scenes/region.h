@@ -129,6 +129,9 @@ class Region {
     /// Runs another program in its place, with this argv[0].
     Result run_program(const std::string& program, const std::string& name, const Args& args);
 
+    /// Runs gatescope from a shell that has obeyed `preparation` before, say "exec 1>&-".
+    Result run_after(const std::string& preparation, const Args& args = {});
+
     /// Puts this process itself on the stage: from now on what it starts are the stand-ins, in the
     /// stage's environment. For tests of single functions.
     void enter() const;

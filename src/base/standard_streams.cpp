@@ -1,0 +1,71 @@
+#include "base/standard_streams.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "base/filled.h"
+#include "messages/identity.h"
+#include "messages/startup_texts.h"
+
+namespace {
+
+constexpr int STATUS_OF_AN_ERROR = 99;
+
+/// Why standard output did not take something; 0 as long as it took everything. One a process, as
+/// the stream is.
+int output_failure = 0;
+
+/// Waits until a stream that its other users have made non-blocking takes more.
+void wait_until_writable(int descriptor) {
+    pollfd wanted = {descriptor, POLLOUT, 0};
+    poll(&wanted, 1, -1);
+}
+
+/// 0 or an errno.
+int write_whole(int descriptor, std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = write(descriptor, text.data(), text.size());
+        if (written > 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (written < 0 && errno == EAGAIN) {
+            wait_until_writable(descriptor);
+        } else if (written == 0 || errno != EINTR) {
+            return written == 0 ? EIO : errno;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+void open_missing_standard_streams() {
+    for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
+        if (fcntl(number, F_GETFD) != -1) continue;
+        // The lowest free number is this one. Children are to find the stream open too.
+        if (open("/dev/null", O_RDWR) == number) continue;
+        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(errno)));
+        _exit(STATUS_OF_AN_ERROR);
+    }
+}
+
+void write_output(std::string_view text) {
+    const int error = write_whole(STDOUT_FILENO, text);
+    if (output_failure == 0) output_failure = error;
+}
+
+int status_with_output_written(int status) {
+    // Tests print through the buffered stream as well.
+    if (std::fflush(stdout) != 0 && output_failure == 0) output_failure = errno;
+    if (output_failure == 0) return status;
+    note(filled(OUTPUT_NOT_WRITTEN, std::strerror(output_failure)));
+    return STATUS_OF_AN_ERROR;
+}
+
+void note(const std::string& text) {
+    write_whole(STDERR_FILENO, filled("%s: %s\n", SELF, text.c_str()));
+}
