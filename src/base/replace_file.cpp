@@ -39,6 +39,11 @@ std::string target_of(const std::string& path) {
     gripe_about(path, std::strerror(error), filled(FILE_IS_UNCHANGED, path.c_str()));
 }
 
+[[noreturn]] void gripe_about_refusal(const std::string& safe_copy, const std::string& path,
+                                      int error) {
+    gripe(filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error));
+}
+
 /// Writes and syncs; 0 or an errno.
 int write_and_sync(int descriptor, std::string_view text) {
     const int error = write_all(descriptor, text);
@@ -157,16 +162,16 @@ void rewrite_in_place(int file, const std::string& path, std::string_view text,
 
 void replace_file(const std::string& path, std::string_view text, const std::string& safe_copy) {
     const std::string target = target_of(path);
-    // A file that its owner made read-only stays as it is, even where a rename would be allowed.
+    // A file that was made read-only stays as it is, even where a rename would be allowed.
     const int old_file = open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (old_file == -1) {
-        gripe(filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), errno));
-    }
+    if (old_file == -1) gripe_about_refusal(safe_copy, path, errno);
     struct stat status;
     if (fstat(old_file, &status) != 0) gripe_unchanged(target, errno);
     if (!S_ISREG(status.st_mode)) {
         gripe_about(target, NOT_A_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
     }
+    // The system lets root write it all the same.
+    if ((status.st_mode & 0222) == 0) gripe_about_refusal(safe_copy, path, EACCES);
     if (replace_by_rename(old_file, target, text) != REPLACED) {
         rewrite_in_place(old_file, target, text, safe_copy);
     }

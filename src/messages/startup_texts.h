@@ -37,4 +37,7 @@ inline constexpr char FILE_IS_UNCHANGED[] = "(%s) is unchanged.";
 inline constexpr char FILE_IS_DAMAGED[] = "(%s) may be damaged.  Its complete new text is in (%s).";
 inline constexpr char FILE_IS_NEW[] =
     "(%s) holds its complete new text, but may not have reached the disk yet.";
+/// Why COULD_NOT_REPLACE: seconds.
+inline constexpr char LOCKED_BY_ANOTHER[] =
+    "another process has held its lock for more than %d seconds";
 inline constexpr char NOT_A_REGULAR_FILE[] = "it is not a regular file";

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -20,10 +21,6 @@ std::uint8_t number_of_aliases = 0;
 
 namespace {
 
-/// Alias lines of the file that the tables stand for. Lines behind a faulty one are not among
-/// them, so a rewrite leaves those where they are instead of losing them.
-std::size_t alias_lines_read = 0;
-
 bool is_alias_line(std::string_view line) {
     return without_leading_blanks(line).starts_with(ALIAS_LOCATER);
 }
@@ -40,25 +37,55 @@ Definition definition_in(std::string_view line) {
     return {words.substr(0, blank), words.substr(blank + 1)};
 }
 
-bool is_read_already(const std::string& name, int count) {
-    const auto end = ALIAS_NAME.begin() + count;
-    return std::find(ALIAS_NAME.begin(), end, name) != end;
+/// The aliases of a file up to the first alias line with a fault.
+struct AliasesRead {
+    std::vector<Definition> definitions;
+    /// Alias lines that they stand for. Lines behind a faulty one are not among them, so a rewrite
+    /// leaves those where they are instead of losing them.
+    std::size_t lines = 0;
+    /// What to tell the operator of the faulty line; empty when there is none.
+    std::string fault;
+};
+
+std::optional<std::string> value_of(const std::string& name,
+                                    const std::vector<Definition>& definitions) {
+    for (const Definition& alias : definitions) {
+        if (alias.name == name) return alias.value;
+    }
+    return std::nullopt;
 }
 
-/// What is wrong with the definition when `count` others were read before it; empty when nothing.
-std::string fault_of(const Definition& alias, int count, const char* line) {
-    if (count >= MAX_ALIASES) return filled(TOO_MANY_ALIASES, MAX_ALIASES, line);
+/// What is wrong with the definition that comes behind `others`; empty when nothing.
+std::string fault_of(const Definition& alias, const std::vector<Definition>& others,
+                     const char* line) {
+    if (others.size() >= MAX_ALIASES) return filled(TOO_MANY_ALIASES, MAX_ALIASES, line);
     if (alias.name.size() > MAX_ALIAS_NAME) {
         return filled(ALIAS_NAME_TOO_LONG, MAX_ALIAS_NAME, line);
     }
     if (!healthy(alias.name.c_str(), VALID_ALIAS_NAME_CHAR)) {
         return filled(ALIAS_NAME_INVALID, line);
     }
-    if (is_read_already(alias.name, count)) return filled(ALIAS_NAME_DUPLICATE, line);
+    if (value_of(alias.name, others)) return filled(ALIAS_NAME_DUPLICATE, line);
     if (alias.value.size() > MAX_ALIAS_VALUE) {
         return filled(ALIAS_VALUE_TOO_LONG, MAX_ALIAS_VALUE, line);
     }
     return "";
+}
+
+AliasesRead aliases_in(const std::vector<std::string>& lines) {
+    AliasesRead read;
+    for (const std::string& line : lines) {
+        if (!is_alias_line(line)) continue;
+        const std::string text(without_leading_blanks(line));
+        const Definition alias = definition_in(text);
+        if (!alias.name.empty()) {
+            read.fault = fault_of(alias, read.definitions, text.c_str());
+            if (!read.fault.empty()) return read;
+            read.definitions.push_back(alias);
+        }
+        ++read.lines;
+    }
+    return read;
 }
 
 /// What a mode does with the references to its alias.
@@ -92,14 +119,23 @@ std::string alias_line(const std::string& name, const std::string& value) {
     return filled(ALIAS_LINE, ALIAS_LOCATER, name.c_str(), value.c_str());
 }
 
+/// What the tables, and so the operator, know of the alias.
+std::optional<std::string> value_shown(const std::string& name) {
+    const auto end = ALIAS_NAME.begin() + number_of_aliases;
+    const auto found = std::find(ALIAS_NAME.begin(), end, name);
+    if (name.empty() || found == end) return std::nullopt;
+    return ALIAS[static_cast<std::size_t>(found - ALIAS_NAME.begin())];
+}
+
 /// The alias lines of the new file.
-std::vector<std::string> alias_lines_after(const Change& change) {
+std::vector<std::string> alias_lines_after(const Change& change,
+                                           const std::vector<Definition>& definitions) {
     std::vector<std::string> lines;
-    for (std::size_t i = 0; i < number_of_aliases; ++i) {
-        const bool named = ALIAS_NAME[i] == change.name;
-        if (ALIAS_NAME[i].empty() || (change.mode == REMOVE_ALIAS && named)) continue;
+    for (const Definition& alias : definitions) {
+        const bool named = alias.name == change.name;
+        if (change.mode == REMOVE_ALIAS && named) continue;
         const bool changed = change.mode == CHANGE_ALIAS && named;
-        lines.push_back(alias_line(ALIAS_NAME[i], changed ? change.value : ALIAS[i]));
+        lines.push_back(alias_line(alias.name, changed ? change.value : alias.value));
     }
     if (change.mode == ADD_ALIAS) lines.push_back(alias_line(change.name, change.value));
     return lines;
@@ -133,19 +169,21 @@ int cut_references(const std::string& reference, std::string* line) {
     return count;
 }
 
-/// The lines behind the alias lines of the new file; `*count` is the number of references found.
-std::vector<std::string> other_lines_after(const Change& change, int* count) {
-    std::vector<std::string> lines;
-    std::size_t alias_lines = 0;
-    for (const std::string& line : read_gatebits_lines()) {
-        if (is_alias_line(line) && ++alias_lines <= alias_lines_read) continue;
+/// Appends the lines of the file but the first `alias_lines` alias lines; the number of references
+/// found in them.
+int append_other_lines(const Change& change, const std::vector<std::string>& file,
+                       std::size_t alias_lines, std::vector<std::string>* lines) {
+    int count = 0;
+    std::size_t passed = 0;
+    for (const std::string& line : file) {
+        if (is_alias_line(line) && ++passed <= alias_lines) continue;
         std::string kept = line;
         if (is_significant(line) && change.references != References::LEFT_ALONE) {
-            *count += cut_references(reference_of(change), &kept);
+            count += cut_references(reference_of(change), &kept);
         }
-        lines.push_back(change.references == References::REMOVED ? kept : line);
+        lines->push_back(change.references == References::REMOVED ? kept : line);
     }
-    return lines;
+    return count;
 }
 
 std::string reference_sentence(const ReferenceTexts& texts, int count,
@@ -181,37 +219,34 @@ std::string report_of(const Change& change, int count) {
 }  // namespace
 
 int build_alias_list() {
+    const AliasesRead read = aliases_in(read_gatebits_lines());
     ALIAS_NAME.fill("");
     ALIAS.fill("");
-    alias_lines_read = 0;
-    int count = 0;
-    for (const std::string& line : read_gatebits_lines()) {
-        if (!is_alias_line(line)) continue;
-        const std::string text(without_leading_blanks(line));
-        const Definition alias = definition_in(text);
-        if (!alias.name.empty()) {
-            const std::string fault = fault_of(alias, count, text.c_str());
-            if (!fault.empty()) {
-                advise(fault);
-                break;
-            }
-            ALIAS_NAME[static_cast<std::size_t>(count)] = alias.name;
-            ALIAS[static_cast<std::size_t>(count)] = alias.value;
-            number_of_aliases = static_cast<std::uint8_t>(++count);
-        }
-        ++alias_lines_read;
+    for (std::size_t i = 0; i < read.definitions.size(); ++i) {
+        ALIAS_NAME[i] = read.definitions[i].name;
+        ALIAS[i] = read.definitions[i].value;
+        number_of_aliases = static_cast<std::uint8_t>(i + 1);
     }
+    if (!read.fault.empty()) advise(read.fault);
     return number_of_aliases;
 }
 
-int add_change_remove_an_alias(char mode, const std::string& name, const std::string& value) {
+ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
+                                        const std::string& value) {
     const Change change = change_for(mode, name, value);
     int count = 0;
-    std::vector<std::string> lines = alias_lines_after(change);
-    const std::vector<std::string> others = other_lines_after(change, &count);
-    lines.insert(lines.end(), others.begin(), others.end());
-    write_gatebits_lines(lines);
+    ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
+    change_gatebits_lines([&](std::vector<std::string>* lines) {
+        const AliasesRead now = aliases_in(*lines);
+        if (value_of(name, now.definitions) != value_shown(name)) return false;
+        std::vector<std::string> changed = alias_lines_after(change, now.definitions);
+        count = append_other_lines(change, *lines, now.lines, &changed);
+        *lines = changed;
+        result = ChangeResult::WRITTEN;
+        return true;
+    });
+    if (result != ChangeResult::WRITTEN) return result;
     TMSG = report_of(change, count);
     if (!TMSG.empty()) advise_wait(TMSG);
-    return 0;
+    return result;
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "policy/gatebits_file.h"
+
 // Aliases: named pieces of text, each defined by one line of the gatebits file and referred to
 // from lists and command keys by "~" and its name.
 
@@ -35,10 +37,12 @@ inline constexpr char REFERENCES_TOO[] = "~";
 inline constexpr char DEFINITION_ONLY[] = " ";
 
 /// Rewrites the gatebits file with all alias lines at its top, changed as `mode` says, and tells
-/// the operator what became of the references. The tables must be fresh (build_alias_list).
+/// the operator what became of the references. The tables must be what the operator was shown: when
+/// the file has since got another definition of `name`, nothing is written or told.
 ///   ADD_ALIAS                the alias `name` with `value` comes last
 ///   CHANGE_ALIAS             the alias gets `value`; references are counted
 ///   REMOVE_ALIAS             the alias goes; references are removed or counted, as `value` says
 ///   REMOVE_ALIAS_REFERENCES  definitions stay, references go; `name` begins with its "~"
-/// Any other mode gripes. Always 0.
-int add_change_remove_an_alias(char mode, const std::string& name, const std::string& value);
+/// Any other mode gripes.
+ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
+                                        const std::string& value);

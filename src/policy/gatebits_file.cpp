@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "base/answer_file.h"
+#include "base/file_lock.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
 #include "base/startup.h"
@@ -18,6 +19,20 @@
 std::string ENTERPRIZE_PERMISSION_FILE;
 
 namespace {
+
+/// Longer than a change takes even on a slow disk; whoever keeps the lock longer is not at work.
+constexpr std::chrono::seconds LOCK_PATIENCE(10);
+
+/// The lock under which the file is changed; where there is none to be had we do without. Gripes
+/// when somebody else does not let go of it.
+FileLock lock_gatebits_file() {
+    const std::string& path = ENTERPRIZE_PERMISSION_FILE;
+    FileLock lock = lock_file(path, LOCK_PATIENCE);
+    if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
+    const int seconds = static_cast<int>(LOCK_PATIENCE.count());
+    gripe(filled(COULD_NOT_REPLACE, path.c_str(), filled(LOCKED_BY_ANOTHER, seconds).c_str(),
+                 filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
+}
 
 std::vector<std::string> lines_of(std::string_view text) {
     std::vector<std::string> lines;
@@ -59,6 +74,13 @@ void write_scratch_file(std::string_view text) {
                  filled(FILE_IS_UNCHANGED, ENTERPRIZE_PERMISSION_FILE.c_str()).c_str()));
 }
 
+/// Puts the lines in the file's place.
+void write_gatebits_lines(const std::vector<std::string>& lines) {
+    const std::string text = text_fit_to_be_read_back(lines);
+    write_scratch_file(text);
+    replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name);
+}
+
 /// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended
 /// by a blank, and the ';' alone would leave it open for the policy engine.
 bool ends_in_a_reference(const std::string& line) {
@@ -85,13 +107,21 @@ void replace_line(int n, const std::string& replacement, std::vector<std::string
     }
 }
 
-/// Rebuilds the line of the change; whether there is anything to write.
-bool change_field(const FieldChange& change, std::vector<std::string>* lines) {
-    const std::string* line = line_numbered(change.line, *lines);
-    if (line == nullptr) return false;
-    const std::vector<std::string> fields = terminated_fields(*line);
-    // A field one past the last passes: the line is then written back as it stands.
-    if (fields.empty() || static_cast<std::size_t>(change.field) > fields.size() + 1) return false;
+/// The value of field f of significant line n; empty when there is none.
+std::string field_in(const std::vector<std::string>& lines, int n, int f) {
+    const std::string* line = line_numbered(n, lines);
+    const auto fields = line == nullptr ? std::vector<std::string>() : terminated_fields(*line);
+    return f < 1 || static_cast<std::size_t>(f) > fields.size()
+               ? ""
+               : fields[static_cast<std::size_t>(f) - 1];
+}
+
+bool holds_what_was_shown(const FieldChange& change, const std::vector<std::string>& lines) {
+    return !change.shown || *change.shown == field_in(lines, change.line, change.field);
+}
+
+/// The line of the change with its new value.
+std::string rebuilt_line(const std::vector<std::string>& fields, const FieldChange& change) {
     std::string rebuilt;
     int number = 1;
     for (const std::string& field : fields) {
@@ -99,8 +129,20 @@ bool change_field(const FieldChange& change, std::vector<std::string>* lines) {
         if (ends_in_a_reference(rebuilt)) rebuilt += ' ';
         rebuilt += ';';
     }
-    replace_line(change.line, rebuilt, lines);
-    return true;
+    return rebuilt;
+}
+
+/// Rebuilds the line of the change. `*any` becomes true when there is anything to write.
+ChangeResult change_field(const FieldChange& change, std::vector<std::string>* lines, bool* any) {
+    const std::string* line = line_numbered(change.line, *lines);
+    if (line == nullptr) return ChangeResult::NO_SUCH_LINE;
+    const std::vector<std::string> fields = terminated_fields(*line);
+    const auto field = static_cast<std::size_t>(change.field);
+    // A field one past the last passes: the line is then written back as it stands.
+    if (fields.empty() || field > fields.size() + 1) return ChangeResult::NO_SUCH_FIELD;
+    replace_line(change.line, rebuilt_line(fields, change), lines);
+    *any = true;
+    return field > fields.size() ? ChangeResult::NO_SUCH_FIELD : ChangeResult::WRITTEN;
 }
 
 }  // namespace
@@ -133,10 +175,10 @@ std::vector<std::string> read_gatebits_lines() {
     return lines;
 }
 
-void write_gatebits_lines(const std::vector<std::string>& lines) {
-    const std::string text = text_fit_to_be_read_back(lines);
-    write_scratch_file(text);
-    replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name);
+void change_gatebits_lines(const std::function<bool(std::vector<std::string>* lines)>& change) {
+    const FileLock lock = lock_gatebits_file();
+    std::vector<std::string> lines = read_gatebits_lines();
+    if (change(&lines)) write_gatebits_lines(lines);
 }
 
 std::string_view without_leading_blanks(std::string_view line) {
@@ -163,15 +205,23 @@ int get_a_line(int n, std::string* line) {
     return 1;
 }
 
-int set_a_line(int n, const std::string& text) {
-    std::vector<std::string> lines = read_gatebits_lines();
-    if (n == 0) {
-        lines.push_back(text);
-    } else {
-        replace_line(n, text == DELETION_TOKEN ? "" : text, &lines);
-    }
-    write_gatebits_lines(lines);
-    return 0;
+ChangeResult set_a_line(int n, const std::string& text, const std::optional<std::string>& shown) {
+    ChangeResult result = ChangeResult::WRITTEN;
+    change_gatebits_lines([&](std::vector<std::string>* lines) {
+        if (n == 0) {
+            lines->push_back(text);
+            return true;
+        }
+        const std::string* line = line_numbered(n, *lines);
+        if (line == nullptr) result = ChangeResult::NO_SUCH_LINE;
+        if (shown && (line == nullptr || *line != *shown)) {
+            result = ChangeResult::CHANGED_MEANWHILE;
+            return false;
+        }
+        replace_line(n, text == DELETION_TOKEN ? "" : text, lines);
+        return true;
+    });
+    return result;
 }
 
 int get_a_field(int n, int f, std::string* value) {
@@ -189,14 +239,23 @@ std::string field_or_empty(int n, int f) {
     return value;
 }
 
-int set_a_field(int n, int f, const std::string& value) {
-    return set_fields({{n, f, value}});
+ChangeResult set_fields(const std::vector<FieldChange>& changes) {
+    ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
+    change_gatebits_lines([&](std::vector<std::string>* lines) {
+        for (const FieldChange& change : changes) {
+            if (!holds_what_was_shown(change, *lines)) return false;
+        }
+        bool any = false;
+        for (const FieldChange& change : changes) {
+            const ChangeResult one = change_field(change, lines, &any);
+            if (&change == &changes.front()) result = one;
+        }
+        return any && result != ChangeResult::NO_SUCH_LINE;
+    });
+    return result;
 }
 
-int set_fields(const std::vector<FieldChange>& changes) {
-    std::vector<std::string> lines = read_gatebits_lines();
-    bool any = false;
-    for (const FieldChange& change : changes) any = change_field(change, &lines) || any;
-    if (any) write_gatebits_lines(lines);
-    return 0;
+ChangeResult set_a_field(int n, int f, const std::string& value,
+                         const std::optional<std::string>& shown) {
+    return set_fields({{n, f, value, shown}});
 }

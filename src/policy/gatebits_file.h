@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 // The gatebits file as lines and fields. Nothing is cached: every call reads the file anew, and
-// every change replaces it whole.
+// every change reads it, changes it and replaces it whole in one step that no other gatescope can
+// come between.
 
 /// Path of the gatebits file in use. Set by the command line and by the actions that switch,
 /// create and copy gatebits files; read by everybody who touches the file.
@@ -39,11 +42,21 @@ std::string read_gatebits_bytes();
 /// the file cannot be read, holds more than GATEBITS_FILE_LIMIT bytes or holds no line.
 std::vector<std::string> read_gatebits_lines();
 
-/// Replaces the gatebits file by `lines`, each followed by a newline. An empty one leaves a blank
-/// line, which readers do not see and the next rewrite drops. The one way in which this program
-/// changes a gatebits file. Gripes, with the file as it was, when the new text is not fit to be
-/// read back or cannot be written.
-void write_gatebits_lines(const std::vector<std::string>& lines);
+/// Reads the lines of the gatebits file, has them changed, and replaces the file by them, each
+/// followed by a newline, when `change` says so. An empty line is left as a blank one, which
+/// readers do not see and the next rewrite drops. All of it happens under the file's lock, where
+/// its file system has locks. The one way in which this program changes a gatebits file. Gripes,
+/// with the file as it was, when somebody else keeps the lock, or when the new text is not fit to
+/// be read back or cannot be written.
+void change_gatebits_lines(const std::function<bool(std::vector<std::string>* lines)>& change);
+
+/// What became of a change.
+enum class ChangeResult {
+    WRITTEN,
+    CHANGED_MEANWHILE,  ///< nothing written: what the operator was shown no longer stands there
+    NO_SUCH_LINE,       ///< nothing written: the file has too few significant lines
+    NO_SUCH_FIELD       ///< the value was not written: its line has too few fields
+};
 
 /// A line without its leading blanks and tabs.
 std::string_view without_leading_blanks(std::string_view line);
@@ -67,9 +80,11 @@ class LineCounter {
 int get_a_line(int n, std::string* line);
 
 /// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN: a blank line
-/// stands there until the next rewrite), or appends `text` as the last line (n = 0). The file is
-/// rewritten even when there is no line n. Always 0.
-int set_a_line(int n, const std::string& text);
+/// stands there until the next rewrite), or appends `text` as the last line (n = 0). With `shown`,
+/// only when that is what line n holds. Without it the file is rewritten even when there is no
+/// line n.
+ChangeResult set_a_line(int n, const std::string& text,
+                        const std::optional<std::string>& shown = std::nullopt);
 
 /// Copies field f (from 1) of significant line n to `*value` and returns 1; returns 0 and leaves
 /// `*value` alone when the line or the field does not exist. Only text that a ';' ends is a field.
@@ -78,14 +93,21 @@ int get_a_field(int n, int f, std::string* value);
 /// The field's value, or an empty text when the line or the field does not exist.
 std::string field_or_empty(int n, int f);
 
-/// Rebuilds line n with `value` as field f, every field ended by ';'. Text behind the last ';'
-/// goes. A field one past the last is accepted, but its value is not written. Always 0.
-int set_a_field(int n, int f, const std::string& value);
-
-/// What set_a_field does, for several fields one after the other in one write.
+/// A field's new value and, where it matters, the value that the operator was shown: empty for a
+/// line or a field that did not exist.
 struct FieldChange {
     int line;
     int field;
     std::string value;
+    std::optional<std::string> shown = {};
 };
-int set_fields(const std::vector<FieldChange>& changes);
+
+/// Rebuilds lines with new values as their fields, every field ended by ';', all in one write. Text
+/// behind the last ';' goes. A field one past the last is accepted, but its value is not written.
+/// Nothing is written when one of the fields no longer holds what was shown. The result is that of
+/// the first change; one of a further field that does not exist is passed over.
+ChangeResult set_fields(const std::vector<FieldChange>& changes);
+
+/// set_fields for one field.
+ChangeResult set_a_field(int n, int f, const std::string& value,
+                         const std::optional<std::string>& shown = std::nullopt);

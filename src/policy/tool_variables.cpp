@@ -2,9 +2,34 @@
 
 #include <vector>
 
-#include "policy/gatebits_file.h"
-
 std::array<std::string, GS_VAR_NAME.size()> GS_VAR;
+
+namespace {
+
+std::string value_in(std::string_view line) {
+    return std::string(line.substr(line.find('=') + 1));
+}
+
+/// The value that the lines set; of several the last one counts.
+std::optional<std::string> value_among(const std::vector<std::string>& lines, std::size_t index) {
+    std::optional<std::string> value;
+    for (const std::string& line : lines) {
+        if (tool_variable_of(line) == index) value = value_in(line);
+    }
+    return value;
+}
+
+/// The lines with the eight settings, as GS_VAR has them, in front.
+std::vector<std::string> with_settings_on_top(const std::vector<std::string>& lines) {
+    std::vector<std::string> all;
+    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) all.push_back(GS_VAR_NAME[i] + GS_VAR[i]);
+    for (const std::string& line : lines) {
+        if (!tool_variable_of(line)) all.push_back(line);
+    }
+    return all;
+}
+
+}  // namespace
 
 std::optional<std::size_t> tool_variable_of(std::string_view line) {
     const std::string_view text = without_leading_blanks(line);
@@ -15,7 +40,7 @@ std::optional<std::size_t> tool_variable_of(std::string_view line) {
 }
 
 void take_tool_variable(std::string_view line) {
-    if (const auto i = tool_variable_of(line)) GS_VAR[*i] = line.substr(line.find('=') + 1);
+    if (const auto i = tool_variable_of(line)) GS_VAR[*i] = value_in(line);
 }
 
 void build_var_list() {
@@ -23,14 +48,22 @@ void build_var_list() {
     for (const std::string& line : read_gatebits_lines()) take_tool_variable(line);
 }
 
-int change_a_var(int index, const std::string& value) {
-    GS_VAR.at(static_cast<std::size_t>(index)) = value;
-    std::vector<std::string> lines;
-    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i)
-        lines.push_back(GS_VAR_NAME[i] + GS_VAR[i]);
-    for (const std::string& line : read_gatebits_lines()) {
-        if (!tool_variable_of(line)) lines.push_back(line);
-    }
-    write_gatebits_lines(lines);
-    return 0;
+std::optional<std::string> stored_variable(std::size_t index) {
+    return value_among(read_gatebits_lines(), index);
+}
+
+ChangeResult change_a_var(int index, const std::string& value,
+                          const std::optional<std::string>& stored) {
+    const auto at = static_cast<std::size_t>(index);
+    ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
+    change_gatebits_lines([&](std::vector<std::string>* lines) {
+        if (stored && *stored != value_among(*lines, at).value_or("")) return false;
+        // What another process has set meanwhile must not be undone.
+        for (const std::string& line : *lines) take_tool_variable(line);
+        GS_VAR.at(at) = value;
+        *lines = with_settings_on_top(*lines);
+        result = ChangeResult::WRITTEN;
+        return true;
+    });
+    return result;
 }

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "messages/policy_texts.h"
+#include "policy/gatebits_file.h"
 
 // gatescope's own eight settings, kept as comment lines in the gatebits file.
 
@@ -35,6 +36,11 @@ void take_tool_variable(std::string_view line);
 /// Empties GS_VAR and fills it from the gatebits file, so that a setting without a line is empty.
 void build_var_list();
 
+/// The value that the gatebits file has for GS_VAR[index]; nothing when it has no such line.
+std::optional<std::string> stored_variable(std::size_t index);
+
 /// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
-/// of the table. GS_VAR must have been loaded. Always 0.
-int change_a_var(int index, const std::string& value);
+/// of the table: the others as the file has them, or as GS_VAR has those that it lacks. With
+/// `stored`, only when that is what the file has for the index (empty for no line).
+ChangeResult change_a_var(int index, const std::string& value,
+                          const std::optional<std::string>& stored = std::nullopt);

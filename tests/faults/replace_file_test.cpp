@@ -288,6 +288,16 @@ TEST_F(ReplaceFileOfNobody, ReadOnlyFileIsRefusedInTheDescribedWords) {
     expect_nothing_left();
 }
 
+TEST_F(ReplaceFile, ReadOnlyFileIsRefusedForRootToo) {
+    ASSERT_EQ(chmod(file.c_str(), 0444), 0);
+    const Ended ended = replaced();
+    EXPECT_EQ(ended.status, 99);
+    EXPECT_EQ(ended.said, "#1 Could not move (" + copy + ") to (" + file + ") with " +
+                              std::to_string(EACCES) + "\n");
+    EXPECT_EQ(bytes_of(file), OLD);
+    expect_nothing_left();
+}
+
 TEST_F(ReplaceFile, MissingFileIsRefusedInTheDescribedWords) {
     unlink(file.c_str());
     const Ended ended = replaced();

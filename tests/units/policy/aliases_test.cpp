@@ -39,7 +39,9 @@ class Aliases : public ScratchRegion {
     /// Builds the list, runs a change and returns what it said.
     static std::string said_by(char mode, const std::string& name, const std::string& value) {
         build_alias_list();
-        return printed_by([&] { EXPECT_EQ(add_change_remove_an_alias(mode, name, value), 0); });
+        return printed_by([&] {
+            EXPECT_EQ(add_change_remove_an_alias(mode, name, value), ChangeResult::WRITTEN);
+        });
     }
 };
 
@@ -244,6 +246,39 @@ TEST_F(Aliases, LinesBehindAFaultyOneAreNotLost) {
     printed_by([] { build_alias_list(); });
     EXPECT_EQ(printed_by([] { add_change_remove_an_alias('A', "new", "z"); }), "");
     EXPECT_EQ(gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
+}
+
+TEST_F(Aliases, WhatAnotherProcessHasDefinedMeanwhileStays) {
+    gatebits_are(alias_line("a", "1") + BLOCK);
+    built();
+    gatebits_are(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
+    printed_by([] { add_change_remove_an_alias(ADD_ALIAS, "ours", "3"); });
+    EXPECT_EQ(gatebits(),
+              alias_line("a", "1") + alias_line("theirs", "2") + alias_line("ours", "3") + BLOCK);
+}
+
+TEST_F(Aliases, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
+    const auto changed = [this](char mode, const std::string& meanwhile) {
+        gatebits_are(alias_line("a", "1") + BLOCK + "k;~a ;\n");
+        built();
+        gatebits_are(meanwhile + "\n" + BLOCK);
+        EXPECT_EQ(printed_by([&] {
+                      EXPECT_EQ(add_change_remove_an_alias(mode, "a", REFERENCES_TOO),
+                                ChangeResult::CHANGED_MEANWHILE);
+                  }),
+                  "");
+        EXPECT_EQ(gatebits(), meanwhile + "\n" + BLOCK);
+    };
+    changed(CHANGE_ALIAS, alias_line("a", "2"));
+    changed(CHANGE_ALIAS, "");
+    changed(REMOVE_ALIAS, alias_line("a", "2"));
+    changed(REMOVE_ALIAS, alias_line("b", "1"));
+    gatebits_are(BLOCK);
+    built();
+    gatebits_are(alias_line("new", "theirs") + BLOCK);
+    EXPECT_EQ(add_change_remove_an_alias(ADD_ALIAS, "new", "ours"),
+              ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(gatebits(), alias_line("new", "theirs") + BLOCK);
 }
 
 TEST_F(Aliases, AnUnknownModeIsAFaultAndWritesNothing) {

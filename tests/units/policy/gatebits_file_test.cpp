@@ -87,13 +87,13 @@ TEST_F(GatebitsFile, LongLinesAreReadAndWrittenWhole) {
 
 TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
     use_gatebits("# top\n first;\n\n#!gatewarden_alias a b\nsecond;\n\nthird");
-    EXPECT_EQ(set_a_line(2, "new;line;"), 0);
+    EXPECT_EQ(set_a_line(2, "new;line;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "# top\n first;\n#!gatewarden_alias a b\nnew;line;\nthird\n");
 }
 
 TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
     use_gatebits(BLOCK + "# keys\nkey 0;\nkey 1;\n");
-    EXPECT_EQ(set_a_line(FIRST_KEY_LINE, DELETION_TOKEN), 0);
+    EXPECT_EQ(set_a_line(FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), BLOCK + "# keys\n\nkey 1;\n");
     EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
@@ -122,13 +122,13 @@ TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
 
 TEST_F(GatebitsFile, LineZeroAppendsBehindEverything) {
     use_gatebits(BLOCK + "# the end\n");
-    EXPECT_EQ(set_a_line(0, "a key;"), 0);
+    EXPECT_EQ(set_a_line(0, "a key;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), BLOCK + "# the end\na key;\n");
 }
 
 TEST_F(GatebitsFile, ANumberBehindTheLastLineOnlyDropsBlankLines) {
     use_gatebits("one;\n\ntwo;\n\n# three\n");
-    EXPECT_EQ(set_a_line(5, "x;"), 0);
+    EXPECT_EQ(set_a_line(5, "x;"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
 }
 
@@ -152,7 +152,7 @@ TEST_F(GatebitsFile, LinesBehindThe127thAreNotReplaced) {
 
 TEST_F(GatebitsFile, SetAFieldChangesThatFieldOnly) {
     use_gatebits("#c\n;;O;\nkeep\n");
-    EXPECT_EQ(set_a_field(1, 2, "/a/path"), 0);
+    EXPECT_EQ(set_a_field(1, 2, "/a/path"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "#c\n;/a/path;O;\nkeep\n");
     set_a_field(1, 1, "C:\\depot");
     EXPECT_EQ(line(1), "C:\\depot;/a/path;O;");
@@ -168,20 +168,20 @@ TEST_F(GatebitsFile, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
 
 TEST_F(GatebitsFile, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(1, 4, "value"), 0);
+    EXPECT_EQ(set_a_field(1, 4, "value"), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;\n");
 }
 
 TEST_F(GatebitsFile, AFieldFurtherOutWritesNothing) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(1, 5, "value"), 0);
+    EXPECT_EQ(set_a_field(1, 5, "value"), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;trailing\n\n");
 }
 
 TEST_F(GatebitsFile, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
     use_gatebits("no field\n\n");
-    EXPECT_EQ(set_a_field(1, 1, "value"), 0);
-    EXPECT_EQ(set_a_field(2, 1, "value"), 0);
+    EXPECT_EQ(set_a_field(1, 1, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(2, 1, "value"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "no field\n\n");
 }
 
@@ -213,6 +213,43 @@ TEST_F(GatebitsFile, TheLineAsAWholeDecidesAboutTheBlank) {
     EXPECT_EQ(line(1), "~a ;b;d;");
 }
 
+TEST_F(GatebitsFile, SeveralFieldsChangeInOneWrite) {
+    use_gatebits("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
+    EXPECT_EQ(set_fields({{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
+              ChangeResult::WRITTEN);
+    EXPECT_EQ(region.gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
+}
+
+TEST_F(GatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
+    use_gatebits("h;\n\nd;u;O;\n");
+    EXPECT_EQ(set_fields({{9, 1, "x"}, {2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_fields({{2, 5, "x"}}), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(region.gatebits(), "h;\n\nd;u;O;\n");
+}
+
+TEST_F(GatebitsFile, ALineThatNoLongerHoldsWhatWasShownIsLeftAlone) {
+    const std::string text = "one;\n\ntwo;\n";
+    use_gatebits(text);
+    EXPECT_EQ(set_a_line(2, "new;", "one;"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_line(3, "new;", "two;"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(region.gatebits(), text);
+    EXPECT_EQ(set_a_line(2, DELETION_TOKEN, "two;"), ChangeResult::WRITTEN);
+    EXPECT_EQ(region.gatebits(), "one;\n\n");
+}
+
+TEST_F(GatebitsFile, AllFieldsHaveToHoldWhatWasShown) {
+    const std::string text = "h;\n\nd;u;O;\n";
+    use_gatebits(text);
+    EXPECT_EQ(set_fields({{2, 1, "x", "d"}, {2, 2, "y", "v"}}), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_field(2, 3, "S", ""), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(region.gatebits(), text);
+    EXPECT_EQ(set_fields({{2, 1, "x", "d"}, {2, 2, "y", "u"}}), ChangeResult::WRITTEN);
+    EXPECT_EQ(line(2), "x;y;O;");
+    // What does not exist was shown as empty.
+    EXPECT_EQ(set_a_field(9, 1, "x", ""), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(2, 4, "x", ""), ChangeResult::NO_SUCH_FIELD);
+}
+
 TEST_F(GatebitsFile, AValueEndsAtItsNul) {
     use_gatebits(";;O;\n");
     set_a_field(1, 2, std::string("a\0b", 3));
@@ -225,7 +262,7 @@ TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
     const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
     use_gatebits(largest);
     EXPECT_EQ(line(1), largest.substr(0, largest.size() - 1));
-    EXPECT_EQ(set_a_field(1, 1, "z"), 0);
+    EXPECT_EQ(set_a_field(1, 1, "z"), ChangeResult::WRITTEN);
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {

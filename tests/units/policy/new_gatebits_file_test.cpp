@@ -90,16 +90,4 @@ TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
                  "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21\n");
 }
 
-TEST_F(NewGatebitsFile, SeveralFieldsChangeInOneWrite) {
-    gatebits_are("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
-    EXPECT_EQ(set_fields({{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}), 0);
-    EXPECT_EQ(gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
-}
-
-TEST_F(NewGatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
-    gatebits_are("h;\n\nd;u;O;\n");
-    EXPECT_EQ(set_fields({{9, 1, "x"}, {2, 5, "y"}}), 0);
-    EXPECT_EQ(gatebits(), "h;\n\nd;u;O;\n");
-}
-
 }  // namespace

@@ -57,7 +57,7 @@ TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
         "#!gatescope_unix_gatewarden_check=/c\n"
         "last;\n");
     build_var_list();
-    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/b"), 0);
+    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), EIGHT_LINES +
                                      "# top\n"
                                      "gatewarden;;;east;\n"
@@ -74,6 +74,29 @@ TEST_F(ToolVariables, AChangeOfAFileThatHasNoneAddsThem) {
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
     change_a_var(UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
+}
+
+TEST_F(ToolVariables, WhatAnotherProcessHasSetMeanwhileStays) {
+    use_gatebits("gatewarden;;;east;\n");
+    build_var_list();
+    use_gatebits("#!gatescope_unix_gatewarden_check=/c\ngatewarden;;;east;\n");
+    change_a_var(UNIX_BROWSER, "/b");
+    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
+    EXPECT_EQ(GS_VAR[UNIX_CHECKER], "/c");
+}
+
+TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
+    const std::string text = "#!gatescope_unix_browser=/a\n\n#!gatescope_unix_browser=/b\nx;\n";
+    use_gatebits(text);
+    EXPECT_EQ(stored_variable(UNIX_BROWSER), "/b");
+    EXPECT_FALSE(stored_variable(WINDOWS_BROWSER).has_value());
+    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(change_a_var(WINDOWS_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(region.gatebits(), text);
+    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
+    EXPECT_EQ(change_a_var(WINDOWS_BROWSER, "/d", ""), ChangeResult::WRITTEN);
+    EXPECT_EQ(stored_variable(UNIX_BROWSER), "/c");
+    EXPECT_EQ(stored_variable(WINDOWS_BROWSER), "/d");
 }
 
 TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {

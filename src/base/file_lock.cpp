@@ -1,0 +1,46 @@
+#include "base/file_lock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+
+#include <thread>
+
+namespace {
+
+constexpr std::chrono::milliseconds PAUSE(10);
+
+/// Open for writing: some file systems across a network lock nothing else.
+Descriptor open_to_lock(const std::string& path) {
+    Descriptor file(open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    struct stat status;
+    if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
+    return file;
+}
+
+bool is_named_by(const std::string& path, const Descriptor& file) {
+    struct stat named;
+    struct stat locked;
+    return stat(path.c_str(), &named) == 0 && fstat(file.get(), &locked) == 0 &&
+           named.st_dev == locked.st_dev && named.st_ino == locked.st_ino;
+}
+
+/// 0, or the errno of a lock that was not got.
+int take_lock(const Descriptor& file) {
+    return flock(file.get(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+}
+
+}  // namespace
+
+FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) {
+    const auto end = std::chrono::steady_clock::now() + patience;
+    while (true) {
+        Descriptor file = open_to_lock(path);
+        if (!file) return {};
+        const int error = take_lock(file);
+        if (error != 0 && error != EWOULDBLOCK && error != EINTR) return {};
+        if (error == 0 && is_named_by(path, file)) return {LockState::HELD, std::move(file)};
+        if (std::chrono::steady_clock::now() >= end) return {LockState::KEPT_BY_ANOTHER, {}};
+        std::this_thread::sleep_for(PAUSE);
+    }
+}

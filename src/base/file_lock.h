@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <string>
+
+#include "base/descriptor.h"
+
+/// What became of the wait for a lock.
+enum class LockState {
+    HELD,
+    NOT_TO_BE_HAD,   ///< the file cannot be written, or its file system has no locks
+    KEPT_BY_ANOTHER  ///< somebody held it all the time
+};
+
+/// A lock of a file, held while this object lives. The system takes it back when the process
+/// ends, however it ends.
+struct FileLock {
+    LockState state = LockState::NOT_TO_BE_HAD;
+    Descriptor file = {};
+};
+
+/// Waits for the lock of the file that `path` names, for no longer than `patience`. Whoever
+/// changes a file by putting a new one in its place leaves those who wait with the lock of the old
+/// one; so it is looked whether the path still names the file that the lock was got for.
+FileLock lock_file(const std::string& path, std::chrono::milliseconds patience);

@@ -1,0 +1,33 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+
+#include "base/descriptor.h"
+#include "base/startup.h"
+#include "faults/in_child.h"
+#include "faults/scratch_directory.h"
+#include "policy/gatebits_file.h"
+
+namespace {
+
+// Somebody who has stopped in the middle of a change must not hang the others without a word.
+TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
+    const ScratchDirectory directory;
+    const std::string file = directory / "gatebits.txt";
+    put(file, "one;\n");
+    const Descriptor theirs(open(file.c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
+    const Ended ended = in_child([&] {
+        ENTERPRIZE_PERMISSION_FILE = file;
+        t_file_name = directory / "scratch";
+        set_a_line(1, "two;");
+    });
+    EXPECT_EQ(ended.status, 99);
+    EXPECT_EQ(ended.said, "ERROR: Could not write the file (" + file +
+                              "): another process has held its lock for more than 10 seconds.  (" +
+                              file + ") is unchanged.\n");
+    EXPECT_EQ(bytes_of(file), "one;\n");
+    EXPECT_EQ(directory.names(), std::set<std::string>{"gatebits.txt"});
+}
+
+}  // namespace

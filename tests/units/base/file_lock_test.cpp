@@ -1,0 +1,82 @@
+#include "base/file_lock.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class FileLocked : public testing::Test {
+  protected:
+    FileLocked() {
+        std::string pattern = testing::TempDir() + "file_lock_XXXXXX";
+        directory_ = mkdtemp(pattern.data());
+        put("file");
+    }
+    ~FileLocked() override { std::filesystem::remove_all(directory_); }
+
+    std::string path(const std::string& name) const { return directory_ + "/" + name; }
+    void put(const std::string& name) const { std::ofstream(path(name)) << "text\n"; }
+
+    /// Whether somebody else could lock the file now.
+    bool is_free(const std::string& name) const {
+        const Descriptor file(open(path(name).c_str(), O_RDONLY | O_CLOEXEC));
+        return flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+    }
+
+    std::string directory_;
+};
+
+TEST_F(FileLocked, IsHeldAsLongAsItsOwnerLives) {
+    {
+        const FileLock lock = lock_file(path("file"), 0ms);
+        EXPECT_EQ(lock.state, LockState::HELD);
+        EXPECT_FALSE(is_free("file"));
+    }
+    EXPECT_TRUE(is_free("file"));
+}
+
+TEST_F(FileLocked, OneThatSomebodyKeepsIsGivenUpWhenPatienceEnds) {
+    const FileLock theirs = lock_file(path("file"), 0ms);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+}
+
+TEST_F(FileLocked, TheLockIsTheFilesUnderEachOfItsNames) {
+    std::filesystem::create_symlink("file", path("link"));
+    std::filesystem::create_hard_link(path("file"), path("other"));
+    const FileLock lock = lock_file(path("link"), 0ms);
+    EXPECT_FALSE(is_free("file"));
+    EXPECT_EQ(lock_file(path("other"), 0ms).state, LockState::KEPT_BY_ANOTHER);
+}
+
+TEST_F(FileLocked, WhoWaitsWhileTheFileIsReplacedGetsTheNewOnesLock) {
+    FileLock theirs = lock_file(path("file"), 0ms);
+    std::thread replacer([&] {
+        std::this_thread::sleep_for(50ms);
+        put("new");
+        std::filesystem::rename(path("new"), path("file"));
+        theirs = {};
+    });
+    const FileLock ours = lock_file(path("file"), 1min);
+    replacer.join();
+    EXPECT_EQ(ours.state, LockState::HELD);
+    EXPECT_FALSE(is_free("file"));
+}
+
+TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
+    ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
+    for (const char* name : {"none", "fifo", ""}) {
+        EXPECT_EQ(lock_file(path(name), 1min).state, LockState::NOT_TO_BE_HAD) << name;
+    }
+}
+
+}  // namespace
