@@ -54,6 +54,5 @@ let_the_operator_try() {
     fi
     echo "The main menu for $2 (cancel it to end)"
     run_menus "$@" || status=$?
-    if [[ "$status" == 0 ]]; then echo "The region stays in $(dirname "$2")"; fi
     return "$status"
 }

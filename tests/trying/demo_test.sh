@@ -1,0 +1,73 @@
+#!/usr/bin/env bash
+# scripts/demo in a copy of what it needs of the repository: that it comes through, that it keeps what was changed, and that it fails when one of its steps does.
+
+source "$(dirname -- "$0")/lib.sh" || exit 99
+: "${GATESCOPE_PROGRAM:?names the program}"
+clone=$stage/clone
+mkdir "$clone"
+cp -r "$source_directory/scripts" "$source_directory/tools" "$clone"
+region=$clone/demo-region
+
+demo() { # arguments
+    (cd "$clone" && scripts/demo "$@") >out 2>&1 </dev/null
+    status=$?
+}
+expect_end() { # status
+    expect_equal status "$1" "$status"
+    [[ $status == "$1" ]] || tail -n 20 out
+}
+
+case_is "all of it"
+demo
+expect_end 0
+expect_equal "the pages" 6 "$(find "$region" -name '*_Q0?.html' | wc -l)"
+expect_holds "the output" 'scripts/demo --back' "$(<out)"
+
+case_is "the usage"
+demo --help
+expect_end 0
+expect_holds "the output" 'Usage: scripts/demo' "$(<out)"
+demo --surprise
+expect_end 2
+
+case_is "a region that was changed since stays until somebody says so"
+printf 'changed' >>"$region/gatebits.txt"
+demo
+expect_end 1
+expect_holds "the output" 'was changed since' "$(<out)"
+expect_holds "the output" 'scripts/demo --anew' "$(<out)"
+expect_holds "the policy file" changed "$(<"$region/gatebits.txt")"
+
+case_is "a region that somebody else made stays"
+mkdir mine
+demo "$stage/mine"
+expect_end 1
+demo --back "$stage/mine"
+expect_end 1
+
+case_is "a checker that finds faults fails the demo"
+cp "$clone/tools/demo_checker" good_checker
+printf '#!/bin/sh\necho "a fault"\nexit 1\n' >"$clone/tools/demo_checker"
+demo --anew
+expect_end 1
+expect_holds "the output" 'checker is not content' "$(<out)"
+cp good_checker "$clone/tools/demo_checker"
+
+case_is "a step that fails fails the demo"
+for step in Q=4 A=17 A=1; do
+    cat >program <<END
+#!/bin/sh
+case "\$2" in $step) exit 99 ;; esac
+exec '$GATESCOPE_PROGRAM' "\$@"
+END
+    chmod +x program
+    GATESCOPE_PROGRAM=$stage/program demo --anew
+    expect_end 1
+    expect_holds "the output" 'status 99' "$(<out)"
+done
+
+case_is "a region of a run that did not get to its end is made anew without a word"
+demo
+expect_end 0
+
+report
