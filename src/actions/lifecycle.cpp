@@ -69,8 +69,7 @@ Step use_existing_or_again() {
 /// The checker of the file in use goes into the new one, as long as it is there.
 std::string text_of_new_file() {
     const std::string& checker = GS_VAR[UNIX_CHECKER];
-    const bool there = !checker.empty() && this_file_exists(checker);
-    return filled(init_file, (there ? checker : EMERGENCY_CHECKER).c_str(),
+    return filled(init_file, (checker_exists(checker) ? checker : EMERGENCY_CHECKER).c_str(),
                   GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
 }
 
@@ -97,7 +96,7 @@ Step create_file(Run& run) {
     switch (create_gatebits_file(POSSIBLE_FILE, text_of_new_file())) {
         case NewFile::EXISTS:
             return use_existing_or_again();
-        case NewFile::NOT_PERMITTED:
+        case NewFile::NOT_CREATED:
             return again_if_wished(RETRY_LOCATION);
         case NewFile::CREATED:
             break;
@@ -132,7 +131,7 @@ Step copy_the_file() {
             return Step::GIVEN_UP;
         }
     }
-    if (created == NewFile::NOT_PERMITTED) return again_if_wished(RETRY_LOCATION);
+    if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
     use_file(POSSIBLE_FILE);
     const std::string verdict = verdict_on_new_file();
     if (verdict.empty()) return Step::GIVEN_UP;

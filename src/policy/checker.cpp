@@ -32,13 +32,6 @@ bool is_on_the_search_path(const std::string& program) {
     return false;
 }
 
-/// A bare name, which the shell looks for on the search path, exists when it is there.
-bool checker_exists(const std::string& checker) {
-    if (checker.empty()) return false;
-    if (this_file_exists(checker)) return true;
-    return checker.find('/') == std::string::npos && is_on_the_search_path(checker);
-}
-
 const char* option_word(char mode) {
     switch (mode) {
         case CHECK_ERRORS:
@@ -59,6 +52,12 @@ void set_emergency_checker(const std::string& program_path) {
     const auto cut = program_path.rfind(SELF[0]);
     EMERGENCY_CHECKER = (cut == std::string::npos ? "" : program_path.substr(0, cut));
     EMERGENCY_CHECKER += GATEWARDEN_LIT;
+}
+
+bool checker_exists(const std::string& checker) {
+    if (checker.empty()) return false;
+    if (this_file_exists(checker)) return true;
+    return checker.find('/') == std::string::npos && is_on_the_search_path(checker);
 }
 
 bool find_checker() {

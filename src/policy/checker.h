@@ -22,6 +22,10 @@ inline constexpr char CHECK_COUNT = 'C';
 /// the last 'g' in it, wherever that stands, and the checker's name.
 void set_emergency_checker(const std::string& program_path);
 
+/// Whether there is such a program: a bare name, which the shell looks for on the search path,
+/// exists when it is there.
+bool checker_exists(const std::string& checker);
+
 /// The gatebits file's checker, or the emergency one where that is empty or missing; the choice
 /// is stored in GS_VAR, in memory only. False when neither exists.
 bool find_checker();

@@ -13,12 +13,13 @@ std::string POSSIBLE_FILE;
 
 namespace {
 
-/// The option that makes the dialog start where the gatebits file in use is.
+/// The option that makes the dialog start where the gatebits file in use is; a blank when that is
+/// not known.
 std::string directory_option() {
     const std::string& file = ENTERPRIZE_PERMISSION_FILE;
-    if (file.empty()) return " ";
-    const std::string directory = file.substr(0, file.rfind('/') + 1);
-    return filled(DIRECTORY_OPTION, quoted(directory).c_str());
+    const auto slash = file.rfind('/');
+    if (slash == std::string::npos) return " ";
+    return filled(DIRECTORY_OPTION, quoted(file.substr(0, slash + 1)).c_str());
 }
 
 }  // namespace

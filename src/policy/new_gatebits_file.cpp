@@ -1,12 +1,14 @@
 #include "policy/new_gatebits_file.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "base/answer_file.h"
 #include "base/file_identity.h"
@@ -20,10 +22,46 @@
 
 namespace {
 
+/// No more links than the system itself would follow.
+constexpr int MOST_LINKS = 40;
+
+/// With its '/' at the end; empty for a name without one.
+std::string directory_of(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
+/// Somebody may have put a link into a directory that everybody may write, to have a file created
+/// in a place of their choice.
+bool may_be_planted(const std::string& path, const struct stat& link) {
+    struct stat directory;
+    if (stat((directory_of(path) + ".").c_str(), &directory) != 0) return true;
+    return (directory.st_mode & S_IWOTH) != 0 && link.st_uid != geteuid() &&
+           link.st_uid != directory.st_uid;
+}
+
+/// What the link says; nothing when it cannot be read.
+std::optional<std::string> target_of(const std::string& link) {
+    std::array<char, 4096> target;
+    const ssize_t size = readlink(link.c_str(), target.data(), target.size());
+    if (size <= 0 || static_cast<std::size_t>(size) == target.size()) return std::nullopt;
+    return std::string(target.data(), static_cast<std::size_t>(size));
+}
+
+/// The path that links at `path` lead to in the end; nothing when one of them is not followed.
+std::optional<std::string> end_of_links(std::string path) {
+    for (int links = 0; links < MOST_LINKS; ++links) {
+        struct stat status;
+        if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
+        const auto target = target_of(path);
+        if (!target || may_be_planted(path, status)) return std::nullopt;
+        path = target->front() == '/' ? *target : directory_of(path) + *target;
+    }
+    return std::nullopt;
+}
+
 /// In the same directory, so that it can be renamed; hidden, and nobody else's.
 std::string unfinished_name(const std::string& path) {
-    return path.substr(0, path.rfind('/') + 1) +
-           filled(".gatescope_new_%s", GLOBAL_PID_STRING.c_str());
+    return directory_of(path) + filled(".gatescope_new_%s", GLOBAL_PID_STRING.c_str());
 }
 
 /// Writes, syncs and closes; 0 or an errno.
@@ -45,29 +83,29 @@ int give_name(const std::string& unfinished, const std::string& path) {
     return link(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
 }
 
-[[noreturn]] void gripe_not_written(const std::string& path, int error) {
-    gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
-}
-
 }  // namespace
 
 NewFile create_gatebits_file(const std::string& path, const std::string& text) {
-    const std::string unfinished = unfinished_name(path);
+    const auto place = end_of_links(path);
+    if (!place) return NewFile::NOT_CREATED;
+    const std::string unfinished = unfinished_name(*place);
     // With the permissions of any new file of the operator's.
     const int file = create_temporary_file(unfinished, 0666);
-    if (file == -1) return NewFile::NOT_PERMITTED;
+    if (file == -1) return NewFile::NOT_CREATED;
     int error = fill(file, text);
-    if (error == 0) error = give_name(unfinished, path);
+    if (error != 0) gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
+    error = give_name(unfinished, *place);
     remove_temporary_file(unfinished);
-    if (error == EEXIST) return NewFile::EXISTS;
-    if (error != 0) gripe_not_written(path, error);
-    error = sync_directory_of(path);
+    if (error != 0) return error == EEXIST ? NewFile::EXISTS : NewFile::NOT_CREATED;
+    error = sync_directory_of(*place);
     if (error != 0) gripe(filled(NEW_FILE_NOT_SYNCED, path.c_str(), std::strerror(error)));
     return NewFile::CREATED;
 }
 
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
-    FILE* stream = std::fopen(path.c_str(), "re");
+    // A pipe without a writer must not keep us waiting.
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    FILE* stream = file == -1 ? nullptr : fdopen(file, "r");
     if (stream == nullptr) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), errno));
     }

@@ -226,13 +226,28 @@ TEST(Create, DirectoryThatCannotBeWritten) {
                        asked_for_another_location()}));
 }
 
-TEST(Create, DanglingLinkIsNotFollowed) {
+TEST(Create, NameThatNoFileCanHave) {
+    Region east = a_region();
+    east.chooses_file(east.path(std::string(256, 'n'))).answers_no();
+    const Result result = east.run({"A=26", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs(), (Dialogs{chooser(east), asked_for_another_location()}));
+}
+
+TEST(Create, LinkThatLeadsNowhereIsAPlaceForAFile) {
     Region east = a_region();
     std::filesystem::create_symlink(east.path("elsewhere.txt"), east.path("link.txt"));
     east.chooses_file(east.path("link.txt")).aborts();
     EXPECT_EQ(east.run({"A=26", "R=n"}).dialogs(),
-              (Dialogs{chooser(east), asked_new_or_existing()}));
-    EXPECT_FALSE(east.has_file("elsewhere.txt"));
+              (Dialogs{chooser(east), asked_what_to_populate()}));
+    EXPECT_EQ(east.file("elsewhere.txt"), template_with(east.checker_path(), ""));
+}
+
+TEST(Create, CheckerOnTheSearchPathIsKept) {
+    Region east = a_region().with_variable(0, "gatewarden");
+    east.chooses_file(east.path("new.txt")).aborts();
+    east.run({"A=26", "R=n"});
+    EXPECT_EQ(east.file("new.txt"), template_with("gatewarden", ""));
 }
 
 // A27.
@@ -292,15 +307,12 @@ TEST(Copy, NeverOverwritesADestination) {
     EXPECT_EQ(east.file("west.txt"), west);
 }
 
-TEST(Copy, DestinationThatTurnsUpMeanwhileIsNotOverwritten) {
+TEST(Copy, LinkThatLeadsNowhereIsAPlaceForAFile) {
     Region east = a_region();
-    // A link that leads nowhere is not there for those who look, but may not be written through.
     std::filesystem::create_symlink(east.path("elsewhere.txt"), east.path("link.txt"));
-    east.chooses_file(east.gatebits_path()).chooses_file(east.path("link.txt")).answers_yes();
-    east.chooses_file(east.path("copy.txt"));
-    EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs().at(2), asked_for_another_destination());
-    EXPECT_FALSE(east.has_file("elsewhere.txt"));
-    EXPECT_EQ(east.file("copy.txt"), east.gatebits());
+    east.chooses_file(east.gatebits_path()).chooses_file(east.path("link.txt"));
+    EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs().size(), 3u);
+    EXPECT_EQ(east.file("elsewhere.txt"), east.gatebits());
 }
 
 TEST(Copy, SourceThatIsNotThere) {
@@ -332,6 +344,9 @@ TEST(Copy, DestinationThatCannotBeCreatedStartsOverFromTheSource) {
     EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs(),
               (Dialogs{chooser(east), chooser(east), asked_for_another_location(), chooser(east),
                        chooser(east), asked_for_another_location()}));
+    east.chooses_file(east.gatebits_path()).chooses_file(east.path(std::string(256, 'n')));
+    east.answers_no();
+    EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs().back(), asked_for_another_location());
 }
 
 TEST(Copy, DamagedSourceEndsTheProgram) {

@@ -28,6 +28,13 @@ TEST_F(FileChooser, WithoutAFileItStartsAnywhereAndItsPromptIsABlank) {
     EXPECT_EQ(dialogs.at(0).args.back(), " ");
 }
 
+TEST_F(FileChooser, AFileNamedWithoutADirectoryIsTakenForNone) {
+    ENTERPRIZE_PERMISSION_FILE = "gatebits.txt";
+    region.chooses_file("/x");
+    EXPECT_EQ(select_cb_file("prompt"), 1);
+    EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{file_dialog_without_directory()});
+}
+
 TEST_F(FileChooser, RunsOfBlanksInAPathBecomeOne) {
     region.chooses_file("/a  b/c\td \n");
     EXPECT_EQ(select_cb_file("prompt"), 1);

@@ -1,5 +1,6 @@
 #include "policy/new_gatebits_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -7,6 +8,7 @@
 
 #include <csignal>
 
+#include "base/descriptor.h"
 #include "units/scratch_region.h"
 
 namespace {
@@ -45,10 +47,36 @@ TEST_F(NewGatebitsFile, NeverTakesAnotherFilesPlace) {
     EXPECT_EQ(files(), std::vector<std::string>{"taken.txt"});
 }
 
-TEST_F(NewGatebitsFile, DoesNotFollowALink) {
-    std::filesystem::create_symlink(path("elsewhere.txt"), path("link.txt"));
+TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
+    std::filesystem::create_directory(path("folder"));
+    std::filesystem::create_symlink("folder/link.txt", path("first.txt"));
+    std::filesystem::create_symlink(path("new.txt"), path("folder/link.txt"));
+    EXPECT_EQ(create_gatebits_file(path("first.txt"), "ours\n"), NewFile::CREATED);
+    EXPECT_TRUE(std::filesystem::is_symlink(path("first.txt")));
+    EXPECT_FALSE(std::filesystem::is_symlink(path("new.txt")));
+    EXPECT_EQ(read("new.txt"), "ours\n");
+    EXPECT_EQ(files(), (std::vector<std::string>{"first.txt", "folder", "new.txt"}));
+}
+
+TEST_F(NewGatebitsFile, LinksThatLeadToAFileOrInACircleCreateNothing) {
+    write("taken.txt", "theirs\n");
+    std::filesystem::create_symlink("taken.txt", path("link.txt"));
     EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n"), NewFile::EXISTS);
-    EXPECT_FALSE(std::filesystem::exists(path("elsewhere.txt")));
+    EXPECT_EQ(read("taken.txt"), "theirs\n");
+    std::filesystem::create_symlink("circle.txt", path("circle.txt"));
+    EXPECT_EQ(create_gatebits_file(path("circle.txt"), "ours\n"), NewFile::NOT_CREATED);
+    EXPECT_EQ(files(), (std::vector<std::string>{"circle.txt", "link.txt", "taken.txt"}));
+}
+
+TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
+    std::filesystem::create_directory(path("open"));
+    ASSERT_EQ(chmod(path("open").c_str(), 01777), 0);
+    std::filesystem::create_symlink(path("new.txt"), path("open/link.txt"));
+    if (lchown(path("open/link.txt").c_str(), 65534, 65534) != 0) GTEST_SKIP() << "needs root";
+    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::NOT_CREATED);
+    EXPECT_EQ(files(), std::vector<std::string>{"open"});
+    ASSERT_EQ(chmod(path("open").c_str(), 0755), 0);
+    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::CREATED);
 }
 
 TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
@@ -59,8 +87,12 @@ TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
     EXPECT_EQ(files(), (std::vector<std::string>{"new.txt", "victim.txt"}));
 }
 
-TEST_F(NewGatebitsFile, DirectoryThatIsNotThereIsNotPermitted) {
-    EXPECT_EQ(create_gatebits_file(path("none/new.txt"), "ours\n"), NewFile::NOT_PERMITTED);
+TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
+    for (const std::string& name : {std::string("none/new.txt"), std::string(256, 'n'),
+                                    std::string(5000, 'n'), std::string("new.txt/")}) {
+        EXPECT_EQ(create_gatebits_file(path(name), "ours\n"), NewFile::NOT_CREATED) << name;
+    }
+    EXPECT_EQ(files(), std::vector<std::string>{});
 }
 
 TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
@@ -86,6 +118,11 @@ TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
     EXPECT_GRIPE(
         bytes_to_copy(path("none.txt"), path("copy.txt")),
         "#2 Could not move (" + path("none.txt") + ") to (" + path("copy.txt") + ") with 2\n");
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
+    const Descriptor writer(open(path("pipe").c_str(), O_RDWR | O_CLOEXEC));
+    EXPECT_GRIPE(
+        bytes_to_copy(path("pipe"), path("copy.txt")),
+        "#2 Could not move (" + path("pipe") + ") to (" + path("copy.txt") + ") with 11\n");
     EXPECT_GRIPE(bytes_to_copy(path(""), path("copy.txt")),
                  "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21\n");
 }
