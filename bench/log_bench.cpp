@@ -40,8 +40,8 @@ RecordQuery query_of(int number, bool filtered) {
     query.query = number;
     query.filters = {":", ":", ":", ":"};
     if (filtered) query.filters = {"]k<", "<7>", ":user42[", "[2]"};
-    query.period_end = NOW;
-    query.period_start = NOW - QUERY_DAYS * SECONDS_A_DAY;
+    query.period.end_of_day_time = NOW;
+    query.period.start_of_period_time = NOW - QUERY_DAYS * SECONDS_A_DAY;
     return query;
 }
 

@@ -174,7 +174,7 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
           static_cast<unsigned>(wide_command <= 1))) [[unlikely]] {
         return false;
     }
-    const std::int64_t age = query.period_end - time;
+    const std::int64_t age = query.period.end_of_day_time - time;
     if (age < 0) [[unlikely]]
         return true;
     *earliest = std::min(*earliest, time);
@@ -304,8 +304,8 @@ bool CanonicalQuery::take_user(std::string_view user_and_bracket) {
 /// With the filters about letters still in force, the plain rule says what becomes of a record of
 /// each kind and detail letter.
 void CanonicalQuery::ask_for_outcomes(RecordQuery letters) {
-    letters.period_start = 0;
-    letters.period_end = SECONDS_A_DAY;
+    letters.period.start_of_period_time = 0;
+    letters.period.end_of_day_time = SECONDS_A_DAY;
     for (std::size_t kind = 0; KINDS[kind] != '\0'; ++kind) {
         for (std::size_t detail = 0; DETAILS[detail] != '\0'; ++detail) {
             RecordTally tally;

@@ -41,19 +41,19 @@ char kind_by_tenths(const char (&kinds)[11]) {
 }
 
 /// By the age of the record: a parent policy and many denials at first, hardly any at the end.
-char drawn_kind(std::int64_t time) {
+char drawn_kind(std::int64_t end_of_day_time, std::int64_t time) {
     const std::int64_t border_40 = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY / 3;
     const std::int64_t border_80 = end_of_day_time - 2 * SECONDS_A_DAY * QUERY_DAYS / 3;
     if (time >= border_40) return kind_of_the_last_40_days();
     return time < border_80 ? kind_by_tenths("PSSDDDDBBB") : kind_by_tenths("PSSSSSDDBB");
 }
 
-std::string drawn_record() {
+std::string drawn_record(std::int64_t end_of_day_time) {
     const std::string user = "user" + std::to_string(draw(5));
     const std::int64_t day = draw(QUERY_DAYS);
     const std::int64_t time = end_of_day_time - SECONDS_A_DAY / 2 - day * SECONDS_A_DAY;
     const int command = draw(40) + 1;
-    const char kind = drawn_kind(time);
+    const char kind = drawn_kind(end_of_day_time, time);
     switch (kind) {
         case 'D': {
             const int key = draw(10);
@@ -78,16 +78,14 @@ void show_progress(int records) {
 
 }  // namespace
 
-void data_gen() {
-    set_time_values();
-    days_to_show = QUERY_DAYS;
-    start_of_period_time = end_of_day_time - days_to_show * SECONDS_A_DAY;
-    const std::string path = log_file_path(DEMO_LOG_FILE);
+void data_gen(const std::string& logging_dir) {
+    const std::int64_t end_of_day_time = set_time_values().end_of_day_time;
+    const std::string path = log_file_path(logging_dir, DEMO_LOG_FILE);
     LOGGING_STREAM = std::fopen(path.c_str(), "a");
     if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE);
     bool written = true;
     for (int i = 0; i < DEMO_RECORDS; ++i) {
-        written = std::fputs(drawn_record().c_str(), LOGGING_STREAM) >= 0 && written;
+        written = std::fputs(drawn_record(end_of_day_time).c_str(), LOGGING_STREAM) >= 0 && written;
         if (i % PROGRESS_STEP == 0) show_progress(i);
     }
     show_progress(DEMO_RECORDS);

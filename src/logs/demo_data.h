@@ -1,5 +1,7 @@
 #pragma once
 
-/// Appends 50000 invented records of the last 120 days to the last log file, reports its progress
-/// on standard output and ends the program with status 0.
-[[noreturn]] void data_gen();
+#include <string>
+
+/// Appends 50000 invented records of the last 120 days to the last log file of the directory,
+/// reports its progress on standard output and ends the program with status 0.
+[[noreturn]] void data_gen(const std::string& logging_dir);

@@ -5,12 +5,6 @@
 #include "base/filled.h"
 #include "base/startup.h"
 #include "messages/log_texts.h"
-#include "policy/region.h"
-
-std::int64_t end_of_day_time = 0;
-std::array<int, 6> last_query_time = {};
-int days_to_show = 0;
-std::int64_t start_of_period_time = 0;
 
 namespace {
 
@@ -40,34 +34,37 @@ long year_of(const std::tm& local) {
 
 }  // namespace
 
-std::string log_file_path(int number) {
+std::string log_file_path(const std::string& logging_dir, int number) {
     return filled(LOGGING_NORMAL_PATTERN, logging_dir.c_str(), DIR_DELIMETER, number);
 }
 
-std::string pruning_companion_path(int number) {
+std::string pruning_companion_path(const std::string& logging_dir, int number) {
     return filled(LOGGING_PRUNING_PATTERN, logging_dir.c_str(), DIR_DELIMETER, number);
 }
 
-std::string pruning_scratch_path() {
+std::string pruning_scratch_path(const std::string& logging_dir) {
     return filled(LOGGING_PRUNING_FILE, logging_dir.c_str(), DIR_DELIMETER);
 }
 
-std::string pruning_token_path() {
+std::string pruning_token_path(const std::string& logging_dir) {
     return filled(LOGGING_PRUNING_TOKEN, logging_dir.c_str(), DIR_DELIMETER);
 }
 
-std::int64_t set_time_values() {
+QueryPeriod set_time_values(int days_to_show) {
+    QueryPeriod period;
+    period.days_to_show = days_to_show;
     std::tm local = {};
     on_the_calendar(std::time(nullptr), &local);
-    last_query_time = {local.tm_sec,  local.tm_min, local.tm_hour,
-                       local.tm_mday, local.tm_mon, local.tm_year};
+    period.last_query_time = {local.tm_sec,  local.tm_min, local.tm_hour,
+                              local.tm_mday, local.tm_mon, local.tm_year};
     local.tm_hour = 23;
     local.tm_min = 59;
     local.tm_sec = 59;
     // The day may end in another daylight-saving time than it is in now.
     local.tm_isdst = -1;
-    end_of_day_time = std::mktime(&local);
-    return end_of_day_time;
+    period.end_of_day_time = std::mktime(&local);
+    period.start_of_period_time = period.end_of_day_time - days_to_show * SECONDS_A_DAY;
+    return period;
 }
 
 std::string time_text(std::int64_t time) {

@@ -14,25 +14,28 @@ inline constexpr int DEMO_LOG_FILE = 20;
 inline constexpr int QUERY_DAYS = 120;
 inline constexpr std::int64_t SECONDS_A_DAY = 86400;
 
-/// logging_dir's files: the log file and its pruning companion by number, the pruner's scratch
-/// file and its token.
-std::string log_file_path(int number);
-std::string pruning_companion_path(int number);
-std::string pruning_scratch_path();
-std::string pruning_token_path();
+/// The files of a region's logging directory: the log file and its pruning companion by number, the
+/// pruner's scratch file and its token.
+std::string log_file_path(const std::string& logging_dir, int number);
+std::string pruning_companion_path(const std::string& logging_dir, int number);
+std::string pruning_scratch_path(const std::string& logging_dir);
+std::string pruning_token_path(const std::string& logging_dir);
 
-/// Today's 23:59:59 in local time, in seconds since the epoch. Set by set_time_values.
-extern std::int64_t end_of_day_time;
-/// The moment of the last set_time_values: second, minute, hour, day of the month, month from 0,
-/// year from 1900, in local time.
-extern std::array<int, 6> last_query_time;
-/// Number of day cells and the second before which nothing is inside the period (that second is
-/// outside). Set by whoever calls set_time_values, right after the call.
-extern int days_to_show;
-extern std::int64_t start_of_period_time;
+/// The days that are looked at. Times are seconds since the epoch.
+struct QueryPeriod {
+    /// Today's 23:59:59 in local time, the last second of the period.
+    std::int64_t end_of_day_time = 0;
+    /// The last second before the period.
+    std::int64_t start_of_period_time = 0;
+    /// Number of day cells, of 86400 seconds each.
+    int days_to_show = QUERY_DAYS;
+    /// The moment when the period was taken: second, minute, hour, day of the month, month from 0,
+    /// year from 1900, in local time.
+    std::array<int, 6> last_query_time = {};
+};
 
-/// Takes the current time; sets and returns end_of_day_time, sets last_query_time.
-std::int64_t set_time_values();
+/// The period of so many days that ends with today.
+QueryPeriod set_time_values(int days_to_show = QUERY_DAYS);
 
 /// `time` (seconds since the epoch) as "Sun Nov 15 23:59:59 2026", local time, without a line
 /// end; the bare number where the calendar cannot express it.

@@ -25,6 +25,7 @@
 #include "logs/log_files.h"
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
+#include "policy/region.h"
 
 namespace {
 
@@ -67,7 +68,7 @@ void close_log_stream() {
 
 /// The scratch file, in the log's own directory, so that it can be renamed.
 std::string scratch_beside(const std::string& log) {
-    const std::filesystem::path scratch = pruning_scratch_path();
+    const std::filesystem::path scratch = pruning_scratch_path(logging_dir);
     return std::filesystem::path(log).replace_filename(scratch.filename());
 }
 

@@ -46,7 +46,7 @@ int open_token(const std::string& path) {
 }
 
 /// Puts up the token, which diverts the log writers to the companions.
-int put_up_token(const std::string& path) {
+int put_up_token(const std::string& path, std::int64_t start_of_period_time) {
     const int token = open_token(path);
     const std::string text = filled(TOKEN_TEXT, time_text(start_of_period_time).c_str());
     if (write_all(token, text) != 0) gripe(NO_PRUNING_TOKEN);
@@ -84,7 +84,8 @@ std::string behind_links(std::filesystem::path path) {
 }
 
 LogFiles files_of(int number) {
-    return {behind_links(log_file_path(number)), pruning_companion_path(number)};
+    return {behind_links(log_file_path(logging_dir, number)),
+            pruning_companion_path(logging_dir, number)};
 }
 
 void tell_result(const KeptRecords& records, int days, bool display) {
@@ -101,9 +102,9 @@ void tell_result(const KeptRecords& records, int days, bool display) {
 }  // namespace
 
 void prune_logging_files(std::uint8_t days, bool display) {
-    start_of_period_time = set_time_values() - days * SECONDS_A_DAY;
-    const std::string token_path = pruning_token_path();
-    const int token = put_up_token(token_path);
+    const std::int64_t start_of_period_time = set_time_values(days).start_of_period_time;
+    const std::string token_path = pruning_token_path(logging_dir);
+    const int token = put_up_token(token_path, start_of_period_time);
     KeptRecords records(start_of_period_time);
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
         rewrite_log(files_of(number), &records);

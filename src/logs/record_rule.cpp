@@ -1,6 +1,7 @@
 #include "logs/record_rule.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "base/filled.h"
 #include "base/text.h"
@@ -56,16 +57,25 @@ RecordOutcome outcome_per_number(const RecordQuery& query, const Record& record)
 
 }  // namespace
 
+RecordQuery record_query(int query, int edition, std::array<std::string, 4> filters,
+                         const QueryPeriod& period) {
+    for (std::string& filter : filters) {
+        filter = c_text(filter);
+        STRING_LOWER(filter);
+    }
+    return {query, edition, std::move(filters), period};
+}
+
 void count_word(const RecordQuery& query, std::string_view word, RecordTally* tally) {
     tally->data_seen = true;
     const Record record(word);
     if (!record.holds(":") || !record.holds(">")) return;
     const std::int64_t time = record.time();
-    if (time > query.period_end) return;
+    if (time > query.period.end_of_day_time) return;
     tally->earliest = std::min(tally->earliest, time);
-    if (time <= query.period_start || !passes(query, record)) return;
+    if (time <= query.period.start_of_period_time || !passes(query, record)) return;
     if (counts_per_day(query.query)) {
-        const auto cell = static_cast<std::size_t>(day_cell(query.period_end, time));
+        const auto cell = static_cast<std::size_t>(day_cell(query.period.end_of_day_time, time));
         ++tally->rows[cell][outcome_per_day(query.query, record)];
     } else {
         const std::int64_t number = record.value();

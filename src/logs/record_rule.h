@@ -10,6 +10,9 @@
 
 // What a query makes of one record: the plain rule, for every word that a log file can hold.
 
+/// A filter that every record passes.
+inline constexpr char ANY_LOG_ENTRY[] = ":";
+
 /// What a query asks of the records.
 struct RecordQuery {
     /// 1 to 6; see counts_per_day.
@@ -17,11 +20,14 @@ struct RecordQuery {
     /// GATEWARDEN_IS.
     int edition = 1;
     /// A record must hold each of these in any case. In lower case here.
-    std::array<std::string, 4> filters;
-    /// The period: behind the start, up to the end. Seconds since the epoch.
-    std::int64_t period_start = 0;
-    std::int64_t period_end = 0;
+    std::array<std::string, 4> filters = {ANY_LOG_ENTRY, ANY_LOG_ENTRY, ANY_LOG_ENTRY,
+                                          ANY_LOG_ENTRY};
+    QueryPeriod period;
 };
+
+/// The query with its filters as the rule wants them: C texts in lower case.
+RecordQuery record_query(int query, int edition, std::array<std::string, 4> filters,
+                         const QueryPeriod& period);
 
 /// Queries 1, 2, 3 and 6 count per day, 4 and 5 per bit or key number.
 constexpr bool counts_per_day(int query) {

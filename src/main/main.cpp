@@ -33,6 +33,6 @@ int main(int argument_count, char** argument_vector) {
     choose_gatebits_file(options);
     interrogate_the_enterprise();
     read_edition();
-    if (options.data_gen_selected) data_gen();
+    if (options.data_gen_selected) data_gen(logging_dir);
     return status_with_output_written(run_requests(options));
 }

@@ -5,7 +5,6 @@
 #include "base/process_end.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "logs/query_data.h"
 #include "messages/command_line_texts.h"
 #include "policy/edition.h"
 #include "policy/region.h"
@@ -48,13 +47,6 @@ const Request* request_from_menu(Run& run) {
     return request_labelled(GATEWARDEN_RESULT_STRING);
 }
 
-void forget_last_request() {
-    GLOBAL_TEST_STRING_1 = ANY_LOG_ENTRY;
-    GLOBAL_TEST_STRING_2 = ANY_LOG_ENTRY;
-    GLOBAL_TEST_STRING_3 = ANY_LOG_ENTRY;
-    GLOBAL_TEST_STRING_4 = ANY_LOG_ENTRY;
-}
-
 }  // namespace
 
 int run_requests(const Options& options) {
@@ -64,7 +56,6 @@ int run_requests(const Options& options) {
         const Request* request =
             from_command_line != nullptr ? from_command_line : request_from_menu(run);
         from_command_line = nullptr;
-        forget_last_request();
         if (request != nullptr) request->execute(run);
     } while (!options.runs_once());
     return static_cast<unsigned char>(options.selected_repeat.front());

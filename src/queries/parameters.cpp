@@ -11,7 +11,6 @@
 #include "messages/bit_names.h"
 #include "messages/identity.h"
 #include "messages/query_texts.h"
-#include "policy/edition.h"
 
 namespace {
 
@@ -40,23 +39,23 @@ int pick(const char* title, std::string list) {
     return make_selection(title, list, SINGLE_CHOICE);
 }
 
-int pick_command() {
+int pick_command(int /*edition*/) {
     return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS);
 }
 
-int input_user() {
+int input_user(int /*edition*/) {
     return prompt(PROMPT_INPUT_USER, ALL);
 }
 
-int pick_bit() {
+int pick_bit(int /*edition*/) {
     std::string list = ALL_BITS_CHOICE;
     int bit = 0;
     for (const char* name : GATEWARDEN_BITS_DESC) list += filled(BIT_CHOICE, bit++, name);
     return pick(PROMPT_SELECT_BIT, list);
 }
 
-int input_key() {
-    return prompt(GATEWARDEN_IS == 1 ? PROMPT_INPUT_KEY : PROMPT_INPUT_CPD, ALL);
+int input_key(int edition) {
+    return prompt(edition == 1 ? PROMPT_INPUT_KEY : PROMPT_INPUT_CPD, ALL);
 }
 
 // The value in an answer; empty when the question has to come again.
@@ -97,7 +96,7 @@ struct ParameterRow {
     /// Whether the command line gave it, and what.
     bool Options::*given;
     std::string (*given_value)(const Options& options);
-    int (*ask_operator)();
+    int (*ask_operator)(int edition);
     std::string (*value_in)(const std::string& answer);
     std::string (*filter)(const std::string& value);
 };
@@ -116,13 +115,13 @@ const ParameterRow& row_of(Parameter parameter) {
 
 }  // namespace
 
-std::optional<std::string> value_of(Parameter parameter, const Options& options) {
+std::optional<std::string> value_of(Parameter parameter, const Options& options, int edition) {
     const ParameterRow& row = row_of(parameter);
     if (options.*row.given) return row.given_value(options);
     std::string value;
     while (value.empty()) {
         GATEWARDEN_RESULT_STRING.clear();
-        if (row.ask_operator() == CANCELLED) return std::nullopt;
+        if (row.ask_operator(edition) == CANCELLED) return std::nullopt;
         value = row.value_in(GATEWARDEN_RESULT_STRING);
     }
     return value;

@@ -11,8 +11,8 @@
 enum class Parameter { COMMAND, USER, BIT, KEY };
 
 /// The value that the command line gave, else the operator's answer, asked for again while it is
-/// empty or unfit; nothing when the operator cancels.
-std::optional<std::string> value_of(Parameter parameter, const Options& options);
+/// empty or unfit, in the wording of the edition; nothing when the operator cancels.
+std::optional<std::string> value_of(Parameter parameter, const Options& options, int edition);
 
 /// What log records of that value hold; empty for "*", which leaves every record in.
 std::string filter_for(Parameter parameter, const std::string& value);

@@ -1,6 +1,22 @@
 #pragma once
 
+#include <array>
+#include <optional>
+#include <string>
+
 #include "base/options.h"
+
+/// What a query asks for, in the words of the logs and of its page.
+struct AskedQuery {
+    /// Each as it is formed; a slot without a filter has the one that every record passes.
+    std::array<std::string, 4> filters;
+    /// The heading of the page.
+    std::string graph_title;
+};
+
+/// Asks for the parameters of query 1 to 6 that the command line did not give, in the wording of
+/// the edition; nothing when the operator cancelled a dialog.
+std::optional<AskedQuery> ask_for_query(int number, const Options& options, int edition);
 
 /// The six queries of the menu: each asks for the parameters that the command line did not give,
 /// reads the logs and makes the page. A cancelled dialog ends it without reading anything.

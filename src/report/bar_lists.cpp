@@ -1,43 +1,42 @@
 #include "report/bar_lists.h"
 
-#include <cstdio>
-#include <string>
-
 #include "base/filled.h"
-#include "logs/query_data.h"
 #include "messages/bar_list_texts.h"
 #include "messages/bit_names.h"
 #include "messages/page_texts.h"
-#include "policy/edition.h"
-#include "policy/gatebits_file.h"
 #include "report/bars.h"
-#include "report/graph.h"
-#include "report/page.h"
 
 namespace {
 
-void print_list_opening(const char* noun) {
-    print_block_to_file__header();
-    std::fprintf(DISPLAY_STREAM, BEGIN_3_COL_TABLE, noun, noun, cell_time[0].c_str(),
-                 cell_time[1].c_str());
+void print_list_opening(const QueryResult& result, const char* noun, Page* page) {
+    page->print_block_to_file__header();
+    page->print(BEGIN_3_COL_TABLE, noun, noun, result.cell_time[0].c_str(),
+                result.cell_time[1].c_str());
 }
 
-void print_list_closing() {
-    std::fprintf(DISPLAY_STREAM, CLOSE_TABLE_SHOW_TEXT, DISPLAY_TEXT_WIDGET);
-    print_block_to_file__tail();
+void print_list_closing(Page* page) {
+    page->print(CLOSE_TABLE_SHOW_TEXT, DISPLAY_TEXT_WIDGET);
+    page->print_block_to_file__tail();
 }
 
-void print_row(const std::string& title, int number, const std::string& description,
-               std::uint32_t count) {
-    std::fprintf(DISPLAY_STREAM, START_LIST_ROW, title.c_str(), number, description.c_str());
-    const int width = bar_width(count, cell_max);
+struct Row {
+    std::string title;
+    int number;
+    std::string description;
+    std::uint32_t count;
+};
+
+/// `scale` is the count of a full bar.
+void print_row(const Row& row, std::uint32_t scale, Page* page) {
+    page->print(START_LIST_ROW, row.title.c_str(), row.number, row.description.c_str());
+    const int width = bar_width(row.count, scale);
     if (width == LIST_BAR_PIXELS) {
-        std::fprintf(DISPLAY_STREAM, LIST_MAX_CONTENTS, count);
+        page->print(LIST_MAX_CONTENTS, row.count);
     } else {
-        std::fprintf(DISPLAY_STREAM, LIST_MIXED_CONTENTS, title.c_str(), width, count,
-                     LIST_BAR_PIXELS - width);
+        page->print(LIST_MIXED_CONTENTS, row.title.c_str(), width, row.count,
+                    LIST_BAR_PIXELS - width);
     }
-    std::fputs(CLOSE_LIST_CONTENTS, DISPLAY_STREAM);
+    page->add(CLOSE_LIST_CONTENTS);
 }
 
 std::string bit_title(const char* name, std::uint32_t count) {
@@ -70,31 +69,33 @@ std::string without_tags(const std::string& line) {
     return text;
 }
 
-std::string key_description(int key) {
-    std::string line;
-    return get_a_line(FIRST_KEY_LINE + key - 1, &line) == 1 ? without_tags(line)
-                                                            : KEY_NOT_AVAILABLE;
+std::string key_description(const KeyLines& lines, std::size_t key) {
+    const bool there = key <= lines.size() && lines[key - 1];
+    return there ? without_tags(*lines[key - 1]) : KEY_NOT_AVAILABLE;
 }
 
 }  // namespace
 
-void Display_Graph__hbars_Bits() {
-    print_list_opening(BIT_NOUN);
+void Display_Graph__hbars_Bits(const QueryResult& result, Page* page) {
+    print_list_opening(result, BIT_NOUN, page);
     for (std::size_t bit = 0; bit < GATEWARDEN_BITS_DESC.size(); ++bit) {
         const char* name = GATEWARDEN_BITS_DESC.at(bit);
-        const std::uint32_t count = cell_success.at(bit);
-        print_row(bit_title(name, count), static_cast<int>(bit), name, count);
+        const std::uint32_t count = result.cell_success.at(bit);
+        print_row({bit_title(name, count), static_cast<int>(bit), name, count}, result.cell_max,
+                  page);
     }
-    print_list_closing();
+    print_list_closing(page);
 }
 
-void Display_Graph__hbars_Keys() {
-    const char* noun = GATEWARDEN_IS == 1 ? KEY_NOUN : CPD_NOUN;
-    print_list_opening(noun);
-    if (highest_key_read == -1) std::fputs(NO_KEY_ROW, DISPLAY_STREAM);
-    for (int key = 1; key <= highest_key_read; ++key) {
-        const std::uint32_t count = cell_success.at(static_cast<std::size_t>(key));
-        print_row(key_title(noun, key, count), key, key_description(key), count);
+void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines, Page* page) {
+    const char* noun = result.asked.edition == 1 ? KEY_NOUN : CPD_NOUN;
+    print_list_opening(result, noun, page);
+    if (result.highest_key_read == -1) page->add(NO_KEY_ROW);
+    for (int key = 1; key <= result.highest_key_read; ++key) {
+        const auto index = static_cast<std::size_t>(key);
+        const std::uint32_t count = result.cell_success.at(index);
+        print_row({key_title(noun, key, count), key, key_description(lines, index), count},
+                  result.cell_max, page);
     }
-    print_list_closing();
+    print_list_closing(page);
 }

@@ -1,11 +1,21 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "logs/query_data.h"
+#include "report/page.h"
+
 // The pages of the bar queries: a row with a horizontal bar for every functionality bit or command
-// key. They read the counters of the last get_query_data and write to DISPLAY_STREAM.
+// key.
+
+/// The lines of the gatebits file that hold the command keys, the first one's first; nothing for a
+/// key that is not there.
+using KeyLines = std::vector<std::optional<std::string>>;
 
 /// All 24 bits, used or not.
-void Display_Graph__hbars_Bits();
+void Display_Graph__hbars_Bits(const QueryResult& result, Page* page);
 
-/// The keys from 1 to the highest one counted, each described by its line of the gatebits file.
-/// Gripes when that file cannot be read.
-void Display_Graph__hbars_Keys();
+/// The keys from 1 to the highest one counted, each described by its line.
+void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines, Page* page);

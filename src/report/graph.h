@@ -1,16 +1,20 @@
 #pragma once
 
-#include <cstdio>
 #include <string>
 
-/// The page being written. Set by Make_Graph; read by the page writers.
-extern FILE* DISPLAY_STREAM;
-/// The heading of the page; may hold HTML. Set by the query drivers.
-extern std::string graph_title;
-/// The browser's path; empty until a page is first displayed. Set when one is.
-extern std::string browser;
+#include "logs/query_data.h"
+#include "report/bar_lists.h"
+#include "report/page_display.h"
 
-/// Writes the page of query 1 to 6 from the counters of the last get_query_data into the results
-/// directory, and shows it in a browser or, without `display`, names it on standard output. Gripes
-/// when the page cannot be written.
-void Make_Graph(int query, bool display);
+/// What a query shows.
+struct QueryGraph {
+    /// The heading of the page; may hold HTML.
+    std::string graph_title;
+    QueryResult result;
+    /// Query 5: at least the keys up to the highest one counted.
+    KeyLines key_lines;
+};
+
+/// Writes the page of query 1 to 6 into the results directory, and shows it in a browser or,
+/// without `display`, names it on standard output. Gripes when the page cannot be written.
+void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display);

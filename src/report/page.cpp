@@ -1,36 +1,42 @@
 #include "report/page.h"
 
+#include <cstdarg>
 #include <cstdio>
+#include <utility>
 
 #include "base/filled.h"
 #include "messages/identity.h"
 #include "messages/page_texts.h"
-#include "report/graph.h"
 
-std::string CALCULATED_STAMP;
+Page::Page(std::string graph_title) : graph_title_(std::move(graph_title)) {}
 
-namespace {
+void Page::print(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    va_list again;
+    va_copy(again, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    va_end(arguments);
+    if (length > 0) {
+        const std::size_t before = text_.size();
+        text_.resize(before + static_cast<std::size_t>(length) + 1);
+        std::vsnprintf(&text_[before], static_cast<std::size_t>(length) + 1, format, again);
+        text_.pop_back();
+    }
+    va_end(again);
+}
 
-void print_style_sheet() {
-    std::fputs(STYLE_OPENING, DISPLAY_STREAM);
+void Page::print_block_to_file__header() {
+    print(PAGE_OPENING, filled(STAMP, SELF, VERSION, SUPPORT_ADDRESS).c_str());
+    add(PAGE_SCRIPT);
+    add(STYLE_OPENING);
     for (const auto& [selector, declarations, color] : STYLE_RULES) {
-        std::fprintf(DISPLAY_STREAM, STYLE_LINE, selector, declarations, color);
+        print(STYLE_LINE, selector, declarations, color);
     }
-    std::fputs(STYLE_CLOSING, DISPLAY_STREAM);
+    add(STYLE_CLOSING);
+    print(PAGE_HEADING, graph_title_.c_str());
 }
 
-}  // namespace
-
-void print_block_to_file__header() {
-    if (CALCULATED_STAMP.empty()) {
-        CALCULATED_STAMP = filled(STAMP, SELF, VERSION, SUPPORT_ADDRESS);
-    }
-    std::fprintf(DISPLAY_STREAM, PAGE_OPENING, CALCULATED_STAMP.c_str());
-    std::fputs(PAGE_SCRIPT, DISPLAY_STREAM);
-    print_style_sheet();
-    std::fprintf(DISPLAY_STREAM, PAGE_HEADING, graph_title.c_str());
-}
-
-void print_block_to_file__tail() {
-    std::fprintf(DISPLAY_STREAM, PAGE_CLOSING, SUPPLIER_NAME, SUPPLIER_URL, SUPPLIER_URL);
+void Page::print_block_to_file__tail() {
+    print(PAGE_CLOSING, SUPPLIER_NAME, SUPPLIER_URL, SUPPLIER_URL);
 }

@@ -2,16 +2,27 @@
 
 #include <string>
 
-// The frame of a report page. The page is self-contained: its style and script stand in it, and
-// it needs no pictures. Everything goes to DISPLAY_STREAM; whether it got there, Make_Graph finds
-// out when it closes the page.
+/// A report page as it grows, in memory: it is self-contained, its style and script stand in it,
+/// and it needs no pictures.
+class Page {
+  public:
+    /// `graph_title` is the heading; it may hold HTML.
+    explicit Page(std::string graph_title);
 
-/// The comment at the top of every page. Made for the first page of the process, kept for the
-/// others.
-extern std::string CALCULATED_STAMP;
+    /// Opens the page: stamp, script, style sheet, form and heading.
+    void print_block_to_file__header();
+    /// Closes what the header opened, and says where help is to be had.
+    void print_block_to_file__tail();
 
-/// Opens the page: stamp, script, style sheet, form and heading (graph_title).
-void print_block_to_file__header();
+    /// Adds a filled template to the page.
+    [[gnu::format(printf, 2, 3)]] void print(const char* format, ...);
+    /// Adds a text as it stands.
+    void add(const char* text) { text_ += text; }
 
-/// Closes what the header opened, and says where help is to be had.
-void print_block_to_file__tail();
+    /// What the page holds so far.
+    [[nodiscard]] const std::string& text() const { return text_; }
+
+  private:
+    std::string graph_title_;
+    std::string text_;
+};

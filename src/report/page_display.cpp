@@ -12,10 +12,6 @@
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
-#include "policy/gatebits_file.h"
-#include "policy/region.h"
-#include "policy/tool_variables.h"
-#include "report/graph.h"
 
 namespace {
 
@@ -24,28 +20,27 @@ using Clock = std::chrono::steady_clock;
 /// A browser that ran longer than this has been used, so its status means nothing.
 constexpr std::chrono::seconds LONGEST_FAILED_START{2};
 
-/// Where the browser is defined, in the words of the message about a missing one.
-struct BrowserSource {
+/// A browser, and where it is defined, in the words of the message about a missing one.
+struct Browser {
+    std::string path;
     const char* preposition;
     const char* kind;
-    std::string name;
+    std::string source;
 };
 
-/// Sets `browser` from the environment, even if it is empty there, or else from the gatebits
-/// file; nothing when neither defines one.
-std::optional<BrowserSource> choose_browser() {
-    browser = GS_VAR[UNIX_BROWSER];
+/// The environment's, even if it is empty there, or else the gatebits file's; nothing when neither
+/// defines one.
+std::optional<Browser> choose_browser(const PageRegion& region) {
     if (const char* wish = std::getenv(ENV_BROWSER)) {
-        browser = wish;
-        return BrowserSource{"by", "the environmental variable", ENV_BROWSER};
+        return Browser{wish, "by", "the environmental variable", ENV_BROWSER};
     }
-    if (browser.empty()) return std::nullopt;
-    return BrowserSource{"in", "the gatebits file", ENTERPRIZE_PERMISSION_FILE};
+    if (region.browser.empty()) return std::nullopt;
+    return Browser{region.browser, "in", "the gatebits file", region.ENTERPRIZE_PERMISSION_FILE};
 }
 
-void run_browser(const std::string& path) {
+void run_browser(const std::string& browser, const std::string& page) {
     const auto start = Clock::now();
-    const int status = run_in_shell(filled(BROWSER_LINE, browser.c_str(), path.c_str()));
+    const int status = run_in_shell(filled(BROWSER_LINE, browser.c_str(), page.c_str()));
     if (status != 0 && Clock::now() - start <= LONGEST_FAILED_START) {
         advise(filled(BROWSER_FAILED, status, browser.c_str()));
     }
@@ -53,21 +48,19 @@ void run_browser(const std::string& path) {
 
 }  // namespace
 
-void display_page(const std::string& path, const std::string& name, bool display) {
-    if (!display) {
-        write_output(filled(PAGE_STORED, path.c_str(), ENTERPRIZE_NAME.c_str()));
-        return;
+void display_page(const StoredPage& page, const PageRegion& region, bool display) {
+    const char* path = page.path.c_str();
+    const char* name = region.ENTERPRIZE_NAME.c_str();
+    if (!display) return write_output(filled(PAGE_STORED, path, name));
+    const auto browser = choose_browser(region);
+    if (!browser) {
+        return advise(
+            filled(NO_BROWSER_DEFINED, path, region.ENTERPRIZE_PERMISSION_FILE.c_str(), name));
     }
-    const auto source = choose_browser();
-    if (!source) {
-        return advise(filled(NO_BROWSER_DEFINED, path.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(),
-                             ENTERPRIZE_NAME.c_str()));
+    if (access(browser->path.c_str(), F_OK) != 0) {
+        return advise(filled(BROWSER_DOES_NOT_EXIST, path, browser->path.c_str(), name,
+                             browser->preposition, browser->kind, browser->source.c_str()));
     }
-    if (access(browser.c_str(), F_OK) != 0) {
-        return advise(filled(BROWSER_DOES_NOT_EXIST, path.c_str(), browser.c_str(),
-                             ENTERPRIZE_NAME.c_str(), source->preposition, source->kind,
-                             source->name.c_str()));
-    }
-    advise(filled(DISPLAYING_GRAPH, name.c_str()));
-    run_browser(path);
+    advise(filled(DISPLAYING_GRAPH, page.name.c_str()));
+    run_browser(browser->path, page.path);
 }

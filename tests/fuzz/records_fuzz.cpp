@@ -8,13 +8,11 @@
 #include "logs/log_files.h"
 #include "logs/log_reader.h"
 #include "logs/query_data.h"
-#include "policy/edition.h"
-#include "policy/region.h"
 
 namespace {
 
 /// Times that mean something: "T" followed by a digit stands for a moment of this period.
-std::string with_times_of_today(const std::string& text) {
+std::string with_times_of_today(const std::string& text, std::int64_t end_of_day_time) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
         if (text[i] != 'T' || i + 1 == text.size() || text[i + 1] < '0' || text[i + 1] > '9') {
@@ -67,38 +65,40 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     // No query reads it, so one is enough for all executions.
     static const bool ready = [] {
         use_gatebits("");
-        set_time_values();
-        logging_dir = world_path("tmp");
         return true;
     }();
     must(ready, "a world");
     const auto filter = [&] {
         return data.ConsumeBool() ? ANY_LOG_ENTRY : data.ConsumeRandomLengthString(20);
     };
-    GLOBAL_TEST_STRING_1 = filter();
-    GLOBAL_TEST_STRING_2 = filter();
-    GLOBAL_TEST_STRING_3 = ANY_LOG_ENTRY;
-    GLOBAL_TEST_STRING_4 = ANY_LOG_ENTRY;
-    GATEWARDEN_IS = data.ConsumeIntegralInRange(0, 1);
+    static const QueryPeriod period = set_time_values();
+    const std::string filter_1 = filter();
+    const std::string filter_2 = filter();
+    const int edition = data.ConsumeIntegralInRange(0, 1);
     const int query = data.ConsumeIntegralInRange(1, 6);
-    const std::string first = with_times_of_today(data.ConsumeRandomLengthString());
-    const std::string last = with_times_of_today(data.ConsumeRemainingBytesAsString());
+    const RecordQuery asked =
+        record_query(query, edition, {filter_1, filter_2, ANY_LOG_ENTRY, ANY_LOG_ENTRY}, period);
+    const std::string first =
+        with_times_of_today(data.ConsumeRandomLengthString(), period.end_of_day_time);
+    const std::string last =
+        with_times_of_today(data.ConsumeRemainingBytesAsString(), period.end_of_day_time);
     put_file("tmp/logging_0.txt", first);
     put_file("tmp/logging_20.txt", last);
-    must(until_the_end([&] { get_query_data(query); }) == -1, "a query comes to its end");
-    must(sum(cell_success) + sum(cell_denied) <= first.size() + last.size(),
+    QueryResult result;
+    const int status = until_the_end([&] { result = get_query_data(asked, world_path("tmp")); });
+    must(status == -1, "a query comes to its end");
+    must(sum(result.cell_success) + sum(result.cell_denied) <= first.size() + last.size(),
          "no more is counted than there is");
     must(get_file("tmp/logging_0.txt") == first, "reading changes nothing");
-    const RecordQuery asked = record_query(query);
     const CanonicalQuery fast(asked);
     const RecordTally tally_first = counted_by_the_plain_rule(asked, first);
     const RecordTally tally_last = counted_by_the_plain_rule(asked, last);
     must(same_counts(counted_fast(fast, first), tally_first) &&
              same_counts(counted_fast(fast, last), tally_last),
          "records of the canonical shape count as the plain rule says");
-    for (std::size_t i = 0; i < cell_success.size(); ++i) {
-        must(cell_success[i] == tally_first.rows[i][ALLOWED] + tally_last.rows[i][ALLOWED] &&
-                 cell_denied[i] == tally_first.rows[i][DENIED] + tally_last.rows[i][DENIED],
+    for (std::size_t i = 0; i < result.cell_success.size(); ++i) {
+        must(result.cell_success[i] == tally_first.rows[i][ALLOWED] + tally_last.rows[i][ALLOWED] &&
+                 result.cell_denied[i] == tally_first.rows[i][DENIED] + tally_last.rows[i][DENIED],
              "a file counts in pieces as it does in one");
     }
     return 0;

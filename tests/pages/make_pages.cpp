@@ -15,49 +15,57 @@
 #include "base/filled.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
-#include "policy/gatebits_file.h"
-#include "policy/region.h"
 #include "report/graph.h"
 
 namespace {
 
-void clear_counts() {
-    cell_success.fill(0);
-    cell_denied.fill(0);
-    cell_read.fill(0);
-    cell_success_max = cell_denied_max = cell_max = 0;
-    first_cell_read = highest_key_read = -1;
-    for (std::size_t day = 0; day < cell_time.size(); ++day) {
-        cell_time[day] = filled("Wed Jan  7 2026 - %zu days ago", day);
+QueryResult no_counts() {
+    QueryResult result;
+    result.asked.period.last_query_time = {5, 9, 8, 7, 0, 126};
+    for (std::size_t day = 0; day < result.cell_time.size(); ++day) {
+        result.cell_time[day] = filled("Wed Jan  7 2026 - %zu days ago", day);
     }
+    return result;
 }
 
 /// Counts of all sizes: none, one, the largest, and what lies between.
-void count_days() {
-    first_cell_read = 99;
+QueryResult count_days() {
+    QueryResult result = no_counts();
+    result.first_cell_read = 99;
     for (std::size_t day = 0; day <= 99; ++day) {
         const auto number = static_cast<std::uint32_t>(day);
-        cell_success[day] = day % 7 == 0 ? 0 : number * number * 3 % 1000;
-        cell_denied[day] = day % 5 == 0 ? 0 : number * 37 % 613;
-        cell_read[day] = cell_success[day] + cell_denied[day] > 0 ? 1 : 0;
+        result.cell_success[day] = day % 7 == 0 ? 0 : number * number * 3 % 1000;
+        result.cell_denied[day] = day % 5 == 0 ? 0 : number * 37 % 613;
+        result.cell_read[day] = result.cell_success[day] + result.cell_denied[day] > 0 ? 1 : 0;
     }
-    cell_success[1] = 1;
-    cell_success[2] = 1000;
-    cell_denied[3] = 613;
-    cell_success_max = *std::max_element(cell_success.begin(), cell_success.end());
-    cell_denied_max = *std::max_element(cell_denied.begin(), cell_denied.end());
+    result.cell_success[1] = 1;
+    result.cell_success[2] = 1000;
+    result.cell_denied[3] = 613;
+    result.cell_success_max =
+        *std::max_element(result.cell_success.begin(), result.cell_success.end());
+    result.cell_denied_max =
+        *std::max_element(result.cell_denied.begin(), result.cell_denied.end());
+    return result;
 }
 
-void count_numbers(std::size_t numbers) {
+QueryResult count_numbers(std::size_t numbers) {
+    QueryResult result = no_counts();
     for (std::size_t number = 0; number < numbers; ++number) {
-        cell_success[number] = static_cast<std::uint32_t>(number * number * number % 500);
+        result.cell_success[number] = static_cast<std::uint32_t>(number * number * number % 500);
     }
-    cell_success[2] = 1;
-    cell_success[3] = 2000;
-    cell_max = 2000;
-    highest_key_read = static_cast<std::int32_t>(numbers) - 1;
-    cell_time[0] = "Wed Sep 10 2025";
-    cell_time[1] = "Wed Jan  7 2026";
+    result.cell_success[2] = 1;
+    result.cell_success[3] = 2000;
+    result.cell_max = 2000;
+    result.highest_key_read = static_cast<std::int32_t>(numbers) - 1;
+    result.cell_time[0] = "Wed Sep 10 2025";
+    result.cell_time[1] = "Wed Jan  7 2026";
+    return result;
+}
+
+KeyLines key_lines() {
+    KeyLines lines;
+    for (int key = 1; key <= 10; ++key) lines.push_back(filled("lock;key <%d> & more;", key));
+    return lines;
 }
 
 template <typename Counts>
@@ -67,20 +75,14 @@ std::string json_of(const Counts& counts) {
     return list + "]";
 }
 
-void make_page(int query, const std::string& title, std::ofstream& json) {
-    graph_title = title;
-    Make_Graph(query, false);
+void make_page(int query, const std::string& title, QueryResult result,
+               const std::string& directory, std::ofstream& json) {
+    result.asked.query = query;
+    Make_Graph({title, result, key_lines()}, {"east", "gatebits.txt", directory, ""}, false);
     json << (query > 1 ? ",\n" : "{\n") << '"' << query << R"(": {"success": )"
-         << json_of(cell_success) << R"(, "denied": )" << json_of(cell_denied) << R"(, "read": )"
-         << json_of(cell_read) << R"(, "first_cell_read": )" << first_cell_read
-         << R"(, "highest_key_read": )" << highest_key_read << "}";
-}
-
-void write_gatebits_file(const std::string& path) {
-    ENTERPRIZE_PERMISSION_FILE = path;
-    std::ofstream file(path);
-    for (int line = 1; line <= 8; ++line) file << "region;\n";
-    for (int key = 1; key <= 10; ++key) file << "lock;key <" << key << "> & more;\n";
+         << json_of(result.cell_success) << R"(, "denied": )" << json_of(result.cell_denied)
+         << R"(, "read": )" << json_of(result.cell_read) << R"(, "first_cell_read": )"
+         << result.first_cell_read << R"(, "highest_key_read": )" << result.highest_key_read << "}";
 }
 
 }  // namespace
@@ -90,27 +92,17 @@ int main(int argc, char** argv) {
         std::fputs("usage: make_pages DIRECTORY\n", stderr);
         return EXIT_FAILURE;
     }
-    results_dir = argv[1];
-    ENTERPRIZE_NAME = "east";
+    const std::string directory = argv[1];
     ZUL_PREFER_GUI = 0;
-    last_query_time = {5, 9, 8, 7, 0, 126};
-    write_gatebits_file(results_dir + "/gatebits.txt");
-    std::ofstream json(results_dir + "/counts.json");
+    std::ofstream json(directory + "/counts.json");
 
-    clear_counts();
-    count_days();
-    make_page(1, "Allowed and denied", json);
-    make_page(2, "Bits", json);
-    make_page(3, "Keys", json);
-    clear_counts();
-    count_numbers(24);
-    make_page(4, "Bit vs. bit", json);
-    clear_counts();
-    count_numbers(13);
-    make_page(5, "Key vs. key", json);
+    make_page(1, "Allowed and denied", count_days(), directory, json);
+    make_page(2, "Bits", count_days(), directory, json);
+    make_page(3, "Keys", count_days(), directory, json);
+    make_page(4, "Bit vs. bit", count_numbers(24), directory, json);
+    make_page(5, "Key vs. key", count_numbers(13), directory, json);
     // A region without a single record.
-    clear_counts();
-    make_page(6, "Nothing", json);
+    make_page(6, "Nothing", no_counts(), directory, json);
     json << "}\n";
     json.close();
     return json ? EXIT_SUCCESS : EXIT_FAILURE;

@@ -15,8 +15,8 @@ RecordQuery query_of(int number, const std::array<std::string, 4>& filters, int 
     query.query = number;
     query.edition = edition;
     query.filters = filters;
-    query.period_end = PERIOD_END;
-    query.period_start = PERIOD_END - QUERY_DAYS * SECONDS_A_DAY;
+    query.period.end_of_day_time = PERIOD_END;
+    query.period.start_of_period_time = PERIOD_END - QUERY_DAYS * SECONDS_A_DAY;
     return query;
 }
 

@@ -94,7 +94,8 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
                                                  static_cast<int>(1 + draw(5)));
             text += ":S:user" + std::to_string(draw(1000)) + "[1]-<->\n";
             if (draw(400) == 0) text.insert(draw(static_cast<unsigned>(text.size())), 1, byte());
-            if (draw(400) == 0) text.insert(text.size(), draw(40) == 0 ? 140000 : draw(600), byte());
+            if (draw(400) == 0)
+                text.insert(text.size(), draw(40) == 0 ? 140000 : draw(600), byte());
             if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
         }
         const Kept kept = kept_of(text);

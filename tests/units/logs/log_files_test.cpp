@@ -22,23 +22,21 @@ class TimeZone {
 };
 
 TEST(LogFilePaths, FollowTheirPatterns) {
-    logging_dir = "/region/log";
-    EXPECT_EQ(log_file_path(0), "/region/log/logging_0.txt");
-    EXPECT_EQ(log_file_path(20), "/region/log/logging_20.txt");
-    EXPECT_EQ(pruning_companion_path(7), "/region/log/logging__7.txt");
-    EXPECT_EQ(pruning_scratch_path(), "/region/log/pruning_.txt");
-    EXPECT_EQ(pruning_token_path(), "/region/log/logging_pruning_token.txt");
+    EXPECT_EQ(log_file_path("/region/log", 0), "/region/log/logging_0.txt");
+    EXPECT_EQ(log_file_path("/region/log", 20), "/region/log/logging_20.txt");
+    EXPECT_EQ(pruning_companion_path("/region/log", 7), "/region/log/logging__7.txt");
+    EXPECT_EQ(pruning_scratch_path("/region/log"), "/region/log/pruning_.txt");
+    EXPECT_EQ(pruning_token_path("/region/log"), "/region/log/logging_pruning_token.txt");
 }
 
 TEST(LogFilePaths, LongDirectoriesAreNotCut) {
-    logging_dir = "/" + std::string(2000, 'd');
-    EXPECT_EQ(log_file_path(3), logging_dir + "/logging_3.txt");
+    const std::string directory = "/" + std::string(2000, 'd');
+    EXPECT_EQ(log_file_path(directory, 3), directory + "/logging_3.txt");
 }
 
 TEST(QueryPeriod, TodayEndsAtTheLastSecondOfTheLocalDay) {
     const std::time_t before = std::time(nullptr);
-    const std::int64_t end = set_time_values();
-    EXPECT_EQ(end, end_of_day_time);
+    const std::int64_t end = set_time_values().end_of_day_time;
     EXPECT_GE(end, before);
     EXPECT_LE(end - before, SECONDS_A_DAY + 3600);
     const std::time_t seconds = end;
@@ -50,7 +48,7 @@ TEST(QueryPeriod, TodayEndsAtTheLastSecondOfTheLocalDay) {
 
 TEST(QueryPeriod, RemembersTheMomentOfTheCall) {
     const std::time_t before = std::time(nullptr);
-    set_time_values();
+    const auto last_query_time = set_time_values().last_query_time;
     std::tm local = {};
     local.tm_sec = last_query_time[0];
     local.tm_min = last_query_time[1];
@@ -64,12 +62,13 @@ TEST(QueryPeriod, RemembersTheMomentOfTheCall) {
     EXPECT_LE(remembered, std::time(nullptr));
 }
 
-TEST(QueryPeriod, LeavesThePeriodToItsUsers) {
-    days_to_show = 7;
-    start_of_period_time = 8;
-    set_time_values();
-    EXPECT_EQ(days_to_show, 7);
-    EXPECT_EQ(start_of_period_time, 8);
+TEST(QueryPeriod, HasAsManyDaysAsAreAskedFor) {
+    const QueryPeriod week = set_time_values(7);
+    EXPECT_EQ(week.days_to_show, 7);
+    EXPECT_EQ(week.end_of_day_time - week.start_of_period_time, 7 * 86400);
+    const QueryPeriod period = set_time_values();
+    EXPECT_EQ(period.days_to_show, 120);
+    EXPECT_EQ(period.end_of_day_time - period.start_of_period_time, 120 * 86400);
 }
 
 TEST(TimeTexts, LookLikeTheCLibrarysOwn) {

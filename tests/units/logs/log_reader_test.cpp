@@ -238,9 +238,8 @@ TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
     std::filesystem::create_symlink("/proc/self/mem", log_file_path(4));
     EXPECT_EXIT(
         {
-            std::fclose(stdout);
-            stdout = stderr;
-            get_query_data(1);
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            get_query_data(record_query(1, 1, {}, set_time_values()), logging_dir);
         },
         testing::ExitedWithCode(99), "ERROR: The log file \\(.*logging_4.txt\\) could not be read");
 }

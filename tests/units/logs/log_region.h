@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
@@ -16,7 +17,6 @@
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
-#include "policy/edition.h"
 #include "policy/region.h"
 
 /// A region with nothing but a logging directory of its own, and messages on standard output.
@@ -26,21 +26,25 @@ class LogRegion : public testing::Test {
         std::string pattern = testing::TempDir() + "gatescope_logs_XXXXXX";
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         logging_dir = pattern;
+        ::logging_dir = pattern;
         ENTERPRIZE_NAME = "east";
         ZUL_PREFER_GUI = 0;
-        GATEWARDEN_IS = 1;
         filter_by();
-        set_time_values();
+        end_of_day_time = set_time_values().end_of_day_time;
     }
     void TearDown() override { std::filesystem::remove_all(logging_dir); }
 
-    static void filter_by(const std::string& one = ":", const std::string& two = ":",
-                          const std::string& three = ":", const std::string& four = ":") {
-        GLOBAL_TEST_STRING_1 = one;
-        GLOBAL_TEST_STRING_2 = two;
-        GLOBAL_TEST_STRING_3 = three;
-        GLOBAL_TEST_STRING_4 = four;
+    void filter_by(const std::string& one = ":", const std::string& two = ":",
+                   const std::string& three = ":", const std::string& four = ":") {
+        filters_ = {one, two, three, four};
     }
+
+    static std::string log_file_path(int number) { return ::log_file_path(logging_dir, number); }
+    static std::string pruning_companion_path(int number) {
+        return ::pruning_companion_path(logging_dir, number);
+    }
+    static std::string pruning_scratch_path() { return ::pruning_scratch_path(logging_dir); }
+    static std::string pruning_token_path() { return ::pruning_token_path(logging_dir); }
 
     /// Whether the system tells who has a file open, which much of what happens beside writers
     /// needs.
@@ -80,10 +84,19 @@ class LogRegion : public testing::Test {
         return record_at(noon(days_ago), rest) + "\n";
     }
 
-    /// What get_query_data shows.
-    static std::string said_by_query(int query) {
+    /// What get_query_data shows; it leaves `result`.
+    std::string said_by_query(int query) {
+        const RecordQuery asked = record_query(query, GATEWARDEN_IS, filters_, set_time_values());
         testing::internal::CaptureStdout();
-        get_query_data(query);
+        result = get_query_data(asked, logging_dir);
         return testing::internal::GetCapturedStdout();
     }
+
+    static inline std::string logging_dir;
+    static inline std::int64_t end_of_day_time;
+    int GATEWARDEN_IS = 1;
+    QueryResult result;
+
+  private:
+    std::array<std::string, 4> filters_;
 };

@@ -11,8 +11,8 @@ class LogTally : public LogRegion {
     static RecordTally tally() {
         RecordQuery query;
         query.filters = {":", ":", ":", ":"};
-        query.period_end = end_of_day_time;
-        query.period_start = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY;
+        query.period.end_of_day_time = end_of_day_time;
+        query.period.start_of_period_time = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY;
         std::vector<std::string> paths;
         for (int i = 0; i < NUMBER_OF_LOG_FILES; ++i) paths.push_back(log_file_path(i));
         return tally_logs(query, paths);

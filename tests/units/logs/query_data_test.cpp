@@ -19,11 +19,12 @@ class QueryData : public LogRegion {
     std::string made_of(int query, const std::string& rest) {
         write_log(0, line(3, rest));
         EXPECT_EQ(said_by_query(query), "");
-        if (total(cell_read) == 0) return "not seen";
-        EXPECT_EQ(cell_read[3], 1);
-        EXPECT_EQ(total(cell_success) + total(cell_denied), cell_success[3] + cell_denied[3]);
-        if (cell_success[3] == 1 && cell_denied[3] == 0) return "allowed";
-        if (cell_success[3] == 0 && cell_denied[3] == 1) return "denied";
+        if (total(result.cell_read) == 0) return "not seen";
+        EXPECT_EQ(result.cell_read[3], 1);
+        EXPECT_EQ(total(result.cell_success) + total(result.cell_denied),
+                  result.cell_success[3] + result.cell_denied[3]);
+        if (result.cell_success[3] == 1 && result.cell_denied[3] == 0) return "allowed";
+        if (result.cell_success[3] == 0 && result.cell_denied[3] == 1) return "denied";
         return "counted nothing";
     }
 };
@@ -78,38 +79,38 @@ TEST_F(QueryData, AllowedAndDeniedAreCountedPerDayWithTheirMaxima) {
     for (int i = 0; i < 2; ++i) log += line(119, "S:bob[9]-<->");
     write_log(0, log);
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(cell_success[0], 5u);
-    EXPECT_EQ(cell_denied[0], 3u);
-    EXPECT_EQ(cell_success[119], 2u);
-    EXPECT_EQ(cell_denied[119], 4u);
-    EXPECT_EQ(total(cell_success), 7u);
-    EXPECT_EQ(total(cell_denied), 7u);
-    EXPECT_EQ(total(cell_read), 2u);
-    EXPECT_EQ(cell_success_max, 5u);
-    EXPECT_EQ(cell_denied_max, 4u);
+    EXPECT_EQ(result.cell_success[0], 5u);
+    EXPECT_EQ(result.cell_denied[0], 3u);
+    EXPECT_EQ(result.cell_success[119], 2u);
+    EXPECT_EQ(result.cell_denied[119], 4u);
+    EXPECT_EQ(total(result.cell_success), 7u);
+    EXPECT_EQ(total(result.cell_denied), 7u);
+    EXPECT_EQ(total(result.cell_read), 2u);
+    EXPECT_EQ(result.cell_success_max, 5u);
+    EXPECT_EQ(result.cell_denied_max, 4u);
     // The largest daily total, larger than both.
-    EXPECT_EQ(cell_max, 8u);
-    EXPECT_EQ(first_cell_read, 119);
-    EXPECT_EQ(earliest_read_time, noon(119));
-    EXPECT_EQ(highest_key_read, -1);
+    EXPECT_EQ(result.cell_max, 8u);
+    EXPECT_EQ(result.first_cell_read, 119);
+    EXPECT_EQ(result.earliest_read_time, noon(119));
+    EXPECT_EQ(result.highest_key_read, -1);
 }
 
-TEST_F(QueryData, EveryCallStartsFromZero) {
+TEST_F(QueryData, TwoQueriesShareNothing) {
     write_log(0, line(1, "S:ann[2]-<->") + line(200, "S:ann[2]-<->") + line(5, "D:ann[2]K<9>"));
     said_by_query(1);
     said_by_query(5);
-    EXPECT_EQ(highest_key_read, 9);
+    EXPECT_EQ(result.highest_key_read, 9);
     write_log(0, line(2, "S:ann[2]-<->"));
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(total(cell_success), 1u);
-    EXPECT_EQ(total(cell_denied), 0u);
-    EXPECT_EQ(total(cell_read), 1u);
-    EXPECT_EQ(cell_success_max, 1u);
-    EXPECT_EQ(cell_denied_max, 0u);
-    EXPECT_EQ(cell_max, 1u);
-    EXPECT_EQ(first_cell_read, 2);
-    EXPECT_EQ(highest_key_read, -1);
-    EXPECT_EQ(earliest_read_time, noon(2));
+    EXPECT_EQ(total(result.cell_success), 1u);
+    EXPECT_EQ(total(result.cell_denied), 0u);
+    EXPECT_EQ(total(result.cell_read), 1u);
+    EXPECT_EQ(result.cell_success_max, 1u);
+    EXPECT_EQ(result.cell_denied_max, 0u);
+    EXPECT_EQ(result.cell_max, 1u);
+    EXPECT_EQ(result.first_cell_read, 2);
+    EXPECT_EQ(result.highest_key_read, -1);
+    EXPECT_EQ(result.earliest_read_time, noon(2));
 }
 
 TEST_F(QueryData, ThePeriodExcludesItsStartAndIncludesItsEnd) {
@@ -117,23 +118,23 @@ TEST_F(QueryData, ThePeriodExcludesItsStartAndIncludesItsEnd) {
     write_log(0, record_at(start, "S:a[1]-<->\n") + record_at(start + 1, "S:a[1]-<->\n") +
                      record_at(end_of_day_time, "D:a[1]K<1>\n"));
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(start_of_period_time, start);
-    EXPECT_EQ(days_to_show, 120);
-    EXPECT_EQ(cell_success[119], 1u);
-    EXPECT_EQ(total(cell_success), 1u);
-    EXPECT_EQ(cell_denied[0], 1u);
-    EXPECT_EQ(first_cell_read, 120);
+    EXPECT_EQ(result.asked.period.start_of_period_time, start);
+    EXPECT_EQ(result.asked.period.days_to_show, 120);
+    EXPECT_EQ(result.cell_success[119], 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
+    EXPECT_EQ(result.cell_denied[0], 1u);
+    EXPECT_EQ(result.first_cell_read, 120);
     filter_by("]k<");
     EXPECT_EQ(said_by_query(5), "");
-    EXPECT_EQ(cell_success[1], 1u);
+    EXPECT_EQ(result.cell_success[1], 1u);
 }
 
 TEST_F(QueryData, DaysAreCountedBackFromTheEndOfToday) {
     write_log(0, record_at(end_of_day_time - SECONDS_A_DAY + 1, "S:a[1]-<->\n") +
                      record_at(end_of_day_time - SECONDS_A_DAY, "D:a[1]K<1>\n"));
     said_by_query(1);
-    EXPECT_EQ(cell_success[0], 1u);
-    EXPECT_EQ(cell_denied[1], 1u);
+    EXPECT_EQ(result.cell_success[0], 1u);
+    EXPECT_EQ(result.cell_denied[1], 1u);
 }
 
 TEST_F(QueryData, RecordsOfTomorrowAreIgnoredByEveryQuery) {
@@ -143,9 +144,10 @@ TEST_F(QueryData, RecordsOfTomorrowAreIgnoredByEveryQuery) {
                      record_at(end_of_day_time + 1, "P:a[1]a<5>\n"));
     for (int query = 1; query <= 6; ++query) {
         EXPECT_EQ(said_by_query(query), "");
-        EXPECT_EQ(total(cell_read) + total(cell_success) + total(cell_denied), 0u);
-        EXPECT_EQ(first_cell_read, -1);
-        EXPECT_EQ(earliest_read_time, std::numeric_limits<std::int64_t>::max());
+        EXPECT_EQ(total(result.cell_read) + total(result.cell_success) + total(result.cell_denied),
+                  0u);
+        EXPECT_EQ(result.first_cell_read, -1);
+        EXPECT_EQ(result.earliest_read_time, std::numeric_limits<std::int64_t>::max());
     }
 }
 
@@ -153,38 +155,39 @@ TEST_F(QueryData, LinesWithoutColonOrAngleAreIgnored) {
     write_log(0, std::to_string(noon(1)) + "Sann[2]->\n" + line(1, "S:ann[2]-<-") +
                      "split off words > here: and [there]\n");
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(total(cell_read), 0u);
-    EXPECT_EQ(earliest_read_time, std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(total(result.cell_read), 0u);
+    EXPECT_EQ(result.earliest_read_time, std::numeric_limits<std::int64_t>::max());
 }
 
 TEST_F(QueryData, ABlankSplitsARecordIntoWordsThatAreNone) {
     write_log(0, line(1, "S:ann lee[2]-<->"));
     // "<time>:S:ann" has no '>' and "lee[2]-<->" no ':'.
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(total(cell_read), 0u);
+    EXPECT_EQ(total(result.cell_read), 0u);
 }
 
 TEST_F(QueryData, WordsNotLinesAreRecords) {
     write_log(0, record_at(noon(1), "S:a[1]-<->") + " " + record_at(noon(2), "S:a[1]-<->\t") +
                      record_at(noon(3), "S:a[1]-<->\r\n") + record_at(noon(4), "S:a[1]-<->"));
     said_by_query(1);
-    for (const std::size_t cell : {1u, 2u, 3u, 4u}) EXPECT_EQ(cell_success[cell], 1u) << cell;
+    for (const std::size_t cell : {1u, 2u, 3u, 4u})
+        EXPECT_EQ(result.cell_success[cell], 1u) << cell;
 }
 
 TEST_F(QueryData, OnlyFiles0To20AreRead) {
     for (int number = 0; number <= 21; ++number) write_log(number, line(number, "S:a[1]-<->"));
     write_file(pruning_companion_path(1), line(30, "S:a[1]-<->"));
     said_by_query(1);
-    EXPECT_EQ(total(cell_success), 21u);
-    EXPECT_EQ(cell_success[20], 1u);
-    EXPECT_EQ(cell_success[21], 0u);
+    EXPECT_EQ(total(result.cell_success), 21u);
+    EXPECT_EQ(result.cell_success[20], 1u);
+    EXPECT_EQ(result.cell_success[21], 0u);
 }
 
 TEST_F(QueryData, MissingFilesAndDirectoriesAreSkipped) {
     std::filesystem::create_directory(log_file_path(3));
     write_log(7, line(1, "S:a[1]-<->"));
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(total(cell_success), 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
 }
 
 TEST_F(QueryData, WithoutAnyWordTheOperatorIsTold) {
@@ -193,7 +196,7 @@ TEST_F(QueryData, WithoutAnyWordTheOperatorIsTold) {
     }
     write_log(0, " \n\n");
     EXPECT_EQ(said_by_query(1), "There was no data to perform the query on.\n");
-    EXPECT_EQ(first_cell_read, -1);
+    EXPECT_EQ(result.first_cell_read, -1);
 }
 
 TEST_F(QueryData, AnyWordCountsAsData) {
@@ -204,19 +207,21 @@ TEST_F(QueryData, AnyWordCountsAsData) {
 TEST_F(QueryData, Day129IsSilentAndDay130WarnsOnce) {
     write_log(0, line(129, "S:a[1]-<->"));
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(first_cell_read, 129);
-    EXPECT_EQ(total(cell_read), 0u);
+    EXPECT_EQ(result.first_cell_read, 129);
+    EXPECT_EQ(total(result.cell_read), 0u);
     write_log(0, line(130, "S:a[1]-<->") + line(131, "S:a[1]-<->") + line(130, "S:a[1]-<->"));
     for (int query = 1; query <= 6; ++query) {
-        EXPECT_EQ(said_by_query(query),
-                  "Warning:\n\nYou have log records from " + time_text(noon(131)) +
-                      "\n\nconsider pruning the logs as no data before " +
-                      time_text(start_of_period_time) + "\ncan be queried on or displayed...\n");
-        EXPECT_EQ(earliest_read_time, noon(131));
-        EXPECT_EQ(total(cell_read) + total(cell_success) + total(cell_denied), 0u);
+        EXPECT_EQ(said_by_query(query), "Warning:\n\nYou have log records from " +
+                                            time_text(noon(131)) +
+                                            "\n\nconsider pruning the logs as no data before " +
+                                            time_text(result.asked.period.start_of_period_time) +
+                                            "\ncan be queried on or displayed...\n");
+        EXPECT_EQ(result.earliest_read_time, noon(131));
+        EXPECT_EQ(total(result.cell_read) + total(result.cell_success) + total(result.cell_denied),
+                  0u);
     }
     said_by_query(6);
-    EXPECT_EQ(first_cell_read, 131);
+    EXPECT_EQ(result.first_cell_read, 131);
 }
 
 TEST_F(QueryData, TheWarningBeginsExactlyTenDaysBeforeThePeriod) {
@@ -231,18 +236,17 @@ TEST_F(QueryData, TheWarningBeginsExactlyTenDaysBeforeThePeriod) {
 
 TEST_F(QueryData, TimeLabelsNameTheNoonOfEachDay) {
     said_by_query(1);
-    EXPECT_EQ(cell_time[0], date_text(noon(0)) + " - today");
-    EXPECT_EQ(cell_time[1], date_text(noon(1)) + " - yesterday");
-    EXPECT_EQ(cell_time[2], date_text(noon(2)) + " - 2 days ago");
-    EXPECT_EQ(cell_time[119], date_text(noon(119)) + " - 119 days ago");
+    EXPECT_EQ(result.cell_time[0], date_text(noon(0)) + " - today");
+    EXPECT_EQ(result.cell_time[1], date_text(noon(1)) + " - yesterday");
+    EXPECT_EQ(result.cell_time[2], date_text(noon(2)) + " - 2 days ago");
+    EXPECT_EQ(result.cell_time[119], date_text(noon(119)) + " - 119 days ago");
 }
 
 TEST_F(QueryData, BarLabelsNameTheEndsOfThePeriod) {
     for (const int query : {4, 5}) {
-        cell_time[0] = cell_time[1] = "old";
         said_by_query(query);
-        EXPECT_EQ(cell_time[0], date_text(start_of_period_time));
-        EXPECT_EQ(cell_time[1], date_text(end_of_day_time));
+        EXPECT_EQ(result.cell_time[0], date_text(result.asked.period.start_of_period_time));
+        EXPECT_EQ(result.cell_time[1], date_text(end_of_day_time));
     }
 }
 
@@ -251,71 +255,71 @@ TEST_F(QueryData, ARecordMustPassAllFourFilters) {
                      line(4, "D:ann[2]C<7>") + line(5, "D:ann[2]K<8>"));
     filter_by("]K<", "<7>", ":ann[", "[2]");
     said_by_query(3);
-    EXPECT_EQ(cell_denied[1], 1u);
-    EXPECT_EQ(total(cell_denied), 1u);
-    EXPECT_EQ(total(cell_read), 1u);
+    EXPECT_EQ(result.cell_denied[1], 1u);
+    EXPECT_EQ(total(result.cell_denied), 1u);
+    EXPECT_EQ(total(result.cell_read), 1u);
     // The days of records that did not pass were read all the same.
-    EXPECT_EQ(first_cell_read, 5);
+    EXPECT_EQ(result.first_cell_read, 5);
 }
 
 TEST_F(QueryData, AFilterIsFoundAnywhereInTheRecord) {
     write_log(0, line(1, "S:<->[2]-<->") + line(2, "S:ann[2]-<5>"));
     filter_by(":<->[2]-<->");
     said_by_query(1);
-    EXPECT_EQ(total(cell_success), 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
     filter_by(std::to_string(noon(2)));
     said_by_query(1);
-    EXPECT_EQ(cell_success[2], 1u);
-    EXPECT_EQ(total(cell_success), 1u);
+    EXPECT_EQ(result.cell_success[2], 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
 }
 
 TEST_F(QueryData, UsersAreNotFoundInsideLongerNames) {
     write_log(0, line(1, "S:joann[2]-<->") + line(2, "S:ann[2]-<->") + line(3, "S:anna[2]-<->"));
     filter_by(":ann[");
     said_by_query(1);
-    EXPECT_EQ(total(cell_read), 1u);
-    EXPECT_EQ(cell_success[2], 1u);
+    EXPECT_EQ(total(result.cell_read), 1u);
+    EXPECT_EQ(result.cell_success[2], 1u);
 }
 
 TEST_F(QueryData, BitsAreCountedByNumber) {
     write_log(0, line(1, "B:ann[2]-<5>") + line(2, "b:ann[2]-<5>") + line(3, "B:ann[2]-<0>") +
                      line(4, "B:ann[2]-<->") + line(5, "S:ann[2]-<9>") + line(6, "P:a[2]a<11>"));
     EXPECT_EQ(said_by_query(4), "");
-    EXPECT_EQ(cell_success[5], 2u);
-    EXPECT_EQ(cell_success[0], 2u);
-    EXPECT_EQ(cell_success[9], 0u);
-    EXPECT_EQ(cell_read[9], 1);
-    EXPECT_EQ(cell_read[11], 1);
-    EXPECT_EQ(cell_read[10], 0);
-    EXPECT_EQ(cell_max, 2u);
-    EXPECT_EQ(total(cell_denied), 0u);
-    EXPECT_EQ(cell_success_max, 0u);
-    EXPECT_EQ(cell_denied_max, 0u);
-    EXPECT_EQ(highest_key_read, -1);
-    EXPECT_EQ(first_cell_read, -1);
+    EXPECT_EQ(result.cell_success[5], 2u);
+    EXPECT_EQ(result.cell_success[0], 2u);
+    EXPECT_EQ(result.cell_success[9], 0u);
+    EXPECT_EQ(result.cell_read[9], 1);
+    EXPECT_EQ(result.cell_read[11], 1);
+    EXPECT_EQ(result.cell_read[10], 0);
+    EXPECT_EQ(result.cell_max, 2u);
+    EXPECT_EQ(total(result.cell_denied), 0u);
+    EXPECT_EQ(result.cell_success_max, 0u);
+    EXPECT_EQ(result.cell_denied_max, 0u);
+    EXPECT_EQ(result.highest_key_read, -1);
+    EXPECT_EQ(result.first_cell_read, -1);
 }
 
 TEST_F(QueryData, KeysAreCountedByNumberAndEdition) {
     write_log(0, line(1, "D:ann[2]K<5>") + line(2, "D:ann[2]k<17>") + line(3, "D:ann[2]C<6>") +
                      line(4, "D:ann[2]C<6>") + line(5, "D:ann[2]B<30>"));
     said_by_query(5);
-    EXPECT_EQ(cell_success[5], 1u);
-    EXPECT_EQ(cell_success[17], 1u);
-    EXPECT_EQ(cell_success[6], 0u);
-    EXPECT_EQ(cell_max, 1u);
-    EXPECT_EQ(highest_key_read, 17);
-    EXPECT_EQ(cell_read[30], 1);
+    EXPECT_EQ(result.cell_success[5], 1u);
+    EXPECT_EQ(result.cell_success[17], 1u);
+    EXPECT_EQ(result.cell_success[6], 0u);
+    EXPECT_EQ(result.cell_max, 1u);
+    EXPECT_EQ(result.highest_key_read, 17);
+    EXPECT_EQ(result.cell_read[30], 1);
     GATEWARDEN_IS = 0;
     said_by_query(5);
-    EXPECT_EQ(cell_success[6], 2u);
-    EXPECT_EQ(total(cell_success), 2u);
-    EXPECT_EQ(cell_max, 2u);
-    EXPECT_EQ(highest_key_read, 6);
+    EXPECT_EQ(result.cell_success[6], 2u);
+    EXPECT_EQ(total(result.cell_success), 2u);
+    EXPECT_EQ(result.cell_max, 2u);
+    EXPECT_EQ(result.highest_key_read, 6);
     GATEWARDEN_IS = 2;
     said_by_query(5);
-    EXPECT_EQ(total(cell_success), 0u);
-    EXPECT_EQ(cell_max, 0u);
-    EXPECT_EQ(highest_key_read, -1);
+    EXPECT_EQ(total(result.cell_success), 0u);
+    EXPECT_EQ(result.cell_max, 0u);
+    EXPECT_EQ(result.highest_key_read, -1);
 }
 
 TEST_F(QueryData, NumbersOutsideTheArraysAreSkipped) {
@@ -323,47 +327,47 @@ TEST_F(QueryData, NumbersOutsideTheArraysAreSkipped) {
                      line(1, "B:a[2]-<4294967296>") + line(1, "B:a[2]-<99999999999999999999>") +
                      line(1, "B:a[2]-<-99999999999999999999>"));
     said_by_query(4);
-    EXPECT_EQ(total(cell_success), 1u);
-    EXPECT_EQ(total(cell_read), 1u);
-    EXPECT_EQ(cell_success[119], 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
+    EXPECT_EQ(total(result.cell_read), 1u);
+    EXPECT_EQ(result.cell_success[119], 1u);
 }
 
 TEST_F(QueryData, WordsWithoutAnOpeningAngleHaveNoNumber) {
     write_log(0, line(1, "B:a[2]-5>"));
     EXPECT_EQ(said_by_query(4), "");
-    EXPECT_EQ(total(cell_read), 0u);
-    EXPECT_EQ(earliest_read_time, noon(1));
+    EXPECT_EQ(total(result.cell_read), 0u);
+    EXPECT_EQ(result.earliest_read_time, noon(1));
 }
 
 TEST_F(QueryData, TheNumberStandsBehindTheFirstAngle) {
     write_log(0, line(1, "B:a<7>[2]-<5>"));
     said_by_query(4);
-    EXPECT_EQ(cell_success[7], 1u);
-    EXPECT_EQ(total(cell_success), 1u);
+    EXPECT_EQ(result.cell_success[7], 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
 }
 
 TEST_F(QueryData, TimesTooLargeForArithmeticNeitherCountNorCrash) {
     write_log(0, "9223372036854775807:S:a[1]-<->\n99999999999999999999999:S:a[1]-<->\n");
     for (int query = 1; query <= 6; ++query) EXPECT_EQ(said_by_query(query), "");
-    EXPECT_EQ(total(cell_read), 0u);
+    EXPECT_EQ(total(result.cell_read), 0u);
     write_log(0, "-99999999999999999999999:S:a[1]-<->\n");
     EXPECT_NE(said_by_query(1).find("records from -9223372036854775808\n"), std::string::npos);
-    EXPECT_EQ(first_cell_read, std::numeric_limits<std::int32_t>::max());
-    EXPECT_EQ(total(cell_read), 0u);
+    EXPECT_EQ(result.first_cell_read, std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(total(result.cell_read), 0u);
 }
 
 TEST_F(QueryData, AWordWithoutATimeIsFromTheEpoch) {
     write_log(0, "x:S:a[1]-<->\n");
     EXPECT_NE(said_by_query(1).find("records from " + time_text(0)), std::string::npos);
-    EXPECT_EQ(earliest_read_time, 0);
+    EXPECT_EQ(result.earliest_read_time, 0);
 }
 
 TEST_F(QueryData, TimesMayHaveSignsAndZeros) {
     write_log(0, record_at(noon(1), "S:a[1]-<->").insert(0, "+") + "\n" +
                      record_at(noon(2), "S:a[1]-<->").insert(0, "000") + "\n");
     said_by_query(1);
-    EXPECT_EQ(cell_success[1], 1u);
-    EXPECT_EQ(cell_success[2], 1u);
+    EXPECT_EQ(result.cell_success[1], 1u);
+    EXPECT_EQ(result.cell_success[2], 1u);
 }
 
 TEST_F(QueryData, ANulEndsTheRecordButNotTheReading) {
@@ -371,23 +375,23 @@ TEST_F(QueryData, ANulEndsTheRecordButNotTheReading) {
     const std::string blind = record_at(noon(2), std::string("S:a\0[1]-<->", 11));
     write_log(0, cut + "\n" + blind + "\n" + line(3, "S:a[1]-<->"));
     said_by_query(1);
-    EXPECT_EQ(cell_success[1], 1u);
-    EXPECT_EQ(cell_success[2], 0u);
-    EXPECT_EQ(cell_success[3], 1u);
+    EXPECT_EQ(result.cell_success[1], 1u);
+    EXPECT_EQ(result.cell_success[2], 0u);
+    EXPECT_EQ(result.cell_success[3], 1u);
 }
 
 TEST_F(QueryData, APartlyWrittenLastLineIsUsuallySkipped) {
     write_log(0, line(1, "S:a[1]-<->") + record_at(noon(1), "S:a[1]-<"));
     EXPECT_EQ(said_by_query(1), "");
-    EXPECT_EQ(total(cell_success), 1u);
+    EXPECT_EQ(total(result.cell_success), 1u);
 }
 
 TEST_F(QueryData, UnknownQueriesAreAnInternalFault) {
     for (const int query : {0, 7, -1, 300}) {
         EXPECT_EXIT(
             {
-                stdout = stderr;
-                get_query_data(query);
+                dup2(STDERR_FILENO, STDOUT_FILENO);
+                get_query_data(record_query(query, 1, {}, set_time_values()), logging_dir);
             },
             testing::ExitedWithCode(99), "Unexpected case in gatescope:get_query_data");
     }

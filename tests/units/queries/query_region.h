@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
+#include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -19,7 +20,6 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 #include "queries/query_drivers.h"
-#include "report/graph.h"
 
 /// A test with a region of its own, where clearprompt is a script that writes down its arguments
 /// and answers in the order in which the test says.
@@ -45,7 +45,6 @@ class QueryRegion : public testing::Test {
         // No message may outlive the test in the background.
         ZUL_REMOTE_CLIENT_USER = 1;
         GATEWARDEN_IS = 1;
-        graph_title.clear();
         options.selected_display = "n";
     }
     ~QueryRegion() override { std::filesystem::remove_all(directory_); }
@@ -76,27 +75,31 @@ class QueryRegion : public testing::Test {
 
     /// A log of today's records; each is what stands behind the time.
     void logged(const std::vector<std::string>& records) {
-        const long time = static_cast<long>(set_time_values());
+        const long time = static_cast<long>(set_time_values().end_of_day_time);
         std::string log;
         for (const std::string& record : records) log += std::to_string(time) + record + "\n";
         write("log/logging_0.txt", log);
     }
 
+    /// What the options and the operator's answers make of query 1 to 6: `graph_title`, `filters`
+    /// and `result`; false when a dialog was cancelled.
+    bool ask(int number) {
+        const auto asked = ask_for_query(number, options, GATEWARDEN_IS);
+        if (!asked) return false;
+        graph_title = asked->graph_title;
+        filters = asked->filters;
+        testing::internal::CaptureStdout();
+        result = get_query_data(record_query(number, GATEWARDEN_IS, filters, set_time_values()),
+                                path("log"));
+        testing::internal::GetCapturedStdout();
+        return true;
+    }
+
     /// Runs a driver as the main loop does.
     void run(void (*driver)(const Options&)) {
-        for (std::string* filter : {&GLOBAL_TEST_STRING_1, &GLOBAL_TEST_STRING_2,
-                                    &GLOBAL_TEST_STRING_3, &GLOBAL_TEST_STRING_4}) {
-            *filter = ANY_LOG_ENTRY;
-        }
         testing::internal::CaptureStdout();
         driver(options);
         testing::internal::GetCapturedStdout();
-    }
-
-    /// The filters of the last run.
-    static std::vector<std::string> filters() {
-        return {GLOBAL_TEST_STRING_1, GLOBAL_TEST_STRING_2, GLOBAL_TEST_STRING_3,
-                GLOBAL_TEST_STRING_4};
     }
 
     /// What the operator was asked: a line a dialog, its arguments in brackets.
@@ -111,11 +114,22 @@ class QueryRegion : public testing::Test {
         return number;
     }
 
+    /// The text of the first page found.
+    [[nodiscard]] std::string only_page() const {
+        const std::filesystem::directory_iterator first(path("results"));
+        return read("results/" + first->path().filename().string());
+    }
+
+    void gatebits_are(const std::string& text) const { write("gatebits.txt", text); }
+
     [[nodiscard]] std::string path(const std::string& name) const {
         return directory_ + "/" + name;
     }
 
     Options options;
+    std::string graph_title;
+    std::array<std::string, 4> filters;
+    QueryResult result;
 
   private:
     static constexpr char CLEARPROMPT_SCRIPT[] =

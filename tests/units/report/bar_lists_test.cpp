@@ -1,9 +1,6 @@
 #include "report/bar_lists.h"
 
-#include "policy/edition.h"
-#include "policy/gatebits_file.h"
 #include "units/report/page_text.h"
-#include "units/report/scratch_directory.h"
 
 using testing::HasSubstr;
 using testing::Not;
@@ -68,39 +65,32 @@ constexpr char ANY_ROW[] = "<tr BORDER=0 class=\"hot_row\" title=";
 class BitList : public PageText {
   protected:
     BitList() {
-        cell_time[0] = "first";
-        cell_time[1] = "last";
+        result.cell_time[0] = "first";
+        result.cell_time[1] = "last";
+    }
+
+    std::string bit_page() const {
+        return page_of([&](Page* page) { Display_Graph__hbars_Bits(result, page); });
     }
 };
 
 class KeyList : public BitList {
   protected:
-    KeyList() {
-        GATEWARDEN_IS = 1;
-        ENTERPRIZE_PERMISSION_FILE = directory_.path("gatebits.txt");
-        keys_are("");
-    }
-    ~KeyList() override { GATEWARDEN_IS = 1; }
-
-    /// Keys, one a line, behind a region block with a comment in it.
-    void keys_are(const std::string& keys) const {
-        directory_.write(
-            "gatebits.txt",
-            "gatewarden;;;east;\n;;O;\n#comment\n;;\n;;\n; ;\n; ;\n;;;\nD;0;\n" + keys);
+    std::string key_page() const {
+        return page_of([&](Page* page) { Display_Graph__hbars_Keys(result, lines, page); });
     }
 
     void counted(int key, std::uint32_t count) {
-        cell_success[static_cast<std::size_t>(key)] = count;
-        cell_max = std::max(cell_max, count);
-        highest_key_read = std::max(highest_key_read, key);
+        result.cell_success[static_cast<std::size_t>(key)] = count;
+        result.cell_max = std::max(result.cell_max, count);
+        result.highest_key_read = std::max(result.highest_key_read, key);
     }
 
-  private:
-    ScratchDirectory directory_;
+    KeyLines lines;
 };
 
 TEST_F(BitList, WithoutRecordsEachOfThe24BitsHasOnePixel) {
-    const std::string page = page_of(Display_Graph__hbars_Bits);
+    const std::string page = bit_page();
     EXPECT_EQ(times_in(page, ANY_ROW), 24);
     EXPECT_EQ(times_in(page,
                        "<td width=1 height=12 class=\"cell_failure\" ></td>\n"
@@ -115,11 +105,11 @@ TEST_F(BitList, WithoutRecordsEachOfThe24BitsHasOnePixel) {
 }
 
 TEST_F(BitList, BarsAndTitlesFollowTheCounts) {
-    cell_success[1] = 1;
-    cell_success[22] = 2;
-    cell_success[23] = 3;
-    cell_max = 3;
-    const std::string page = page_of(Display_Graph__hbars_Bits);
+    result.cell_success[1] = 1;
+    result.cell_success[22] = 2;
+    result.cell_success[23] = 3;
+    result.cell_max = 3;
+    const std::string page = bit_page();
     const std::string once = "The BIT__CHOWN_VOB_OWNER bit was invoked once during this period";
     const std::string twice =
         "The BIT__OWN_LIKE_PARENT_DIR bit was invoked 2 times during this period";
@@ -134,23 +124,22 @@ TEST_F(BitList, BarsAndTitlesFollowTheCounts) {
 }
 
 TEST_F(BitList, ATinyCountStillHasAPixel) {
-    cell_success[0] = 1;
-    cell_success[1] = 1000;
-    cell_max = 1000;
-    EXPECT_THAT(page_of(Display_Graph__hbars_Bits),
-                HasSubstr("<td width=1 height=12 class=\"cell_failure\" ></td>\n"
-                          "\t   <td height=12 class=\"cell_extra\" >:1</td>\n"
-                          "       <td width=399 "));
+    result.cell_success[0] = 1;
+    result.cell_success[1] = 1000;
+    result.cell_max = 1000;
+    EXPECT_THAT(bit_page(), HasSubstr("<td width=1 height=12 class=\"cell_failure\" ></td>\n"
+                                      "\t   <td height=12 class=\"cell_extra\" >:1</td>\n"
+                                      "       <td width=399 "));
 }
 
 TEST_F(BitList, IsAWholePage) {
-    const std::string page = page_of(Display_Graph__hbars_Bits);
+    const std::string page = bit_page();
     EXPECT_THAT(page, StartsWith("<!doctype html>\n"));
     EXPECT_TRUE(page.ends_with("</body>\n</html>\n"));
 }
 
 TEST_F(KeyList, WithoutDenialsSaysSoInOneRow) {
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     EXPECT_THAT(page, HasSubstr(opening("Key") + "<tr BORDER=0 >\n" + SIDE +
                                 "   <td >No matching data was available at the time</td>\n" + SIDE +
                                 "   <td align=center >-----------</td>\n" + SIDE +
@@ -160,10 +149,10 @@ TEST_F(KeyList, WithoutDenialsSaysSoInOneRow) {
 }
 
 TEST_F(KeyList, ListsTheKeysUpToTheHighestCounted) {
-    keys_are("pre_checkin;one;\n# not a key\n\n  mkbranch;two;\nlock;three;\nunlock;four;\n");
+    lines = {"pre_checkin;one;", "  mkbranch;two;", "lock;three;", "unlock;four;"};
     counted(1, 1);
     counted(3, 2);
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     const std::string one = "Key #1 was invoked once during this period";
     const std::string two = "Key #2 was not invoked during this period";
     const std::string three = "Key #3 was invoked 2 times during this period";
@@ -175,47 +164,40 @@ TEST_F(KeyList, ListsTheKeysUpToTheHighestCounted) {
 }
 
 TEST_F(KeyList, KeyZeroIsNeverListed) {
-    keys_are("lock;one;\n");
+    lines = {"lock;one;"};
     counted(0, 9);
     counted(1, 9);
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     EXPECT_EQ(times_in(page, ANY_ROW), 1);
     EXPECT_THAT(page, Not(HasSubstr("#0 ")));
 }
 
 TEST_F(KeyList, OnlyKeyZeroCountedListsNothing) {
     counted(0, 9);
-    EXPECT_THAT(page_of(Display_Graph__hbars_Keys), HasSubstr(opening("Key") + CLOSING));
+    EXPECT_THAT(key_page(), HasSubstr(opening("Key") + CLOSING));
 }
 
 TEST_F(KeyList, TagsOfAKeyAreEscapedAndNothingElseIs) {
-    keys_are("lock;<*>;&amp;\"'>;\nunlock;a&b \"c\";\n");
+    lines = {"lock;<*>;&amp;\"'>;", "unlock;a&b \"c\";"};
     counted(2, 1);
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     EXPECT_THAT(page, HasSubstr("   <td>lock;&lt;*&gt;;&amp;\"'&gt;;</td>\n"));
     EXPECT_THAT(page, HasSubstr("   <td>unlock;a&b \"c\";</td>\n"));
 }
 
 TEST_F(KeyList, AMissingKeyIsNamedAsSuch) {
+    lines = {std::nullopt};
     counted(119, 1);
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     EXPECT_EQ(times_in(page, "<td>----Key Not available (or commented out) at graph time----</td>"),
               119);
     EXPECT_THAT(page, HasSubstr("   <td>119#</td>\n"));
 }
 
-TEST_F(KeyList, TheLastKeyThatTheLineCounterReachesIsShown) {
-    std::string keys;
-    for (int key = 1; key <= 119; ++key) keys += "key " + std::to_string(key) + ";\n";
-    keys_are(keys);
-    counted(119, 1);
-    EXPECT_THAT(page_of(Display_Graph__hbars_Keys), HasSubstr("   <td>key 119;</td>\n"));
-}
-
 TEST_F(KeyList, TheLiteEditionCallsThemCpds) {
-    GATEWARDEN_IS = 0;
+    result.asked.edition = 0;
     counted(1, 2);
-    const std::string page = page_of(Display_Graph__hbars_Keys);
+    const std::string page = key_page();
     EXPECT_THAT(page,
                 HasSubstr(opening("CPD") +
                           row_start("CPD #1 was invoked 2 times during this period", "01",

@@ -4,10 +4,6 @@
 #include <csignal>
 
 #include "dialog/messages.h"
-#include "policy/edition.h"
-#include "policy/gatebits_file.h"
-#include "policy/region.h"
-#include "policy/tool_variables.h"
 #include "report/graph.h"
 #include "units/report/page_text.h"
 #include "units/report/scratch_directory.h"
@@ -25,22 +21,23 @@ constexpr char PAGE_1[] = "20260107_080905_Q01.html";
 class MakeGraph : public PageText {
   protected:
     MakeGraph() {
-        last_query_time = {5, 9, 8, 7, 0, 126};
-        results_dir = directory.path();
-        ENTERPRIZE_NAME = "east";
-        ENTERPRIZE_PERMISSION_FILE = directory.path("gatebits.txt");
+        result.asked.period.last_query_time = {5, 9, 8, 7, 0, 126};
+        region.results_dir = directory.path();
+        region.ENTERPRIZE_NAME = "east";
+        region.ENTERPRIZE_PERMISSION_FILE = directory.path("gatebits.txt");
         directory.write("gatebits.txt", "gatewarden;;;east;\n");
-        GS_VAR.fill("");
-        GATEWARDEN_IS = 1;
         ZUL_PREFER_GUI = 0;
-        browser.clear();
         unsetenv("ZUL_GATESCOPE_BROWSER");
     }
     ~MakeGraph() override { unsetenv("ZUL_GATESCOPE_BROWSER"); }
 
-    static std::string said_by_make_graph(int query, bool display = true) {
+    void make_graph(int query, bool display = true) {
+        result.asked.query = query;
+        Make_Graph({"Title", result, {}}, region, display);
+    }
+    std::string said_by_make_graph(int query, bool display = true) {
         testing::internal::CaptureStdout();
-        Make_Graph(query, display);
+        make_graph(query, display);
         return testing::internal::GetCapturedStdout();
     }
 
@@ -52,6 +49,7 @@ class MakeGraph : public PageText {
     }
 
     ScratchDirectory directory;
+    PageRegion region;
 };
 
 TEST_F(MakeGraph, ThePageIsNamedAfterTheMomentOfTheQuery) {
@@ -61,11 +59,10 @@ TEST_F(MakeGraph, ThePageIsNamedAfterTheMomentOfTheQuery) {
           "20260107_080905_Q04.html", "20260107_080905_Q05.html", "20260107_080905_Q06.html"}) {
         EXPECT_TRUE(fs::exists(directory.path(name))) << name;
     }
-    EXPECT_EQ(DISPLAY_STREAM, nullptr);
 }
 
 TEST_F(MakeGraph, EachQueryHasItsWriter) {
-    first_cell_read = 0;
+    result.first_cell_read = 0;
     for (int query = 1; query <= 6; ++query) said_by_make_graph(query, false);
     const auto page = [&](int query) {
         return directory.read("20260107_080905_Q0" + std::to_string(query) + ".html");
@@ -94,31 +91,31 @@ TEST_F(MakeGraph, WithoutDisplayALineNamesThePage) {
 }
 
 TEST_F(MakeGraph, TheLineShowsPercentSignsAsTheyAre) {
-    ENTERPRIZE_NAME = "100%% %s";
+    region.ENTERPRIZE_NAME = "100%% %s";
     EXPECT_THAT(said_by_make_graph(1, false), HasSubstr("for the region (100%% %s)."));
 }
 
 TEST_F(MakeGraph, WithoutABrowserThePageIsNamed) {
-    EXPECT_EQ(said_by_make_graph(1), "Gatescope query completed and html page\n(" +
-                                         directory.path(PAGE_1) +
-                                         ")\nwas built, but there is no browser defined by either\n"
-                                         "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
-                                         "in the gatebits file (" +
-                                         ENTERPRIZE_PERMISSION_FILE + ")\nfor region (east)\n");
+    EXPECT_EQ(said_by_make_graph(1),
+              "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
+                  ")\nwas built, but there is no browser defined by either\n"
+                  "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
+                  "in the gatebits file (" +
+                  region.ENTERPRIZE_PERMISSION_FILE + ")\nfor region (east)\n");
     EXPECT_THAT(directory.read(PAGE_1), HasSubstr("</html>\n"));
 }
 
 TEST_F(MakeGraph, AMissingBrowserOfTheGatebitsFileIsNamed) {
-    GS_VAR[UNIX_BROWSER] = directory.path("none");
+    region.browser = directory.path("none");
     EXPECT_EQ(said_by_make_graph(1),
               "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
                   ") was built, but Gatescope browser\n(" + directory.path("none") +
                   ") for region (east)\nas defined in the gatebits file (" +
-                  ENTERPRIZE_PERMISSION_FILE + ") does not exist\n");
+                  region.ENTERPRIZE_PERMISSION_FILE + ") does not exist\n");
 }
 
 TEST_F(MakeGraph, AMissingBrowserOfTheEnvironmentIsNamed) {
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    region.browser = browser_ending_with("0");
     setenv("ZUL_GATESCOPE_BROWSER", directory.path("none").c_str(), 1);
     EXPECT_EQ(said_by_make_graph(1),
               "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
@@ -129,22 +126,21 @@ TEST_F(MakeGraph, AMissingBrowserOfTheEnvironmentIsNamed) {
 }
 
 TEST_F(MakeGraph, AnEmptyVariableWinsToo) {
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    region.browser = browser_ending_with("0");
     setenv("ZUL_GATESCOPE_BROWSER", "", 1);
     EXPECT_THAT(said_by_make_graph(1),
                 HasSubstr("\n() for region (east)\nas defined by the environmental variable"));
 }
 
 TEST_F(MakeGraph, TheBrowserIsStartedOnThePage) {
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    region.browser = browser_ending_with("0");
     EXPECT_EQ(said_by_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
     EXPECT_EQ(directory.read("shown"), directory.path(PAGE_1) + "\n");
-    EXPECT_EQ(browser, directory.path("my browser"));
 }
 
 TEST_F(MakeGraph, TheEnvironmentOverridesTheBrowserOfTheFile) {
-    GS_VAR[UNIX_BROWSER] = directory.path("none");
+    region.browser = directory.path("none");
     setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
     EXPECT_EQ(said_by_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
@@ -152,23 +148,23 @@ TEST_F(MakeGraph, TheEnvironmentOverridesTheBrowserOfTheFile) {
 }
 
 TEST_F(MakeGraph, AChangedBrowserIsTakenUp) {
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    region.browser = browser_ending_with("0");
     said_by_make_graph(1);
-    GS_VAR[UNIX_BROWSER].clear();
+    region.browser.clear();
     EXPECT_THAT(said_by_make_graph(1), HasSubstr("no browser defined"));
 }
 
 TEST_F(MakeGraph, APagePathWithBlanksReachesTheBrowserInPieces) {
     fs::create_directory(directory.path("two  words"));
-    results_dir = directory.path("two  words");
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("0");
+    region.results_dir = directory.path("two  words");
+    region.browser = browser_ending_with("0");
     said_by_make_graph(1);
     EXPECT_EQ(directory.read("shown"),
               directory.path("two") + "\nwords/" + std::string(PAGE_1) + "\n");
 }
 
 TEST_F(MakeGraph, ABrowserThatFailsAtOnceIsReportedWithTheRawStatus) {
-    GS_VAR[UNIX_BROWSER] = browser_ending_with("3");
+    region.browser = browser_ending_with("3");
     EXPECT_EQ(said_by_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n"
               "Warning: return code=768 returned from " +
@@ -176,14 +172,14 @@ TEST_F(MakeGraph, ABrowserThatFailsAtOnceIsReportedWithTheRawStatus) {
 }
 
 TEST_F(MakeGraph, AFileThatCannotBeRunCountsAsABrowser) {
-    GS_VAR[UNIX_BROWSER] = ENTERPRIZE_PERMISSION_FILE;
+    region.browser = region.ENTERPRIZE_PERMISSION_FILE;
     EXPECT_THAT(said_by_make_graph(1), HasSubstr("Warning: return code=32256 returned from " +
-                                                 ENTERPRIZE_PERMISSION_FILE + "...\n"));
+                                                 region.ENTERPRIZE_PERMISSION_FILE + "...\n"));
 }
 
 TEST_F(MakeGraph, TheStatusOfABrowserThatWasUsedIsIgnored) {
     directory.write_program("used", "sleep 3\nexit 3\n");
-    GS_VAR[UNIX_BROWSER] = directory.path("used");
+    region.browser = directory.path("used");
     EXPECT_THAT(said_by_make_graph(1), Not(HasSubstr("Warning")));
 }
 
@@ -199,11 +195,11 @@ void limit_file_size(rlim_t bytes) {
 }
 
 TEST_F(MakeGraph, APageThatCannotBeOpenedEndsTheProgram) {
-    results_dir = directory.path("nowhere");
+    region.results_dir = directory.path("nowhere");
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(1, true);
+            make_graph(1);
         },
         ExitedWithCode(99),
         testing::Eq("Could not create/open results file (" + directory.path("nowhere/") + PAGE_1 +
@@ -215,7 +211,7 @@ TEST_F(MakeGraph, AFullDiskEndsTheProgram) {
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(1, true);
+            make_graph(1);
         },
         ExitedWithCode(99),
         testing::Eq("ERROR: The results file (" + directory.path(PAGE_1) +
@@ -228,7 +224,7 @@ TEST_F(MakeGraph, APageThatOutgrowsTheFileSizeLimitEndsTheProgram) {
         {
             say_it_on_standard_error();
             limit_file_size(6000);
-            Make_Graph(1, true);
+            make_graph(1);
         },
         ExitedWithCode(99),
         HasSubstr(std::string(PAGE_1) + ") could not be written whole (File too large)."));
@@ -239,7 +235,7 @@ TEST_F(MakeGraph, AnotherNumberIsAnInternalFault) {
     EXPECT_EXIT(
         {
             say_it_on_standard_error();
-            Make_Graph(7, true);
+            make_graph(7);
         },
         ExitedWithCode(99),
         testing::Eq("Internal Error: Inform ZUL: Unexpected case in gatescope:Make_Graph\n\n"));

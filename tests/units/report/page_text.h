@@ -3,28 +3,20 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 
 #include "logs/query_data.h"
-#include "report/graph.h"
+#include "report/page.h"
 
 // What the page writers print, and parts of it.
 
-/// What `write` prints to DISPLAY_STREAM.
+/// The page of that title that `write` makes.
 template <typename Writer>
-std::string page_of(Writer write) {
-    char* bytes = nullptr;
-    std::size_t size = 0;
-    DISPLAY_STREAM = open_memstream(&bytes, &size);
-    write();
-    std::fclose(DISPLAY_STREAM);
-    DISPLAY_STREAM = nullptr;
-    const std::string page(bytes, size);
-    std::free(bytes);
-    return page;
+std::string page_of(Writer write, const std::string& graph_title = "Title") {
+    Page page(graph_title);
+    write(&page);
+    return page.text();
 }
 
 /// How often `part` stands in `text`.
@@ -37,7 +29,7 @@ inline int times_in(std::string_view text, std::string_view part) {
     return times;
 }
 
-/// The piece of `text` from `begin` up to, and without, the next `end` behind it; empty when
+/// The piece of `text` from `begin` up to, and without, the next `end` after it; empty when
 /// either is missing.
 inline std::string piece(const std::string& text, const std::string& begin,
                          const std::string& end) {
@@ -51,14 +43,10 @@ inline std::string piece(const std::string& text, const std::string& begin,
 class PageText : public testing::Test {
   protected:
     PageText() {
-        cell_success.fill(0);
-        cell_denied.fill(0);
-        cell_read.fill(0);
-        cell_success_max = cell_denied_max = cell_max = 0;
-        first_cell_read = highest_key_read = -1;
-        for (std::size_t day = 0; day < cell_time.size(); ++day) {
-            cell_time[day] = "day " + std::to_string(day);
+        for (std::size_t day = 0; day < result.cell_time.size(); ++day) {
+            result.cell_time[day] = "day " + std::to_string(day);
         }
-        graph_title = "Title";
     }
+
+    QueryResult result;
 };

@@ -5,43 +5,41 @@ using testing::Not;
 
 namespace {
 
-class SingleGraphs : public PageText {};
+class SingleGraphs : public TimeGraphText {};
 
 TEST_F(SingleGraphs, UsesAreOneRedBarADay) {
-    cell_success[2] = 3;
-    cell_denied[2] = 99;
-    cell_success_max = 4;
-    cell_denied_max = 99;
-    cell_max = 102;
-    cell_read[2] = 1;
-    first_cell_read = 2;
+    result.cell_success[2] = 3;
+    result.cell_denied[2] = 99;
+    result.cell_success_max = 4;
+    result.cell_denied_max = 99;
+    result.cell_max = 102;
+    result.cell_read[2] = 1;
+    result.first_cell_read = 2;
     const std::string title =
         "Matching bits were invoked 3 times through Gatewarden policy on day 2";
-    const std::string page = page_of([] { Display_Graph__success_only("bits"); });
+    const std::string page = bits_page();
     EXPECT_EQ(column(page, 2), column_start(2) + part("cell_extra", 25, title) +
                                    part("cell_failure", 75, title) + LINE +
                                    column_end(2, "time_block_populated"));
-    EXPECT_EQ(cell_max, 4U);
     EXPECT_THAT(page, Not(HasSubstr("class=\"cell_success\"")));
 }
 
 TEST_F(SingleGraphs, DenialsAreOneRedBarADay) {
-    cell_success[2] = 99;
-    cell_denied[2] = 3;
-    cell_success_max = 99;
-    cell_denied_max = 4;
-    first_cell_read = 2;
+    result.cell_success[2] = 99;
+    result.cell_denied[2] = 3;
+    result.cell_success_max = 99;
+    result.cell_denied_max = 4;
+    result.first_cell_read = 2;
     const std::string title = "Matching keys were invoked 3 times to deny command usage on day 2";
-    const std::string page = page_of([] { Display_Graph__denied_only("keys"); });
+    const std::string page = keys_page();
     EXPECT_EQ(column(page, 2), column_start(2) + part("cell_extra", 25, title) +
                                    part("cell_failure", 75, title) + LINE +
                                    column_end(2, "time_block_unpopulated"));
-    EXPECT_EQ(cell_max, 4U);
 }
 
 TEST_F(SingleGraphs, ADayWithoutUsesHasItsTitleToo) {
-    first_cell_read = 0;
-    const std::string page = page_of([] { Display_Graph__success_only("bits"); });
+    result.first_cell_read = 0;
+    const std::string page = bits_page();
     EXPECT_THAT(column(page, 0),
                 HasSubstr(part("cell_extra", 100,
                                "Matching bits were invoked 0 times through Gatewarden policy on "
@@ -49,15 +47,15 @@ TEST_F(SingleGraphs, ADayWithoutUsesHasItsTitleToo) {
 }
 
 TEST_F(SingleGraphs, OlderDaysSayOnceThatThereWasNoData) {
-    const std::string page = page_of([] { Display_Graph__denied_only("keys"); });
+    const std::string page = keys_page();
     EXPECT_EQ(column(page, 119),
               column_start(119) + no_data(119) + column_end(119, "time_block_unpopulated"));
     EXPECT_EQ(times_in(page, "No data was available"), 120);
 }
 
 TEST_F(SingleGraphs, TheScaleColumnIsAsHighAsTheBars) {
-    cell_success_max = 12;
-    const std::string page = page_of([] { Display_Graph__success_only("bits"); });
+    result.cell_success_max = 12;
+    const std::string page = bits_page();
     const std::string scale =
         piece(page, "<table class=\"tight\" >\n<tr>\n   <td valign=top >", "<!-- cell");
     EXPECT_THAT(scale, HasSubstr("class=\"cell_text_top\" height=49 align=right > 12 </td>"));

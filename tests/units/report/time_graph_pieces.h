@@ -60,12 +60,22 @@ inline std::string column(const std::string& page, int day) {
     return piece(page, column_start(day), next);
 }
 
-/// A twist page of a region whose oldest record is `first_cell` days old.
-inline std::string twist_page(int first_cell) {
-    first_cell_read = first_cell;
-    for (std::size_t day = 0; day < cell_success.size(); ++day) {
-        cell_success_max = std::max(cell_success_max, cell_success[day]);
-        cell_denied_max = std::max(cell_denied_max, cell_denied[day]);
+/// A test of time graphs.
+class TimeGraphText : public PageText {
+  protected:
+    /// A twist page of a region whose oldest record is `first_cell` days old.
+    std::string twist_page(int first_cell) {
+        result.first_cell_read = first_cell;
+        for (std::size_t day = 0; day < result.cell_success.size(); ++day) {
+            result.cell_success_max = std::max(result.cell_success_max, result.cell_success[day]);
+            result.cell_denied_max = std::max(result.cell_denied_max, result.cell_denied[day]);
+        }
+        return page_of([&](Page* page) { Display_Graph__twist(result, page); });
     }
-    return page_of(Display_Graph__twist);
-}
+    std::string bits_page() const {
+        return page_of([&](Page* page) { Display_Graph__success_only(result, "bits", page); });
+    }
+    std::string keys_page() const {
+        return page_of([&](Page* page) { Display_Graph__denied_only(result, "keys", page); });
+    }
+};

@@ -6,7 +6,7 @@ using testing::StartsWith;
 
 namespace {
 
-class TimeGraphs : public PageText {};
+class TimeGraphs : public TimeGraphText {};
 
 TEST_F(TimeGraphs, HaveOneColumnADayTheOldestOnTheLeft) {
     const std::string page = twist_page(0);
