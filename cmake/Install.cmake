@@ -25,12 +25,21 @@ install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope-files.5
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
 install(FILES ${PROJECT_BINARY_DIR}/completion/gatescope DESTINATION ${GATESCOPE_COMPLETION_DIR})
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+              ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
 # In the same places beside each other as in the sources, so that their links lead somewhere.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png
         PATTERN manual EXCLUDE)
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPLES_DIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPLES_DIR}
+        PATTERN gatescope-report.service EXCLUDE)
+# systemd wants the program's whole path.
+install(CODE "
+  set(service ${PROJECT_SOURCE_DIR}/examples/systemd/gatescope-report.service)
+  set(work_directory ${PROJECT_BINARY_DIR}/examples)
+  set(program_path \${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/gatescope)
+  set(destination \${CMAKE_INSTALL_PREFIX}/${GATESCOPE_EXAMPLES_DIR}/systemd)")
+install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/install_service.cmake)
 
 install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/record_files.cmake)
 

@@ -15,16 +15,32 @@ command=$(sed -n 's/^15 2 \* \* \* gatewarden //p' "$table")
 [ -n "$command" ] || fail "there is no job"
 
 # One variable a line, none with a blank.
-# shellcheck disable=SC2086
-env -i PATH="$build:/usr/bin:/bin" CLEARCASE_USER=op $environment /bin/sh -c "$command" \
-    >"$work/output" 2>&1 || fail "the job ends with $?: $(cat "$work/output")"
-if grep -q 'failed with status' "$work/output"; then fail "$(cat "$work/output")"; fi
+as_cron() {
+    # shellcheck disable=SC2086
+    env -i PATH="$build:/usr/bin:/bin" CLEARCASE_USER=op $environment /bin/sh -c "$1" \
+        >"$work/output" 2>&1 </dev/null
+}
+as_cron "$command" || fail "the job ends with $?: $(cat "$work/output")"
+if grep -q 'made no page' "$work/output"; then fail "$(cat "$work/output")"; fi
 expect_one_page
+
+# The same by the lines that the page on jobs gives for a script.
+script=$(sed -n '/^    output=/,/^    fi$/p' "$source/docs/scheduled-jobs.md")
+as_cron "$script" || fail "the script for jobs finds no page: $(cat "$work/output")"
+rm "$work"/east/query_results/*
+
+# A run that would have to ask ends with 110, too, without a page: both say so.
+without_command=$(printf '%s\n' "$command" | sed 's/ C=\\\*//')
+[ "$without_command" != "$command" ] || fail "the job gives no command"
+as_cron "$without_command" || fail "the job ends with $?"
+grep -q 'gatescope made no page; its status is 110' "$work/output" ||
+    fail "a job that could not ask does not say that there is no page: $(cat "$work/output")"
+if as_cron "$(printf '%s\n' "$script" | sed 's/ C=\\\*//')"; then
+    fail "the script for jobs takes a run without a page for a success"
+fi
 
 # And when the policy file is not there, it says so.
 rm "$work/east/gatebits.txt"
-# shellcheck disable=SC2086
-env -i PATH="$build:/usr/bin:/bin" CLEARCASE_USER=op $environment /bin/sh -c "$command" \
-    >"$work/output" 2>&1 || true
-grep -q 'gatescope failed with status 1' "$work/output" ||
+as_cron "$command" || true
+grep -q 'gatescope made no page; its status is 1$' "$work/output" ||
     fail "a job without a policy file does not say that it failed: $(cat "$work/output")"

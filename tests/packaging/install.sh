@@ -28,9 +28,15 @@ for file in bin/gatescope share/man/man1/gatescope.1 share/man/man5/gatescope-fi
     share/doc/gatescope/examples/systemd/gatescope-report.timer; do
     [ -s "$prefix/$file" ] || fail "$file was not installed"
 done
+grep -qx 'ExecStart=/opt/tools/bin/gatescope Q=1 .*' \
+    "$prefix/share/doc/gatescope/examples/systemd/gatescope-report.service" ||
+    fail "the service does not start what was installed"
 [ -x "$prefix/bin/gatescope" ] || fail "the program cannot be executed"
-for link in $(grep -oE '\]\([^):]+\)' "$prefix/share/doc/gatescope/README.md" | tr -d ']()'); do
-    [ -e "$prefix/share/doc/gatescope/$link" ] || fail "the README leads to $link, which is not there"
+for page in README.md CONTRIBUTING.md SECURITY.md; do
+    for link in $(grep -oE '\]\([^):]+\)' "$prefix/share/doc/gatescope/$page" | tr -d ']()'); do
+        [ -e "$prefix/share/doc/gatescope/${link%#*}" ] ||
+            fail "$page leads to $link, which is not there"
+    done
 done
 closed=$(find "$prefix/share/doc/gatescope" "$prefix/share/bash-completion" ! -perm -044)
 [ -z "$closed" ] || fail "not readable for all: $closed"
