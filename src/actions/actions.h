@@ -8,29 +8,14 @@
 void A_1(bool display);
 /// Shows the view/change submenu and runs what is picked there; says which menu comes next.
 void A_2(Run& run);
-/// The region's fields; each views and changes one of them. The depots return what
-/// view_change_depot returns.
-int A_4();
-int A_5();
-void A_6();
-void A_7();
-void A_8();
-void A_9();
-void A_10();
-void A_11();
-void A_12();
-void A_13();
-void A_14();
-void A_15();
-void A_16();
 /// Aliases: add, delete a definition, delete references, update.
-void A_17();
-void A_18();
-void A_19();
-void A_20();
+LastAnswer A_17();
+LastAnswer A_18();
+LastAnswer A_19();
+LastAnswer A_20();
 /// Command keys: view, change or delete; add.
-void A_21();
-void A_22();
+LastAnswer A_21();
+LastAnswer A_22();
 /// Runs the checker over the gatebits file and lets it report; a failure is told unless the
 /// installer runs.
 void A_23(bool during_install);
@@ -44,12 +29,18 @@ int A_27();
 void A_28(Run& run);
 void A_29(Run& run);
 
+/// How a guarded action ended.
+struct Guarded {
+    /// 1 when the file is no worse than before, 0 when the check could not be run or the path
+    /// entered does not hold.
+    int holds;
+    LastAnswer last_answer;
+};
+
 /// Runs action n (one that can damage the gatebits file) between two checks of the file, and
 /// again while the file got no better; an operator who leaves it three times in a row without a
-/// change is let go unless the file has more errors than at the start. 1 when the file is no worse
-/// than before, 0 when the check could not be run or the path entered does not hold. Gripes for any
-/// other number.
-int A_X(Run& run, int n);
+/// change is let go unless the file has more errors than at the start. Gripes for any other number.
+Guarded A_X(Run& run, int n);
 
 /// 1, after telling the operator that the action of this title is not available, when the
 /// installer started the program; else 0.

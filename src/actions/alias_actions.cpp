@@ -1,9 +1,11 @@
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "actions/actions.h"
+#include "actions/field_editors.h"
 #include "actions/picks.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
@@ -66,50 +68,56 @@ Picked picked_definition(const std::string& pick, const char* fault) {
 }
 
 /// Prompts until the answer is acceptable; a rejected one's message takes the place of
-/// `question`. A DialogCode.
-int prompt_until_ok(const std::string& question, const std::string& def,
-                    int (*is_ok)(const std::string& value), std::string* answer) {
-    TMSG = question;
-    do {
-        GATEWARDEN_RESULT_STRING.clear();
-        if (prompt(TMSG, def) == CANCELLED) return CANCELLED;
-        *answer = GATEWARDEN_RESULT_STRING;
-    } while (is_ok(*answer) == 0);
-    return ANSWERED;
+/// `question`. The answer, or nothing when the operator cancels.
+std::optional<std::string> prompt_until_ok(std::string question, const std::string& def,
+                                           Validity (*is_ok)(const std::string& value)) {
+    while (const auto answer = prompt(question, def)) {
+        const Validity validity = is_ok(*answer);
+        if (validity.accepted()) return answer;
+        question = validity.message();
+    }
+    return std::nullopt;
 }
 
-int prompt_for_value(const std::string& name, const std::string& def, std::string* value) {
+std::optional<std::string> prompt_for_value(const std::string& name, const std::string& def) {
     return prompt_until_ok(filled(ALIAS_VALUE_PROMPT, name.c_str(), MAX_ALIAS_VALUE), def,
-                           alias_value_is_ok, value);
+                           alias_value_is_ok);
 }
 
-int prompt_for_name(std::string* name) {
-    return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "", alias_name_is_ok, name);
+std::optional<std::string> prompt_for_name() {
+    return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "", alias_name_is_ok);
 }
 
 }  // namespace
 
-void A_17() {
-    if (build_alias_list() >= MAX_ALIASES) return advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
-    std::string name;
-    std::string value;
-    int consent = DECLINED;
-    while (consent == DECLINED) {
-        if (prompt_for_name(&name) == CANCELLED) return;
-        if (prompt_for_value(name, "", &value) == CANCELLED) return;
-        consent = confirm_add(ALIAS_ADDITION, definition(name, value), value);
+LastAnswer A_17() {
+    if (build_alias_list() >= MAX_ALIASES) {
+        advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
+        return {};
     }
-    if (consent != CONFIRMED) return;
-    add_change_remove_an_alias(ADD_ALIAS, name, value);
-    add_confirmed_alias(definition(name, value));
+    while (the_sun_rises) {
+        const auto name = prompt_for_name();
+        if (!name) return UNANSWERED;
+        const auto value = prompt_for_value(*name, "");
+        if (!value) return UNANSWERED;
+        const std::string line = definition(*name, *value);
+        const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
+        if (consent == DECLINED) continue;
+        if (consent == CONFIRMED) {
+            add_change_remove_an_alias(ADD_ALIAS, *name, *value);
+            add_confirmed_alias(line);
+        }
+        return value;
+    }
 }
 
-void A_18() {
-    if (!there_are_aliases()) return;
-    if (pick_one(REMOVE_DEFINITION_TITLE, alias_list(definition_entry)) == CANCELLED) return;
-    const std::string name = picked_definition(GATEWARDEN_RESULT_STRING, INTERNAL_ERROR_A_18).name;
-    TMSG = filled(REMOVE_REFERENCES_TOO_QUESTION, filled(ALIAS_REFERENCE, name.c_str()).c_str());
-    switch (ask(TMSG, "yes", "yes,no,abort")) {
+LastAnswer A_18() {
+    if (!there_are_aliases()) return {};
+    const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(definition_entry));
+    if (!pick) return UNANSWERED;
+    const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
+    const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
+    switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
         case YES:
             add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO);
             break;
@@ -119,32 +127,37 @@ void A_18() {
         default:
             break;
     }
+    return pick;
 }
 
-void A_19() {
-    if (!there_are_aliases()) return;
-    if (pick_one(REMOVE_REFERENCES_TITLE, alias_list(reference_entry)) == CANCELLED) return;
-    const std::string reference =
-        GATEWARDEN_RESULT_STRING.substr(0, GATEWARDEN_RESULT_STRING.find(' '));
+LastAnswer A_19() {
+    if (!there_are_aliases()) return {};
+    const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(reference_entry));
+    if (!pick) return UNANSWERED;
+    const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
-    TMSG = filled(REMOVE_REFERENCES_QUESTION, reference.c_str());
-    if (ask(TMSG, "yes", "yes,abort") != YES) return;
-    add_change_remove_an_alias(REMOVE_ALIAS_REFERENCES, reference, DEFINITION_ONLY);
+    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), "yes", "yes,abort") == YES) {
+        add_change_remove_an_alias(REMOVE_ALIAS_REFERENCES, reference, DEFINITION_ONLY);
+    }
+    return pick;
 }
 
-void A_20() {
-    if (!there_are_aliases()) return;
-    int consent = DECLINED;
-    Picked picked;
-    std::string value;
-    while (consent == DECLINED) {
-        if (pick_one(UPDATE_DEFINITION_TITLE, alias_list(definition_entry)) == CANCELLED) return;
-        picked = picked_definition(GATEWARDEN_RESULT_STRING, INTERNAL_ERROR_A_20);
-        if (prompt_for_value(picked.name, picked.value, &value) == CANCELLED) return;
-        consent = confirm_change(filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
-                                 picked.value, value);
+LastAnswer A_20() {
+    if (!there_are_aliases()) return {};
+    while (the_sun_rises) {
+        const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(definition_entry));
+        if (!pick) return UNANSWERED;
+        const Picked picked = picked_definition(*pick, INTERNAL_ERROR_A_20);
+        const auto value = prompt_for_value(picked.name, picked.value);
+        if (!value) return UNANSWERED;
+        const Change change = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
+                               picked.value, *value};
+        const Consent consent = confirm_change(change);
+        if (consent == DECLINED) continue;
+        if (consent == CONFIRMED) {
+            add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value);
+            change_confirmed(change);
+        }
+        return value;
     }
-    if (consent != CONFIRMED) return;
-    add_change_remove_an_alias(CHANGE_ALIAS, picked.name, value);
-    change_confirmed();
 }

@@ -4,7 +4,6 @@
 
 #include "actions/field_editors.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
@@ -31,11 +30,11 @@ std::string question_about(const std::string& depot, const char* entry, const st
 
 }  // namespace
 
-int make_depot_first_if_needed(const std::string& entry, const std::string& os) {
+DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os) {
     const std::string question = question_about(depot_of(os), entry.c_str(), os);
-    if (question.empty()) return DEPOT_IS_THERE;
-    TMSG = question;
-    if (ask(TMSG, "yes", "yes,no") != YES) return NO_DEPOT;
-    if (view_change_depot(os) == LEFT) return NO_DEPOT;
-    return depot_of(os).empty() ? NO_DEPOT : DEPOT_NOW_DEFINED;
+    if (question.empty()) return {DepotFirst::IS_THERE, std::nullopt};
+    if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, std::nullopt};
+    const Edit edit = view_change_depot(os);
+    const bool defined = edit.ended == Edited::WRITTEN && !depot_of(os).empty();
+    return {defined ? DepotFirst::NOW_DEFINED : DepotFirst::MISSING, edit.last_answer};
 }

@@ -1,5 +1,7 @@
 #include <sys/stat.h>
 
+#include <string>
+
 #include "actions/actions.h"
 #include "actions/menus.h"
 #include "actions/requests.h"
@@ -21,17 +23,18 @@ namespace {
 constexpr int TIMES_LEFT_UNCHANGED = 3;
 
 /// What the submenu has for the installer only, the main loop runs and not the submenu itself.
-void run_submenu_pick(Run& run, const std::string& QUERY_OR_ACTION) {
+LastAnswer run_submenu_pick(Run& run, const std::string& QUERY_OR_ACTION) {
     const Request* request = request_labelled(QUERY_OR_ACTION);
-    if (request == nullptr) return;
-    if (request->in_submenu == Shown::NO || request->in_submenu == Shown::TO_INSTALLER_ONLY) return;
-    request->execute(run);
+    if (request == nullptr) return {};
+    if (request->in_submenu == Shown::NO || request->in_submenu == Shown::TO_INSTALLER_ONLY) {
+        return {};
+    }
+    return request->execute(run);
 }
 
 void leave_submenu(Run& run) {
     if (run.options.runs_once() || run.options.IS_DURING_INSTALL) clean_exit(0);
     run.chapter = MAIN_MENU;
-    GATEWARDEN_RESULT_STRING.clear();
 }
 
 /// Actions that enter a path outside the gatebits file: the checker does not judge that path, so
@@ -94,13 +97,6 @@ Verdict verdict_after(const Before& before) {
     return no_better ? Verdict::REENTER : Verdict::GOOD_ENOUGH;
 }
 
-/// Runs the handler; whether it left the file other than it was.
-bool changes_the_file(const Request& request, Run& run) {
-    const std::string bytes = read_gatebits_bytes();
-    request.handler(run);
-    return read_gatebits_bytes() != bytes;
-}
-
 /// Whether the errors that are counted now are no more than those at the start of the action. A
 /// file that had none before the last run has more than that.
 bool no_more_errors_than(const Before& at_entry, const Before& before_last_run) {
@@ -110,32 +106,37 @@ bool no_more_errors_than(const Before& at_entry, const Before& before_last_run) 
 }  // namespace
 
 void A_2(Run& run) {
-    GATEWARDEN_RESULT_STRING.clear();
-    while (GATEWARDEN_RESULT_STRING.empty() || is_separator(GATEWARDEN_RESULT_STRING)) {
-        run.chapter = SUBMENU;
-        const bool during_install = run.options.IS_DURING_INSTALL;
-        TMSG = submenu_title(ENTERPRIZE_NAME, during_install);
-        const std::string CHOICES = submenu_entries(during_install);
-        if (make_selection(TMSG, CHOICES, SINGLE_CHOICE) == CANCELLED) return leave_submenu(run);
-        const std::string QUERY_OR_ACTION = GATEWARDEN_RESULT_STRING;
-        run_submenu_pick(run, QUERY_OR_ACTION);
+    const bool during_install = run.options.IS_DURING_INSTALL;
+    run.chapter = SUBMENU;
+    // What was answered last while the pick ran decides whether the submenu comes up again here: it
+    // does after an empty answer, and after one that reads like a separator.
+    std::string last_answer;
+    while (last_answer.empty() || is_separator(last_answer)) {
+        const auto pick = make_selection(submenu_title(ENTERPRIZE_NAME, during_install),
+                                         submenu_entries(during_install), SINGLE_CHOICE);
+        if (!pick) return leave_submenu(run);
+        last_answer = run_submenu_pick(run, *pick).value_or(*pick);
     }
 }
 
-int A_X(Run& run, int n) {
+Guarded A_X(Run& run, int n) {
     Before before = look_before();
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
+    LastAnswer last_answer;
     for (int times_unchanged = 0;; before = look_before()) {
-        times_unchanged = changes_the_file(*request, run) ? 0 : times_unchanged + 1;
-        if (const PathAction* action = path_action(n)) return path_holds(*action);
+        const std::string bytes = read_gatebits_bytes();
+        // A run without a dialog leaves the answer of the run before.
+        if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
+        times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
+        if (const PathAction* action = path_action(n)) return {path_holds(*action), last_answer};
 
         const Verdict verdict = verdict_after(before);
-        if (verdict == Verdict::NOT_CHECKED) return 0;
-        if (verdict == Verdict::GOOD_ENOUGH) return 1;
+        if (verdict == Verdict::NOT_CHECKED) return {0, last_answer};
+        if (verdict == Verdict::GOOD_ENOUGH) return {1, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED && no_more_errors_than(at_entry, before)) {
-            return 1;
+            return {1, last_answer};
         }
         advise_wait(AX_MSG);
     }
@@ -145,10 +146,9 @@ int A_during_install(bool during_install, const char* title) {
     if (!during_install) return 0;
     const std::string label = title;
     const auto dash = label.find(LABEL_DASH);
-    TMSG = dash == std::string::npos
-               ? NO_LABEL_DURING_INSTALL
-               : filled(NOT_DURING_INSTALL,
-                        label.substr(dash + std::string(LABEL_DASH).size()).c_str());
-    advise_wait(TMSG);
+    advise_wait(dash == std::string::npos
+                    ? NO_LABEL_DURING_INSTALL
+                    : filled(NOT_DURING_INSTALL,
+                             label.substr(dash + std::string(LABEL_DASH).size()).c_str()));
     return 1;
 }

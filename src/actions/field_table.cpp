@@ -3,12 +3,10 @@
 #include "actions/bits_field.h"
 #include "actions/picks.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
-#include "policy/validators.h"
 
 namespace {
 
@@ -20,12 +18,17 @@ std::string field_as_read(const FieldEditor& editor) {
 
 /// The validator's message takes the prompt's place until a value passes; what is already there
 /// to be edited stays the field's value.
-int typed_value(const FieldEditor& editor, const std::string& current, std::string* value) {
-    do {
-        if (prompt(TMSG, current) == CANCELLED) return CANCELLED;
-        *value = GATEWARDEN_RESULT_STRING;
-    } while (editor.kind->is_ok(*value, editor.subject) == 0);
-    return ANSWERED;
+Entered typed_value(const FieldEditor& editor, const std::string& question,
+                    const std::string& current) {
+    std::string text = question;
+    std::string last_answer;
+    while (const auto value = prompt(text, current)) {
+        last_answer = *value;
+        const Validity validity = editor.kind->is_ok(*value, editor.subject);
+        if (validity.accepted()) return {value, last_answer};
+        text = validity.message();
+    }
+    return {std::nullopt, last_answer};
 }
 
 /// A cleared depot takes with it what stands on it.
@@ -115,10 +118,10 @@ constexpr FieldKind MOTD_LIST = {
 
 // Picked letters.
 
-int picked_letter(const FieldEditor& editor, const std::string&, std::string* value) {
-    if (pick_one(TMSG, editor.example) == CANCELLED) return CANCELLED;
-    *value = GATEWARDEN_RESULT_STRING.substr(0, 1);
-    return ANSWERED;
+Entered picked_letter(const FieldEditor& editor, const std::string& title, const std::string&) {
+    const auto pick = pick_one(title, editor.example);
+    if (!pick) return {};
+    return {pick->substr(0, 1), *pick};
 }
 
 const char* or_when_empty(const std::string& value, const char* when_empty) {
@@ -151,11 +154,10 @@ std::string bits_as_read(const FieldEditor& editor) {
     return field_as_read(editor).substr(0, NUMBER_OF_BITS);
 }
 
-int picked_bits(const FieldEditor&, const std::string& current, std::string* value) {
-    const std::string entries = bit_entries(bit_state(current));
-    if (show_list(TMSG, entries, MULTIPLE_CHOICE) == CANCELLED) return CANCELLED;
-    *value = state_with_only(GATEWARDEN_RESULT_STRING);
-    return ANSWERED;
+Entered picked_bits(const FieldEditor&, const std::string& title, const std::string& current) {
+    const auto picks = make_selection(title, bit_entries(bit_state(current)), MULTIPLE_CHOICE);
+    if (!picks) return {};
+    return {state_with_only(*picks), *picks};
 }
 
 constexpr FieldKind BITS = {
@@ -167,19 +169,19 @@ constexpr FieldKind BITS = {
 };
 
 constexpr FieldEditor EDITORS[] = {
-    {4, &DEPOT, DEPOT_LINE, 1, WINDOWS_OS, WINDOWS_DEPOT_EXAMPLE},
-    {5, &DEPOT, DEPOT_LINE, 2, UNIX_OS, UNIX_DEPOT_EXAMPLE},
-    {6, &PARENT, PARENT_LINE, 1, WINDOWS_OS, WINDOWS_PARENT_EXAMPLE},
-    {7, &PARENT, PARENT_LINE, 2, UNIX_OS, UNIX_PARENT_EXAMPLE},
-    {8, &LOGGING_LETTER, DEPOT_LINE, 3, "", LOGGING_CHOICES},
-    {9, &NOTIFY, NOTIFY_LINE, 1, WINDOWS_OS, WINDOWS_NOTIFY_EXAMPLE},
-    {10, &NOTIFY, NOTIFY_LINE, 2, UNIX_OS, UNIX_NOTIFY_EXAMPLE},
-    {11, &LIST, RESTRICTED_LINE, 2, RESTRICTED_LIST, EXAMPLE_RESTRICTION_LIST},
-    {12, &LIST, SPECIAL_LINE, 2, SPECIAL_LIST, EXAMPLE_RESTRICTION_LIST},
-    {13, &MOTD, MOTD_LINE, 2, "", MOTD_EXAMPLE},
-    {14, &MOTD_LIST, MOTD_LINE, 3, "", EXAMPLE_RESTRICTION_LIST},
-    {15, &PER_VOB, BITS_LINE, 1, "", PER_VOB_CHOICES},
-    {16, &BITS, BITS_LINE, 2, "", ""},
+    {4, &DEPOT, DEPOT_LINE, 1, WINDOWS_OS, WINDOWS_DEPOT_EXAMPLE, depot_warnings},
+    {5, &DEPOT, DEPOT_LINE, 2, UNIX_OS, UNIX_DEPOT_EXAMPLE, depot_warnings},
+    {6, &PARENT, PARENT_LINE, 1, WINDOWS_OS, WINDOWS_PARENT_EXAMPLE, parent_warnings},
+    {7, &PARENT, PARENT_LINE, 2, UNIX_OS, UNIX_PARENT_EXAMPLE, parent_warnings},
+    {8, &LOGGING_LETTER, DEPOT_LINE, 3, "", LOGGING_CHOICES, nullptr},
+    {9, &NOTIFY, NOTIFY_LINE, 1, WINDOWS_OS, WINDOWS_NOTIFY_EXAMPLE, notify_warnings},
+    {10, &NOTIFY, NOTIFY_LINE, 2, UNIX_OS, UNIX_NOTIFY_EXAMPLE, notify_warnings},
+    {11, &LIST, RESTRICTED_LINE, 2, RESTRICTED_LIST, EXAMPLE_RESTRICTION_LIST, restricted_warnings},
+    {12, &LIST, SPECIAL_LINE, 2, SPECIAL_LIST, EXAMPLE_RESTRICTION_LIST, special_warnings},
+    {13, &MOTD, MOTD_LINE, 2, "", MOTD_EXAMPLE, nullptr},
+    {14, &MOTD_LIST, MOTD_LINE, 3, "", EXAMPLE_RESTRICTION_LIST, nullptr},
+    {15, &PER_VOB, BITS_LINE, 1, "", PER_VOB_CHOICES, nullptr},
+    {16, &BITS, BITS_LINE, 2, "", "", nullptr},
 };
 
 }  // namespace

@@ -1,14 +1,25 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "policy/change_warnings.h"
 #include "policy/gatebits_file.h"
+#include "policy/validators.h"
 
 // The thirteen fields that can be edited, as data: what the one editor loop needs to know of each.
 
 struct FieldEditor;
+
+/// What the operator entered.
+struct Entered {
+    /// The field's new value; nothing when the operator cancelled.
+    std::optional<std::string> value;
+    /// The answer given last, even where a cancel followed; empty when there was none.
+    std::string last_answer;
+};
 
 /// What the editors of one kind have in common.
 struct FieldKind {
@@ -17,10 +28,11 @@ struct FieldKind {
     /// The prompt or title; `back_to` is the way back from the depot, or empty.
     std::string (*question)(const FieldEditor& editor, const std::string& current,
                             const std::string& back_to);
-    /// Gets the new value from the operator, who reads TMSG. A DialogCode.
-    int (*ask_for)(const FieldEditor& editor, const std::string& current, std::string* value);
+    /// Gets the new value from the operator.
+    Entered (*ask_for)(const FieldEditor& editor, const std::string& question,
+                       const std::string& current);
     /// Typed values: whether the value may stand in the field.
-    int (*is_ok)(const std::string& value, const std::string& os) = nullptr;
+    Validity (*is_ok)(const std::string& value, const std::string& os) = nullptr;
     /// The field's name in confirmations.
     std::string (*field_name)(const FieldEditor& editor);
     /// What the field cannot do without a depot for, and the words that lead back from there;
@@ -44,6 +56,8 @@ struct FieldEditor {
     const char* subject;
     /// The example in a prompt, or the entries of a list.
     const char* example;
+    /// What the field's confirmation warns of; null where there is nothing.
+    std::string (*warnings)(const NewValue& value);
 };
 
 /// In the order of the actions.

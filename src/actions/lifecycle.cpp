@@ -2,7 +2,6 @@
 #include "base/child.h"
 #include "base/files.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
@@ -23,8 +22,7 @@ enum class Step { DONE, AGAIN, GIVEN_UP };
 
 /// Asks whether to try once more.
 Step again_if_wished(const char* question) {
-    TMSG = question;
-    return ask(TMSG, "yes", "yes,no") == YES ? Step::AGAIN : Step::GIVEN_UP;
+    return ask(question, "yes", "yes,no") == YES ? Step::AGAIN : Step::GIVEN_UP;
 }
 
 /// Repeats a step for as long as the operator wants to try again.
@@ -47,15 +45,14 @@ Step switch_file() {
     if (select_cb_file(PROMPT_06) == 0) return Step::GIVEN_UP;
     if (!this_file_exists(POSSIBLE_FILE)) return again_if_wished(RETRY_SWITCH);
     ENTERPRIZE_PERMISSION_FILE = POSSIBLE_FILE;
-    TMSG = verdict_on_new_file();
-    if (TMSG.empty()) return Step::GIVEN_UP;
-    advise_wait(TMSG);
+    const std::string verdict = verdict_on_new_file();
+    if (verdict.empty()) return Step::GIVEN_UP;
+    advise_wait(verdict);
     return Step::DONE;
 }
 
 Step use_existing_or_again() {
-    TMSG = NEW_OR_EXISTING;
-    switch (ask(TMSG, "yes", "yes,no,abort")) {
+    switch (ask(NEW_OR_EXISTING, "yes", "yes,no,abort")) {
         case YES:
             return Step::AGAIN;
         case NO:
@@ -74,8 +71,7 @@ std::string text_of_new_file() {
 }
 
 void offer_the_walks(Run& run) {
-    TMSG = POPULATE_NOW;
-    switch (ask(TMSG, "yes", "yes,no,abort")) {
+    switch (ask(POPULATE_NOW, "yes", "yes,no,abort")) {
         case YES:
             return A_29(run);
         case NO:
@@ -135,8 +131,8 @@ Step copy_the_file() {
     use_file(POSSIBLE_FILE);
     const std::string verdict = verdict_on_new_file();
     if (verdict.empty()) return Step::GIVEN_UP;
-    TMSG = filled(COPIED, source.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), verdict.c_str());
-    advise_wait(TMSG);
+    advise_wait(
+        filled(COPIED, source.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), verdict.c_str()));
     return Step::DONE;
 }
 
@@ -153,8 +149,7 @@ void A_23(bool during_install) {
         filled(CHECKER_LINE, checker.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
-    TMSG = filled(CHECK_FAILED, status, command.c_str());
-    ask(TMSG, "abort", "abort");
+    ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");
 }
 
 int A_25() {

@@ -2,7 +2,6 @@
 
 #include <limits>
 
-#include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/prompts.h"
 
@@ -13,17 +12,12 @@ std::string as_list(const std::vector<std::string>& entries) {
     return list;
 }
 
-int show_list(const std::string& title, const std::string& items, const std::string& option) {
-    TMSG = title;
-    GATEWARDEN_RESULT_STRING.clear();
-    return make_selection(TMSG, items, option);
-}
-
-int pick_one(const std::string& title, const std::string& items) {
+std::optional<std::string> pick_one(const std::string& title, const std::string& items) {
+    std::optional<std::string> pick;
     do {
-        if (show_list(title, items, SINGLE_CHOICE) == CANCELLED) return CANCELLED;
-    } while (GATEWARDEN_RESULT_STRING.empty());
-    return ANSWERED;
+        pick = make_selection(title, items, SINGLE_CHOICE);
+    } while (pick && pick->empty());
+    return pick;
 }
 
 std::optional<int> number_at_front(const std::string& pick) {

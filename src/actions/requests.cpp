@@ -4,6 +4,7 @@
 #include <array>
 
 #include "actions/actions.h"
+#include "actions/field_editors.h"
 #include "messages/menu_labels.h"
 #include "policy/region.h"
 #include "queries/query_drivers.h"
@@ -13,33 +14,47 @@ namespace {
 // How the rows hand on what each handler takes.
 
 template <auto query>
-void with_options(Run& run) {
+LastAnswer with_options(Run& run, const Request&) {
     query(run.options);
+    return {};
 }
 template <auto action>
-void with_run(Run& run) {
+LastAnswer with_run(Run& run, const Request&) {
     action(run);
+    return {};
 }
-template <auto action>
-void alone(Run& /*run*/) {
-    action();
+template <LastAnswer (*action)()>
+LastAnswer alone(Run&, const Request&) {
+    return action();
 }
-void prune(Run& run) {
+/// The editor of the field of the region block that has the request's number.
+LastAnswer field(Run&, const Request& request) {
+    return edit_field(request.number).last_answer;
+}
+LastAnswer prune(Run& run, const Request&) {
     A_1(run.options.displays());
+    return {};
 }
-void verify(Run& run) {
+LastAnswer verify(Run& run, const Request&) {
     A_23(run.options.IS_DURING_INSTALL);
+    return {};
+}
+LastAnswer configure(Run&, const Request&) {
+    A_24();
+    return {};
 }
 
 // Another gatebits file in use makes the region's settings stale.
 
 template <auto action>
-void alone_then_reload(Run& /*run*/) {
+LastAnswer alone_then_reload(Run&, const Request&) {
     if (action() == 1) interrogate_the_enterprise();
+    return {};
 }
 template <auto action>
-void with_run_then_reload(Run& run) {
+LastAnswer with_run_then_reload(Run& run, const Request&) {
     if (action(run) == 1) interrogate_the_enterprise();
+    return {};
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
@@ -58,19 +73,19 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {QUERY, 6, Q6, nullptr, with_options<Q_6>, false, false, YES, NO},
     {ACTION, 1, A1, nullptr, prune, false, false, APART, NO},
     {ACTION, 2, A2, nullptr, with_run<A_2>, false, true, APART, NO},
-    {ACTION, 4, A4, nullptr, alone<A_4>, true, true, NO, YES},
-    {ACTION, 5, A5, nullptr, alone<A_5>, true, true, NO, YES},
-    {ACTION, 6, A6, nullptr, alone<A_6>, true, true, NO, YES},
-    {ACTION, 7, A7, nullptr, alone<A_7>, true, true, NO, YES},
-    {ACTION, 8, A8, nullptr, alone<A_8>, false, true, NO, YES},
-    {ACTION, 9, A9, nullptr, alone<A_9>, true, true, NO, YES},
-    {ACTION, 10, A10, nullptr, alone<A_10>, true, true, NO, YES},
-    {ACTION, 11, A11, nullptr, alone<A_11>, true, true, NO, YES},
-    {ACTION, 12, A12, nullptr, alone<A_12>, true, true, NO, YES},
-    {ACTION, 13, A13, nullptr, alone<A_13>, false, true, NO, YES},
-    {ACTION, 14, A14, nullptr, alone<A_14>, true, true, NO, YES},
-    {ACTION, 15, A15, nullptr, alone<A_15>, false, true, NO, YES},
-    {ACTION, 16, A16, nullptr, alone<A_16>, true, true, NO, YES},
+    {ACTION, 4, A4, nullptr, field, true, true, NO, YES},
+    {ACTION, 5, A5, nullptr, field, true, true, NO, YES},
+    {ACTION, 6, A6, nullptr, field, true, true, NO, YES},
+    {ACTION, 7, A7, nullptr, field, true, true, NO, YES},
+    {ACTION, 8, A8, nullptr, field, false, true, NO, YES},
+    {ACTION, 9, A9, nullptr, field, true, true, NO, YES},
+    {ACTION, 10, A10, nullptr, field, true, true, NO, YES},
+    {ACTION, 11, A11, nullptr, field, true, true, NO, YES},
+    {ACTION, 12, A12, nullptr, field, true, true, NO, YES},
+    {ACTION, 13, A13, nullptr, field, false, true, NO, YES},
+    {ACTION, 14, A14, nullptr, field, true, true, NO, YES},
+    {ACTION, 15, A15, nullptr, field, false, true, NO, YES},
+    {ACTION, 16, A16, nullptr, field, true, true, NO, YES},
     {ACTION, 17, A17, nullptr, alone<A_17>, true, true, NO, YES},
     {ACTION, 18, A18, nullptr, alone<A_18>, false, true, NO, YES},
     {ACTION, 19, A19, nullptr, alone<A_19>, false, true, NO, YES},
@@ -78,7 +93,7 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 21, A21, nullptr, alone<A_21>, true, true, NO, APART},
     {ACTION, 22, A22, nullptr, alone<A_22>, true, true, NO, YES},
     {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},
-    {ACTION, 24, A24, nullptr, alone<A_24>, false, true, APART, INSTALLER},
+    {ACTION, 24, A24, nullptr, configure, false, true, APART, INSTALLER},
     {ACTION, 25, A25, nullptr, alone_then_reload<A_25>, false, false, APART, NO},
     {ACTION, 26, A26, nullptr, with_run_then_reload<A_26>, false, false, YES, NO},
     {ACTION, 27, A27, nullptr, alone_then_reload<A_27>, false, false, YES, NO},
@@ -88,13 +103,9 @@ constexpr std::array<Request, 34> REQUESTS = {{
 
 }  // namespace
 
-void Request::execute(Run& run) const {
-    if (refused(*this, run.options)) return;
-    if (guarded) {
-        A_X(run, number);
-    } else {
-        handler(run);
-    }
+LastAnswer Request::execute(Run& run) const {
+    if (refused(*this, run.options)) return {};
+    return guarded ? A_X(run, number).last_answer : handler(run, *this);
 }
 
 std::span<const Request> all_requests() {

@@ -22,7 +22,7 @@ struct Request {
     /// The same in the lite edition's wording; null where it does not differ.
     const char* lite_label;
     /// What does its work, without the guard and the refusal.
-    void (*handler)(Run& run);
+    LastAnswer (*handler)(Run& run, const Request& request);
     /// Whether the gatebits file is checked before and after (A_X runs the handler).
     bool guarded;
     /// Whether it does its work when the installer started the program.
@@ -32,7 +32,7 @@ struct Request {
     Shown in_submenu;
 
     /// Runs the request, with the guard where it has one, unless the installer is refused it.
-    void execute(Run& run) const;
+    LastAnswer execute(Run& run) const;
 };
 
 std::span<const Request> all_requests();

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include "base/options.h"
 
 /// Menus by number.
@@ -13,3 +16,8 @@ struct Run {
     /// The menu to be shown next. Set by the main loop and by A_2.
     int chapter = MAIN_MENU;
 };
+
+/// What the operator answered last while a request ran: empty when a dialog was left without an
+/// answer, nothing when none was shown. After an empty one the submenu comes up again at once.
+using LastAnswer = std::optional<std::string>;
+inline constexpr char UNANSWERED[] = "";

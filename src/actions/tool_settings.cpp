@@ -5,7 +5,6 @@
 #include "actions/actions.h"
 #include "actions/picks.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
@@ -34,13 +33,14 @@ enum class Setting { CANCELLED, DECLINED, DONE };
 /// Asks for the setting, with `def` to be edited, and writes what is confirmed. `*entered` is
 /// what was typed.
 Setting ask_for_setting(std::size_t index, const std::string& def, std::string* entered) {
-    TMSG = filled(SETTING_PROMPT, GS_VAR_NAME[index]);
-    if (prompt(TMSG, def) == CANCELLED) return Setting::CANCELLED;
-    *entered = GATEWARDEN_RESULT_STRING;
-    switch (confirm_add(GATESCOPE_VARIABLE, GS_VAR_NAME[index], *entered)) {
+    const auto typed = prompt(filled(SETTING_PROMPT, GS_VAR_NAME[index]), def);
+    if (!typed) return Setting::CANCELLED;
+    *entered = *typed;
+    const Change change = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
+    switch (confirm_add(change, Addition::SETTING)) {
         case CONFIRMED:
-            change_a_var(static_cast<int>(index), *entered);
-            add_confirmed();
+            change_a_var(static_cast<int>(index), *typed);
+            add_confirmed(change);
             interrogate_the_enterprise();
             return Setting::DONE;
         case DECLINED:
@@ -58,8 +58,9 @@ void A_1(bool display) {
 
 void A_24() {
     build_var_list();
-    if (pick_one(SETTING_TITLE, setting_list()) == CANCELLED) return;
-    const auto index = number_at_front(GATEWARDEN_RESULT_STRING);
+    const auto pick = pick_one(SETTING_TITLE, setting_list());
+    if (!pick) return;
+    const auto index = number_at_front(*pick);
     if (!index || static_cast<std::size_t>(*index) >= GS_VAR.size()) gripe(INTERNAL_ERROR_A_24);
     std::string value = GS_VAR[static_cast<std::size_t>(*index)];
     // What was entered last is what a declined change goes on from.

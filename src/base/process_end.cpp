@@ -8,8 +8,6 @@
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
 
-std::string TMSG;
-std::string GATEWARDEN_RESULT_STRING;
 FILE* LOGGING_STREAM = nullptr;
 FILE* LOGGING_FILE_PRUNE_STREAM = nullptr;
 int ENTERPRIZE_PERMISSION_FILE_FD = -1;
@@ -48,7 +46,5 @@ void clean_exit(int status) {
     close_descriptor(&ENTERPRIZE_PERMISSION_FILE_FD);
     close_descriptor(&TEMP_FILE_FD);
     remove_temporary_files();
-    TMSG.clear();
-    GATEWARDEN_RESULT_STRING.clear();
     std::exit(status_with_output_written(status));
 }

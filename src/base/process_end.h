@@ -5,13 +5,6 @@
 
 // The one orderly way out of the process, and what it has to close on the way.
 
-/// The shared message buffer: every dialog text and title is composed here. Emptied by
-/// clean_start; set by whoever shows a message next, and by the validators for their callers.
-extern std::string TMSG;
-/// The answer of the last prompt or list. Set by the prompts and lists; callers copy it before
-/// the next dialog.
-extern std::string GATEWARDEN_RESULT_STRING;
-
 /// The log file being read: set by the query reader, the pruner and the demo data generator.
 extern FILE* LOGGING_STREAM;
 /// The log file or scratch file being written: set by the pruner.

@@ -11,7 +11,6 @@
 
 #include "base/answer_file.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
@@ -117,9 +116,7 @@ void clean_start() {
     _CALCULATED_USER = without_domain(*user);
     const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
-    TMSG.clear();
     look_at_the_client();
-    GATEWARDEN_RESULT_STRING.clear();
 }
 
 const std::string* calculated_user() {

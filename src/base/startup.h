@@ -29,7 +29,7 @@ extern std::string G_CACHE_FILE;
 /// it. Set by main.
 extern std::string t_file_name;
 
-/// Finds out who the operator is and how to talk to them, and empties the shared texts. Gripes
+/// Finds out who the operator is and how to talk to them. Gripes
 /// when no user can be found.
 void clean_start();
 

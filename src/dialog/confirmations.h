@@ -2,7 +2,18 @@
 
 #include <string>
 
-// Consent before a change of the gatebits file, and the report after it.
+// Consent before a change of the gatebits file, and the report after it. Both show item and values
+// cut to 80 characters, unless it is said otherwise.
+
+/// What the operator is asked about, and told about when it is done.
+struct Change {
+    /// What changes, in the operator's words.
+    std::string item;
+    /// The old value; of an addition the first of the two values shown; of a deletion what goes.
+    std::string from;
+    /// The new value; of an addition the second of the two values shown; of a deletion nothing.
+    std::string to;
+};
 
 /// What the questions return.
 enum Consent {
@@ -11,30 +22,30 @@ enum Consent {
     CHANGE_ABORTED = 2  ///< leave; nothing is to be written
 };
 
-/// Item, old value and new value (or what was added or deleted) of the last question, each cut to
-/// 80 characters. Set by the questions; the reports read them, whatever was written meanwhile.
-extern std::string last_item;
-extern std::string last_from;
-extern std::string last_to;
+/// Asks whether the item may change. `warnings` follow the question, unless the values are the
+/// same: then it is that which is asked about, and there is nothing to warn of.
+Consent confirm_change(const Change& change, const std::string& warnings = "");
 
-/// Asks whether `item` may change. Words in the item's name ("Policy Depot", "Notify Program"
-/// ...) select warnings about what else the change does, for which the gatebits file is read.
-int confirm_change(const std::string& item, const std::string& from, const std::string& to);
+/// How confirm_add words its question.
+enum class Addition {
+    VALUE,    ///< both values with "=" between them
+    SETTING,  ///< an addition or change; both values as one text
+    ALIAS     ///< the first value alone, a whole definition, not cut
+};
 
-/// Asks whether `first` and `second` may be added. An item named "Alias" shows `first` alone, the
-/// whole definition; one with "Gatescope Variable" in its name shows both without an "=".
-int confirm_add(const std::string& item, const std::string& first, const std::string& second);
+/// Asks whether what the change holds may be added. The item is shown whole.
+Consent confirm_add(const Change& change, Addition kind = Addition::VALUE);
 
-/// Asks whether `value` may be deleted; last_to stays as it was.
-int confirm_delete(const std::string& item, const std::string& value);
+/// Asks whether `change.from` may be deleted. The item is shown whole.
+Consent confirm_delete(const Change& change);
 
-// Reports of the last question. They show nothing unless the environment variable
-// ZUL_GATESCOPE_VERBOSITY is set.
+// Reports. They show nothing unless the environment variable ZUL_GATESCOPE_VERBOSITY is set.
 
-void change_confirmed();
-void add_confirmed();
+void change_confirmed(const Change& change);
+void add_confirmed(const Change& change);
+/// The definition is shown whole.
 void add_confirmed_alias(const std::string& definition);
-void delete_confirmed();
+void delete_confirmed(const Change& change);
 
 /// A value as dialogs show it: its first 80 characters, and "..." when it has 80 or more. One of
 /// exactly 80 gets the dots too, although nothing is missing; scripts know it so.

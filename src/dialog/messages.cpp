@@ -12,14 +12,13 @@
 
 int ZUL_PREFER_GUI = 1;
 int ZUL_REMOTE_CLIENT_USER = 0;
-int ANSWER = YES;
 int JUST_CHECKING = 0;
 int JUST_CHECKING_ERROR_ONLY = 0;
 
 namespace {
 
 /// The answer that the default's first letter stands for.
-int preset_answer(const std::string& def) {
+Answer preset_answer(const std::string& def) {
     switch (def.empty() ? '\0' : def.front()) {
         case 'y':
             return YES;
@@ -37,7 +36,7 @@ bool has_one_button(const std::string& mask) {
 }
 
 /// The shell's status comes unshifted: exit status 1 is 256, and 255 is read as yes.
-int decoded_status(int status) {
+Answer decoded_status(int status) {
     switch (status) {
         case 0:
         case 255:
@@ -65,8 +64,7 @@ void gripe(const std::string& message) {
 }
 
 void gripe_uncoded(const std::string& place) {
-    TMSG = filled(UNEXPECTED_CASE, SELF, place.c_str());
-    gripe(TMSG);
+    gripe(filled(UNEXPECTED_CASE, SELF, place.c_str()));
 }
 
 void advise(const std::string& message) {
@@ -81,18 +79,17 @@ void advise_wait(const std::string& message) {
                         quoted(message).c_str(), ""));
 }
 
-int ask(const std::string& message, const char* def, const char* mask) {
+Answer ask(const std::string& message, const char* def, const char* mask) {
     const std::string buttons = mask != nullptr ? mask : default_mask;
     const std::string chosen = def != nullptr ? def : default_default;
-    ANSWER = preset_answer(chosen);
+    const Answer preset = preset_answer(chosen);
     if (!ZUL_PREFER_GUI && has_one_button(buttons)) {
         print_stdout(filled(ACCEPTED_LINE, message.c_str(), chosen.c_str()));
-        return ANSWER;
+        return preset;
     }
-    ANSWER = decoded_status(
+    return decoded_status(
         run_in_shell(filled(ASK_LINE, CLEARPROMPT, buttons.c_str(), chosen.c_str(),
                             newline_option(message).c_str(), quoted(message).c_str())));
-    return ANSWER;
 }
 
 void print_stdout(const std::string& text) {

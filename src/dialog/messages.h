@@ -8,8 +8,6 @@
 extern int ZUL_PREFER_GUI;
 /// 1 makes advise wait for its dialog. Set by clean_start; read here.
 extern int ZUL_REMOTE_CLIENT_USER;
-/// Code of the last dialog: see Answer. Set by ask, the prompts and the lists.
-extern int ANSWER;
 /// With JUST_CHECKING nothing is printed and gripe is silent unless JUST_CHECKING_ERROR_ONLY;
 /// nobody in this program sets them.
 extern int JUST_CHECKING;
@@ -30,11 +28,11 @@ void advise(const std::string& message);
 /// Shows a message and waits until it is dismissed.
 void advise_wait(const std::string& message);
 
-/// Asks a question and returns its Answer, also kept in ANSWER. `def` is "yes", "no" or "abort"
+/// Asks a question and returns its Answer. `def` is "yes", "no" or "abort"
 /// (null: "yes"), `mask` the buttons, separated by commas (null: "yes,no,abort"). A dialog that
 /// cannot be started counts as ABORT. Without dialogs a question with a single button is printed
 /// and answered with its default; any other still goes to clearprompt, since it needs an answer.
-int ask(const std::string& message, const char* def, const char* mask);
+Answer ask(const std::string& message, const char* def, const char* mask);
 
 /// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
 /// stands as it is.

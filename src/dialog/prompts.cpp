@@ -11,7 +11,6 @@
 #include "base/answer_file.h"
 #include "base/child.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/replace_file.h"
 #include "base/signals.h"
 #include "base/startup.h"
@@ -31,13 +30,10 @@ std::string prompt_result_path() {
     return make_tfile("gatewarden_prompt_result", GLOBAL_PID_STRING.c_str(), nullptr);
 }
 
-/// Runs a dialog that answers in words; its code.
-int answer_in_words(const std::string& command, const AnswerFile& answer) {
-    ANSWER = run_in_shell(command) == 0 ? ANSWERED : CANCELLED;
-    if (ANSWER == ANSWERED) {
-        GATEWARDEN_RESULT_STRING = words_joined(answer.content().value_or(""));
-    }
-    return ANSWER;
+/// Runs a dialog that answers in words.
+std::optional<std::string> answer_in_words(const std::string& command, const AnswerFile& answer) {
+    if (run_in_shell(command) != 0) return std::nullopt;
+    return words_joined(answer.content().value_or(""));
 }
 
 /// The picks of a multiple choice, one a line in the file, separated by commas.
@@ -108,7 +104,7 @@ class RedirectedStream {
 
 }  // namespace
 
-int prompt(const std::string& prompt_text, const std::string& def) {
+std::optional<std::string> prompt(const std::string& prompt_text, const std::string& def) {
     const AnswerFile answer(prompt_result_path());
     return answer_in_words(
         filled(PROMPT_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(def).c_str(),
@@ -116,38 +112,40 @@ int prompt(const std::string& prompt_text, const std::string& def) {
         answer);
 }
 
-int prompt_from_file(const std::string& prompt_text, const std::string& default_text) {
+std::optional<std::string> prompt_from_file(const std::string& prompt_text,
+                                            const std::string& default_text) {
     const AnswerFile answer(prompt_result_path());
     const std::string default_file =
         make_tfile("gatewarden_prompt_prompt", GLOBAL_PID_STRING.c_str(), nullptr);
     append_default(default_file, default_text);
-    const int code =
+    auto typed =
         answer_in_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
                                quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
                                quoted(prompt_text).c_str()),
                         answer);
     remove_temporary_file(default_file);
-    return code;
+    return typed;
 }
 
 void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors) {
     const AnswerFile answer(prompt_result_path());
-    TMSG = filled(SHOW_FILE_TITLE, title.c_str(), errors ? "one or more " : "NO ",
-                  errors ? "displayed near bottom " : "");
+    const std::string full_title =
+        filled(SHOW_FILE_TITLE, title.c_str(), errors ? "one or more " : "NO ",
+               errors ? "displayed near bottom " : "");
     run_in_shell(filled(SHOW_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
-                        quoted(file).c_str(), quoted(TMSG).c_str()));
+                        quoted(file).c_str(), quoted(full_title).c_str()));
 }
 
-int make_selection(const std::string& title, const std::string& items, const std::string& option) {
+std::optional<std::string> make_selection(const std::string& title, const std::string& items,
+                                          const std::string& option) {
     const AnswerFile answer(
         make_tfile("gatewarden_select_result", GLOBAL_PID_STRING.c_str(), nullptr));
     const std::string command =
         filled(LIST_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(items).c_str(),
                option.c_str(), quoted(title).c_str());
     if (option == SINGLE_CHOICE) return answer_in_words(command, answer);
-    ANSWER = run_in_shell(command) == 0 ? ANSWERED : CANCELLED;
-    if (ANSWER == ANSWERED) GATEWARDEN_RESULT_STRING = several_picks(answer);
-    return ANSWER;
+    if (run_in_shell(command) != 0) return std::nullopt;
+    return several_picks(answer);
 }
 
 int get_system_rc(const std::string& command) {

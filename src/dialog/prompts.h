@@ -1,12 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
-// Text prompts and selection lists. All of them keep their code in ANSWER and their answer in
-// GATEWARDEN_RESULT_STRING, which a cancelled dialog leaves as it was.
-
-/// What the prompts and lists return. Every status of the dialog but 0 is a cancel.
-enum DialogCode { ANSWERED = 0, CANCELLED = 2 };
+// Text prompts and selection lists. Each returns the operator's answer, which may be empty, or
+// nothing when the dialog was cancelled: every status of it but 0 is a cancel.
 
 /// Options of make_selection.
 inline constexpr char SINGLE_CHOICE[] = " ";
@@ -14,11 +12,12 @@ inline constexpr char MULTIPLE_CHOICE[] = "-choices";
 
 /// Asks for a line of text, with `def` as the answer that is already there. The answer comes back
 /// as its words joined by single blanks.
-int prompt(const std::string& prompt_text, const std::string& def);
+std::optional<std::string> prompt(const std::string& prompt_text, const std::string& def);
 
 /// The same for a default that is long or has line breaks: it is handed over in a file. A
 /// leftover file of that name is added to, not replaced.
-int prompt_from_file(const std::string& prompt_text, const std::string& default_text);
+std::optional<std::string> prompt_from_file(const std::string& prompt_text,
+                                            const std::string& default_text);
 
 /// Shows a file; what the operator types is thrown away. `errors` says whether the title speaks
 /// of errors in it.
@@ -27,7 +26,8 @@ void show_file_with_clearprompt(const std::string& title, const std::string& fil
 /// Lets the operator pick from comma-separated `items`. A single choice comes back like a text
 /// answer, several separated by commas in the order in which the dialog wrote them. Gripes when a
 /// multiple answer is missing, unreadable or longer than 10001 bytes.
-int make_selection(const std::string& title, const std::string& items, const std::string& option);
+std::optional<std::string> make_selection(const std::string& title, const std::string& items,
+                                          const std::string& option);
 
 /// Runs a command with its output thrown away; returns the shell's raw status.
 int get_system_rc(const std::string& command);

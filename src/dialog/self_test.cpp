@@ -1,5 +1,8 @@
 #include "dialog/self_test.h"
 
+#include <optional>
+#include <string>
+
 #include "base/child.h"
 #include "base/filled.h"
 #include "base/process_end.h"
@@ -34,19 +37,34 @@ void test_cleartool() {
     advise(filled(CLEARTOOL_RETURN_CODE, status));
 }
 
+/// The codes that the reports show.
+constexpr int ANSWERED = 0;
+constexpr int CANCELLED = 2;
+
+/// Takes an answer; the code of its dialog. A cancelled one leaves `*last`.
+int code_of(const std::optional<std::string>& answer, std::string* last) {
+    if (answer) *last = *answer;
+    return answer ? ANSWERED : CANCELLED;
+}
+
+/// After a cancel the reports show the answer before.
 void test_lists_and_prompts() {
-    int code = make_selection("Single Selection test...", "1,2,3,4,5", SINGLE_CHOICE);
-    advise(filled(SELECTION_REPORT, GATEWARDEN_RESULT_STRING.c_str(), code));
-    code = make_selection("Multi Selection test...", "this,or that,or the other,some more,last one",
-                          MULTIPLE_CHOICE);
-    advise(filled(SELECTION_REPORT, GATEWARDEN_RESULT_STRING.c_str(), code));
-    code = prompt("Prompt...", "Default answer");
-    advise(filled(RESPONSE_REPORT, GATEWARDEN_RESULT_STRING.c_str(), code));
+    std::string last;
+    int code =
+        code_of(make_selection("Single Selection test...", "1,2,3,4,5", SINGLE_CHOICE), &last);
+    advise(filled(SELECTION_REPORT, last.c_str(), code));
+    code = code_of(make_selection("Multi Selection test...",
+                                  "this,or that,or the other,some more,last one", MULTIPLE_CHOICE),
+                   &last);
+    advise(filled(SELECTION_REPORT, last.c_str(), code));
+    code = code_of(prompt("Prompt...", "Default answer"), &last);
+    advise(filled(RESPONSE_REPORT, last.c_str(), code));
 }
 
 void test_questions() {
     for (const TestQuestion& question : THREE_BUTTON_QUESTIONS) {
-        advise(filled(THREE_BUTTON_ANSWER, ask(question.text, question.def, question.mask)));
+        const int code = ask(question.text, question.def, question.mask);
+        advise(filled(THREE_BUTTON_ANSWER, code));
     }
     for (const TestQuestion& question : ONE_BUTTON_QUESTIONS) {
         const int code = ask(question.text, question.def, question.mask);

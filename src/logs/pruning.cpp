@@ -89,13 +89,14 @@ LogFiles files_of(int number) {
 }
 
 void tell_result(const KeptRecords& records, int days, bool display) {
-    TMSG = filled(PRUNING_RESULT, static_cast<long long>(records.removed()),
-                  static_cast<long long>(records.total()), records.removed() == 1 ? "was" : "were",
-                  ENTERPRIZE_NAME.c_str(), days);
+    const std::string result =
+        filled(PRUNING_RESULT, static_cast<long long>(records.removed()),
+               static_cast<long long>(records.total()), records.removed() == 1 ? "was" : "were",
+               ENTERPRIZE_NAME.c_str(), days);
     if (display) {
-        advise(TMSG);
+        advise(result);
     } else {
-        write_output(c_text(TMSG));
+        write_output(c_text(result));
     }
 }
 

@@ -53,8 +53,7 @@ void choose_gatebits_file(const Options& options) {
     if (options.file_selected) return;
     const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
     if (take_file_from_environment(named)) return;
-    TMSG = gatebits_question(options, named);
-    const int answer = ask(TMSG, "yes", "yes,no,abort");
+    const Answer answer = ask(gatebits_question(options, named), "yes", "yes,no,abort");
     ENTERPRIZE_PERMISSION_FILE.clear();
     if (answer == YES) {
         make_new_gatebits_file(options);

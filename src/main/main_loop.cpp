@@ -1,5 +1,8 @@
 #include "main/main_loop.h"
 
+#include <optional>
+#include <string>
+
 #include "actions/menus.h"
 #include "actions/requests.h"
 #include "base/process_end.h"
@@ -21,30 +24,27 @@ const Request* request_from_command_line(const Options& options) {
     return request;
 }
 
-/// Shows the menu that is due once; GATEWARDEN_RESULT_STRING has the pick, or is empty when the
-/// submenu was left.
-void show_menu(Run& run) {
+/// Shows the menu that is due once; nothing when the submenu was left.
+std::optional<std::string> show_menu(Run& run) {
     const bool during_install = run.options.IS_DURING_INSTALL;
     const bool main_menu = run.chapter == MAIN_MENU;
-    TMSG = main_menu ? main_menu_title(ENTERPRIZE_NAME)
-                     : submenu_title(ENTERPRIZE_NAME, during_install);
-    const std::string CHOICES =
-        main_menu ? main_menu_entries(GATEWARDEN_IS) : submenu_entries(during_install);
-    if (make_selection(TMSG, CHOICES, SINGLE_CHOICE) != CANCELLED) return;
-    if (main_menu || during_install) clean_exit(0);
-    run.chapter = MAIN_MENU;
-    GATEWARDEN_RESULT_STRING.clear();
+    const auto pick = main_menu ? make_selection(main_menu_title(ENTERPRIZE_NAME),
+                                                 main_menu_entries(GATEWARDEN_IS), SINGLE_CHOICE)
+                                : make_selection(submenu_title(ENTERPRIZE_NAME, during_install),
+                                                 submenu_entries(during_install), SINGLE_CHOICE);
+    if (!pick && (main_menu || during_install)) clean_exit(0);
+    if (!pick) run.chapter = MAIN_MENU;
+    return pick;
 }
 
 /// What the operator picks; null when there is no such request.
 const Request* request_from_menu(Run& run) {
-    GATEWARDEN_RESULT_STRING.clear();
-    while (GATEWARDEN_RESULT_STRING.empty() || is_separator(GATEWARDEN_RESULT_STRING)) {
+    while (true) {
         // The installer has no main menu.
         if (run.chapter == MAIN_MENU && run.options.IS_DURING_INSTALL) clean_exit(0);
-        show_menu(run);
+        const auto pick = show_menu(run);
+        if (pick && !pick->empty() && !is_separator(*pick)) return request_labelled(*pick);
     }
-    return request_labelled(GATEWARDEN_RESULT_STRING);
 }
 
 }  // namespace

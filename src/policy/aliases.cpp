@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/alias_texts.h"
@@ -246,7 +245,7 @@ ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
         return true;
     });
     if (result != ChangeResult::WRITTEN) return result;
-    TMSG = report_of(change, count);
-    if (!TMSG.empty()) advise_wait(TMSG);
+    const std::string report = report_of(change, count);
+    if (!report.empty()) advise_wait(report);
     return result;
 }

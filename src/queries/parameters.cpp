@@ -4,7 +4,6 @@
 
 #include "base/commands.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
@@ -32,29 +31,31 @@ std::string given_key(const Options& options) {
     return number_or_all(options.selected_key);
 }
 
-// The dialogs; each returns its DialogCode.
+// The dialogs.
 
-int pick(const char* title, std::string list) {
+using Reply = std::optional<std::string>;
+
+Reply pick(const char* title, std::string list) {
     list.pop_back();
     return make_selection(title, list, SINGLE_CHOICE);
 }
 
-int pick_command(int /*edition*/) {
+Reply pick_command(int /*edition*/) {
     return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS);
 }
 
-int input_user(int /*edition*/) {
+Reply input_user(int /*edition*/) {
     return prompt(PROMPT_INPUT_USER, ALL);
 }
 
-int pick_bit(int /*edition*/) {
+Reply pick_bit(int /*edition*/) {
     std::string list = ALL_BITS_CHOICE;
     int bit = 0;
     for (const char* name : GATEWARDEN_BITS_DESC) list += filled(BIT_CHOICE, bit++, name);
     return pick(PROMPT_SELECT_BIT, list);
 }
 
-int input_key(int edition) {
+Reply input_key(int edition) {
     return prompt(edition == 1 ? PROMPT_INPUT_KEY : PROMPT_INPUT_CPD, ALL);
 }
 
@@ -96,7 +97,7 @@ struct ParameterRow {
     /// Whether the command line gave it, and what.
     bool Options::*given;
     std::string (*given_value)(const Options& options);
-    int (*ask_operator)(int edition);
+    Reply (*ask_operator)(int edition);
     std::string (*value_in)(const std::string& answer);
     std::string (*filter)(const std::string& value);
 };
@@ -120,9 +121,9 @@ std::optional<std::string> value_of(Parameter parameter, const Options& options,
     if (options.*row.given) return row.given_value(options);
     std::string value;
     while (value.empty()) {
-        GATEWARDEN_RESULT_STRING.clear();
-        if (row.ask_operator(edition) == CANCELLED) return std::nullopt;
-        value = row.value_in(GATEWARDEN_RESULT_STRING);
+        const Reply reply = row.ask_operator(edition);
+        if (!reply) return std::nullopt;
+        value = row.value_in(*reply);
     }
     return value;
 }

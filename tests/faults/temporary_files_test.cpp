@@ -80,10 +80,7 @@ class TemporaryFiles : public testing::Test {
 
 TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
     with_everything_planted_at("gatewarden_prompt_result_77_.txt", [&] {
-        const Ended ended = run([] {
-            prompt("text", "");
-            std::fputs(GATEWARDEN_RESULT_STRING.c_str(), stdout);
-        });
+        const Ended ended = run([] { std::fputs(prompt("text", "").value().c_str(), stdout); });
         EXPECT_EQ(ended.said, "answer");
         EXPECT_EQ(temporary.names(), Names());
     });
@@ -148,11 +145,8 @@ TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
 
 TEST_F(TemporaryFiles, DialogThatWroteNothingIsAnEmptyAnswer) {
     put(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
-    const Ended ended = run([] {
-        GATEWARDEN_RESULT_STRING = "before";
-        prompt("text", "");
-        std::fputs(("(" + GATEWARDEN_RESULT_STRING + ")").c_str(), stdout);
-    });
+    const Ended ended =
+        run([] { std::fputs(("(" + prompt("text", "").value() + ")").c_str(), stdout); });
     EXPECT_EQ(ended.said, "()");
 }
 

@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "actions/requests.h"
-#include "base/process_end.h"
 #include "fuzz/fuzz_world.h"
 #include "messages/policy_texts.h"
 #include "policy/edition.h"

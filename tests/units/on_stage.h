@@ -5,7 +5,6 @@
 
 #include <string>
 
-#include "base/process_end.h"
 #include "base/startup.h"
 #include "dialog/messages.h"
 #include "messages/identity.h"
@@ -23,8 +22,6 @@ class OnStage : public testing::Test {
         t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
         ENTERPRIZE_PERMISSION_FILE = region.gatebits_path();
         GS_VAR.fill("");
-        GATEWARDEN_RESULT_STRING.clear();
-        TMSG.clear();
         ZUL_PREFER_GUI = 1;
         ZUL_REMOTE_CLIENT_USER = 0;
     }

@@ -10,7 +10,6 @@
 #include <iterator>
 #include <string>
 
-#include "base/process_end.h"
 #include "base/startup.h"
 #include "dialog/messages.h"
 #include "policy/gatebits_file.h"
@@ -27,8 +26,6 @@ class ScratchRegion : public testing::Test {
         t_file_name = path("t_file.txt");
         TEMP_DIR = directory_;
         ZUL_PREFER_GUI = 0;
-        TMSG.clear();
-        GATEWARDEN_RESULT_STRING.clear();
         write("clearprompt", "#!/bin/sh\nexit ${CLEARPROMPT_STATUS:-2}\n");
         std::filesystem::permissions(path("clearprompt"), std::filesystem::perms::owner_all);
         setenv("PATH", (directory_ + ":/usr/bin:/bin").c_str(), 1);

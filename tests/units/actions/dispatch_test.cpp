@@ -44,28 +44,28 @@ TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
     write("file", "");
     for (const int number : {7, 10}) {
         region("", "");
-        EXPECT_EQ(A_X(run, number), 1);
+        EXPECT_EQ(A_X(run, number).holds, 1);
         region(path("file"), path("file"));
-        EXPECT_EQ(A_X(run, number), 1);
+        EXPECT_EQ(A_X(run, number).holds, 1);
         region(path(""), path(""));
-        EXPECT_EQ(A_X(run, number), 0);
+        EXPECT_EQ(A_X(run, number).holds, 0);
         region(path("nothing"), path("nothing"));
-        EXPECT_EQ(A_X(run, number), 0);
+        EXPECT_EQ(A_X(run, number).holds, 0);
     }
 }
 
 TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
-    EXPECT_EQ(A_X(run, 6), 1);
-    EXPECT_EQ(A_X(run, 9), 1);
+    EXPECT_EQ(A_X(run, 6).holds, 1);
+    EXPECT_EQ(A_X(run, 9).holds, 1);
 }
 
 TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
-    EXPECT_EQ(A_X(run, 11), 1);
+    EXPECT_EQ(A_X(run, 11).holds, 1);
     GS_VAR[UNIX_CHECKER] = path("none");
     int result = -1;
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";
-    EXPECT_EQ(printed_by([&] { result = A_X(run, 11); }), not_found + not_found);
+    EXPECT_EQ(printed_by([&] { result = A_X(run, 11).holds; }), not_found + not_found);
     EXPECT_EQ(result, 0);
 }
 
@@ -74,7 +74,7 @@ TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
     int result = -1;
-    EXPECT_EQ(printed_by([&] { result = A_X(run, 11); }), reenter + reenter);
+    EXPECT_EQ(printed_by([&] { result = A_X(run, 11).holds; }), reenter + reenter);
     EXPECT_EQ(result, 1);
 }
 

@@ -137,14 +137,6 @@ TEST_F(Startup, EitherRemoteVariableMakesARemoteClient) {
     }
 }
 
-TEST_F(Startup, TheSharedTextsStartEmpty) {
-    TMSG = "old";
-    GATEWARDEN_RESULT_STRING = "old";
-    clean_start();
-    EXPECT_EQ(TMSG, "");
-    EXPECT_EQ(GATEWARDEN_RESULT_STRING, "");
-}
-
 TEST_F(Startup, TemporaryFilesGoWhereTmpThenTempThenTheSystemSays) {
     verify_set_tempdir();
     EXPECT_EQ(TEMP_DIR, "/tmp");

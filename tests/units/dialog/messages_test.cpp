@@ -31,7 +31,6 @@ TEST_F(Messages, AskWithoutMaskAndDefaultOffersAllThree) {
 TEST_F(Messages, AskHandsMaskAndDefaultOver) {
     region.answers_no();
     EXPECT_EQ(ask("Sure?", "no", "yes,no"), NO);
-    EXPECT_EQ(ANSWER, NO);
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "no", "yes,no")});
 }
 
@@ -39,7 +38,6 @@ TEST_F(Messages, EveryStatusButYesAndNoIsAnAbort) {
     for (const int status : {2, 3, 10, 99, 126, 127, 255}) {
         region.answers({.kind = "yes_no", .status = status});
         EXPECT_EQ(ask("Sure?", "yes", "yes,no"), ABORT) << status;
-        EXPECT_EQ(ANSWER, ABORT);
     }
     region.shown_so_far();
 }
@@ -132,7 +130,6 @@ TEST_F(MessagesWithoutDialogs, MessagesArePrinted) {
 
 TEST_F(MessagesWithoutDialogs, AQuestionWithOneButtonIsAcceptedWithItsDefault) {
     EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "no", "no"), NO); }), "Sure?\n[no] accepted\n");
-    EXPECT_EQ(ANSWER, NO);
     EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "yes", "yes"), YES); }),
               "Sure?\n[yes] accepted\n");
     EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", "abort", "abort"), ABORT); }),

@@ -29,10 +29,8 @@ class Validators : public ScratchRegion {
     }
 };
 
-/// What a rejection says; "accepted" where there is none, and then TMSG has to be untouched.
-std::string verdict(int accepted) {
-    if (accepted == 0) return TMSG;
-    return TMSG.empty() ? "accepted" : "accepted, but says " + TMSG;
+std::string verdict(const Validity& validity) {
+    return validity.accepted() ? "accepted" : validity.message();
 }
 
 TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
@@ -59,15 +57,17 @@ TEST_F(Validators, DepotMayNotHoldWhatPoisonsAPath) {
               "RETRY: depot may not contain commas (,) semi-colons (;) or slash (\\) "
               "characters\\nInvalid directory '/a;b' disallowed");
     for (const char* value : {"/a,b", "/a\\b"}) {
-        EXPECT_EQ(region_depot_is_ok(value, "UNIX"), 0);
-        EXPECT_NE(TMSG.find("slash (\\) characters"), std::string::npos) << value;
+        EXPECT_NE(region_depot_is_ok(value, "UNIX").message().find("slash (\\) characters"),
+                  std::string::npos)
+            << value;
     }
     EXPECT_EQ(verdict(region_depot_is_ok("\\\\m\\s/d", "Windows")),
               "RETRY: depot may not contain commas (,) semi-colons (;) or slash (/) "
               "characters\\nInvalid directory '\\\\m\\s/d' disallowed");
     for (const char* value : {"a,b", "a;b"}) {
-        EXPECT_EQ(region_depot_is_ok(value, "Windows"), 0);
-        EXPECT_NE(TMSG.find("slash (/) characters"), std::string::npos) << value;
+        EXPECT_NE(region_depot_is_ok(value, "Windows").message().find("slash (/) characters"),
+                  std::string::npos)
+            << value;
     }
 }
 
@@ -136,7 +136,7 @@ TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
     EXPECT_EQ(verdict(region_notify_is_ok("directory", "UNIX")),
               "RETRY: the input notify program (directory) in the depot, but is actually a "
               "DIRECTORY and is disallowed");
-    EXPECT_EQ(region_notify_is_ok(path("depot/script.sh"), "UNIX"), 0);
+    EXPECT_FALSE(region_notify_is_ok(path("depot/script.sh"), "UNIX").accepted());
 }
 
 TEST_F(Validators, NotifyProgramWithoutADepotIsLookedForAtTheRoot) {
@@ -212,18 +212,17 @@ TEST_F(Validators, AliasName) {
 }
 
 TEST_F(Validators, BlocksSayWhetherTheValueFails) {
-    EXPECT_EQ(item_value_exceeds_max_character_size_set_TMSG("thing", "abc", 3), 0);
-    EXPECT_EQ(value_contains_file_dir_OS_posion_set_TMSG("a/b", "thing", "file", "UNIX"), 0);
-    EXPECT_EQ(value_contains_file_dir_OS_posion_set_TMSG("a\\b", "thing", "file", "Windows"), 0);
-    EXPECT_EQ(value_has_comma_or_semi_set_TMSG("a b", "thing"), 0);
-    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("a\\", "thing", "UNIX"), 0);
-    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("a/", "thing", "Windows"), 0);
-    EXPECT_EQ(value_ends_in_OS_dir_char_set_TMSG("", "thing", "UNIX"), 0);
-    EXPECT_EQ(TMSG, "");
-    EXPECT_EQ(item_value_exceeds_max_character_size_set_TMSG("thing", "abcd", 3), 1);
-    EXPECT_EQ(TMSG, "RETRY: thing value exceeds 3 character max");
-    EXPECT_EQ(value_has_comma_or_semi_set_TMSG("a;b", "thing"), 1);
-    EXPECT_EQ(TMSG, "RETRY: thing value may not contain commas (,) or semi-colons (;)");
+    EXPECT_TRUE(item_value_exceeds_max_character_size("thing", "abc", 3).accepted());
+    EXPECT_TRUE(value_contains_file_dir_OS_posion("a/b", "thing", "file", "UNIX").accepted());
+    EXPECT_TRUE(value_contains_file_dir_OS_posion("a\\b", "thing", "file", "Windows").accepted());
+    EXPECT_TRUE(value_has_comma_or_semi("a b", "thing").accepted());
+    EXPECT_TRUE(value_ends_in_OS_dir_char("a\\", "thing", "UNIX").accepted());
+    EXPECT_TRUE(value_ends_in_OS_dir_char("a/", "thing", "Windows").accepted());
+    EXPECT_TRUE(value_ends_in_OS_dir_char("", "thing", "UNIX").accepted());
+    EXPECT_EQ(verdict(item_value_exceeds_max_character_size("thing", "abcd", 3)),
+              "RETRY: thing value exceeds 3 character max");
+    EXPECT_EQ(verdict(value_has_comma_or_semi("a;b", "thing")),
+              "RETRY: thing value may not contain commas (,) or semi-colons (;)");
 }
 
 }  // namespace
