@@ -76,4 +76,19 @@ appears 'A27 - Copy'
 keys Escape
 terminal_ends_with 0
 
+case_is "Ctrl-C ends the program, and its box goes from the screen"
+in_terminal 'trap : INT; bash ./run'
+appears 'A27 - Copy'
+# shellcheck disable=SC2317 # called by its name
+interrupt_key_works() {
+    [[ $(stty -a -F "$(tmux_does display-message -p '#{pane_tty}')") == *'intr = ^C;'* ]]
+}
+eventually interrupt_key_works || failed "the terminal has no interrupt key"
+keys C-c
+eventually not_on_screen 'A27 - Copy' || failed "the box stays on the screen: $(screen)"
+appears 'ready>'
+# shellcheck disable=SC2317 # called by its name
+nothing_runs() { ! pgrep -f "$gatebits" >/dev/null; }
+eventually nothing_runs || failed "the program still runs"
+
 report
