@@ -9,10 +9,15 @@ inline constexpr char PAGE_FILE_PATH[] = "%s%c%s";
 
 /// Path.
 inline constexpr char CANNOT_OPEN_PAGE[] = "Could not create/open results file (%s)\n";
-/// Path, reason.
+/// Path, reason; for standard error.
+inline constexpr char PATH_AND_REASON[] = "%s: %s";
+inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
+/// Path, reason, state.
 inline constexpr char CANNOT_WRITE_PAGE[] =
-    "ERROR: The results file (%s) could not be written whole (%s).  What it holds of this query "
-    "is incomplete.\n";
+    "ERROR: The results file (%s) could not be written (%s).  %s\n";
+inline constexpr char LOCK_IS_KEPT[] = "Another process keeps its lock";
+inline constexpr char PAGE_IS_AS_BEFORE[] = "It is as it was before this query.";
+inline constexpr char PAGE_IS_INCOMPLETE[] = "What it holds of this query is incomplete.";
 
 /// Path, region.
 inline constexpr char PAGE_STORED[] =

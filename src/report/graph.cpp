@@ -1,14 +1,11 @@
 #include "report/graph.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
-
 #include "base/filled.h"
 #include "base/startup.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"
 #include "report/page.h"
+#include "report/page_file.h"
 #include "report/time_graphs.h"
 
 namespace {
@@ -37,19 +34,6 @@ void write_page(const QueryGraph& graph, Page* page) {
     }
 }
 
-/// A page of the same second and query is added to, so nothing that was reported gets lost.
-void store_page(const std::string& path, const std::string& text) {
-    FILE* file = std::fopen(path.c_str(), "a+");
-    if (file == nullptr) gripe(filled(CANNOT_OPEN_PAGE, path.c_str()));
-    // Only the flush shows whether everything has reached the file.
-    const bool written =
-        std::fwrite(text.data(), 1, text.size(), file) == text.size() && std::fflush(file) == 0;
-    const int write_error = errno;
-    const bool closed = std::fclose(file) == 0;
-    const int reason = written ? errno : write_error;
-    if (!written || !closed) gripe(filled(CANNOT_WRITE_PAGE, path.c_str(), std::strerror(reason)));
-}
-
 }  // namespace
 
 void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display) {
@@ -58,6 +42,7 @@ void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display)
         filled(PAGE_FILE_PATH, region.results_dir.c_str(), DIR_DELIMETER, name.c_str());
     Page page(graph.graph_title);
     write_page(graph, &page);
-    store_page(path, page.text());
+    // A page of the same second and query is added to, so nothing that was reported gets lost.
+    append_page(path, page.text());
     display_page({path, name}, region, display);
 }

@@ -1,0 +1,176 @@
+#include "report/page_file.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include "base/descriptor.h"
+#include "dialog/messages.h"
+#include "faults/small_disk.h"
+#include "units/report/scratch_directory.h"
+
+namespace fs = std::filesystem;
+using testing::ExitedWithCode;
+using testing::HasSubstr;
+
+namespace {
+
+class PageFile : public testing::Test {
+  protected:
+    PageFile() { ZUL_PREFER_GUI = 0; }
+    ~PageFile() override { ZUL_PREFER_GUI = 1; }
+
+    std::string page() const { return directory.path("page.html"); }
+
+    /// For death tests: ends as the program ends when the page cannot be appended. Nobody waits for
+    /// more than a moment.
+    void append_aloud(const std::string& text) const {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        alarm(10);
+        append_page(page(), text, std::chrono::milliseconds(50));
+    }
+    void expect_refused() const {
+        EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
+                    HasSubstr("Could not create/open results file (" + page() + ")\n"));
+    }
+
+    ScratchDirectory directory;
+};
+
+/// What is written behind the limit ends with an error, as on a full disk.
+void limit_file_size(rlim_t bytes) {
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit = {bytes, bytes};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+TEST_F(PageFile, IsCreatedAndAddedTo) {
+    append_page(page(), "one\n");
+    append_page(page(), "two\n");
+    EXPECT_EQ(directory.read("page.html"), "one\ntwo\n");
+}
+
+TEST_F(PageFile, PagesOfSeveralAtOnceDoNotMix) {
+    constexpr std::size_t SIZE = 300001;
+    for (char letter = 'a'; letter < 'i'; ++letter) {
+        if (fork() != 0) continue;
+        for (int i = 0; i < 5; ++i) append_page(page(), std::string(SIZE, letter));
+        _exit(0);
+    }
+    for (int status = 0; wait(&status) > 0;) EXPECT_EQ(status, 0);
+    const std::string all = directory.read("page.html");
+    ASSERT_EQ(all.size(), 40 * SIZE);
+    for (std::size_t at = 0; at < all.size(); at += SIZE) {
+        // npos, the largest number, when nothing else follows at all.
+        ASSERT_GE(all.find_first_not_of(all[at], at), at + SIZE) << "a page begins at " << at;
+    }
+}
+
+TEST_F(PageFile, ALinkIsNotFollowed) {
+    directory.write("victim", "as it was");
+    fs::create_symlink("victim", page());
+    expect_refused();
+    EXPECT_EQ(directory.read("victim"), "as it was");
+    fs::remove(page());
+    fs::create_symlink("nothing", page());
+    expect_refused();
+    EXPECT_FALSE(fs::exists(directory.path("nothing")));
+}
+
+TEST_F(PageFile, AFifoIsNotWaitedFor) {
+    ASSERT_EQ(mkfifo(page().c_str(), 0600), 0);
+    expect_refused();
+    const Descriptor reader(open(page().c_str(), O_RDONLY | O_NONBLOCK));
+    expect_refused();
+    char byte;
+    EXPECT_EQ(read(reader.get(), &byte, 1), 0);
+}
+
+TEST_F(PageFile, OtherThanRegularFilesAreRefused) {
+    fs::create_directory(page());
+    expect_refused();
+    fs::remove(page());
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, page().c_str(), sizeof address.sun_path - 1);
+    const Descriptor server(socket(AF_UNIX, SOCK_STREAM, 0));
+    ASSERT_EQ(bind(server.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
+    expect_refused();
+}
+
+TEST_F(PageFile, TheReasonGoesToStandardError) {
+    fs::create_directory(page());
+    EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
+                HasSubstr("gatescope: " + page() + ": Is a directory\n"));
+}
+
+TEST_F(PageFile, WhatDoesNotFitIsTakenBack) {
+    const std::string before(4000, 'b');
+    append_page(page(), before);
+    EXPECT_EXIT(
+        {
+            limit_file_size(6000);
+            append_aloud(std::string(100000, 'x'));
+        },
+        ExitedWithCode(99),
+        HasSubstr(
+            "ERROR: The results file (" + page() +
+            ") could not be written (File too large).  It is as it was before this query.\n"));
+    EXPECT_EQ(directory.read("page.html"), before);
+}
+
+TEST_F(PageFile, ANewPageThatDoesNotFitIsGone) {
+    EXPECT_EXIT(
+        {
+            limit_file_size(6000);
+            append_aloud(std::string(100000, 'x'));
+        },
+        ExitedWithCode(99), HasSubstr("(File too large)"));
+    EXPECT_FALSE(fs::exists(page()));
+}
+
+TEST_F(PageFile, OnAFullDiskNoHalfPageStays) {
+    const SmallDisk disk(directory.path(), 65536);
+    if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
+    const std::string before(4096, 'b');
+    append_page(page(), before);
+    EXPECT_EXIT(append_aloud(std::string(100000, 'x')), ExitedWithCode(99),
+                HasSubstr("(No space left on device)"));
+    EXPECT_EQ(directory.read("page.html"), before);
+}
+
+TEST_F(PageFile, APageThatIsTakenBackWhileAnotherWaitsIsMadeAnew) {
+    Descriptor first(open(page().c_str(), O_RDWR | O_CREAT, 0600));
+    ASSERT_EQ(flock(first.get(), LOCK_EX), 0);
+    std::thread second([&] { append_page(page(), "second"); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    fs::remove(page());
+    first.close();
+    second.join();
+    EXPECT_EQ(directory.read("page.html"), "second");
+}
+
+TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
+    directory.write("page.html", "before");
+    const Descriptor keeper(open(page().c_str(), O_RDWR));
+    ASSERT_EQ(flock(keeper.get(), LOCK_EX), 0);
+    EXPECT_EXIT(
+        append_aloud("page"), ExitedWithCode(99),
+        HasSubstr(") could not be written (Another process keeps its lock).  It is as it was "
+                  "before this query.\n"));
+    EXPECT_EQ(directory.read("page.html"), "before");
+}
+
+}  // namespace
