@@ -5,6 +5,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "log_maker.h"
 #include "logs/canonical_records.h"
@@ -16,23 +17,45 @@ namespace {
 constexpr std::int64_t NOW = 1794787199;
 /// Fits into the cache, as what the reader has just read does.
 constexpr std::size_t PIECE_SIZE = 128 * 1024;
+/// So many that no processor learns by heart what comes next.
+constexpr std::size_t PIECES = 16;
 
-/// A piece in whole lines, with the margin behind it.
-const std::string& records() {
-    static const std::string text = [] {
-        std::mt19937 random(20);
-        std::string made;
-        while (made.size() < PIECE_SIZE) {
-            const auto age = static_cast<std::int64_t>(random() % (BENCH_DAYS * 86400));
-            append_record(random, NOW - age, &made);
-        }
-        return made + std::string(READER_MARGIN, '\0');
-    }();
-    return text;
+/// Records in whole lines that end in `line_end`, with the margin behind them.
+std::string made_records(std::size_t size, const std::string& line_end) {
+    std::mt19937 random(20);
+    std::string made;
+    while (made.size() < size) {
+        const auto age = static_cast<std::int64_t>(random() % (BENCH_DAYS * 86400));
+        append_record(random, NOW - age, &made);
+        made.replace(made.size() - 1, 1, line_end);
+    }
+    return made + std::string(READER_MARGIN, '\0');
 }
 
-std::string_view piece() {
-    return {records().data(), records().size() - READER_MARGIN};
+/// A piece after the other, over and over again.
+class Pieces {
+  public:
+    explicit Pieces(const std::string& line_end) {
+        const std::string all = made_records(PIECE_SIZE * PIECES, line_end);
+        std::size_t at = 0;
+        while (pieces_.size() < PIECES) {
+            const std::size_t end = all.find('\n', at + PIECE_SIZE - 100) + 1;
+            pieces_.push_back(all.substr(at, end - at) + std::string(READER_MARGIN, '\0'));
+            at = end;
+        }
+    }
+    std::string_view next() {
+        const std::string& piece = pieces_[next_++ % PIECES];
+        return std::string_view(piece).substr(0, piece.size() - READER_MARGIN);
+    }
+
+  private:
+    std::vector<std::string> pieces_;
+    std::size_t next_ = 0;
+};
+
+const char* line_end_of(std::int64_t number) {
+    return number == 0 ? "\n" : "\r\n";
 }
 
 RecordQuery query_of(int number, bool filtered) {
@@ -46,26 +69,41 @@ RecordQuery query_of(int number, bool filtered) {
 }
 
 void say_bytes(benchmark::State& state) {
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(piece().size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PIECE_SIZE));
 }
 
-void ByFields(benchmark::State& state) {
-    const CanonicalQuery query(query_of(static_cast<int>(state.range(0)), state.range(1) != 0));
+void by_fields(benchmark::State& state, Lanes lanes) {
+    Pieces pieces(line_end_of(state.range(2)));
+    const CanonicalQuery query(query_of(static_cast<int>(state.range(0)), state.range(1) != 0),
+                               lanes);
     RecordTally tally;
     for (auto _ : state) {
-        query.count(piece(), &tally);
+        query.count(pieces.next(), &tally);
         benchmark::DoNotOptimize(tally);
     }
     say_bytes(state);
 }
-BENCHMARK(ByFields)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
+
+void ByFields(benchmark::State& state) {
+    by_fields(state, Lanes::VECTORS);
+}
+BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
+
+void ByFieldsWithoutVectors(benchmark::State& state) {
+    by_fields(state, Lanes::BYTES);
+}
+BENCHMARK(ByFieldsWithoutVectors)
+    ->ArgNames({"query", "filtered", "crlf"})
+    ->ArgsProduct({{1}, {0}, {0, 1}});
 
 void ByThePlainRule(benchmark::State& state) {
+    Pieces pieces("\n");
     const RecordQuery query = query_of(static_cast<int>(state.range(0)), state.range(1) != 0);
     RecordTally tally;
     for (auto _ : state) {
-        const char* at = piece().data();
-        const char* end = at + piece().size();
+        const std::string_view piece = pieces.next();
+        const char* at = piece.data();
+        const char* end = at + piece.size();
         while (at < end) {
             const std::string_view word = next_word(&at, end);
             if (!word.empty()) count_word(query, word, &tally);
@@ -78,14 +116,15 @@ BENCHMARK(ByThePlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4},
 
 /// Of a hundred records about so many are dropped.
 void Pruning(benchmark::State& state) {
+    Pieces pieces(line_end_of(state.range(1)));
     KeptRecords records_kept(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
     for (auto _ : state) {
-        std::string_view kept = records_kept.of(piece());
+        std::string_view kept = records_kept.of(pieces.next());
         benchmark::DoNotOptimize(kept);
     }
     say_bytes(state);
 }
-BENCHMARK(Pruning)->ArgName("dropped")->Arg(0)->Arg(4)->Arg(50)->Arg(100);
+BENCHMARK(Pruning)->ArgNames({"dropped", "crlf"})->ArgsProduct({{0, 4, 50, 100}, {0, 1}});
 
 }  // namespace
 

@@ -5,10 +5,11 @@
 #include <string>
 #include <string_view>
 
+#include "logs/lanes.h"
 #include "logs/record_rule.h"
 
 // The fast path of the queries. Almost every record of a log has the exact shape that the policy
-// engine writes; canonical_records.cpp says what it is and why it may be counted by its fields.
+// engine writes; canonical_scan.h says what it is and why it may be counted by its fields.
 // All others take the plain rule, so that the result is the plain rule's for every input.
 
 /// What the fast path compares in a canonical record.
@@ -38,7 +39,7 @@ struct CanonicalFilter {
 /// A query, prepared for records of the canonical shape.
 class CanonicalQuery {
   public:
-    explicit CanonicalQuery(const RecordQuery& query);
+    explicit CanonicalQuery(const RecordQuery& query, Lanes lanes = Lanes::VECTORS);
 
     /// Counts all words of `piece`, behind whose end READER_MARGIN bytes may be read.
     void count(std::string_view piece, RecordTally* tally) const;
@@ -53,6 +54,7 @@ class CanonicalQuery {
     void ask_for_outcomes(RecordQuery letters);
 
     RecordQuery plain_;
+    Lanes lanes_;
     CanonicalFilter filter_;
     bool has_fast_path_ = true;
 };

@@ -4,11 +4,14 @@
 #include <string_view>
 #include <vector>
 
+#include "logs/lanes.h"
+
 /// What pruning keeps and drops of a log's words.
 class KeptRecords {
   public:
     /// Records of `cut_off` (seconds since the epoch) and later are kept.
-    explicit KeptRecords(std::int64_t cut_off) : cut_off_(cut_off) {}
+    explicit KeptRecords(std::int64_t cut_off, Lanes lanes = Lanes::VECTORS)
+        : cut_off_(cut_off), lanes_(lanes) {}
 
     /// The kept words of `piece`, each on a line of its own; good until the next call.
     /// READER_MARGIN bytes may be read behind the piece. It is the piece itself when the two are
@@ -20,7 +23,17 @@ class KeptRecords {
     std::int64_t removed() const { return removed_; }
 
   private:
+    template <class LANES>
+    std::string_view kept_of(std::string_view piece);
+    /// Where the reading and the writing go on.
+    struct Places {
+        const char* at;
+        char* out;
+    };
+    Places take_words(Places places, const char* stop, const char* end);
+
     std::int64_t cut_off_;
+    Lanes lanes_;
     std::int64_t total_ = 0;
     std::int64_t removed_ = 0;
     std::vector<char> kept_;

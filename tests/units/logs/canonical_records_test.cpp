@@ -31,10 +31,10 @@ RecordTally counted_by_the_plain_rule(const RecordQuery& query, std::string_view
 }
 
 /// Behind the text stands what would change the counts if the fast path believed it.
-RecordTally counted(const RecordQuery& query, const std::string& text) {
+RecordTally counted(const RecordQuery& query, const std::string& text, Lanes lanes) {
     const std::string with_margin = text + std::string(READER_MARGIN, '>');
     RecordTally tally;
-    CanonicalQuery(query).count({with_margin.data(), text.size()}, &tally);
+    CanonicalQuery(query, lanes).count({with_margin.data(), text.size()}, &tally);
     return tally;
 }
 
@@ -46,6 +46,13 @@ bool same_counts(const RecordTally& one, const RecordTally& other) {
         }
     }
     return one.earliest == other.earliest && one.data_seen == other.data_seen;
+}
+
+/// Whether both fast paths count what the plain rule counts.
+bool same_counts_on_all_paths(const RecordQuery& query, const std::string& text) {
+    const RecordTally plain = counted_by_the_plain_rule(query, text);
+    return same_counts(plain, counted(query, text, Lanes::VECTORS)) &&
+           same_counts(plain, counted(query, text, Lanes::BYTES));
 }
 
 /// Records from the ordinary to the hostile.
@@ -160,14 +167,16 @@ class RecordMaker {
     }
 
     std::string line() {
-        constexpr std::array<const char*, 10> ends = {"\n", "\n",   "\n", "\n", "\n",
-                                                      "\n", "\r\n", " ",  "\t", ""};
+        constexpr std::array<const char*, 14> ends = {"\n", "\n",   "\n",   "\n",      "\n",
+                                                      "\n", "\r\n", "\r\n", " ",       "\t",
+                                                      "",   "\n\n", " \t",  "\r\n\r\n"};
         std::string text = record();
         const int way = draw(10);
         if (way == 0) text = hostile();
+        if (draw(3000) == 0) text.insert(text.size() / 2, 60000 + place(10000), 'l');
         if (way <= 3) text = mutated(text);
         if (way == 4) text = std::to_string(PERIOD_END - draw(200 * 86400)) + ":" + hostile();
-        return text + (way <= 4 ? pick(ends) : "\n");
+        return text + (way <= 6 ? pick(ends) : "\n");
     }
 
     /// A filter as a query driver forms it, with anything for a user.
@@ -225,20 +234,21 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
     RecordMaker maker(19);
     long fast = 0;
     long counted_at_all = 0;
-    for (int round = 0; round < 12000; ++round) {
+    for (int round = 0; round < 5000; ++round) {
         const RecordQuery query = maker.query();
         std::string text;
         for (int i = 0; i < 200; ++i) text += maker.line();
         const RecordTally plain = counted_by_the_plain_rule(query, text);
-        const RecordTally tally = counted(query, text);
         fast += CanonicalQuery(query).has_fast_path();
         for (const auto& row : plain.rows) counted_at_all += row[ALLOWED] + row[DENIED];
-        if (same_counts(plain, tally)) continue;
+        if (same_counts(plain, counted(query, text, Lanes::VECTORS)) &&
+            same_counts(plain, counted(query, text, Lanes::BYTES))) {
+            continue;
+        }
         // Say which line it was.
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);) {
-            EXPECT_TRUE(same_counts(counted_by_the_plain_rule(query, line + "\n"),
-                                    counted(query, line + "\n")))
+            EXPECT_TRUE(same_counts_on_all_paths(query, line + "\n"))
                 << "round " << round << ": " << line;
         }
         FAIL() << "query " << query.query << " edition " << query.edition << " filters "
@@ -246,8 +256,8 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
                << query.filters[3];
     }
     // The comparison is worth something only if both paths had something to do.
-    EXPECT_GT(fast, 6000);
-    EXPECT_GT(counted_at_all, 50000);
+    EXPECT_GT(fast, 2500);
+    EXPECT_GT(counted_at_all, 20000);
 }
 
 TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {
@@ -257,8 +267,7 @@ TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {
         std::string text;
         for (int i = 0; i < 3; ++i) text += maker.line();
         text.resize(maker.place(text.size() + 1));
-        EXPECT_TRUE(same_counts(counted_by_the_plain_rule(query, text), counted(query, text)))
-            << text;
+        EXPECT_TRUE(same_counts_on_all_paths(query, text)) << text;
     }
 }
 
