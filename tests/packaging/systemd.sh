@@ -22,6 +22,14 @@ grep -qx "SuccessExitStatus=$status" "$service" ||
     fail "the service does not expect status $status: $(cat "$work/output")"
 expect_one_page
 
+# What looks for the page finds it, and fails where there is none.
+look=$(sed -n "s|^ExecStartPost=/bin/sh -c '\(.*\)'\$|\1|p" "$service" |
+    sed "s|/srv/gatewarden/east|$work/east|; s|\\$\\$|\$|")
+[ -n "$look" ] || fail "the service does not look for the page"
+sh -c "$look" || fail "the service does not find the page"
+rm "$work"/east/query_results/*
+if sh -c "$look"; then fail "the service finds a page where there is none"; fi
+
 needs systemd-analyze
 # As installed: with the program and its manual in their places.
 mkdir -p "$work/units" "$work/man/man1"
