@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -110,8 +111,8 @@ TEST(Floors, MessagesHoldNoCode) {
         std::smatch found;
         EXPECT_FALSE(std::regex_search(rest, found, words_of_code))
             << file << ": " << found.str() << " in "
-            << found.prefix().str().substr(
-                   found.prefix().length() > 80 ? found.prefix().length() - 80 : 0);
+            << found.prefix().str().substr(static_cast<std::size_t>(
+                   std::max<std::ptrdiff_t>(0, found.prefix().length() - 80)));
     }
 }
 
