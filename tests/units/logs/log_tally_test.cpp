@@ -25,7 +25,7 @@ class LogTally : public LogRegion {
 };
 
 TEST_F(LogTally, ALongRecordIsOne) {
-    for (const std::size_t size : {254, 255, 256, 257, 5000, 65536}) {
+    for (const std::size_t size : {254U, 255U, 256U, 257U, 5000U, 65536U}) {
         const std::string head = record_at(noon(1), "S:");
         const std::string tail = "[1]-<->";
         const std::string record = head + std::string(size - head.size() - tail.size(), 'u') + tail;
