@@ -66,8 +66,9 @@ END
     expect_holds "the output" 'status 99' "$(<out)"
 done
 
-case_is "a region of a run that did not get to its end is made anew without a word"
+case_is "a region of a run that did not get to its end is made anew"
 demo
 expect_end 0
+expect_holds "the output" "Making $region anew" "$(<out)"
 
 report
