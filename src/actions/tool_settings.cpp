@@ -53,7 +53,7 @@ Setting ask_for_setting(std::size_t index, const std::string& def, std::string* 
 }  // namespace
 
 void A_1(bool display) {
-    prune_logging_files(QUERY_DAYS, display);
+    prune_logging_files({logging_dir, ENTERPRIZE_NAME, display}, QUERY_DAYS);
 }
 
 void A_24() {

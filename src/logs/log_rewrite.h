@@ -1,47 +1,30 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
-#include "logs/kept_records.h"
+#include "logs/left_overs.h"
+#include "logs/settling.h"
 
-// One log file rewritten without its old records, so that no kept record is lost or doubled,
-// wherever the program is killed and whatever a call answers.
-//
-// Others may be writing. They open a log, append one record and close it; while the pruning token
-// exists they do so to the log's companion. One that looked for the token just before it appeared
-// may still open the log, or have it open.
-//
-// What stands beside a log says how far its rewriting has come:
-//
-//   pruning_.txt         A new text that is not complete: to be thrown away.
-//   <companion>.taken    A companion that nobody will open any more: its records are to be added.
-//                        While somebody who opened it before still has it open, it waits, and so
-//                        does the log.
-//   <log>.new_<n>        A complete new text. It holds the first n bytes of the log, and all of
-//                        the companion taken and of <log>.old_<m>; so these are to be removed, and
-//                        then it is to become the log.
-//   <log>.old_<n>        The file that was the log until a new text took its place, for whoever
-//                        had it open by then: records behind its first n bytes are to be added.
-//                        If it is the log still, it is to be removed.
-//   <log>.overwriting_<n>
-//                        A complete new text on its way into a log that cannot be replaced (it has
-//                        hard links, another owner or a writer that never closes it): to be
-//                        copied over the first n bytes of the log, with blank lines behind it.
-//                        Records behind them are not in the text, and stay where they are.
-//
-// One rename, link or removal leads from each of these states to the next, so a run that finds
-// what another one left knows where to go on.
-
-/// A log and its companion, by their paths; that of the log names no symbolic link.
-struct LogFiles {
-    std::string log;
-    std::string companion;
+/// What became of one log.
+struct Rewritten {
+    /// Why it was left as it is; empty when it was not.
+    std::string left_alone;
+    /// Its words and those that were dropped; none of a log left alone.
+    std::int64_t total = 0;
+    std::int64_t removed = 0;
+    /// The old file, if something of it could not be added yet.
+    std::optional<LeftOver> old_file = std::nullopt;
 };
 
-/// Rewrites the log with the records that `records` keeps, and adds what an earlier run has left
-/// to be added. A log that does not exist is not made, unless there is something to add.
-void rewrite_log(const LogFiles& files, KeptRecords* records);
-
-/// Adds the companion's kept records to the log, which is made if need be, and removes the
-/// companion. Nothing happens when there is none.
-void merge_companion(const LogFiles& files, KeptRecords* records);
+/// Rewrites a log without the records before `cut_off`. It is read once; when there is something
+/// to drop the new text is written to `scratch`, in the same directory, and renamed: whoever opens
+/// the log finds the old file or the new one. Other names of the old file keep the old text.
+///
+/// Nothing happens to a log that does not exist. One that cannot be read or replaced, or that
+/// somebody keeps open, is left alone. Without a scratch file in the logging directory itself no
+/// pruning can take place, so that ends the program; a log that `is_linked` to from there may have
+/// a directory that does not allow one.
+Rewritten rewrite_log(const std::string& log, const std::string& scratch, bool is_linked,
+                      std::int64_t cut_off, Moment deadline);

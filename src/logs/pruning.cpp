@@ -2,117 +2,247 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <string>
+#include <vector>
 
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/replace_file.h"
+#include "base/signals.h"
 #include "base/standard_streams.h"
+#include "base/temporary_files.h"
 #include "dialog/messages.h"
-#include "logs/kept_records.h"
+#include "logs/left_overs.h"
 #include "logs/log_files.h"
 #include "logs/log_rewrite.h"
 #include "messages/log_texts.h"
-#include "policy/region.h"
 
 namespace {
 
-/// The system follows no more symbolic links than this, so they are a ring.
-constexpr int MOST_LINKS = 40;
+/// One log with what belongs to it.
+struct Log {
+    Place file;
+    Place companion;
+    std::string scratch;
+    std::vector<LeftOver> left_overs;
+};
 
-/// Opens the token, making it where needed, and locks it: two that prune the same region at once
-/// would take each other's files for left-overs. Gripes when another process has it locked.
-int open_token(const std::string& path) {
-    while (true) {
-        const int token =
-            open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_NOFOLLOW | O_CLOEXEC, 0666);
-        if (token == -1) gripe(NO_PRUNING_TOKEN);
-        // File systems without locks are trusted to have but one administrator.
-        if (flock(token, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-            gripe(filled(PRUNED_BY_ANOTHER, ENTERPRIZE_NAME.c_str()));
-        }
-        // Another run may have ended, and removed it, between the two calls.
-        struct stat status;
-        if (fstat(token, &status) != 0 || status.st_nlink != 0) return token;
-        close(token);
-    }
+/// Tells the reason on standard error, and ends the program with the described text.
+[[noreturn]] void gripe_about(const std::string& path, int error, const char* text) {
+    note(filled(FILE_AND_REASON, path.c_str(), std::strerror(error)));
+    gripe(text);
+}
+
+/// Opens a file for appending and makes it where it is missing; gripes when that cannot be done.
+Descriptor open_to_append(const std::string& path, const char* failure) {
+    constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    // In two steps: in sticky directories the system may make nothing where somebody's file is.
+    Descriptor file(open(path.c_str(), FLAGS));
+    if (!file && errno == ENOENT) file = Descriptor(open(path.c_str(), FLAGS | O_CREAT, 0666));
+    if (!file) gripe_about(path, errno, failure);
+    if (!S_ISREG(status_of(file.get()).st_mode)) gripe_about(path, EEXIST, failure);
+    return file;
+}
+
+/// Makes sure that there is a log, to which everybody can append.
+void make_log(const std::string& path) {
+    make_log_public(open_to_append(path, NO_LOGGING_FILE).get());
+}
+
+class Pruning {
+  public:
+    Pruning(const LogsToPrune& logs, int days)
+        : logs_(logs),
+          days_(days),
+          cut_off_(set_time_values(days).start_of_period_time),
+          token_path_(pruning_token_path(logs.directory)),
+          merged_(cut_off_) {}
+
+    void run();
+
+  private:
+    void put_up_token();
+    void take_down_token();
+    void lock(int file) const;
+    Log find_log(int number);
+    void add_left_overs(Log* log, KeptRecords* records, Moment deadline);
+    void rewrite(Log* log, Moment deadline);
+    void merge_companions(Moment deadline);
+    bool take_companion_of(Log* log);
+    void leave_alone(Place* place, const std::string& reason);
+    void tell(const std::string& line);
+    void tell_result();
+
+    const LogsToPrune& logs_;
+    const int days_;
+    const std::int64_t cut_off_;
+    const std::string token_path_;
+    Descriptor directory_;
+    Descriptor token_;
+    LeftOverNames names_;
+    std::vector<Log> found_;
+    /// What came out of companions. The words of the logs are counted one log at a time.
+    KeptRecords merged_;
+    std::int64_t total_ = 0;
+    std::int64_t removed_ = 0;
+    std::string lines_;
+};
+
+void Pruning::run() {
+    put_up_token();
+    short_pause();
+    const Moment deadline = when_writers_have_written();
+    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
+    KeptRecords recovered(cut_off_);
+    for (Log& log : found_) add_left_overs(&log, &recovered, deadline);
+    for (Log& log : found_) rewrite(&log, deadline);
+    // What was kept of the left-overs has been counted in their logs.
+    total_ += recovered.removed();
+    removed_ += recovered.removed();
+    merge_companions(deadline);
+    take_down_token();
+    // Who saw it a moment ago may still have gone to a companion.
+    short_pause();
+    merge_companions(when_writers_have_written());
+    tell_result();
 }
 
 /// Puts up the token, which diverts the log writers to the companions.
-int put_up_token(const std::string& path, std::int64_t start_of_period_time) {
-    const int token = open_token(path);
-    const std::string text = filled(TOKEN_TEXT, time_text(start_of_period_time).c_str());
-    if (write_all(token, text) != 0) gripe(NO_PRUNING_TOKEN);
-    return token;
+void Pruning::put_up_token() {
+    // The directory stays locked when the token has gone.
+    directory_ = Descriptor(open(logs_.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!directory_) gripe_about(token_path_, errno, NO_PRUNING_TOKEN);
+    lock(directory_.get());
+    token_ = open_to_append(token_path_, NO_PRUNING_TOKEN);
+    lock(token_.get());
+    remember_for_signals(token_path_);
+    const int error = write_all(token_.get(), filled(TOKEN_TEXT, time_text(cut_off_).c_str()));
+    if (error != 0) gripe_about(token_path_, error, NO_PRUNING_TOKEN);
 }
 
-void take_down_token(const std::string& path, int token) {
-    if (unlink(path.c_str()) != 0 && errno != ENOENT) {
-        gripe(filled(TOKEN_STAYS, path.c_str(), std::strerror(errno)));
+void Pruning::take_down_token() {
+    // A signal must not take away the token of whoever prunes next.
+    const SignalsHeld held;
+    forget_temporary_file(token_path_);
+    if (unlink(token_path_.c_str()) != 0 && errno != ENOENT) {
+        gripe(filled(TOKEN_STAYS, token_path_.c_str(), std::strerror(errno)));
     }
-    close(token);
 }
 
-/// The log that is meant: where a symbolic link stands for it, the link stays, and leads to the log
-/// even when that is not there yet.
-std::string behind_links(std::filesystem::path path) {
-    for (int links = 0; links < MOST_LINKS; ++links) {
-        std::error_code error;
-        const std::filesystem::path target = std::filesystem::read_symlink(path, error);
-        // No link, nothing there, or nothing that can be reached and so opened.
-        constexpr std::errc FINAL[] = {std::errc::invalid_argument,
-                                       std::errc::no_such_file_or_directory,
-                                       std::errc::not_a_directory,
-                                       std::errc::permission_denied,
-                                       std::errc::too_many_symbolic_link_levels,
-                                       std::errc::filename_too_long};
-        if (std::find(std::begin(FINAL), std::end(FINAL), error) != std::end(FINAL)) break;
-        if (error) {
-            gripe(filled(PRUNING_STOPPED, "follow", path.c_str(), std::strerror(error.value()),
-                         path.c_str()));
+/// Two that prune the same region at once would take each other's files for left-overs.
+void Pruning::lock(int file) const {
+    // File systems without locks are trusted to have but one administrator.
+    if (flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        gripe(filled(PRUNED_BY_ANOTHER, logs_.region.c_str()));
+    }
+}
+
+Log Pruning::find_log(int number) {
+    const std::string path = log_file_path(logs_.directory, number);
+    Log log = {behind_links(path),
+               behind_links(pruning_companion_path(logs_.directory, number)),
+               pruning_scratch_path(logs_.directory),
+               {}};
+    if (log.file.path != path) log.scratch = filled(LINKED_SCRATCH, log.file.path.c_str());
+    for (Place* place : {&log.file, &log.companion}) {
+        if (place->reason.empty()) names_.find(place, &log.left_overs);
+        if (!place->reason.empty()) leave_alone(place, place->reason);
+    }
+    return log;
+}
+
+void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
+    std::vector<LeftOver>& left_overs = log->left_overs;
+    if (left_overs.empty() || !log->file.reason.empty()) return;
+    make_log(log->file.path);
+    std::string reason;
+    const Descriptor file = open_locked(log->file.path, deadline, &reason);
+    for (LeftOver& left_over : left_overs) left_over.stays = reason;
+    if (!file) return;
+    // What has been begun comes before anything else is appended.
+    const FileId id = id_of(file.get());
+    std::stable_partition(left_overs.begin(), left_overs.end(),
+                          [&](const LeftOver& left_over) { return left_over.log == id; });
+    for (LeftOver& left_over : left_overs) {
+        add_left_over(&left_over, {log->file.path, file.get()}, records, deadline);
+    }
+    std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
+}
+
+void Pruning::rewrite(Log* log, Moment deadline) {
+    if (!log->file.reason.empty()) return;
+    const bool is_linked = log->scratch.starts_with(log->file.path);
+    const Rewritten done = rewrite_log(log->file.path, log->scratch, is_linked, cut_off_, deadline);
+    if (!done.left_alone.empty()) {
+        tell(filled(LOG_LEFT_ALONE, log->file.path.c_str(), done.left_alone.c_str()));
+    }
+    if (done.old_file) log->left_overs.push_back(*done.old_file);
+    total_ += done.total;
+    removed_ += done.removed;
+}
+
+/// Adds to the logs what has come into companions.
+void Pruning::merge_companions(Moment deadline) {
+    bool taken = false;
+    for (Log& log : found_) taken |= take_companion_of(&log);
+    if (taken) short_pause();
+    for (Log& log : found_) add_left_overs(&log, &merged_, deadline);
+}
+
+/// Puts it where no writer looks for it. False when there is none, or none that can be taken.
+bool Pruning::take_companion_of(Log* log) {
+    if (!log->file.reason.empty() || !log->companion.reason.empty()) return false;
+    std::string reason;
+    const Descriptor companion = open_log(log->companion.path, &reason);
+    if (!companion && reason.empty()) return false;
+    if (companion) {
+        make_log(log->file.path);
+        const LeftOver taken = new_left_over(log->companion.path, 0, companion.get());
+        if (rename(log->companion.path.c_str(), taken.path().c_str()) == 0) {
+            log->left_overs.push_back(taken);
+            return true;
         }
-        path = path.parent_path() / target;
+        reason = std::strerror(errno);
     }
-    return path;
+    leave_alone(&log->companion, reason);
+    return false;
 }
 
-LogFiles files_of(int number) {
-    return {behind_links(log_file_path(logging_dir, number)),
-            pruning_companion_path(logging_dir, number)};
+/// From now on nothing is done with it.
+void Pruning::leave_alone(Place* place, const std::string& reason) {
+    place->reason = reason;
+    tell(filled(LOG_LEFT_ALONE, place->path.c_str(), reason.c_str()));
 }
 
-void tell_result(const KeptRecords& records, int days, bool display) {
-    const std::string result =
-        filled(PRUNING_RESULT, static_cast<long long>(records.removed()),
-               static_cast<long long>(records.total()), records.removed() == 1 ? "was" : "were",
-               ENTERPRIZE_NAME.c_str(), days);
-    if (display) {
-        advise(result);
+/// A line of its own, at once for a job's mail, and once more with the result.
+void Pruning::tell(const std::string& line) {
+    note(line);
+    lines_ += line + "\n";
+}
+
+void Pruning::tell_result() {
+    for (const Log& log : found_) {
+        for (const LeftOver& one : log.left_overs) {
+            tell(filled(LEFT_OVER_STAYS, one.path().c_str(), one.stays.c_str()));
+        }
+    }
+    const long long removed = removed_ + merged_.removed();
+    const long long total = total_ + merged_.total();
+    const std::string text =
+        lines_ + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
+                        logs_.region.c_str(), days_);
+    if (logs_.display) {
+        advise(text);
     } else {
-        write_output(c_text(result));
+        write_output(text);
     }
 }
 
 }  // namespace
 
-void prune_logging_files(std::uint8_t days, bool display) {
-    const std::int64_t start_of_period_time = set_time_values(days).start_of_period_time;
-    const std::string token_path = pruning_token_path(logging_dir);
-    const int token = put_up_token(token_path, start_of_period_time);
-    KeptRecords records(start_of_period_time);
-    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        rewrite_log(files_of(number), &records);
-    }
-    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        merge_companion(files_of(number), &records);
-    }
-    take_down_token(token_path, token);
-    tell_result(records, days, display);
+void prune_logging_files(const LogsToPrune& logs, std::uint8_t days) {
+    Pruning(logs, days).run();
 }

@@ -46,14 +46,14 @@ inline constexpr char BIT_RECORD[] = "%ld:%c:%s[%d]-<%d>\n";
 inline constexpr char ALLOWED_RECORD[] = "%ld:%c:%s[%d]-<->\n";
 inline constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
 
-// Pruning. While a log is rewritten these stand beside it, or beside its companion;
-// log_rewrite.h says what they mean.
-/// What follows the log's path, and is followed by a number of bytes.
-inline constexpr char REPLACEMENT_NAME[] = ".new_";
-inline constexpr char REPLACED_NAME[] = ".old_";
-inline constexpr char OVERWRITING_NAME[] = ".overwriting_";
-/// Companion.
-inline constexpr char TAKEN_NAME[] = "%s.taken";
+// Pruning. left_overs.h says what these files are.
+/// What follows a companion's or a log's path; then the byte where it goes on, the log's device and
+/// inode, and the log's size.
+inline constexpr char LEFT_OVER_MARK[] = ".to_add_";
+inline constexpr char LEFT_OVER_NAME[] = "%s.to_add_%lld_%llu_%llu_%lld";
+inline constexpr char LEFT_OVER_NUMBERS[] = "%lld_%llu_%llu_%lld";
+/// Log that a link leads to.
+inline constexpr char LINKED_SCRATCH[] = "%s.pruning_";
 
 inline constexpr char NO_PRUNING_TOKEN[] = "Could not create needed pruning token";
 inline constexpr char NO_PRUNING_FILE[] = "Could not create needed pruning file";
@@ -64,10 +64,22 @@ inline constexpr char TOKEN_TEXT[] = "pruning records before:\n   %s\n";
 inline constexpr char PRUNED_BY_ANOTHER[] =
     "ERROR: The logs of the Gatewarden Region (%s) are being pruned by another process.  Nothing "
     "was changed.";
-/// What was to be done, file, the system's reason, log file.
+/// On standard error. File, the system's reason.
+inline constexpr char FILE_AND_REASON[] = "(%s): %s";
+/// What was to be done, file, the system's reason.
 inline constexpr char PRUNING_STOPPED[] =
-    "ERROR: Pruning stopped, because it could not %s (%s): %s.  No record of the log file (%s) is "
-    "lost; prune once more to finish.";
+    "ERROR: Pruning stopped, because it could not %s (%s): %s.  No record is lost.  As long as the "
+    "pruning token stands, log writers go on into companion files, which no query reads; a pruning "
+    "that ends well brings their records back.";
+/// Log or companion, reason.
+inline constexpr char LOG_LEFT_ALONE[] = "The log file (%s) was left as it is: %s.";
+/// Left-over, reason.
+inline constexpr char LEFT_OVER_STAYS[] =
+    "The next pruning adds to its log what is left in (%s): %s.";
+inline constexpr char LINK_OF_SOMEBODY_ELSE[] = "The link to it belongs to somebody else";
+inline constexpr char LOG_IS_LOCKED[] = "Another process is pruning it";
+inline constexpr char KEPT_OPEN[] = "Somebody keeps it open for writing";
+
 /// Token, the system's reason.
 inline constexpr char TOKEN_STAYS[] =
     "ERROR: The logs are pruned, but the pruning token (%s) could not be removed: %s.  New records "

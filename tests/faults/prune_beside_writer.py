@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Prunes beside writers at full speed, and kills every other prune at some moment.
 
-    prune_beside_writer.py GATESCOPE [--prunes N] [--seed N] [--hard-links]
+    prune_beside_writer.py GATESCOPE [--prunes N] [--seed N] [--ordinary-user]
 
 The writers follow the token rule: while the token is there they write to the companion of the log,
-else to the log. With --hard-links the logs have a second name and so are rewritten in place. In the end every record to be retained must be there once, and nothing else.
+else to the log. With --ordinary-user, for which root is needed, the prunes are an ordinary user's,
+and the logs belong to the writers, who are somebody else each. In the end every record to be
+retained must be there once, and nothing else.
 """
 
 import argparse
@@ -23,13 +25,18 @@ LOGS = (0, 7, 20)
 WRITERS = 2
 NOW = int(time.time())
 OLD = NOW - 300 * 86400
+ORDINARY_USER = 12345
+SKIPPED = 77
 
 GATEBITS = ("#!gatescope_relocated_logging_dir_unix={stage}/logs\n"
             "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;;\n")
 
 
-def write_records(stage, writer, stop, written):
+def write_records(stage, writer, stop, written, user):
     """One record after the other, every fourth of them long out of date."""
+    os.umask(0)
+    if user:
+        os.setuid(user + 1 + writer)
     logs = os.path.join(stage, "logs")
     token = os.path.join(logs, "logging_pruning_token.txt")
     count = 0
@@ -46,11 +53,11 @@ def write_records(stage, writer, stop, written):
     written[writer] = count
 
 
-def prune(gatescope, stage, kill_after):
+def prune(gatescope, stage, kill_after, user):
     command = [gatescope, "F=" + stage + "/gatebits.txt", "A=1", "D=n", "R=n"]
     environment = {"PATH": "/usr/bin:/bin", "tmp": stage + "/tmp", "CLEARCASE_USER": "op",
                    "ZUL_PREFER_NO_GUI": "yes"}
-    program = subprocess.Popen(command, env=environment, stdout=subprocess.PIPE)
+    program = subprocess.Popen(command, env=environment, stdout=subprocess.PIPE, user=user)
     if kill_after is not None:
         time.sleep(kill_after)
         program.send_signal(signal.SIGKILL)
@@ -79,8 +86,12 @@ def main():
     options.add_argument("gatescope")
     options.add_argument("--prunes", type=int, default=20)
     options.add_argument("--seed", type=int, default=int(time.time()))
-    options.add_argument("--hard-links", action="store_true")
+    options.add_argument("--ordinary-user", action="store_true")
     options = options.parse_args()
+    user = ORDINARY_USER if options.ordinary_user else None
+    if user and os.geteuid() != 0:
+        print("only root can run it as somebody else")
+        return SKIPPED
     chance = random.Random(options.seed)
     gatescope = os.path.abspath(options.gatescope)
 
@@ -90,14 +101,13 @@ def main():
             os.mkdir(stage + "/" + folder)
         with open(stage + "/gatebits.txt", "w") as file:
             file.write(GATEBITS.format(stage=stage))
-        if options.hard_links:
-            os.mkdir(stage + "/twins")
-            for number in LOGS:
-                open(stage + "/twins/%d" % number, "w").close()
-                os.link(stage + "/twins/%d" % number, stage + "/logs/logging_%d.txt" % number)
+        if user:
+            for path in (stage, stage + "/logs", stage + "/tmp"):
+                os.chown(path, user, user)
+                os.chmod(path, 0o777)
         stop = multiprocessing.Event()
         written = multiprocessing.Array("q", WRITERS)
-        writers = [multiprocessing.Process(target=write_records, args=(stage, i, stop, written))
+        writers = [multiprocessing.Process(target=write_records, args=(stage, i, stop, written, user))
                    for i in range(WRITERS)]
         for writer in writers:
             writer.start()
@@ -107,7 +117,7 @@ def main():
             for turn in range(options.prunes):
                 begin = time.time()
                 kill_after = chance.uniform(0, typical) if turn % 2 else None
-                ends[prune(gatescope, stage, kill_after)] += 1
+                ends[prune(gatescope, stage, kill_after, user)] += 1
                 if kill_after is None:
                     typical = time.time() - begin
         finally:
@@ -115,7 +125,7 @@ def main():
             for writer in writers:
                 writer.join()
         # What came in between is old news now.
-        prune(gatescope, stage, None)
+        prune(gatescope, stage, None, user)
         found, expected = records_in(stage), records_to_keep(written)
         lost, doubled = expected - found, found - expected
         print("seed %d: %d prunes, %d of them killed, beside %d records: %d lost, %d too many" %
@@ -133,4 +143,4 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -1,0 +1,92 @@
+#include "logs/log_access.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+#include "base/filled.h"
+#include "dialog/messages.h"
+#include "messages/log_texts.h"
+
+namespace {
+
+/// The system follows no more symbolic links than this, so they are a ring.
+constexpr std::size_t MOST_LINKS = 40;
+
+constexpr mode_t PUBLIC = 0666;
+
+}  // namespace
+
+void stop_pruning(const char* step, const std::string& path, int error) {
+    gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error)));
+}
+
+void must(bool done, const char* step, const std::string& path) {
+    if (!done) stop_pruning(step, path, errno);
+}
+
+FileId id_in(const struct stat& status) {
+    return {status.st_dev, status.st_ino};
+}
+
+struct stat status_of(int file) {
+    struct stat status;
+    must(fstat(file, &status) == 0, "examine", "an open log file");
+    return status;
+}
+
+FileId id_of(int file) {
+    return id_in(status_of(file));
+}
+
+bool is_name_of(const std::string& path, int file) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 && id_in(status) == id_of(file);
+}
+
+Place behind_links(const std::string& path) {
+    Place place = {path, ""};
+    std::vector<uid_t> owners;
+    struct stat status;
+    int error = 0;
+    while ((error = lstat(place.path.c_str(), &status) == 0 ? 0 : errno) == 0 &&
+           S_ISLNK(status.st_mode) && owners.size() < MOST_LINKS) {
+        owners.push_back(status.st_uid);
+        std::error_code failure;
+        const auto target = std::filesystem::read_symlink(place.path, failure);
+        if (failure) return {path, std::strerror(failure.value())};
+        place.path = std::filesystem::path(place.path).parent_path() / target;
+    }
+    if (owners.size() == MOST_LINKS) error = ELOOP;
+    if (error != 0 && error != ENOENT && error != ENOTDIR) place.reason = std::strerror(error);
+    for (const uid_t owner : owners) {
+        const bool leads_to_his = error == 0 && owner == status.st_uid;
+        if (owner != 0 && owner != geteuid() && !leads_to_his) place.reason = LINK_OF_SOMEBODY_ELSE;
+    }
+    return place;
+}
+
+Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason) {
+    while (true) {
+        Descriptor log = open_log(path, reason);
+        if (!log) return log;
+        // File systems without locks are trusted to have but one administrator.
+        const bool locked = flock(log.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+        // Who had it locked may have put another file in its place.
+        if (locked && is_name_of(path, log.get())) return log;
+        if (std::chrono::steady_clock::now() >= deadline) break;
+        short_pause();
+    }
+    *reason = LOG_IS_LOCKED;
+    return Descriptor();
+}
+
+void make_log_public(int log) {
+    const struct stat status = status_of(log);
+    if (status.st_nlink == 1 && (status.st_mode & 07777) != PUBLIC) fchmod(log, PUBLIC);
+}

@@ -1,0 +1,48 @@
+#include "logs/settling.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <csignal>
+#include <thread>
+
+#include "logs/log_access.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto LATEST_WRITER = 2s;
+constexpr auto SHORT_PAUSE = 5ms;
+constexpr auto STEP = 1ms;
+
+}  // namespace
+
+Moment when_writers_have_written() {
+    return std::chrono::steady_clock::now() + LATEST_WRITER;
+}
+
+void short_pause() {
+    std::this_thread::sleep_for(SHORT_PAUSE);
+}
+
+Settled settle(int file, Moment deadline) {
+    // Who opens the file during the lease makes the system send a signal: one that does nothing
+    // unless somebody asks for it.
+    fcntl(file, F_SETSIG, SIGURG);
+    while (true) {
+        // The system grants it to nobody while there is a writer, and who opens the file to write
+        // waits as long as it is held, which is for one look at the size.
+        const bool granted = fcntl(file, F_SETLEASE, F_RDLCK) == 0;
+        const bool is_written = !granted && errno == EAGAIN;
+        const off_t size = status_of(file).st_size;
+        if (granted) fcntl(file, F_SETLEASE, F_UNLCK);
+        if (granted || std::chrono::steady_clock::now() >= deadline) return {size, is_written};
+        if (is_written) {
+            std::this_thread::sleep_for(STEP);
+        } else {
+            std::this_thread::sleep_until(deadline);
+        }
+    }
+}

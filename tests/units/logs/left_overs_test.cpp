@@ -1,0 +1,153 @@
+#include <sys/stat.h>
+
+#include "units/logs/pruning_region.h"
+
+// What a pruning that was ended leaves behind, state by state.
+
+namespace {
+
+class LeftOvers : public Pruning {
+  protected:
+    /// The name of a left-over: where it goes on, the file whose numbers it bears, and its size.
+    static std::string left_over(const std::string& of, off_t from, const std::string& log,
+                                 off_t size) {
+        struct stat status = {};
+        stat(log.c_str(), &status);
+        return of + ".to_add_" + std::to_string(from) + "_" + std::to_string(status.st_dev) + "_" +
+               std::to_string(status.st_ino) + "_" + std::to_string(size);
+    }
+    /// Makes one that bears its own numbers: nothing of it has been added.
+    static std::string make_left_over(const std::string& of, off_t from, const std::string& text) {
+        write_file(logging_dir + "/new", text);
+        const std::string path = left_over(of, from, logging_dir + "/new", 0);
+        fs::rename(logging_dir + "/new", path);
+        return path;
+    }
+    static off_t size_of(const std::string& text) { return static_cast<off_t>(text.size()); }
+};
+
+TEST_F(LeftOvers, AnIncompleteNewTextIsThrownAway) {
+    write_log(0, fresh(1));
+    write_file(pruning_scratch_path(), fresh(7));
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
+}
+
+TEST_F(LeftOvers, ACompanionTakenIsAdded) {
+    write_log(0, fresh(1) + old(1));
+    make_left_over(pruning_companion_path(0), 0, fresh(2) + old(2));
+    write_file(pruning_companion_path(0), fresh(3));
+    EXPECT_EQ(said_by_pruning(), result(2, 5));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
+}
+
+TEST_F(LeftOvers, WhatHasBeenAddedIsNotAddedOnceMore) {
+    // Before byte S the same records are other ones.
+    const std::string before = fresh(2) + fresh(3);
+    write_log(0, before + fresh(2) + fresh(3).substr(0, 20));
+    write_file(left_over(pruning_companion_path(0), 0, log_file_path(0), size_of(before)),
+               fresh(2) + fresh(3) + fresh(2) + fresh(4));
+    said_by_pruning();
+    // The torn piece of a record stays what it is: nobody can know whose it is.
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", before + fresh(2) + fresh(3).substr(0, 20) +
+                                                        "\n" + fresh(3) + fresh(2) + fresh(4)}}));
+}
+
+TEST_F(LeftOvers, ToALogThatIsAnotherFileAllIsAddedAndNothingIsTouched) {
+    write_file(logging_dir + "/moved_away", fresh(1));
+    write_file(left_over(pruning_companion_path(0), 0, logging_dir + "/moved_away", 0),
+               fresh(1) + fresh(2));
+    write_log(0, fresh(1) + fresh(5));
+    EXPECT_EQ(said_by_pruning(), result(0, 4));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(5) + fresh(1) + fresh(2)},
+                                  {"moved_away", fresh(1)}}));
+}
+
+TEST_F(LeftOvers, ALogThatBecameShorterLosesNothing) {
+    write_log(0, fresh(5));
+    write_file(left_over(pruning_companion_path(0), 0, log_file_path(0), 1000),
+               fresh(5) + fresh(1));
+    EXPECT_EQ(said_by_pruning(), result(0, 3));
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(5) + fresh(5) + fresh(1));
+}
+
+TEST_F(LeftOvers, OfAnOldFileWhatIsBehindIsAdded) {
+    write_log(0, fresh(1));
+    const std::string before = old(1) + fresh(1);
+    make_left_over(log_file_path(0), size_of(before), before + fresh(2) + old(2));
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(LeftOvers, AnOldFileThatIsTheLogStillLosesItsOtherName) {
+    write_log(0, fresh(1) + old(1));
+    fs::create_hard_link(log_file_path(0), left_over(log_file_path(0), 5, log_file_path(0), 0));
+    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
+}
+
+TEST_F(LeftOvers, TheyMakeALogThatIsMissing) {
+    make_left_over(pruning_companion_path(4), 0, fresh(1));
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(all_files(), (Files{{"logging_4.txt", fresh(1)}}));
+}
+
+TEST_F(LeftOvers, OfALinkedLogStandBesideIt) {
+    fs::create_directory(logging_dir + "/elsewhere");
+    const std::string real = logging_dir + "/elsewhere/real.txt";
+    write_file(real, fresh(1));
+    fs::create_symlink("elsewhere/real.txt", log_file_path(3));
+    make_left_over(real, 0, fresh(2));
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(file_text(real), fresh(1) + fresh(2));
+    EXPECT_EQ(std::distance(fs::directory_iterator(logging_dir + "/elsewhere"), {}), 1);
+}
+
+TEST_F(LeftOvers, FilesWithOtherNamesAreSomebodyElses) {
+    const Files files = {{"logging_0.txt", fresh(1)},
+                         {"logging_0.txt.to_add_", fresh(2)},
+                         {"logging_0.txt.to_add_0_1_2", fresh(2)},
+                         {"logging_0.txt.to_add_0_1_2_03", fresh(2)},
+                         {"logging_0.txt.to_add_0_1_2_3x", fresh(2)},
+                         {"logging_0.txt.to_add_-1_1_2_3", fresh(2)},
+                         {"logging__0.txt.to_add_0_1_2_3.bak", fresh(2)}};
+    for (const auto& [name, text] : files) write_file(logging_dir + "/" + name, text);
+    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(all_files(), files);
+}
+
+TEST_F(LeftOvers, ACompanionKeptOpenIsAddedAndDoesNotShieldItsLog) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    write_log(3, old(1) + fresh(1));
+    write_file(pruning_companion_path(3), fresh(2) + old(2));
+    const SlowWriter writer(pruning_companion_path(3));
+    writer.write(fresh(3).substr(0, 20));
+    const std::string said = said_by_pruning();
+    EXPECT_TRUE(said.starts_with("The next pruning adds to its log what is left in (" +
+                                 pruning_companion_path(3) + ".to_add_"))
+        << said;
+    EXPECT_TRUE(said.ends_with("): Somebody keeps it open for writing.\n" + result(2, 4))) << said;
+    EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2));
+    EXPECT_FALSE(fs::exists(pruning_token_path()));
+    writer.write(fresh(3).substr(20));
+    writer.end();
+    // Another companion has come meanwhile.
+    write_file(pruning_companion_path(3), fresh(4));
+    EXPECT_EQ(said_by_pruning(), result(0, 4));
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2) + fresh(3) + fresh(4)}}));
+}
+
+TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
+    // The first pruning was ended when the new text had become the log.
+    write_log(0, fresh(1));
+    const std::string before = old(1) + fresh(1);
+    make_left_over(log_file_path(0), size_of(before), before);
+    fs::rename(log_file_path(0), logging_dir + "/moved_away");
+    std::string text;
+    for (int day = 0; day < 15; ++day) text += fresh(day);
+    write_log(0, text);
+    EXPECT_EQ(said_by_pruning(), result(0, 15));
+    EXPECT_EQ(file_text(log_file_path(0)), text);
+}
+
+}  // namespace

@@ -1,0 +1,102 @@
+#pragma once
+
+#include <fcntl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <map>
+#include <thread>
+
+#include "logs/pruning.h"
+#include "units/logs/log_region.h"
+
+namespace fs = std::filesystem;
+
+class Pruning : public LogRegion {
+  protected:
+    static void prune(int days = 120, bool display = false) {
+        prune_logging_files({logging_dir, "east", display}, static_cast<std::uint8_t>(days));
+    }
+    static std::string said_by_pruning(int days = 120, bool display = false) {
+        testing::internal::CaptureStdout();
+        prune(days, display);
+        return testing::internal::GetCapturedStdout();
+    }
+
+    static std::string result(int removed, int total, int days = 120) {
+        return std::to_string(removed) + " of " + std::to_string(total) + " log entries " +
+               (removed == 1 ? "was" : "were") +
+               " removed from the Gatewarden LOGS for the Gatewarden Region (east).\n\n" +
+               std::to_string(days) + " days of data retained.";
+    }
+
+    static std::map<std::string, std::string> all_files() {
+        std::map<std::string, std::string> files;
+        for (const auto& entry : fs::directory_iterator(logging_dir)) {
+            files[entry.path().filename()] = file_text(entry.path());
+        }
+        return files;
+    }
+    using Files = std::map<std::string, std::string>;
+
+    static void limit_file_sizes() {
+        const rlimit limit = {4096, 4096};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+
+    static mode_t mode_of(const std::string& path) {
+        struct stat status;
+        return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+    static ino_t inode_of(const std::string& path) {
+        struct stat status;
+        return stat(path.c_str(), &status) == 0 ? status.st_ino : 0;
+    }
+
+    static std::string fresh(int number) { return line(number, "S:ann[2]-<->"); }
+    static std::string old(int number) { return line(200 + number, "S:ann[2]-<->"); }
+    /// What is said of a log that is left alone, before the result.
+    static std::string left_alone(const std::string& path, const std::string& reason) {
+        return "The log file (" + path + ") was left as it is: " + reason + ".\n";
+    }
+
+    /// Ends the program, as an error does; for EXPECT_EXIT, which looks at standard error.
+    static void prune_and_say_so() {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        prune();
+    }
+};
+
+/// Does something a little later, while the test goes on.
+class Later {
+  public:
+    template <typename Work>
+    explicit Later(const Work& work)
+        : thread_([work] {
+              usleep(100'000);
+              work();
+          }) {}
+    ~Later() { thread_.join(); }
+    Later(const Later&) = delete;
+    Later& operator=(const Later&) = delete;
+
+  private:
+    std::thread thread_;
+};
+
+/// Somebody who has opened a file, and has still to write.
+class SlowWriter {
+  public:
+    explicit SlowWriter(const std::string& path)
+        : file_(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666)) {
+        EXPECT_NE(file_, -1);
+    }
+    void write(const std::string& text) const {
+        EXPECT_EQ(::write(file_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    }
+    void end() const { EXPECT_EQ(close(file_), 0); }
+
+  private:
+    int file_;
+};

@@ -1,0 +1,69 @@
+#include "logs/settling.h"
+
+#include <chrono>
+
+#include "units/logs/pruning_region.h"
+
+namespace {
+
+class Settling : public Pruning {
+  protected:
+    void SetUp() override {
+        Pruning::SetUp();
+        if (!has_leases()) GTEST_SKIP() << "no leases here";
+        write_log(0, "text");
+        file_ = open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC);
+        ASSERT_NE(file_, -1);
+    }
+    void TearDown() override {
+        close(file_);
+        Pruning::TearDown();
+    }
+    static Moment in(int milliseconds) {
+        return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    }
+    int file_ = -1;
+};
+
+TEST_F(Settling, WithoutAWriterNothingIsWaitedFor) {
+    const Settled settled = settle(file_, in(60'000));
+    EXPECT_FALSE(settled.is_written);
+    EXPECT_EQ(settled.size, 4);
+}
+
+TEST_F(Settling, AWriterIsWaitedFor) {
+    const SlowWriter writer(log_file_path(0));
+    const Later more([&] {
+        writer.write("more");
+        writer.end();
+    });
+    const Settled settled = settle(file_, in(60'000));
+    EXPECT_FALSE(settled.is_written);
+    EXPECT_EQ(settled.size, 8);
+}
+
+TEST_F(Settling, AWriterThatStaysIsToldOf) {
+    const SlowWriter writer(log_file_path(0));
+    const Settled settled = settle(file_, in(20));
+    EXPECT_TRUE(settled.is_written);
+    EXPECT_EQ(settled.size, 4);
+    writer.end();
+}
+
+TEST_F(Settling, NobodyIsKeptOutAfterwards) {
+    settle(file_, in(20));
+    const int writer = open(log_file_path(0).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+    EXPECT_NE(writer, -1);
+    close(writer);
+}
+
+TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
+    // A lease on what was not opened for reading only is not to be had.
+    const int file = open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC);
+    const Moment deadline = in(50);
+    settle(file, deadline);
+    EXPECT_GE(std::chrono::steady_clock::now(), deadline);
+    close(file);
+}
+
+}  // namespace
