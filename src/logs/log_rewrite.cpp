@@ -13,6 +13,7 @@
 #include "base/answer_file.h"
 #include "base/file_identity.h"
 #include "base/replace_file.h"
+#include "base/signals.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "logs/log_access.h"
@@ -95,6 +96,7 @@ int begin(const std::string& log, int old_log, bool is_linked, NewText* text) {
 /// Gives the log's name to the new text, and the old file that of the left-over. 0, or the errno
 /// of a refusal, and then the log is what it was.
 int put_in_place(const std::string& scratch, const std::string& log, const std::string& left_over) {
+    const SignalsHeld held;
     must(rename(scratch.c_str(), left_over.c_str()) == 0, "rename", scratch);
     forget_temporary_file(scratch);
     bool done = renameat2(AT_FDCWD, left_over.c_str(), AT_FDCWD, log.c_str(), RENAME_EXCHANGE) == 0;

@@ -116,6 +116,7 @@ void Pruning::put_up_token() {
     directory_ = Descriptor(open(logs_.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!directory_) gripe_about(token_path_, errno, NO_PRUNING_TOKEN);
     lock(directory_.get());
+    const SignalsHeld held;
     token_ = open_to_append(token_path_, NO_PRUNING_TOKEN);
     lock(token_.get());
     remember_for_signals(token_path_);
