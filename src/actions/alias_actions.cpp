@@ -4,6 +4,7 @@
 
 #include "actions/actions.h"
 #include "actions/field_editors.h"
+#include "actions/outcome.h"
 #include "actions/picks.h"
 #include "base/filled.h"
 #include "dialog/confirmations.h"
@@ -46,7 +47,8 @@ std::string alias_list(std::string (*entry)(std::size_t i)) {
 
 /// Loads the tables; tells the operator when there is nothing in them.
 bool there_are_aliases() {
-    if (build_alias_list() != 0) return true;
+    // The count outlives the last alias, but its name does not.
+    if (build_alias_list() != 0 && !ALIAS_NAME[0].empty()) return true;
     advise_wait(NO_ALIASES);
     return false;
 }
@@ -104,8 +106,8 @@ LastAnswer A_17() {
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            add_change_remove_an_alias(ADD_ALIAS, *name, *value);
-            add_confirmed_alias(line);
+            const auto result = add_change_remove_an_alias(ADD_ALIAS, *name, *value);
+            if (written_or_told(result)) add_confirmed_alias(line);
         }
         return value;
     }
@@ -119,10 +121,10 @@ LastAnswer A_18() {
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
         case YES:
-            add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO);
+            written_or_told(add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO));
             break;
         case NO:
-            add_change_remove_an_alias(REMOVE_ALIAS, name, DEFINITION_ONLY);
+            written_or_told(add_change_remove_an_alias(REMOVE_ALIAS, name, DEFINITION_ONLY));
             break;
         default:
             break;
@@ -155,8 +157,8 @@ LastAnswer A_20() {
         const Consent consent = confirm_change(change);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value);
-            change_confirmed(change);
+            const auto result = add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value);
+            if (written_or_told(result)) change_confirmed(change);
         }
         return value;
     }

@@ -2,6 +2,7 @@
 
 #include "actions/depot_first.h"
 #include "actions/field_table.h"
+#include "actions/outcome.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "messages/identity.h"
@@ -9,14 +10,25 @@
 
 namespace {
 
-void write_and_report(const FieldEditor& editor, const Change& change) {
-    if (editor.kind->changes != nullptr) {
-        set_fields(editor.kind->changes(editor, change.to));
-    } else {
-        set_a_field(editor.line, editor.field, change.to);
+/// All that the new value changes, in one write.
+std::vector<FieldChange> changes_of(const FieldEditor& editor, const std::string& stored,
+                                    const std::string& value) {
+    std::vector<FieldChange> changes = {{editor.line, editor.field, value, stored}};
+    if (editor.kind->further_changes != nullptr) {
+        for (const FieldChange& change : editor.kind->further_changes(editor, value)) {
+            changes.push_back(change);
+        }
     }
+    return changes;
+}
+
+Edited write_and_report(const FieldEditor& editor, const Change& change,
+                        const std::vector<FieldChange>& changes) {
+    const ChangeResult result = set_fields(changes);
+    if (!field_written_or_told(result, change.item, editor.line, editor.field)) return Edited::LEFT;
     change_confirmed(change);
     if (editor.kind->changes_settings) interrogate_the_enterprise();
+    return Edited::WRITTEN;
 }
 
 std::string warnings_of(const FieldEditor& editor, const Change& change) {
@@ -34,16 +46,19 @@ Edit edit(const FieldEditor& editor) {
         if (needed.depot == DepotFirst::NOW_DEFINED) back_to = kind.back_to;
     }
     while (the_sun_rises) {
-        const std::string current = kind.current(editor);
+        const std::string stored = field_or_empty(editor.line, editor.field);
+        const std::string current = kind.part_shown == nullptr ? stored : kind.part_shown(stored);
         const Entered entered =
             kind.ask_for(editor, kind.question(editor, current, back_to), current);
         back_to.clear();
         if (!entered.value) return {Edited::LEFT, entered.last_answer};
         const Change change = {kind.field_name(editor), current, *entered.value};
+        // Made up before the question, so that what it shows cannot be newer.
+        const std::vector<FieldChange> changes = changes_of(editor, stored, change.to);
         const Consent consent = confirm_change(change, warnings_of(editor, change));
         if (consent == DECLINED) continue;
-        if (consent == CONFIRMED) write_and_report(editor, change);
-        return {consent == CONFIRMED ? Edited::WRITTEN : Edited::LEFT, entered.last_answer};
+        if (consent != CONFIRMED) return {Edited::LEFT, entered.last_answer};
+        return {write_and_report(editor, change, changes), entered.last_answer};
     }
 }
 

@@ -12,7 +12,7 @@ inline constexpr bool the_sun_rises = true;
 /// How an editor ended; the depot's callers look at it.
 enum class Edited {
     WRITTEN,
-    LEFT  ///< cancelled or aborted; nothing was written
+    LEFT  ///< cancelled, aborted or refused; nothing was written
 };
 
 struct Edit {

@@ -10,10 +10,6 @@
 
 namespace {
 
-std::string field_as_read(const FieldEditor& editor) {
-    return field_or_empty(editor.line, editor.field);
-}
-
 // Typed values.
 
 /// The validator's message takes the prompt's place until a value passes; what is already there
@@ -33,20 +29,22 @@ Entered typed_value(const FieldEditor& editor, const std::string& question,
 
 /// A cleared depot takes with it what stands on it.
 std::vector<FieldChange> changes_with_depot(const FieldEditor& depot, const std::string& value) {
-    std::vector<FieldChange> changes = {{depot.line, depot.field, value}};
-    if (!value.empty()) return changes;
-    changes.push_back({PARENT_LINE, depot.field, ""});
-    changes.push_back({NOTIFY_LINE, depot.field, ""});
+    if (!value.empty()) return {};
+    const auto to = [](int line, int field, const std::string& new_value) {
+        return FieldChange{line, field, new_value, field_or_empty(line, field)};
+    };
+    std::vector<FieldChange> changes = {to(PARENT_LINE, depot.field, ""),
+                                        to(NOTIFY_LINE, depot.field, "")};
     std::string other_depot;
     const int other_field = depot.field == 1 ? 2 : 1;
-    if (get_a_field(DEPOT_LINE, other_field, &other_depot) == 1 && other_depot.empty()) {
-        changes.push_back({DEPOT_LINE, 3, LOGGING_WHEN_EMPTY});
-    }
+    if (get_a_field(DEPOT_LINE, other_field, &other_depot) == 0) return changes;
+    // It stays as it is, but logging depends on it.
+    changes.push_back({DEPOT_LINE, other_field, other_depot, other_depot});
+    if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, 3, LOGGING_WHEN_EMPTY));
     return changes;
 }
 
 constexpr FieldKind DEPOT = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor& editor, const std::string&, const std::string&) {
             return filled(DEPOT_PROMPT, editor.subject, editor.example);
@@ -55,12 +53,11 @@ constexpr FieldKind DEPOT = {
     .is_ok = region_depot_is_ok,
     .field_name =
         [](const FieldEditor& editor) { return filled(DEPOT_FIELD_NAME, editor.subject); },
-    .changes = changes_with_depot,
+    .further_changes = changes_with_depot,
     .changes_settings = true,
 };
 
 constexpr FieldKind PARENT = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor& editor, const std::string&, const std::string& back_to) {
             return filled(PARENT_PROMPT, back_to.c_str(), editor.subject, editor.example);
@@ -74,7 +71,6 @@ constexpr FieldKind PARENT = {
 };
 
 constexpr FieldKind NOTIFY = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor& editor, const std::string&, const std::string& back_to) {
             return filled(NOTIFY_PROMPT, back_to.c_str(), editor.subject, editor.example);
@@ -88,7 +84,6 @@ constexpr FieldKind NOTIFY = {
 };
 
 constexpr FieldKind LIST = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor& editor, const std::string&, const std::string&) {
             return filled(LIST_PROMPT, editor.subject, editor.example);
@@ -99,7 +94,6 @@ constexpr FieldKind LIST = {
 };
 
 constexpr FieldKind MOTD = {
-    .current = field_as_read,
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_PROMPT, editor.example); },
     .ask_for = typed_value,
@@ -108,7 +102,6 @@ constexpr FieldKind MOTD = {
 };
 
 constexpr FieldKind MOTD_LIST = {
-    .current = field_as_read,
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_LIST_PROMPT, editor.example); },
     .ask_for = typed_value,
@@ -129,7 +122,6 @@ const char* or_when_empty(const std::string& value, const char* when_empty) {
 }
 
 constexpr FieldKind LOGGING_LETTER = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor&, const std::string& current, const std::string&) {
             return filled(LOGGING_TITLE, or_when_empty(current, LOGGING_WHEN_EMPTY));
@@ -139,7 +131,6 @@ constexpr FieldKind LOGGING_LETTER = {
 };
 
 constexpr FieldKind PER_VOB = {
-    .current = field_as_read,
     .question =
         [](const FieldEditor&, const std::string& current, const std::string&) {
             return filled(PER_VOB_TITLE, or_when_empty(current, PER_VOB_WHEN_EMPTY));
@@ -150,10 +141,6 @@ constexpr FieldKind PER_VOB = {
 
 // Picked bits.
 
-std::string bits_as_read(const FieldEditor& editor) {
-    return field_as_read(editor).substr(0, NUMBER_OF_BITS);
-}
-
 Entered picked_bits(const FieldEditor&, const std::string& title, const std::string& current) {
     const auto picks = make_selection(title, bit_entries(bit_state(current)), MULTIPLE_CHOICE);
     if (!picks) return {};
@@ -161,7 +148,7 @@ Entered picked_bits(const FieldEditor&, const std::string& title, const std::str
 }
 
 constexpr FieldKind BITS = {
-    .current = bits_as_read,
+    .part_shown = [](const std::string& stored) { return stored.substr(0, NUMBER_OF_BITS); },
     .question = [](const FieldEditor&, const std::string& current,
                    const std::string&) { return filled(BITS_TITLE, bit_state(current).c_str()); },
     .ask_for = picked_bits,

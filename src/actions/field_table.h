@@ -23,8 +23,9 @@ struct Entered {
 
 /// What the editors of one kind have in common.
 struct FieldKind {
-    /// The field's value as the editor shows it and hands it to the confirmation.
-    std::string (*current)(const FieldEditor& editor);
+    /// What the editor shows, and hands to the confirmation, of what stands in the field; null when
+    /// it is all of it.
+    std::string (*part_shown)(const std::string& stored) = nullptr;
     /// The prompt or title; `back_to` is the way back from the depot, or empty.
     std::string (*question)(const FieldEditor& editor, const std::string& current,
                             const std::string& back_to);
@@ -39,9 +40,10 @@ struct FieldKind {
     /// null for fields that can.
     const char* depot_entry = nullptr;
     const char* back_to = nullptr;
-    /// All that changes with the value, in one write; null when it is the field alone.
-    std::vector<FieldChange> (*changes)(const FieldEditor& editor,
-                                        const std::string& value) = nullptr;
+    /// What else changes with the value, in the same write, or must not have changed until then;
+    /// null when there is nothing.
+    std::vector<FieldChange> (*further_changes)(const FieldEditor& editor,
+                                                const std::string& value) = nullptr;
     /// Whether the region's settings depend on the field.
     bool changes_settings = false;
 };

@@ -1,9 +1,11 @@
+#include <limits>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "actions/actions.h"
 #include "actions/field_editors.h"
+#include "actions/outcome.h"
 #include "actions/picks.h"
 #include "base/filled.h"
 #include "base/text.h"
@@ -40,42 +42,49 @@ std::string key_list(const std::vector<std::string>& keys) {
     return as_list(entries);
 }
 
-/// The index that the pick begins with; gripes with `fault` when there is no such key.
-int picked_index(const std::string& pick, const std::vector<std::string>& keys, const char* fault) {
+struct Key {
+    int index;
+    std::string line;
+};
+
+/// The key that the pick begins with the index of, as it is now; gripes with `fault` when there is
+/// none.
+Key picked_key(const std::string& pick, const char* fault) {
+    const int last_index = std::numeric_limits<int>::max() - FIRST_KEY_LINE;
     const auto index = number_at_front(pick);
-    if (!index || static_cast<std::size_t>(*index) >= keys.size()) gripe(fault);
-    return *index;
-}
-
-Answer ask_what_to_do_with(int index, const std::string& key, const char* noun) {
-    std::string shown = cut_for_dialog(key);
-    double_amp_string(shown);
-    return ask(filled(KEY_QUESTION, noun, index, shown.c_str()), "yes", "yes,no,abort");
-}
-
-/// What was entered; nothing when the prompt was cancelled, which leaves the action.
-std::optional<std::string> edit_key(int index, const std::string& key) {
-    const auto text = prompt(filled(KEY_PROMPT, index), key);
-    if (!text) return std::nullopt;
-    const Change change = {filled(KEY_FIELD_NAME, index), key, *text};
-    if (confirm_change(change, key_reminder()) == CONFIRMED) {
-        set_a_line(FIRST_KEY_LINE + index, *text);
-        change_confirmed(change);
+    Key key = {index.value_or(0), ""};
+    if (!index || *index > last_index || get_a_line(FIRST_KEY_LINE + *index, &key.line) == 0) {
+        gripe(fault);
     }
-    return text;
+    return key;
 }
 
-void delete_key(int index, const std::string& key) {
-    const Change change = {filled(KEY_FIELD_NAME, index), key, ""};
-    if (confirm_delete(change) != CONFIRMED) return;
-    set_a_line(FIRST_KEY_LINE + index, DELETION_TOKEN);
+Answer ask_what_to_do_with(const Key& key, const char* noun) {
+    std::string shown = cut_for_dialog(key.line);
+    double_amp_string(shown);
+    return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()), "yes", "yes,no,abort");
+}
+
+/// Whether the action goes on with its list: it does not after a cancelled prompt, nor when
+/// somebody else has changed the key.
+bool edit_key(const Key& key, LastAnswer* last_answer) {
+    const auto text = prompt(filled(KEY_PROMPT, key.index), key.line);
+    if (!text) return false;
+    *last_answer = text;
+    const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
+    if (confirm_change(change, key_reminder()) != CONFIRMED) return true;
+    if (!written_or_told(set_a_line(FIRST_KEY_LINE + key.index, *text, key.line))) return false;
+    change_confirmed(change);
+    return true;
+}
+
+bool delete_key(const Key& key) {
+    const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
+    if (confirm_delete(change) != CONFIRMED) return true;
+    const auto result = set_a_line(FIRST_KEY_LINE + key.index, DELETION_TOKEN, key.line);
+    if (!written_or_told(result)) return false;
     delete_confirmed(change);
-}
-
-/// The picked key, or the default where none was picked; gripes when the pick is no key.
-std::string key_template(const std::string& pick, const std::vector<std::string>& keys) {
-    if (pick.empty()) return DEFAULT_KEY;
-    return keys[static_cast<std::size_t>(picked_index(pick, keys, INTERNAL_ERROR_A_22))];
+    return true;
 }
 
 }  // namespace
@@ -92,14 +101,10 @@ LastAnswer A_21() {
         const auto pick = pick_one(texts.title, key_list(keys));
         last_answer = pick.value_or(UNANSWERED);
         if (!pick) return last_answer;
-        const int index = picked_index(*pick, keys, INTERNAL_ERROR_A_21);
-        const std::string& key = keys[static_cast<std::size_t>(index)];
-        const Answer answer = ask_what_to_do_with(index, key, texts.noun);
-        if (answer == NO) delete_key(index, key);
-        if (answer != YES) continue;
-        const auto text = edit_key(index, key);
-        if (!text) return last_answer;
-        last_answer = text;
+        const Key key = picked_key(*pick, INTERNAL_ERROR_A_21);
+        const Answer answer = ask_what_to_do_with(key, texts.noun);
+        if (answer == NO && !delete_key(key)) return last_answer;
+        if (answer == YES && !edit_key(key, &last_answer)) return last_answer;
     }
 }
 
@@ -112,7 +117,7 @@ LastAnswer A_22() {
             const auto pick = make_selection(KEY_TEMPLATE_TITLE, key_list(keys), SINGLE_CHOICE);
             last_answer = pick.value_or(UNANSWERED);
             if (!pick) return last_answer;
-            text = key_template(*pick, keys);
+            if (!pick->empty()) text = picked_key(*pick, INTERNAL_ERROR_A_22).line;
         }
         const int index = static_cast<int>(keys.size());
         const auto entered = prompt(filled(NEW_KEY_PROMPT, index), text);

@@ -16,6 +16,22 @@ inline constexpr char NOT_DURING_INSTALL[] =
 inline constexpr char NO_LABEL_DURING_INSTALL[] =
     "This Action is not available during the installation process...";
 
+// Changes that were confirmed and not made.
+
+/// File.
+inline constexpr char CHANGED_BY_ANOTHER[] =
+    "The gatebits file (%s) was changed meanwhile, and what you were shown no longer stands there."
+    "\n\nYour change was not made: nothing was written.";
+/// Field's name, field, line, file.
+inline constexpr char NO_LINE_FOR_FIELD[] =
+    "Your change was not made: nothing was written.\n\nThe place of the %s is field %d of "
+    "significant line %d, and there is no such line in (%s).  Lines that are empty or begin with "
+    "'#' do not count.";
+inline constexpr char NO_FIELD_IN_LINE[] =
+    "Your change was not made: the value was not written.\n\nThe place of the %s is field %d of "
+    "significant line %d, and that line of (%s) has no such field.  Each field has to be ended by "
+    "';'.";
+
 // The region's fields.
 
 /// OS, example.

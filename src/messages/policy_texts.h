@@ -61,15 +61,15 @@ inline constexpr char GATEBITS_EMPTY[] = "ERROR: The enterprise permissions file
 /// Path, size in bytes, limit in bytes, path.
 inline constexpr char GATEBITS_WOULD_BE_TOO_LARGE[] =
     "ERROR: The change would make the enterprise permissions file (%s) %zu bytes long, but at "
-    "most %zu bytes can be read.  Nothing was changed in (%s).";
+    "most %zu bytes can be read.  The change was not made in (%s).";
 /// Path.
 inline constexpr char GATEBITS_HOLDS_NUL[] =
     "ERROR: The enterprise permissions file (%s) holds a NUL byte, and what follows it would be "
-    "lost in a change.  Nothing was changed.";
+    "lost in a change.  The change was not made.";
 /// Path.
 inline constexpr char NEW_LINE_HOLDS_BREAK[] =
     "ERROR: The value entered for the enterprise permissions file (%s) holds a line break.  "
-    "Nothing was changed.";
+    "The change was not made.";
 
 inline constexpr char NO_REGION_HEADER[] =
     "ERROR: Missing region header definition - no region information line found";

@@ -28,7 +28,8 @@ inline constexpr char CANNOT_CREATE_TEMP_FILE[] = "Could not create needed temp 
 
 /// File, reason.
 inline constexpr char CANNOT_READ_ANSWER[] =
-    "ERROR: Could not read the dialog's answer (%s): %s.  Nothing was changed.";
+    "ERROR: Could not read the dialog's answer (%s): %s.  What it was for was not done; what was "
+    "confirmed before stays done.";
 
 /// File, reason, in what state things were left.
 inline constexpr char COULD_NOT_REPLACE[] = "ERROR: Could not write the file (%s): %s.  %s";
