@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <thread>
+#include <vector>
 
 namespace {
 
@@ -70,6 +71,31 @@ TEST_F(FileLocked, WhoWaitsWhileTheFileIsReplacedGetsTheNewOnesLock) {
     replacer.join();
     EXPECT_EQ(ours.state, LockState::HELD);
     EXPECT_FALSE(is_free("file"));
+}
+
+// Whoever opens the file just before it is replaced, and locks it just after, has the lock of a
+// file that nobody sees any more.
+TEST_F(FileLocked, NobodyWorksOnAFileThatWasReplacedMeanwhile) {
+    constexpr int WORKERS = 16;
+    constexpr int ROUNDS = 100;
+    std::ofstream(path("file")) << 0;
+    std::vector<std::thread> workers;
+    for (int worker = 0; worker < WORKERS; ++worker) {
+        workers.emplace_back([this, worker] {
+            for (int i = 0; i < ROUNDS; ++i) {
+                const FileLock lock = lock_file(path("file"), 1min);
+                int count = 0;
+                std::ifstream(path("file")) >> count;
+                const std::string next = path("new_" + std::to_string(worker));
+                std::ofstream(next) << count + 1;
+                std::filesystem::rename(next, path("file"));
+            }
+        });
+    }
+    for (std::thread& worker : workers) worker.join();
+    int count = 0;
+    std::ifstream(path("file")) >> count;
+    EXPECT_EQ(count, WORKERS * ROUNDS);
 }
 
 TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
