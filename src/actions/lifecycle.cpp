@@ -145,8 +145,7 @@ void A_23(bool during_install) {
         return advise(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
                              ENTERPRIZE_NAME.c_str()));
     }
-    const std::string command =
-        filled(CHECKER_LINE, checker.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), CHECK);
+    const std::string command = checker_command(CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
     ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");

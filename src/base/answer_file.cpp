@@ -60,9 +60,9 @@ void remove_temporary_file(const std::string& path) {
 
 AnswerFile::AnswerFile(const std::string& path) : path_(path) {
     const int descriptor = create_temporary_file(path);
-    if (descriptor == -1) gripe(CANNOT_CREATE_TEMP_FILE);
+    if (descriptor == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
     const bool marked = futimens(descriptor, NEVER_WRITTEN.data()) == 0;
-    if (close(descriptor) != 0 || !marked) gripe(CANNOT_CREATE_TEMP_FILE);
+    if (close(descriptor) != 0 || !marked) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
 }
 
 AnswerFile::~AnswerFile() {

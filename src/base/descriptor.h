@@ -30,6 +30,9 @@ class Descriptor {
     /// For system calls; -1 when nothing is open.
     [[nodiscard]] int get() const { return number_; }
 
+    /// Hands it over: the caller closes it.
+    [[nodiscard]] int release() { return std::exchange(number_, -1); }
+
     /// Closes it now. 0, or the errno of a close that failed: some file systems tell only then
     /// that what was written is not on the disk. Nothing is open afterwards in either case.
     int close() {

@@ -9,6 +9,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/descriptor.h"
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "dialog/messages.h"
@@ -23,6 +24,23 @@ constexpr std::size_t COPY_CHUNK = 30000;
 int write_and_close(FILE* stream, const char* text) {
     const bool written = text == nullptr || std::fputs(text, stream) >= 0;
     return std::fclose(stream) == 0 && written ? 0 : EOF;
+}
+
+/// What the descriptor stands for as a stream; null, with errno set, when it is -1.
+FILE* stream_of(int descriptor, const char* mode) {
+    return descriptor == -1 ? nullptr : fdopen(descriptor, mode);
+}
+
+enum class End { DESTINATION, SOURCE };
+
+/// Says which end of a copy failed, with the reason in errno.
+[[noreturn]] void gripe_not_moved(End end, const std::string& source,
+                                  const std::string& destination) {
+    const int reason = errno;
+    const std::string message =
+        end == End::SOURCE ? filled(COULD_NOT_MOVE_2, source.c_str(), destination.c_str(), reason)
+                           : filled(COULD_NOT_MOVE_1, source.c_str(), destination.c_str(), reason);
+    gripe(message, reason);
 }
 
 bool same_bytes(FILE* one, FILE* other, long size) {
@@ -40,29 +58,40 @@ bool this_file_exists(const std::string& path) {
     return stat(path.c_str(), &status) == 0;
 }
 
+int open_regular_file(const std::string& path, int flags) {
+    Descriptor file(open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666));
+    struct stat status;
+    if (!file || fstat(file.get(), &status) != 0) return -1;
+    if (!S_ISREG(status.st_mode)) {
+        errno = EINVAL;
+        return -1;
+    }
+    return file.release();
+}
+
 int touch_file(const std::string& path, const char* text) {
-    FILE* stream = std::fopen(path.c_str(), "w+");
-    if (stream == nullptr) gripe(filled(COULD_NOT_TOUCH, path.c_str(), errno));
+    FILE* stream = stream_of(open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC), "w+");
+    if (stream == nullptr) {
+        const int reason = errno;
+        gripe(filled(COULD_NOT_TOUCH, path.c_str(), reason), reason);
+    }
     return write_and_close(stream, text);
 }
 
 int append_file(const std::string& path, const char* text) {
-    FILE* stream = std::fopen(path.c_str(), "a+");
-    if (stream == nullptr) gripe(filled(COULD_NOT_APPEND, path.c_str(), errno));
+    FILE* stream = stream_of(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND), "a+");
+    if (stream == nullptr) {
+        const int reason = errno;
+        gripe(filled(COULD_NOT_APPEND, path.c_str(), reason), reason);
+    }
     return write_and_close(stream, text);
 }
 
 int copy_file(const std::string& source, const std::string& destination) {
-    FILE* out = std::fopen(destination.c_str(), "w+");
-    if (out == nullptr) {
-        gripe(filled(COULD_NOT_MOVE_1, source.c_str(), destination.c_str(), errno));
-    }
-    FILE* in = std::fopen(source.c_str(), "r");
-    if (in == nullptr) {
-        const int reason = errno;
-        std::fclose(out);
-        gripe(filled(COULD_NOT_MOVE_2, source.c_str(), destination.c_str(), reason));
-    }
+    FILE* out = stream_of(open_regular_file(destination, O_RDWR | O_CREAT | O_TRUNC), "w+");
+    if (out == nullptr) gripe_not_moved(End::DESTINATION, source, destination);
+    FILE* in = stream_of(open_regular_file(source, O_RDONLY), "r");
+    if (in == nullptr) gripe_not_moved(End::SOURCE, source, destination);
     std::array<char, COPY_CHUNK> chunk;
     bool copied = true;
     while (const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), in)) {
@@ -76,9 +105,7 @@ int copy_file(const std::string& source, const std::string& destination) {
 
 void move_file(const std::string& source, const std::string& destination) {
     // The source may be the only whole copy, so it goes only when the other one is complete.
-    if (copy_file(source, destination) != 0) {
-        gripe(filled(COULD_NOT_MOVE_1, source.c_str(), destination.c_str(), errno));
-    }
+    if (copy_file(source, destination) != 0) gripe_not_moved(End::DESTINATION, source, destination);
     unlink_remove(source);
 }
 
@@ -95,8 +122,8 @@ bool cmp_files(const std::string& path1, const std::string& path2) {
     struct stat status2;
     if (stat(path1.c_str(), &status1) != 0 || stat(path2.c_str(), &status2) != 0) return false;
     if (status1.st_size != status2.st_size || status1.st_size == 0) return false;
-    FILE* one = std::fopen(path1.c_str(), "rb");
-    FILE* other = std::fopen(path2.c_str(), "rb");
+    FILE* one = stream_of(open_regular_file(path1, O_RDONLY), "rb");
+    FILE* other = stream_of(open_regular_file(path2, O_RDONLY), "rb");
     const bool same = one != nullptr && other != nullptr && same_bytes(one, other, status1.st_size);
     if (one != nullptr) std::fclose(one);
     if (other != nullptr) std::fclose(other);

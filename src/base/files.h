@@ -8,6 +8,11 @@
 /// Whether the path can be examined, whatever kind of file it is.
 bool this_file_exists(const std::string& path);
 
+/// Opens a regular file with these flags of open(2); where they create it, for all to read and
+/// write as far as the umask lets them. Never waits for the other end of a pipe or for a device:
+/// those are refused with EINVAL, or what the system says. The descriptor, or -1 with errno set.
+int open_regular_file(const std::string& path, int flags);
+
 /// Creates or truncates a file and writes `text` (may be null) into it; gripes when it cannot be
 /// opened. Returns the status of the close (0: all written).
 int touch_file(const std::string& path, const char* text);

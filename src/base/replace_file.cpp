@@ -41,7 +41,7 @@ std::string target_of(const std::string& path) {
 
 [[noreturn]] void gripe_about_refusal(const std::string& safe_copy, const std::string& path,
                                       int error) {
-    gripe(filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error));
+    gripe(filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error), error);
 }
 
 /// Writes and syncs; 0 or an errno.

@@ -137,10 +137,11 @@ void verify_set_tempdir() {
         if (directory == nullptr) continue;
         TEMP_DIR = directory;
         if (temp_dir_is_writable()) return;
-        gripe(filled(ERROR_USIING_TEMP_DIR, SELF, spelled, directory));
+        gripe(filled(ERROR_USIING_TEMP_DIR, SELF, spelled, directory), errno);
     }
     TEMP_DIR = "/tmp";
-    if (!temp_dir_is_writable()) gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP));
+    if (temp_dir_is_writable()) return;
+    gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP), errno);
 }
 
 const std::string& make_tfile(const char* tag, const char* part2, const char* part3) {

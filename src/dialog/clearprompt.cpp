@@ -1,21 +1,53 @@
 #include "dialog/clearprompt.h"
 
 #include <strings.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <string_view>
 
+#include "base/child.h"
 #include "base/filled.h"
+#include "base/search_path.h"
+#include "base/standard_streams.h"
+#include "messages/dialog_texts.h"
 #include "messages/environment.h"
 
 namespace {
+
+// What the shell makes of a program that it cannot start.
+constexpr int NOT_EXECUTABLE = 126;
+constexpr int NOT_FOUND = 127;
 
 bool quoting_is_strict() {
     const char* wish = std::getenv(ENV_STRICT_QUOTING);
     return wish != nullptr && strcasecmp(wish, "yes") == 0;
 }
 
+/// Why clearprompt did not start; empty when it did. `status` is the shell's, and errno is that of
+/// a shell that did not start. Of a dialog in the background the status says nothing.
+std::string why_not_started(int status) {
+    if (status == -1) return filled(NO_SHELL, std::strerror(errno));
+    if (!is_on_search_path(CLEARPROMPT, X_OK)) return IT_WAS_NOT_FOUND;
+    const int shell_status = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    const bool failed = shell_status == NOT_EXECUTABLE || shell_status == NOT_FOUND;
+    return failed ? filled(SHELL_ENDED_WITH, shell_status) : "";
+}
+
 }  // namespace
+
+int run_dialog(const std::string& command, const std::string& text, const char* lost) {
+    errno = 0;
+    const int status = run_in_shell(command);
+    const std::string reason = why_not_started(status);
+    if (!reason.empty()) {
+        note(filled(DIALOG_IS_LOST, CLEARPROMPT, reason.c_str(), lost, text.c_str()));
+    }
+    return status;
+}
 
 std::string quoted(const std::string& text) {
     const bool strict = quoting_is_strict();
@@ -27,6 +59,10 @@ std::string quoted(const std::string& text) {
         result += character;
     }
     return result + '"';
+}
+
+std::string one_argument(const std::string& path) {
+    return quoting_is_strict() ? quoted(path) : path;
 }
 
 std::string newline_option(const std::string& text) {

@@ -1,8 +1,8 @@
 #include "dialog/messages.h"
 
+#include <cstring>
 #include <string_view>
 
-#include "base/child.h"
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "base/standard_streams.h"
@@ -55,12 +55,24 @@ void gripe(const std::string& message) {
     close_descriptor(&ENTERPRIZE_PERMISSION_FILE_FD);
     if (JUST_CHECKING == 1 && JUST_CHECKING_ERROR_ONLY != 1) clean_exit(99);
     if (ZUL_PREFER_GUI) {
-        run_in_shell(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
-                            quoted(message).c_str()));
+        run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                          quoted(message).c_str()),
+                   message, NOT_SHOWN);
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
     clean_exit(99);
+}
+
+void gripe(const std::string& message, int error) {
+    const std::string line = message.substr(0, message.find_last_not_of('\n') + 1);
+    note(filled("%s: %s", line.c_str(), std::strerror(error)));
+    gripe(message);
+}
+
+void gripe(const std::string& message, const std::string& path, int error) {
+    note(filled("%s: %s: %s", message.c_str(), path.c_str(), std::strerror(error)));
+    gripe(message);
 }
 
 void gripe_uncoded(const std::string& place) {
@@ -69,14 +81,16 @@ void gripe_uncoded(const std::string& place) {
 
 void advise(const std::string& message) {
     if (!ZUL_PREFER_GUI) return print_stdout(filled("%s\n", message.c_str()));
-    run_in_shell(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
-                        quoted(message).c_str(), ZUL_REMOTE_CLIENT_USER ? "" : " &"));
+    run_dialog(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                      quoted(message).c_str(), ZUL_REMOTE_CLIENT_USER ? "" : " &"),
+               message, NOT_SHOWN);
 }
 
 void advise_wait(const std::string& message) {
     if (!ZUL_PREFER_GUI) return print_stdout(filled("%s\n", message.c_str()));
-    run_in_shell(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
-                        quoted(message).c_str(), ""));
+    run_dialog(filled(ADVISE_LINE, CLEARPROMPT, newline_option(message).c_str(),
+                      quoted(message).c_str(), ""),
+               message, NOT_SHOWN);
 }
 
 Answer ask(const std::string& message, const char* def, const char* mask) {
@@ -88,8 +102,9 @@ Answer ask(const std::string& message, const char* def, const char* mask) {
         return preset;
     }
     return decoded_status(
-        run_in_shell(filled(ASK_LINE, CLEARPROMPT, buttons.c_str(), chosen.c_str(),
-                            newline_option(message).c_str(), quoted(message).c_str())));
+        run_dialog(filled(ASK_LINE, CLEARPROMPT, buttons.c_str(), chosen.c_str(),
+                          newline_option(message).c_str(), quoted(message).c_str()),
+                   message, NOT_ASKED_SO_ABORT));
 }
 
 void print_stdout(const std::string& text) {

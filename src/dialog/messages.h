@@ -19,6 +19,11 @@ enum Answer { YES = 0, NO = 1, ABORT = 2 };
 /// Shows an error in the background and ends the process with status 99.
 [[noreturn]] void gripe(const std::string& message);
 
+/// gripe for an error whose text leaves out why, or with which file: that goes to standard error,
+/// behind the message. `error` is an errno.
+[[noreturn]] void gripe(const std::string& message, int error);
+[[noreturn]] void gripe(const std::string& message, const std::string& path, int error);
+
 /// gripe for a case that cannot happen; `place` is the function's name.
 [[noreturn]] void gripe_uncoded(const std::string& place);
 

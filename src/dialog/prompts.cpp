@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 
 #include "base/answer_file.h"
@@ -30,9 +31,10 @@ std::string prompt_result_path() {
     return make_tfile("gatewarden_prompt_result", GLOBAL_PID_STRING.c_str(), nullptr);
 }
 
-/// Runs a dialog that answers in words.
-std::optional<std::string> answer_in_words(const std::string& command, const AnswerFile& answer) {
-    if (run_in_shell(command) != 0) return std::nullopt;
+/// Runs a dialog that shows `text` and answers in words.
+std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
+                                           const AnswerFile& answer) {
+    if (run_dialog(command, text, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
     return words_joined(answer.content().value_or(""));
 }
 
@@ -63,7 +65,12 @@ int open_default(const std::string& path) {
     const SignalsHeld held;
     const int file = open(
         path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-    if (file == -1 || !is_ours_alone(file)) return -1;
+    if (file == -1) return -1;
+    if (!is_ours_alone(file)) {
+        close(file);
+        errno = EEXIST;
+        return -1;
+    }
     remember_temporary_file(path);
     return file;
 }
@@ -72,9 +79,10 @@ int open_default(const std::string& path) {
 /// not written to.
 void append_default(const std::string& path, const std::string& text) {
     const int file = open_default(path);
-    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
-    const bool written = write_all(file, c_text(text)) == 0;
-    if (close(file) != 0 || !written) gripe(CANNOT_CREATE_TEMP_FILE);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
+    int error = write_all(file, c_text(text));
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error != 0) gripe(CANNOT_CREATE_TEMP_FILE, path, error);
 }
 
 /// One of the two standard streams, pointed at a file while a command runs.
@@ -109,7 +117,7 @@ std::optional<std::string> prompt(const std::string& prompt_text, const std::str
     return answer_in_words(
         filled(PROMPT_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(def).c_str(),
                newline_option(prompt_text).c_str(), quoted(prompt_text).c_str()),
-        answer);
+        prompt_text, answer);
 }
 
 std::optional<std::string> prompt_from_file(const std::string& prompt_text,
@@ -122,7 +130,7 @@ std::optional<std::string> prompt_from_file(const std::string& prompt_text,
         answer_in_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
                                quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
                                quoted(prompt_text).c_str()),
-                        answer);
+                        prompt_text, answer);
     remove_temporary_file(default_file);
     return typed;
 }
@@ -132,8 +140,9 @@ void show_file_with_clearprompt(const std::string& title, const std::string& fil
     const std::string full_title =
         filled(SHOW_FILE_TITLE, title.c_str(), errors ? "one or more " : "NO ",
                errors ? "displayed near bottom " : "");
-    run_in_shell(filled(SHOW_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
-                        quoted(file).c_str(), quoted(full_title).c_str()));
+    run_dialog(filled(SHOW_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                      quoted(file).c_str(), quoted(full_title).c_str()),
+               filled("%s\n%s", full_title.c_str(), file.c_str()), NOT_SHOWN);
 }
 
 std::optional<std::string> make_selection(const std::string& title, const std::string& items,
@@ -143,8 +152,8 @@ std::optional<std::string> make_selection(const std::string& title, const std::s
     const std::string command =
         filled(LIST_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(items).c_str(),
                option.c_str(), quoted(title).c_str());
-    if (option == SINGLE_CHOICE) return answer_in_words(command, answer);
-    if (run_in_shell(command) != 0) return std::nullopt;
+    if (option == SINGLE_CHOICE) return answer_in_words(command, title, answer);
+    if (run_dialog(command, title, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
     return several_picks(answer);
 }
 

@@ -82,7 +82,7 @@ void data_gen(const std::string& logging_dir) {
     const std::int64_t end_of_day_time = set_time_values().end_of_day_time;
     const std::string path = log_file_path(logging_dir, DEMO_LOG_FILE);
     LOGGING_STREAM = std::fopen(path.c_str(), "a");
-    if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE);
+    if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE, path, errno);
     bool written = true;
     for (int i = 0; i < DEMO_RECORDS; ++i) {
         written = std::fputs(drawn_record(end_of_day_time).c_str(), LOGGING_STREAM) >= 0 && written;

@@ -26,6 +26,17 @@ inline constexpr char SHOW_FILE_LINE[] =
 inline constexpr char LIST_LINE[] =
     "%s list -prefer_gui -outfile %s -newline -items %s %s -prompt %s";
 
+/// For standard error: CLEARPROMPT, why, what became of it, the text that it should have shown.
+inline constexpr char DIALOG_IS_LOST[] = "%s could not be started (%s); this could not be %s:\n%s";
+/// Why: nothing; the reason of the system; the status.
+inline constexpr char IT_WAS_NOT_FOUND[] = "it was not found";
+inline constexpr char NO_SHELL[] = "no shell could be started: %s";
+inline constexpr char SHELL_ENDED_WITH[] = "the shell ended with status %d";
+/// What became of it.
+inline constexpr char NOT_SHOWN[] = "shown";
+inline constexpr char NOT_ASKED_SO_ABORT[] = "asked, which counts as abort";
+inline constexpr char NOT_ASKED_SO_CANCELLED[] = "asked, which counts as cancelled";
+
 inline constexpr char default_mask[] = "yes,no,abort";
 inline constexpr char default_default[] = "yes";
 /// Message, default.

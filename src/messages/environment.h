@@ -29,8 +29,8 @@ inline constexpr std::array<EnvironmentVariable, 17> ENVIRONMENT = {{
      "When it is \"yes\" (in any case), messages go to standard output and questions with a "
      "single button are answered by themselves; anything else is still asked by clearprompt"},
     {ENV_STRICT_QUOTING,
-     "When it is \"yes\" (in any case), nothing inside a dialog's text is interpreted by the "
-     "shell; recommended"},
+     "When it is \"yes\" (in any case), the shell interprets nothing inside a dialog's text or "
+     "the paths that the checker and the browser get; recommended"},
     {ENV_BROWSER,
      "The browser that is started on a finished page, in place of the one that the gatebits "
      "file names"},

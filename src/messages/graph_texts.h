@@ -35,7 +35,7 @@ inline constexpr char BROWSER_DOES_NOT_EXIST[] =
     "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
 /// Page file's name.
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
-/// Browser, path of the page. The page's path goes to the shell without quotes.
-inline constexpr char BROWSER_LINE[] = "\"%s\" %s";
+/// Browser and path of the page, quoted as is wished.
+inline constexpr char BROWSER_LINE[] = "%s %s";
 /// Raw status, browser.
 inline constexpr char BROWSER_FAILED[] = "Warning: return code=%d returned from %s...";

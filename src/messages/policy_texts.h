@@ -108,8 +108,8 @@ inline constexpr char CHECK[] = "check";
 inline constexpr char ERROR_ONLY[] = "error_only";
 inline constexpr char STATUS_ONLY[] = "status_only";
 inline constexpr char ERROR_COUNT[] = "error_count";
-/// Checker, gatebits file, option word.
-inline constexpr char CHECKER_LINE[] = "\"%s\" %s -%s";
+/// Checker and gatebits file, quoted as is wished; option word.
+inline constexpr char CHECKER_LINE[] = "%s %s -%s";
 /// Prefix of the setting, checker, region.
 inline constexpr char CHECKER_NOT_FOUND[] = "%s%s \ndefined in %s could not be found..";
 inline constexpr char UNKNOWN_CHECK_MODE[] = "Internal error perform_cbfile_only_check";

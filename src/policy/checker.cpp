@@ -1,12 +1,13 @@
 #include "policy/checker.h"
 
-#include <cstdlib>
+#include <unistd.h>
 
 #include "base/child.h"
 #include "base/files.h"
 #include "base/filled.h"
+#include "base/search_path.h"
+#include "dialog/clearprompt.h"
 #include "dialog/messages.h"
-#include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
@@ -19,18 +20,6 @@ int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
 int PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
 
 namespace {
-
-/// Whether one of the search path's directories holds the program.
-bool is_on_the_search_path(const std::string& program) {
-    const char* path = std::getenv(ENV_PATH);
-    std::string rest = path != nullptr ? path : "";
-    while (!rest.empty()) {
-        const auto colon = rest.find(':');
-        if (this_file_exists(rest.substr(0, colon) + "/" + program)) return true;
-        rest = colon == std::string::npos ? "" : rest.substr(colon + 1);
-    }
-    return false;
-}
 
 const char* option_word(char mode) {
     switch (mode) {
@@ -57,12 +46,17 @@ void set_emergency_checker(const std::string& program_path) {
 bool checker_exists(const std::string& checker) {
     if (checker.empty()) return false;
     if (this_file_exists(checker)) return true;
-    return checker.find('/') == std::string::npos && is_on_the_search_path(checker);
+    return checker.find('/') == std::string::npos && is_on_search_path(checker, F_OK);
 }
 
 bool find_checker() {
     if (!checker_exists(GS_VAR[UNIX_CHECKER])) GS_VAR[UNIX_CHECKER] = EMERGENCY_CHECKER;
     return checker_exists(GS_VAR[UNIX_CHECKER]);
+}
+
+std::string checker_command(const char* word) {
+    return filled(CHECKER_LINE, quoted(GS_VAR[UNIX_CHECKER]).c_str(),
+                  one_argument(ENTERPRIZE_PERMISSION_FILE).c_str(), word);
 }
 
 int perform_cbfile_only_check(char mode) {
@@ -75,8 +69,7 @@ int perform_cbfile_only_check(char mode) {
         return 0;
     }
     if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
-    const int status = run_in_shell(
-        filled(CHECKER_LINE, checker.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), word));
+    const int status = run_in_shell(checker_command(word));
     CURRENT_GATEBITS_FILE_HAS_ERRORS = status != 0 ? 1 : 0;
     PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
     if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = status;

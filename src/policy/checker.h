@@ -30,6 +30,10 @@ bool checker_exists(const std::string& checker);
 /// is stored in GS_VAR, in memory only. False when neither exists.
 bool find_checker();
 
+/// The command line that runs the checker that find_checker chose over the gatebits file in use,
+/// with `word` as its option.
+std::string checker_command(const char* word);
+
 /// Runs the checker in one of the three modes. 1 when it was run; 0, after telling the operator,
 /// when it could not be found. Any other mode gripes.
 int perform_cbfile_only_check(char mode);

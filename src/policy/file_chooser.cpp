@@ -1,11 +1,11 @@
 #include "policy/file_chooser.h"
 
 #include "base/answer_file.h"
-#include "base/child.h"
 #include "base/filled.h"
 #include "base/startup.h"
 #include "base/text.h"
 #include "dialog/clearprompt.h"
+#include "messages/dialog_texts.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 
@@ -24,12 +24,13 @@ std::string directory_option() {
 
 }  // namespace
 
-int select_cb_file(const std::string& /*prompt_text: the dialog has no place for it*/) {
+int select_cb_file(const std::string& prompt_text) {
     const std::string DEF_OR_NO = " ";
     const std::string DIR_OR_NO = directory_option();
     const AnswerFile answer(t_file_name);
-    run_in_shell(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
-                        DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()));
+    run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
+                      DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
+               prompt_text, NOT_ASKED_SO_CANCELLED);
     const std::string chosen = words_joined(answer.content().value_or(""));
     if (chosen.empty()) return 0;
     POSSIBLE_FILE = chosen;

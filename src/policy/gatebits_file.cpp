@@ -65,7 +65,7 @@ std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
 /// Puts the new text into the run's scratch file, on the disk.
 void write_scratch_file(std::string_view text) {
     const int file = create_temporary_file(t_file_name);
-    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, t_file_name, errno);
     int error = write_all(file, text);
     if (error == 0 && fsync(file) != 0) error = errno;
     if (close(file) != 0 && error == 0) error = errno;
@@ -150,13 +150,13 @@ ChangeResult change_field(const FieldChange& change, std::vector<std::string>* l
 std::string read_gatebits_bytes() {
     // A pipe without a writer must not keep us waiting.
     const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file == -1) gripe(CANNOT_OPEN_GATEBITS);
+    if (file == -1) gripe(CANNOT_OPEN_GATEBITS, ENTERPRIZE_PERMISSION_FILE, errno);
     std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
     std::size_t size = 0;
     while (size < bytes.size()) {
         const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) gripe(CANNOT_READ_GATEBITS);
+        if (got < 0) gripe(CANNOT_READ_GATEBITS, ENTERPRIZE_PERMISSION_FILE, errno);
         if (got == 0) break;
         size += static_cast<std::size_t>(got);
     }

@@ -107,7 +107,7 @@ std::string bytes_to_copy(const std::string& path, const std::string& destinatio
     const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     FILE* stream = file == -1 ? nullptr : fdopen(file, "r");
     if (stream == nullptr) {
-        gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), errno));
+        gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), errno), errno);
     }
     std::string bytes;
     std::array<char, 4096> chunk;
@@ -117,6 +117,7 @@ std::string bytes_to_copy(const std::string& path, const std::string& destinatio
     }
     const int error = std::ferror(stream) != 0 ? errno : 0;
     std::fclose(stream);
-    if (error != 0) gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), error));
+    if (error != 0)
+        gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), error), error);
     return bytes;
 }

@@ -9,6 +9,7 @@
 #include "base/child.h"
 #include "base/filled.h"
 #include "base/standard_streams.h"
+#include "dialog/clearprompt.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
@@ -40,7 +41,8 @@ std::optional<Browser> choose_browser(const PageRegion& region) {
 
 void run_browser(const std::string& browser, const std::string& page) {
     const auto start = Clock::now();
-    const int status = run_in_shell(filled(BROWSER_LINE, browser.c_str(), page.c_str()));
+    const int status =
+        run_in_shell(filled(BROWSER_LINE, quoted(browser).c_str(), one_argument(page).c_str()));
     if (status != 0 && Clock::now() - start <= LONGEST_FAILED_START) {
         advise(filled(BROWSER_FAILED, status, browser.c_str()));
     }

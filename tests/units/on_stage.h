@@ -1,5 +1,6 @@
 #pragma once
 
+#include <gmock/gmock-matchers.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -32,7 +33,8 @@ class OnStage : public testing::Test {
     Region region;
 };
 
-/// The statement ends the process through gripe with exactly this message.
+/// The statement ends the process through gripe with this message; what is said of the reason on
+/// standard error comes before it.
 #define EXPECT_GRIPE(statement, message)        \
     EXPECT_EXIT(                                \
         {                                       \
@@ -40,4 +42,4 @@ class OnStage : public testing::Test {
             dup2(STDERR_FILENO, STDOUT_FILENO); \
             statement;                          \
         },                                      \
-        testing::ExitedWithCode(99), testing::Eq(std::string(message) + "\n"))
+        testing::ExitedWithCode(99), testing::EndsWith(std::string(message) + "\n"))

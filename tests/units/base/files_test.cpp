@@ -1,6 +1,8 @@
 #include "base/files.h"
 
 #include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -127,12 +129,27 @@ TEST_F(FilesDeathTest, FailuresNameTheFilesAndTheSystemsNumber) {
                  "#1 Could not move (" + at("from") + ") to (" + at("depot") + ") with 21");
 }
 
+TEST_F(FilesDeathTest, APipeOrADeviceIsNeitherWaitedForNorCopied) {
+    put("from", "text");
+    ASSERT_EQ(mkfifo(at("pipe").c_str(), 0666), 0);
+    EXPECT_GRIPE(touch_file(at("pipe"), "a"), "#1 Could not touch (" + at("pipe") + ") with 22");
+    EXPECT_GRIPE(append_file(at("pipe"), "a"), "#1 Could not append (" + at("pipe") + ") with 22");
+    EXPECT_GRIPE(copy_file(at("from"), at("pipe")),
+                 "#1 Could not move (" + at("from") + ") to (" + at("pipe") + ") with 22");
+    EXPECT_GRIPE(copy_file("/dev/zero", at("to")),
+                 "#2 Could not move (/dev/zero) to (" + at("to") + ") with 22");
+    EXPECT_FALSE(cmp_files(at("pipe"), at("pipe")));
+}
+
 TEST_F(FilesDeathTest, AMoveThatFailsKeepsTheSource) {
     put("from", "text");
     EXPECT_EXIT(
         {
             ZUL_PREFER_GUI = 0;
-            move_file(at("from"), "/dev/full");
+            signal(SIGXFSZ, SIG_IGN);
+            rlimit nothing = {};
+            setrlimit(RLIMIT_FSIZE, &nothing);
+            move_file(at("from"), at("to"));
         },
         testing::ExitedWithCode(99), "");
     EXPECT_EQ(content("from"), "text");

@@ -28,7 +28,7 @@ const std::vector<Floor> EXCEPTIONS = {
     {2,
      "base",
      {"process_end", "signals", "temporary_files", "child", "filled", "answer_file", "replace_file",
-      "file_identity", "standard_streams"}}};
+      "file_identity", "standard_streams", "search_path"}}};
 const std::vector<Floor> FOLDERS = {{8, "main", {}},   {7, "actions", {}}, {7, "queries", {}},
                                     {6, "report", {}}, {5, "policy", {}},  {5, "logs", {}},
                                     {4, "dialog", {}}, {3, "base", {}},    {1, "messages", {}}};

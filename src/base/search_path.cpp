@@ -1,0 +1,29 @@
+#include "base/search_path.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <string_view>
+
+#include "messages/environment.h"
+
+namespace {
+
+/// What shells take when there is no PATH.
+constexpr char USUAL_PATH[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
+}  // namespace
+
+bool is_on_search_path(const std::string& program, int mode) {
+    const char* path = std::getenv(ENV_PATH);
+    std::string_view rest = path != nullptr ? path : USUAL_PATH;
+    while (true) {
+        const auto colon = rest.find(':');
+        // An empty place stands for the directory that we are in.
+        std::string directory(rest.substr(0, colon));
+        if (directory.empty()) directory = ".";
+        if (access((directory + "/" + program).c_str(), mode) == 0) return true;
+        if (colon == std::string_view::npos) return false;
+        rest.remove_prefix(colon + 1);
+    }
+}
