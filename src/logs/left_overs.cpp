@@ -4,12 +4,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
-#include <unordered_map>
+#include <unordered_set>
 
 #include "base/file_identity.h"
 #include "base/filled.h"
@@ -19,8 +18,8 @@
 namespace {
 
 void sync_names(const std::string& path) {
-    const int error = sync_directory_of(path);
-    if (error != 0) stop_pruning("bring to the disk the directory of", path, error);
+    errno = sync_directory_of(path);
+    must(errno == 0, "bring to the disk the directory of", path);
 }
 
 /// Gives it the name that says the new numbers, for good.
@@ -31,39 +30,27 @@ void rename_left_over(LeftOver* left_over, const LeftOver& changed) {
     sync_names(changed.path());
 }
 
-/// Where the whole words end: behind the last white space of the file's first `size` bytes.
-off_t behind_last_white(int file, off_t size) {
-    std::array<char, 4096> bytes;
-    while (size > 0) {
-        const off_t start = std::max<off_t>(0, size - static_cast<off_t>(bytes.size()));
-        const auto wanted = static_cast<std::size_t>(size - start);
-        const ssize_t got = pread(file, bytes.data(), wanted, start);
-        if (got != static_cast<ssize_t>(wanted))
-            stop_pruning("read", "an open log file", got < 0 ? errno : EIO);
-        const auto last = std::find_if(bytes.rend() - got, bytes.rend(), is_white);
-        if (last != bytes.rend()) return start + (bytes.rend() - last);
-        size = start;
-    }
-    return 0;
+void remove_left_over(const LeftOver& left_over) {
+    const std::string path = left_over.path();
+    must(unlink(path.c_str()) == 0 || errno == ENOENT, "remove", path);
 }
 
-/// Words that stand in the log already, and how often.
+/// Words that stand in the log already, as often as there.
 class Standing {
   public:
-    void count(std::string_view words) {
-        for_each_word(words, [&](std::string_view word) { ++times_[std::string(word)]; });
+    void put(std::string_view words) {
+        for_each_word(words, [&](std::string_view word) { words_.emplace(word); });
     }
-
-    /// The lines of `lines` that do not stand there; good until the next call.
+    /// The lines that do not stand there, in `lines`; good until the next call.
     std::string_view missing(std::string_view lines) {
-        if (times_.empty()) return lines;
+        if (words_.empty()) return lines;
         missing_.clear();
         for_each_word(lines, [&](std::string_view word) {
-            const auto found = times_.find(std::string(word));
-            if (found == times_.end() || found->second == 0) {
+            const auto found = words_.find(std::string(word));
+            if (found == words_.end()) {
                 missing_.append(word) += '\n';
             } else {
-                --found->second;
+                words_.erase(found);
             }
         });
         return missing_;
@@ -77,63 +64,41 @@ class Standing {
         for (auto word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) take(word);
     }
 
-    std::unordered_map<std::string, std::size_t> times_;
+    std::unordered_multiset<std::string> words_;
     std::string missing_;
 };
 
-/// Appends whole lines to a log, from the first one that there is.
-class Appending {
-  public:
-    Appending(const OpenLog& log, Moment deadline) : log_(log), deadline_(deadline) {}
+void append(int file, const std::string& path, std::string_view lines) {
+    errno = write_all(file, lines);
+    must(errno == 0, "write", path);
+}
 
-    /// Makes ready for `size` bytes of lines, unless somebody keeps the log open in the middle of a
-    /// record.
-    void begin(LeftOver* left_over, off_t size) {
-        const Settled settled = settle(log_.file, deadline_);
-        const bool is_torn = behind_last_white(log_.file, settled.size) != settled.size;
-        if (is_torn && settled.is_written) {
-            left_over->stays = KEPT_OPEN;
-            return;
-        }
-        const FileId id = id_of(log_.file);
-        if (left_over->log != id) {
-            rename_left_over(left_over, {left_over->source, left_over->from, id, settled.size});
-        }
-        const char* const path = log_.path.c_str();
-        file_ = Descriptor(open(path, O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        must(static_cast<bool>(file_), "open", path);
-        if (id_of(file_.get()) != id) stop_pruning("find again", path, ESTALE);
-        // A full disk is noticed before any harm is done, where the file system can do that.
-        must(fallocate(file_.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
-                 errno == EOPNOTSUPP || errno == ENOSYS,
-             "make room in", path);
-        if (is_torn) append("\n");
+/// Opens the log for at most `size` bytes of lines. Nothing is open when somebody keeps it so in
+/// the middle of a record.
+Descriptor begin_to_add(LeftOver* left_over, const OpenLog& log, off_t size, Moment deadline) {
+    const Settled settled = settle(log.file, deadline);
+    char last = '\n';
+    must(pread(log.file, &last, 1, settled.size - 1) == 1 || settled.size == 0, "read", log.path);
+    if (!is_white(last) && settled.is_written) {
+        left_over->stays = KEPT_OPEN;
+        return Descriptor();
     }
-
-    bool has_begun() const { return static_cast<bool>(file_); }
-
-    void append(std::string_view lines) {
-        const int error = write_all(file_.get(), lines);
-        if (error != 0) stop_pruning("write", log_.path, error);
+    constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    Descriptor file(open(log.path.c_str(), FLAGS));
+    const FileId id = id_of(log.file);
+    if (!file || id_of(file.get()) != id) {
+        left_over->stays = file ? REPLACED_MEANWHILE : std::strerror(errno);
+        return Descriptor();
     }
-
-    /// Brings all to the disk.
-    void end() {
-        must(fsync(file_.get()) == 0, "sync", log_.path);
-        const int error = file_.close();
-        if (error != 0) stop_pruning("close", log_.path, error);
-        sync_names(log_.path);
+    if (left_over->log != id) {
+        rename_left_over(left_over, {left_over->source, left_over->from, id, settled.size});
     }
-
-  private:
-    const OpenLog& log_;
-    Moment deadline_;
-    Descriptor file_;
-};
-
-void remove_left_over(const LeftOver& left_over) {
-    const std::string path = left_over.path();
-    must(unlink(path.c_str()) == 0 || errno == ENOENT, "remove", path);
+    // A full disk is noticed before any harm is done, where the file system can do that.
+    must(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
+             errno == EOPNOTSUPP || errno == ENOSYS,
+         "make room in", log.path);
+    if (!is_white(last)) append(file.get(), log.path, "\n");
+    return file;
 }
 
 }  // namespace
@@ -148,42 +113,41 @@ LeftOver new_left_over(const std::string& source, off_t from, int file) {
     return {source, from, id_of(file), 0};
 }
 
-LeftOverNames::Listing LeftOverNames::list(const std::string& directory) {
-    Listing listing;
+const std::vector<std::string>& LeftOverNames::in(const std::string& directory,
+                                                  std::string* reason) {
+    const auto [listing, is_new] = names_.try_emplace(directory);
+    if (!is_new) return listing->second;
     std::error_code error;
     for (auto entry = std::filesystem::directory_iterator(directory, error);
          !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         const std::string name = entry->path().filename();
-        if (name.find(LEFT_OVER_MARK) != std::string::npos) listing.names.push_back(name);
+        if (name.find(LEFT_OVER_MARK) != std::string::npos) listing->second.push_back(name);
     }
     // A directory that is not there has none.
     if (error && error != std::errc::no_such_file_or_directory &&
         error != std::errc::not_a_directory) {
-        listing.reason = error.message();
+        *reason = error.message();
     }
-    return listing;
+    return listing->second;
 }
 
 void LeftOverNames::find(Place* source, std::vector<LeftOver>* found) {
     const std::size_t name_at = source->path.rfind('/') + 1;
+    const std::string directory = source->path.substr(0, name_at);
     const std::string start = source->path.substr(name_at) + LEFT_OVER_MARK;
-    const auto [known, is_new] = listings_.try_emplace(source->path.substr(0, name_at));
-    if (is_new) known->second = list(known->first);
-    source->reason = known->second.reason;
-    for (const std::string& name : known->second.names) {
-        if (!name.starts_with(start)) continue;
+    for (const std::string& name : in(directory, &source->reason)) {
         long long from;
         long long size;
         unsigned long long device;
         unsigned long long inode;
-        if (std::sscanf(name.c_str() + start.size(), LEFT_OVER_NUMBERS, &from, &device, &inode,
-                        &size) != 4) {
+        if (!name.starts_with(start) || std::sscanf(name.c_str() + start.size(), LEFT_OVER_NUMBERS,
+                                                    &from, &device, &inode, &size) != 4) {
             continue;
         }
         const LeftOver left_over = {source->path, from, {device, inode}, size};
         struct stat status;
         // A name that was not given here is somebody else's.
-        if (left_over.path() == known->first + name && from >= 0 && size >= 0 &&
+        if (left_over.path() == directory + name && from >= 0 && size >= 0 &&
             lstat(left_over.path().c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             found->push_back(left_over);
         }
@@ -196,29 +160,38 @@ void add_left_over(LeftOver* left_over, const OpenLog& log, KeptRecords* records
     if (!file) return;
     if (id_of(file.get()) == id_of(log.file)) return remove_left_over(*left_over);
     const Settled settled = settle(file.get(), deadline);
-    const off_t from = left_over->from;
-    const off_t end = settled.is_written
-                          ? std::max(from, behind_last_white(file.get(), settled.size))
-                          : settled.size;
+    off_t added = left_over->from;
     Standing standing;
-    if (end > from && left_over->log == id_of(log.file)) {
+    if (settled.size > added && left_over->log == id_of(log.file)) {
         read_pieces(log.file, log.path, left_over->size, status_of(log.file).st_size,
-                    [&](std::string_view words) { standing.count(words); });
+                    [&](std::string_view words) { standing.put(words); });
     }
-    Appending appending(log, deadline);
-    read_pieces(file.get(), left_over->path(), from, end, [&](std::string_view words) {
+    Descriptor to;
+    read_pieces(file.get(), left_over->path(), added, settled.size, [&](std::string_view words) {
+        // Who keeps it open may be in the middle of the last record.
+        while (settled.is_written && !words.empty() && !is_white(words.back())) {
+            words.remove_suffix(1);
+        }
         const std::string_view lines = standing.missing(records->of(words));
-        if (lines.empty() || !left_over->stays.empty()) return;
-        if (!appending.has_begun()) appending.begin(left_over, end - from);
-        if (appending.has_begun()) appending.append(lines);
+        if (!to && !lines.empty() && left_over->stays.empty()) {
+            to = begin_to_add(left_over, log, settled.size - added, deadline);
+        }
+        if (to) append(to.get(), log.path, lines);
+        added += static_cast<off_t>(words.size());
     });
     if (!left_over->stays.empty()) return;
-    if (appending.has_begun()) appending.end();
+    const bool has_added = static_cast<bool>(to);
+    if (has_added) {
+        must(fsync(to.get()) == 0, "sync", log.path);
+        errno = to.close();
+        must(errno == 0, "close", log.path);
+        sync_names(log.path);
+    }
     if (settled.is_written) {
-        rename_left_over(left_over, new_left_over(left_over->source, end, file.get()));
+        rename_left_over(left_over, new_left_over(left_over->source, added, file.get()));
         left_over->stays = KEPT_OPEN;
     } else {
         remove_left_over(*left_over);
-        if (appending.has_begun()) sync_names(left_over->source);
+        if (has_added) sync_names(left_over->source);
     }
 }

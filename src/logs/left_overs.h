@@ -26,9 +26,11 @@
 //                                         added.
 //     a log's old file                    F is what its new text was made of, I its own inode.
 //                                         Who had opened the log before may have written behind F.
-//     an old file that is the log still   Its new text never got there.  The name is removed.
-//     either, while it is being added     I is the log, S its size when that began.
-//     either, if somebody keeps it open   F is what has been added, I its own inode.
+//     its new text, for a moment before   Nothing stands behind F.  It goes.
+//     an old file that is the log still   Where a file system cannot exchange two names it gets
+//                                         the second one first.  That goes.
+//     any, while it is being added        I is the log, S its size when that began.
+//     any, if somebody keeps it open      F is what has been added, I its own inode.
 //
 //   the token                             Writers use the companions.  A pruning that ends well
 //                                         takes it down.
@@ -60,13 +62,9 @@ class LeftOverNames {
     void find(Place* source, std::vector<LeftOver>* found);
 
   private:
-    struct Listing {
-        std::vector<std::string> names;
-        std::string reason;
-    };
-    static Listing list(const std::string& directory);
+    const std::vector<std::string>& in(const std::string& directory, std::string* reason);
 
-    std::map<std::string, Listing> listings_;
+    std::map<std::string, std::vector<std::string>> names_;
 };
 
 /// A log that is open for reading and locked.

@@ -30,10 +30,6 @@ void must(bool done, const char* step, const std::string& path) {
     if (!done) stop_pruning(step, path, errno);
 }
 
-FileId id_in(const struct stat& status) {
-    return {status.st_dev, status.st_ino};
-}
-
 struct stat status_of(int file) {
     struct stat status;
     must(fstat(file, &status) == 0, "examine", "an open log file");
@@ -41,12 +37,13 @@ struct stat status_of(int file) {
 }
 
 FileId id_of(int file) {
-    return id_in(status_of(file));
+    const struct stat status = status_of(file);
+    return {status.st_dev, status.st_ino};
 }
 
 bool is_name_of(const std::string& path, int file) {
     struct stat status;
-    return lstat(path.c_str(), &status) == 0 && id_in(status) == id_of(file);
+    return lstat(path.c_str(), &status) == 0 && FileId{status.st_dev, status.st_ino} == id_of(file);
 }
 
 Place behind_links(const std::string& path) {
@@ -71,7 +68,8 @@ Place behind_links(const std::string& path) {
     return place;
 }
 
-Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason) {
+Descriptor open_locked(const std::string& path, std::string* reason) {
+    const Moment deadline = when_writers_have_written();
     while (true) {
         Descriptor log = open_log(path, reason);
         if (!log) return log;

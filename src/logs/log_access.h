@@ -18,16 +18,15 @@
 /// Stops the pruning unless the system call has done what it was to do; the reason is in errno.
 void must(bool done, const char* step, const std::string& path);
 
+/// Of an open file. Stops the pruning when it cannot be examined.
+struct stat status_of(int file);
+
 /// Which file it is, under whatever name.
 struct FileId {
     dev_t device = 0;
     ino_t inode = 0;
     bool operator==(const FileId&) const = default;
 };
-FileId id_in(const struct stat& status);
-
-/// Of an open file. Stops the pruning when it cannot be examined.
-struct stat status_of(int file);
 FileId id_of(int file);
 /// Whether `path` is a name of the open file, and no link.
 bool is_name_of(const std::string& path, int file);
@@ -46,7 +45,7 @@ Place behind_links(const std::string& path);
 
 /// Opens a log for reading and keeps other prunings of it out, of regions whose links lead to it
 /// too. Nothing is open when that fails; `*reason` says why, and is empty when there is no log.
-Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason);
+Descriptor open_locked(const std::string& path, std::string* reason);
 
 /// Makes the open log readable and writable for all, unless it has other names, which are not
 /// ours, or another owner, who does it.

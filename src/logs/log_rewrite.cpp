@@ -53,8 +53,8 @@ class NewText {
     }
 
     void add(std::string_view text) {
-        const int error = write_all(file_.get(), text);
-        if (error != 0) stop_pruning("write", path_, error);
+        errno = write_all(file_.get(), text);
+        must(errno == 0, "write", path_);
         size_ += static_cast<off_t>(text.size());
         if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
             // Only to make the sync shorter, so it may fail.
@@ -69,8 +69,8 @@ class NewText {
         carry_over_identity(old_file, file_.get());
         must(fchmod(file_.get(), 0666) == 0, "make public", path_);
         must(fsync(file_.get()) == 0, "sync", path_);
-        const int error = file_.close();
-        if (error != 0) stop_pruning("close", path_, error);
+        errno = file_.close();
+        must(errno == 0, "close", path_);
         Descriptor log(open(path_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
         must(static_cast<bool>(log), "open", path_);
         flock(log.get(), LOCK_EX | LOCK_NB);
@@ -93,25 +93,31 @@ int begin(const std::string& log, int old_log, bool is_linked, NewText* text) {
     return error;
 }
 
-/// Gives the log's name to the new text, and the old file that of the left-over. 0, or the errno
-/// of a refusal, and then the log is what it was.
-int put_in_place(const std::string& scratch, const std::string& log, const std::string& left_over) {
+bool exchange(const std::string& one, const std::string& other) {
+    return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+/// Gives the log's name to the new text, and the old file that of the left-over. 0 or an errno, and
+/// then the log is what it was.
+int put_in_place(const std::string& scratch, const std::string& log, int old_log,
+                 const std::string& left_over) {
     const SignalsHeld held;
-    must(rename(scratch.c_str(), left_over.c_str()) == 0, "rename", scratch);
-    forget_temporary_file(scratch);
-    bool done = renameat2(AT_FDCWD, left_over.c_str(), AT_FDCWD, log.c_str(), RENAME_EXCHANGE) == 0;
-    if (!done && (errno == EINVAL || errno == ENOSYS)) {
-        // A file system that cannot exchange two names: the old file gets the other one first.
-        must(rename(left_over.c_str(), scratch.c_str()) == 0, "rename", left_over);
-        remember_temporary_file(scratch);
-        done =
-            link(log.c_str(), left_over.c_str()) == 0 && rename(scratch.c_str(), log.c_str()) == 0;
-        if (done) forget_temporary_file(scratch);
+    if (rename(scratch.c_str(), left_over.c_str()) != 0) return errno;
+    int error = exchange(left_over, log) ? 0 : errno;
+    if (error == 0 && !is_name_of(left_over, old_log)) {
+        // Somebody has put another file there meanwhile.
+        error = exchange(left_over, log) ? EBUSY : errno;
+    } else if (error == EINVAL || error == ENOSYS) {
+        // The file system cannot exchange two names: the old file gets the other one first.
+        error = rename(left_over.c_str(), scratch.c_str()) != 0 ||
+                        link(log.c_str(), left_over.c_str()) != 0
+                    ? errno
+                    : 0;
+        if (error == 0 && !is_name_of(left_over, old_log)) error = EBUSY;
+        if (error == 0 && rename(scratch.c_str(), log.c_str()) != 0) error = errno;
     }
-    const int error = done ? 0 : errno;
-    if (!done) must(unlink(left_over.c_str()) == 0 || errno == ENOENT, "remove", left_over);
-    if (!done && !is_refusal(error)) stop_pruning("replace", log, error);
-    if (const int failed = sync_directory_of(log); failed != 0) stop_pruning("sync", log, failed);
+    if (error != 0) unlink(left_over.c_str());
+    if (error == 0) forget_temporary_file(scratch);
     return error;
 }
 
@@ -136,33 +142,32 @@ int make_new_text(const std::string& log, int old_log, off_t size, bool is_linke
 
 }  // namespace
 
-Rewritten rewrite_log(const std::string& log, const std::string& scratch, bool is_linked,
-                      std::int64_t cut_off, Moment deadline) {
-    Rewritten result;
-    const Descriptor old_log = open_locked(log, deadline, &result.left_alone);
-    if (!old_log) return result;
+std::string rewrite_log(const std::string& log, const std::string& scratch, bool is_linked,
+                        KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs) {
+    std::string reason;
+    const Descriptor old_log = open_locked(log, &reason);
+    if (!old_log) return reason;
     unlink(scratch.c_str());
     const Settled settled = settle(old_log.get(), deadline);
-    if (settled.is_written) return {KEPT_OPEN};
+    if (settled.is_written) return KEPT_OPEN;
 
-    KeptRecords records(cut_off);
+    KeptRecords counted = *records;
     NewText text(scratch);
-    int refusal = make_new_text(log, old_log.get(), settled.size, is_linked, &records, &text);
-    if (refusal == 0 && text.exists()) {
+    int error = make_new_text(log, old_log.get(), settled.size, is_linked, &counted, &text);
+    if (error != 0) return std::strerror(error);
+    if (text.exists()) {
         const Descriptor new_log = text.complete(old_log.get());
         LeftOver old_file = new_left_over(log, settled.size, old_log.get());
-        refusal = put_in_place(scratch, log, old_file.path());
-        if (refusal == 0) {
-            add_left_over(&old_file, {log, new_log.get()}, &records, deadline);
-            if (!old_file.stays.empty()) result.old_file = old_file;
-        } else {
-            remove_temporary_file(scratch);
-        }
-    } else if (refusal == 0) {
+        error = put_in_place(scratch, log, old_log.get(), old_file.path());
+        if (error != 0) remove_temporary_file(scratch);
+        if (is_refusal(error)) return std::strerror(error);
+        errno = error == 0 ? sync_directory_of(log) : error;
+        must(errno == 0, "replace", log);
+        add_left_over(&old_file, {log, new_log.get()}, &counted, deadline);
+        if (!old_file.stays.empty()) left_overs->push_back(old_file);
+    } else {
         make_log_public(old_log.get());
     }
-    if (refusal != 0) return {std::strerror(refusal)};
-    result.total = records.total();
-    result.removed = records.removed();
-    return result;
+    *records = counted;
+    return "";
 }

@@ -59,7 +59,8 @@ class Pruning {
           days_(days),
           cut_off_(set_time_values(days).start_of_period_time),
           token_path_(pruning_token_path(logs.directory)),
-          merged_(cut_off_) {}
+          records_(cut_off_),
+          recovered_(cut_off_) {}
 
     void run();
 
@@ -84,10 +85,9 @@ class Pruning {
     Descriptor token_;
     LeftOverNames names_;
     std::vector<Log> found_;
-    /// What came out of companions. The words of the logs are counted one log at a time.
-    KeptRecords merged_;
-    std::int64_t total_ = 0;
-    std::int64_t removed_ = 0;
+    KeptRecords records_;
+    /// What an earlier run left; what is kept of it is counted in its log.
+    KeptRecords recovered_;
     std::string lines_;
 };
 
@@ -96,12 +96,8 @@ void Pruning::run() {
     short_pause();
     const Moment deadline = when_writers_have_written();
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
-    KeptRecords recovered(cut_off_);
-    for (Log& log : found_) add_left_overs(&log, &recovered, deadline);
+    for (Log& log : found_) add_left_overs(&log, &recovered_, deadline);
     for (Log& log : found_) rewrite(&log, deadline);
-    // What was kept of the left-overs has been counted in their logs.
-    total_ += recovered.removed();
-    removed_ += recovered.removed();
     merge_companions(deadline);
     take_down_token();
     // Who saw it a moment ago may still have gone to a companion.
@@ -158,9 +154,12 @@ Log Pruning::find_log(int number) {
 void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
     std::vector<LeftOver>& left_overs = log->left_overs;
     if (left_overs.empty() || !log->file.reason.empty()) return;
-    make_log(log->file.path);
     std::string reason;
-    const Descriptor file = open_locked(log->file.path, deadline, &reason);
+    Descriptor file = open_locked(log->file.path, &reason);
+    if (!file && reason.empty()) {
+        make_log(log->file.path);
+        file = open_locked(log->file.path, &reason);
+    }
     for (LeftOver& left_over : left_overs) left_over.stays = reason;
     if (!file) return;
     // What has been begun comes before anything else is appended.
@@ -174,15 +173,12 @@ void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
 }
 
 void Pruning::rewrite(Log* log, Moment deadline) {
-    if (!log->file.reason.empty()) return;
-    const bool is_linked = log->scratch.starts_with(log->file.path);
-    const Rewritten done = rewrite_log(log->file.path, log->scratch, is_linked, cut_off_, deadline);
-    if (!done.left_alone.empty()) {
-        tell(filled(LOG_LEFT_ALONE, log->file.path.c_str(), done.left_alone.c_str()));
-    }
-    if (done.old_file) log->left_overs.push_back(*done.old_file);
-    total_ += done.total;
-    removed_ += done.removed;
+    const Place& place = log->file;
+    if (!place.reason.empty()) return;
+    const bool is_linked = log->scratch.starts_with(place.path);
+    const std::string reason =
+        rewrite_log(place.path, log->scratch, is_linked, &records_, deadline, &log->left_overs);
+    if (!reason.empty()) tell(filled(LOG_LEFT_ALONE, place.path.c_str(), reason.c_str()));
 }
 
 /// Adds to the logs what has come into companions.
@@ -190,7 +186,7 @@ void Pruning::merge_companions(Moment deadline) {
     bool taken = false;
     for (Log& log : found_) taken |= take_companion_of(&log);
     if (taken) short_pause();
-    for (Log& log : found_) add_left_overs(&log, &merged_, deadline);
+    for (Log& log : found_) add_left_overs(&log, &records_, deadline);
 }
 
 /// Puts it where no writer looks for it. False when there is none, or none that can be taken.
@@ -230,8 +226,8 @@ void Pruning::tell_result() {
             tell(filled(LEFT_OVER_STAYS, one.path().c_str(), one.stays.c_str()));
         }
     }
-    const long long removed = removed_ + merged_.removed();
-    const long long total = total_ + merged_.total();
+    const long long removed = records_.removed() + recovered_.removed();
+    const long long total = records_.total() + recovered_.removed();
     const std::string text =
         lines_ + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
                         logs_.region.c_str(), days_);

@@ -92,6 +92,15 @@ TEST_F(LeftOvers, TheyMakeALogThatIsMissing) {
     EXPECT_EQ(all_files(), (Files{{"logging_4.txt", fresh(1)}}));
 }
 
+TEST_F(LeftOvers, ThoseWithNothingToAddNeedNoPermission) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    write_log(0, old(1) + fresh(1));
+    make_left_over(log_file_path(0), size_of(fresh(1)), fresh(1));
+    EXPECT_EQ(said_to(OPERATOR), result(1, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
+}
+
 TEST_F(LeftOvers, OfALinkedLogStandBesideIt) {
     fs::create_directory(logging_dir + "/elsewhere");
     const std::string real = logging_dir + "/elsewhere/real.txt";

@@ -1,5 +1,4 @@
 #include <sys/file.h>
-#include <sys/wait.h>
 
 #include <algorithm>
 
@@ -11,27 +10,6 @@ namespace {
 
 class LogsLeftAlone : public Pruning {
   protected:
-    static constexpr uid_t OPERATOR = 12345;
-    static constexpr uid_t SOMEBODY_ELSE = 12346;
-
-    /// What a pruning says that somebody runs who is not root.
-    static std::string said_to(uid_t user) {
-        const std::string path = testing::TempDir() + "said_to_" + std::to_string(getpid());
-        const pid_t child = fork();
-        if (child == 0) {
-            stdout = std::freopen(path.c_str(), "w", stdout);
-            if (setgid(user) != 0 || setuid(user) != 0) _exit(1);
-            prune();
-            std::fflush(stdout);
-            _exit(0);
-        }
-        int status = 0;
-        waitpid(child, &status, 0);
-        EXPECT_EQ(status, 0);
-        const std::string said = file_text(path);
-        fs::remove(path);
-        return said;
-    }
     static void give(const std::string& path, uid_t user) {
         ASSERT_EQ(lchown(path.c_str(), user, user), 0);
     }

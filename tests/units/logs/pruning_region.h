@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <map>
@@ -56,6 +57,27 @@ class Pruning : public LogRegion {
 
     static std::string fresh(int number) { return line(number, "S:ann[2]-<->"); }
     static std::string old(int number) { return line(200 + number, "S:ann[2]-<->"); }
+    static constexpr uid_t OPERATOR = 12345;
+    static constexpr uid_t SOMEBODY_ELSE = 12346;
+
+    /// What a pruning says that somebody runs who is not root.
+    static std::string said_to(uid_t user) {
+        const std::string path = testing::TempDir() + "said_to_" + std::to_string(getpid());
+        const pid_t child = fork();
+        if (child == 0) {
+            stdout = std::freopen(path.c_str(), "w", stdout);
+            if (setgid(user) != 0 || setuid(user) != 0) _exit(1);
+            prune();
+            std::fflush(stdout);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, 0);
+        const std::string said = file_text(path);
+        fs::remove(path);
+        return said;
+    }
     /// What is said of a log that is left alone, before the result.
     static std::string left_alone(const std::string& path, const std::string& reason) {
         return "The log file (" + path + ") was left as it is: " + reason + ".\n";
