@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
-# scripts/demo in a copy of what it needs of the repository: that it comes through, that it keeps what was changed, and that it fails when one of its steps does.
+# scripts/demo in a copy of what it needs of the repository, in a directory with blanks and other
+# letters that mean something to a shell: that it comes through, that it keeps what was changed, and that it fails when one of its steps does.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 : "${GATESCOPE_PROGRAM:?names the program}"
-clone=$stage/clone
+# shellcheck disable=SC2016 # none of it is to act
+clone=$stage'/a clone & $(touch executed)'
 mkdir "$clone"
 cp -r "$source_directory/scripts" "$source_directory/tools" "$clone"
 region=$clone/demo-region
@@ -22,6 +24,7 @@ demo
 expect_end 0
 expect_equal "the pages" 6 "$(find "$region" -name '*_Q0?.html' | wc -l)"
 expect_holds "the output" 'scripts/demo --back' "$(<out)"
+expect_equal "what was executed" '' "$(find "$stage" -name executed)"
 
 case_is "the usage"
 demo --help
