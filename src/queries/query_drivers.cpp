@@ -17,6 +17,7 @@
 #include "policy/tool_variables.h"
 #include "queries/parameters.h"
 #include "report/graph.h"
+#include "report/page.h"
 
 namespace {
 
@@ -123,7 +124,9 @@ std::string title_part(Parameter parameter, const std::string& value) {
     return value == ALL ? TITLE_FOR_ALL_COMMANDS : filled(TITLE_FOR_COMMAND, value.c_str());
 }
 
-std::string title_of(const Query& query, const std::vector<std::string>& values, int edition) {
+/// What operators answer is text in the page, whatever it holds.
+std::string title_of(const Query& query, std::vector<std::string> values, int edition) {
+    for (std::string& value : values) value = text_in_page(value);
     std::string title = query.title(values.front(), edition);
     for (std::size_t i = query.has_subject ? 1 : 0; i < values.size(); ++i) {
         title += title_part(query.asked()[i], values[i]);

@@ -8,6 +8,29 @@
 #include "messages/identity.h"
 #include "messages/page_texts.h"
 
+std::string text_in_page(const std::string& text) {
+    std::string escaped;
+    for (const char character : text) {
+        switch (character) {
+            case '&':
+                escaped += "&amp;";
+                break;
+            case '<':
+                escaped += "&lt;";
+                break;
+            case '>':
+                escaped += "&gt;";
+                break;
+            case '"':
+                escaped += "&quot;";
+                break;
+            default:
+                escaped += character;
+        }
+    }
+    return escaped;
+}
+
 Page::Page(std::string graph_title) : graph_title_(std::move(graph_title)) {}
 
 void Page::print(const char* format, ...) {

@@ -2,6 +2,9 @@
 
 #include <string>
 
+/// `text` as a page shows it: what HTML would take for its own is written as entities.
+std::string text_in_page(const std::string& text);
+
 /// A report page as it grows, in memory: it is self-contained, its style and script stand in it,
 /// and it needs no pictures.
 class Page {

@@ -180,8 +180,21 @@ TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
 TEST_F(AskedQuery, TheUserMayBeAnyText) {
     operator_answers({"*", "100%s & <b>X</b>"});
     ask(1);
-    EXPECT_THAT(graph_title, HasSubstr(" for the user (100%s & <b>X</b>)"));
+    EXPECT_THAT(graph_title, HasSubstr(" for the user (100%s &amp; &lt;b&gt;X&lt;/b&gt;)"));
     EXPECT_EQ(filters[1], ":100%s & <b>x</b>[");
+}
+
+TEST_F(AskedQuery, WhatIsPickedForACommandIsTextInThePageToo) {
+    operator_answers({"\"<checkin>\" & co", "ann"});
+    ask(6);
+    EXPECT_THAT(graph_title, HasSubstr("the (&quot;&lt;checkin&gt;&quot; &amp; co) command for"));
+}
+
+TEST_F(AskedQuery, OrdinaryNamesStandAsTheyAre) {
+    operator_answers({"checkin", "o'neil.DOMAIN\\x-1_ü"});
+    ask(1);
+    EXPECT_THAT(graph_title,
+                HasSubstr("the (checkin) command for the user (o'neil.DOMAIN\\x-1_ü)"));
 }
 
 TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
