@@ -79,3 +79,9 @@ std::string date_text(std::int64_t time) {
     if (!on_the_calendar(time, &local)) return std::to_string(time);
     return filled("%s %ld", day_text(local).c_str(), year_of(local));
 }
+
+std::string iso_date_text(std::int64_t time) {
+    std::tm local = {};
+    if (!on_the_calendar(time, &local)) return std::to_string(time);
+    return filled("%04ld-%02d-%02d", year_of(local), local.tm_mon + 1, local.tm_mday);
+}

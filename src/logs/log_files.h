@@ -41,5 +41,6 @@ QueryPeriod set_time_values(int days_to_show = QUERY_DAYS);
 /// end; the bare number where the calendar cannot express it.
 std::string time_text(std::int64_t time);
 
-/// The same without the clock time: "Sun Nov 15 2026".
+/// The same without the clock time: "Sun Nov 15 2026"; and as ISO 8601 has it: "2026-11-15".
 std::string date_text(std::int64_t time);
+std::string iso_date_text(std::int64_t time);

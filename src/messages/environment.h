@@ -8,6 +8,7 @@ inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
 inline constexpr char ENV_PREFER_NO_GUI[] = "ZUL_PREFER_NO_GUI";
 inline constexpr char ENV_STRICT_QUOTING[] = "ZUL_GATESCOPE_STRICT_QUOTING";
 inline constexpr char ENV_BROWSER[] = "ZUL_GATESCOPE_BROWSER";
+inline constexpr char ENV_CSV[] = "ZUL_GATESCOPE_CSV";
 inline constexpr char ENV_VERBOSITY[] = "ZUL_GATESCOPE_VERBOSITY";
 inline constexpr char ENV_TMP[] = "tmp";
 inline constexpr char ENV_TEMP[] = "temp";
@@ -23,7 +24,7 @@ struct EnvironmentVariable {
 /// The manual is made from this table, and a test holds every getenv in the sources against it.
 /// Only tools and tests may use the table: the names of the client's variables must not stand in
 /// the program file as text.
-inline constexpr std::array<EnvironmentVariable, 17> ENVIRONMENT = {{
+inline constexpr std::array<EnvironmentVariable, 18> ENVIRONMENT = {{
     {ENV_GATEBITS_FILE, "The gatebits file to use when no F= argument is given"},
     {ENV_PREFER_NO_GUI,
      "When it is \"yes\" (in any case), messages go to standard output and questions with a "
@@ -34,6 +35,9 @@ inline constexpr std::array<EnvironmentVariable, 17> ENVIRONMENT = {{
     {ENV_BROWSER,
      "The browser that is started on a finished page, in place of the one that the gatebits "
      "file names"},
+    {ENV_CSV,
+     "When it is \"yes\" (in any case), each query also writes its numbers beside the page, in a "
+     "file of the same name that ends in .csv"},
     {ENV_VERBOSITY, "When it is set, each change made to the gatebits file is reported in a box"},
     {ENV_TMP, "The directory for temporary files; it must be writable"},
     {ENV_TEMP, "The same, when tmp is not set; without either, it is /tmp"},

@@ -19,6 +19,10 @@ inline constexpr char LOCK_IS_KEPT[] = "Another process keeps its lock";
 inline constexpr char PAGE_IS_AS_BEFORE[] = "It is as it was before this query.";
 inline constexpr char PAGE_IS_INCOMPLETE[] = "What it holds of this query is incomplete.";
 
+/// Path, reason.
+inline constexpr char CANNOT_WRITE_CSV[] =
+    "ERROR: The numbers of this query could not be written (%s): %s.  Its page is whole.\n";
+
 /// Path, region.
 inline constexpr char PAGE_STORED[] =
     "\n\nGatescope query completed and html page\n(%s)\n"

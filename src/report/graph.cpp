@@ -4,6 +4,7 @@
 #include "base/startup.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"
+#include "report/csv.h"
 #include "report/page.h"
 #include "report/page_file.h"
 #include "report/time_graphs.h"
@@ -44,5 +45,6 @@ void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display)
     write_page(graph, &page);
     // A page of the same second and query is added to, so nothing that was reported gets lost.
     append_page(path, page.text());
+    if (csv_is_wanted()) store_csv(csv_path(path), csv_of(graph.result, graph.key_lines));
     display_page({path, name}, region, display);
 }

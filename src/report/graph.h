@@ -15,6 +15,7 @@ struct QueryGraph {
     KeyLines key_lines;
 };
 
-/// Writes the page of query 1 to 6 into the results directory, and shows it in a browser or,
-/// without `display`, names it on standard output. Gripes when the page cannot be written.
+/// Writes the page of query 1 to 6 into the results directory, and its numbers beside it where they
+/// are wanted, and shows the page in a browser or, without `display`, names it on standard output.
+/// Gripes when either cannot be written.
 void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display);

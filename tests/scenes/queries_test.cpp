@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <sstream>
 
 #include "scenes/region.h"
 
@@ -456,6 +457,63 @@ TEST(Queries, AnUnwritableResultsDirectoryIsFatal) {
     EXPECT_EQ(result.status, 99);
     EXPECT_TRUE(result.out.starts_with("Could not create/open results file (/no/such/dir/"))
         << result.out;
+}
+
+/// The lines of the numbers beside the one page, without their ends.
+std::vector<std::string> numbers_of(const Region& region) {
+    std::vector<std::string> lines;
+    for (const std::string& name : region.pages()) {
+        if (!name.ends_with(".csv")) continue;
+        std::istringstream text(region.file("depot/query_results/" + name));
+        for (std::string line; std::getline(text, line);) {
+            EXPECT_TRUE(line.ends_with("\r")) << line;
+            lines.push_back(line.substr(0, line.size() - 1));
+        }
+    }
+    return lines;
+}
+
+TEST(Queries, NumbersStandBesideThePageWhereTheyAreWanted) {
+    struct Case {
+        const char* query;
+        const char* header;
+        std::size_t lines;
+        /// How the last line ends.
+        const char* end;
+    };
+    const Case cases[] = {{"Q=1", "day,allowed,denied", 121, ",2,3"},
+                          {"Q=2", "day,count", 121, ",2"},
+                          {"Q=3", "day,count", 121, ",2"},
+                          {"Q=4", "bit,name,uses", 25, "23,BIT__FORCE_CHECKOUTS_UNRESERVED,0"},
+                          {"Q=5", "key,line,denials", 2, "1,key 0;,2"},
+                          {"Q=6", "day,allowed,denied", 121, ",1,1"}};
+    for (const Case& asked : cases) {
+        Region east =
+            a_region_with_records().with_env("ZUL_GATESCOPE_CSV", "Yes").without_dialogs();
+        const Result result = east.run({asked.query, "C=*", "U=*", "B=5", "K=*", "D=n", "R=n"});
+        EXPECT_EQ(result.status, 110);
+        ASSERT_EQ(east.pages().size(), 2U) << asked.query;
+        std::vector<std::string> names = east.pages();
+        std::sort(names.begin(), names.end());
+        EXPECT_EQ(names[0].substr(0, names[0].size() - 4), names[1].substr(0, names[1].size() - 5));
+        EXPECT_TRUE(holds(result.out, names[1] + ")"));
+        const std::vector<std::string> lines = numbers_of(east);
+        ASSERT_EQ(lines.size(), asked.lines) << asked.query;
+        EXPECT_EQ(lines.front(), asked.header);
+        EXPECT_TRUE(lines.back().ends_with(asked.end)) << lines.back();
+    }
+}
+
+TEST(Queries, WithoutTheWishThereAreNoNumbers) {
+    Region east = a_region_with_records().with_env("ZUL_GATESCOPE_CSV", "no").without_dialogs();
+    EXPECT_EQ(east.run({"Q=4", "U=*", "D=n", "R=n"}).status, 110);
+    EXPECT_EQ(east.pages().size(), 1U);
+}
+
+TEST(Queries, AUserIsTextInThePage) {
+    Region east = a_region_with_records().without_dialogs();
+    EXPECT_EQ(east.run({"Q=4", "U=<script>\"&", "D=n", "R=n"}).status, 110);
+    EXPECT_TRUE(holds(heading_of(east.page()), "for the user (&lt;script&gt;&quot;&amp;)"));
 }
 
 // Demo data.

@@ -49,7 +49,7 @@ class PageFile : public testing::Test {
     ScratchDirectory directory;
 };
 
-/// What is written behind the limit ends with an error, as on a full disk.
+/// What is written after the limit ends with an error, as on a full disk.
 void limit_file_size(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {bytes, bytes};
