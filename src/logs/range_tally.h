@@ -1,0 +1,35 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <vector>
+
+#include "base/descriptor.h"
+#include "logs/lanes.h"
+#include "logs/log_reader.h"
+#include "logs/progress.h"
+#include "logs/record_rule.h"
+
+// Several threads count the records of several logs together: each takes the next range of bytes
+// that nobody has taken, and has its own reader and its own tally.
+
+/// A log that is open, and how long it was then.
+struct OpenLog {
+    Descriptor file;
+    off_t size = 0;
+};
+
+/// What was counted. Where a log could not be read on, its place among the logs and the errno;
+/// then nothing was counted that is of any use.
+struct RangeTally {
+    RecordTally tally;
+    std::size_t unread = 0;
+    int error = 0;
+};
+
+/// Counts what `query` asks for in all of the logs. `threads`, this one included, take ranges of
+/// `range_size` bytes; where so many cannot be had, fewer do the same work. The last range of a log
+/// goes to wherever its end is when it is reached. The tally is the same for any number of threads
+/// and any size. Signals that end the process come to the calling thread.
+RangeTally tally_ranges(const RecordQuery& query, const std::vector<OpenLog>& logs, int threads,
+                        off_t range_size, Progress* progress);

@@ -1,0 +1,93 @@
+#include "base/processors.h"
+
+#include <gtest/gtest.h>
+#include <sched.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+/// The files of a system that grants processes a share of its processors.
+class ControlGroups : public testing::Test {
+  protected:
+    void SetUp() override {
+        std::string pattern = testing::TempDir() + "gatescope_groups_XXXXXX";
+        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
+        root_ = pattern;
+    }
+    void TearDown() override { std::filesystem::remove_all(root_); }
+
+    void put(const std::string& path, const std::string& text) const {
+        const std::filesystem::path whole = root_ + path;
+        std::filesystem::create_directories(whole.parent_path());
+        std::ofstream(whole) << text;
+    }
+    int granted() const { return processors_granted(root_ + "/membership", root_); }
+
+  private:
+    std::string root_;
+};
+
+TEST_F(ControlGroups, SetNoLimitWhereThereAreNone) {
+    EXPECT_EQ(granted(), -1);
+    put("/membership", "0::/\n");
+    EXPECT_EQ(granted(), -1);
+    put("/cpu.max", "max 100000\n");
+    EXPECT_EQ(granted(), -1);
+}
+
+TEST_F(ControlGroups, AreRoundedUp) {
+    put("/membership", "0::/\n");
+    put("/cpu.max", "150000 100000\n");
+    EXPECT_EQ(granted(), 2);
+    put("/cpu.max", "1000 100000\n");
+    EXPECT_EQ(granted(), 1);
+    put("/cpu.max", "400000 100000\n");
+    EXPECT_EQ(granted(), 4);
+}
+
+TEST_F(ControlGroups, HaveNoMoreThanThoseAbove) {
+    put("/membership", "0::/jobs/night/one\n");
+    put("/jobs/night/one/cpu.max", "400000 100000\n");
+    put("/jobs/cpu.max", "300000 100000\n");
+    EXPECT_EQ(granted(), 3);
+    put("/jobs/night/one/cpu.max", "200000 100000\n");
+    EXPECT_EQ(granted(), 2);
+}
+
+TEST_F(ControlGroups, MayLieAtTheTopInAContainer) {
+    put("/membership", "0::/outside/name\n");
+    put("/cpu.max", "200000 100000\n");
+    EXPECT_EQ(granted(), 2);
+}
+
+TEST_F(ControlGroups, OfTheOlderKindAreRead) {
+    put("/membership", "4:memory:/box\n3:cpu,cpuacct:/box\n");
+    put("/cpu,cpuacct/box/cpu.cfs_quota_us", "250000\n");
+    put("/cpu,cpuacct/box/cpu.cfs_period_us", "100000\n");
+    EXPECT_EQ(granted(), 3);
+    put("/cpu,cpuacct/box/cpu.cfs_quota_us", "-1\n");
+    EXPECT_EQ(granted(), -1);
+    put("/cpu/cpu.cfs_quota_us", "100000\n");
+    put("/cpu/cpu.cfs_period_us", "100000\n");
+    EXPECT_EQ(granted(), 1);
+}
+
+TEST(UsableProcessors, AreThoseOfTheAffinity) {
+    cpu_set_t before;
+    ASSERT_EQ(sched_getaffinity(0, sizeof before, &before), 0);
+    EXPECT_GE(usable_processors(), 1);
+    EXPECT_LE(usable_processors(), CPU_COUNT(&before));
+    cpu_set_t one;
+    CPU_ZERO(&one);
+    for (int i = 0; CPU_COUNT(&one) == 0; ++i) {
+        if (CPU_ISSET(i, &before)) CPU_SET(i, &one);
+    }
+    ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);
+    EXPECT_EQ(usable_processors(), 1);
+    EXPECT_EQ(sched_setaffinity(0, sizeof before, &before), 0);
+}
+
+}  // namespace

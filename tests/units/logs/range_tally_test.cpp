@@ -1,0 +1,139 @@
+#include "logs/range_tally.h"
+
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+namespace {
+
+constexpr std::int64_t PERIOD_END = 1794787199;
+
+RecordQuery query_of(int number) {
+    RecordQuery query;
+    query.query = number;
+    query.period.end_of_day_time = PERIOD_END;
+    query.period.start_of_period_time = PERIOD_END - QUERY_DAYS * SECONDS_A_DAY;
+    return query;
+}
+
+/// Logs that are nowhere but in memory.
+std::vector<OpenLog> logs_with(const std::vector<std::string>& texts) {
+    std::vector<OpenLog> logs;
+    for (const std::string& text : texts) {
+        Descriptor file(memfd_create("log", MFD_CLOEXEC));
+        EXPECT_EQ(write(file.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+        logs.push_back({std::move(file), static_cast<off_t>(text.size())});
+    }
+    return logs;
+}
+
+RecordTally counted_by_the_plain_rule(const RecordQuery& query,
+                                      const std::vector<std::string>& texts) {
+    RecordTally tally;
+    for (const std::string& text : texts) {
+        const char* at = text.data();
+        const char* const end = at + text.size();
+        for (auto word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) {
+            count_word(query, word, &tally);
+        }
+    }
+    return tally;
+}
+
+bool same_counts(const RecordTally& one, const RecordTally& other) {
+    for (std::size_t row = 0; row < QUERY_DAYS; ++row) {
+        // A record that was filtered out leaves no trace in a result.
+        if (!std::equal(one.rows[row].begin() + SEEN, one.rows[row].end(),
+                        other.rows[row].begin() + SEEN)) {
+            return false;
+        }
+    }
+    return one.earliest == other.earliest && one.data_seen == other.data_seen;
+}
+
+RangeTally tally(const RecordQuery& query, const std::vector<OpenLog>& logs, int threads,
+                 off_t range_size) {
+    Progress progress(0);
+    return tally_ranges(query, logs, threads, range_size, &progress);
+}
+
+/// Mostly records, some rubbish, and now and then a word that many ranges lie in.
+std::string random_log(std::mt19937& random, std::size_t longest_word) {
+    std::string text;
+    for (std::size_t lines = random() % 200; lines > 0; --lines) {
+        const auto age = static_cast<std::int64_t>(random() % (125 * SECONDS_A_DAY));
+        const std::string number = std::to_string(random() % 60);
+        text += std::to_string(PERIOD_END - age) + ":" + "SDBP"[random() % 4] + ":user" + number +
+                "[" + number + "]" + "KBad-"[random() % 5] + "<" + number + ">";
+        if (random() % 20 == 0) text.resize(text.size() - random() % 12);
+        if (random() % 50 == 0) text.append(random() % longest_word, 'w');
+        text += std::vector<std::string>{"\n", "\n", "\n", "\r\n", " ", "\n\n\n", ""}[random() % 7];
+    }
+    return text;
+}
+
+TEST(RangeTally, IsTheSameForAnyThreadsAndRanges) {
+    std::mt19937 random(13);
+    long counted = 0;
+    for (int round = 0; round < 60; ++round) {
+        std::vector<std::string> texts(1 + random() % 4);
+        for (std::string& text : texts) text = random_log(random, round % 10 == 0 ? 200000 : 500);
+        const std::vector<OpenLog> logs = logs_with(texts);
+        const RecordQuery query = query_of(static_cast<int>(1 + random() % 6));
+        const RecordTally plain = counted_by_the_plain_rule(query, texts);
+        for (const auto& row : plain.rows) counted += row[ALLOWED] + row[DENIED];
+        // With small ranges every word lies across a border, with others few do.
+        const off_t sizes[] = {static_cast<off_t>(1 + random() % 40),
+                               static_cast<off_t>(1 + random() % 3000), LogReader::TO_THE_END};
+        for (const off_t size : sizes) {
+            for (const int threads : {1, 2, 3, 16}) {
+                EXPECT_TRUE(same_counts(tally(query, logs, threads, size).tally, plain))
+                    << "round " << round << ", " << threads << " threads, ranges of " << size;
+            }
+        }
+    }
+    EXPECT_GT(counted, 2000);
+}
+
+TEST(RangeTally, CountsWhatWasAppendedMeanwhile) {
+    std::vector<OpenLog> logs = logs_with({"1794700000:S:ann[1]-<->\n1794700000:S:ann[1]-<->\n"});
+    logs[0].size = 30;
+    EXPECT_EQ(tally(query_of(1), logs, 2, 10).tally.rows[1][ALLOWED], 2u);
+}
+
+TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
+    const std::string line = "1794700000:S:ann[1]-<->\n";
+    std::vector<OpenLog> logs = logs_with({line, line, line, line});
+    for (const std::size_t place : {1, 3}) logs[place].file.close();
+    for (const int threads : {1, 3}) {
+        const RangeTally all = tally(query_of(1), logs, threads, 10);
+        EXPECT_EQ(all.error, EBADF);
+        EXPECT_TRUE(all.unread == 1 || all.unread == 3);
+    }
+    EXPECT_EQ(tally(query_of(1), logs, 1, 10).unread, 1u);
+}
+
+TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
+    const std::string line = "1794700000:S:ann[1]-<->\n";
+    const std::vector<OpenLog> logs = logs_with({line, line, line});
+    // In a process of its own: the limit is for all threads of a user, and not for root.
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit none = {0, 0};
+        const bool limited =
+            setrlimit(RLIMIT_NPROC, &none) == 0 && (getuid() != 0 || setuid(65534) == 0);
+        const RangeTally all = tally(query_of(1), logs, 16, 10);
+        _exit(limited && all.error == 0 && all.tally.rows[1][ALLOWED] == 3 ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+}
+
+}  // namespace
