@@ -24,11 +24,11 @@ std::string bit_entries(const std::string& state) {
 
 std::string state_with_only(const std::string& picks) {
     std::string state(NUMBER_OF_BITS, '0');
-    // A delimiter behind the last pick keeps it from being dropped.
+    // A delimiter after the last pick keeps it from being dropped.
     const std::string terminated = picks + ",";
-    for (const char* pick = STRTOK(terminated.c_str(), ","); pick != nullptr;
-         pick = STRTOK(nullptr, ",")) {
-        const auto bit = number_at_front(pick);
+    std::string_view rest = terminated;
+    while (const auto pick = STRTOK(&rest, ",")) {
+        const auto bit = number_at_front(std::string(*pick));
         if (bit && static_cast<std::size_t>(*bit) < NUMBER_OF_BITS) {
             state[static_cast<std::size_t>(*bit)] = '1';
         }

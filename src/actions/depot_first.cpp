@@ -2,18 +2,12 @@
 
 #include <sys/stat.h>
 
-#include "actions/field_editors.h"
 #include "base/filled.h"
-#include "dialog/messages.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 
 namespace {
-
-std::string depot_of(const std::string& os) {
-    return field_or_empty(DEPOT_LINE, os == WINDOWS_OS ? 1 : 2);
-}
 
 /// What to ask before the depot is defined; empty when it need not be.
 std::string question_about(const std::string& depot, const char* entry, const std::string& os) {
@@ -30,11 +24,10 @@ std::string question_about(const std::string& depot, const char* entry, const st
 
 }  // namespace
 
-DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os) {
-    const std::string question = question_about(depot_of(os), entry.c_str(), os);
-    if (question.empty()) return {DepotFirst::IS_THERE, std::nullopt};
-    if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, std::nullopt};
-    const Edit edit = view_change_depot(os);
-    const bool defined = edit.ended == Edited::WRITTEN && !depot_of(os).empty();
-    return {defined ? DepotFirst::NOW_DEFINED : DepotFirst::MISSING, edit.last_answer};
+std::string depot_of(const std::string& os) {
+    return field_or_empty(DEPOT_LINE, os == WINDOWS_OS ? 1 : 2);
+}
+
+std::string why_depot_comes_first(const std::string& entry, const std::string& os) {
+    return question_about(depot_of(os), entry.c_str(), os);
 }

@@ -2,17 +2,10 @@
 
 #include <string>
 
-#include "actions/run.h"
+/// The policy depot of WINDOWS_OS or UNIX_OS as the gatebits file has it.
+std::string depot_of(const std::string& os);
 
-/// What make_depot_first_if_needed says.
-enum class DepotFirst { IS_THERE, NOW_DEFINED, MISSING };
-
-struct DepotNeeded {
-    DepotFirst depot;
-    LastAnswer last_answer;
-};
-
-/// Lets the operator define the depot of `os` (WINDOWS_OS or UNIX_OS) where `entry`, the name of
-/// what needs it, cannot do without. Of the other system's depot it is only known whether there
-/// is one named; this system's has to be a directory.
-DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os);
+/// What to ask before the depot of `os` is defined because `entry`, the name of what needs it,
+/// cannot do without; empty when it need not be. Of the other system's depot it is only known
+/// whether there is one named; this system's has to be a directory.
+std::string why_depot_comes_first(const std::string& entry, const std::string& os);

@@ -36,6 +36,24 @@ std::string warnings_of(const FieldEditor& editor, const Change& change) {
     return editor.warnings({change.item, editor.subject, editor.field, change.to});
 }
 
+/// Whether the depot is there that a field cannot do without.
+enum class DepotFirst { IS_THERE, NOW_DEFINED, MISSING };
+
+struct DepotNeeded {
+    DepotFirst depot;
+    LastAnswer last_answer;
+};
+
+/// Lets the operator define the depot of `os` where `entry` needs it.
+DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os) {
+    const std::string question = why_depot_comes_first(entry, os);
+    if (question.empty()) return {DepotFirst::IS_THERE, std::nullopt};
+    if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, std::nullopt};
+    const Edit edit = view_change_depot(os);
+    const bool defined = edit.ended == Edited::WRITTEN && !depot_of(os).empty();
+    return {defined ? DepotFirst::NOW_DEFINED : DepotFirst::MISSING, edit.last_answer};
+}
+
 /// The loop of all editors: read, ask, confirm, write, report.
 Edit edit(const FieldEditor& editor) {
     const FieldKind& kind = *editor.kind;

@@ -14,7 +14,7 @@
 #include <cstdio>
 
 #include "base/filled.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 
 namespace {
 

@@ -3,55 +3,9 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <string_view>
 
 #include "base/descriptor.h"
-#include "base/filled.h"
-#include "base/process_end.h"
-#include "dialog/messages.h"
-#include "messages/startup_texts.h"
-
-namespace {
-
-/// A text file is copied in pieces of this many bytes.
-constexpr std::size_t COPY_CHUNK = 30000;
-
-/// Writes `text` (may be null) and closes; not 0 when either failed.
-int write_and_close(FILE* stream, const char* text) {
-    const bool written = text == nullptr || std::fputs(text, stream) >= 0;
-    return std::fclose(stream) == 0 && written ? 0 : EOF;
-}
-
-/// What the descriptor stands for as a stream; null, with errno set, when it is -1.
-FILE* stream_of(int descriptor, const char* mode) {
-    return descriptor == -1 ? nullptr : fdopen(descriptor, mode);
-}
-
-enum class End { DESTINATION, SOURCE };
-
-/// Says which end of a copy failed, with the reason in errno.
-[[noreturn]] void gripe_not_moved(End end, const std::string& source,
-                                  const std::string& destination) {
-    const int reason = errno;
-    const std::string message =
-        end == End::SOURCE ? filled(COULD_NOT_MOVE_2, source.c_str(), destination.c_str(), reason)
-                           : filled(COULD_NOT_MOVE_1, source.c_str(), destination.c_str(), reason);
-    gripe(message, reason);
-}
-
-bool same_bytes(FILE* one, FILE* other, long size) {
-    for (; size > 0; --size) {
-        const int byte = std::getc(one);
-        if (byte == EOF || byte != std::getc(other)) return false;
-    }
-    return true;
-}
-
-}  // namespace
 
 bool this_file_exists(const std::string& path) {
     struct stat status;
@@ -69,63 +23,6 @@ int open_regular_file(const std::string& path, int flags) {
     return file.release();
 }
 
-int touch_file(const std::string& path, const char* text) {
-    FILE* stream = stream_of(open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC), "w+");
-    if (stream == nullptr) {
-        const int reason = errno;
-        gripe(filled(COULD_NOT_TOUCH, path.c_str(), reason), reason);
-    }
-    return write_and_close(stream, text);
-}
-
-int append_file(const std::string& path, const char* text) {
-    FILE* stream = stream_of(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND), "a+");
-    if (stream == nullptr) {
-        const int reason = errno;
-        gripe(filled(COULD_NOT_APPEND, path.c_str(), reason), reason);
-    }
-    return write_and_close(stream, text);
-}
-
-int copy_file(const std::string& source, const std::string& destination) {
-    FILE* out = stream_of(open_regular_file(destination, O_RDWR | O_CREAT | O_TRUNC), "w+");
-    if (out == nullptr) gripe_not_moved(End::DESTINATION, source, destination);
-    FILE* in = stream_of(open_regular_file(source, O_RDONLY), "r");
-    if (in == nullptr) gripe_not_moved(End::SOURCE, source, destination);
-    std::array<char, COPY_CHUNK> chunk;
-    bool copied = true;
-    while (const std::size_t got = std::fread(chunk.data(), 1, chunk.size(), in)) {
-        const std::string_view text = c_text({chunk.data(), got});
-        copied = copied && std::fwrite(text.data(), 1, text.size(), out) == text.size();
-    }
-    copied = copied && std::ferror(in) == 0;
-    std::fclose(in);
-    return std::fclose(out) == 0 && copied ? 0 : EOF;
-}
-
-void move_file(const std::string& source, const std::string& destination) {
-    // The source may be the only whole copy, so it goes only when the other one is complete.
-    if (copy_file(source, destination) != 0) gripe_not_moved(End::DESTINATION, source, destination);
-    unlink_remove(source);
-}
-
 int make_public(const std::string& path) {
     return chmod(path.c_str(), 0666);
-}
-
-int make_fully_readable(const std::string& path) {
-    return chmod(path.c_str(), 0444);
-}
-
-bool cmp_files(const std::string& path1, const std::string& path2) {
-    struct stat status1;
-    struct stat status2;
-    if (stat(path1.c_str(), &status1) != 0 || stat(path2.c_str(), &status2) != 0) return false;
-    if (status1.st_size != status2.st_size || status1.st_size == 0) return false;
-    FILE* one = stream_of(open_regular_file(path1, O_RDONLY), "rb");
-    FILE* other = stream_of(open_regular_file(path2, O_RDONLY), "rb");
-    const bool same = one != nullptr && other != nullptr && same_bytes(one, other, status1.st_size);
-    if (one != nullptr) std::fclose(one);
-    if (other != nullptr) std::fclose(other);
-    return same;
 }

@@ -6,7 +6,6 @@
 #include <cstdlib>
 
 #include "base/standard_streams.h"
-#include "base/temporary_files.h"
 
 FILE* LOGGING_STREAM = nullptr;
 FILE* LOGGING_FILE_PRUNE_STREAM = nullptr;
@@ -29,10 +28,6 @@ void close_descriptor(int* descriptor) {
     // Descriptor 0 is taken for "never opened" and stays open.
     if (*descriptor != 0 && *descriptor != -1) close(*descriptor);
     *descriptor = -1;
-}
-
-void unlink_remove(const std::string& path) {
-    if (std::remove(path.c_str()) != 0 && errno == EACCES) unlink(path.c_str());
 }
 
 void clean_exit(int status) {

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <string>
 
+#include "base/temporary_files.h"
+
 // The one orderly way out of the process, and what it has to close on the way.
 
 /// The log file being read: set by the query reader, the pruner and the demo data generator.
@@ -20,10 +22,6 @@ extern int TEMP_FILE_FD;
 
 /// Closes `*descriptor` when it is neither 0 nor -1 and makes it -1.
 void close_descriptor(int* descriptor);
-
-/// Removes a file; tries once more in another way when permission is lacking. Failures are
-/// ignored.
-void unlink_remove(const std::string& path);
 
 /// Closes what is open, removes the temporary files that are left and ends the process with
 /// `status`, or with 99 when standard output could not be written.

@@ -9,18 +9,23 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/answer_file.h"
+#include "base/descriptor.h"
 #include "base/file_identity.h"
 #include "base/filled.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 #include "base/temporary_files.h"
-#include "dialog/messages.h"
 #include "messages/startup_texts.h"
 
 namespace {
 
 /// What became of an attempt to put a new file in the old one's place.
-enum Outcome { REPLACED, NOT_POSSIBLE_HERE };
+struct Attempt {
+    /// Whether this is a place where it can be done at all.
+    bool possible;
+    std::optional<Failure> why_not = std::nullopt;
+};
+constexpr bool POSSIBLE = true;
+constexpr bool NOT_POSSIBLE_HERE = false;
 
 /// The file that `path` names in the end, links followed; `path` itself when it names none.
 std::string target_of(const std::string& path) {
@@ -30,18 +35,16 @@ std::string target_of(const std::string& path) {
     return target;
 }
 
-[[noreturn]] void gripe_about(const std::string& path, const char* reason,
-                              const std::string& state) {
-    gripe(filled(COULD_NOT_REPLACE, path.c_str(), reason, state.c_str()));
+Failure failure(const std::string& path, const char* reason, const std::string& state) {
+    return {filled(COULD_NOT_REPLACE, path.c_str(), reason, state.c_str())};
 }
 
-[[noreturn]] void gripe_unchanged(const std::string& path, int error) {
-    gripe_about(path, std::strerror(error), filled(FILE_IS_UNCHANGED, path.c_str()));
+Failure left_unchanged(const std::string& path, int error) {
+    return failure(path, std::strerror(error), filled(FILE_IS_UNCHANGED, path.c_str()));
 }
 
-[[noreturn]] void gripe_about_refusal(const std::string& safe_copy, const std::string& path,
-                                      int error) {
-    gripe(filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error), error);
+Failure refused(const std::string& safe_copy, const std::string& path, int error) {
+    return {filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error), error};
 }
 
 /// Writes and syncs; 0 or an errno.
@@ -67,42 +70,40 @@ bool is_refusal(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
-/// Fills the new file and renames it. The old file is untouched whenever this gripes or gives up.
-Outcome put_in_place(int old_file, int new_file, const std::string& new_path,
+/// Fills the new file and renames it. The old file is untouched whenever this fails or gives up.
+Attempt put_in_place(int old_file, int new_file, const std::string& new_path,
                      const std::string& path, std::string_view text) {
     if (carry_over_identity(old_file, new_file) != 0) {
         close(new_file);
-        remove_temporary_file(new_path);
-        return NOT_POSSIBLE_HERE;
+        return {NOT_POSSIBLE_HERE};
     }
-    int error = write_and_sync(new_file, text);
-    if (close(new_file) != 0 && error == 0) error = errno;
-    if (error != 0) gripe_unchanged(path, error);
+    if (const int error = write_sync_close(new_file, text)) {
+        return {POSSIBLE, left_unchanged(path, error)};
+    }
     if (rename(new_path.c_str(), path.c_str()) != 0) {
-        error = errno;
-        if (!is_refusal(error)) gripe_unchanged(path, error);
-        remove_temporary_file(new_path);
-        return NOT_POSSIBLE_HERE;
+        if (is_refusal(errno)) return {NOT_POSSIBLE_HERE};
+        return {POSSIBLE, left_unchanged(path, errno)};
     }
     forget_temporary_file(new_path);
-    error = sync_directory_of(path);
-    if (error != 0) {
-        gripe_about(path, std::strerror(error), filled(FILE_IS_NEW, path.c_str()));
+    if (const int error = sync_directory_of(path)) {
+        return {POSSIBLE, failure(path, std::strerror(error), filled(FILE_IS_NEW, path.c_str()))};
     }
-    return REPLACED;
+    return {POSSIBLE};
 }
 
-Outcome replace_by_rename(int old_file, const std::string& path, std::string_view text) {
+Attempt replace_by_rename(int old_file, const std::string& path, std::string_view text) {
     struct stat status;
-    if (fstat(old_file, &status) != 0) gripe_unchanged(path, errno);
-    if (status.st_nlink > 1) return NOT_POSSIBLE_HERE;
+    if (fstat(old_file, &status) != 0) return {POSSIBLE, left_unchanged(path, errno)};
+    if (status.st_nlink > 1) return {NOT_POSSIBLE_HERE};
     std::string new_path;
     const int new_file = create_beside(path, &new_path);
     if (new_file == -1) {
-        if (!is_refusal(errno)) gripe_unchanged(path, errno);
-        return NOT_POSSIBLE_HERE;
+        if (is_refusal(errno)) return {NOT_POSSIBLE_HERE};
+        return {POSSIBLE, left_unchanged(path, errno)};
     }
-    return put_in_place(old_file, new_file, new_path, path, text);
+    const Attempt attempt = put_in_place(old_file, new_file, new_path, path, text);
+    if (!attempt.possible) remove_temporary_file(new_path);
+    return attempt;
 }
 
 /// Makes the file as long as the new text by blank lines behind the old, which mean nothing to
@@ -149,34 +150,42 @@ InPlace try_in_place(int file, std::string_view text, const std::string& safe_co
     return {error, true};
 }
 
-void rewrite_in_place(int file, const std::string& path, std::string_view text,
-                      const std::string& safe_copy) {
+std::optional<Failure> rewrite_in_place(int file, const std::string& path, std::string_view text,
+                                        const std::string& safe_copy) {
     const InPlace result = try_in_place(file, text, safe_copy);
-    if (result.error == 0) return;
-    if (!result.begun) gripe_unchanged(path, result.error);
-    gripe_about(path, std::strerror(result.error),
-                filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
+    if (result.error == 0) return std::nullopt;
+    if (!result.begun) return left_unchanged(path, result.error);
+    return failure(path, std::strerror(result.error),
+                   filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
 }
 
 }  // namespace
 
-void replace_file(const std::string& path, std::string_view text, const std::string& safe_copy) {
+std::optional<Failure> replace_file(const std::string& path, std::string_view text,
+                                    const std::string& safe_copy) {
     const std::string target = target_of(path);
     // A file that was made read-only stays as it is, even where a rename would be allowed.
-    const int old_file = open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (old_file == -1) gripe_about_refusal(safe_copy, path, errno);
+    const Descriptor old_file(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (!old_file) return refused(safe_copy, path, errno);
     struct stat status;
-    if (fstat(old_file, &status) != 0) gripe_unchanged(target, errno);
+    if (fstat(old_file.get(), &status) != 0) return left_unchanged(target, errno);
     if (!S_ISREG(status.st_mode)) {
-        gripe_about(target, NOT_A_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
+        return failure(target, NOT_A_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
     }
     // The system lets root write it all the same.
-    if ((status.st_mode & 0222) == 0) gripe_about_refusal(safe_copy, path, EACCES);
-    if (replace_by_rename(old_file, target, text) != REPLACED) {
-        rewrite_in_place(old_file, target, text, safe_copy);
-    }
-    close(old_file);
-    remove_temporary_file(safe_copy);
+    if ((status.st_mode & 0222) == 0) return refused(safe_copy, path, EACCES);
+    const Attempt attempt = replace_by_rename(old_file.get(), target, text);
+    const auto why_not = attempt.possible
+                             ? attempt.why_not
+                             : rewrite_in_place(old_file.get(), target, text, safe_copy);
+    if (!why_not) remove_temporary_file(safe_copy);
+    return why_not;
+}
+
+int write_sync_close(int descriptor, std::string_view text) {
+    const int error = write_and_sync(descriptor, text);
+    if (close(descriptor) != 0 && error == 0) return errno;
+    return error;
 }
 
 int write_all(int descriptor, std::string_view text) {

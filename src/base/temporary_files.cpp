@@ -1,11 +1,16 @@
 #include "base/temporary_files.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <array>
 #include <atomic>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "base/signals_held.h"
 
 namespace {
 
@@ -71,4 +76,21 @@ void unlink_temporary_files() {
     unlink_all(slots);
     // They tell others that work is going on, so they go when its other files have gone.
     unlink_all(slots_for_signals);
+}
+
+int create_temporary_file(const std::string& path, mode_t mode) {
+    const SignalsHeld held;
+    unlink(path.c_str());
+    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (descriptor != -1) remember_temporary_file(path);
+    return descriptor;
+}
+
+void remove_temporary_file(const std::string& path) {
+    unlink_remove(path);
+    forget_temporary_file(path);
+}
+
+void unlink_remove(const std::string& path) {
+    if (std::remove(path.c_str()) != 0 && errno == EACCES) unlink(path.c_str());
 }

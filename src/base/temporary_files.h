@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 
 // Every temporary file of the process is on this list from its creation to its removal, so that
@@ -20,3 +22,15 @@ void remove_temporary_files();
 /// For signal handlers: removes every file on the list, the last one first, and leaves the list as
 /// it is.
 void unlink_temporary_files();
+
+/// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
+/// never followed. The file is on the list of temporary files from then on. The descriptor, or -1
+/// with errno set.
+int create_temporary_file(const std::string& path, mode_t mode = 0600);
+
+/// Removes a temporary file and takes it off the list.
+void remove_temporary_file(const std::string& path);
+
+/// Removes a file; tries once more in another way when permission is lacking. Failures are
+/// ignored.
+void unlink_remove(const std::string& path);

@@ -12,9 +12,6 @@ namespace {
 char lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
-char upper(char c) {
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 
@@ -23,27 +20,6 @@ constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 std::string& STRING_LOWER(std::string& text) {
     std::transform(text.begin(), text.end(), text.begin(), lower);
     return text;
-}
-
-std::string& STRING_UPPER(std::string& text) {
-    std::transform(text.begin(), text.end(), text.begin(), upper);
-    return text;
-}
-
-const char* zul_strstri(const char* haystack, const char* needle) {
-    if (const char* exact = std::strstr(haystack, needle)) return exact;
-    std::string lower_haystack = haystack;
-    std::string lower_needle = needle;
-    const std::size_t place = STRING_LOWER(lower_haystack).find(STRING_LOWER(lower_needle));
-    return place == std::string::npos ? nullptr : haystack + place;
-}
-
-std::string* escaped_quoted_string(std::string& text) {
-    if (text.find('"') == std::string::npos) return nullptr;
-    for (std::size_t at = text.find('"'); at != std::string::npos; at = text.find('"', at + 2)) {
-        text.insert(at, 1, '\\');
-    }
-    return &text;
 }
 
 void double_amp_string(std::string& text) {
@@ -77,30 +53,21 @@ bool unhealthy(const char* text, const char* forbidden) {
     return text != nullptr && std::strpbrk(text, forbidden) != nullptr;
 }
 
-const char* STRTOK(const char* text, const char* delimiters) {
-    static std::string STRTOK_BUFFER;
-    static std::size_t STRTOK_PTR = 0;
-    if (text != nullptr) {
-        STRTOK_BUFFER = text;
-        STRTOK_PTR = 0;
+std::optional<std::string_view> STRTOK(std::string_view* rest, const char* delimiters) {
+    const std::size_t end = rest->find_first_of(delimiters);
+    if (end == std::string_view::npos) {
+        *rest = {};
+        return std::nullopt;
     }
-    const std::size_t end = STRTOK_BUFFER.find_first_of(delimiters, STRTOK_PTR);
-    if (end == std::string::npos) {
-        STRTOK_PTR = STRTOK_BUFFER.size();
-        return nullptr;
-    }
-    STRTOK_BUFFER[end] = '\0';
-    const char* piece = STRTOK_BUFFER.c_str() + STRTOK_PTR;
-    STRTOK_PTR = end + 1;
+    const std::string_view piece = rest->substr(0, end);
+    rest->remove_prefix(end + 1);
     return piece;
 }
 
 std::vector<std::string> terminated_fields(const std::string& line) {
     std::vector<std::string> fields;
-    for (const char* field = STRTOK(line.c_str(), ";"); field != nullptr;
-         field = STRTOK(nullptr, ";")) {
-        fields.emplace_back(field);
-    }
+    std::string_view rest = c_text(line);
+    while (const auto field = STRTOK(&rest, ";")) fields.emplace_back(*field);
     return fields;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -7,16 +8,8 @@
 // String helpers with the rules that the gatebits file and the dialogs rely on. Letters are
 // ASCII letters; a text ends at its first NUL.
 
-/// Change the case of `text` in place and return it.
+/// Makes the letters of `text` small in place and returns it.
 std::string& STRING_LOWER(std::string& text);
-std::string& STRING_UPPER(std::string& text);
-
-/// The place of `needle` in `haystack`: searched for letter for letter first, and only when that
-/// fails without regard to case. Null when it is not there.
-const char* zul_strstri(const char* haystack, const char* needle);
-
-/// Puts a backslash before every double quote in place; null, and no change, when there is none.
-std::string* escaped_quoted_string(std::string& text);
 
 /// Doubles every '&' in place: in a dialog "&&" shows one "&".
 void double_amp_string(std::string& text);
@@ -36,11 +29,10 @@ bool healthy(const char* text, const char* allowed);
 /// Whether any character of `text` is one of `forbidden` (an empty text: no; null: no).
 bool unhealthy(const char* text, const char* forbidden);
 
-/// Hands out the pieces of `text` one call after the other; null goes on where the last call
-/// stopped. Unlike the standard tokenizer it returns empty pieces, and it drops a last piece that
-/// no delimiter follows: fields and lists are terminated, not separated. The result is null at
-/// the end, and otherwise good until the next call with a text.
-const char* STRTOK(const char* text, const char* delimiters);
+/// Hands out the first piece of `*rest` and leaves there what comes after its delimiter. Unlike the
+/// standard tokenizer it returns empty pieces, and it drops a last piece that no delimiter follows:
+/// fields and lists are terminated, not separated. Nothing at the end.
+std::optional<std::string_view> STRTOK(std::string_view* rest, const char* delimiters);
 
 /// All the pieces that STRTOK would hand out for `line` and ";", in order.
 std::vector<std::string> terminated_fields(const std::string& line);

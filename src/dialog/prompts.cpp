@@ -9,14 +9,14 @@
 #include <cerrno>
 #include <cstdio>
 
-#include "base/answer_file.h"
 #include "base/child.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
-#include "base/signals.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
+#include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "base/text.h"
+#include "dialog/answer_file.h"
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"
 #include "messages/dialog_texts.h"

@@ -3,7 +3,7 @@
 #include <ctime>
 
 #include "base/filled.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -10,10 +10,9 @@
 #include <cstring>
 #include <iterator>
 
-#include "base/answer_file.h"
 #include "base/file_identity.h"
 #include "base/replace_file.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "logs/log_access.h"

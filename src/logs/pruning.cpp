@@ -11,7 +11,7 @@
 
 #include "base/filled.h"
 #include "base/replace_file.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"

@@ -6,12 +6,11 @@
 
 #include "base/signals.h"
 #include "base/standard_streams.h"
-#include "base/startup.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
 #include "main/gatebits_choice.h"
 #include "main/main_loop.h"
-#include "messages/identity.h"
+#include "main/startup.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
 #include "policy/region.h"
@@ -25,7 +24,6 @@ int main(int argument_count, char** argument_vector) {
     clean_start();
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();
-    t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
     set_emergency_checker(words.empty() ? "" : words.front());
 
     obey_sole_option(arguments);

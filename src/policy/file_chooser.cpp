@@ -1,9 +1,9 @@
 #include "policy/file_chooser.h"
 
-#include "base/answer_file.h"
 #include "base/filled.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "base/text.h"
+#include "dialog/answer_file.h"
 #include "dialog/clearprompt.h"
 #include "messages/dialog_texts.h"
 #include "messages/policy_texts.h"
@@ -27,7 +27,7 @@ std::string directory_option() {
 int select_cb_file(const std::string& prompt_text) {
     const std::string DEF_OR_NO = " ";
     const std::string DIR_OR_NO = directory_option();
-    const AnswerFile answer(t_file_name);
+    const AnswerFile answer(t_file_name());
     run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
                       DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
                prompt_text, NOT_ASKED_SO_CANCELLED);

@@ -6,11 +6,11 @@
 #include <cerrno>
 #include <cstring>
 
-#include "base/answer_file.h"
 #include "base/file_lock.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
+#include "base/temporary_files.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"
@@ -64,13 +64,12 @@ std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
 
 /// Puts the new text into the run's scratch file, on the disk.
 void write_scratch_file(std::string_view text) {
-    const int file = create_temporary_file(t_file_name);
-    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, t_file_name, errno);
-    int error = write_all(file, text);
-    if (error == 0 && fsync(file) != 0) error = errno;
-    if (close(file) != 0 && error == 0) error = errno;
+    const std::string path = t_file_name();
+    const int file = create_temporary_file(path);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
+    const int error = write_sync_close(file, text);
     if (error == 0) return;
-    gripe(filled(COULD_NOT_REPLACE, t_file_name.c_str(), std::strerror(error),
+    gripe(filled(COULD_NOT_REPLACE, path.c_str(), std::strerror(error),
                  filled(FILE_IS_UNCHANGED, ENTERPRIZE_PERMISSION_FILE.c_str()).c_str()));
 }
 
@@ -78,7 +77,9 @@ void write_scratch_file(std::string_view text) {
 void write_gatebits_lines(const std::vector<std::string>& lines) {
     const std::string text = text_fit_to_be_read_back(lines);
     write_scratch_file(text);
-    replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name);
+    const auto failure = replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name());
+    if (failure && failure->error != 0) gripe(failure->message, failure->error);
+    if (failure) gripe(failure->message);
 }
 
 /// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended

@@ -10,11 +10,10 @@
 #include <cstring>
 #include <optional>
 
-#include "base/answer_file.h"
 #include "base/file_identity.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"
@@ -64,14 +63,6 @@ std::string unfinished_name(const std::string& path) {
     return directory_of(path) + filled(".gatescope_new_%s", GLOBAL_PID_STRING.c_str());
 }
 
-/// Writes, syncs and closes; 0 or an errno.
-int fill(int file, const std::string& text) {
-    int error = write_all(file, text);
-    if (error == 0 && fsync(file) != 0) error = errno;
-    if (close(file) != 0 && error == 0) error = errno;
-    return error;
-}
-
 /// Gives the finished file its name unless that is taken; 0 or an errno. File systems that cannot
 /// rename without replacing can link.
 int give_name(const std::string& unfinished, const std::string& path) {
@@ -92,7 +83,7 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text) {
     // With the permissions of any new file of the operator's.
     const int file = create_temporary_file(unfinished, 0666);
     if (file == -1) return NewFile::NOT_CREATED;
-    int error = fill(file, text);
+    int error = write_sync_close(file, text);
     if (error != 0) gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
     error = give_name(unfinished, *place);
     remove_temporary_file(unfinished);

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"

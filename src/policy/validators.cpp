@@ -6,7 +6,7 @@
 #include <span>
 
 #include "base/filled.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "base/text.h"
 #include "messages/identity.h"
 #include "messages/validator_texts.h"

@@ -41,7 +41,7 @@ Reply pick(const char* title, std::string list) {
 }
 
 Reply pick_command(int /*edition*/) {
-    return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS);
+    return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS());
 }
 
 Reply input_user(int /*edition*/) {

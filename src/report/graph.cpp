@@ -1,7 +1,7 @@
 #include "report/graph.h"
 
 #include "base/filled.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"
 #include "report/csv.h"

@@ -13,7 +13,7 @@
 #include "base/descriptor.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"

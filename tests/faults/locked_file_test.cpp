@@ -3,7 +3,7 @@
 #include <sys/file.h>
 
 #include "base/descriptor.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
 #include "policy/gatebits_file.h"
@@ -19,7 +19,7 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
     const Ended ended = in_child([&] {
         ENTERPRIZE_PERMISSION_FILE = file;
-        t_file_name = directory / "scratch";
+        TEMP_DIR = directory / "";
         set_a_line(1, "two;");
     });
     EXPECT_EQ(ended.status, 99);

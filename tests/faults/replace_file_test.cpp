@@ -12,6 +12,7 @@
 
 #include "base/signals.h"
 #include "base/temporary_files.h"
+#include "dialog/messages.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
 #include "faults/small_disk.h"
@@ -39,7 +40,7 @@ class ReplaceFile : public testing::Test {
     void replace(const std::string& path, const std::string& text) const {
         put(copy, text);
         remember_temporary_file(copy);
-        replace_file(path, text, copy);
+        if (const auto failure = replace_file(path, text, copy)) gripe(failure->message);
     }
     Ended replaced(const std::string& text = NEW) const {
         return in_child([&] { replace(file, text); });
@@ -377,7 +378,7 @@ TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
         put(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
-        replace_file(file, NEW, copy);
+        if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
     });
     expect_says_unchanged(ended, file, EFBIG);
     EXPECT_EQ(bytes_of(file), OLD);
@@ -391,7 +392,7 @@ TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
         put(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
-        replace_file(file, NEW, copy);
+        if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
     });
     expect_says_unchanged(ended, file, EFBIG);
     EXPECT_EQ(bytes_of(file), OLD);

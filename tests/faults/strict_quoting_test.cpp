@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "faults/in_child.h"
@@ -109,7 +109,7 @@ TEST_F(StrictQuoting, FileDialogStartsInADirectoryOfAnyName) {
     const Arguments got = received_by(
         [&] {
             ENTERPRIZE_PERMISSION_FILE = name + "gatebits.txt";
-            t_file_name = temporary / "answer";
+            TEMP_DIR = temporary / "";
             select_cb_file("");
         },
         "yes");

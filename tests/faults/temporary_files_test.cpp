@@ -1,12 +1,14 @@
+#include "base/temporary_files.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <functional>
 
-#include "base/answer_file.h"
 #include "base/process_end.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
+#include "dialog/answer_file.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "faults/in_child.h"
@@ -45,7 +47,6 @@ class TemporaryFiles : public testing::Test {
             setenv("PATH", ((directory / "") + ":/usr/bin:/bin").c_str(), 1);
             TEMP_DIR = temporary / "";
             GLOBAL_PID_STRING = "77";
-            t_file_name = temporary / "t_file";
             ENTERPRIZE_PERMISSION_FILE = directory / "gatebits";
             body();
         });
@@ -87,7 +88,7 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
 }
 
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
-    with_everything_planted_at("t_file", [&] {
+    with_everything_planted_at("t_file_gatescope_77.txt", [&] {
         put(directory / "gatebits", GATEBITS);
         EXPECT_EQ(run([] { set_a_field(2, 3, "S"); }).status, 0);
         EXPECT_EQ(bytes_of(directory / "gatebits"), CHANGED);
@@ -136,7 +137,7 @@ TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
 TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
     const Ended ended = run([] {
         const AnswerFile answer(make_tfile("one", "two", "three"));
-        create_temporary_file(t_file_name);
+        create_temporary_file(t_file_name());
         gripe("over");
     });
     EXPECT_EQ(ended.status, 99);

@@ -5,7 +5,7 @@
 
 #include "base/child.h"
 #include "base/process_end.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "base/temporary_files.h"
 #include "fuzz/memory_files.h"
 #include "messages/identity.h"
@@ -91,7 +91,6 @@ std::size_t files_in(const std::string& directory) {
 void use_gatebits(std::string_view bytes) {
     TEMP_DIR = world_path("tmp");
     GLOBAL_PID_STRING = "1";
-    t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
     ENTERPRIZE_PERMISSION_FILE = world_path("gatebits.txt");
     put_file("gatebits.txt", bytes);
 }

@@ -6,8 +6,9 @@
 
 #include <string>
 
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "dialog/messages.h"
+#include "main/startup.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
@@ -20,7 +21,6 @@ class OnStage : public testing::Test {
     explicit OnStage(const RegionPlan& plan = a_region()) : region(plan) {
         region.enter();
         verify_set_tempdir();
-        t_file_name = make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
         ENTERPRIZE_PERMISSION_FILE = region.gatebits_path();
         GS_VAR.fill("");
         ZUL_PREFER_GUI = 1;

@@ -10,7 +10,7 @@
 #include <iterator>
 #include <string>
 
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "policy/gatebits_file.h"
 
@@ -23,7 +23,7 @@ class ScratchRegion : public testing::Test {
         std::string pattern = (std::filesystem::temp_directory_path() / "unit_XXXXXX").string();
         directory_ = mkdtemp(pattern.data());
         ENTERPRIZE_PERMISSION_FILE = path("gatebits.txt");
-        t_file_name = path("t_file.txt");
+        GLOBAL_PID_STRING = "1";
         TEMP_DIR = directory_;
         ZUL_PREFER_GUI = 0;
         write("clearprompt", "#!/bin/sh\nexit ${CLEARPROMPT_STATUS:-2}\n");

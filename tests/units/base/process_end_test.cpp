@@ -9,10 +9,10 @@
 
 #include <functional>
 
-#include "base/answer_file.h"
 #include "base/child.h"
 #include "base/signals.h"
 #include "base/temporary_files.h"
+#include "dialog/answer_file.h"
 #include "units/on_stage.h"
 
 namespace {

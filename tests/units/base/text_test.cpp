@@ -6,18 +6,16 @@
 
 #include "base/commands.h"
 #include "base/filled.h"
+#include "dialog/toolkit.h"
 
 namespace {
 
 using Pieces = std::vector<std::string>;
 
 /// All that STRTOK hands out for `text`.
-Pieces pieces(const char* text, const char* delimiters = ",") {
+Pieces pieces(std::string_view text, const char* delimiters = ",") {
     Pieces all;
-    for (const char* piece = STRTOK(text, delimiters); piece != nullptr;
-         piece = STRTOK(nullptr, delimiters)) {
-        all.emplace_back(piece);
-    }
+    while (const auto piece = STRTOK(&text, delimiters)) all.emplace_back(*piece);
     return all;
 }
 
@@ -42,14 +40,15 @@ TEST(Strtok, AnyOfTheDelimitersEndsAPiece) {
 }
 
 TEST(Strtok, StaysAtTheEnd) {
-    EXPECT_STREQ(STRTOK("a,rest", ","), "a");
-    EXPECT_EQ(STRTOK(nullptr, ","), nullptr);
-    EXPECT_EQ(STRTOK(nullptr, ","), nullptr);
+    std::string_view rest = "a,rest";
+    EXPECT_EQ(STRTOK(&rest, ","), "a");
+    EXPECT_EQ(STRTOK(&rest, ","), std::nullopt);
+    EXPECT_EQ(STRTOK(&rest, ","), std::nullopt);
 }
 
 TEST(Strtok, TextsOfAnyLengthAreTakenWhole) {
     const std::string long_piece(5000, 'x');
-    EXPECT_EQ(pieces((long_piece + ",b,").c_str()), (Pieces{long_piece, "b"}));
+    EXPECT_EQ(pieces(long_piece + ",b,"), (Pieces{long_piece, "b"}));
 }
 
 TEST(TerminatedFields, AreWhatSemicolonsEnd) {
@@ -210,9 +209,9 @@ TEST(CommandNumber, OfTwoNeighboursIsThatOfTheFirst) {
 }
 
 TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
-    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS.size(), ALL_TRIGGERABLE_COMMANDS_MAP.size());
+    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS().size(), ALL_TRIGGERABLE_COMMANDS_MAP().size());
     EXPECT_EQ(
-        ALL_TRIGGERABLE_COMMANDS,
+        ALL_TRIGGERABLE_COMMANDS(),
         ",chbl,checkin,checkout,chevent,chfolder,chmaster,chproject,chtype,lock,lnname,mkattr,"
         "mkbranch,mkcomp,mkelem,mkfolder,mkhlink,mklabel,mkproject,mkslink,mktype,mktrigger,"
         "modtype,protect,reserve,rmattr,rmbl,rmbranch,rmcomp,rmelem,rmfolder,rmhlink,rmlabel,"
@@ -220,10 +219,12 @@ TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
         "rebase_start,rebase_cancel,rebase_complete,mkactivity,setactivity,chactivity,"
         "rmactivity,mkstream,chstream,rmstream,mkbl,mkbl_complete,setactivity_none,");
     int number = 0;
-    for (const std::string& name : pieces(p_com + 1)) EXPECT_EQ(command_number(name), ++number);
+    const std::string all = ALL_TRIGGERABLE_COMMANDS();
+    for (const std::string& name : pieces(all.substr(1))) {
+        EXPECT_EQ(command_number(name), ++number);
+    }
     EXPECT_EQ(number, 54);
-    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS_MAP.substr(0, 16), ",1,,,,2,,,,,,,3,");
-    EXPECT_EQ(std::strlen(p_map), ALL_TRIGGERABLE_COMMANDS.size());
+    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS_MAP().substr(0, 16), ",1,,,,2,,,,,,,3,");
 }
 
 }  // namespace

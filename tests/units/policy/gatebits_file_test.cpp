@@ -312,7 +312,7 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
 
 TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
     use_gatebits(BLOCK);
-    t_file_name = "/no/such/dir/scratch";
+    TEMP_DIR = "/no/such/dir";
     EXPECT_GRIPE(set_a_line(1, "x"), "Could not create needed temp file");
     EXPECT_EQ(region.gatebits(), BLOCK);
 }

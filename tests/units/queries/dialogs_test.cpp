@@ -20,7 +20,7 @@ class AskedQuery : public QueryRegion {
                "][-default][*][-prompt][" + question + "]\n";
     }
     [[nodiscard]] std::string command_dialog() const {
-        const std::string& names = ALL_TRIGGERABLE_COMMANDS;
+        const std::string names = ALL_TRIGGERABLE_COMMANDS();
         return list("Select triggerable command to display usage for...",
                     "*" + names.substr(0, names.size() - 1));
     }

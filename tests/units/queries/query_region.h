@@ -13,7 +13,7 @@
 
 #include "base/filled.h"
 #include "base/options.h"
-#include "base/startup.h"
+#include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
 #include "policy/edition.h"

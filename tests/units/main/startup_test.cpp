@@ -1,4 +1,4 @@
-#include "base/startup.h"
+#include "main/startup.h"
 
 #include <gtest/gtest.h>
 #include <pwd.h>
@@ -7,8 +7,10 @@
 
 #include <cstdlib>
 
+#include "base/run_identity.h"
 #include "base/text.h"
 #include "dialog/messages.h"
+#include "dialog/toolkit.h"
 #include "policy/checker.h"
 #include "units/on_stage.h"
 
@@ -23,16 +25,12 @@ class Startup : public OnStage {
               "ZUL_PREFER_NO_GUI", "tmp", "temp"}) {
             unsetenv(name);
         }
-        ZUL_SNAPSHOT_USER = REAL_ZUL_WEB_USER = 0;
-        ZUL_REMOTE_CLIENT_USER = REAL_ZUL_REMOTE_CLIENT_USER = 0;
+        ZUL_REMOTE_CLIENT_USER = 0;
     }
     ~Startup() override { region.enter(); }
 
     static void set(const char* name, const std::string& value) { setenv(name, value.c_str(), 1); }
-    static std::string user() {
-        const std::string* name = calculated_user();
-        return name != nullptr ? *name : "(null)";
-    }
+    static std::string user() { return calculated_user().value_or("(null)"); }
 };
 using StartupDeathTest = Startup;
 
@@ -92,8 +90,7 @@ TEST_F(Startup, TheDomainIsStripped) {
                                                          {"dom\\", ""}};
     for (const auto& [given, kept] : names) {
         set("CLEARCASE_USER", given);
-        clean_start();
-        EXPECT_EQ(_CALCULATED_USER, kept) << given;
+        EXPECT_EQ(clean_start()._CALCULATED_USER, kept) << given;
     }
 }
 
@@ -115,24 +112,24 @@ TEST_F(Startup, OnlyYesInAnyCaseTurnsDialogsOff) {
 
 TEST_F(Startup, TheViewsKindTellsSnapshotAndWeb) {
     set("CLEARCASE_VIEW_KIND", "a snapshot view");
-    clean_start();
-    EXPECT_EQ(ZUL_SNAPSHOT_USER, 1);
-    EXPECT_EQ(REAL_ZUL_WEB_USER, 0);
+    Operator who = clean_start();
+    EXPECT_TRUE(who.ZUL_SNAPSHOT_USER);
+    EXPECT_FALSE(who.REAL_ZUL_WEB_USER);
     set("CLEARCASE_VIEW_KIND", "web");
-    clean_start();
-    EXPECT_EQ(ZUL_SNAPSHOT_USER, 0);
-    EXPECT_EQ(REAL_ZUL_WEB_USER, 1);
+    who = clean_start();
+    EXPECT_FALSE(who.ZUL_SNAPSHOT_USER);
+    EXPECT_TRUE(who.REAL_ZUL_WEB_USER);
     EXPECT_EQ(ZUL_REMOTE_CLIENT_USER, 0);
 }
 
 TEST_F(Startup, EitherRemoteVariableMakesARemoteClient) {
     for (const char* name : {"ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
-        ZUL_REMOTE_CLIENT_USER = REAL_ZUL_WEB_USER = REAL_ZUL_REMOTE_CLIENT_USER = 0;
+        ZUL_REMOTE_CLIENT_USER = 0;
         set(name, "");
-        clean_start();
+        const Operator who = clean_start();
         EXPECT_EQ(ZUL_REMOTE_CLIENT_USER, 1) << name;
-        EXPECT_EQ(REAL_ZUL_WEB_USER, 1) << name;
-        EXPECT_EQ(REAL_ZUL_REMOTE_CLIENT_USER, 1) << name;
+        EXPECT_TRUE(who.REAL_ZUL_WEB_USER) << name;
+        EXPECT_TRUE(who.REAL_ZUL_REMOTE_CLIENT_USER) << name;
         unsetenv(name);
     }
 }
@@ -148,7 +145,6 @@ TEST_F(Startup, TemporaryFilesGoWhereTmpThenTempThenTheSystemSays) {
     EXPECT_EQ(TEMP_DIR, region.path("tmp"));
     EXPECT_TRUE(region.files_in("tmp").empty());
     EXPECT_TRUE(region.files_in("home").empty());
-    EXPECT_EQ(GLOBAL_PID, getpid());
     EXPECT_EQ(GLOBAL_PID_STRING, std::to_string(getpid()));
 }
 
@@ -191,11 +187,8 @@ TEST_F(Startup, TemporaryNamesAreMadeOfThreeParts) {
               "/t/gatewarden_prompt_result_123_.txt");
     EXPECT_EQ(make_tfile("tag", nullptr, "9"), "/t/tag__9.txt");
     EXPECT_EQ(make_tfile(nullptr, nullptr, nullptr), "/t/__.txt");
-    EXPECT_EQ(&make_tfile("a", "b", "c"), &G_TEMP_FILE);
     EXPECT_EQ(make_cache_file("one", "two"), "/t/cache_one_two.txt");
     EXPECT_EQ(make_cache_file(nullptr, "x"), "/t/cache__x.txt");
-    EXPECT_EQ(G_CACHE_FILE, "/t/cache__x.txt");
-    EXPECT_EQ(G_TEMP_FILE, "/t/a_b_c.txt");
 }
 
 TEST_F(Startup, SleepReturnsWhatWasLeft) {

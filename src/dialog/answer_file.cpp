@@ -1,4 +1,4 @@
-#include "base/answer_file.h"
+#include "dialog/answer_file.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -10,8 +10,6 @@
 #include <cstring>
 
 #include "base/filled.h"
-#include "base/process_end.h"
-#include "base/signals.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
@@ -44,19 +42,6 @@ int read_answer(int descriptor, std::size_t limit, std::string* text) {
 }
 
 }  // namespace
-
-int create_temporary_file(const std::string& path, mode_t mode) {
-    const SignalsHeld held;
-    unlink(path.c_str());
-    const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-    if (descriptor != -1) remember_temporary_file(path);
-    return descriptor;
-}
-
-void remove_temporary_file(const std::string& path) {
-    unlink_remove(path);
-    forget_temporary_file(path);
-}
 
 AnswerFile::AnswerFile(const std::string& path) : path_(path) {
     const int descriptor = create_temporary_file(path);

@@ -1,4 +1,4 @@
-#include "base/startup.h"
+#include "main/startup.h"
 
 #include <pwd.h>
 #include <strings.h>
@@ -9,24 +9,14 @@
 #include <cstring>
 #include <optional>
 
-#include "base/answer_file.h"
 #include "base/filled.h"
+#include "base/run_identity.h"
+#include "base/temporary_files.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
-
-std::string _CALCULATED_USER;
-int ZUL_SNAPSHOT_USER = 0;
-int REAL_ZUL_WEB_USER = 0;
-int REAL_ZUL_REMOTE_CLIENT_USER = 0;
-int GLOBAL_PID = 0;
-std::string GLOBAL_PID_STRING;
-std::string TEMP_DIR;
-std::string G_TEMP_FILE;
-std::string G_CACHE_FILE;
-std::string t_file_name;
 
 namespace {
 
@@ -42,9 +32,8 @@ struct TempDirSource {
 };
 constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
 
-const std::string* user_is(std::string name) {
-    _CALCULATED_USER = STRING_LOWER(name);
-    return &_CALCULATED_USER;
+std::string lower_cased(std::string name) {
+    return STRING_LOWER(name);
 }
 
 /// The text behind "user=" in the cookie, up to ";", if anything follows it at all. The plain
@@ -72,31 +61,20 @@ const char* hidden_variable(Letters... letters) {
     return std::getenv(hidden_e_var_name.c_str());
 }
 
-void operator_is_remote() {
-    REAL_ZUL_WEB_USER = 1;
-    ZUL_REMOTE_CLIENT_USER = 1;
-    REAL_ZUL_REMOTE_CLIENT_USER = 1;
-}
-
-void look_at_the_client() {
+void look_at_the_client(Operator* who) {
     const char* view_kind = hidden_variable('C', 'L', 'E', 'A', 'R', 'C', 'A', 'S', 'E', '_', 'V',
                                             'I', 'E', 'W', '_', 'K', 'I', 'N', 'D');
     const std::string kind = view_kind != nullptr ? view_kind : "";
-    ZUL_SNAPSHOT_USER = kind.find("snapshot") != std::string::npos;
-    if (kind.find("web") != std::string::npos) REAL_ZUL_WEB_USER = 1;
-    if (hidden_variable('Z', 'U', 'L', '_', 'U', 'S', 'I', 'N', 'G', '_', 'C', 'C', 'R', 'C')) {
-        operator_is_remote();
-    }
-    if (hidden_variable('A', 'T', 'R', 'I', 'A', '_', 'W', 'E', 'B', '_', 'C', 'L', 'E', 'A', 'R',
-                        'P', 'R', 'O', 'M', 'P', 'T')) {
-        operator_is_remote();
-    }
-}
-
-std::string temporary_path(const char* tag, const char* part2, const char* part3) {
-    const auto text = [](const char* part) { return part != nullptr ? part : ""; };
-    return filled("%s%c%s_%s_%s.txt", TEMP_DIR.c_str(), DIR_DELIMETER, text(tag), text(part2),
-                  text(part3));
+    who->ZUL_SNAPSHOT_USER = kind.find("snapshot") != std::string::npos;
+    who->REAL_ZUL_WEB_USER = kind.find("web") != std::string::npos;
+    const bool remote = hidden_variable('Z', 'U', 'L', '_', 'U', 'S', 'I', 'N', 'G', '_', 'C', 'C',
+                                        'R', 'C') != nullptr ||
+                        hidden_variable('A', 'T', 'R', 'I', 'A', '_', 'W', 'E', 'B', '_', 'C', 'L',
+                                        'E', 'A', 'R', 'P', 'R', 'O', 'M', 'P', 'T') != nullptr;
+    if (!remote) return;
+    who->REAL_ZUL_WEB_USER = true;
+    who->REAL_ZUL_REMOTE_CLIENT_USER = true;
+    ZUL_REMOTE_CLIENT_USER = 1;
 }
 
 bool temp_dir_is_writable() {
@@ -110,28 +88,29 @@ bool temp_dir_is_writable() {
 
 }  // namespace
 
-void clean_start() {
-    const std::string* user = calculated_user();
-    if (user == nullptr) gripe(NO_USER);
-    _CALCULATED_USER = without_domain(*user);
+Operator clean_start() {
+    const auto user = calculated_user();
+    if (!user) gripe(NO_USER);
+    Operator who = {._CALCULATED_USER = without_domain(*user)};
     const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
-    look_at_the_client();
+    look_at_the_client(&who);
+    return who;
 }
 
-const std::string* calculated_user() {
+std::optional<std::string> calculated_user() {
     for (const char* prefix : LOOK_UNDER) {
         const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
-        if (name != nullptr) return user_is(name);
+        if (name != nullptr) return lower_cased(name);
     }
-    if (const auto cookie_user = user_in_cookie()) return user_is(*cookie_user);
+    if (const auto cookie_user = user_in_cookie()) return lower_cased(*cookie_user);
     const passwd* entry = getpwuid(geteuid());
-    return entry != nullptr ? user_is(entry->pw_name) : nullptr;
+    if (entry == nullptr) return std::nullopt;
+    return lower_cased(entry->pw_name);
 }
 
 void verify_set_tempdir() {
-    GLOBAL_PID = getpid();
-    GLOBAL_PID_STRING = filled("%d", GLOBAL_PID);
+    GLOBAL_PID_STRING = std::to_string(getpid());
     for (const auto& [variable, spelled] : TEMP_DIR_SOURCES) {
         const char* directory = std::getenv(variable);
         if (directory == nullptr) continue;
@@ -142,16 +121,4 @@ void verify_set_tempdir() {
     TEMP_DIR = "/tmp";
     if (temp_dir_is_writable()) return;
     gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP), errno);
-}
-
-const std::string& make_tfile(const char* tag, const char* part2, const char* part3) {
-    return G_TEMP_FILE = temporary_path(tag, part2, part3);
-}
-
-const std::string& make_cache_file(const char* part1, const char* part2) {
-    return G_CACHE_FILE = temporary_path("cache", part1, part2);
-}
-
-unsigned zul_sleep(unsigned seconds) {
-    return sleep(seconds);
 }

@@ -1,18 +1,8 @@
 #pragma once
 
-#include <sys/types.h>
-
 #include <cstddef>
 #include <optional>
 #include <string>
-
-/// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
-/// never followed. The file is on the list of temporary files from then on. The descriptor, or -1
-/// with errno set.
-int create_temporary_file(const std::string& path, mode_t mode = 0600);
-
-/// Removes a temporary file and takes it off the list.
-void remove_temporary_file(const std::string& path);
 
 /// A file that a dialog writes its answer into. It exists, empty, before the dialog starts, so
 /// that nobody else can put one of theirs in its place, and goes with this object.

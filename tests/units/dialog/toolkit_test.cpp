@@ -1,4 +1,4 @@
-#include "base/files.h"
+#include "dialog/toolkit.h"
 
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -9,6 +9,7 @@
 #include <string>
 
 #include "base/commands.h"
+#include "base/files.h"
 #include "base/process_end.h"
 #include "units/on_stage.h"
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+// Who the operator is, where temporary files go and how dialogs are shown: settled once, before
+// any argument is looked at.
+
+/// The operator, and what kind of client they are on.
+struct Operator {
+    /// The login name, lower-cased, without a domain.
+    std::string _CALCULATED_USER;
+    bool ZUL_SNAPSHOT_USER = false;
+    bool REAL_ZUL_WEB_USER = false;
+    bool REAL_ZUL_REMOTE_CLIENT_USER = false;
+};
+
+/// Finds out who the operator is, and settles how to talk to them. Gripes when no user can be
+/// found.
+Operator clean_start();
+
+/// The operator's name as the environment, or else the password database, has it, lower-cased;
+/// nothing when there is none.
+std::optional<std::string> calculated_user();
+
+/// Settles the process id and the directory for temporary files ("tmp", else "temp", else /tmp);
+/// gripes when that directory is not writable. A variable that is set is never passed over.
+void verify_set_tempdir();
