@@ -3,7 +3,6 @@
 #include <csignal>
 
 #include "base/child.h"
-#include "base/signals_held.h"
 #include "base/temporary_files.h"
 
 namespace {

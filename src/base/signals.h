@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/signals_held.h"
+
 /// From now on the ending_signals
 /// end the child that is being waited for, remove the temporary files, and only then end the
 /// process, as they would have without this. A signal that was ignored at start stays ignored.
