@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "base/descriptor.h"
-#include "logs/lanes.h"
 #include "logs/log_reader.h"
 #include "logs/progress.h"
 #include "logs/record_rule.h"
