@@ -38,8 +38,10 @@ void remove_left_over(const LeftOver& left_over) {
 /// Words that stand in the log already, as often as there.
 class Standing {
   public:
-    void put(std::string_view words) {
-        for_each_word(words, [&](std::string_view word) { words_.emplace(word); });
+    void put_words_of(const OpenLog& log, off_t from) {
+        read_pieces(log.file, log.path, from, status_of(log.file).st_size, [&](auto words) {
+            for_each_word(words, [&](std::string_view word) { words_.emplace(word); });
+        });
     }
     /// The lines that do not stand there, in `lines`; good until the next call.
     std::string_view missing(std::string_view lines) {
@@ -99,6 +101,13 @@ Descriptor begin_to_add(LeftOver* left_over, const OpenLog& log, off_t size, Mom
          "make room in", log.path);
     if (!is_white(last)) append(file.get(), log.path, "\n");
     return file;
+}
+
+void finish(Descriptor* file, const std::string& path) {
+    must(fsync(file->get()) == 0, "sync", path);
+    errno = file->close();
+    must(errno == 0, "close", path);
+    sync_names(path);
 }
 
 }  // namespace
@@ -162,17 +171,18 @@ void add_left_over(LeftOver* left_over, const OpenLog& log, KeptRecords* records
     const Settled settled = settle(file.get(), deadline);
     off_t added = left_over->from;
     Standing standing;
-    if (settled.size > added && left_over->log == id_of(log.file)) {
-        read_pieces(log.file, log.path, left_over->size, status_of(log.file).st_size,
-                    [&](std::string_view words) { standing.put(words); });
-    }
+    if (settled.size > added && left_over->log == id_of(log.file))
+        standing.put_words_of(log, left_over->size);
+
+    KeptRecords counted = *records;
     Descriptor to;
+    bool is_torn = false;
     read_pieces(file.get(), left_over->path(), added, settled.size, [&](std::string_view words) {
         // Who keeps it open may be in the middle of the last record.
-        while (settled.is_written && !words.empty() && !is_white(words.back())) {
-            words.remove_suffix(1);
-        }
-        const std::string_view lines = standing.missing(records->of(words));
+        if (is_torn) return;
+        is_torn = settled.is_written && !is_white(words.back());
+        while (is_torn && !words.empty() && !is_white(words.back())) words.remove_suffix(1);
+        const std::string_view lines = standing.missing(counted.of(words));
         if (!to && !lines.empty() && left_over->stays.empty()) {
             to = begin_to_add(left_over, log, settled.size - added, deadline);
         }
@@ -180,13 +190,9 @@ void add_left_over(LeftOver* left_over, const OpenLog& log, KeptRecords* records
         added += static_cast<off_t>(words.size());
     });
     if (!left_over->stays.empty()) return;
+    *records = counted;
     const bool has_added = static_cast<bool>(to);
-    if (has_added) {
-        must(fsync(to.get()) == 0, "sync", log.path);
-        errno = to.close();
-        must(errno == 0, "close", log.path);
-        sync_names(log.path);
-    }
+    if (has_added) finish(&to, log.path);
     if (settled.is_written) {
         rename_left_over(left_over, new_left_over(left_over->source, added, file.get()));
         left_over->stays = KEPT_OPEN;

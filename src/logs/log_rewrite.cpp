@@ -25,7 +25,8 @@ constexpr off_t WRITE_BACK_SIZE = 8 << 20;
 
 /// Whether the place of this log, and not the disk, is the reason: other logs may fare better.
 bool is_refusal(int error) {
-    constexpr int REFUSALS[] = {EACCES, EPERM, EROFS, EBUSY, EXDEV, EMLINK, EOPNOTSUPP, ENOENT};
+    constexpr int REFUSALS[] = {EACCES, EPERM,  EROFS,      EBUSY,       EXDEV,
+                                ENOENT, EMLINK, EOPNOTSUPP, ENAMETOOLONG};
     return std::find(std::begin(REFUSALS), std::end(REFUSALS), error) != std::end(REFUSALS);
 }
 
@@ -92,8 +93,18 @@ int begin(const std::string& log, int old_log, bool is_linked, NewText* text) {
     return error;
 }
 
-bool exchange(const std::string& one, const std::string& other) {
-    return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0;
+int exchange(const std::string& one, const std::string& other) {
+    return renameat2(AT_FDCWD, one.c_str(), AT_FDCWD, other.c_str(), RENAME_EXCHANGE) == 0 ? 0
+                                                                                           : errno;
+}
+
+/// For file systems that cannot exchange two names: the old file gets the other one first.
+int put_one_by_one(const std::string& scratch, const std::string& log, int old_log,
+                   const std::string& left_over) {
+    if (rename(left_over.c_str(), scratch.c_str()) != 0) return errno;
+    if (link(log.c_str(), left_over.c_str()) != 0) return errno;
+    if (!is_name_of(left_over, old_log)) return EBUSY;
+    return rename(scratch.c_str(), log.c_str()) == 0 ? 0 : errno;
 }
 
 /// Gives the log's name to the new text, and the old file that of the left-over. 0 or an errno, and
@@ -102,21 +113,20 @@ int put_in_place(const std::string& scratch, const std::string& log, int old_log
                  const std::string& left_over) {
     const SignalsHeld held;
     if (rename(scratch.c_str(), left_over.c_str()) != 0) return errno;
-    int error = exchange(left_over, log) ? 0 : errno;
-    if (error == 0 && !is_name_of(left_over, old_log)) {
-        // Somebody has put another file there meanwhile.
-        error = exchange(left_over, log) ? EBUSY : errno;
-    } else if (error == EINVAL || error == ENOSYS) {
-        // The file system cannot exchange two names: the old file gets the other one first.
-        error = rename(left_over.c_str(), scratch.c_str()) != 0 ||
-                        link(log.c_str(), left_over.c_str()) != 0
-                    ? errno
-                    : 0;
-        if (error == 0 && !is_name_of(left_over, old_log)) error = EBUSY;
-        if (error == 0 && rename(scratch.c_str(), log.c_str()) != 0) error = errno;
+    int error = exchange(left_over, log);
+    if (error == EINVAL || error == ENOSYS || error == EOPNOTSUPP) {
+        error = put_one_by_one(scratch, log, old_log, left_over);
+    } else if (error == 0 && !is_name_of(left_over, old_log)) {
+        // Somebody has put another file there meanwhile, and gets it back.
+        error = exchange(left_over, log);
+        if (error != 0) return error;
+        error = EBUSY;
     }
-    if (error != 0) unlink(left_over.c_str());
-    if (error == 0) forget_temporary_file(scratch);
+    if (error == 0) {
+        forget_temporary_file(scratch);
+    } else {
+        unlink(left_over.c_str());
+    }
     return error;
 }
 
