@@ -80,8 +80,8 @@ std::string_view KeptRecords::kept_of(std::string_view piece) {
     std::int64_t removed = 0;
     WordEnds ends;
     for (const char* slice = begin; slice < end; slice += SLICE) {
-        const std::size_t count =
-            find_word_ends<LANES>(slice, std::min<std::size_t>(SLICE, end - slice), &ends);
+        const std::size_t count = find_word_ends<LANES>(
+            slice, std::min<std::size_t>(SLICE, static_cast<std::size_t>(end - slice)), &ends);
         for (std::size_t i = 0; i < count; ++i) {
             const char* const stop = slice + ends[i];
             const Fate fate = fate_of<LANES>(at, stop, cut_off_);

@@ -88,6 +88,13 @@ int open_in_memory(const char* path, int flags, mode_t mode) {
     return is_directory(path) ? new_descriptor(std::make_shared<MemoryFile>()) : failed(ENOENT);
 }
 
+/// Copies at most `size` of the bytes from `at` on; how many there were.
+std::size_t copy_out(const MemoryFile& file, std::size_t at, void* bytes, std::size_t size) {
+    const std::size_t got = std::min(size, file.bytes.size() - std::min(at, file.bytes.size()));
+    if (got != 0) std::memcpy(bytes, file.bytes.data() + at, got);
+    return got;
+}
+
 void describe(const MemoryFile& file, struct stat* status) {
     *status = {};
     status->st_mode = S_IFREG | file.mode;
@@ -140,6 +147,7 @@ extern "C" {
 int __real_open(const char* path, int flags, mode_t mode);
 int __real_close(int descriptor);
 ssize_t __real_read(int descriptor, void* bytes, std::size_t size);
+ssize_t __real_pread(int descriptor, void* bytes, std::size_t size, off_t offset);
 ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
 off_t __real_lseek(int descriptor, off_t offset, int whence);
 int __real_fsync(int descriptor);
@@ -181,11 +189,17 @@ ssize_t __wrap_read(int descriptor, void* bytes, std::size_t size) {
     if (descriptor < FIRST_DESCRIPTOR) return __real_read(descriptor, bytes, size);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
-    const std::string& all = open->file->bytes;
-    const std::size_t got = std::min(size, all.size() - std::min(open->at, all.size()));
-    if (got != 0) std::memcpy(bytes, all.data() + open->at, got);
+    const std::size_t got = copy_out(*open->file, open->at, bytes, size);
     open->at += got;
     return static_cast<ssize_t>(got);
+}
+
+ssize_t __wrap_pread(int descriptor, void* bytes, std::size_t size, off_t offset) {
+    if (descriptor < FIRST_DESCRIPTOR) return __real_pread(descriptor, bytes, size, offset);
+    const OpenFile* const open = open_file(descriptor);
+    if (open == nullptr) return -1;
+    return static_cast<ssize_t>(
+        copy_out(*open->file, static_cast<std::size_t>(offset), bytes, size));
 }
 
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {

@@ -234,7 +234,7 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
     RecordMaker maker(19);
     long fast = 0;
     long counted_at_all = 0;
-    for (int round = 0; round < 5000; ++round) {
+    for (int round = 0; round < 1000; ++round) {
         const RecordQuery query = maker.query();
         std::string text;
         for (int i = 0; i < 200; ++i) text += maker.line();
@@ -256,8 +256,8 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
                << query.filters[3];
     }
     // The comparison is worth something only if both paths had something to do.
-    EXPECT_GT(fast, 2500);
-    EXPECT_GT(counted_at_all, 20000);
+    EXPECT_GT(fast, 500);
+    EXPECT_GT(counted_at_all, 4000);
 }
 
 TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {

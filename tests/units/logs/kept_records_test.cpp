@@ -96,7 +96,7 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
     const auto byte = [&] { return " \n\r\t\x01:[]<>-019aS!\xff\0"[draw(18)]; };
     const auto odd_end = [&] { return std::array{"\r\n", " ", "\t", "\n\n", "\r\n \n"}[draw(5)]; };
     int unchanged = 0;
-    for (int round = 0; round < 10000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         std::string text;
         const unsigned kept_in_100 = draw(2) == 0 ? 100 : draw(101);
         const unsigned odd_ends = std::array{0U, 0U, 5U, 100U}[draw(4)];
@@ -120,8 +120,8 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
         }
         unchanged += plain.same_piece;
     }
-    EXPECT_GT(unchanged, 500);
-    EXPECT_LT(unchanged, 9500);
+    EXPECT_GT(unchanged, 100);
+    EXPECT_LT(unchanged, 1900);
 }
 
 }  // namespace
