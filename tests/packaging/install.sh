@@ -47,6 +47,8 @@ run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the pro
 run_program "$prefix/bin/gatescope" -ver | grep -q 'gatescope version (13.1.1)' ||
     fail "the program does not know its version"
 
+expect_hidden_names "$prefix/bin/gatescope"
+
 # A second installation must not make the first one's record forget anything.
 cmake --install "$build" --prefix /opt/tools >"$work/install.log"
 touch "$prefix/share/doc/gatescope/examples/mine"

@@ -25,6 +25,7 @@ if command -v readelf >/dev/null; then
     sections=$(readelf --sections --wide "$program")
     case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
 fi
+expect_hidden_names "$program"
 for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
     gzip -t "$work/files/usr/share/man/$page" || fail "$page is not a compressed page"
 done

@@ -1,0 +1,36 @@
+// The names of the client's variables are put together only while the program runs.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace {
+
+constexpr std::size_t SHORTEST = 6;
+
+std::string bytes_of(const char* path) {
+    std::ifstream stream(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+/// Of another name, which stands in the program as text; or of a symbol in the object file.
+bool is_elsewhere(const std::string& piece) {
+    return std::string("CLEARCASE").find(piece) != std::string::npos ||
+           std::string("ERROR_USING_SLASH_TMP").find(piece) != std::string::npos;
+}
+
+TEST(HiddenNames, TheOptimizerDoesNotPutThemTogether) {
+    const std::string bytes = bytes_of(OPTIMIZED_STARTUP);
+    ASSERT_NE(bytes.find("UNMAPPED_REMOTE"), std::string::npos) << "the search finds nothing";
+    for (const std::string name :
+         {"CLEARCASE_VIEW_KIND", "ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
+        for (std::size_t at = 0; at + SHORTEST <= name.size(); ++at) {
+            const std::string piece = name.substr(at, SHORTEST);
+            EXPECT_TRUE(is_elsewhere(piece) || bytes.find(piece) == std::string::npos) << piece;
+        }
+    }
+}
+
+}  // namespace
