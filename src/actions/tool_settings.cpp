@@ -30,30 +30,25 @@ std::string setting_list() {
     return as_list(entries);
 }
 
-/// What became of one question for a setting.
-enum class Setting { LEFT, DECLINED, WRITTEN };
+/// What one question for a setting leads to.
+enum class Next { ASK_AGAIN, GO_ON };
 
 /// Asks for the setting, with `def` to be edited, and writes what is confirmed unless the file no
 /// longer has `stored` for it. `*entered` is what was typed.
-Setting ask_for_setting(std::size_t index, const std::string& stored, const std::string& def,
-                        std::string* entered) {
+Next ask_for_setting(std::size_t index, const std::string& stored, const std::string& def,
+                     std::string* entered) {
     const auto typed = prompt(filled(SETTING_PROMPT, GS_VAR_NAME[index]), def);
-    if (!typed) return Setting::LEFT;
+    if (!typed) return Next::GO_ON;
     *entered = *typed;
     const Change change = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
-    switch (confirm_add(change, Addition::SETTING)) {
-        case CONFIRMED:
-            if (!written_or_told(change_a_var(static_cast<int>(index), *typed, stored))) {
-                return Setting::LEFT;
-            }
-            add_confirmed(change);
-            interrogate_the_enterprise();
-            return Setting::WRITTEN;
-        case DECLINED:
-            return Setting::DECLINED;
-        default:
-            return Setting::LEFT;
+    const Consent consent = confirm_add(change, Addition::SETTING);
+    if (consent == DECLINED) return Next::ASK_AGAIN;
+    if (consent == CONFIRMED &&
+        written_or_told(change_a_var(static_cast<int>(index), *typed, stored))) {
+        add_confirmed(change);
+        interrogate_the_enterprise();
     }
+    return Next::GO_ON;
 }
 
 /// The setting as the walks show it: what is in use in place of a checker that is missing, else
@@ -64,12 +59,12 @@ std::string setting_in_use(std::size_t index, const std::optional<std::string>& 
 }
 
 void walk_to_setting(std::size_t index) {
-    Setting end = Setting::DECLINED;
+    Next next = Next::ASK_AGAIN;
     std::string entered;
     // A declined change goes on from the stored value.
-    while (end == Setting::DECLINED) {
+    while (next == Next::ASK_AGAIN) {
         const auto stored = stored_variable(index);
-        end = ask_for_setting(index, stored.value_or(""), setting_in_use(index, stored), &entered);
+        next = ask_for_setting(index, stored.value_or(""), setting_in_use(index, stored), &entered);
     }
 }
 
@@ -87,10 +82,10 @@ void A_24() {
     if (!index || static_cast<std::size_t>(*index) >= GS_VAR.size()) gripe(INTERNAL_ERROR_A_24);
     const std::string stored = GS_VAR[static_cast<std::size_t>(*index)];
     std::string value = stored;
-    Setting end = Setting::DECLINED;
+    Next next = Next::ASK_AGAIN;
     // What was entered last is what a declined change goes on from.
-    while (end == Setting::DECLINED) {
-        end = ask_for_setting(static_cast<std::size_t>(*index), stored, value, &value);
+    while (next == Next::ASK_AGAIN) {
+        next = ask_for_setting(static_cast<std::size_t>(*index), stored, value, &value);
     }
 }
 
