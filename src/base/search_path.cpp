@@ -20,8 +20,8 @@ bool is_on_search_path(const std::string& program, int mode) {
     while (true) {
         const auto colon = rest.find(':');
         // An empty place stands for the directory that we are in.
-        std::string directory(rest.substr(0, colon));
-        if (directory.empty()) directory = ".";
+        const std::string_view place = rest.substr(0, colon);
+        const std::string directory(place.empty() ? "." : place);
         if (access((directory + "/" + program).c_str(), mode) == 0) return true;
         if (colon == std::string_view::npos) return false;
         rest.remove_prefix(colon + 1);
