@@ -52,7 +52,6 @@ Answer decoded_status(int status) {
 }  // namespace
 
 void gripe(const std::string& message) {
-    close_descriptor(&ENTERPRIZE_PERMISSION_FILE_FD);
     if (JUST_CHECKING == 1 && JUST_CHECKING_ERROR_ONLY != 1) clean_exit(99);
     if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),

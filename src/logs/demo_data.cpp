@@ -6,7 +6,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <utility>
 
 #include "base/filled.h"
 #include "base/process_end.h"
@@ -81,7 +80,7 @@ void show_progress(int records) {
 void data_gen(const std::string& logging_dir) {
     const std::int64_t end_of_day_time = set_time_values().end_of_day_time;
     const std::string path = log_file_path(logging_dir, DEMO_LOG_FILE);
-    LOGGING_STREAM = std::fopen(path.c_str(), "a");
+    FILE* const LOGGING_STREAM = std::fopen(path.c_str(), "a");
     if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE, path, errno);
     bool written = true;
     for (int i = 0; i < DEMO_RECORDS; ++i) {
@@ -89,7 +88,7 @@ void data_gen(const std::string& logging_dir) {
         if (i % PROGRESS_STEP == 0) show_progress(i);
     }
     show_progress(DEMO_RECORDS);
-    written = std::fclose(std::exchange(LOGGING_STREAM, nullptr)) == 0 && written;
+    written = std::fclose(LOGGING_STREAM) == 0 && written;
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
     clean_exit(0);
 }

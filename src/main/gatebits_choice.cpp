@@ -7,6 +7,7 @@
 
 #include "actions/actions.h"
 #include "actions/requests.h"
+#include "base/descriptor.h"
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "dialog/messages.h"
@@ -21,8 +22,7 @@ namespace {
 bool take_file_from_environment(const char* named) {
     if (named == nullptr) return false;
     ENTERPRIZE_PERMISSION_FILE = named;
-    ENTERPRIZE_PERMISSION_FILE_FD = open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    return ENTERPRIZE_PERMISSION_FILE_FD != -1;
+    return static_cast<bool>(Descriptor(open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC)));
 }
 
 /// Why there is no gatebits file yet, and the question what to do about it.

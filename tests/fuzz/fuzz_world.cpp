@@ -65,9 +65,6 @@ int until_the_end(const std::function<void()>& body) {
     } catch (const ProcessEnded& end) {
         status = end.status;
     }
-    if (LOGGING_STREAM != nullptr) std::fclose(LOGGING_STREAM);
-    if (LOGGING_FILE_PRUNE_STREAM != nullptr) std::fclose(LOGGING_FILE_PRUNE_STREAM);
-    LOGGING_STREAM = LOGGING_FILE_PRUNE_STREAM = nullptr;
     close_memory_files();
     return status;
 }

@@ -102,28 +102,6 @@ TEST_F(ProcessEnd, AForgottenFileStays) {
     EXPECT_EQ(region.files_in("tmp"), std::vector<std::string>{"kept"});
 }
 
-TEST_F(ProcessEnd, ClosesWhatIsOpenButNeverDescriptorZero) {
-    int zero = 0;
-    close_descriptor(&zero);
-    EXPECT_EQ(zero, -1);
-    EXPECT_NE(fcntl(0, F_GETFD), -1);
-    int other = open("/dev/null", O_RDONLY);
-    const int number = other;
-    close_descriptor(&other);
-    EXPECT_EQ(other, -1);
-    EXPECT_EQ(fcntl(number, F_GETFD), -1);
-    close_descriptor(&other);
-}
-
-TEST_F(ProcessEnd, TheJustCheckingFileGoesWithItsStream) {
-    in_a_child([&] {
-        just_checking_file = at("just_checking");
-        JUST_CHECKING_STREAM = std::fopen(just_checking_file.c_str(), "w");
-        clean_exit(0);
-    });
-    EXPECT_TRUE(region.files_in("tmp").empty());
-}
-
 TEST_F(ProcessEnd, TemporaryFilesArePrivateAndNeverThroughALink) {
     region.write_file("victim", "precious");
     ASSERT_EQ(symlink(region.path("victim").c_str(), at("scratch").c_str()), 0);
