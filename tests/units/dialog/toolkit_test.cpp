@@ -11,6 +11,7 @@
 #include "base/commands.h"
 #include "base/files.h"
 #include "base/process_end.h"
+#include "base/temporary_files.h"
 #include "units/on_stage.h"
 
 namespace {
