@@ -8,11 +8,11 @@
 void A_1(bool display);
 /// Shows the view/change submenu and runs what is picked there; says which menu comes next.
 void A_2(Run& run);
-/// Aliases: add, delete a definition, delete references, update.
-LastAnswer A_17();
-LastAnswer A_18();
-LastAnswer A_19();
-LastAnswer A_20();
+/// Aliases: add, delete a definition, delete references, update. The tables are filled anew first.
+LastAnswer A_17(Aliases& aliases);
+LastAnswer A_18(Aliases& aliases);
+LastAnswer A_19(Aliases& aliases);
+LastAnswer A_20(Aliases& aliases);
 /// Command keys: view, change or delete; add.
 LastAnswer A_21();
 LastAnswer A_22();

@@ -1,3 +1,4 @@
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,29 +27,30 @@ std::string definition(const std::string& name, const std::string& value) {
     return filled(ALIAS_DEFINITION, ALIAS_HEADER, name.c_str(), value.c_str());
 }
 
-std::string definition_entry(std::size_t i) {
-    const std::string entry = definition(ALIAS_NAME[i], ALIAS[i]);
+std::string definition_entry(const Aliases& aliases, std::size_t i) {
+    const std::string entry = definition(aliases.ALIAS_NAME[i], aliases.ALIAS[i]);
     return entry.size() <= LISTED_CHARACTERS ? entry
                                              : entry.substr(0, LISTED_CHARACTERS) + CUT_KEY_MARK;
 }
 
-std::string reference_entry(std::size_t i) {
-    return filled(ALIAS_REFERENCE, ALIAS_NAME[i].c_str());
+std::string reference_entry(const Aliases& aliases, std::size_t i) {
+    return filled(ALIAS_REFERENCE, aliases.ALIAS_NAME[i].c_str());
 }
 
 /// A list with one entry an alias; the tables may hold entries without a name.
-std::string alias_list(std::string (*entry)(std::size_t i)) {
+std::string alias_list(const Aliases& aliases,
+                       std::string (*entry)(const Aliases& aliases, std::size_t i)) {
     std::vector<std::string> entries;
-    for (std::size_t i = 0; i < number_of_aliases; ++i) {
-        if (!ALIAS_NAME[i].empty()) entries.push_back(entry(i));
+    for (std::size_t i = 0; i < aliases.number_of_aliases; ++i) {
+        if (!aliases.ALIAS_NAME[i].empty()) entries.push_back(entry(aliases, i));
     }
     return as_list(entries);
 }
 
 /// Loads the tables; tells the operator when there is nothing in them.
-bool there_are_aliases() {
+bool there_are_aliases(Aliases* aliases) {
     // The count outlives the last alias, but its name does not.
-    if (build_alias_list() != 0 && !ALIAS_NAME[0].empty()) return true;
+    if (build_alias_list(aliases) != 0 && !aliases->ALIAS_NAME[0].empty()) return true;
     advise_wait(NO_ALIASES);
     return false;
 }
@@ -71,8 +73,9 @@ Picked picked_definition(const std::string& pick, const char* fault) {
 
 /// Prompts until the answer is acceptable; a rejected one's message takes the place of
 /// `question`. The answer, or nothing when the operator cancels.
-std::optional<std::string> prompt_until_ok(std::string question, const std::string& def,
-                                           Validity (*is_ok)(const std::string& value)) {
+std::optional<std::string> prompt_until_ok(
+    std::string question, const std::string& def,
+    const std::function<Validity(const std::string&)>& is_ok) {
     while (const auto answer = prompt(question, def)) {
         const Validity validity = is_ok(*answer);
         if (validity.accepted()) return answer;
@@ -86,19 +89,20 @@ std::optional<std::string> prompt_for_value(const std::string& name, const std::
                            alias_value_is_ok);
 }
 
-std::optional<std::string> prompt_for_name() {
-    return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "", alias_name_is_ok);
+std::optional<std::string> prompt_for_name(const Aliases& others) {
+    return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "",
+                           [&](const std::string& name) { return alias_name_is_ok(name, others); });
 }
 
 }  // namespace
 
-LastAnswer A_17() {
-    if (build_alias_list() >= MAX_ALIASES) {
+LastAnswer A_17(Aliases& aliases) {
+    if (build_alias_list(&aliases) >= MAX_ALIASES) {
         advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
         return {};
     }
     while (the_sun_rises) {
-        const auto name = prompt_for_name();
+        const auto name = prompt_for_name(aliases);
         if (!name) return UNANSWERED;
         const auto value = prompt_for_value(*name, "");
         if (!value) return UNANSWERED;
@@ -106,25 +110,27 @@ LastAnswer A_17() {
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result = add_change_remove_an_alias(ADD_ALIAS, *name, *value);
+            const auto result = add_change_remove_an_alias(ADD_ALIAS, *name, *value, aliases);
             if (written_or_told(result)) add_confirmed_alias(line);
         }
         return value;
     }
 }
 
-LastAnswer A_18() {
-    if (!there_are_aliases()) return {};
-    const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(definition_entry));
+LastAnswer A_18(Aliases& aliases) {
+    if (!there_are_aliases(&aliases)) return {};
+    const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
     if (!pick) return UNANSWERED;
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
         case YES:
-            written_or_told(add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO));
+            written_or_told(
+                add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO, aliases));
             break;
         case NO:
-            written_or_told(add_change_remove_an_alias(REMOVE_ALIAS, name, DEFINITION_ONLY));
+            written_or_told(
+                add_change_remove_an_alias(REMOVE_ALIAS, name, DEFINITION_ONLY, aliases));
             break;
         default:
             break;
@@ -132,22 +138,22 @@ LastAnswer A_18() {
     return pick;
 }
 
-LastAnswer A_19() {
-    if (!there_are_aliases()) return {};
-    const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(reference_entry));
+LastAnswer A_19(Aliases& aliases) {
+    if (!there_are_aliases(&aliases)) return {};
+    const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(aliases, reference_entry));
     if (!pick) return UNANSWERED;
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
     if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), "yes", "yes,abort") == YES) {
-        add_change_remove_an_alias(REMOVE_ALIAS_REFERENCES, reference, DEFINITION_ONLY);
+        add_change_remove_an_alias(REMOVE_ALIAS_REFERENCES, reference, DEFINITION_ONLY, aliases);
     }
     return pick;
 }
 
-LastAnswer A_20() {
-    if (!there_are_aliases()) return {};
+LastAnswer A_20(Aliases& aliases) {
+    if (!there_are_aliases(&aliases)) return {};
     while (the_sun_rises) {
-        const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(definition_entry));
+        const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
         if (!pick) return UNANSWERED;
         const Picked picked = picked_definition(*pick, INTERNAL_ERROR_A_20);
         const auto value = prompt_for_value(picked.name, picked.value);
@@ -157,7 +163,8 @@ LastAnswer A_20() {
         const Consent consent = confirm_change(change);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result = add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value);
+            const auto result =
+                add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value, aliases);
             if (written_or_told(result)) change_confirmed(change);
         }
         return value;

@@ -1,8 +1,10 @@
 #include <sys/stat.h>
 
+#include <cstring>
 #include <string>
 
 #include "actions/actions.h"
+#include "actions/field_table.h"
 #include "actions/menus.h"
 #include "actions/requests.h"
 #include "base/filled.h"
@@ -10,6 +12,7 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
+#include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
@@ -37,32 +40,19 @@ void leave_submenu(Run& run) {
     run.chapter = MAIN_MENU;
 }
 
-/// Actions that enter a path outside the gatebits file: the checker does not judge that path, so
-/// it is looked at here, and a bad one is not asked for again.
-struct PathAction {
-    int number;
-    RegionLine line;
-    int field;
-    bool testable_here;
-};
-constexpr PathAction PATH_ACTIONS[] = {
-    {6, PARENT_LINE, 1, false},
-    {7, PARENT_LINE, 2, true},
-    {9, NOTIFY_LINE, 1, false},
-    {10, NOTIFY_LINE, 2, true},
-};
-
-const PathAction* path_action(int number) {
-    for (const PathAction& action : PATH_ACTIONS) {
-        if (action.number == number) return &action;
+/// The field that action n enters, when it names a path outside the gatebits file: the checker does
+/// not judge that path, so it is looked at here, and a bad one is not asked for again.
+const FieldEditor* path_field(int number) {
+    for (const FieldEditor& field : field_editors()) {
+        if (field.action == number && field.kind->names_a_path) return &field;
     }
     return nullptr;
 }
 
 /// 1 when the path holds, or cannot be tested from here; else 0.
-int path_holds(const PathAction& action) {
-    const std::string path = field_or_empty(action.line, action.field);
-    if (path.empty() || !action.testable_here) return 1;
+int path_holds(const FieldEditor& field) {
+    const std::string path = field_or_empty(field.line, field.field);
+    if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return 1;
     struct stat status;
     return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) ? 1 : 0;
 }
@@ -75,32 +65,25 @@ struct Before {
 
 Before look_before() {
     Before before;
-    if (perform_cbfile_only_check(CHECK_STATUS) == 0) return before;
-    before.errors = CURRENT_GATEBITS_FILE_HAS_ERRORS != 0;
-    if (before.errors && perform_cbfile_only_check(CHECK_COUNT) != 0) {
-        before.count = CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
-    }
+    const auto status = perform_cbfile_only_check(CHECK_STATUS);
+    if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
+    before.errors = true;
+    const auto counted = perform_cbfile_only_check(CHECK_COUNT);
+    if (counted) before.count = counted->CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
     return before;
 }
 
-/// What the second check says.
-enum class Verdict { NOT_CHECKED, GOOD_ENOUGH, REENTER };
-
-Verdict verdict_after(const Before& before) {
-    if (perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS) == 0) {
-        return Verdict::NOT_CHECKED;
-    }
-    // A file with errors has to get better: as many as before will not do.
-    const bool no_better = before.errors
-                               ? CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS >= before.count
-                               : CURRENT_GATEBITS_FILE_HAS_ERRORS != 0;
-    return no_better ? Verdict::REENTER : Verdict::GOOD_ENOUGH;
+/// Whether the second check lets the file pass. One with errors has to get better: as many as
+/// before will not do.
+bool is_good_enough(const CheckResult& after, const Before& before) {
+    return before.errors ? after.CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS < before.count
+                         : !after.CURRENT_GATEBITS_FILE_HAS_ERRORS;
 }
 
-/// Whether the errors that are counted now are no more than those at the start of the action. A
-/// file that had none before the last run has more than that.
-bool no_more_errors_than(const Before& at_entry, const Before& before_last_run) {
-    return before_last_run.errors && CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS <= at_entry.count;
+/// Whether the errors are no more than those at the start of the action. A file that had none
+/// before the last run has more than that.
+bool no_more_errors_than(const Before& at_entry, const Before& before, const CheckResult& after) {
+    return before.errors && after.CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS <= at_entry.count;
 }
 
 }  // namespace
@@ -130,12 +113,13 @@ Guarded A_X(Run& run, int n) {
         // A run without a dialog leaves the answer of the run before.
         if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
         times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
-        if (const PathAction* action = path_action(n)) return {path_holds(*action), last_answer};
+        if (const FieldEditor* field = path_field(n)) return {path_holds(*field), last_answer};
 
-        const Verdict verdict = verdict_after(before);
-        if (verdict == Verdict::NOT_CHECKED) return {0, last_answer};
-        if (verdict == Verdict::GOOD_ENOUGH) return {1, last_answer};
-        if (times_unchanged >= TIMES_LEFT_UNCHANGED && no_more_errors_than(at_entry, before)) {
+        const auto after = perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS);
+        if (!after) return {0, last_answer};
+        if (is_good_enough(*after, before)) return {1, last_answer};
+        if (times_unchanged >= TIMES_LEFT_UNCHANGED &&
+            no_more_errors_than(at_entry, before, *after)) {
             return {1, last_answer};
         }
         advise_wait(AX_MSG);

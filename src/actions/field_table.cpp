@@ -64,6 +64,7 @@ constexpr FieldKind PARENT = {
         },
     .ask_for = typed_value,
     .is_ok = region_parent_is_ok,
+    .names_a_path = true,
     .field_name =
         [](const FieldEditor& editor) { return filled(PARENT_FIELD_NAME, editor.subject); },
     .depot_entry = PARENT_ENTRY,
@@ -77,6 +78,7 @@ constexpr FieldKind NOTIFY = {
         },
     .ask_for = typed_value,
     .is_ok = region_notify_is_ok,
+    .names_a_path = true,
     .field_name =
         [](const FieldEditor& editor) { return filled(NOTIFY_FIELD_NAME, editor.subject); },
     .depot_entry = NOTIFY_ENTRY,

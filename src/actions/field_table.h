@@ -34,6 +34,8 @@ struct FieldKind {
                        const std::string& current);
     /// Typed values: whether the value may stand in the field.
     Validity (*is_ok)(const std::string& value, const std::string& os) = nullptr;
+    /// Whether the value is the path of a file outside the gatebits file.
+    bool names_a_path = false;
     /// The field's name in confirmations.
     std::string (*field_name)(const FieldEditor& editor);
     /// What the field cannot do without a depot for, and the words that lead back from there;

@@ -35,28 +35,30 @@ bool done_in_the_end(Repeated step) {
 
 /// What the checker says of the file in use, in words; empty when it could not be run.
 std::string verdict_on_new_file() {
-    if (perform_cbfile_only_check(CHECK_ERRORS) == 0) return "";
+    const auto check = perform_cbfile_only_check(CHECK_ERRORS);
+    if (!check) return "";
     const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
-    return CURRENT_GATEBITS_FILE_HAS_ERRORS ? filled(LOADED_WITH_ERRORS, file)
-                                            : filled(LOADED_WITHOUT_ERRORS, file);
+    return check->CURRENT_GATEBITS_FILE_HAS_ERRORS ? filled(LOADED_WITH_ERRORS, file)
+                                                   : filled(LOADED_WITHOUT_ERRORS, file);
 }
 
 Step switch_file() {
-    if (select_cb_file(PROMPT_06) == 0) return Step::GIVEN_UP;
-    if (!this_file_exists(POSSIBLE_FILE)) return again_if_wished(RETRY_SWITCH);
-    ENTERPRIZE_PERMISSION_FILE = POSSIBLE_FILE;
+    const auto chosen = select_cb_file(PROMPT_06);
+    if (!chosen) return Step::GIVEN_UP;
+    if (!this_file_exists(*chosen)) return again_if_wished(RETRY_SWITCH);
+    ENTERPRIZE_PERMISSION_FILE = *chosen;
     const std::string verdict = verdict_on_new_file();
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(verdict);
     return Step::DONE;
 }
 
-Step use_existing_or_again() {
+Step use_existing_or_again(const std::string& path) {
     switch (ask(NEW_OR_EXISTING, "yes", "yes,no,abort")) {
         case YES:
             return Step::AGAIN;
         case NO:
-            ENTERPRIZE_PERMISSION_FILE = POSSIBLE_FILE;
+            ENTERPRIZE_PERMISSION_FILE = path;
             return Step::DONE;
         default:
             return Step::GIVEN_UP;
@@ -87,48 +89,58 @@ void use_file(const std::string& path) {
 }
 
 Step create_file(Run& run) {
-    if (select_cb_file(PROMPT_05) == 0) return Step::GIVEN_UP;
-    if (this_file_exists(POSSIBLE_FILE)) return use_existing_or_again();
-    switch (create_gatebits_file(POSSIBLE_FILE, text_of_new_file())) {
+    const auto chosen = select_cb_file(PROMPT_05);
+    if (!chosen) return Step::GIVEN_UP;
+    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen);
+    switch (create_gatebits_file(*chosen, text_of_new_file())) {
         case NewFile::EXISTS:
-            return use_existing_or_again();
+            return use_existing_or_again(*chosen);
         case NewFile::NOT_CREATED:
             return again_if_wished(RETRY_LOCATION);
         case NewFile::CREATED:
             break;
     }
-    use_file(POSSIBLE_FILE);
+    use_file(*chosen);
     offer_the_walks(run);
     return Step::DONE;
 }
 
-Step choose_source() {
-    if (select_cb_file(PROMPT_04) == 0) return Step::GIVEN_UP;
-    return this_file_exists(POSSIBLE_FILE) ? Step::DONE : again_if_wished(RETRY_SOURCE);
+/// Each of them leaves its choice in `*path`.
+
+Step choose_source(std::string* path) {
+    const auto chosen = select_cb_file(PROMPT_04);
+    if (!chosen) return Step::GIVEN_UP;
+    *path = *chosen;
+    return this_file_exists(*path) ? Step::DONE : again_if_wished(RETRY_SOURCE);
 }
 
-Step choose_destination() {
-    if (select_cb_file(PROMPT_03) == 0) return Step::GIVEN_UP;
-    return this_file_exists(POSSIBLE_FILE) ? again_if_wished(RETRY_DESTINATION) : Step::DONE;
+Step choose_destination(std::string* path) {
+    const auto chosen = select_cb_file(PROMPT_03);
+    if (!chosen) return Step::GIVEN_UP;
+    *path = *chosen;
+    return this_file_exists(*path) ? again_if_wished(RETRY_DESTINATION) : Step::DONE;
 }
 
 /// The whole action but its refusal: it starts over from the source when the destination cannot be
 /// created.
 Step copy_the_file() {
-    if (!done_in_the_end(choose_source)) return Step::GIVEN_UP;
-    const std::string source = POSSIBLE_FILE;
+    std::string source;
+    std::string destination;
+    if (!done_in_the_end([&] { return choose_source(&source); })) return Step::GIVEN_UP;
     use_file(source);
     NewFile created = NewFile::EXISTS;
     while (created == NewFile::EXISTS) {
-        if (!done_in_the_end(choose_destination)) return Step::GIVEN_UP;
-        created = create_gatebits_file(POSSIBLE_FILE, bytes_to_copy(source, POSSIBLE_FILE));
+        if (!done_in_the_end([&] { return choose_destination(&destination); })) {
+            return Step::GIVEN_UP;
+        }
+        created = create_gatebits_file(destination, bytes_to_copy(source, destination));
         // Somebody may have put a file there since it was looked for.
         if (created == NewFile::EXISTS && again_if_wished(RETRY_DESTINATION) == Step::GIVEN_UP) {
             return Step::GIVEN_UP;
         }
     }
     if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
-    use_file(POSSIBLE_FILE);
+    use_file(destination);
     const std::string verdict = verdict_on_new_file();
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(

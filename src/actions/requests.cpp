@@ -27,6 +27,10 @@ template <LastAnswer (*action)()>
 LastAnswer alone(Run&, const Request&) {
     return action();
 }
+template <auto action>
+LastAnswer with_aliases(Run& run, const Request&) {
+    return action(run.aliases);
+}
 /// The editor of the field of the region block that has the request's number.
 LastAnswer field(Run&, const Request& request) {
     return edit_field(request.number).last_answer;
@@ -86,10 +90,10 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 14, A14, nullptr, field, true, true, NO, YES},
     {ACTION, 15, A15, nullptr, field, false, true, NO, YES},
     {ACTION, 16, A16, nullptr, field, true, true, NO, YES},
-    {ACTION, 17, A17, nullptr, alone<A_17>, true, true, NO, YES},
-    {ACTION, 18, A18, nullptr, alone<A_18>, false, true, NO, YES},
-    {ACTION, 19, A19, nullptr, alone<A_19>, false, true, NO, YES},
-    {ACTION, 20, A20, nullptr, alone<A_20>, true, true, NO, YES},
+    {ACTION, 17, A17, nullptr, with_aliases<A_17>, true, true, NO, YES},
+    {ACTION, 18, A18, nullptr, with_aliases<A_18>, false, true, NO, YES},
+    {ACTION, 19, A19, nullptr, with_aliases<A_19>, false, true, NO, YES},
+    {ACTION, 20, A20, nullptr, with_aliases<A_20>, true, true, NO, YES},
     {ACTION, 21, A21, nullptr, alone<A_21>, true, true, NO, APART},
     {ACTION, 22, A22, nullptr, alone<A_22>, true, true, NO, YES},
     {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},

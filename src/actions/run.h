@@ -4,6 +4,7 @@
 #include <string>
 
 #include "base/options.h"
+#include "policy/aliases.h"
 
 /// Menus by number.
 inline constexpr int MAIN_MENU = 1;
@@ -15,6 +16,8 @@ struct Run {
     const Options& options;
     /// The menu to be shown next. Set by the main loop and by A_2.
     int chapter = MAIN_MENU;
+    /// As the last action on aliases found them; their count is not forgotten in between.
+    Aliases aliases = {};
 };
 
 /// What the operator answered last while a request ran: empty when a dialog was left without an

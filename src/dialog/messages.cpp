@@ -12,8 +12,6 @@
 
 int ZUL_PREFER_GUI = 1;
 int ZUL_REMOTE_CLIENT_USER = 0;
-int JUST_CHECKING = 0;
-int JUST_CHECKING_ERROR_ONLY = 0;
 
 namespace {
 
@@ -52,7 +50,6 @@ Answer decoded_status(int status) {
 }  // namespace
 
 void gripe(const std::string& message) {
-    if (JUST_CHECKING == 1 && JUST_CHECKING_ERROR_ONLY != 1) clean_exit(99);
     if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
                           quoted(message).c_str()),
@@ -107,7 +104,6 @@ Answer ask(const std::string& message, const char* def, const char* mask) {
 }
 
 void print_stdout(const std::string& text) {
-    if (JUST_CHECKING == 1) return;
     const std::string_view rest = c_text(text);
     std::string printed;
     for (std::size_t i = 0; i < rest.size(); ++i) {

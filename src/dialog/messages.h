@@ -4,14 +4,13 @@
 
 // Messages and questions: every word to the operator that needs no more than a button.
 
-/// 1: clearprompt dialogs; 0: standard output. Set by clean_start; read here.
+// How the operator is talked to: the same in every function that has something to say, and settled
+// by clean_start before anybody has; so these two are the process's.
+
+/// 1: clearprompt dialogs; 0: standard output.
 extern int ZUL_PREFER_GUI;
-/// 1 makes advise wait for its dialog. Set by clean_start; read here.
+/// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
-/// With JUST_CHECKING nothing is printed and gripe is silent unless JUST_CHECKING_ERROR_ONLY;
-/// nobody in this program sets them.
-extern int JUST_CHECKING;
-extern int JUST_CHECKING_ERROR_ONLY;
 
 /// What ask returns.
 enum Answer { YES = 0, NO = 1, ABORT = 2 };

@@ -14,10 +14,6 @@
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 
-std::array<std::string, MAX_ALIASES> ALIAS_NAME;
-std::array<std::string, MAX_ALIASES> ALIAS;
-std::uint8_t number_of_aliases = 0;
-
 namespace {
 
 bool is_alias_line(std::string_view line) {
@@ -119,11 +115,12 @@ std::string alias_line(const std::string& name, const std::string& value) {
 }
 
 /// What the tables, and so the operator, know of the alias.
-std::optional<std::string> value_shown(const std::string& name) {
-    const auto end = ALIAS_NAME.begin() + number_of_aliases;
-    const auto found = std::find(ALIAS_NAME.begin(), end, name);
+std::optional<std::string> value_shown(const std::string& name, const Aliases& aliases) {
+    const auto begin = aliases.ALIAS_NAME.begin();
+    const auto end = begin + aliases.number_of_aliases;
+    const auto found = std::find(begin, end, name);
     if (name.empty() || found == end) return std::nullopt;
-    return ALIAS[static_cast<std::size_t>(found - ALIAS_NAME.begin())];
+    return aliases.ALIAS[static_cast<std::size_t>(found - begin)];
 }
 
 /// The alias lines of the new file.
@@ -217,27 +214,27 @@ std::string report_of(const Change& change, int count) {
 
 }  // namespace
 
-int build_alias_list() {
+int build_alias_list(Aliases* aliases) {
     const AliasesRead read = aliases_in(read_gatebits_lines());
-    ALIAS_NAME.fill("");
-    ALIAS.fill("");
+    aliases->ALIAS_NAME.fill("");
+    aliases->ALIAS.fill("");
     for (std::size_t i = 0; i < read.definitions.size(); ++i) {
-        ALIAS_NAME[i] = read.definitions[i].name;
-        ALIAS[i] = read.definitions[i].value;
-        number_of_aliases = static_cast<std::uint8_t>(i + 1);
+        aliases->ALIAS_NAME[i] = read.definitions[i].name;
+        aliases->ALIAS[i] = read.definitions[i].value;
+        aliases->number_of_aliases = static_cast<std::uint8_t>(i + 1);
     }
     if (!read.fault.empty()) advise(read.fault);
-    return number_of_aliases;
+    return aliases->number_of_aliases;
 }
 
 ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
-                                        const std::string& value) {
+                                        const std::string& value, const Aliases& shown) {
     const Change change = change_for(mode, name, value);
     int count = 0;
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
     change_gatebits_lines([&](std::vector<std::string>* lines) {
         const AliasesRead now = aliases_in(*lines);
-        if (value_of(name, now.definitions) != value_shown(name)) return false;
+        if (value_of(name, now.definitions) != value_shown(name, shown)) return false;
         std::vector<std::string> changed = alias_lines_after(change, now.definitions);
         count = append_other_lines(change, *lines, now.lines, &changed);
         *lines = changed;

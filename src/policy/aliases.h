@@ -15,16 +15,19 @@ inline constexpr int MAX_ALIAS_VALUE = 256;
 inline constexpr char VALID_ALIAS_NAME_CHAR[] =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789";
 
-/// Names and values of the aliases, in the order of the file. Set by build_alias_list.
-extern std::array<std::string, MAX_ALIASES> ALIAS_NAME;
-extern std::array<std::string, MAX_ALIASES> ALIAS;
-/// Entries in use. A file without any alias leaves the count of the file before it, with empty
-/// names, so a reader of the tables passes over entries with an empty name.
-extern std::uint8_t number_of_aliases;
+/// The aliases of the gatebits file in use.
+struct Aliases {
+    /// Names and values, in the order of the file.
+    std::array<std::string, MAX_ALIASES> ALIAS_NAME;
+    std::array<std::string, MAX_ALIASES> ALIAS;
+    /// Entries in use. A file without any alias leaves the count of the file before it, with empty
+    /// names, so a reader of the tables passes over entries with an empty name.
+    std::uint8_t number_of_aliases = 0;
+};
 
-/// Fills the tables from the gatebits file and returns number_of_aliases. The first alias line
+/// Fills the tables anew from the gatebits file and returns number_of_aliases. The first alias line
 /// with a fault is shown to the operator and ends the reading; what was read before it stays.
-int build_alias_list();
+int build_alias_list(Aliases* aliases);
 
 /// Modes of add_change_remove_an_alias.
 inline constexpr char ADD_ALIAS = 'A';
@@ -45,4 +48,4 @@ inline constexpr char DEFINITION_ONLY[] = " ";
 ///   REMOVE_ALIAS_REFERENCES  definitions stay, references go; `name` begins with its "~"
 /// Any other mode gripes.
 ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
-                                        const std::string& value);
+                                        const std::string& value, const Aliases& shown);

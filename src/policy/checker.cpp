@@ -15,9 +15,6 @@
 #include "policy/tool_variables.h"
 
 std::string EMERGENCY_CHECKER;
-int CURRENT_GATEBITS_FILE_HAS_ERRORS = 0;
-int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
-int PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
 
 namespace {
 
@@ -59,19 +56,15 @@ std::string checker_command(const char* word) {
                   one_argument(ENTERPRIZE_PERMISSION_FILE).c_str(), word);
 }
 
-int perform_cbfile_only_check(char mode) {
+std::optional<CheckResult> perform_cbfile_only_check(char mode) {
     const char* word = option_word(mode);
     const bool found = find_checker();
     const std::string& checker = GS_VAR[UNIX_CHECKER];
     if (!found) {
         advise_wait(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
                            ENTERPRIZE_NAME.c_str()));
-        return 0;
+        return std::nullopt;
     }
-    if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
     const int status = run_in_shell(checker_command(word));
-    CURRENT_GATEBITS_FILE_HAS_ERRORS = status != 0 ? 1 : 0;
-    PENDING_GATEBITS_CHANGE_TO_VERIFY = 0;
-    if (mode == CHECK_COUNT) CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = status;
-    return 1;
+    return CheckResult{status != 0, mode == CHECK_COUNT ? status : 0};
 }

@@ -1,17 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 // The policy engine's own checker, run on the gatebits file in use.
 
 /// Where to look for the checker when the gatebits file names none that exists. Set at start-up.
 extern std::string EMERGENCY_CHECKER;
-/// 1 when the last run found errors, else 0.
-extern int CURRENT_GATEBITS_FILE_HAS_ERRORS;
-/// The shell's status of the last counting run, undivided; 0: no errors.
-extern int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
-/// Cleared by every run.
-extern int PENDING_GATEBITS_CHANGE_TO_VERIFY;
 
 /// What a checker run is asked for.
 inline constexpr char CHECK_ERRORS = 'E';
@@ -34,6 +29,13 @@ bool find_checker();
 /// with `word` as its option.
 std::string checker_command(const char* word);
 
-/// Runs the checker in one of the three modes. 1 when it was run; 0, after telling the operator,
-/// when it could not be found. Any other mode gripes.
-int perform_cbfile_only_check(char mode);
+/// What a checker run says of the gatebits file.
+struct CheckResult {
+    bool CURRENT_GATEBITS_FILE_HAS_ERRORS = false;
+    /// The shell's status, undivided, of a counting run; 0: no errors.
+    int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
+};
+
+/// Runs the checker in one of the three modes. Nothing, after telling the operator, when it could
+/// not be found. Any other mode gripes.
+std::optional<CheckResult> perform_cbfile_only_check(char mode);

@@ -9,8 +9,6 @@
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 
-std::string POSSIBLE_FILE;
-
 namespace {
 
 /// The option that makes the dialog start where the gatebits file in use is; a blank when that is
@@ -24,15 +22,14 @@ std::string directory_option() {
 
 }  // namespace
 
-int select_cb_file(const std::string& prompt_text) {
+std::optional<std::string> select_cb_file(const std::string& prompt_text) {
     const std::string DEF_OR_NO = " ";
     const std::string DIR_OR_NO = directory_option();
     const AnswerFile answer(t_file_name());
     run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
                       DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
                prompt_text, NOT_ASKED_SO_CANCELLED);
-    const std::string chosen = words_joined(answer.content().value_or(""));
-    if (chosen.empty()) return 0;
-    POSSIBLE_FILE = chosen;
-    return 1;
+    std::string POSSIBLE_FILE = words_joined(answer.content().value_or(""));
+    if (POSSIBLE_FILE.empty()) return std::nullopt;
+    return POSSIBLE_FILE;
 }

@@ -99,12 +99,6 @@ Validity name_characters(const Check&, const Entered& entered) {
                                                                  : Validity(ALIAS_NAME_CHARACTERS);
 }
 
-Validity name_is_free(const Check&, const Entered& entered) {
-    const auto end = ALIAS_NAME.begin() + number_of_aliases;
-    if (std::find(ALIAS_NAME.begin(), end, entered.value) == end) return accepted();
-    return filled(ALIAS_NAME_EXISTS, entered.value.c_str());
-}
-
 constexpr Check DEPOT_CHECKS[] = {
     {length, DEPOT_SIZE_ITEM, "", MAX_FIELD_VALUE},
     {path_characters, DEPOT_ITEM, DIRECTORY_KIND},
@@ -144,7 +138,6 @@ constexpr Check ALIAS_NAME_CHECKS[] = {
     {emptiness, ALIAS_NAME_EMPTY},
     {length, ALIAS_NAME_ITEM, "", MAX_ALIAS_NAME},
     {name_characters},
-    {name_is_free},
 };
 
 Validity first_rejection(std::span<const Check> checks, const std::string& value,
@@ -219,6 +212,11 @@ Validity alias_value_is_ok(const std::string& value) {
     return first_rejection(ALIAS_VALUE_CHECKS, value);
 }
 
-Validity alias_name_is_ok(const std::string& name) {
-    return first_rejection(ALIAS_NAME_CHECKS, name);
+Validity alias_name_is_ok(const std::string& name, const Aliases& others) {
+    const Validity by_itself = first_rejection(ALIAS_NAME_CHECKS, name);
+    if (!by_itself.accepted()) return by_itself;
+    const auto begin = others.ALIAS_NAME.begin();
+    const auto end = begin + others.number_of_aliases;
+    if (std::find(begin, end, std::string(c_text(name))) == end) return accepted();
+    return filled(ALIAS_NAME_EXISTS, name.c_str());
 }

@@ -3,6 +3,8 @@
 #include <string>
 #include <utility>
 
+#include "policy/aliases.h"
+
 // Whether what the operator entered may stand in its field. Lengths are in bytes. An `os` is the
 // name of the field's column; paths of the other system are checked by their form only.
 
@@ -41,5 +43,5 @@ Validity region_list_is_ok(const std::string& value);
 Validity region_MOTD_is_ok(const std::string& value);
 Validity region_MOTDL_is_ok(const std::string& value);
 Validity alias_value_is_ok(const std::string& value);
-/// Needs fresh alias tables (build_alias_list).
-Validity alias_name_is_ok(const std::string& name);
+/// Whether the name may be that of a new alias beside the `others`.
+Validity alias_name_is_ok(const std::string& name, const Aliases& others);

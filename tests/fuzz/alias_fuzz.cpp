@@ -37,19 +37,22 @@ bool are_among(const std::vector<std::string>& some, const std::vector<std::stri
 }
 
 /// A name from the tables, or any.
-std::string some_name(FuzzedDataProvider& data) {
-    if (number_of_aliases == 0 || data.ConsumeBool()) return data.ConsumeRandomLengthString(60);
-    return ALIAS_NAME[data.ConsumeIntegralInRange<std::size_t>(0, number_of_aliases - 1U)];
+std::string some_name(FuzzedDataProvider& data, const Aliases& aliases) {
+    if (aliases.number_of_aliases == 0 || data.ConsumeBool())
+        return data.ConsumeRandomLengthString(60);
+    return aliases
+        .ALIAS_NAME[data.ConsumeIntegralInRange<std::size_t>(0, aliases.number_of_aliases - 1U)];
 }
 
 std::string some_value(FuzzedDataProvider& data) {
     return data.ConsumeBool() ? REFERENCES_TOO : data.ConsumeRandomLengthString(300);
 }
 
-void change_an_alias(FuzzedDataProvider& data) {
+void change_an_alias(FuzzedDataProvider& data, const Aliases& aliases) {
     const char mode = data.PickValueInArray(MODES);
-    const std::string name = (mode == REMOVE_ALIAS_REFERENCES ? "~" : "") + some_name(data);
-    add_change_remove_an_alias(mode, name, some_value(data));
+    const std::string name =
+        (mode == REMOVE_ALIAS_REFERENCES ? "~" : "") + some_name(data, aliases);
+    add_change_remove_an_alias(mode, name, some_value(data), aliases);
 }
 
 }  // namespace
@@ -57,14 +60,14 @@ void change_an_alias(FuzzedDataProvider& data) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
     answer_dialogs_from(nullptr);
-    number_of_aliases = 0;
+    Aliases aliases;
     use_gatebits(data.ConsumeRandomLengthString());
     for (int changes = data.ConsumeIntegralInRange(1, 3); changes > 0; --changes) {
-        if (until_the_end([] { build_alias_list(); }) != -1) return 0;
-        must(number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
+        if (until_the_end([&] { build_alias_list(&aliases); }) != -1) return 0;
+        must(aliases.number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
         const std::string old_bytes = gatebits();
         const std::vector<std::string> old_comments = comments();
-        if (until_the_end([&] { change_an_alias(data); }) != -1) {
+        if (until_the_end([&] { change_an_alias(data, aliases); }) != -1) {
             must(gatebits() == old_bytes, "a refused write changes nothing");
             continue;
         }

@@ -43,7 +43,7 @@ void run_a_dialog(FuzzedDataProvider& data) {
             }
             break;
         case 4:
-            if (select_cb_file(text) == 1) must_be_words(POSSIBLE_FILE);
+            if (const auto file = select_cb_file(text)) must_be_words(*file);
             break;
         case 5:
             must(ask(text, "no", nullptr) <= ABORT, "an answer has a name");

@@ -111,17 +111,6 @@ TEST_F(MessagesDeathTest, GripePrintsItsMessageAsAFormatWithoutArguments) {
     EXPECT_GRIPE(gripe("100% of 50%% %s %n"), "100% of 50% %s %n");
 }
 
-TEST_F(MessagesDeathTest, AJustCheckingGripeSaysNothing) {
-    EXPECT_EXIT(
-        {
-            ZUL_PREFER_GUI = 0;
-            JUST_CHECKING = 1;
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            gripe("x");
-        },
-        testing::ExitedWithCode(99), testing::Eq(""));
-}
-
 TEST_F(MessagesWithoutDialogs, MessagesArePrinted) {
     EXPECT_EQ(printed([] { advise("one"); }), "one\n");
     EXPECT_EQ(printed([] { advise_wait("two\\n"); }), "two\\n\n");
@@ -153,12 +142,6 @@ TEST_F(MessagesWithoutDialogs, TextIsAFormatWithoutArguments) {
     EXPECT_EQ(printed([] { print_stdout("%%%d%%%"); }), "%%d%%");
     EXPECT_EQ(printed([] { print_stdout("%s%n%*d\n"); }), "%s%n%*d\n");
     EXPECT_EQ(printed([] { print_stdout(std::string("a\0b", 3)); }), "a");
-}
-
-TEST_F(MessagesWithoutDialogs, NothingIsPrintedWhileJustChecking) {
-    JUST_CHECKING = 1;
-    EXPECT_EQ(printed([] { print_stdout("x"); }), "");
-    JUST_CHECKING = 0;
 }
 
 TEST(Quoting, LeavesTheTextAsItIs) {

@@ -12,40 +12,40 @@ std::string alias_line(const std::string& name, const std::string& value) {
     return "#!gatewarden_alias " + name + " " + value + "\n";
 }
 
-class Aliases : public ScratchRegion {
+class AliasTables : public ScratchRegion {
   protected:
-    Aliases() {
-        number_of_aliases = 0;
-        ALIAS_NAME.fill("");
-        ALIAS.fill("");
-    }
+    Aliases aliases;
+    const std::array<std::string, MAX_ALIASES>& ALIAS_NAME = aliases.ALIAS_NAME;
+    const std::array<std::string, MAX_ALIASES>& ALIAS = aliases.ALIAS;
+    const std::uint8_t& number_of_aliases = aliases.number_of_aliases;
 
     /// Builds the list in silence.
-    static int built() {
+    int built() {
         int count = -1;
-        EXPECT_EQ(printed_by([&] { count = build_alias_list(); }), "");
+        EXPECT_EQ(printed_by([&] { count = build_alias_list(&aliases); }), "");
         return count;
     }
 
     /// What a fault in `line`, behind one good alias, makes the operator read.
     std::string fault(const std::string& line) {
         gatebits_are(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
-        const std::string said = printed_by([] { EXPECT_EQ(build_alias_list(), 1); });
+        const std::string said = printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 1); });
         EXPECT_EQ(ALIAS_NAME[0], "good");
         EXPECT_EQ(ALIAS_NAME[1], "");
         return said;
     }
 
     /// Builds the list, runs a change and returns what it said.
-    static std::string said_by(char mode, const std::string& name, const std::string& value) {
-        build_alias_list();
+    std::string said_by(char mode, const std::string& name, const std::string& value) {
+        build_alias_list(&aliases);
         return printed_by([&] {
-            EXPECT_EQ(add_change_remove_an_alias(mode, name, value), ChangeResult::WRITTEN);
+            EXPECT_EQ(add_change_remove_an_alias(mode, name, value, aliases),
+                      ChangeResult::WRITTEN);
         });
     }
 };
 
-TEST_F(Aliases, AreReadInOrderFromAnywhereInTheFile) {
+TEST_F(AliasTables, AreReadInOrderFromAnywhereInTheFile) {
     gatebits_are("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK +
                  alias_line("Two_2", "second"));
     EXPECT_EQ(built(), 2);
@@ -57,7 +57,7 @@ TEST_F(Aliases, AreReadInOrderFromAnywhereInTheFile) {
     EXPECT_EQ(number_of_aliases, 2);
 }
 
-TEST_F(Aliases, HeaderWithoutABlankIsAComment) {
+TEST_F(AliasTables, HeaderWithoutABlankIsAComment) {
     gatebits_are("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(said_by('A', "n", "v"), "");
@@ -65,13 +65,13 @@ TEST_F(Aliases, HeaderWithoutABlankIsAComment) {
                               "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
 }
 
-TEST_F(Aliases, LineWithNothingBehindTheMarkerIsSkipped) {
+TEST_F(AliasTables, LineWithNothingBehindTheMarkerIsSkipped) {
     gatebits_are("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "a");
 }
 
-TEST_F(Aliases, NameWithoutAValueComesBackWithOneBlank) {
+TEST_F(AliasTables, NameWithoutAValueComesBackWithOneBlank) {
     gatebits_are("#!gatewarden_alias empty\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "empty");
@@ -80,7 +80,7 @@ TEST_F(Aliases, NameWithoutAValueComesBackWithOneBlank) {
     EXPECT_EQ(gatebits(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
 }
 
-TEST_F(Aliases, RunsOfBlanksInAValueBecomeOneBlank) {
+TEST_F(AliasTables, RunsOfBlanksInAValueBecomeOneBlank) {
     gatebits_are("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS[0], "x y z");
@@ -88,7 +88,7 @@ TEST_F(Aliases, RunsOfBlanksInAValueBecomeOneBlank) {
     EXPECT_EQ(gatebits(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
 }
 
-TEST_F(Aliases, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
+TEST_F(AliasTables, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
     const std::string fifty(50, 'n');
     gatebits_are(alias_line(fifty, "x") + BLOCK);
     EXPECT_EQ(built(), 1);
@@ -98,13 +98,13 @@ TEST_F(Aliases, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
         "ERROR: read alias name exceeds 50 characters: #!gatewarden_alias " + fifty + "n x\n\n");
 }
 
-TEST_F(Aliases, InvalidCharacterInANameEndsTheReading) {
+TEST_F(AliasTables, InvalidCharacterInANameEndsTheReading) {
     EXPECT_EQ(fault("#!gatewarden_alias a-b x"),
               "ERROR: read invalid alias name (#!gatewarden_alias a-b x).  Alias names must be "
               "made up of [a..z,A..Z,_,0..9] only.\n");
 }
 
-TEST_F(Aliases, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
+TEST_F(AliasTables, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
     EXPECT_EQ(fault("#!gatewarden_alias good z"),
               "ERROR: read alias name (#!gatewarden_alias good z) is a duplicate of another alias "
               "name.  Alias names must be unique.\n\n");
@@ -112,7 +112,7 @@ TEST_F(Aliases, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
     EXPECT_EQ(built(), 2);
 }
 
-TEST_F(Aliases, ValueOf256CharactersIsReadAndOf257IsNot) {
+TEST_F(AliasTables, ValueOf256CharactersIsReadAndOf257IsNot) {
     const std::string value = std::string(128, 'v') + " " + std::string(127, 'w');
     gatebits_are(alias_line("a", value) + BLOCK);
     EXPECT_EQ(built(), 1);
@@ -122,17 +122,17 @@ TEST_F(Aliases, ValueOf256CharactersIsReadAndOf257IsNot) {
         "ERROR: read alias value exceeds 256 characters: #!gatewarden_alias a " + value + "w\n\n");
 }
 
-TEST_F(Aliases, TheEightyFirstEndsTheReading) {
+TEST_F(AliasTables, TheEightyFirstEndsTheReading) {
     std::string text;
     for (int i = 1; i <= 80; ++i) text += alias_line("a" + std::to_string(i), "v");
     gatebits_are(text + "  #!gatewarden_alias last one\n" + BLOCK);
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(build_alias_list(), 80); }),
+    EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 80); }),
               "ERROR: read alias exceeds max of 80 alias definitions: #!gatewarden_alias last "
               "one\n\n");
     EXPECT_EQ(ALIAS_NAME[79], "a80");
 }
 
-TEST_F(Aliases, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
+TEST_F(AliasTables, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
     gatebits_are(alias_line("only", "x") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(said_by('R', "only", " "), "The alias definition for ( only ) was removed..\n\n\n");
@@ -141,7 +141,7 @@ TEST_F(Aliases, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
     EXPECT_EQ(ALIAS_NAME[0], "");
 }
 
-TEST_F(Aliases, EntriesWithoutANameAreNotWritten) {
+TEST_F(AliasTables, EntriesWithoutANameAreNotWritten) {
     gatebits_are(alias_line("only", "x") + BLOCK);
     said_by('R', "only", " ");
     EXPECT_EQ(gatebits(), BLOCK);
@@ -149,7 +149,7 @@ TEST_F(Aliases, EntriesWithoutANameAreNotWritten) {
     EXPECT_EQ(gatebits(), alias_line("new", "y") + BLOCK);
 }
 
-TEST_F(Aliases, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
+TEST_F(AliasTables, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
     gatebits_are("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
                  "key;\n  #!gatewarden_alias a  1\n# end\n");
     said_by('A', "c", "3");
@@ -157,14 +157,14 @@ TEST_F(Aliases, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
                               "#!gatescope_unix_browser=b\n# c\n" + BLOCK + "key;\n# end\n");
 }
 
-TEST_F(Aliases, ChangeKeepsTheOrderAndTheReferences) {
+TEST_F(AliasTables, ChangeKeepsTheOrderAndTheReferences) {
     const std::string keys = "k;~b ;\nk;~bc;~b;\n";
     gatebits_are(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
     EXPECT_EQ(said_by('C', "b", "new value"), "");
     EXPECT_EQ(gatebits(), alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
 }
 
-TEST_F(Aliases, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
+TEST_F(AliasTables, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
     setenv("ZUL_GATESCOPE_VERBOSITY", "", 1);
     gatebits_are(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('C', "b", "3"), "The alias definition for ~b was changed..\n\n\n");
@@ -178,7 +178,7 @@ TEST_F(Aliases, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
               "effected.\n");
 }
 
-TEST_F(Aliases, RemovalOfTheDefinitionCountsWhatStillRefers) {
+TEST_F(AliasTables, RemovalOfTheDefinitionCountsWhatStillRefers) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
     gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;\n");
     EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 1 ~b alias reference still exists.\n");
@@ -189,7 +189,7 @@ TEST_F(Aliases, RemovalOfTheDefinitionCountsWhatStillRefers) {
     EXPECT_EQ(said_by('R', "b", " "), start + "\n");
 }
 
-TEST_F(Aliases, RemovalWithReferencesReportsThem) {
+TEST_F(AliasTables, RemovalWithReferencesReportsThem) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
     gatebits_are(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('R', "b", "~"), start + "No ~b alias references were found to remove.\n");
@@ -201,7 +201,7 @@ TEST_F(Aliases, RemovalWithReferencesReportsThem) {
               start + "2 ~b alias references were found and also removed.\n");
 }
 
-TEST_F(Aliases, RemovalOfReferencesOnlyKeepsTheDefinition) {
+TEST_F(AliasTables, RemovalOfReferencesOnlyKeepsTheDefinition) {
     gatebits_are(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('r', "~b", " "), "No ~b alias references were found to remove.\n");
     gatebits_are(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
@@ -212,7 +212,7 @@ TEST_F(Aliases, RemovalOfReferencesOnlyKeepsTheDefinition) {
     EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "k;;\n");
 }
 
-TEST_F(Aliases, ReferencesEndInABlankOrASemicolon) {
+TEST_F(AliasTables, ReferencesEndInABlankOrASemicolon) {
     gatebits_are(alias_line("b", "2") + BLOCK +
                  "between;one ~b two;\n"
                  "alone;~b;\n"
@@ -234,36 +234,36 @@ TEST_F(Aliases, ReferencesEndInABlankOrASemicolon) {
                               "at the end ~b\n");
 }
 
-TEST_F(Aliases, ALineThatHeldOnlyAReferenceIsLeftBlank) {
+TEST_F(AliasTables, ALineThatHeldOnlyAReferenceIsLeftBlank) {
     gatebits_are(alias_line("b", "2") + BLOCK + "~b \nk;\n");
     EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
     EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
 }
 
-TEST_F(Aliases, LinesBehindAFaultyOneAreNotLost) {
+TEST_F(AliasTables, LinesBehindAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
     gatebits_are(alias_line("good", "x") + BLOCK + rest);
-    printed_by([] { build_alias_list(); });
-    EXPECT_EQ(printed_by([] { add_change_remove_an_alias('A', "new", "z"); }), "");
+    printed_by([this] { build_alias_list(&aliases); });
+    EXPECT_EQ(printed_by([this] { add_change_remove_an_alias('A', "new", "z", aliases); }), "");
     EXPECT_EQ(gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
 }
 
-TEST_F(Aliases, WhatAnotherProcessHasDefinedMeanwhileStays) {
+TEST_F(AliasTables, WhatAnotherProcessHasDefinedMeanwhileStays) {
     gatebits_are(alias_line("a", "1") + BLOCK);
     built();
     gatebits_are(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
-    printed_by([] { add_change_remove_an_alias(ADD_ALIAS, "ours", "3"); });
+    printed_by([this] { add_change_remove_an_alias(ADD_ALIAS, "ours", "3", aliases); });
     EXPECT_EQ(gatebits(),
               alias_line("a", "1") + alias_line("theirs", "2") + alias_line("ours", "3") + BLOCK);
 }
 
-TEST_F(Aliases, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
+TEST_F(AliasTables, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
     const auto changed = [this](char mode, const std::string& meanwhile) {
         gatebits_are(alias_line("a", "1") + BLOCK + "k;~a ;\n");
         built();
         gatebits_are(meanwhile + "\n" + BLOCK);
         EXPECT_EQ(printed_by([&] {
-                      EXPECT_EQ(add_change_remove_an_alias(mode, "a", REFERENCES_TOO),
+                      EXPECT_EQ(add_change_remove_an_alias(mode, "a", REFERENCES_TOO, aliases),
                                 ChangeResult::CHANGED_MEANWHILE);
                   }),
                   "");
@@ -276,14 +276,14 @@ TEST_F(Aliases, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
     gatebits_are(BLOCK);
     built();
     gatebits_are(alias_line("new", "theirs") + BLOCK);
-    EXPECT_EQ(add_change_remove_an_alias(ADD_ALIAS, "new", "ours"),
+    EXPECT_EQ(add_change_remove_an_alias(ADD_ALIAS, "new", "ours", aliases),
               ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(gatebits(), alias_line("new", "theirs") + BLOCK);
 }
 
-TEST_F(Aliases, AnUnknownModeIsAFaultAndWritesNothing) {
+TEST_F(AliasTables, AnUnknownModeIsAFaultAndWritesNothing) {
     gatebits_are(alias_line("a", "1") + BLOCK);
-    EXPECT_GRIPE(add_change_remove_an_alias('x', "a", ""),
+    EXPECT_GRIPE(add_change_remove_an_alias('x', "a", "", aliases),
                  "Internal Error: Inform ZUL: Unexpected case in "
                  "gatescope:add_change_remove_an_alias\n");
     EXPECT_EQ(gatebits(), alias_line("a", "1") + BLOCK);

@@ -43,7 +43,7 @@ TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
     EXPECT_EQ(verdict(region_MOTD_is_ok("")), "accepted");
     EXPECT_EQ(verdict(region_MOTDL_is_ok("")), "accepted");
     EXPECT_EQ(verdict(alias_value_is_ok("")), "RETRY: alias value is empty");
-    EXPECT_EQ(verdict(alias_name_is_ok("")), "RETRY: alias name is empty");
+    EXPECT_EQ(verdict(alias_name_is_ok("", {})), "RETRY: alias name is empty");
 }
 
 TEST_F(Validators, DepotOf256CharactersPassesAndOf257DoesNot) {
@@ -193,20 +193,20 @@ TEST_F(Validators, AliasValue) {
 }
 
 TEST_F(Validators, AliasName) {
-    number_of_aliases = 2;
-    ALIAS_NAME.fill("");
-    ALIAS_NAME[0] = "One";
-    ALIAS_NAME[1] = "Two";
-    ALIAS_NAME[2] = "stale";
-    EXPECT_EQ(verdict(alias_name_is_ok("some_Alias_09")), "accepted");
-    EXPECT_EQ(verdict(alias_name_is_ok(std::string(50, 'n'))), "accepted");
-    EXPECT_EQ(verdict(alias_name_is_ok("two")), "accepted");
-    EXPECT_EQ(verdict(alias_name_is_ok("stale")), "accepted");
-    EXPECT_EQ(verdict(alias_name_is_ok(std::string(51, '-'))),
+    Aliases aliases;
+    aliases.number_of_aliases = 2;
+    aliases.ALIAS_NAME[0] = "One";
+    aliases.ALIAS_NAME[1] = "Two";
+    aliases.ALIAS_NAME[2] = "stale";
+    EXPECT_EQ(verdict(alias_name_is_ok("some_Alias_09", aliases)), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok(std::string(50, 'n'), aliases)), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok("two", aliases)), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok("stale", aliases)), "accepted");
+    EXPECT_EQ(verdict(alias_name_is_ok(std::string(51, '-'), aliases)),
               "RETRY: alias name value exceeds 50 character max");
-    EXPECT_EQ(verdict(alias_name_is_ok("a-b")),
+    EXPECT_EQ(verdict(alias_name_is_ok("a-b", aliases)),
               "RETRY: alias names must only contain [a..z,A..Z,0..9,_]");
-    EXPECT_EQ(verdict(alias_name_is_ok("Two")),
+    EXPECT_EQ(verdict(alias_name_is_ok("Two", aliases)),
               "RETRY: alias name Two already exist.  You should edit that one or input another "
               "alias name");
 }
