@@ -84,7 +84,7 @@ Descriptor open_locked(const std::string& path, std::string* reason) {
     return Descriptor();
 }
 
-void make_log_public(int log) {
+bool make_log_public(int log) {
     const struct stat status = status_of(log);
-    if (status.st_nlink == 1 && (status.st_mode & 07777) != PUBLIC) fchmod(log, PUBLIC);
+    return status.st_nlink != 1 || (status.st_mode & 07777) == PUBLIC || fchmod(log, PUBLIC) == 0;
 }

@@ -48,8 +48,8 @@ Place behind_links(const std::string& path);
 Descriptor open_locked(const std::string& path, std::string* reason);
 
 /// Makes the open log readable and writable for all, unless it has other names, which are not
-/// ours, or another owner, who does it.
-void make_log_public(int log);
+/// ours. False when it has another owner, who has not done it.
+bool make_log_public(int log);
 
 /// Hands out the words from byte `from` up to byte `to` of an open file piece by piece. Stops the
 /// pruning when it cannot be read.

@@ -85,12 +85,14 @@ class NewText {
     off_t on_its_way_ = 0;
 };
 
-/// Begins the new text. 0, or the errno of a refusal.
-int begin(const std::string& log, int old_log, bool is_linked, NewText* text) {
+/// Begins the new text with the log's first `size` bytes. 0, or the errno of a refusal.
+int begin(const std::string& log, int old_log, off_t size, bool is_linked, NewText* text) {
     if (!may_be_replaced(log, status_of(old_log))) return EPERM;
     const int error = text->begin();
     if (error != 0 && !(is_linked && is_refusal(error))) gripe(NO_PRUNING_FILE);
-    return error;
+    if (error != 0) return error;
+    read_pieces(old_log, log, 0, size, [&](std::string_view same) { text->add(same); });
+    return 0;
 }
 
 int exchange(const std::string& one, const std::string& other) {
@@ -139,9 +141,7 @@ int make_new_text(const std::string& log, int old_log, off_t size, bool is_linke
     read_pieces(old_log, log, 0, size, [&](std::string_view piece) {
         const std::string_view kept = records->of(piece);
         if (refusal == 0 && !text->exists() && kept.data() != piece.data()) {
-            refusal = begin(log, old_log, is_linked, text);
-            if (refusal != 0) return;
-            read_pieces(old_log, log, 0, done, [&](std::string_view same) { text->add(same); });
+            refusal = begin(log, old_log, done, is_linked, text);
         }
         if (text->exists()) text->add(kept);
         done += static_cast<off_t>(piece.size());
@@ -164,6 +164,10 @@ std::string rewrite_log(const std::string& log, const std::string& scratch, bool
     NewText text(scratch);
     int error = make_new_text(log, old_log.get(), settled.size, is_linked, &counted, &text);
     if (error != 0) return std::strerror(error);
+    // To a log that is its owner's only, others cannot append.
+    if (!text.exists() && !make_log_public(old_log.get())) {
+        begin(log, old_log.get(), settled.size, is_linked, &text);
+    }
     if (text.exists()) {
         const Descriptor new_log = text.complete(old_log.get());
         LeftOver old_file = new_left_over(log, settled.size, old_log.get());
@@ -174,8 +178,6 @@ std::string rewrite_log(const std::string& log, const std::string& scratch, bool
         must(errno == 0, "replace", log);
         add_left_over(&old_file, {log, new_log.get()}, &counted, deadline);
         if (!old_file.stays.empty()) left_overs->push_back(old_file);
-    } else {
-        make_log_public(old_log.get());
     }
     *records = counted;
     return "";

@@ -116,6 +116,16 @@ TEST_F(LogsLeftAlone, LogsOfOthersAreReplacedToo) {
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
+TEST_F(LogsLeftAlone, ALogThatIsItsOwnersOnlyBecomesEverybodys) {
+    if (!is_root()) GTEST_SKIP() << "needs root";
+    write_log(3, fresh(1));
+    write_file(pruning_companion_path(3), fresh(2));
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    EXPECT_EQ(said_to(OPERATOR), result(0, 2));
+    EXPECT_EQ(mode_of(log_file_path(3)), mode_t{0666});
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2)}}));
+}
+
 TEST_F(LogsLeftAlone, InAStickyDirectoryTheLogsOfOthersStayAndTheRestIsDone) {
     if (!is_root()) GTEST_SKIP() << "needs root";
     ASSERT_EQ(chmod(logging_dir.c_str(), 01777), 0);
