@@ -1,13 +1,20 @@
 #include "base/signals_held.h"
 
-#include <initializer_list>
+#include <array>
+
+namespace {
+
+/// Those that do not end a process by default, cannot be caught, or are wanted as an error (a file
+/// size limit). Every other signal, those of the system's own invention included, ends one.
+constexpr std::array<int, 10> NOT_ENDING = {SIGCHLD, SIGCONT, SIGURG,  SIGWINCH, SIGTSTP,
+                                            SIGTTIN, SIGTTOU, SIGKILL, SIGSTOP,  SIGXFSZ};
+
+}  // namespace
 
 sigset_t ending_signals() {
     sigset_t signals;
-    sigemptyset(&signals);
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
-        sigaddset(&signals, number);
-    }
+    sigfillset(&signals);
+    for (const int number : NOT_ENDING) sigdelset(&signals, number);
     return signals;
 }
 

@@ -2,7 +2,8 @@
 
 #include <csignal>
 
-/// The signals that ask a process to end: SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE.
+/// Every signal that ends a process by default and can be caught, but for the one of the file size
+/// limit.
 sigset_t ending_signals();
 
 /// Holds those signals back as long as it lives.

@@ -9,6 +9,7 @@ with it, no temporary file stays, and the policy file is the old one.
 
 import os
 import pty
+import resource
 import shutil
 import signal
 import subprocess
@@ -25,6 +26,15 @@ STUBBORN = """
 trap 'for last in "$@"; do [ "$before" = -outfile ] && echo late > "$last"; before=$last; done
 exit 0' TERM INT HUP
 while :; do sleep 0.1; done"""
+
+# One that does not mind any signal but those that ask a process to end.
+UNMOVED = """
+trap '' USR1 USR2 ALRM VTALRM PROF XCPU IO ABRT QUIT
+exec sleep 60"""
+
+# Signals that nobody sends as a wish to end, and that end a process all the same.
+OTHERS = (signal.SIGALRM, signal.SIGUSR1, signal.SIGUSR2, signal.SIGXCPU, signal.SIGVTALRM,
+          signal.SIGPROF, signal.SIGIO, signal.SIGABRT, signal.SIGSYS, signal.SIGRTMIN)
 
 WAIT = 20
 
@@ -146,15 +156,18 @@ def ends_of_children_ignored(gatescope):
 
 def main():
     gatescope = os.path.abspath(sys.argv[1])
+    resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         for dialog in (PLAIN, STUBBORN):
             sent_to_the_program_alone(gatescope, number, dialog)
         sent_to_the_whole_group(gatescope, number, PLAIN)
+    for number in OTHERS:
+        sent_to_the_program_alone(gatescope, number, UNMOVED)
     typed_at_the_terminal(gatescope, b"\x03", signal.SIGINT)
     closed_terminal(gatescope)
     ignored_from_the_start(gatescope)
     ends_of_children_ignored(gatescope)
-    print("13 ways to be ended at a dialog, all of them in order")
+    print("23 ways to be ended at a dialog, all of them in order")
 
 
 if __name__ == "__main__":

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -44,8 +45,24 @@ TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
 }
 
 TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
-    for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE}) {
+    int tried = 0;
+    for (int number = 1; number <= SIGRTMAX; ++number) {
+        // These stop a process and would keep the test waiting.
+        if (number == SIGSTOP || number == SIGTSTP || number == SIGTTIN || number == SIGTTOU) {
+            continue;
+        }
+        const rlimit no_core = {0, 0};
+        const int alone = in_a_child([&] {
+            setrlimit(RLIMIT_CORE, &no_core);
+            signal(number, SIG_DFL);
+            raise(number);
+        });
+        // A file size limit is an error of a write, and nobody catches a kill.
+        if (!WIFSIGNALED(alone) || number == SIGKILL || number == SIGXFSZ) continue;
+        ++tried;
         const int status = in_a_child([&] {
+            setrlimit(RLIMIT_CORE, &no_core);
+            signal(number, SIG_DFL);
             end_in_order_on_signals();
             close(create_temporary_file(at("scratch")));
             raise(number);
@@ -54,6 +71,16 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
         EXPECT_EQ(WTERMSIG(status), number);
         EXPECT_TRUE(region.files_in("tmp").empty()) << number;
     }
+    EXPECT_GT(tried, 50);
+}
+
+TEST_F(ProcessEnd, AHandlerThatWasThereBeforeStays) {
+    const int status = in_a_child([&] {
+        signal(SIGSEGV, [](int) { _exit(5); });
+        end_in_order_on_signals();
+        raise(SIGSEGV);
+    });
+    EXPECT_EQ(WEXITSTATUS(status), 5);
 }
 
 TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
