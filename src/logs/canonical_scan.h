@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "logs/canonical_records.h"
+#include "logs/canonical_filter.h"
 #include "logs/log_reader.h"
 #include "logs/record_rule.h"
 #include "logs/record_scan.h"

@@ -11,6 +11,7 @@
 
 #include "base/filled.h"
 #include "dialog/messages.h"
+#include "logs/settling.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -8,7 +8,6 @@
 
 #include "base/descriptor.h"
 #include "logs/log_reader.h"
-#include "logs/settling.h"
 
 // How a pruning comes to the files that it works on, and how it stops.
 
