@@ -37,7 +37,7 @@ void name_left_out(const std::string& path, const std::string& reason) {
 }  // namespace
 
 RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>& paths) {
-    std::vector<OpenLog> logs;
+    std::vector<LogToCount> logs;
     std::vector<std::string> names;
     off_t bytes = 0;
     for (const std::string& path : paths) {

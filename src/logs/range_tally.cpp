@@ -18,7 +18,7 @@ struct Range {
     off_t to;
 };
 
-std::vector<Range> ranges_of(const std::vector<OpenLog>& logs, off_t range_size) {
+std::vector<Range> ranges_of(const std::vector<LogToCount>& logs, off_t range_size) {
     std::vector<Range> ranges;
     for (std::size_t log = 0; log < logs.size(); ++log) {
         off_t from = 0;
@@ -33,7 +33,7 @@ std::vector<Range> ranges_of(const std::vector<OpenLog>& logs, off_t range_size)
 /// What all threads share.
 struct Work {
     const CanonicalQuery& query;
-    const std::vector<OpenLog>& logs;
+    const std::vector<LogToCount>& logs;
     const std::vector<Range>& ranges;
     std::atomic<std::size_t> next_range = 0;
 };
@@ -99,7 +99,7 @@ std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& wo
 
 }  // namespace
 
-RangeTally tally_ranges(const RecordQuery& query, const std::vector<OpenLog>& logs, int threads,
+RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                         off_t range_size, Progress* progress) {
     const CanonicalQuery canonical(query);
     const std::vector<Range> ranges = ranges_of(logs, range_size);

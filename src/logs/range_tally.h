@@ -13,7 +13,7 @@
 // that nobody has taken, and has its own reader and its own tally.
 
 /// A log that is open, and how long it was then.
-struct OpenLog {
+struct LogToCount {
     Descriptor file;
     off_t size = 0;
 };
@@ -30,5 +30,5 @@ struct RangeTally {
 /// `range_size` bytes; where so many cannot be had, fewer do the same work. The last range of a log
 /// goes to wherever its end is when it is reached. The tally is the same for any number of threads
 /// and any size. Signals that end the process come to the calling thread.
-RangeTally tally_ranges(const RecordQuery& query, const std::vector<OpenLog>& logs, int threads,
+RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                         off_t range_size, Progress* progress);

@@ -23,8 +23,8 @@ RecordQuery query_of(int number) {
 }
 
 /// Logs that are nowhere but in memory.
-std::vector<OpenLog> logs_with(const std::vector<std::string>& texts) {
-    std::vector<OpenLog> logs;
+std::vector<LogToCount> logs_with(const std::vector<std::string>& texts) {
+    std::vector<LogToCount> logs;
     for (const std::string& text : texts) {
         Descriptor file(memfd_create("log", MFD_CLOEXEC));
         EXPECT_EQ(write(file.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
@@ -57,7 +57,7 @@ bool same_counts(const RecordTally& one, const RecordTally& other) {
     return one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
 
-RangeTally tally(const RecordQuery& query, const std::vector<OpenLog>& logs, int threads,
+RangeTally tally(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                  off_t range_size) {
     Progress progress(0);
     return tally_ranges(query, logs, threads, range_size, &progress);
@@ -81,7 +81,7 @@ std::string random_log(std::mt19937& random, std::size_t lines, std::size_t long
 /// Returns how many records were counted.
 long expect_the_same_for_any_threads(std::mt19937& random, const std::vector<std::string>& texts,
                                      off_t range_size) {
-    const std::vector<OpenLog> logs = logs_with(texts);
+    const std::vector<LogToCount> logs = logs_with(texts);
     const RecordQuery query = query_of(static_cast<int>(1 + random() % 6));
     const RecordTally plain = counted_by_the_plain_rule(query, texts);
     for (const int threads : {1, 2, 3, 16}) {
@@ -118,14 +118,15 @@ TEST(RangeTally, IsTheSameWhereWordsAreLongerThanRanges) {
 }
 
 TEST(RangeTally, CountsWhatWasAppendedMeanwhile) {
-    std::vector<OpenLog> logs = logs_with({"1794700000:S:ann[1]-<->\n1794700000:S:ann[1]-<->\n"});
+    std::vector<LogToCount> logs =
+        logs_with({"1794700000:S:ann[1]-<->\n1794700000:S:ann[1]-<->\n"});
     logs[0].size = 30;
     EXPECT_EQ(tally(query_of(1), logs, 2, 10).tally.rows[1][ALLOWED], 2u);
 }
 
 TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
     const std::string line = "1794700000:S:ann[1]-<->\n";
-    std::vector<OpenLog> logs = logs_with({line, line, line, line});
+    std::vector<LogToCount> logs = logs_with({line, line, line, line});
     for (const std::size_t place : {1, 3}) logs[place].file.close();
     for (const int threads : {1, 3}) {
         const RangeTally all = tally(query_of(1), logs, threads, 10);
@@ -137,7 +138,7 @@ TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
 
 TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
     const std::string line = "1794700000:S:ann[1]-<->\n";
-    const std::vector<OpenLog> logs = logs_with({line, line, line});
+    const std::vector<LogToCount> logs = logs_with({line, line, line});
     // In a process of its own: the limit is for all threads of a user, and not for root.
     const pid_t child = fork();
     if (child == 0) {
