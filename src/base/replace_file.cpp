@@ -120,13 +120,11 @@ int make_room(int file, std::size_t old_size, std::size_t new_size) {
 }
 
 /// Writes the text over the old one, in one piece and with blank lines over what is left of it, so
-/// that a reader meanwhile finds nothing of both. 0 or an errno.
-int overwrite(int file, std::string_view text, std::size_t old_size) {
-    std::string padded(text);
-    padded.resize(std::max(text.size(), old_size), '\n');
+/// that a reader meanwhile finds nothing of both; then cuts them off. 0 or an errno.
+int overwrite(int file, std::string_view padded, std::size_t size) {
     if (lseek(file, 0, SEEK_SET) == -1) return errno;
     if (const int error = write_all(file, padded)) return error;
-    if (ftruncate(file, static_cast<off_t>(text.size())) != 0) return errno;
+    if (ftruncate(file, static_cast<off_t>(size)) != 0) return errno;
     return fsync(file) == 0 ? 0 : errno;
 }
 
@@ -141,11 +139,14 @@ InPlace try_in_place(int file, std::string_view text, const std::string& safe_co
     struct stat status;
     if (fstat(file, &status) != 0) return {errno, false};
     const auto old_size = static_cast<std::size_t>(status.st_size);
+    // Before anything is touched: there may be no memory for it.
+    std::string padded(text);
+    padded.resize(std::max(text.size(), old_size), '\n');
     if (const int error = sync_directory_of(safe_copy)) return {error, false};
     if (const int error = make_room(file, old_size, text.size())) return {error, false};
     // From here on the copy is the only whole text until the file is.
     forget_temporary_file(safe_copy);
-    const int error = overwrite(file, text, old_size);
+    const int error = overwrite(file, padded, text.size());
     if (error == 0) remove_temporary_file(safe_copy);
     return {error, true};
 }

@@ -3,69 +3,83 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 
 #include "base/signals_held.h"
 
 namespace {
 
-// A signal handler may only look at lock-free atomics, so the list is an array of pointers to
-// paths; a slot that is null is free. The program never has more than a handful at a time.
-using Slots = std::array<std::atomic<char*>, 16>;
-Slots slots;
+/// A place for a path; free when that is null. A signal handler may only look at lock-free atomics,
+/// so places are added to a list but never taken out of it.
+struct Place {
+    std::atomic<char*> path;
+    Place* next;
+};
+using Places = std::atomic<Place*>;
+Places places;
 /// The files that only a signal takes away.
-Slots slots_for_signals;
-static_assert(std::atomic<char*>::is_always_lock_free);
+Places places_for_signals;
+static_assert(std::atomic<char*>::is_always_lock_free && Places::is_always_lock_free);
 
-void remember(Slots* list, const std::string& path) {
-    char* copy = strdup(path.c_str());
-    for (auto& slot : *list) {
-        char* free_slot = nullptr;
-        if (slot.compare_exchange_strong(free_slot, copy)) return;
+bool add(Places* list, char* path) {
+    for (Place* place = *list; place != nullptr; place = place->next) {
+        char* free_place = nullptr;
+        if (place->path.compare_exchange_strong(free_place, path)) return true;
     }
-    std::free(copy);
+    Place* const place = new (std::nothrow) Place{path, *list};
+    if (place != nullptr) *list = place;
+    return place != nullptr;
 }
 
-void forget(Slots* list, const std::string& path) {
-    for (auto& slot : *list) {
-        char* kept = slot.load();
+void remember(Places* list, const std::string& path) {
+    char* const copy = strdup(path.c_str());
+    if (copy != nullptr && add(list, copy)) return;
+    // Nobody would remove it later.
+    std::free(copy);
+    unlink(path.c_str());
+    throw std::bad_alloc();
+}
+
+void forget(const Places& list, const std::string& path) {
+    for (Place* place = list; place != nullptr; place = place->next) {
+        char* const kept = place->path;
         if (kept != nullptr && path == kept) {
-            slot.store(nullptr);
+            place->path = nullptr;
             std::free(kept);
             return;
         }
     }
 }
 
-void unlink_all(const Slots& list) {
-    for (auto slot = list.rbegin(); slot != list.rend(); ++slot) {
-        if (const char* path = slot->load()) unlink(path);
+void unlink_all(const Places& list) {
+    for (const Place* place = list; place != nullptr; place = place->next) {
+        if (const char* path = place->path) unlink(path);
     }
 }
 
 }  // namespace
 
 void remember_temporary_file(const std::string& path) {
-    remember(&slots, path);
+    remember(&places, path);
 }
 
 void remember_for_signals(const std::string& path) {
-    remember(&slots_for_signals, path);
+    remember(&places_for_signals, path);
 }
 
 void forget_temporary_file(const std::string& path) {
-    forget(&slots, path);
-    forget(&slots_for_signals, path);
+    forget(places, path);
+    forget(places_for_signals, path);
 }
 
 void remove_temporary_files() {
-    for (auto& slot : slots) {
-        if (char* path = slot.exchange(nullptr)) {
+    for (Place* place = places; place != nullptr; place = place->next) {
+        if (char* path = place->path.exchange(nullptr)) {
             unlink(path);
             std::free(path);
         }
@@ -73,9 +87,9 @@ void remove_temporary_files() {
 }
 
 void unlink_temporary_files() {
-    unlink_all(slots);
+    unlink_all(places);
     // They tell others that work is going on, so they go when its other files have gone.
-    unlink_all(slots_for_signals);
+    unlink_all(places_for_signals);
 }
 
 int create_temporary_file(const std::string& path, mode_t mode) {

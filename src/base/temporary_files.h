@@ -7,7 +7,8 @@
 // Every temporary file of the process is on this list from its creation to its removal, so that
 // no way out of the process, a signal included, leaves one behind.
 
-/// Puts `path` on the list. A path may be on it once only.
+/// Puts `path` on the list. A path may be on it once only. Without the memory for that the file is
+/// removed, and std::bad_alloc thrown.
 void remember_temporary_file(const std::string& path);
 
 /// Puts `path` on the list for signals only: an end by clean_exit leaves the file where it is.
@@ -19,8 +20,8 @@ void forget_temporary_file(const std::string& path);
 /// Removes every file on the list, but those for signals only, and empties it.
 void remove_temporary_files();
 
-/// For signal handlers: removes every file on the list, the last one first, and leaves the list as
-/// it is.
+/// For signal handlers: removes every file on the list, and leaves the list as it is. Those for
+/// signals only go last.
 void unlink_temporary_files();
 
 /// Creates `path` for writing, exclusively, after removing what stood under that name; a link is

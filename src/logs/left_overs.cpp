@@ -1,5 +1,6 @@
 #include "logs/left_overs.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -7,7 +8,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
+#include <memory>
 #include <unordered_set>
 
 #include "base/file_identity.h"
@@ -126,17 +127,14 @@ const std::vector<std::string>& LeftOverNames::in(const std::string& directory,
                                                   std::string* reason) {
     const auto [listing, is_new] = names_.try_emplace(directory);
     if (!is_new) return listing->second;
-    std::error_code error;
-    for (auto entry = std::filesystem::directory_iterator(directory, error);
-         !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().filename();
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
+    const dirent* entry = nullptr;
+    while (stream && (errno = 0, entry = readdir(stream.get())) != nullptr) {
+        const std::string name = entry->d_name;
         if (name.find(LEFT_OVER_MARK) != std::string::npos) listing->second.push_back(name);
     }
     // A directory that is not there has none.
-    if (error && error != std::errc::no_such_file_or_directory &&
-        error != std::errc::not_a_directory) {
-        *reason = error.message();
-    }
+    if (errno != 0 && errno != ENOENT && errno != ENOTDIR) *reason = std::strerror(errno);
     return listing->second;
 }
 

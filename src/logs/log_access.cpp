@@ -4,9 +4,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
-#include <filesystem>
 #include <vector>
 
 #include "base/filled.h"
@@ -21,6 +22,15 @@ constexpr std::size_t MOST_LINKS = 40;
 
 constexpr mode_t PUBLIC = 0666;
 
+/// Where the link at `path` leads; empty, with errno set, when it cannot be read.
+std::string target_of(const std::string& path) {
+    std::array<char, PATH_MAX> target;
+    const ssize_t size = readlink(path.c_str(), target.data(), target.size());
+    if (size <= 0) return "";
+    const std::string text(target.data(), static_cast<std::size_t>(size));
+    return text.front() == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
+}
+
 }  // namespace
 
 void stop_pruning(const char* step, const std::string& path, int error) {
@@ -33,7 +43,7 @@ void must(bool done, const char* step, const std::string& path) {
 
 struct stat status_of(int file) {
     struct stat status;
-    must(fstat(file, &status) == 0, "examine", "an open log file");
+    if (fstat(file, &status) != 0) stop_pruning("examine", "an open log file", errno);
     return status;
 }
 
@@ -55,10 +65,9 @@ Place behind_links(const std::string& path) {
     while ((error = lstat(place.path.c_str(), &status) == 0 ? 0 : errno) == 0 &&
            S_ISLNK(status.st_mode) && owners.size() < MOST_LINKS) {
         owners.push_back(status.st_uid);
-        std::error_code failure;
-        const auto target = std::filesystem::read_symlink(place.path, failure);
-        if (failure) return {path, std::strerror(failure.value())};
-        place.path = std::filesystem::path(place.path).parent_path() / target;
+        const std::string target = target_of(place.path);
+        if (target.empty()) return {path, std::strerror(errno)};
+        place.path = target;
     }
     if (owners.size() == MOST_LINKS) error = ELOOP;
     if (error != 0 && error != ENOENT && error != ENOTDIR) place.reason = std::strerror(error);

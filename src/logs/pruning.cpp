@@ -43,7 +43,9 @@ Descriptor open_to_append(const std::string& path, const char* failure) {
     Descriptor file(open(path.c_str(), FLAGS));
     if (!file && errno == ENOENT) file = Descriptor(open(path.c_str(), FLAGS | O_CREAT, 0666));
     if (!file) gripe_about(path, errno, failure);
-    if (!S_ISREG(status_of(file.get()).st_mode)) gripe_about(path, EEXIST, failure);
+    struct stat status;
+    if (fstat(file.get(), &status) != 0) gripe_about(path, errno, failure);
+    if (!S_ISREG(status.st_mode)) gripe_about(path, EEXIST, failure);
     return file;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
+#include <new>
 #include <string_view>
 #include <system_error>
 #include <thread>
@@ -36,6 +37,8 @@ struct Work {
     const std::vector<LogToCount>& logs;
     const std::vector<Range>& ranges;
     std::atomic<std::size_t> next_range = 0;
+    /// Some thread could not have the memory it needed.
+    std::atomic<bool> out_of_memory = false;
 };
 
 /// What one thread has for itself.
@@ -88,7 +91,11 @@ std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& wo
     try {
         for (std::size_t i = 1; i < workers.size(); ++i) {
             threads.emplace_back([worker = workers[i].get(), work, progress] {
-                worker->run(*work, [progress](off_t bytes) { progress->add(bytes); });
+                try {
+                    worker->run(*work, [progress](off_t bytes) { progress->add(bytes); });
+                } catch (const std::bad_alloc&) {
+                    work->out_of_memory = true;
+                }
             });
         }
     } catch (const std::system_error&) {
@@ -110,6 +117,7 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
         const std::vector<std::jthread> others = started(workers, &work, progress);
         workers.front()->run(work, [progress](off_t bytes) { progress->advance(bytes); });
     }
+    if (work.out_of_memory) throw std::bad_alloc();
     RangeTally all;
     for (const auto& worker : workers) worker->add_to(&all);
     return all;

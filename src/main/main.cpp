@@ -1,6 +1,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -10,17 +11,16 @@
 #include "main/command_line.h"
 #include "main/gatebits_choice.h"
 #include "main/main_loop.h"
+#include "main/out_of_memory.h"
 #include "main/startup.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
 #include "policy/region.h"
 
-int main(int argument_count, char** argument_vector) {
-    open_missing_standard_streams();
-    const std::vector<std::string> words(argument_vector, argument_vector + argument_count);
-    const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
+namespace {
 
-    end_in_order_on_signals();
+int run(const std::vector<std::string>& words) {
+    const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
     clean_start();
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();
@@ -33,4 +33,17 @@ int main(int argument_count, char** argument_vector) {
     read_edition();
     if (options.data_gen_selected) data_gen(logging_dir);
     return status_with_output_written(run_requests(options));
+}
+
+}  // namespace
+
+int main(int argument_count, char** argument_vector) {
+    open_missing_standard_streams();
+    end_in_order_on_signals();
+    end_in_order_without_memory();
+    try {
+        return run({argument_vector, argument_vector + argument_count});
+    } catch (const std::bad_alloc&) {
+        end_without_memory();
+    }
 }

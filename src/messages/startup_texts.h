@@ -6,6 +6,7 @@
 inline constexpr char CANNOT_OPEN_NULL_DEVICE[] = "the null device cannot be opened: %s";
 inline constexpr char OUTPUT_NOT_WRITTEN[] = "standard output could not be written: %s";
 
+inline constexpr char NO_MEMORY[] = "ERROR:  Unable to malloc needed memory.";
 inline constexpr char NO_USER[] = "ERROR:  Unable to determine user.";
 
 /// Program, "TMP" or "TEMP", directory.

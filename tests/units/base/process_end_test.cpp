@@ -83,6 +83,22 @@ TEST_F(ProcessEnd, AHandlerThatWasThereBeforeStays) {
     EXPECT_EQ(WEXITSTATUS(status), 5);
 }
 
+TEST_F(ProcessEnd, ManyTemporaryFilesGoWithoutExceptionAndForgottenOnesStay) {
+    const auto end = [&](const std::function<void()>& end_of_process) {
+        in_a_child([&] {
+            end_in_order_on_signals();
+            for (int i = 0; i < 100; ++i) close(create_temporary_file(at(std::to_string(i))));
+            forget_temporary_file(at("50"));
+            close(create_temporary_file(at("last")));
+            end_of_process();
+        });
+        EXPECT_EQ(region.files_in("tmp"), std::vector<std::string>{"50"});
+        unlink_remove(at("50"));
+    };
+    end([] { clean_exit(0); });
+    end([] { raise(SIGTERM); });
+}
+
 TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
     const auto make = [&] {
         close(create_temporary_file(at("sign")));

@@ -1,0 +1,50 @@
+#include "main/out_of_memory.h"
+
+#include <unistd.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <exception>
+#include <new>
+
+#include "base/temporary_files.h"
+#include "dialog/messages.h"
+#include "messages/startup_texts.h"
+
+namespace {
+
+constexpr int STATUS_OF_AN_ERROR = 99;
+
+/// Needs no memory.
+[[noreturn]] void end_with_the_text_alone() {
+    unlink_temporary_files();
+    [[maybe_unused]] const ssize_t said = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
+    _exit(STATUS_OF_AN_ERROR);
+}
+
+/// What is thrown through a library's function that lets nothing through cannot be told any more
+/// when it ends here; so it is remembered. One a process, as its memory is.
+std::atomic<bool> has_lacked_memory = false;
+
+void lack_memory() {
+    has_lacked_memory = true;
+    throw std::bad_alloc();
+}
+
+[[noreturn]] void terminated() {
+    if (has_lacked_memory) end_with_the_text_alone();
+    std::abort();
+}
+
+}  // namespace
+
+void end_in_order_without_memory() {
+    std::set_new_handler(lack_memory);
+    std::set_terminate(terminated);
+}
+
+void end_without_memory() {
+    // What held the memory has gone by now. Signs for others go as when a signal ends us.
+    unlink_temporary_files();
+    gripe(NO_MEMORY);
+}

@@ -1,0 +1,163 @@
+#!/usr/bin/env python3
+"""Lets every allocation of a run fail, one after the other, and all after each of them.
+
+    every_allocation.py GATESCOPE FAILING_MALLOC [--sample N]
+
+Whatever the moment: the run ends as always or with status 99, and then says why; the policy file is
+the old one or the new one, whole; no temporary file stays; and no record is lost: a log that was not
+pruned is named, and the next run finds what is left of it and comes out right.
+"""
+
+import argparse
+import concurrent.futures
+import glob
+import os
+import random
+import shutil
+import subprocess
+import sys
+import tempfile
+import time
+
+OLD = "gatewarden;;;east;\nW:%s/depot;%s/depot;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
+NEW = OLD.replace(";O;", ";S;")
+NOW = int(time.time())
+KEPT = "%d:S:ann[2]-<->\n" % NOW
+PRUNED = "%d:S:bob[2]-<->\n" % (NOW - 400 * 86400)
+
+CLEARPROMPT = """#!/bin/sh
+case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
+while [ $# -gt 0 ]; do
+    [ "$1" = -outfile ] && echo "S - 'S'ucessful attempts only logged" > "$2"
+    shift
+done
+"""
+
+KINDS = {
+    "field": ["A=8", "R=n"],
+    "field_in_place": ["A=8", "R=n"],
+    "query": ["Q=1", "C=*", "U=*", "D=n", "R=n"],
+    "prune": ["A=1", "D=n", "R=n"],
+}
+
+
+class Stage:
+    def __init__(self, kind):
+        self.kind = kind
+        self.path = tempfile.mkdtemp(prefix="gatescope_memory_")
+        for folder in ("bin", "tmp", "depot/log", "depot/query_results"):
+            os.makedirs(self.at(folder))
+        self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
+        self.write("gatebits.txt", self.old)
+        self.write("depot/log/logging_0.txt", PRUNED + KEPT)
+        self.write("bin/clearprompt", CLEARPROMPT)
+        os.chmod(self.at("bin/clearprompt"), 0o755)
+        os.symlink("/bin/true", self.at("bin/gatewarden"))
+        if kind == "field_in_place":
+            os.link(self.at("gatebits.txt"), self.at("other_name.txt"))
+
+    def at(self, name):
+        return os.path.join(self.path, name)
+
+    def write(self, name, text):
+        with open(self.at(name), "w") as file:
+            file.write(text)
+
+    def read(self, name):
+        with open(self.at(name)) as file:
+            return file.read()
+
+    def run(self, gatescope, library, failing):
+        environment = {"PATH": self.at("bin") + ":/usr/bin:/bin", "tmp": self.at("tmp"),
+                       "CLEARCASE_USER": "op", "LD_PRELOAD": library,
+                       "ALLOCATIONS": self.at("allocations"),
+                       "ZUL_GATESCOPE_GATEBITS_FILE": self.at("gatebits.txt")}
+        if not self.kind.startswith("field"):
+            environment["ZUL_PREFER_NO_GUI"] = "yes"
+        if failing:
+            environment["FAIL_ALLOCATION"] = failing
+        return subprocess.run([gatescope] + KINDS[self.kind], env=environment, timeout=60,
+                              stdin=subprocess.DEVNULL, capture_output=True, cwd=self.path)
+
+    def faults(self, ended):
+        if ended.returncode not in (110, 99):
+            yield "ended with %d" % ended.returncode
+        policy = self.read("gatebits.txt")
+        if policy not in (self.old, self.new):
+            yield "a torn policy file"
+        if ended.returncode == 110 and self.kind.startswith("field") and policy != self.new:
+            yield "an edit was lost"
+        if os.listdir(self.at("tmp")):
+            yield "left in tmp: %s" % os.listdir(self.at("tmp"))
+        left = [name for name in glob.glob(self.at("**/.*"), recursive=True)]
+        if left:
+            yield "left behind: %s" % left
+        if self.kind == "prune":
+            yield from self.faults_of_the_log(ended)
+
+    def faults_of_the_log(self, ended):
+        log = self.read("depot/log/logging_0.txt")
+        if log not in (PRUNED + KEPT, KEPT):
+            yield "the log holds %r" % log
+        named = b"was left as it is: Cannot allocate memory" in ended.stdout
+        if ended.returncode == 110 and log != KEPT and not named:
+            yield "a log that was not pruned was not named"
+        if os.path.exists(self.at("depot/log/logging_pruning_token.txt")):
+            yield "the token is still up"
+
+    def faults_of_the_next_run(self):
+        if self.read("depot/log/logging_0.txt") != KEPT:
+            yield "the next run leaves the log %r" % self.read("depot/log/logging_0.txt")
+        left = set(os.listdir(self.at("depot/log"))) - {
+            "logging_%d.txt" % number for number in range(10)}
+        if left:
+            yield "the next run leaves %s" % left
+
+
+def tried(gatescope, library, kind, failing):
+    stage = Stage(kind)
+    ended = stage.run(gatescope, library, failing)
+    faults = list(stage.faults(ended))
+    if kind == "prune" and failing:
+        stage.run(gatescope, library, None)
+        faults += stage.faults_of_the_next_run()
+    if faults:
+        faults.append((ended.stdout + ended.stderr).decode()[-300:])
+    count = int(stage.read("allocations")) if failing is None else 0
+    shutil.rmtree(stage.path)
+    return kind, failing, count, ended.returncode, faults
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("gatescope")
+    parser.add_argument("failing_malloc")
+    parser.add_argument("--sample", type=int)
+    options = parser.parse_args()
+    gatescope = os.path.abspath(options.gatescope)
+    library = os.path.abspath(options.failing_malloc)
+    tries = []
+    for kind in KINDS:
+        _, _, count, status, faults = tried(gatescope, library, kind, None)
+        assert status == 110 and not faults and count > 0, (kind, status, count, faults)
+        print("%s: %d allocations" % (kind, count))
+        tries += [(kind, "%d%s" % (number, after)) for number in range(1, count + 1)
+                  for after in ("", "+")]
+    if options.sample and options.sample < len(tries):
+        seed = random.randrange(10**6)
+        print("a sample of %d of %d, seed %d" % (options.sample, len(tries), seed))
+        tries = random.Random(seed).sample(tries, options.sample)
+    failed = errors = 0
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        for kind, failing, _, status, faults in pool.map(
+                lambda one: tried(gatescope, library, *one), tries):
+            errors += status == 99
+            if faults:
+                failed += 1
+                print("%s, allocation %s: %s" % (kind, failing, "; ".join(faults)))
+    print("%d runs, %d of them ended with an error, %d wrong" % (len(tries), errors, failed))
+    return 1 if failed or not errors else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
