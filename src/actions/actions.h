@@ -1,11 +1,13 @@
 #pragma once
 
+#include <string>
+
 #include "actions/run.h"
 
 // The configuration actions, named after their menu entries.
 
-/// Prunes the logs; `display` says whether the result is shown or printed.
-void A_1(bool display);
+/// Prunes the region's logs; `display` says whether the result is shown or printed.
+void A_1(const RegionSettings& region, bool display);
 /// Shows the view/change submenu and runs what is picked there; says which menu comes next.
 void A_2(Run& run);
 /// Aliases: add, delete a definition, delete references, update. The tables are filled anew first.
@@ -14,17 +16,17 @@ LastAnswer A_18(Aliases& aliases);
 LastAnswer A_19(Aliases& aliases);
 LastAnswer A_20(Aliases& aliases);
 /// Command keys: view, change or delete; add.
-LastAnswer A_21();
+LastAnswer A_21(int edition);
 LastAnswer A_22();
 /// Runs the checker over the gatebits file and lets it report; a failure is told unless the
 /// installer runs.
-void A_23(bool during_install);
-/// The tool's own settings.
-void A_24();
+void A_23(const std::string& region, bool during_install);
+/// The tool's own settings; the region's are loaded again after a change.
+void A_24(RegionSettings& region);
 /// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.
-int A_25();
+int A_25(Run& run);
 int A_26(Run& run);
-int A_27();
+int A_27(Run& run);
 /// Guided walks through the important, and through all, fields.
 void A_28(Run& run);
 void A_29(Run& run);

@@ -15,7 +15,6 @@
 #include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
-#include "policy/region.h"
 
 // The submenu and the guard: how an action is run, whichever it is.
 
@@ -63,12 +62,12 @@ struct Before {
     int count = 0;
 };
 
-Before look_before() {
+Before look_before(const std::string& region) {
     Before before;
-    const auto status = perform_cbfile_only_check(CHECK_STATUS);
+    const auto status = perform_cbfile_only_check(CHECK_STATUS, region);
     if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
     before.errors = true;
-    const auto counted = perform_cbfile_only_check(CHECK_COUNT);
+    const auto counted = perform_cbfile_only_check(CHECK_COUNT, region);
     if (counted) before.count = counted->CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
     return before;
 }
@@ -95,7 +94,7 @@ void A_2(Run& run) {
     // does after an empty answer, and after one that reads like a separator.
     std::string last_answer;
     while (last_answer.empty() || is_separator(last_answer)) {
-        const auto pick = make_selection(submenu_title(ENTERPRIZE_NAME, during_install),
+        const auto pick = make_selection(submenu_title(run.region.ENTERPRIZE_NAME, during_install),
                                          submenu_entries(during_install), SINGLE_CHOICE);
         if (!pick) return leave_submenu(run);
         last_answer = run_submenu_pick(run, *pick).value_or(*pick);
@@ -103,19 +102,20 @@ void A_2(Run& run) {
 }
 
 Guarded A_X(Run& run, int n) {
-    Before before = look_before();
+    Before before = look_before(run.region.ENTERPRIZE_NAME);
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     LastAnswer last_answer;
-    for (int times_unchanged = 0;; before = look_before()) {
+    for (int times_unchanged = 0;; before = look_before(run.region.ENTERPRIZE_NAME)) {
         const std::string bytes = read_gatebits_bytes();
         // A run without a dialog leaves the answer of the run before.
         if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
         times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
         if (const FieldEditor* field = path_field(n)) return {path_holds(*field), last_answer};
 
-        const auto after = perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS);
+        const auto after = perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS,
+                                                     run.region.ENTERPRIZE_NAME);
         if (!after) return {0, last_answer};
         if (is_good_enough(*after, before)) return {1, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&

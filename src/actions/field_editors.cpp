@@ -23,11 +23,11 @@ std::vector<FieldChange> changes_of(const FieldEditor& editor, const std::string
 }
 
 Edited write_and_report(const FieldEditor& editor, const Change& change,
-                        const std::vector<FieldChange>& changes) {
+                        const std::vector<FieldChange>& changes, RegionSettings* region) {
     const ChangeResult result = set_fields(changes);
     if (!field_written_or_told(result, change.item, editor.line, editor.field)) return Edited::LEFT;
     change_confirmed(change);
-    if (editor.kind->changes_settings) interrogate_the_enterprise();
+    if (editor.kind->changes_settings) *region = interrogate_the_enterprise();
     return Edited::WRITTEN;
 }
 
@@ -45,21 +45,23 @@ struct DepotNeeded {
 };
 
 /// Lets the operator define the depot of `os` where `entry` needs it.
-DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os) {
+DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os,
+                                       RegionSettings* region) {
     const std::string question = why_depot_comes_first(entry, os);
     if (question.empty()) return {DepotFirst::IS_THERE, std::nullopt};
     if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, std::nullopt};
-    const Edit edit = view_change_depot(os);
+    const Edit edit = view_change_depot(os, region);
     const bool defined = edit.ended == Edited::WRITTEN && !depot_of(os).empty();
     return {defined ? DepotFirst::NOW_DEFINED : DepotFirst::MISSING, edit.last_answer};
 }
 
 /// The loop of all editors: read, ask, confirm, write, report.
-Edit edit(const FieldEditor& editor) {
+Edit edit(const FieldEditor& editor, RegionSettings* region) {
     const FieldKind& kind = *editor.kind;
     std::string back_to;
     if (kind.depot_entry != nullptr) {
-        const DepotNeeded needed = make_depot_first_if_needed(kind.depot_entry, editor.subject);
+        const DepotNeeded needed =
+            make_depot_first_if_needed(kind.depot_entry, editor.subject, region);
         if (needed.depot == DepotFirst::MISSING) return {Edited::LEFT, needed.last_answer};
         if (needed.depot == DepotFirst::NOW_DEFINED) back_to = kind.back_to;
     }
@@ -76,19 +78,19 @@ Edit edit(const FieldEditor& editor) {
         const Consent consent = confirm_change(change, warnings_of(editor, change));
         if (consent == DECLINED) continue;
         if (consent != CONFIRMED) return {Edited::LEFT, entered.last_answer};
-        return {write_and_report(editor, change, changes), entered.last_answer};
+        return {write_and_report(editor, change, changes, region), entered.last_answer};
     }
 }
 
 }  // namespace
 
-Edit edit_field(int n) {
+Edit edit_field(int n, RegionSettings* region) {
     for (const FieldEditor& editor : field_editors()) {
-        if (editor.action == n) return edit(editor);
+        if (editor.action == n) return edit(editor, region);
     }
     gripe_uncoded("edit_field");
 }
 
-Edit view_change_depot(const std::string& os) {
-    return edit_field(os == WINDOWS_OS ? 4 : 5);
+Edit view_change_depot(const std::string& os, RegionSettings* region) {
+    return edit_field(os == WINDOWS_OS ? 4 : 5, region);
 }

@@ -20,10 +20,10 @@ struct Edit {
     LastAnswer last_answer;
 };
 
-/// Runs the editor of action n (4 to 16).
-Edit edit_field(int n);
+/// Runs the editor of action n (4 to 16). The settings of the region are loaded again when they
+/// depend on what was changed.
+Edit edit_field(int n, RegionSettings* region);
 
 /// The policy depot of WINDOWS_OS or UNIX_OS. Clearing it also clears that system's parent and
-/// notify fields and, when the other depot is empty, switches logging off. The region's settings
-/// are loaded again after a change.
-Edit view_change_depot(const std::string& os);
+/// notify fields and, when the other depot is empty, switches logging off.
+Edit view_change_depot(const std::string& os, RegionSettings* region);

@@ -13,7 +13,7 @@ constexpr int ALL_FIELDS[] = {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 
 
 /// A step that is cancelled leads to the next one.
 void walk(Run& run, char settings, std::span<const int> actions) {
-    ask_all_configure(settings);
+    ask_all_configure(settings, &run.region);
     for (const int number : actions) request_numbered(RequestKind::ACTION, number)->execute(run);
 }
 

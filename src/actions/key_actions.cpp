@@ -14,7 +14,6 @@
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 #include "policy/change_warnings.h"
-#include "policy/edition.h"
 #include "policy/gatebits_file.h"
 
 namespace {
@@ -89,8 +88,8 @@ bool delete_key(const Key& key) {
 
 }  // namespace
 
-LastAnswer A_21() {
-    const KeyTexts& texts = GATEWARDEN_IS == 0 ? LITE_KEY_TEXTS : FULL_KEY_TEXTS;
+LastAnswer A_21(int edition) {
+    const KeyTexts& texts = edition == 0 ? LITE_KEY_TEXTS : FULL_KEY_TEXTS;
     LastAnswer last_answer;
     while (the_sun_rises) {
         const std::vector<std::string> keys = command_keys();

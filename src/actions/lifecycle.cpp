@@ -34,20 +34,20 @@ bool done_in_the_end(Repeated step) {
 }
 
 /// What the checker says of the file in use, in words; empty when it could not be run.
-std::string verdict_on_new_file() {
-    const auto check = perform_cbfile_only_check(CHECK_ERRORS);
+std::string verdict_on_new_file(const std::string& region) {
+    const auto check = perform_cbfile_only_check(CHECK_ERRORS, region);
     if (!check) return "";
     const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
     return check->CURRENT_GATEBITS_FILE_HAS_ERRORS ? filled(LOADED_WITH_ERRORS, file)
                                                    : filled(LOADED_WITHOUT_ERRORS, file);
 }
 
-Step switch_file() {
+Step switch_file(const Run& run) {
     const auto chosen = select_cb_file(PROMPT_06);
     if (!chosen) return Step::GIVEN_UP;
     if (!this_file_exists(*chosen)) return again_if_wished(RETRY_SWITCH);
     ENTERPRIZE_PERMISSION_FILE = *chosen;
-    const std::string verdict = verdict_on_new_file();
+    const std::string verdict = verdict_on_new_file(run.region.ENTERPRIZE_NAME);
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(verdict);
     return Step::DONE;
@@ -83,9 +83,9 @@ void offer_the_walks(Run& run) {
     }
 }
 
-void use_file(const std::string& path) {
+void use_file(Run& run, const std::string& path) {
     ENTERPRIZE_PERMISSION_FILE = path;
-    interrogate_the_enterprise();
+    run.region = interrogate_the_enterprise();
 }
 
 Step create_file(Run& run) {
@@ -100,7 +100,7 @@ Step create_file(Run& run) {
         case NewFile::CREATED:
             break;
     }
-    use_file(*chosen);
+    use_file(run, *chosen);
     offer_the_walks(run);
     return Step::DONE;
 }
@@ -123,11 +123,11 @@ Step choose_destination(std::string* path) {
 
 /// The whole action but its refusal: it starts over from the source when the destination cannot be
 /// created.
-Step copy_the_file() {
+Step copy_the_file(Run& run) {
     std::string source;
     std::string destination;
     if (!done_in_the_end([&] { return choose_source(&source); })) return Step::GIVEN_UP;
-    use_file(source);
+    use_file(run, source);
     NewFile created = NewFile::EXISTS;
     while (created == NewFile::EXISTS) {
         if (!done_in_the_end([&] { return choose_destination(&destination); })) {
@@ -140,8 +140,8 @@ Step copy_the_file() {
         }
     }
     if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
-    use_file(destination);
-    const std::string verdict = verdict_on_new_file();
+    use_file(run, destination);
+    const std::string verdict = verdict_on_new_file(run.region.ENTERPRIZE_NAME);
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(
         filled(COPIED, source.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), verdict.c_str()));
@@ -150,12 +150,12 @@ Step copy_the_file() {
 
 }  // namespace
 
-void A_23(bool during_install) {
+void A_23(const std::string& region, bool during_install) {
     const bool found = find_checker();
     const std::string& checker = GS_VAR[UNIX_CHECKER];
     if (!found) {
-        return advise(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
-                             ENTERPRIZE_NAME.c_str()));
+        return advise(
+            filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(), region.c_str()));
     }
     const std::string command = checker_command(CHECK);
     const int status = run_in_shell(command);
@@ -163,14 +163,14 @@ void A_23(bool during_install) {
     ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");
 }
 
-int A_25() {
-    return done_in_the_end(switch_file) ? 1 : 0;
+int A_25(Run& run) {
+    return done_in_the_end([&] { return switch_file(run); }) ? 1 : 0;
 }
 
 int A_26(Run& run) {
     return done_in_the_end([&] { return create_file(run); }) ? 1 : 0;
 }
 
-int A_27() {
-    return done_in_the_end(copy_the_file) ? 1 : 0;
+int A_27(Run& run) {
+    return done_in_the_end([&] { return copy_the_file(run); }) ? 1 : 0;
 }

@@ -6,7 +6,9 @@
 #include "actions/actions.h"
 #include "actions/field_editors.h"
 #include "messages/menu_labels.h"
+#include "policy/gatebits_file.h"
 #include "policy/region.h"
+#include "policy/tool_variables.h"
 #include "queries/query_drivers.h"
 
 namespace {
@@ -14,8 +16,11 @@ namespace {
 // How the rows hand on what each handler takes.
 
 template <auto query>
-LastAnswer with_options(Run& run, const Request&) {
-    query(run.options);
+LastAnswer with_region(Run& run, const Request&) {
+    query(run.options, {run.GATEWARDEN_IS,
+                        run.region.logging_dir,
+                        {run.region.ENTERPRIZE_NAME, ENTERPRIZE_PERMISSION_FILE,
+                         run.region.results_dir, GS_VAR[UNIX_BROWSER]}});
     return {};
 }
 template <auto action>
@@ -32,32 +37,30 @@ LastAnswer with_aliases(Run& run, const Request&) {
     return action(run.aliases);
 }
 /// The editor of the field of the region block that has the request's number.
-LastAnswer field(Run&, const Request& request) {
-    return edit_field(request.number).last_answer;
+LastAnswer field(Run& run, const Request& request) {
+    return edit_field(request.number, &run.region).last_answer;
+}
+LastAnswer keys(Run& run, const Request&) {
+    return A_21(run.GATEWARDEN_IS);
 }
 LastAnswer prune(Run& run, const Request&) {
-    A_1(run.options.displays());
+    A_1(run.region, run.options.displays());
     return {};
 }
 LastAnswer verify(Run& run, const Request&) {
-    A_23(run.options.IS_DURING_INSTALL);
+    A_23(run.region.ENTERPRIZE_NAME, run.options.IS_DURING_INSTALL);
     return {};
 }
-LastAnswer configure(Run&, const Request&) {
-    A_24();
+LastAnswer configure(Run& run, const Request&) {
+    A_24(run.region);
     return {};
 }
 
 // Another gatebits file in use makes the region's settings stale.
 
 template <auto action>
-LastAnswer alone_then_reload(Run&, const Request&) {
-    if (action() == 1) interrogate_the_enterprise();
-    return {};
-}
-template <auto action>
 LastAnswer with_run_then_reload(Run& run, const Request&) {
-    if (action(run) == 1) interrogate_the_enterprise();
+    if (action(run) == 1) run.region = interrogate_the_enterprise();
     return {};
 }
 
@@ -69,12 +72,12 @@ constexpr auto APART = Shown::AFTER_SEPARATOR;
 constexpr auto INSTALLER = Shown::TO_INSTALLER_ONLY;
 
 constexpr std::array<Request, 34> REQUESTS = {{
-    {QUERY, 1, Q1, nullptr, with_options<Q_1>, false, false, YES, NO},
-    {QUERY, 2, Q2, nullptr, with_options<Q_2>, false, false, YES, NO},
-    {QUERY, 3, Q3, Q3_L, with_options<Q_3>, false, false, YES, NO},
-    {QUERY, 4, Q4, nullptr, with_options<Q_4>, false, false, YES, NO},
-    {QUERY, 5, Q5, Q5_L, with_options<Q_5>, false, false, YES, NO},
-    {QUERY, 6, Q6, nullptr, with_options<Q_6>, false, false, YES, NO},
+    {QUERY, 1, Q1, nullptr, with_region<Q_1>, false, false, YES, NO},
+    {QUERY, 2, Q2, nullptr, with_region<Q_2>, false, false, YES, NO},
+    {QUERY, 3, Q3, Q3_L, with_region<Q_3>, false, false, YES, NO},
+    {QUERY, 4, Q4, nullptr, with_region<Q_4>, false, false, YES, NO},
+    {QUERY, 5, Q5, Q5_L, with_region<Q_5>, false, false, YES, NO},
+    {QUERY, 6, Q6, nullptr, with_region<Q_6>, false, false, YES, NO},
     {ACTION, 1, A1, nullptr, prune, false, false, APART, NO},
     {ACTION, 2, A2, nullptr, with_run<A_2>, false, true, APART, NO},
     {ACTION, 4, A4, nullptr, field, true, true, NO, YES},
@@ -94,13 +97,13 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 18, A18, nullptr, with_aliases<A_18>, false, true, NO, YES},
     {ACTION, 19, A19, nullptr, with_aliases<A_19>, false, true, NO, YES},
     {ACTION, 20, A20, nullptr, with_aliases<A_20>, true, true, NO, YES},
-    {ACTION, 21, A21, nullptr, alone<A_21>, true, true, NO, APART},
+    {ACTION, 21, A21, nullptr, keys, true, true, NO, APART},
     {ACTION, 22, A22, nullptr, alone<A_22>, true, true, NO, YES},
     {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},
     {ACTION, 24, A24, nullptr, configure, false, true, APART, INSTALLER},
-    {ACTION, 25, A25, nullptr, alone_then_reload<A_25>, false, false, APART, NO},
+    {ACTION, 25, A25, nullptr, with_run_then_reload<A_25>, false, false, APART, NO},
     {ACTION, 26, A26, nullptr, with_run_then_reload<A_26>, false, false, YES, NO},
-    {ACTION, 27, A27, nullptr, alone_then_reload<A_27>, false, false, YES, NO},
+    {ACTION, 27, A27, nullptr, with_run_then_reload<A_27>, false, false, YES, NO},
     {ACTION, 28, A28, nullptr, with_run<A_28>, false, true, NO, NO},
     {ACTION, 29, A29, nullptr, with_run<A_29>, false, true, NO, NO},
 }};

@@ -5,6 +5,7 @@
 
 #include "base/options.h"
 #include "policy/aliases.h"
+#include "policy/region.h"
 
 /// Menus by number.
 inline constexpr int MAIN_MENU = 1;
@@ -16,6 +17,11 @@ struct Run {
     const Options& options;
     /// The menu to be shown next. Set by the main loop and by A_2.
     int chapter = MAIN_MENU;
+    /// The settings of the gatebits file in use. Set by start-up, and by whoever changes one of
+    /// them or puts another file in use.
+    RegionSettings region = {};
+    /// The edition, as read_edition found it at start-up.
+    int GATEWARDEN_IS = 1;
     /// As the last action on aliases found them; their count is not forgotten in between.
     Aliases aliases = {};
 };

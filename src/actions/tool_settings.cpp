@@ -36,7 +36,7 @@ enum class Next { ASK_AGAIN, GO_ON };
 /// Asks for the setting, with `def` to be edited, and writes what is confirmed unless the file no
 /// longer has `stored` for it. `*entered` is what was typed.
 Next ask_for_setting(std::size_t index, const std::string& stored, const std::string& def,
-                     std::string* entered) {
+                     std::string* entered, RegionSettings* region) {
     const auto typed = prompt(filled(SETTING_PROMPT, GS_VAR_NAME[index]), def);
     if (!typed) return Next::GO_ON;
     *entered = *typed;
@@ -46,7 +46,7 @@ Next ask_for_setting(std::size_t index, const std::string& stored, const std::st
     if (consent == CONFIRMED &&
         written_or_told(change_a_var(static_cast<int>(index), *typed, stored))) {
         add_confirmed(change);
-        interrogate_the_enterprise();
+        *region = interrogate_the_enterprise();
     }
     return Next::GO_ON;
 }
@@ -58,23 +58,24 @@ std::string setting_in_use(std::size_t index, const std::optional<std::string>& 
     return replaced ? GS_VAR[index] : stored.value_or(GS_VAR[index]);
 }
 
-void walk_to_setting(std::size_t index) {
+void walk_to_setting(std::size_t index, RegionSettings* region) {
     Next next = Next::ASK_AGAIN;
     std::string entered;
     // A declined change goes on from the stored value.
     while (next == Next::ASK_AGAIN) {
         const auto stored = stored_variable(index);
-        next = ask_for_setting(index, stored.value_or(""), setting_in_use(index, stored), &entered);
+        next = ask_for_setting(index, stored.value_or(""), setting_in_use(index, stored), &entered,
+                               region);
     }
 }
 
 }  // namespace
 
-void A_1(bool display) {
-    prune_logging_files({logging_dir, ENTERPRIZE_NAME, display}, QUERY_DAYS);
+void A_1(const RegionSettings& region, bool display) {
+    prune_logging_files({region.logging_dir, region.ENTERPRIZE_NAME, display}, QUERY_DAYS);
 }
 
-void A_24() {
+void A_24(RegionSettings& region) {
     build_var_list();
     const auto pick = pick_one(SETTING_TITLE, setting_list());
     if (!pick) return;
@@ -85,12 +86,12 @@ void A_24() {
     Next next = Next::ASK_AGAIN;
     // What was entered last is what a declined change goes on from.
     while (next == Next::ASK_AGAIN) {
-        next = ask_for_setting(static_cast<std::size_t>(*index), stored, value, &value);
+        next = ask_for_setting(static_cast<std::size_t>(*index), stored, value, &value, &region);
     }
 }
 
-void ask_all_configure(char mode) {
+void ask_all_configure(char mode, RegionSettings* region) {
     if (mode != IMPORTANT_SETTINGS && mode != ALL_SETTINGS) gripe(INTERNAL_ERROR_CONFIGURE);
     const std::size_t settings = mode == IMPORTANT_SETTINGS ? UNIX_CHECKER + 1 : GS_VAR.size();
-    for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index);
+    for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }

@@ -12,7 +12,7 @@
 
 #include "base/filled.h"
 #include "dialog/messages.h"
-#include "logs/settling.h"
+#include "logs/moments.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -13,19 +13,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto LATEST_WRITER = 2s;
-constexpr auto SHORT_PAUSE = 5ms;
 constexpr auto STEP = 1ms;
 
 }  // namespace
-
-Moment when_writers_have_written() {
-    return std::chrono::steady_clock::now() + LATEST_WRITER;
-}
-
-void short_pause() {
-    std::this_thread::sleep_for(SHORT_PAUSE);
-}
 
 Settled settle(int file, Moment deadline) {
     // Who opens the file during the lease makes the system send a signal: one that does nothing

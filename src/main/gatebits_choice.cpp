@@ -13,7 +13,6 @@
 #include "dialog/messages.h"
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
-#include "policy/edition.h"
 #include "policy/gatebits_file.h"
 
 namespace {
@@ -34,21 +33,21 @@ std::string gatebits_question(const Options& options, const char* from_environme
     return filled(WARN_03, ENV_GATEBITS_FILE, WARN_00);
 }
 
-void make_new_gatebits_file(const Options& options) {
-    Run run = {options};
-    if (refused(*request_numbered(RequestKind::ACTION, 26), options) || A_26(run) != 1) {
+void make_new_gatebits_file(Run& run) {
+    if (refused(*request_numbered(RequestKind::ACTION, 26), run.options) || A_26(run) != 1) {
         clean_exit(1);
     }
-    GATEWARDEN_IS = 1;
 }
 
-void open_existing_gatebits_file(const Options& options) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), options) || A_25() != 1) clean_exit(1);
+void open_existing_gatebits_file(Run& run) {
+    if (refused(*request_numbered(RequestKind::ACTION, 25), run.options) || A_25(run) != 1)
+        clean_exit(1);
 }
 
 }  // namespace
 
-void choose_gatebits_file(const Options& options) {
+void choose_gatebits_file(Run& run) {
+    const Options& options = run.options;
     ENTERPRIZE_PERMISSION_FILE = options.selected_file.value_or("");
     if (options.file_selected) return;
     const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
@@ -56,9 +55,9 @@ void choose_gatebits_file(const Options& options) {
     const Answer answer = ask(gatebits_question(options, named), "yes", "yes,no,abort");
     ENTERPRIZE_PERMISSION_FILE.clear();
     if (answer == YES) {
-        make_new_gatebits_file(options);
+        make_new_gatebits_file(run);
     } else if (answer == NO) {
-        open_existing_gatebits_file(options);
+        open_existing_gatebits_file(run);
     } else {
         clean_exit(1);
     }

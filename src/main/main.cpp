@@ -28,11 +28,12 @@ int run(const std::vector<std::string>& words) {
 
     obey_sole_option(arguments);
     const Options options = parse_arguments(arguments);
-    choose_gatebits_file(options);
-    interrogate_the_enterprise();
-    read_edition();
-    if (options.data_gen_selected) data_gen(logging_dir);
-    return status_with_output_written(run_requests(options));
+    Run run = {options};
+    choose_gatebits_file(run);
+    run.region = interrogate_the_enterprise();
+    run.GATEWARDEN_IS = read_edition();
+    if (options.data_gen_selected) data_gen(run.region.logging_dir);
+    return status_with_output_written(run_requests(run));
 }
 
 }  // namespace

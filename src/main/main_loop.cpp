@@ -9,8 +9,6 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "messages/command_line_texts.h"
-#include "policy/edition.h"
-#include "policy/region.h"
 
 namespace {
 
@@ -28,10 +26,11 @@ const Request* request_from_command_line(const Options& options) {
 std::optional<std::string> show_menu(Run& run) {
     const bool during_install = run.options.IS_DURING_INSTALL;
     const bool main_menu = run.chapter == MAIN_MENU;
-    const auto pick = main_menu ? make_selection(main_menu_title(ENTERPRIZE_NAME),
-                                                 main_menu_entries(GATEWARDEN_IS), SINGLE_CHOICE)
-                                : make_selection(submenu_title(ENTERPRIZE_NAME, during_install),
-                                                 submenu_entries(during_install), SINGLE_CHOICE);
+    const auto pick =
+        main_menu ? make_selection(main_menu_title(run.region.ENTERPRIZE_NAME),
+                                   main_menu_entries(run.GATEWARDEN_IS), SINGLE_CHOICE)
+                  : make_selection(submenu_title(run.region.ENTERPRIZE_NAME, during_install),
+                                   submenu_entries(during_install), SINGLE_CHOICE);
     if (!pick && (main_menu || during_install)) clean_exit(0);
     if (!pick) run.chapter = MAIN_MENU;
     return pick;
@@ -49,8 +48,8 @@ const Request* request_from_menu(Run& run) {
 
 }  // namespace
 
-int run_requests(const Options& options) {
-    Run run = {options};
+int run_requests(Run& run) {
+    const Options& options = run.options;
     const Request* from_command_line = request_from_command_line(options);
     do {
         const Request* request =

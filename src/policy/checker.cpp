@@ -11,7 +11,6 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
-#include "policy/region.h"
 #include "policy/tool_variables.h"
 
 std::string EMERGENCY_CHECKER;
@@ -56,13 +55,13 @@ std::string checker_command(const char* word) {
                   one_argument(ENTERPRIZE_PERMISSION_FILE).c_str(), word);
 }
 
-std::optional<CheckResult> perform_cbfile_only_check(char mode) {
+std::optional<CheckResult> perform_cbfile_only_check(char mode, const std::string& region) {
     const char* word = option_word(mode);
     const bool found = find_checker();
     const std::string& checker = GS_VAR[UNIX_CHECKER];
     if (!found) {
-        advise_wait(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
-                           ENTERPRIZE_NAME.c_str()));
+        advise_wait(
+            filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(), region.c_str()));
         return std::nullopt;
     }
     const int status = run_in_shell(checker_command(word));

@@ -37,5 +37,5 @@ struct CheckResult {
 };
 
 /// Runs the checker in one of the three modes. Nothing, after telling the operator, when it could
-/// not be found. Any other mode gripes.
-std::optional<CheckResult> perform_cbfile_only_check(char mode);
+/// not be found in the `region` of that name. Any other mode gripes.
+std::optional<CheckResult> perform_cbfile_only_check(char mode, const std::string& region);

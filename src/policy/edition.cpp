@@ -5,11 +5,9 @@
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
 
-int GATEWARDEN_IS = 1;
-
-void read_edition() {
+int read_edition() {
     std::string header;
     const bool lite =
         get_a_line(HEADER_LINE, &header) == 1 && header.starts_with(GATEWARDEN_LITE_LIT);
-    GATEWARDEN_IS = lite ? 0 : 1;
+    return lite ? 0 : 1;
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-/// 1: the full edition of the policy engine; 0: the lite edition, whose command keys are called
-/// CPDs. Set by read_edition at start-up; read by the menus, the queries and the reports.
-extern int GATEWARDEN_IS;
-
-/// Sets GATEWARDEN_IS from the region header line; a file without one is of the full edition.
-void read_edition();
+/// The edition of the policy engine that the region header line names: 1 the full edition; 0 the
+/// lite edition, whose command keys are called CPDs. A file without such a line is of the full
+/// edition.
+int read_edition();

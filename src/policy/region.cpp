@@ -11,14 +11,6 @@
 #include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
 
-std::string SYSTEM_VARS__SYSTEM_REGION_HEADER;
-std::string ENTERPRIZE_NAME;
-std::string SYSTEM_VARS__SYSTEM_POLICY_DIR;
-std::string SYSTEM_VARS__SYSTEM_PARENT_FILE;
-char LOGGING = 'O';
-std::string logging_dir;
-std::string results_dir;
-
 namespace {
 
 /// Takes the tool variables and returns the significant lines, without their leading blanks.
@@ -60,26 +52,29 @@ std::string blank_when_empty(const std::string& value) {
 }
 
 /// The relocated directory when there is one, else `name` in the depot.
-std::string directory_of(ToolVariable relocated, const char* name) {
+std::string directory_of(ToolVariable relocated, const std::string& depot, const char* name) {
     const std::string& directory = GS_VAR[relocated];
     if (!directory.empty()) return directory;
-    return filled("%s%c%s", SYSTEM_VARS__SYSTEM_POLICY_DIR.c_str(), DIR_DELIMETER, name);
+    return filled("%s%c%s", depot.c_str(), DIR_DELIMETER, name);
 }
 
 }  // namespace
 
-int interrogate_the_enterprise() {
+RegionSettings interrogate_the_enterprise() {
     const std::vector<std::string> lines = scan_the_file();
     if (lines.empty()) gripe(NO_REGION_HEADER);
-    SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
+    RegionSettings region;
+    region.SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
     const auto depots = fields_of_line(lines, DEPOT_LINE, 2, MANGLED_DEPOT);
-    LOGGING = depots.size() < 3 ? 'O' : logging_letter(depots[2], lines[DEPOT_LINE - 1]);
+    region.LOGGING = depots.size() < 3 ? 'O' : logging_letter(depots[2], lines[DEPOT_LINE - 1]);
     const auto parents = fields_of_line(lines, PARENT_LINE, 2, MANGLED_PARENT);
     const auto header = fields_of_line(lines, HEADER_LINE, 4, MANGLED_REGION_HEADER);
-    ENTERPRIZE_NAME = blank_when_empty(header[3]);
-    SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[1]);
-    SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[1]);
-    logging_dir = directory_of(UNIX_LOGGING_DIR, "log");
-    results_dir = directory_of(UNIX_RESULTS_DIR, "query_results");
-    return 0;
+    region.ENTERPRIZE_NAME = blank_when_empty(header[3]);
+    region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[1]);
+    region.SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[1]);
+    region.logging_dir =
+        directory_of(UNIX_LOGGING_DIR, region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");
+    region.results_dir =
+        directory_of(UNIX_RESULTS_DIR, region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
+    return region;
 }

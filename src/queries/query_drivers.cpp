@@ -11,10 +11,7 @@
 #include "logs/query_data.h"
 #include "messages/bit_names.h"
 #include "messages/query_texts.h"
-#include "policy/edition.h"
 #include "policy/gatebits_file.h"
-#include "policy/region.h"
-#include "policy/tool_variables.h"
 #include "queries/parameters.h"
 #include "report/graph.h"
 #include "report/page.h"
@@ -146,15 +143,13 @@ KeyLines key_lines(int highest_key) {
 }
 
 /// The operator's answers, the filters, the counts, the page, the display.
-void run(int number, const Options& options) {
-    const auto asked = ask_for_query(number, options, GATEWARDEN_IS);
+void run(int number, const Options& options, const QueriedRegion& region) {
+    const auto asked = ask_for_query(number, options, region.edition);
     if (!asked) return;
     const RecordQuery query =
-        record_query(number, GATEWARDEN_IS, asked->filters, set_time_values());
-    const QueryResult result = get_query_data(query, logging_dir);
-    const PageRegion region = {ENTERPRIZE_NAME, ENTERPRIZE_PERMISSION_FILE, results_dir,
-                               GS_VAR[UNIX_BROWSER]};
-    Make_Graph({asked->graph_title, result, key_lines(result.highest_key_read)}, region,
+        record_query(number, region.edition, asked->filters, set_time_values());
+    const QueryResult result = get_query_data(query, region.logging_dir);
+    Make_Graph({asked->graph_title, result, key_lines(result.highest_key_read)}, region.page,
                options.displays());
 }
 
@@ -167,23 +162,23 @@ std::optional<AskedQuery> ask_for_query(int number, const Options& options, int 
     return AskedQuery{filters_of(query, values, edition), title_of(query, values, edition)};
 }
 
-void Q_1(const Options& options) {
-    run(1, options);
+void Q_1(const Options& options, const QueriedRegion& region) {
+    run(1, options, region);
 }
-void Q_2(const Options& options) {
-    run(2, options);
+void Q_2(const Options& options, const QueriedRegion& region) {
+    run(2, options, region);
 }
-void Q_3(const Options& options) {
-    run(3, options);
+void Q_3(const Options& options, const QueriedRegion& region) {
+    run(3, options, region);
 }
-void Q_4(const Options& options) {
-    run(4, options);
+void Q_4(const Options& options, const QueriedRegion& region) {
+    run(4, options, region);
 }
-void Q_5(const Options& options) {
-    run(5, options);
+void Q_5(const Options& options, const QueriedRegion& region) {
+    run(5, options, region);
 }
-void Q_6(const Options& options) {
-    run(6, options);
+void Q_6(const Options& options, const QueriedRegion& region) {
+    run(6, options, region);
 }
 
 int Q_during_install(bool during_install) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/options.h"
+#include "report/page_display.h"
 
 /// What a query asks for, in the words of the logs and of its page.
 struct AskedQuery {
@@ -18,14 +19,21 @@ struct AskedQuery {
 /// the edition; nothing when the operator cancelled a dialog.
 std::optional<AskedQuery> ask_for_query(int number, const Options& options, int edition);
 
+/// The region that a query looks at.
+struct QueriedRegion {
+    int edition;
+    std::string logging_dir;
+    PageRegion page;
+};
+
 /// The six queries of the menu: each asks for the parameters that the command line did not give,
 /// reads the logs and makes the page. A cancelled dialog ends it without reading anything.
-void Q_1(const Options& options);
-void Q_2(const Options& options);
-void Q_3(const Options& options);
-void Q_4(const Options& options);
-void Q_5(const Options& options);
-void Q_6(const Options& options);
+void Q_1(const Options& options, const QueriedRegion& region);
+void Q_2(const Options& options, const QueriedRegion& region);
+void Q_3(const Options& options, const QueriedRegion& region);
+void Q_4(const Options& options, const QueriedRegion& region);
+void Q_5(const Options& options, const QueriedRegion& region);
+void Q_6(const Options& options, const QueriedRegion& region);
 
 /// 1, after telling the operator, when the installer started the program: there is nothing to
 /// query yet. Else 0.

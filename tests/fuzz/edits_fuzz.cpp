@@ -27,9 +27,9 @@ std::string some_gatebits(FuzzedDataProvider& data) {
 }
 
 void run_actions(FuzzedDataProvider& data, const Options& options) {
-    interrogate_the_enterprise();
-    read_edition();
     Run run = {options};
+    run.region = interrogate_the_enterprise();
+    run.GATEWARDEN_IS = read_edition();
     for (int actions = data.ConsumeIntegralInRange(1, 3); actions > 0; --actions) {
         request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))->execute(run);
     }

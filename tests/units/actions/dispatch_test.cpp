@@ -92,7 +92,7 @@ TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
 }
 
 TEST_F(Dispatch, UnknownSetOfSettingsIsAFault) {
-    EXPECT_GRIPE(ask_all_configure('X'), "Internal error in ask_all_configure\n");
+    EXPECT_GRIPE(ask_all_configure('X', &run.region), "Internal error in ask_all_configure\n");
 }
 
 }  // namespace

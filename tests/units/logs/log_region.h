@@ -17,7 +17,6 @@
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
-#include "policy/region.h"
 
 /// A region with nothing but a logging directory of its own, and messages on standard output.
 class LogRegion : public testing::Test {
@@ -26,8 +25,6 @@ class LogRegion : public testing::Test {
         std::string pattern = testing::TempDir() + "gatescope_logs_XXXXXX";
         ASSERT_NE(mkdtemp(pattern.data()), nullptr);
         logging_dir = pattern;
-        ::logging_dir = pattern;
-        ENTERPRIZE_NAME = "east";
         ZUL_PREFER_GUI = 0;
         filter_by();
         end_of_day_time = set_time_values().end_of_day_time;

@@ -353,9 +353,7 @@ TEST_F(GatebitsFile, TheEditionIsWhatLineOneBeginsWith) {
                                                    {"#c\ngatewarden_lite;\ngatewarden;\n", 0}};
     for (const auto& [text, edition] : headers) {
         use_gatebits(text);
-        GATEWARDEN_IS = 7;
-        read_edition();
-        EXPECT_EQ(GATEWARDEN_IS, edition) << text;
+        EXPECT_EQ(read_edition(), edition) << text;
     }
 }
 

@@ -7,88 +7,86 @@
 
 namespace {
 
-class RegionSettings : public OnStage {
+class LoadedRegion : public OnStage {
   protected:
-    RegionSettings() { LOGGING = '?'; }
-
     /// Loads a region with this depot line and these lines on top.
     void load(const std::string& depot_line, const std::string& on_top = "") {
         use_gatebits(on_top + "gatewarden;a;b;east;\n" + depot_line + "\n" + ";/parent.txt;\n");
-        EXPECT_EQ(interrogate_the_enterprise(), 0);
+        settings = interrogate_the_enterprise();
     }
+    RegionSettings settings;
     std::string wrong_logging(const std::string& value, const std::string& letters,
                               const std::string& line) const {
         return "ERROR: Invalid Optional Logging Value: value=" + value + " not single char from (" +
                letters + ") for " + line + "\ngatebits file: " + region.gatebits_path() + ".";
     }
 };
-using RegionSettingsDeathTest = RegionSettings;
+using LoadedRegionDeathTest = LoadedRegion;
 
 const std::string MANGLED_DEPOT_TEXT =
     "ERROR: Missing or mangled region policy depot definition - missing data or semicolon(s) ';'";
 const std::string MANGLED_PARENT_TEXT =
     "ERROR: Missing or mangled parent gatebits file definition - missing data or semicolon(s) ';'";
 
-TEST_F(RegionSettings, AreWhatTheBlockSays) {
+TEST_F(LoadedRegion, AreWhatTheBlockSays) {
     load("C:\\depot;/unix/depot;A;");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;a;b;east;");
-    EXPECT_EQ(ENTERPRIZE_NAME, "east");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_POLICY_DIR, "/unix/depot");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_PARENT_FILE, "/parent.txt");
-    EXPECT_EQ(LOGGING, 'A');
-    EXPECT_EQ(logging_dir, "/unix/depot/log");
-    EXPECT_EQ(results_dir, "/unix/depot/query_results");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;a;b;east;");
+    EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/unix/depot");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, "/parent.txt");
+    EXPECT_EQ(settings.LOGGING, 'A');
+    EXPECT_EQ(settings.logging_dir, "/unix/depot/log");
+    EXPECT_EQ(settings.results_dir, "/unix/depot/query_results");
 }
 
-TEST_F(RegionSettings, EachOfTheFourPersonalitiesIsAccepted) {
+TEST_F(LoadedRegion, EachOfTheFourPersonalitiesIsAccepted) {
     for (const char letter : {'A', 'E', 'O', 'S'}) {
         load(std::string(";;") + letter + ";");
-        EXPECT_EQ(LOGGING, letter);
+        EXPECT_EQ(settings.LOGGING, letter);
     }
 }
 
-TEST_F(RegionSettings, NoThirdFieldMeansLoggingIsOff) {
+TEST_F(LoadedRegion, NoThirdFieldMeansLoggingIsOff) {
     load(";;");
-    EXPECT_EQ(LOGGING, 'O');
-    LOGGING = '?';
+    EXPECT_EQ(settings.LOGGING, 'O');
     load(";;S");
-    EXPECT_EQ(LOGGING, 'O');
+    EXPECT_EQ(settings.LOGGING, 'O');
 }
 
-TEST_F(RegionSettings, EmptyFieldsReadAsABlank) {
+TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
     use_gatebits("gatewarden;;;;\n;;\n;;\n");
-    interrogate_the_enterprise();
-    EXPECT_EQ(ENTERPRIZE_NAME, " ");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_PARENT_FILE, " ");
-    EXPECT_EQ(logging_dir, " /log");
-    EXPECT_EQ(results_dir, " /query_results");
+    settings = interrogate_the_enterprise();
+    EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, " ");
+    EXPECT_EQ(settings.logging_dir, " /log");
+    EXPECT_EQ(settings.results_dir, " /query_results");
 }
 
-TEST_F(RegionSettings, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
+TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
     use_gatebits(
         "# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
-    interrogate_the_enterprise();
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;;;east;");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
-    EXPECT_EQ(SYSTEM_VARS__SYSTEM_PARENT_FILE, "/p");
-    EXPECT_EQ(LOGGING, 'S');
+    settings = interrogate_the_enterprise();
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;;;east;");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, "/p");
+    EXPECT_EQ(settings.LOGGING, 'S');
 }
 
-TEST_F(RegionSettings, RelocatedUnixDirectoriesWinAndWindowsOnesNeverDo) {
+TEST_F(LoadedRegion, RelocatedUnixDirectoriesWinAndWindowsOnesNeverDo) {
     load(";/depot;O;",
          "#!gatescope_relocated_logging_dir_windows=W:\\log\n"
          "#!gatescope_relocated_results_dir_windows=W:\\results\n");
-    EXPECT_EQ(logging_dir, "/depot/log");
-    EXPECT_EQ(results_dir, "/depot/query_results");
+    EXPECT_EQ(settings.logging_dir, "/depot/log");
+    EXPECT_EQ(settings.results_dir, "/depot/query_results");
     load(";/depot;O;",
          "#!gatescope_relocated_logging_dir_unix=/else/where\n"
          "  #!gatescope_relocated_results_dir_unix=/pages=1\n");
-    EXPECT_EQ(logging_dir, "/else/where");
-    EXPECT_EQ(results_dir, "/pages=1");
+    EXPECT_EQ(settings.logging_dir, "/else/where");
+    EXPECT_EQ(settings.results_dir, "/pages=1");
 }
 
-TEST_F(RegionSettings, VariablesWithoutALineKeepTheirValueWhenTheRegionIsLoaded) {
+TEST_F(LoadedRegion, VariablesWithoutALineKeepTheirValueWhenTheRegionIsLoaded) {
     GS_VAR[UNIX_BROWSER] = "/old/browser";
     GS_VAR[UNIX_CHECKER] = "/old/checker";
     load(";/depot;O;", "#!gatescope_unix_gatewarden_check=\n");
@@ -96,24 +94,24 @@ TEST_F(RegionSettings, VariablesWithoutALineKeepTheirValueWhenTheRegionIsLoaded)
     EXPECT_EQ(GS_VAR[UNIX_CHECKER], "");
 }
 
-TEST_F(RegionSettings, TheLastOfSeveralLinesOfAVariableWins) {
+TEST_F(LoadedRegion, TheLastOfSeveralLinesOfAVariableWins) {
     load(";/depot;O;", "#!gatescope_unix_browser=/one\n#!gatescope_unix_browser=/two\n");
     EXPECT_EQ(GS_VAR[UNIX_BROWSER], "/two");
 }
 
-TEST_F(RegionSettingsDeathTest, AThirdFieldThatIsNotOneLetterNamesNesa) {
+TEST_F(LoadedRegionDeathTest, AThirdFieldThatIsNotOneLetterNamesNesa) {
     EXPECT_GRIPE(load(";/d;OO;"), wrong_logging("OO", "NESA", ";/d;OO;"));
     EXPECT_GRIPE(load(";;;"), wrong_logging("", "NESA", ";;;"));
 }
 
-TEST_F(RegionSettingsDeathTest, AThirdFieldOfAnotherLetterNamesOesa) {
+TEST_F(LoadedRegionDeathTest, AThirdFieldOfAnotherLetterNamesOesa) {
     for (const char* letter : {"N", "o", "B", "1", " "}) {
         const std::string line = std::string(";/d;") + letter + ";";
         EXPECT_GRIPE(load(line), wrong_logging(letter, "OESA", line));
     }
 }
 
-TEST_F(RegionSettingsDeathTest, ADamagedBlockStopsTheProgram) {
+TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(load("/depot;"), MANGLED_DEPOT_TEXT);
     EXPECT_GRIPE(load("C:\\depot;/depot"), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;;;east;\n");
@@ -124,7 +122,7 @@ TEST_F(RegionSettingsDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(interrogate_the_enterprise(), MANGLED_PARENT_TEXT);
 }
 
-TEST_F(RegionSettingsDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
+TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
     use_gatebits("gatewarden;;;east\n;;\n;;\n");
     EXPECT_EXIT(
         {
@@ -135,7 +133,7 @@ TEST_F(RegionSettingsDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
         testing::ExitedWithCode(99), "ERROR:.*header");
 }
 
-TEST_F(RegionSettingsDeathTest, AFileWithoutASignificantLineHasNoHeader) {
+TEST_F(LoadedRegionDeathTest, AFileWithoutASignificantLineHasNoHeader) {
     use_gatebits("# only\n  # comments\n \t\n");
     EXPECT_EXIT(
         {
@@ -146,7 +144,7 @@ TEST_F(RegionSettingsDeathTest, AFileWithoutASignificantLineHasNoHeader) {
         testing::ExitedWithCode(99), "ERROR:.*header");
 }
 
-TEST_F(RegionSettingsDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
+TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
     use_gatebits("gatewarden;\n/depot;\n/parent;\n");
     EXPECT_GRIPE(interrogate_the_enterprise(), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;\n;;\n/parent;\n");

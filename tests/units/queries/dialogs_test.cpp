@@ -161,7 +161,7 @@ TEST_F(AskedQuery, AStarIsAllKeys) {
 
 TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
     struct Case {
-        void (*driver)(const Options&);
+        void (*driver)(const Options&, const QueriedRegion&);
         std::vector<std::string> answers;
     };
     const std::vector<Case> cases = {{Q_1, {}}, {Q_1, {"*"}}, {Q_2, {}},         {Q_2, {"* - all"}},
@@ -203,7 +203,7 @@ TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
         {
             ZUL_PREFER_GUI = 0;
             dup2(STDERR_FILENO, STDOUT_FILENO);
-            Q_2(options);
+            Q_2(options, region());
         },
         testing::ExitedWithCode(99),
         HasSubstr("Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2"));

@@ -16,9 +16,7 @@
 #include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "logs/query_data.h"
-#include "policy/edition.h"
 #include "policy/gatebits_file.h"
-#include "policy/region.h"
 #include "queries/query_drivers.h"
 
 /// A test with a region of its own, where clearprompt is a script that writes down its arguments
@@ -37,14 +35,11 @@ class QueryRegion : public testing::Test {
         setenv("PATH", (directory_ + ":/usr/bin:/bin").c_str(), 1);
         setenv("STAGE", directory_.c_str(), 1);
         ENTERPRIZE_PERMISSION_FILE = path("gatebits.txt");
-        logging_dir = path("log");
-        results_dir = path("results");
         TEMP_DIR = path("tmp");
         GLOBAL_PID_STRING = "1";
         ZUL_PREFER_GUI = 1;
         // No message may outlive the test in the background.
         ZUL_REMOTE_CLIENT_USER = 1;
-        GATEWARDEN_IS = 1;
         options.selected_display = "n";
     }
     ~QueryRegion() override { std::filesystem::remove_all(directory_); }
@@ -95,10 +90,14 @@ class QueryRegion : public testing::Test {
         return true;
     }
 
+    [[nodiscard]] QueriedRegion region() const {
+        return {GATEWARDEN_IS, path("log"), {"east", path("gatebits.txt"), path("results"), ""}};
+    }
+
     /// Runs a driver as the main loop does.
-    void run(void (*driver)(const Options&)) {
+    void run(void (*driver)(const Options&, const QueriedRegion&)) {
         testing::internal::CaptureStdout();
-        driver(options);
+        driver(options, region());
         testing::internal::GetCapturedStdout();
     }
 
@@ -127,6 +126,7 @@ class QueryRegion : public testing::Test {
     }
 
     Options options;
+    int GATEWARDEN_IS = 1;
     std::string graph_title;
     std::array<std::string, 4> filters;
     QueryResult result;

@@ -227,7 +227,7 @@ TEST_F(GivenQuery, TwoQueriesShareNothing) {
 }
 
 TEST_F(GivenQuery, ThePageCarriesTheNumberOfTheQuery) {
-    void (*const drivers[])(const Options&) = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
+    void (*const drivers[])(const Options&, const QueriedRegion&) = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
     for (const auto driver : drivers) run(driver);
     std::vector<std::string> names;
     for (const auto& page : std::filesystem::directory_iterator(path("results"))) {
