@@ -26,7 +26,7 @@
 //                                         added.
 //     a log's old file                    F is what its new text was made of, I its own inode.
 //                                         Who had opened the log before may have written behind F.
-//     its new text, for a moment before   Nothing stands behind F.  It goes.
+//     its new text, for a moment before   The log has all that stands behind F.  It goes.
 //     an old file that is the log still   Where a file system cannot exchange two names it gets
 //                                         the second one first.  That goes.
 //     any, while it is being added        I is the log, S its size when that began.

@@ -44,6 +44,7 @@ class NewText {
   public:
     explicit NewText(std::string path) : path_(std::move(path)) {}
 
+    const std::string& path() const { return path_; }
     bool exists() const { return static_cast<bool>(file_); }
 
     /// Creates it. 0 or an errno.
@@ -89,7 +90,8 @@ class NewText {
 int begin(const std::string& log, int old_log, off_t size, bool is_linked, NewText* text) {
     if (!may_be_replaced(log, status_of(old_log))) return EPERM;
     const int error = text->begin();
-    if (error != 0 && !(is_linked && is_refusal(error))) gripe(NO_PRUNING_FILE);
+    if (error != 0 && !(is_linked && is_refusal(error)))
+        gripe(NO_PRUNING_FILE, text->path(), error);
     if (error != 0) return error;
     read_pieces(old_log, log, 0, size, [&](std::string_view same) { text->add(same); });
     return 0;

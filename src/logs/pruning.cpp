@@ -30,22 +30,16 @@ struct Log {
     std::vector<LeftOver> left_overs;
 };
 
-/// Tells the reason on standard error, and ends the program with the described text.
-[[noreturn]] void gripe_about(const std::string& path, int error, const char* text) {
-    note(filled(FILE_AND_REASON, path.c_str(), std::strerror(error)));
-    gripe(text);
-}
-
 /// Opens a file for appending and makes it where it is missing; gripes when that cannot be done.
 Descriptor open_to_append(const std::string& path, const char* failure) {
     constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
     // In two steps: in sticky directories the system may make nothing where somebody's file is.
     Descriptor file(open(path.c_str(), FLAGS));
     if (!file && errno == ENOENT) file = Descriptor(open(path.c_str(), FLAGS | O_CREAT, 0666));
-    if (!file) gripe_about(path, errno, failure);
+    if (!file) gripe(failure, path, errno);
     struct stat status;
-    if (fstat(file.get(), &status) != 0) gripe_about(path, errno, failure);
-    if (!S_ISREG(status.st_mode)) gripe_about(path, EEXIST, failure);
+    if (fstat(file.get(), &status) != 0) gripe(failure, path, errno);
+    if (!S_ISREG(status.st_mode)) gripe(failure, path, EEXIST);
     return file;
 }
 
@@ -112,23 +106,25 @@ void Pruning::run() {
 void Pruning::put_up_token() {
     // The directory stays locked when the token has gone.
     directory_ = Descriptor(open(logs_.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory_) gripe_about(token_path_, errno, NO_PRUNING_TOKEN);
+    if (!directory_) gripe(NO_PRUNING_TOKEN, token_path_, errno);
     lock(directory_.get());
-    const SignalsHeld held;
+    // From its first moment on: whoever has the directory locked is the only one with a token.
+    remember_for_signals(token_path_);
     token_ = open_to_append(token_path_, NO_PRUNING_TOKEN);
     lock(token_.get());
-    remember_for_signals(token_path_);
     const int error = write_all(token_.get(), filled(TOKEN_TEXT, time_text(cut_off_).c_str()));
-    if (error != 0) gripe_about(token_path_, error, NO_PRUNING_TOKEN);
+    if (error != 0) gripe(NO_PRUNING_TOKEN, token_path_, error);
 }
 
 void Pruning::take_down_token() {
-    // A signal must not take away the token of whoever prunes next.
-    const SignalsHeld held;
-    forget_temporary_file(token_path_);
-    if (unlink(token_path_.c_str()) != 0 && errno != ENOENT) {
-        gripe(filled(TOKEN_STAYS, token_path_.c_str(), std::strerror(errno)));
+    int error = 0;
+    {
+        // A signal must not take away the token of whoever prunes next.
+        const SignalsHeld held;
+        forget_temporary_file(token_path_);
+        if (unlink(token_path_.c_str()) != 0 && errno != ENOENT) error = errno;
     }
+    if (error != 0) gripe(filled(TOKEN_STAYS, token_path_.c_str(), std::strerror(error)));
 }
 
 /// Two that prune the same region at once would take each other's files for left-overs.

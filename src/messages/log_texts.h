@@ -64,8 +64,6 @@ inline constexpr char TOKEN_TEXT[] = "pruning records before:\n   %s\n";
 inline constexpr char PRUNED_BY_ANOTHER[] =
     "ERROR: The logs of the Gatewarden Region (%s) are being pruned by another process.  Nothing "
     "was changed.";
-/// On standard error. File, the system's reason.
-inline constexpr char FILE_AND_REASON[] = "(%s): %s";
 /// What was to be done, file, the system's reason.
 inline constexpr char PRUNING_STOPPED[] =
     "ERROR: Pruning stopped, because it could not %s (%s): %s.  No record is lost.  As long as the "
