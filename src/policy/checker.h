@@ -5,7 +5,8 @@
 
 // The policy engine's own checker, run on the gatebits file in use.
 
-/// Where to look for the checker when the gatebits file names none that exists. Set at start-up.
+/// Where to look for the checker when the gatebits file names none that exists. Set once, at
+/// start-up, from the name that the run was started with.
 extern std::string EMERGENCY_CHECKER;
 
 /// What a checker run is asked for.

@@ -11,8 +11,9 @@
 // every change reads it, changes it and replaces it whole in one step that no other gatescope can
 // come between.
 
-/// Path of the gatebits file in use. Set by the command line and by the actions that switch,
-/// create and copy gatebits files; read by everybody who touches the file.
+/// Path of the gatebits file in use. A run has one at a time, and every reader and writer here is
+/// of that one. Set by the choice of the file and by the actions that switch, create and copy
+/// gatebits files.
 extern std::string ENTERPRIZE_PERMISSION_FILE;
 
 /// The policy engine reads no more than this many bytes, so no reader or writer here does.
