@@ -33,8 +33,8 @@ void A_29(Run& run);
 
 /// How a guarded action ended.
 struct Guarded {
-    /// 1 when the file is no worse than before, 0 when the check could not be run or the path
-    /// entered does not hold.
+    /// 1 when the file is no worse than before, 0 when the check could not be run, when nothing was
+    /// written because somebody else has changed the file, or when the path entered does not hold.
     int holds;
     LastAnswer last_answer;
 };

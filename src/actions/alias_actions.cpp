@@ -112,6 +112,7 @@ LastAnswer A_17(Aliases& aliases) {
         if (consent == CONFIRMED) {
             const auto result = add_change_remove_an_alias(ADD_ALIAS, *name, *value, aliases);
             if (written_or_told(result)) add_confirmed_alias(line);
+            return {value, result};
         }
         return value;
     }
@@ -166,6 +167,7 @@ LastAnswer A_20(Aliases& aliases) {
             const auto result =
                 add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value, aliases);
             if (written_or_told(result)) change_confirmed(change);
+            return {value, result};
         }
         return value;
     }

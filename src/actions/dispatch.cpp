@@ -111,6 +111,8 @@ Guarded A_X(Run& run, int n) {
         const std::string bytes = read_gatebits_bytes();
         // A run without a dialog leaves the answer of the run before.
         if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
+        // Nothing was entered that another value could take the place of.
+        if (last_answer.changed_meanwhile) return {0, last_answer};
         times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
         if (const FieldEditor* field = path_field(n)) return {path_holds(*field), last_answer};
 

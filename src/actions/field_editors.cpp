@@ -22,13 +22,13 @@ std::vector<FieldChange> changes_of(const FieldEditor& editor, const std::string
     return changes;
 }
 
-Edited write_and_report(const FieldEditor& editor, const Change& change,
-                        const std::vector<FieldChange>& changes, RegionSettings* region) {
+ChangeResult write_and_report(const FieldEditor& editor, const Change& change,
+                              const std::vector<FieldChange>& changes, RegionSettings* region) {
     const ChangeResult result = set_fields(changes);
-    if (!field_written_or_told(result, change.item, editor.line, editor.field)) return Edited::LEFT;
+    if (!field_written_or_told(result, change.item, editor.line, editor.field)) return result;
     change_confirmed(change);
     if (editor.kind->changes_settings) *region = interrogate_the_enterprise();
-    return Edited::WRITTEN;
+    return result;
 }
 
 std::string warnings_of(const FieldEditor& editor, const Change& change) {
@@ -78,7 +78,9 @@ Edit edit(const FieldEditor& editor, RegionSettings* region) {
         const Consent consent = confirm_change(change, warnings_of(editor, change));
         if (consent == DECLINED) continue;
         if (consent != CONFIRMED) return {Edited::LEFT, entered.last_answer};
-        return {write_and_report(editor, change, changes, region), entered.last_answer};
+        const ChangeResult result = write_and_report(editor, change, changes, region);
+        return {result == ChangeResult::WRITTEN ? Edited::WRITTEN : Edited::LEFT,
+                {entered.last_answer, result}};
     }
 }
 

@@ -72,15 +72,18 @@ bool edit_key(const Key& key, LastAnswer* last_answer) {
     *last_answer = text;
     const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
     if (confirm_change(change, key_reminder()) != CONFIRMED) return true;
-    if (!written_or_told(set_a_line(FIRST_KEY_LINE + key.index, *text, key.line))) return false;
+    const auto result = set_a_line(FIRST_KEY_LINE + key.index, *text, key.line);
+    *last_answer = {text, result};
+    if (!written_or_told(result)) return false;
     change_confirmed(change);
     return true;
 }
 
-bool delete_key(const Key& key) {
+bool delete_key(const Key& key, LastAnswer* last_answer) {
     const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
     if (confirm_delete(change) != CONFIRMED) return true;
     const auto result = set_a_line(FIRST_KEY_LINE + key.index, DELETION_TOKEN, key.line);
+    *last_answer = {*last_answer, result};
     if (!written_or_told(result)) return false;
     delete_confirmed(change);
     return true;
@@ -102,7 +105,7 @@ LastAnswer A_21(int edition) {
         if (!pick) return last_answer;
         const Key key = picked_key(*pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
-        if (answer == NO && !delete_key(key)) return last_answer;
+        if (answer == NO && !delete_key(key, &last_answer)) return last_answer;
         if (answer == YES && !edit_key(key, &last_answer)) return last_answer;
     }
 }

@@ -235,6 +235,7 @@ ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
     change_gatebits_lines([&](std::vector<std::string>* lines) {
         const AliasesRead now = aliases_in(*lines);
         if (value_of(name, now.definitions) != value_shown(name, shown)) return false;
+        if (mode == ADD_ALIAS && now.definitions.size() >= MAX_ALIASES) return false;
         std::vector<std::string> changed = alias_lines_after(change, now.definitions);
         count = append_other_lines(change, *lines, now.lines, &changed);
         *lines = changed;

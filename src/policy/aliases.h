@@ -41,7 +41,8 @@ inline constexpr char DEFINITION_ONLY[] = " ";
 
 /// Rewrites the gatebits file with all alias lines at its top, changed as `mode` says, and tells
 /// the operator what became of the references. The tables must be what the operator was shown: when
-/// the file has since got another definition of `name`, nothing is written or told.
+/// the file has since got another definition of `name`, or has no room for one more, nothing is
+/// written or told.
 ///   ADD_ALIAS                the alias `name` with `value` comes last
 ///   CHANGE_ALIAS             the alias gets `value`; references are counted
 ///   REMOVE_ALIAS             the alias goes; references are removed or counted, as `value` says

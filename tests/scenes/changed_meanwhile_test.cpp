@@ -2,9 +2,15 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
+#include <fstream>
+
 #include "scenes/actions.h"
 
 namespace {
+
+const std::string ONE = "#!gatewarden_alias one x";
+const std::string ALIAS_GONE = "/#!gatewarden_alias one/d";
 
 RegionPlan region_of_three_keys() {
     return a_region()
@@ -115,15 +121,53 @@ TEST(ChangedMeanwhile, WhatGoesWithAClearedDepot) {
     }
 }
 
+/// A checker to whom every file that holds `fault` has one error.
+void checker_finds(const std::string& fault, const Region& region) {
+    std::filesystem::remove(region.checker_path());
+    std::ofstream(region.checker_path()) << "#!/bin/sh\n! grep -q '" + fault + "' \"$1\"\n";
+    std::filesystem::permissions(region.checker_path(), std::filesystem::perms(0755));
+}
+
+// Whatever the checker says of the file now, it is not about a value that could be entered again.
+TEST(ChangedMeanwhile, AGuardedActionIsNotOfferedAgain) {
+    Region fields = region_of_three_keys().with_line(5, "; (a) ;");
+    std::string before = fields.gatebits();
+    checker_finds("gatewarden", fields);
+    fields.types("(b)").answers(yes_while("s/(a)/(z)/"));
+    expect_told(fields, "11", before, with_replaced(before, "(a)", "(z)"));
+
+    Region keys = region_of_three_keys();
+    before = keys.gatebits();
+    checker_finds("gatewarden", keys);
+    keys.operator_picks("000 aaa;").answers_yes().types("new;").answers(yes_while("s/aaa/zzz/"));
+    expect_told(keys, "21", before, with_replaced(before, "aaa", "zzz"));
+
+    // The one who has changed it has made it faulty, too.
+    Region faulty_now = region_of_three_keys();
+    checker_finds("zzz", faulty_now);
+    faulty_now.operator_picks("001 bbb;").answers_no().answers(yes_while("s/bbb/zzz/"));
+    before = faulty_now.gatebits();
+    expect_told(faulty_now, "21", before, with_replaced(before, "bbb", "zzz"));
+
+    Region new_alias = region_of_three_keys();
+    before = new_alias.gatebits();
+    checker_finds("gatewarden", new_alias);
+    new_alias.types("three").types("ours").answers(yes_while("s/alias one x/alias three x/"));
+    expect_told(new_alias, "17", before, with_replaced(before, "alias one x", "alias three x"));
+
+    Region alias = region_of_three_keys();
+    before = alias.gatebits();
+    checker_finds("gatewarden", alias);
+    alias.operator_picks(ONE).types("z").answers(yes_while("s/one x/one y/"));
+    expect_told(alias, "20", before, with_replaced(before, "one x", "one y"));
+}
+
 TEST(ChangedMeanwhile, OtherFieldsOfTheLineDoNotMatter) {
     Region east = region_of_three_keys();
     east.types("new").answers(yes_while("s/;old;;/;old;(list);/"));
     EXPECT_EQ(east.run({"A=13", "R=n"}).dialogs().size(), 2u);
     EXPECT_EQ(east.line(7), ";new;(list);");
 }
-
-const std::string ONE = "#!gatewarden_alias one x";
-const std::string ALIAS_GONE = "/#!gatewarden_alias one/d";
 
 TEST(ChangedMeanwhile, Alias) {
     Region east = region_of_three_keys();
@@ -140,6 +184,15 @@ TEST(ChangedMeanwhile, Alias) {
     south.types("new").types("ours").answers(yes_while("s/alias one x/alias new x/"));
     expect_told(south, "17", south_before,
                 with_replaced(south_before, "alias one x", "alias new x"));
+}
+
+TEST(ChangedMeanwhile, TheLastAliasThatThereIsRoomFor) {
+    RegionPlan plan = a_region();
+    for (int i = 0; i < 79; ++i) plan.with_alias("a" + std::to_string(i), "x");
+    Region east = plan;
+    const std::string before = east.gatebits();
+    east.types("ours").types("value").answers(yes_while("1i #!gatewarden_alias theirs x"));
+    expect_told(east, "17", before, "#!gatewarden_alias theirs x\n" + before);
 }
 
 TEST(ChangedMeanwhile, Setting) {
