@@ -67,7 +67,7 @@ class Pruning {
     Log find_log(int number);
     void add_left_overs(Log* log, KeptRecords* records, Moment deadline);
     void rewrite(Log* log, Moment deadline);
-    void merge_companions(Moment deadline);
+    void merge_companions();
     bool take_companion_of(Log* log);
     void leave_alone(Place* place, const std::string& reason);
     void tell(const std::string& line);
@@ -94,11 +94,11 @@ void Pruning::run() {
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
     for (Log& log : found_) add_left_overs(&log, &recovered_, deadline);
     for (Log& log : found_) rewrite(&log, deadline);
-    merge_companions(deadline);
+    merge_companions();
     take_down_token();
     // Who saw it a moment ago may still have gone to a companion.
     short_pause();
-    merge_companions(when_writers_have_written());
+    merge_companions();
     tell_result();
 }
 
@@ -180,10 +180,12 @@ void Pruning::rewrite(Log* log, Moment deadline) {
 }
 
 /// Adds to the logs what has come into companions.
-void Pruning::merge_companions(Moment deadline) {
+void Pruning::merge_companions() {
     bool taken = false;
     for (Log& log : found_) taken |= take_companion_of(&log);
     if (taken) short_pause();
+    // Whoever has opened one did so before it was taken.
+    const Moment deadline = when_writers_have_written();
     for (Log& log : found_) add_left_overs(&log, &records_, deadline);
 }
 

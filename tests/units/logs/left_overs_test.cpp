@@ -146,6 +146,25 @@ TEST_F(LeftOvers, ACompanionKeptOpenIsAddedAndDoesNotShieldItsLog) {
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2) + fresh(3) + fresh(4)}}));
 }
 
+TEST_F(LeftOvers, WhereTheSystemDoesNotTellACompanionIsWaitedForFromItsTakingOn) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    write_log(3, fresh(1));
+    write_file(pruning_companion_path(3), fresh(2));
+    for (const std::string& path : {log_file_path(3), pruning_companion_path(3)}) {
+        ASSERT_EQ(chmod(path.c_str(), 0666), 0);
+    }
+    const SlowWriter writer(pruning_companion_path(3));
+    // The log has been waited for by then.
+    const Later record([&] {
+        usleep(2'600'000);
+        writer.write(fresh(3));
+        writer.end();
+    });
+    EXPECT_EQ(said_to(OPERATOR), result(0, 3));
+    EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2) + fresh(3));
+}
+
 TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
     // The first pruning was ended when the new text had become the log.
     write_log(0, fresh(1));
