@@ -45,11 +45,11 @@ bool includes_all_cases(const std::string& text) {
     });
 }
 
-bool healthy(const char* text, const char* allowed) {
+bool holds_only(const char* text, const char* allowed) {
     return text != nullptr && text[std::strspn(text, allowed)] == '\0';
 }
 
-bool unhealthy(const char* text, const char* forbidden) {
+bool holds_any_of(const char* text, const char* forbidden) {
     return text != nullptr && std::strpbrk(text, forbidden) != nullptr;
 }
 

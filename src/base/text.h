@@ -24,10 +24,10 @@ std::string* in_string__insert_this_char_after_nth_instance_of_that_char(std::st
 bool includes_all_cases(const std::string& text);
 
 /// Whether every character of `text` is one of `allowed` (an empty text: yes; null: no).
-bool healthy(const char* text, const char* allowed);
+bool holds_only(const char* text, const char* allowed);
 
 /// Whether any character of `text` is one of `forbidden` (an empty text: no; null: no).
-bool unhealthy(const char* text, const char* forbidden);
+bool holds_any_of(const char* text, const char* forbidden);
 
 /// Hands out the first piece of `*rest` and leaves there what comes after its delimiter. Unlike the
 /// standard tokenizer it returns empty pieces, and it drops a last piece that no delimiter follows:

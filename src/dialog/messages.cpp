@@ -15,6 +15,15 @@ int ZUL_REMOTE_CLIENT_USER = 0;
 
 namespace {
 
+// Command lines; the texts in them come quoted already.
+
+/// CLEARPROMPT, newline option, message.
+constexpr char GRIPE_LINE[] = "%s yes_no -mask abort -def abort -pre %s -pro %s &";
+/// CLEARPROMPT, newline option, message, then "" to wait or " &" not to.
+constexpr char ADVISE_LINE[] = "%s yes_no -mask yes -def yes -pre %s -pro %s%s";
+/// CLEARPROMPT, mask, default, newline option, message.
+constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
+
 /// The answer that the default's first letter stands for.
 Answer preset_answer(const std::string& def) {
     switch (def.empty() ? '\0' : def.front()) {

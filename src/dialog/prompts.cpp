@@ -24,6 +24,18 @@
 
 namespace {
 
+// Command lines; the texts in them come quoted already.
+
+/// CLEARPROMPT, result file, default, newline option, prompt. The two blanks belong there.
+constexpr char PROMPT_LINE[] = "%s text -prefer_gui -outfile %s  -default %s %s -prompt %s";
+/// CLEARPROMPT, result file, file with the default, newline option, prompt.
+constexpr char PROMPT_FROM_FILE_LINE[] = "%s text -prefer_gui -outfile %s  -dfile %s %s -prompt %s";
+/// CLEARPROMPT, result file, file to show, title.
+constexpr char SHOW_FILE_LINE[] =
+    "%s text -prefer_gui -multi_line -outfile %s -dfile %s -newline -prompt %s";
+/// CLEARPROMPT, result file, items, " " or "-choices", title.
+constexpr char LIST_LINE[] = "%s list -prefer_gui -outfile %s -newline -items %s %s -prompt %s";
+
 /// Largest answer of a multiple choice, in bytes.
 constexpr std::size_t LARGEST_SELECTION = 10001;
 

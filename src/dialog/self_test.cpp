@@ -15,6 +15,9 @@
 
 namespace {
 
+constexpr char USABILITY_LINE[] = "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
+constexpr char CLEARTOOL_LINE[] = "cleartool -ver";
+
 void test_clearprompt() {
     print_stdout(EXPECTED_OS);
     print_stdout(filled(TESTING_USABILITY, CLEARPROMPT));

@@ -16,6 +16,13 @@
 
 namespace {
 
+// Records as the policy engine writes them: time, kind, user, command, then detail letter and
+// number where they vary.
+constexpr char DENIED_RECORD[] = "%ld:%c:%s[%d]%c<%d>\n";
+constexpr char BIT_RECORD[] = "%ld:%c:%s[%d]-<%d>\n";
+constexpr char ALLOWED_RECORD[] = "%ld:%c:%s[%d]-<->\n";
+constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
+
 constexpr int DEMO_RECORDS = 50000;
 constexpr int PROGRESS_STEP = 100;
 /// Only the first three are ever drawn.

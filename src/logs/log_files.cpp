@@ -8,6 +8,13 @@
 
 namespace {
 
+// Names of the files in the logging directory: directory, delimiter, then the number where there
+// is one.
+constexpr char LOGGING_NORMAL_PATTERN[] = "%s%clogging_%d.txt";
+constexpr char LOGGING_PRUNING_PATTERN[] = "%s%clogging__%d.txt";
+constexpr char LOGGING_PRUNING_FILE[] = "%s%cpruning_.txt";
+constexpr char LOGGING_PRUNING_TOKEN[] = "%s%clogging_pruning_token.txt";
+
 constexpr std::array<const char*, 7> WEEKDAYS = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
 constexpr std::array<const char*, 12> MONTHS = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};

@@ -81,7 +81,7 @@ void take_bit(const Argument& argument, Options* options) {
     options->selected_bit = ALL_NUMBERS;
     if (argument.value == EVERYTHING) return;
     if (argument.value.front() == '*') gripe(filled(ERROR_43, whole, HIGHEST_BIT));
-    if (!healthy(argument.value.c_str(), DIGITS)) gripe(filled(ERROR_43b, whole, HIGHEST_BIT));
+    if (!holds_only(argument.value.c_str(), DIGITS)) gripe(filled(ERROR_43b, whole, HIGHEST_BIT));
     const long bit = leading_number(argument.value.c_str());
     if (bit > HIGHEST_BIT) gripe(filled(ERROR_43, whole, HIGHEST_BIT));
     options->selected_bit = static_cast<int>(bit);
@@ -90,7 +90,7 @@ void take_bit(const Argument& argument, Options* options) {
 void take_key(const Argument& argument, Options* options) {
     options->selected_key = ALL_NUMBERS;
     if (argument.value == EVERYTHING) return;
-    if (!healthy(argument.value.c_str(), DIGITS)) {
+    if (!holds_only(argument.value.c_str(), DIGITS)) {
         gripe(filled(ERROR_45, argument.whole.c_str()));
     }
     options->selected_key = leading_number(argument.value.c_str());

@@ -3,9 +3,6 @@
 // Texts around aliases: faults of alias lines, and what a change did to the references. A
 // reference is shown as "~name " with its blank, so no blank stands before the word alias.
 
-/// ALIAS_LOCATER, name, value.
-inline constexpr char ALIAS_LINE[] = "%s%s %s";
-
 /// Limit, line.
 inline constexpr char TOO_MANY_ALIASES[] =
     "ERROR: read alias exceeds max of %d alias definitions: %s\n";

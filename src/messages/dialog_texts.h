@@ -1,30 +1,11 @@
 #pragma once
 
-// Command lines and fixed texts of the message boxes, prompts and lists. In every command line
-// the texts come quoted already.
+// Fixed texts of the message boxes, prompts and lists.
 
 inline constexpr char CLEARPROMPT[] = "clearprompt";
 
 /// Program, place of the fault.
 inline constexpr char UNEXPECTED_CASE[] = "Internal Error: Inform ZUL: Unexpected case in %s:%s\n";
-
-/// CLEARPROMPT, newline option, message.
-inline constexpr char GRIPE_LINE[] = "%s yes_no -mask abort -def abort -pre %s -pro %s &";
-/// CLEARPROMPT, newline option, message, then "" to wait or " &" not to.
-inline constexpr char ADVISE_LINE[] = "%s yes_no -mask yes -def yes -pre %s -pro %s%s";
-/// CLEARPROMPT, mask, default, newline option, message.
-inline constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
-/// CLEARPROMPT, result file, default, newline option, prompt. The two blanks belong there.
-inline constexpr char PROMPT_LINE[] = "%s text -prefer_gui -outfile %s  -default %s %s -prompt %s";
-/// CLEARPROMPT, result file, file with the default, newline option, prompt.
-inline constexpr char PROMPT_FROM_FILE_LINE[] =
-    "%s text -prefer_gui -outfile %s  -dfile %s %s -prompt %s";
-/// CLEARPROMPT, result file, file to show, title.
-inline constexpr char SHOW_FILE_LINE[] =
-    "%s text -prefer_gui -multi_line -outfile %s -dfile %s -newline -prompt %s";
-/// CLEARPROMPT, result file, items, " " or "-choices", title.
-inline constexpr char LIST_LINE[] =
-    "%s list -prefer_gui -outfile %s -newline -items %s %s -prompt %s";
 
 /// For standard error: CLEARPROMPT, why, what became of it, the text that it should have shown.
 inline constexpr char DIALOG_IS_LOST[] = "%s could not be started (%s); this could not be %s:\n%s";

@@ -2,11 +2,6 @@
 
 // The page file and its display: names and messages.
 
-/// Year, month, day, hour, minute, second, query number.
-inline constexpr char PAGE_FILE_NAME[] = "%04d%02d%02d_%02d%02d%02d_Q%02d.html";
-/// Directory, delimiter, name.
-inline constexpr char PAGE_FILE_PATH[] = "%s%c%s";
-
 /// Path.
 inline constexpr char CANNOT_OPEN_PAGE[] = "Could not create/open results file (%s)\n";
 /// Path, reason; for standard error.
@@ -39,7 +34,5 @@ inline constexpr char BROWSER_DOES_NOT_EXIST[] =
     "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
 /// Page file's name.
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
-/// Browser and path of the page, quoted as is wished.
-inline constexpr char BROWSER_LINE[] = "%s %s";
 /// Raw status, browser.
 inline constexpr char BROWSER_FAILED[] = "Warning: return code=%d returned from %s...";

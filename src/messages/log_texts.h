@@ -2,13 +2,6 @@
 
 // Texts of the log reader, the pruner and the demo data generator.
 
-// Names of the files in the logging directory: directory, delimiter, then the number where there
-// is one.
-inline constexpr char LOGGING_NORMAL_PATTERN[] = "%s%clogging_%d.txt";
-inline constexpr char LOGGING_PRUNING_PATTERN[] = "%s%clogging__%d.txt";
-inline constexpr char LOGGING_PRUNING_FILE[] = "%s%cpruning_.txt";
-inline constexpr char LOGGING_PRUNING_TOKEN[] = "%s%clogging_pruning_token.txt";
-
 /// File, the system's reason.
 inline constexpr char LOG_READ_FAILURE[] =
     "ERROR: The log file (%s) could not be read to its end: %s.  The file is as it was.";
@@ -38,13 +31,6 @@ inline constexpr char DEMO_LOG_NOT_WRITTEN[] =
     "records are as they were.";
 /// Number of records so far.
 inline constexpr char DEMO_PROGRESS[] = "Created %d demo data entries\n";
-
-// Records as the policy engine writes them: time, kind, user, command, then detail letter and
-// number where they vary.
-inline constexpr char DENIED_RECORD[] = "%ld:%c:%s[%d]%c<%d>\n";
-inline constexpr char BIT_RECORD[] = "%ld:%c:%s[%d]-<%d>\n";
-inline constexpr char ALLOWED_RECORD[] = "%ld:%c:%s[%d]-<->\n";
-inline constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
 
 // Pruning. left_overs.h says what these files are.
 /// What follows a companion's or a log's path; then the byte where it goes on, the log's device and

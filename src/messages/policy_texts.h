@@ -96,20 +96,12 @@ inline constexpr char PROMPT_03[] = "Navigate to and name the new gatebits desti
 inline constexpr char PROMPT_04[] = "Select an existing gatebits file to copy...";
 inline constexpr char PROMPT_05[] = "Navigate to and name the new file to create...";
 inline constexpr char PROMPT_06[] = "Select an existing gatebits file to use...";
-/// Result file, default option, directory option, directory option again: the prompt has always
-/// shown the directory option, and the caller's text has no place here.
-inline constexpr char CLEARPROMPT_NAVIGATE_PATH[] =
-    "clearprompt file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
-/// Quoted directory.
-inline constexpr char DIRECTORY_OPTION[] = "-directory %s";
 
 /// The checker's option words.
 inline constexpr char CHECK[] = "check";
 inline constexpr char ERROR_ONLY[] = "error_only";
 inline constexpr char STATUS_ONLY[] = "status_only";
 inline constexpr char ERROR_COUNT[] = "error_count";
-/// Checker and gatebits file, quoted as is wished; option word.
-inline constexpr char CHECKER_LINE[] = "%s %s -%s";
 /// Prefix of the setting, checker, region.
 inline constexpr char CHECKER_NOT_FOUND[] = "%s%s \ndefined in %s could not be found..";
 inline constexpr char UNKNOWN_CHECK_MODE[] = "Internal error perform_cbfile_only_check";

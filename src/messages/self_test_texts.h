@@ -5,13 +5,10 @@
 inline constexpr char EXPECTED_OS[] = "Expected OS is UNIX...";
 /// CLEARPROMPT.
 inline constexpr char TESTING_USABILITY[] = "testing for %s usability..\n";
-inline constexpr char USABILITY_LINE[] =
-    "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
 inline constexpr char CLEARPROMPT_NOT_FOUND[] = "%s not found in required path... exiting..\n";
 /// CLEARPROMPT, status.
 inline constexpr char CLEARPROMPT_RETURN_CODE[] = "%s return code = %d...";
 inline constexpr char TESTING_CLEARTOOL[] = "testing for cleartool version...";
-inline constexpr char CLEARTOOL_LINE[] = "cleartool -ver";
 inline constexpr char CLEARTOOL_NOT_FOUND[] = "cleartool not found in required path... exiting..";
 /// Status.
 inline constexpr char CLEARTOOL_RETURN_CODE[] = "cleartool return code = %d...";

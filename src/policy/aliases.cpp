@@ -16,6 +16,9 @@
 
 namespace {
 
+/// ALIAS_LOCATER, name, value.
+constexpr char ALIAS_LINE[] = "%s%s %s";
+
 bool is_alias_line(std::string_view line) {
     return without_leading_blanks(line).starts_with(ALIAS_LOCATER);
 }
@@ -57,7 +60,7 @@ std::string fault_of(const Definition& alias, const std::vector<Definition>& oth
     if (alias.name.size() > MAX_ALIAS_NAME) {
         return filled(ALIAS_NAME_TOO_LONG, MAX_ALIAS_NAME, line);
     }
-    if (!healthy(alias.name.c_str(), VALID_ALIAS_NAME_CHAR)) {
+    if (!holds_only(alias.name.c_str(), VALID_ALIAS_NAME_CHAR)) {
         return filled(ALIAS_NAME_INVALID, line);
     }
     if (value_of(alias.name, others)) return filled(ALIAS_NAME_DUPLICATE, line);

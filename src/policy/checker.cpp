@@ -17,6 +17,9 @@ std::string EMERGENCY_CHECKER;
 
 namespace {
 
+/// Checker and gatebits file, quoted as is wished; option word.
+constexpr char CHECKER_LINE[] = "%s %s -%s";
+
 const char* option_word(char mode) {
     switch (mode) {
         case CHECK_ERRORS:

@@ -11,6 +11,13 @@
 
 namespace {
 
+/// Result file, default option, directory option, directory option again: the prompt has always
+/// shown the directory option, and the caller's text has no place here.
+constexpr char CLEARPROMPT_NAVIGATE_PATH[] =
+    "clearprompt file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
+/// Quoted directory.
+constexpr char DIRECTORY_OPTION[] = "-directory %s";
+
 /// The option that makes the dialog start where the gatebits file in use is; a blank when that is
 /// not known.
 std::string directory_option() {

@@ -94,7 +94,7 @@ bool ends_in_a_reference(const std::string& line) {
 const std::string* line_numbered(int n, const std::vector<std::string>& lines) {
     LineCounter counter;
     for (const std::string& line : lines) {
-        if (counter.reaches(n, line)) return &line;
+        if (counter.counts_as(n, line)) return &line;
     }
     return nullptr;
 }
@@ -104,7 +104,7 @@ const std::string* line_numbered(int n, const std::vector<std::string>& lines) {
 void replace_line(int n, const std::string& replacement, std::vector<std::string>* lines) {
     LineCounter counter;
     for (std::string& line : *lines) {
-        if (counter.reaches(n, line)) line = replacement;
+        if (counter.counts_as(n, line)) line = replacement;
     }
 }
 
@@ -192,7 +192,7 @@ bool is_significant(std::string_view line) {
     return !text.empty() && text.front() != '#';
 }
 
-bool LineCounter::reaches(int n, std::string_view line) {
+bool LineCounter::counts_as(int n, std::string_view line) {
     if (!is_significant(line)) return false;
     counter_ = static_cast<std::int8_t>(static_cast<std::uint8_t>(counter_) + 1);
     return counter_ == n;

@@ -70,7 +70,7 @@ bool is_significant(std::string_view line);
 class LineCounter {
   public:
     /// Counts `line` when it is significant; the result says whether it is and has number n.
-    bool reaches(int n, std::string_view line);
+    bool counts_as(int n, std::string_view line);
 
   private:
     std::int8_t counter_ = 0;

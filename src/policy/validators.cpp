@@ -86,7 +86,7 @@ Validity program_is_in_depot(const Check&, const Entered& entered) {
 
 /// `check.item` is the message.
 Validity semi(const Check& check, const Entered& entered) {
-    return unhealthy(entered.value.c_str(), ";") ? Validity(check.item) : accepted();
+    return holds_any_of(entered.value.c_str(), ";") ? Validity(check.item) : accepted();
 }
 
 /// `check.item` is the message.
@@ -95,8 +95,9 @@ Validity emptiness(const Check& check, const Entered& entered) {
 }
 
 Validity name_characters(const Check&, const Entered& entered) {
-    return healthy(entered.value.c_str(), VALID_ALIAS_NAME_CHAR) ? accepted()
-                                                                 : Validity(ALIAS_NAME_CHARACTERS);
+    return holds_only(entered.value.c_str(), VALID_ALIAS_NAME_CHAR)
+               ? accepted()
+               : Validity(ALIAS_NAME_CHARACTERS);
 }
 
 constexpr Check DEPOT_CHECKS[] = {
@@ -167,13 +168,13 @@ Validity item_value_exceeds_max_character_size(const char* item, const std::stri
 Validity value_contains_file_dir_OS_posion(const std::string& value, const char* item,
                                            const char* kind, const std::string& os) {
     const bool windows = os == WINDOWS_OS;
-    if (!unhealthy(value.c_str(), windows ? ",;/" : ",;\\")) return accepted();
+    if (!holds_any_of(value.c_str(), windows ? ",;/" : ",;\\")) return accepted();
     return windows ? filled(WINDOWS_PATH_POISONED, item, kind, value.c_str())
                    : filled(UNIX_PATH_POISONED, item, kind, value.c_str());
 }
 
 Validity value_has_comma_or_semi(const std::string& value, const char* item) {
-    if (!unhealthy(value.c_str(), ",;")) return accepted();
+    if (!holds_any_of(value.c_str(), ",;")) return accepted();
     return filled(VALUE_HAS_COMMA_OR_SEMI, item);
 }
 

@@ -74,7 +74,7 @@ std::string bit_in(const std::string& answer) {
 
 std::string key_in(const std::string& answer) {
     if (answer.empty() || answer == ALL) return answer;
-    if (!healthy(answer.c_str(), "0123456789")) return "";
+    if (!holds_only(answer.c_str(), "0123456789")) return "";
     return std::to_string(leading_number(answer.c_str()));
 }
 

@@ -11,6 +11,11 @@
 
 namespace {
 
+/// Year, month, day, hour, minute, second, query number.
+constexpr char PAGE_FILE_NAME[] = "%04d%02d%02d_%02d%02d%02d_Q%02d.html";
+/// Directory, delimiter, name.
+constexpr char PAGE_FILE_PATH[] = "%s%c%s";
+
 /// The page's file is named after the moment of its query.
 std::string page_name(const RecordQuery& asked) {
     const auto [second, minute, hour, day, month, year] = asked.period.last_query_time;

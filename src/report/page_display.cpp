@@ -16,6 +16,9 @@
 
 namespace {
 
+/// Browser and path of the page, quoted as is wished.
+constexpr char BROWSER_LINE[] = "%s %s";
+
 using Clock = std::chrono::steady_clock;
 
 /// A browser that ran longer than this has been used, so its status means nothing.

@@ -359,10 +359,10 @@ TEST_F(GatebitsFile, TheEditionIsWhatLineOneBeginsWith) {
 
 TEST(LineCounter, CountsInEightSignedBits) {
     LineCounter counter;
-    for (int i = 1; i <= 127; ++i) EXPECT_TRUE(counter.reaches(i, "x"));
-    EXPECT_TRUE(counter.reaches(-128, "x"));
-    EXPECT_FALSE(counter.reaches(-127, "# x"));
-    EXPECT_TRUE(counter.reaches(-127, "x"));
+    for (int i = 1; i <= 127; ++i) EXPECT_TRUE(counter.counts_as(i, "x"));
+    EXPECT_TRUE(counter.counts_as(-128, "x"));
+    EXPECT_FALSE(counter.counts_as(-127, "# x"));
+    EXPECT_TRUE(counter.counts_as(-127, "x"));
 }
 
 }  // namespace
