@@ -43,9 +43,13 @@ RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>&
     for (const std::string& path : paths) {
         std::string reason;
         Descriptor file = open_log(path, &reason);
-        if (!reason.empty()) name_left_out(path, reason);
         struct stat status;
-        if (!file || fstat(file.get(), &status) != 0) continue;
+        if (file && fstat(file.get(), &status) != 0) {
+            reason = std::strerror(errno);
+            file.close();
+        }
+        if (!reason.empty()) name_left_out(path, reason);
+        if (!file) continue;
         bytes += status.st_size;
         logs.push_back({std::move(file), status.st_size});
         names.push_back(path);

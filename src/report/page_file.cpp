@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <optional>
 #include <thread>
 
 #include "base/descriptor.h"
@@ -47,36 +46,16 @@ PageFile open_page(const std::string& path) {
     return {};
 }
 
-[[noreturn]] void cannot_open(const std::string& path, const char* reason) {
-    note(filled(PATH_AND_REASON, path.c_str(), reason));
-    gripe(filled(CANNOT_OPEN_PAGE, path.c_str()));
-}
+/// What came of a try to append a page.
+enum class Tried { DONE, TRY_AGAIN, NOT_OPENED, NOT_WRITTEN };
 
-[[noreturn]] void cannot_write(const std::string& path, const char* reason, const char* state) {
-    gripe(filled(CANNOT_WRITE_PAGE, path.c_str(), reason, state));
-}
-
-/// The file with its lock; nothing when it has to be tried again.
-std::optional<PageFile> open_and_lock(const std::string& path) {
-    PageFile page = open_page(path);
-    if (!page.file) cannot_open(path, std::strerror(errno));
-    struct stat status;
-    if (fstat(page.file.get(), &status) != 0) cannot_open(path, std::strerror(errno));
-    if (!S_ISREG(status.st_mode)) cannot_open(path, NOT_A_REGULAR_FILE);
-    page.is_locked = flock(page.file.get(), LOCK_EX | LOCK_NB) == 0;
-    if (!page.is_locked && (errno == EWOULDBLOCK || errno == EINTR)) return std::nullopt;
-    // Whoever had the lock before may have taken the file away.
-    if (fstat(page.file.get(), &status) != 0 || status.st_nlink == 0) return std::nullopt;
-    return page;
-}
-
-PageFile locked_page(const std::string& path, Clock::time_point end) {
-    while (true) {
-        if (auto page = open_and_lock(path)) return std::move(*page);
-        if (Clock::now() >= end) cannot_write(path, LOCK_IS_KEPT, PAGE_IS_AS_BEFORE);
-        std::this_thread::sleep_for(PAUSE);
-    }
-}
+struct Try {
+    Tried end;
+    /// Why it was not opened or written.
+    std::string reason = {};
+    /// Whether the file then is what it was.
+    bool as_before = true;
+};
 
 /// 0, or an errno. A file system across a network may say only at a close that its disk is full,
 /// so a second descriptor is closed while there is still one to take the page back with.
@@ -93,23 +72,45 @@ bool take_back(const PageFile& page, off_t size, const std::string& path) {
     return ftruncate(page.file.get(), size) == 0;
 }
 
+/// No signal may leave half a page, or one without anything in it.
+Try try_to_append(const std::string& path, const std::string& text) {
+    const SignalsHeld held;
+    PageFile page = open_page(path);
+    if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
+    page.is_locked = flock(page.file.get(), LOCK_EX | LOCK_NB) == 0;
+    if (!page.is_locked && (errno == EWOULDBLOCK || errno == EINTR)) return {Tried::TRY_AGAIN};
+    struct stat before;
+    if (fstat(page.file.get(), &before) != 0) {
+        const std::string reason = std::strerror(errno);
+        if (page.is_new) take_back(page, 0, path);
+        return {Tried::NOT_OPENED, reason};
+    }
+    if (!S_ISREG(before.st_mode)) return {Tried::NOT_OPENED, NOT_A_REGULAR_FILE};
+    // Whoever had the lock before may have taken the file away.
+    if (before.st_nlink == 0) return {Tried::TRY_AGAIN};
+    const int error = write_to_the_disk(page.file, text);
+    if (error == 0) return {Tried::DONE};
+    return {Tried::NOT_WRITTEN, std::strerror(error), take_back(page, before.st_size, path)};
+}
+
+[[noreturn]] void tell(const Try& failed, const std::string& path) {
+    if (failed.end == Tried::NOT_OPENED) {
+        note(filled(PATH_AND_REASON, path.c_str(), failed.reason.c_str()));
+        gripe(filled(CANNOT_OPEN_PAGE, path.c_str()));
+    }
+    gripe(filled(CANNOT_WRITE_PAGE, path.c_str(), failed.reason.c_str(),
+                 failed.as_before ? PAGE_IS_AS_BEFORE : PAGE_IS_INCOMPLETE));
+}
+
 }  // namespace
 
 void append_page(const std::string& path, const std::string& page,
                  std::chrono::milliseconds patience) {
-    const PageFile opened = locked_page(path, Clock::now() + patience);
-    int error = 0;
-    bool as_before = true;
-    {
-        // No signal may leave half a page.
-        const SignalsHeld held;
-        struct stat before;
-        error = fstat(opened.file.get(), &before) == 0 ? 0 : errno;
-        if (error == 0) {
-            error = write_to_the_disk(opened.file, page);
-            as_before = error == 0 || take_back(opened, before.st_size, path);
-        }
+    const auto end = Clock::now() + patience;
+    Try one = try_to_append(path, page);
+    for (; one.end == Tried::TRY_AGAIN; one = try_to_append(path, page)) {
+        if (Clock::now() >= end) tell({Tried::NOT_WRITTEN, LOCK_IS_KEPT}, path);
+        std::this_thread::sleep_for(PAUSE);
     }
-    if (error == 0) return;
-    cannot_write(path, std::strerror(error), as_before ? PAGE_IS_AS_BEFORE : PAGE_IS_INCOMPLETE);
+    if (one.end != Tried::DONE) tell(one, path);
 }

@@ -35,7 +35,7 @@ ERRORS = {
     "fchown": ["EPERM", "EIO"], "fchmod": ["EPERM", "EIO"], "fsetxattr": ["EPERM", "ENOSPC"],
     "fgetxattr": ["EIO"], "flistxattr": ["EIO", "ENOTSUP"], "fremovexattr": ["EPERM"],
     "utimensat": ["EPERM", "EIO"], "newfstatat": ["EIO"], "chmod": ["EPERM", "EIO"],
-    "readlink": ["EIO"], "flock": ["EIO", "EINTR"], "fallocate": ["ENOSPC", "EOPNOTSUPP"],
+    "readlink": ["EIO"], "flock": ["EIO", "EINTR", "ENOLCK"], "fallocate": ["ENOSPC", "EOPNOTSUPP"],
 }
 
 STATUS_OF_A_DONE_EDIT = 110
@@ -47,6 +47,7 @@ SKIPPED = 77
 BLOCK = """\
 #!gatescope_unix_gatewarden_check=/bin/true
 #!gatescope_relocated_logging_dir_unix={stage}/logs
+#!gatescope_relocated_results_dir_unix={stage}/results
 # a comment
 #!gatewarden_alias adm (root)
 gatewarden;;;east;
@@ -90,15 +91,16 @@ class Edit:
 
     # Whether it has so many calls that those without a difference are left out.
     long = False
-    # Who runs it, when it is not the one who runs this, and a call that fails in any case.
+    # Who runs it, when it is not the one who runs this.
     user = None
-    always = None
 
-    def __init__(self, arguments, answers, result="gatebits.txt", shows=""):
+    def __init__(self, arguments, answers, result="gatebits.txt", shows="", always=None):
         self.arguments = arguments
         self.answers = answers
         self.result = result
         self.shows = shows
+        # A call that fails in any case.
+        self.always = always
         # Learnt from the undisturbed run.
         self.asked = b""
 
@@ -156,13 +158,12 @@ class Prune(Edit):
 
     def __init__(self, logs=(0, 7, 20), symbolic_links=(20,), hard_links=(), user=None, owner=None,
                  always=None):
-        super().__init__(["A=1", "D=n", "R=n"], [], result="logs", shows="retained")
+        super().__init__(["A=1", "D=n", "R=n"], [], result="logs", shows="retained", always=always)
         self.logs = logs
         self.symbolic_links = symbolic_links
         self.hard_links = hard_links
         self.user = user
         self.owner = owner
-        self.always = always
 
     def furnish(self, stage):
         logs = os.path.join(stage, "logs")
@@ -292,8 +293,55 @@ class InPlace(Edit):
         return super().fault_after_error(stage, old, new, run, gatescope)
 
 
+class Page(Edit):
+    """A query's page and its numbers, in files that are named after the moment."""
+
+    def __init__(self, always=None):
+        super().__init__(["Q=1", "C=*", "U=*", "D=n", "R=n"], [], result="results",
+                         shows="query completed", always=always)
+
+    def furnish(self, stage):
+        os.mkdir(os.path.join(stage, "results"))
+        with open(os.path.join(stage, "logs", "logging_0.txt"), "w") as log:
+            log.write("%d:S:op[2]-<->\n" % NOW)
+
+    def state(self, stage):
+        results = os.path.join(stage, "results")
+        return {re.sub(r"^[\d_]+", "", name): bytes_of(os.path.join(results, name))
+                for name in os.listdir(results)}
+
+    def fault_of_files(self, state, new, allowed):
+        """Files that are there are whole, or what is allowed besides."""
+        wrong = ["%s (%d bytes)" % (name, len(text)) for name, text in state.items()
+                 if text != new.get(name) and not allowed(name, text)]
+        return "not whole: %s" % wrong if wrong else None
+
+    def fault_after_kill(self, stage, old, new, gatescope):
+        # Between two calls nothing is half: there is the page without a byte, and the numbers under
+        # a name of their own.
+        return self.fault_of_files(self.state(stage), new, lambda name, text: not text or name not in new)
+
+    def fault_after_signal(self, stage, old, new, gatescope):
+        return self.fault_of_files(self.state(stage), new, lambda name, text: False)
+
+    def fault_after_error(self, stage, old, new, run, gatescope):
+        state = self.state(stage)
+        # A log that cannot be read is named, and the page tells of the others.
+        if "logging_0.txt" in run.noted and state.keys() == new.keys():
+            return None
+        if state != new and not run.told():
+            return "there is only %s, and nothing was said (status %d)" % (list(state), run.status)
+        # Without a lock nobody knows whose bytes are behind those that were there before, nor whose
+        # an empty page is.
+        if self.always and "is incomplete" in run.said:
+            return None
+        return self.fault_of_files(state, new, lambda name, text: self.always and not text)
+
+
 EDITS = {
     "field": Edit(["A=13", "R=n"], ["0 new (message) ~adm", YES], shows=";new (message) ~adm ;"),
+    "field_without_locks": Edit(["A=13", "R=n"], ["0 new (message) ~adm", YES],
+                                shows=";new (message) ~adm ;", always="flock:error=ENOLCK"),
     "field_in_place": InPlace(["A=13", "R=n"], ["0 new (message) ~adm and more of it", YES],
                               shows=";new (message) ~adm and more of it;"),
     "key_changed": Edit(["A=21", "R=n"], ["0 000 pre_checkin;R; ;0;", YES, "0 changed;R;", YES,
@@ -313,6 +361,8 @@ EDITS = {
                    shows="{region Name}"),
     "copy": Edit(["A=27", "R=n"], ["0 {stage}/gatebits.txt", "0 {stage}/copy.txt"],
                  result="copy.txt", shows="old message"),
+    "page": Page(),
+    "page_without_locks": Page(always="flock:error=ENOLCK"),
     "prune": Prune(),
     "prune_hard_links": Prune(logs=(7,), symbolic_links=(), hard_links=(7,)),
     "prune_no_exchange": Prune(logs=(7, 20), always="renameat2:error=EINVAL"),
@@ -360,13 +410,16 @@ class Run:
         environment = {
             "PATH": os.path.join(stage, "bin") + ":/usr/bin:/bin", "tmp": os.path.join(stage, "tmp"),
             "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
+            "ZUL_GATESCOPE_CSV": "yes",
         }
         process = subprocess.Popen(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
-                                   stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                    user=edit.user, group=edit.user, extra_groups=[] if edit.user else None)
         if meanwhile:
             self.while_paused(process, meanwhile)
-        self.said = process.communicate(timeout=60)[0].decode(errors="replace")
+        said, noted = process.communicate(timeout=60)
+        self.said = said.decode(errors="replace")
+        self.noted = noted.decode(errors="replace")
         self.status = process.returncode
         # Questions, prompts and lists, whichever process on whichever stage asked them.
         asked = (bytes_of(os.path.join(stage, "asked")) or b"").replace(stage.encode(), b"")
