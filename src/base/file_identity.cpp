@@ -61,6 +61,12 @@ int carry_over_attributes(int from, int to) {
     return 0;
 }
 
+std::string directory_of(const std::string& path) {
+    const auto slash = path.rfind('/');
+    if (slash == std::string::npos) return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
 bool same_owner(const struct stat& one, const struct stat& other) {
     return one.st_uid == other.st_uid && one.st_gid == other.st_gid;
 }
@@ -83,10 +89,7 @@ int carry_over_identity(int from, int to) {
 }
 
 int sync_directory_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    const std::string directory = slash == std::string::npos ? "."
-                                  : slash == 0               ? "/"
-                                                             : path.substr(0, slash);
+    const std::string directory = directory_of(path);
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     // A directory that may be written but not read cannot be opened; its entries are left to the
     // file system's own time.
@@ -94,4 +97,11 @@ int sync_directory_of(const std::string& path) {
     const int result = fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
     close(descriptor);
     return result;
+}
+
+bool would_stay_at(const std::string& path) {
+    struct statx status;
+    const std::string directory = directory_of(path);
+    return statx(AT_FDCWD, directory.c_str(), 0, STATX_TYPE, &status) == 0 &&
+           (status.stx_attributes & STATX_ATTR_APPEND) != 0;
 }

@@ -10,3 +10,7 @@ int carry_over_identity(int from, int to);
 /// Brings the directory that holds `path` to the disk, so that a rename in it survives a crash.
 /// 0 or an errno; a file system that cannot sync directories counts as done.
 int sync_directory_of(const std::string& path);
+
+/// Whether a file made at `path` could not be removed or renamed again, since its directory only
+/// lets files be added.
+bool would_stay_at(const std::string& path);

@@ -13,11 +13,11 @@ bool this_file_exists(const std::string& path) {
 }
 
 int open_regular_file(const std::string& path, int flags) {
-    Descriptor file(open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, 0666));
+    Descriptor file(open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0) return -1;
     if (!S_ISREG(status.st_mode)) {
-        errno = EINVAL;
+        errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
         return -1;
     }
     return file.release();

@@ -58,6 +58,10 @@ int write_and_sync(int descriptor, std::string_view text) {
 /// that nobody can have put anything under. The descriptor, or -1 with errno set.
 int create_beside(const std::string& path, std::string* new_path) {
     const SignalsHeld held;
+    if (would_stay_at(path)) {
+        errno = EPERM;
+        return -1;
+    }
     *new_path = path.substr(0, path.rfind('/') + 1) + ".gatescope_XXXXXX";
     const int descriptor = mkostemp(new_path->data(), O_CLOEXEC);
     if (descriptor != -1) remember_temporary_file(*new_path);

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 
+#include "base/file_identity.h"
 #include "base/signals_held.h"
 
 namespace {
@@ -94,6 +95,10 @@ void unlink_temporary_files() {
 
 int create_temporary_file(const std::string& path, mode_t mode) {
     const SignalsHeld held;
+    if (would_stay_at(path)) {
+        errno = EPERM;
+        return -1;
+    }
     unlink(path.c_str());
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor != -1) remember_temporary_file(path);

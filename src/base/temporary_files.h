@@ -26,7 +26,7 @@ void unlink_temporary_files();
 
 /// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
 /// never followed. The file is on the list of temporary files from then on. The descriptor, or -1
-/// with errno set.
+/// with errno set: EPERM in a directory out of which no file can be removed again.
 int create_temporary_file(const std::string& path, mode_t mode = 0600);
 
 /// Removes a temporary file and takes it off the list.

@@ -1,5 +1,7 @@
 #include "logs/demo_data.h"
 
+#include <fcntl.h>
+
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
@@ -7,6 +9,7 @@
 #include <cstring>
 #include <string>
 
+#include "base/files.h"
 #include "base/filled.h"
 #include "base/process_end.h"
 #include "base/standard_streams.h"
@@ -87,7 +90,8 @@ void show_progress(int records) {
 void data_gen(const std::string& logging_dir) {
     const std::int64_t end_of_day_time = set_time_values().end_of_day_time;
     const std::string path = log_file_path(logging_dir, DEMO_LOG_FILE);
-    FILE* const LOGGING_STREAM = std::fopen(path.c_str(), "a");
+    const int file = open_regular_file(path, O_WRONLY | O_CREAT | O_APPEND);
+    FILE* const LOGGING_STREAM = file == -1 ? nullptr : fdopen(file, "a");
     if (LOGGING_STREAM == nullptr) gripe(DEMO_LOG_NOT_MADE, path, errno);
     bool written = true;
     for (int i = 0; i < DEMO_RECORDS; ++i) {

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "base/file_identity.h"
+#include "base/files.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
 #include "base/run_identity.h"
@@ -94,8 +95,7 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text) {
 }
 
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
-    // A pipe without a writer must not keep us waiting.
-    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    const int file = open_regular_file(path, O_RDONLY);
     FILE* stream = file == -1 ? nullptr : fdopen(file, "r");
     if (stream == nullptr) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), errno), errno);

@@ -13,6 +13,7 @@
 #include "base/signals.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
+#include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
 #include "faults/small_disk.h"
@@ -306,6 +307,19 @@ TEST_F(ReplaceFile, MissingFileIsRefusedInTheDescribedWords) {
     EXPECT_EQ(ended.said, "#1 Could not move (" + copy + ") to (" + file + ") with " +
                               std::to_string(ENOENT) + "\n");
     expect_nothing_left({});
+}
+
+TEST_F(ReplaceFile, DirectoryThatKeepsEveryNewFileGetsNone) {
+    const AppendOnly kept(directory / "");
+    if (!kept.is_set())
+        GTEST_SKIP() << "needs root, and a file system with append-only directories";
+    const ino_t before = status_of(file).st_ino;
+    for (const char* text : {NEW, SHORTER}) {
+        EXPECT_EQ(replaced(text).status, 0);
+        EXPECT_EQ(bytes_of(file), text);
+    }
+    EXPECT_EQ(status_of(file).st_ino, before);
+    expect_nothing_left();
 }
 
 TEST_F(ReplaceFile, DirectoryFifoAndDanglingLinkAreRefusedAndStay) {

@@ -1,5 +1,6 @@
 #include "base/temporary_files.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -11,6 +12,7 @@
 #include "dialog/answer_file.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
+#include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "faults/scratch_directory.h"
 #include "messages/startup_texts.h"
@@ -111,6 +113,20 @@ TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
     }
 }
 
+TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
+    for (const bool has_a_reader : {false, true}) {
+        const std::string path = temporary / "gatewarden_prompt_prompt_77_.txt";
+        ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+        const int reader =
+            has_a_reader ? open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1;
+        const Ended ended = run([] { prompt_from_file("text", "default"); });
+        EXPECT_EQ(ended.status, 99);
+        EXPECT_EQ(ended.said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
+        if (reader != -1) close(reader);
+        unlink(path.c_str());
+    }
+}
+
 TEST_F(TemporaryFiles, LeftoverDefaultIsAddedToAndThenGone) {
     put(temporary / "gatewarden_prompt_prompt_77_.txt", "left over, ");
     EXPECT_EQ(run([] { prompt_from_file("text", "default"); }).status, 0);
@@ -132,6 +148,18 @@ TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
               }).status,
               0);
     EXPECT_EQ(bytes_of(directory / "mode"), "600\n");
+}
+
+TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
+    const AppendOnly kept(temporary / "");
+    if (!kept.is_set())
+        GTEST_SKIP() << "needs root, and a file system with append-only directories";
+    EXPECT_EQ(run([] { prompt("text", ""); }).said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
+    EXPECT_EQ(run([] { prompt_from_file("text", ""); }).said,
+              std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
+    EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).said,
+              std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
+    EXPECT_EQ(temporary.names(), Names());
 }
 
 TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {

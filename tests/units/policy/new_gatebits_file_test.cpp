@@ -122,7 +122,9 @@ TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
     const Descriptor writer(open(path("pipe").c_str(), O_RDWR | O_CLOEXEC));
     EXPECT_GRIPE(
         bytes_to_copy(path("pipe"), path("copy.txt")),
-        "#2 Could not move (" + path("pipe") + ") to (" + path("copy.txt") + ") with 11\n");
+        "#2 Could not move (" + path("pipe") + ") to (" + path("copy.txt") + ") with 22\n");
+    EXPECT_GRIPE(bytes_to_copy("/dev/zero", path("copy.txt")),
+                 "#2 Could not move (/dev/zero) to (" + path("copy.txt") + ") with 22\n");
     EXPECT_GRIPE(bytes_to_copy(path(""), path("copy.txt")),
                  "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21\n");
 }

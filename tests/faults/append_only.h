@@ -1,0 +1,33 @@
+#pragma once
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <string>
+
+/// As long as this lives, files can only be added to the directory. It takes root, and a file
+/// system that knows this.
+class AppendOnly {
+  public:
+    explicit AppendOnly(const std::string& directory)
+        : file_(open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+        is_set_ = ioctl(file_, FS_IOC_GETFLAGS, &before_) == 0 && set(before_ | FS_APPEND_FL);
+    }
+    ~AppendOnly() {
+        if (is_set_) set(before_);
+        close(file_);
+    }
+    AppendOnly(const AppendOnly&) = delete;
+    AppendOnly& operator=(const AppendOnly&) = delete;
+
+    [[nodiscard]] bool is_set() const { return is_set_; }
+
+  private:
+    bool set(int flags) const { return ioctl(file_, FS_IOC_SETFLAGS, &flags) == 0; }
+
+    int file_;
+    int before_ = 0;
+    bool is_set_ = false;
+};
