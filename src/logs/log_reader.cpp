@@ -107,7 +107,7 @@ void LogReader::skip_to_first_word() {
     const char* const begin = buffer_.get();
     const char* const end = begin + held_;
     const char* const first = std::find_if(begin, end, is_white);
-    const off_t place = place_ - static_cast<off_t>(end - first);
+    const off_t place = place_ - (end - first);
     skipping_ = first == end;
     finished_ = place >= to_ - 1;
     held_ = finished_ ? 0 : static_cast<std::size_t>(end - first);

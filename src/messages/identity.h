@@ -3,7 +3,7 @@
 // Who this program is, and the limit of bit numbers.
 
 inline constexpr char SELF[] = "gatescope";
-inline constexpr char VERSION[] = "13.1.1";
+inline constexpr char VERSION[] = GATESCOPE_VERSION;
 inline constexpr char BUILD[] = "20200630.09:37a";
 
 /// The policy engine's product words; the first field of a gatebits file begins with one of them.

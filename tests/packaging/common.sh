@@ -7,6 +7,8 @@ set -eu
 build=$1
 source=$2
 work=$3
+# shellcheck disable=SC2034
+version=$(sed -n 's/^project(gatescope VERSION \([0-9.]*\) .*/\1/p' "$source/CMakeLists.txt")
 rm -rf "$work"
 mkdir -p "$work"
 
@@ -62,9 +64,24 @@ expect_hidden_names() {
     for name in CLEARCASE_VIEW_KIND ZUL_USING_CCRC ATRIA_WEB_CLEARPROMPT; do
         for ((at = 0; at + 6 <= ${#name}; at++)); do
             piece=${name:at:6}
-            case CLEARCASE in *"$piece"*) continue ;; esac
+            if [[ CLEARCASE == *"$piece"* ]]; then continue; fi
             ! grep -aqF -- "$piece" "$work/searched" || fail "the program holds $piece of $name"
         done
     done
     rm "$work/searched"
+}
+
+# Fails unless the program "$1" is as hard to misuse as the distributions want theirs: loaded
+# anywhere, tables of addresses closed once it has started, the stack and the calls that write
+# texts watched. What is not optimised has no such calls, and is nobody's package.
+expect_hardened() {
+    local wanted
+    grep -qE '^CMAKE_BUILD_TYPE:STRING=(Rel|MinSizeRel)' "$build/CMakeCache.txt" || return 0
+    readelf --wide --file-header --program-headers --dynamic --dyn-syms "$1" >"$work/elf" ||
+        fail "$1 cannot be read"
+    for wanted in 'Type: +DYN ' 'FLAGS_1\).* PIE' ' GNU_RELRO ' 'FLAGS_1\).* NOW' \
+        'UND __stack_chk_fail@' 'UND __[a-z]+_chk@'; do
+        grep -qE "$wanted" "$work/elf" || fail "not hardened, no '$wanted': $1"
+    done
+    rm "$work/elf"
 }

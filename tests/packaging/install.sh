@@ -44,7 +44,7 @@ extra=$(find "$prefix" \( -name '*clearprompt*' -o -name 'fill_templates*' -o -n
 [ -z "$extra" ] || fail "installed, but only of use to developers: $extra"
 
 run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the program does not run"
-run_program "$prefix/bin/gatescope" -ver | grep -q 'gatescope version (13.1.1)' ||
+run_program "$prefix/bin/gatescope" -ver | grep -qF "gatescope version ($version)" ||
     fail "the program does not know its version"
 
 expect_hidden_names "$prefix/bin/gatescope"

@@ -2,7 +2,7 @@
 # Makes the Debian package, installs it under a root of its own, runs it and removes it.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
-needs dpkg dpkg-deb dpkg-shlibdeps gzip
+needs dpkg dpkg-deb dpkg-shlibdeps gzip readelf
 
 (umask 077 && cpack -G DEB --config "$build/CPackConfig.cmake" -B "$work/made" >"$work/cpack.log" 2>&1) ||
     fail "cpack: $(cat "$work/cpack.log")"
@@ -21,10 +21,9 @@ closed=$(dpkg-deb --contents "$package" | grep -vE '^(drwxr-xr-x|-rw-r--r--|-rwx
 
 dpkg-deb --extract "$package" "$work/files"
 program=$work/files/usr/bin/gatescope
-if command -v readelf >/dev/null; then
-    sections=$(readelf --sections --wide "$program")
-    case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
-fi
+sections=$(readelf --sections --wide "$program")
+case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
+expect_hardened "$program"
 expect_hidden_names "$program"
 for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
     gzip -t "$work/files/usr/share/man/$page" || fail "$page is not a compressed page"
@@ -47,7 +46,7 @@ touch "$root/var/lib/dpkg/status"
 # The root holds no C library, so what the package depends on has to be forced.
 dpkg --root="$root" --force-depends --install "$package" >"$work/dpkg.log" 2>&1 ||
     fail "it does not install: $(cat "$work/dpkg.log")"
-run_program "$root/usr/bin/gatescope" -ver | grep -q 'gatescope version (13.1.1)' ||
+run_program "$root/usr/bin/gatescope" -ver | grep -qF "gatescope version ($version)" ||
     fail "what it installed does not run"
 dpkg --root="$root" --purge gatescope >"$work/dpkg.log" 2>&1 ||
     fail "it cannot be removed: $(cat "$work/dpkg.log")"

@@ -5,7 +5,8 @@
 namespace {
 
 constexpr char USAGE_TEXT[] =
-    "Usage for gatescope Version 13.1.1 (build: 20200630.09:37a)\n\n"
+    "Usage for gatescope Version " GATESCOPE_VERSION
+    " (build: 20200630.09:37a)\n\n"
     "gatescope -ver | -help | {F=gatebits_file {Q=query_number | A=action_number} \n"
     "{C=command} {U=user} {K=key_number} {B=bit_number} {D=y|n} {R=y|n}}\n\n\n"
     "Where:\n\n"
@@ -178,7 +179,8 @@ TEST(CommandLine, VerShowsTheVersion) {
     Region east = a_region().without_dialogs();
     const Result result = east.run({"-ver"});
     EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.out.substr(0, result.out.find('\n')), "gatescope version (13.1.1).");
+    EXPECT_EQ(result.out.substr(0, result.out.find('\n')),
+              "gatescope version (" GATESCOPE_VERSION ").");
 }
 
 TEST(CommandLine, VerIsABoxThatNobodyWaitsFor) {
@@ -188,7 +190,7 @@ TEST(CommandLine, VerIsABoxThatNobodyWaitsFor) {
     ASSERT_EQ(result.dialogs().size(), 1u);
     const std::string text = result.dialogs().front().args.back();
     EXPECT_EQ(result.dialogs().front(), advised(text));
-    EXPECT_TRUE(text.starts_with("gatescope version (13.1.1).")) << text;
+    EXPECT_TRUE(text.starts_with("gatescope version (" GATESCOPE_VERSION ").")) << text;
 }
 
 TEST(CommandLine, KudosShowsCreditsAndEndsWell) {

@@ -40,7 +40,7 @@ TEST(LostDialogs, MessagesQuestionsListsAndPromptsAreNamed) {
         std::string said;
     };
     const std::vector<Case> cases = {
-        {{"-ver"}, 0, "; this could not be shown:\ngatescope version (13.1.1)."},
+        {{"-ver"}, 0, "; this could not be shown:\ngatescope version (" GATESCOPE_VERSION ")."},
         {{"F=/nowhere"},
          1,
          "; this could not be asked, which counts as abort:\nThe gatebits file (/nowhere)\n passed "

@@ -50,7 +50,8 @@ TEST(SelfTest, TriesEveryKindOfDialogInItsOrder) {
         advised("no only answer rc = (0)...")};
     ASSERT_EQ(dialogs.size(), expected.size() + 1);
     EXPECT_EQ(Dialogs(dialogs.begin(), dialogs.end() - 1), expected);
-    EXPECT_TRUE(dialogs.back().args.back().starts_with("gatescope version (13.1.1)."));
+    EXPECT_TRUE(
+        dialogs.back().args.back().starts_with("gatescope version (" GATESCOPE_VERSION ")."));
     EXPECT_EQ(result.calls_of("cleartool"), (std::vector<Args>{{"-ver"}, {"-ver"}}));
 }
 

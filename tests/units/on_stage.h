@@ -42,4 +42,4 @@ class OnStage : public testing::Test {
             dup2(STDERR_FILENO, STDOUT_FILENO); \
             statement;                          \
         },                                      \
-        testing::ExitedWithCode(99), testing::EndsWith(std::string(message) + "\n"))
+        testing::ExitedWithCode(99), testing::EndsWith(std::string() + (message) + "\n"))

@@ -82,7 +82,7 @@ TEST(UsableProcessors, AreThoseOfTheAffinity) {
     EXPECT_LE(usable_processors(), CPU_COUNT(&before));
     cpu_set_t one;
     CPU_ZERO(&one);
-    for (int i = 0; CPU_COUNT(&one) == 0; ++i) {
+    for (std::size_t i = 0; CPU_COUNT(&one) == 0; ++i) {
         if (CPU_ISSET(i, &before)) CPU_SET(i, &one);
     }
     ASSERT_EQ(sched_setaffinity(0, sizeof one, &one), 0);

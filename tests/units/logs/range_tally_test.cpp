@@ -127,7 +127,7 @@ TEST(RangeTally, CountsWhatWasAppendedMeanwhile) {
 TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
     const std::string line = "1794700000:S:ann[1]-<->\n";
     std::vector<LogToCount> logs = logs_with({line, line, line, line});
-    for (const std::size_t place : {1, 3}) logs[place].file.close();
+    for (const std::size_t place : {1U, 3U}) logs[place].file.close();
     for (const int threads : {1, 3}) {
         const RangeTally all = tally(query_of(1), logs, threads, 10);
         EXPECT_EQ(all.error, EBADF);

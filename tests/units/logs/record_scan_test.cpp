@@ -88,7 +88,7 @@ TEST(Lanes, AreOfTwoKindsHere) {
 
 TEST(WordEnds, AreWhereRunsOfBlanksBegin) {
     std::mt19937 random(8);
-    for (const std::size_t size : {1, 63, 64, 65, 128, 200, 4096}) {
+    for (const std::size_t size : {1U, 63U, 64U, 65U, 128U, 200U, 4096U}) {
         for (int round = 0; round < 50; ++round) {
             const std::string bytes = random_bytes(random, size);
             const std::string slice = bytes + std::string(BLOCK, ' ');

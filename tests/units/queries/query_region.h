@@ -70,7 +70,7 @@ class QueryRegion : public testing::Test {
 
     /// A log of today's records; each is what stands behind the time.
     void logged(const std::vector<std::string>& records) {
-        const long time = static_cast<long>(set_time_values().end_of_day_time);
+        const long time = set_time_values().end_of_day_time;
         std::string log;
         for (const std::string& record : records) log += std::to_string(time) + record + "\n";
         write("log/logging_0.txt", log);
