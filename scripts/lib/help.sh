@@ -1,7 +1,9 @@
 # shellcheck shell=bash
 # To be sourced: a script's help is the comment that it begins with.
 
-help_text() { sed -n '2,/^[^#]/s/^# \{0,1\}//p' "${BASH_SOURCE[-1]}"; }
+help_text() {
+    sed -n '2,/^[^#]/s/^# \{0,1\}//p' "${BASH_SOURCE[-1]}" | sed 's|^  scripts/|Usage: scripts/|'
+}
 
 # help_if_asked_for ARGUMENT...
 help_if_asked_for() {
