@@ -58,7 +58,7 @@ bool is_name_of(const std::string& path, int file) {
 }
 
 Place behind_links(const std::string& path) {
-    Place place = {path, ""};
+    Place place = {path, "", 0};
     std::vector<uid_t> owners;
     struct stat status;
     int error = 0;
@@ -66,11 +66,12 @@ Place behind_links(const std::string& path) {
            S_ISLNK(status.st_mode) && owners.size() < MOST_LINKS) {
         owners.push_back(status.st_uid);
         const std::string target = target_of(place.path);
-        if (target.empty()) return {path, std::strerror(errno)};
+        if (target.empty()) return {path, std::strerror(errno), 0};
         place.path = target;
     }
     if (owners.size() == MOST_LINKS) error = ELOOP;
     if (error != 0 && error != ENOENT && error != ENOTDIR) place.reason = std::strerror(error);
+    if (error == 0) place.size = status.st_size;
     for (const uid_t owner : owners) {
         const bool leads_to_his = error == 0 && owner == status.st_uid;
         if (owner != 0 && owner != geteuid() && !leads_to_his) place.reason = LINK_OF_SOMEBODY_ELSE;

@@ -8,6 +8,7 @@
 
 #include "base/descriptor.h"
 #include "logs/log_reader.h"
+#include "logs/progress.h"
 
 // How a pruning comes to the files that it works on, and how it stops.
 
@@ -36,6 +37,7 @@ struct Place {
     std::string path;
     /// Why the file must not be used; empty when it may.
     std::string reason;
+    off_t size = 0;
 };
 
 /// Follows symbolic links that belong to root, to the operator or to the owner of what they lead
@@ -50,10 +52,11 @@ Descriptor open_locked(const std::string& path, std::string* reason);
 /// ours. False when it has another owner, who has not done it.
 bool make_log_public(int log);
 
-/// Hands out the words from byte `from` up to byte `to` of an open file piece by piece. Stops the
-/// pruning when it cannot be read.
+/// Hands out the words from byte `from` up to byte `to` of an open file piece by piece, and tells
+/// `progress` of them, where that is wanted. Stops the pruning when the file cannot be read.
 template <typename Take>
-void read_pieces(int file, const std::string& path, off_t from, off_t to, const Take& take) {
+void read_pieces(int file, const std::string& path, off_t from, off_t to, const Take& take,
+                 Progress* progress = nullptr) {
     LogReader reader;
     reader.start(file, from);
     for (std::string_view piece; from < to && reader.next(&piece);) {
@@ -61,6 +64,8 @@ void read_pieces(int file, const std::string& path, off_t from, off_t to, const 
         piece = piece.substr(0, static_cast<std::size_t>(to - from));
         from += static_cast<off_t>(piece.size());
         take(piece);
+        if (progress != nullptr) progress->advance(static_cast<off_t>(piece.size()));
     }
+    if (progress != nullptr) progress->wipe();
     if (reader.error() != 0) stop_pruning("read", path, reader.error());
 }

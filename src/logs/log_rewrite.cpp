@@ -42,7 +42,7 @@ bool may_be_replaced(const std::string& log, const struct stat& status) {
 /// The new text of a log while it is written.
 class NewText {
   public:
-    explicit NewText(std::string path) : path_(std::move(path)) {}
+    NewText(std::string path, Progress* progress) : path_(std::move(path)), progress_(progress) {}
 
     const std::string& path() const { return path_; }
     bool exists() const { return static_cast<bool>(file_); }
@@ -54,8 +54,9 @@ class NewText {
     }
 
     void add(std::string_view text) {
-        errno = write_all(file_.get(), text);
-        must(errno == 0, "write", path_);
+        const int error = write_all(file_.get(), text);
+        if (error != 0) progress_->wipe();
+        if (error != 0) stop_pruning("write", path_, error);
         size_ += static_cast<off_t>(text.size());
         if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
             // Only to make the sync shorter, so it may fail.
@@ -80,6 +81,8 @@ class NewText {
 
   private:
     std::string path_;
+    /// Its line goes before anything is said.
+    Progress* progress_;
     Descriptor file_;
     off_t size_ = 0;
     /// The beginning that the system has been told to bring to the disk already.
@@ -137,24 +140,27 @@ int put_in_place(const std::string& scratch, const std::string& log, int old_log
 /// Writes what is to be kept of the log's first `size` bytes, if that is not just what stands
 /// there. 0, or the errno of a refusal.
 int make_new_text(const std::string& log, int old_log, off_t size, bool is_linked,
-                  KeptRecords* records, NewText* text) {
+                  KeptRecords* records, NewText* text, Progress* progress) {
     int refusal = 0;
     off_t done = 0;
-    read_pieces(old_log, log, 0, size, [&](std::string_view piece) {
+    const auto take = [&](std::string_view piece) {
         const std::string_view kept = records->of(piece);
         if (refusal == 0 && !text->exists() && kept.data() != piece.data()) {
+            progress->wipe();
             refusal = begin(log, old_log, done, is_linked, text);
         }
         if (text->exists()) text->add(kept);
         done += static_cast<off_t>(piece.size());
-    });
+    };
+    read_pieces(old_log, log, 0, size, take, progress);
     return refusal;
 }
 
 }  // namespace
 
 std::string rewrite_log(const std::string& log, const std::string& scratch, bool is_linked,
-                        KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs) {
+                        KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs,
+                        Progress* progress) {
     std::string reason;
     const Descriptor old_log = open_locked(log, &reason);
     if (!old_log) return reason;
@@ -163,8 +169,9 @@ std::string rewrite_log(const std::string& log, const std::string& scratch, bool
     if (settled.is_written) return KEPT_OPEN;
 
     KeptRecords counted = *records;
-    NewText text(scratch);
-    int error = make_new_text(log, old_log.get(), settled.size, is_linked, &counted, &text);
+    NewText text(scratch, progress);
+    int error =
+        make_new_text(log, old_log.get(), settled.size, is_linked, &counted, &text, progress);
     if (error != 0) return std::strerror(error);
     // To a log that is its owner's only, others cannot append.
     if (!text.exists() && !make_log_public(old_log.get())) {

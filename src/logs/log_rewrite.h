@@ -5,6 +5,7 @@
 
 #include "logs/kept_records.h"
 #include "logs/left_overs.h"
+#include "logs/progress.h"
 #include "logs/settling.h"
 
 /// Rewrites a log without the words that `records` drops. It is read once; when there is something
@@ -15,6 +16,7 @@
 /// somebody keeps open, is left alone and not counted; the result says why. Without a scratch file
 /// in the logging directory itself no pruning can take place, so that ends the program; a log that
 /// `is_linked` to from there may have a directory that does not allow one. An old file that
-/// somebody keeps open is put with `left_overs`.
+/// somebody keeps open is put with `left_overs`. `progress` is told of what has been read.
 std::string rewrite_log(const std::string& log, const std::string& scratch, bool is_linked,
-                        KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs);
+                        KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs,
+                        Progress* progress);

@@ -66,7 +66,8 @@ class Pruning {
     void lock(int file) const;
     Log find_log(int number);
     void add_left_overs(Log* log, KeptRecords* records, Moment deadline);
-    void rewrite(Log* log, Moment deadline);
+    void rewrite(Log* log, Moment deadline, Progress* progress);
+    void rewrite_logs(Moment deadline);
     void merge_companions();
     bool take_companion_of(Log* log);
     void leave_alone(Place* place, const std::string& reason);
@@ -93,7 +94,7 @@ void Pruning::run() {
     const Moment deadline = when_writers_have_written();
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
     for (Log& log : found_) add_left_overs(&log, &recovered_, deadline);
-    for (Log& log : found_) rewrite(&log, deadline);
+    rewrite_logs(deadline);
     merge_companions();
     take_down_token();
     // Who saw it a moment ago may still have gone to a companion.
@@ -170,12 +171,19 @@ void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
 
-void Pruning::rewrite(Log* log, Moment deadline) {
+void Pruning::rewrite_logs(Moment deadline) {
+    off_t bytes = 0;
+    for (const Log& log : found_) bytes += log.file.size;
+    Progress progress(bytes);
+    for (Log& log : found_) rewrite(&log, deadline, &progress);
+}
+
+void Pruning::rewrite(Log* log, Moment deadline, Progress* progress) {
     const Place& place = log->file;
     if (!place.reason.empty()) return;
     const bool is_linked = log->scratch.starts_with(place.path);
-    const std::string reason =
-        rewrite_log(place.path, log->scratch, is_linked, &records_, deadline, &log->left_overs);
+    const std::string reason = rewrite_log(place.path, log->scratch, is_linked, &records_, deadline,
+                                           &log->left_overs, progress);
     if (!reason.empty()) tell(filled(LOG_LEFT_ALONE, place.path.c_str(), reason.c_str()));
 }
 

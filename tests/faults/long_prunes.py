@@ -1,0 +1,107 @@
+#!/usr/bin/env python3
+"""Ends prunes that last in each way, while they read a log that is as good as endless.
+
+    long_prunes.py GATESCOPE
+
+A pruning that lasts shows how far it has come on a terminal. The line is wiped before anything else
+is said, and at the end.
+"""
+
+import os
+import pty
+import re
+import resource
+import select
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+
+from long_queries import WAIT, region_in
+
+LINE = re.compile(rb"\r(\d+) of 1099511 MB, \d+ s left *\r")
+
+
+class Pruning:
+    """One whose standard output and error are a terminal."""
+
+    def __init__(self, gatescope, directory):
+        self.logs = directory + "/log"
+        self.screen, terminal = pty.openpty()
+        self.program = subprocess.Popen(
+            [gatescope, "F=" + region_in(directory), "A=1", "D=n", "R=n"],
+            env={**os.environ, "ZUL_PREFER_NO_GUI": "yes"},
+            stdin=subprocess.DEVNULL, stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        self.shown = b""
+
+    def look(self):
+        if select.select([self.screen], [], [], 0.1)[0]:
+            try:
+                self.shown += os.read(self.screen, 4096)
+            except OSError:
+                # Nobody has the terminal open any more.
+                pass
+
+    def megabytes_done(self):
+        until = time.monotonic() + WAIT
+        while not LINE.search(self.shown):
+            assert time.monotonic() < until, f"nothing but {self.shown!r} was shown"
+            self.look()
+        return int(LINE.findall(self.shown)[-1])
+
+    def end(self):
+        """What stands on the terminal in the end behind the line, which must have been wiped."""
+        until = time.monotonic() + WAIT
+        while self.program.poll() is None:
+            assert time.monotonic() < until, f"goes on and on: {self.shown!r}"
+            self.look()
+        self.look()
+        os.close(self.screen)
+        return self.program.returncode, self.shown[list(LINE.finditer(self.shown))[-1].end():]
+
+
+def ends_well(pruning):
+    """The log ends while it is read; the next one is a pipe, which is told."""
+    os.mkfifo(pruning.logs + "/logging_1.txt")
+    pruning.megabytes_done()
+    os.truncate(pruning.logs + "/logging_0.txt", 0)
+    status, shown = pruning.end()
+    assert status == 110, (status, shown)
+    assert re.match(rb"\r +\rgatescope: The log file \(", shown), shown
+    assert b": Not a regular file." in shown, shown
+    assert b" log entries were removed" in shown, shown
+
+
+def ends_by_an_error(pruning):
+    """Not a byte may be written when it comes to a record that is kept, one of which is ahead."""
+    done = pruning.megabytes_done()
+    resource.prlimit(pruning.program.pid, resource.RLIMIT_FSIZE, (0, 0))
+    with open(pruning.logs + "/logging_0.txt", "r+b") as log:
+        for distance in (1 << power for power in range(20)):
+            log.seek((done + distance) * 1000000)
+            log.write(b"\n%d:S:kept\n" % time.time())
+    status, shown = pruning.end()
+    assert status == 99, (status, shown)
+    assert re.match(rb"\r +\rERROR: ", shown), shown
+
+
+def ends_by_a_signal(pruning):
+    pruning.megabytes_done()
+    pruning.program.send_signal(signal.SIGTERM)
+    status, _ = pruning.end()
+    assert status == -signal.SIGTERM, status
+    assert os.listdir(pruning.logs) == ["logging_0.txt"], os.listdir(pruning.logs)
+
+
+def main():
+    gatescope = os.path.abspath(sys.argv[1])
+    for way in (ends_well, ends_by_an_error, ends_by_a_signal):
+        with tempfile.TemporaryDirectory() as directory:
+            way(Pruning(gatescope, directory))
+    print("ok")
+
+
+if __name__ == "__main__":
+    main()
