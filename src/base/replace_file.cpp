@@ -175,7 +175,7 @@ std::optional<Failure> replace_file(const std::string& path, std::string_view te
     struct stat status;
     if (fstat(old_file.get(), &status) != 0) return left_unchanged(target, errno);
     if (!S_ISREG(status.st_mode)) {
-        return failure(target, NOT_A_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
+        return failure(target, IS_NO_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
     }
     // The system lets root write it all the same.
     if ((status.st_mode & 0222) == 0) return refused(safe_copy, path, EACCES);

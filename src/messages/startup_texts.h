@@ -42,4 +42,4 @@ inline constexpr char FILE_IS_NEW[] =
 /// Why COULD_NOT_REPLACE: seconds.
 inline constexpr char LOCKED_BY_ANOTHER[] =
     "another process has held its lock for more than %d seconds";
-inline constexpr char NOT_A_REGULAR_FILE[] = "it is not a regular file";
+inline constexpr char IS_NO_REGULAR_FILE[] = "it is not a regular file";
