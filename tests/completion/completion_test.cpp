@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
-#include <stdlib.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -13,6 +10,7 @@
 #include "messages/arguments.h"
 #include "messages/bit_names.h"
 #include "messages/command_names.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
@@ -88,25 +86,6 @@ Words with(Words words, const std::string& last) {
     words.push_back(last);
     return words;
 }
-
-/// A directory that goes with this object.
-class Directory {
-  public:
-    Directory() {
-        std::string pattern = ::testing::TempDir() + "completion.XXXXXX";
-        EXPECT_NE(mkdtemp(pattern.data()), nullptr);
-        path_ = pattern;
-    }
-    ~Directory() { std::filesystem::remove_all(path_); }
-    Directory(const Directory&) = delete;
-    Directory& operator=(const Directory&) = delete;
-
-    void add(const std::string& name) const { std::ofstream(path_ + "/" + name) << "text\n"; }
-    [[nodiscard]] Setting setting() const { return {.directory = path_}; }
-
-  private:
-    std::string path_;
-};
 
 }  // namespace
 
@@ -215,35 +194,35 @@ TEST(Completion, OffersNoDisplayBehindARepeat) {
 }
 
 TEST(Completion, OffersFiles) {
-    const Directory directory;
-    directory.add("gatebits.txt");
-    directory.add("gate keeper.txt");
-    directory.add("other.txt");
-    EXPECT_EQ(offered("gatescope F=gateb", directory.setting()), Words{"gatebits.txt"});
-    EXPECT_EQ(offered("gatescope F=o", directory.setting()), Words{"other.txt"});
-    EXPECT_EQ(offered("gatescope F=zzz", directory.setting()), Words{});
+    const ScratchDirectory directory;
+    directory.write("gatebits.txt", "text\n");
+    directory.write("gate keeper.txt", "text\n");
+    directory.write("other.txt", "text\n");
+    EXPECT_EQ(offered("gatescope F=gateb", {.directory = directory.path()}), Words{"gatebits.txt"});
+    EXPECT_EQ(offered("gatescope F=o", {.directory = directory.path()}), Words{"other.txt"});
+    EXPECT_EQ(offered("gatescope F=zzz", {.directory = directory.path()}), Words{});
 }
 
 TEST(Completion, OffersFilesWithBlanks) {
-    const Directory directory;
-    directory.add("gate keeper.txt");
+    const ScratchDirectory directory;
+    directory.write("gate keeper.txt", "text\n");
     // The shell hands the word over from its last break, the quoted blank not being one.
-    Setting setting = directory.setting();
+    Setting setting = {.directory = directory.path()};
     setting.breaks = "=";
     EXPECT_EQ(offered("gatescope F=gate\\ k", setting), Words{"gate keeper.txt"});
     EXPECT_EQ(offered("gatescope F=\"gate k", setting), Words{"gate keeper.txt"});
 }
 
 TEST(Completion, OffersOnlyTheRestOfAFileNameThatBashBreaks) {
-    const Directory directory;
-    directory.add("a=b=c.txt");
-    EXPECT_EQ(offered("gatescope F=a=b", directory.setting()), Words{"b=c.txt"});
+    const ScratchDirectory directory;
+    directory.write("a=b=c.txt", "text\n");
+    EXPECT_EQ(offered("gatescope F=a=b", {.directory = directory.path()}), Words{"b=c.txt"});
 }
 
 TEST(Completion, WorksWhereBashDoesNotBreakAtEqualsSigns) {
-    const Directory directory;
-    directory.add("gatebits.txt");
-    Setting setting = directory.setting();
+    const ScratchDirectory directory;
+    directory.write("gatebits.txt", "text\n");
+    Setting setting = {.directory = directory.path()};
     setting.breaks = BREAKS_WITHOUT_EQUALS;
     EXPECT_EQ(offered("gatescope F=gateb", setting), Words{"F=gatebits.txt"});
     EXPECT_EQ(offered("gatescope C=", setting), with(commands("C="), "C=\\*"));

@@ -5,8 +5,8 @@
 #include "base/descriptor.h"
 #include "base/run_identity.h"
 #include "faults/in_child.h"
-#include "faults/scratch_directory.h"
 #include "policy/gatebits_file.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ namespace {
 TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     const ScratchDirectory directory;
     const std::string file = directory / "gatebits.txt";
-    put(file, "one;\n");
+    write_file(file, "one;\n");
     const Descriptor theirs(open(file.c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
     const Ended ended = in_child([&] {
@@ -26,7 +26,7 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     EXPECT_EQ(ended.said, "ERROR: Could not write the file (" + file +
                               "): another process has held its lock for more than 10 seconds.  (" +
                               file + ") is unchanged.\n");
-    EXPECT_EQ(bytes_of(file), "one;\n");
+    EXPECT_EQ(file_text(file), "one;\n");
     EXPECT_EQ(directory.names(), std::set<std::string>{"gatebits.txt"});
 }
 

@@ -15,8 +15,8 @@
 #include "dialog/messages.h"
 #include "faults/append_only.h"
 #include "faults/in_child.h"
-#include "faults/scratch_directory.h"
 #include "faults/small_disk.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
@@ -35,11 +35,11 @@ struct stat status_of(const std::string& path) {
 /// A file with the old text in a directory, and the safe copy in another.
 class ReplaceFile : public testing::Test {
   protected:
-    void SetUp() override { put(file, OLD); }
+    void SetUp() override { write_file(file, OLD); }
 
     /// What the rewriters do: the safe copy first, then the file.
     void replace(const std::string& path, const std::string& text) const {
-        put(copy, text);
+        write_file(copy, text);
         remember_temporary_file(copy);
         if (const auto failure = replace_file(path, text, copy)) gripe(failure->message);
     }
@@ -80,7 +80,7 @@ class ReplaceFileOfNobody : public ReplaceFile {
 
 TEST_F(ReplaceFile, HoldsTheNewTextAndNothingElseIsLeft) {
     EXPECT_EQ(replaced().status, 0);
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
@@ -101,7 +101,7 @@ TEST_F(ReplaceFile, SymbolicLinkStaysAndItsTargetChanges) {
     EXPECT_TRUE(S_ISLNK(status_of(link).st_mode));
     EXPECT_TRUE(S_ISLNK(status_of(link_to_link).st_mode));
     EXPECT_TRUE(S_ISREG(status_of(file).st_mode));
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left({"file", "link", "link_to_link"});
 }
 
@@ -111,28 +111,28 @@ TEST_F(ReplaceFile, RelativeNameWithoutADirectory) {
                   replace("file", NEW);
               }).status,
               0);
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
 TEST_F(ReplaceFile, NameAsLongAsTheFileSystemTakes) {
     const std::string longest = directory / std::string(255, 'n');
-    put(longest, OLD);
+    write_file(longest, OLD);
     const auto before = status_of(longest).st_ino;
     EXPECT_EQ(in_child([&] { replace(longest, NEW); }).status, 0);
-    EXPECT_EQ(bytes_of(longest), NEW);
+    EXPECT_EQ(file_text(longest), NEW);
     EXPECT_NE(status_of(longest).st_ino, before) << "it was not replaced by a rename";
 }
 
 TEST_F(ReplaceFile, HardLinkIsRewrittenInPlaceUnderBothNames) {
     const std::string other = directory / "other";
     for (const std::string text : {NEW, SHORTER}) {
-        put(file, OLD);
+        write_file(file, OLD);
         ASSERT_EQ(link(file.c_str(), other.c_str()), 0);
         const auto before = status_of(file).st_ino;
         EXPECT_EQ(replaced(text).status, 0);
-        EXPECT_EQ(bytes_of(file), text);
-        EXPECT_EQ(bytes_of(other), text);
+        EXPECT_EQ(file_text(file), text);
+        EXPECT_EQ(file_text(other), text);
         EXPECT_EQ(status_of(file).st_ino, before);
         expect_nothing_left({"file", "other"});
         unlink(other.c_str());
@@ -141,13 +141,13 @@ TEST_F(ReplaceFile, HardLinkIsRewrittenInPlaceUnderBothNames) {
 
 TEST_F(ReplaceFile, FileThatSomethingIsMountedOnIsRewrittenInPlace) {
     const std::string place = directory / "place";
-    put(place, "");
+    write_file(place, "");
     if (mount(file.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0) {
         GTEST_SKIP() << "needs the right to mount";
     }
     const Ended ended = in_child([&] { replace(place, NEW); });
     EXPECT_EQ(ended.status, 0) << ended.said;
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     umount2(place.c_str(), MNT_DETACH);
     expect_nothing_left({"file", "place"});
 }
@@ -170,7 +170,7 @@ TEST_F(ReplaceFile, OwnerAndGroupStay) {
     EXPECT_EQ(replaced().status, 0);
     EXPECT_EQ(status_of(file).st_uid, 12345U);
     EXPECT_EQ(status_of(file).st_gid, 23456U);
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
 }
 
 TEST_F(ReplaceFile, ExtendedAttributesStay) {
@@ -233,7 +233,7 @@ TEST_F(ReplaceFile, DirectorysDefaultListLetsNobodyInWhoWasOut) {
 TEST_F(ReplaceFileOfNobody, WorksWithoutAnyRightsButTheOwners) {
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
@@ -243,7 +243,7 @@ TEST_F(ReplaceFileOfNobody, DirectoryWithoutWritePermissionMeansInPlace) {
     for (const std::string text : {NEW, SHORTER}) {
         const Ended ended = replaced_by_nobody(text);
         EXPECT_EQ(ended.status, 0) << ended.said;
-        EXPECT_EQ(bytes_of(file), text);
+        EXPECT_EQ(file_text(file), text);
     }
     EXPECT_EQ(status_of(file).st_ino, before);
     expect_nothing_left();
@@ -253,7 +253,7 @@ TEST_F(ReplaceFileOfNobody, DirectoryThatMayNotBeReadStillHasItsFileReplaced) {
     ASSERT_EQ(chmod((directory / "").c_str(), 0333), 0);
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
@@ -262,7 +262,7 @@ TEST_F(ReplaceFileOfNobody, SomebodyElsesFileKeepsItsOwnerInPlace) {
     ASSERT_EQ(chmod(file.c_str(), 0660), 0);
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     EXPECT_EQ(status_of(file).st_uid, 12345U);
     EXPECT_EQ(status_of(file).st_mode & 07777U, 0660U);
     expect_nothing_left();
@@ -275,7 +275,7 @@ TEST_F(ReplaceFileOfNobody, StickyDirectoryWithSomebodyElsesFileMeansInPlace) {
     ASSERT_EQ(chmod(file.c_str(), 0664), 0);
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
-    EXPECT_EQ(bytes_of(file), NEW);
+    EXPECT_EQ(file_text(file), NEW);
     EXPECT_EQ(status_of(file).st_uid, 12345U);
     expect_nothing_left();
 }
@@ -286,7 +286,7 @@ TEST_F(ReplaceFileOfNobody, ReadOnlyFileIsRefusedInTheDescribedWords) {
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, "#1 Could not move (" + copy + ") to (" + file + ") with " +
                               std::to_string(EACCES) + "\n");
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left();
 }
 
@@ -296,7 +296,7 @@ TEST_F(ReplaceFile, ReadOnlyFileIsRefusedForRootToo) {
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, "#1 Could not move (" + copy + ") to (" + file + ") with " +
                               std::to_string(EACCES) + "\n");
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left();
 }
 
@@ -316,7 +316,7 @@ TEST_F(ReplaceFile, DirectoryThatKeepsEveryNewFileGetsNone) {
     const ino_t before = status_of(file).st_ino;
     for (const char* text : {NEW, SHORTER}) {
         EXPECT_EQ(replaced(text).status, 0);
-        EXPECT_EQ(bytes_of(file), text);
+        EXPECT_EQ(file_text(file), text);
     }
     EXPECT_EQ(status_of(file).st_ino, before);
     expect_nothing_left();
@@ -336,7 +336,7 @@ TEST_F(ReplaceFile, DirectoryFifoAndDanglingLinkAreRefusedAndStay) {
         EXPECT_NE(ended.said.find(path), std::string::npos) << ended.said;
         EXPECT_EQ(status_of(path).st_mode, before);
     }
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left({"fifo", "file", "folder", "link"});
 }
 
@@ -360,7 +360,7 @@ class ReplaceFileOnAFullDisk : public ReplaceFile {
 TEST_F(ReplaceFileOnAFullDisk, OldFileStaysAndTheOperatorIsTold) {
     fill_up(directory / "filler");
     expect_says_unchanged(replaced(long_text), file, ENOSPC);
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left({"file", "filler"});
 }
 
@@ -368,7 +368,7 @@ TEST_F(ReplaceFileOnAFullDisk, HardLinkStaysToo) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     fill_up(directory / "filler");
     expect_says_unchanged(replaced(long_text), file, ENOSPC);
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left({"file", "filler", "other"});
 }
 
@@ -376,8 +376,8 @@ TEST_F(ReplaceFileOnAFullDisk, HardLinkIsRewrittenWhereTheTextHasRoom) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     fill_up(directory / "filler");
     EXPECT_EQ(replaced().status, 0);
-    EXPECT_EQ(bytes_of(file), NEW);
-    EXPECT_EQ(bytes_of(directory / "other"), NEW);
+    EXPECT_EQ(file_text(file), NEW);
+    EXPECT_EQ(file_text(directory / "other"), NEW);
 }
 
 /// Runs with no file allowed to grow beyond some bytes.
@@ -389,13 +389,13 @@ void limit_files_to(rlim_t bytes) {
 TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
     const Ended ended = in_child([&] {
         end_in_order_on_signals();
-        put(copy, NEW);
+        write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
         if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
     });
     expect_says_unchanged(ended, file, EFBIG);
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left();
 }
 
@@ -403,13 +403,13 @@ TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     const Ended ended = in_child([&] {
         end_in_order_on_signals();
-        put(copy, NEW);
+        write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
         if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
     });
     expect_says_unchanged(ended, file, EFBIG);
-    EXPECT_EQ(bytes_of(file), OLD);
+    EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left({"file", "other"});
 }
 

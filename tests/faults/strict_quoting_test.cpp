@@ -12,9 +12,9 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "faults/in_child.h"
-#include "faults/scratch_directory.h"
 #include "policy/file_chooser.h"
 #include "policy/gatebits_file.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
@@ -52,9 +52,9 @@ class StrictQuoting : public testing::Test {
     void SetUp() override {
         const std::string recorder = directory / "clearprompt";
         // Written under another name first: some dialogs are not waited for.
-        put(recorder, "#!/bin/sh\nfor word in \"$@\"; do printf '%s\\0' \"$word\"; done >'" +
-                          (directory / "new") + "'\nmv '" + (directory / "new") + "' '" + recorded +
-                          "'\nexit 1\n");
+        write_file(recorder, "#!/bin/sh\nfor word in \"$@\"; do printf '%s\\0' \"$word\"; done >'" +
+                                 (directory / "new") + "'\nmv '" + (directory / "new") + "' '" +
+                                 recorded + "'\nexit 1\n");
         ASSERT_EQ(chmod(recorder.c_str(), 0755), 0);
     }
 
@@ -72,7 +72,7 @@ class StrictQuoting : public testing::Test {
             std::this_thread::sleep_for(std::chrono::milliseconds(10));
         }
         Arguments arguments;
-        std::string rest = bytes_of(recorded);
+        std::string rest = file_text(recorded);
         for (std::size_t end = 0; (end = rest.find('\0')) != std::string::npos;) {
             arguments.push_back(rest.substr(0, end));
             rest.erase(0, end + 1);

@@ -14,9 +14,9 @@
 #include "dialog/prompts.h"
 #include "faults/append_only.h"
 #include "faults/in_child.h"
-#include "faults/scratch_directory.h"
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
@@ -31,16 +31,16 @@ constexpr char CHANGED[] = "gatewarden;;;east;\n;;S;\n;;\n";
 class TemporaryFiles : public testing::Test {
   protected:
     void SetUp() override {
-        put(precious, PRECIOUS);
-        put(directory / "gatebits", GATEBITS);
+        write_file(precious, PRECIOUS);
+        write_file(directory / "gatebits", GATEBITS);
         const std::string program = directory / "clearprompt";
-        put(program,
-            "#!/bin/sh\nwhile [ $# -gt 0 ]; do\n"
-            "[ \"$1\" = -outfile ] && { stat -c %a \"$2\" >" +
-                (directory / "mode") +
-                "; echo answer >\"$2\"; }\n"
-                "[ \"$1\" = -dfile ] && cat \"$2\" >" +
-                (directory / "shown") + "\nshift\ndone\n");
+        write_file(program,
+                   "#!/bin/sh\nwhile [ $# -gt 0 ]; do\n"
+                   "[ \"$1\" = -outfile ] && { stat -c %a \"$2\" >" +
+                       (directory / "mode") +
+                       "; echo answer >\"$2\"; }\n"
+                       "[ \"$1\" = -dfile ] && cat \"$2\" >" +
+                       (directory / "shown") + "\nshift\ndone\n");
         ASSERT_EQ(chmod(program.c_str(), 0755), 0);
     }
 
@@ -63,14 +63,14 @@ class TemporaryFiles : public testing::Test {
             [&] { return symlink((directory / "nowhere").c_str(), path.c_str()); },
             [&] { return mkfifo(path.c_str(), 0666); },
             [&] {
-                put(path, "planted");
+                write_file(path, "planted");
                 return 0;
             },
         };
         for (const auto& plant : plants) {
             ASSERT_EQ(plant(), 0);
             look();
-            EXPECT_EQ(bytes_of(precious), PRECIOUS);
+            EXPECT_EQ(file_text(precious), PRECIOUS);
             EXPECT_FALSE(std::filesystem::exists(directory / "nowhere"));
             std::filesystem::remove(path);
         }
@@ -91,9 +91,9 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
 
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     with_everything_planted_at("t_file_gatescope_77.txt", [&] {
-        put(directory / "gatebits", GATEBITS);
+        write_file(directory / "gatebits", GATEBITS);
         EXPECT_EQ(run([] { set_a_field(2, 3, "S"); }).status, 0);
-        EXPECT_EQ(bytes_of(directory / "gatebits"), CHANGED);
+        EXPECT_EQ(file_text(directory / "gatebits"), CHANGED);
         EXPECT_EQ(temporary.names(), Names());
     });
 }
@@ -107,7 +107,7 @@ TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
         const Ended ended = run([] { prompt_from_file("text", "default"); });
         EXPECT_EQ(ended.status, 99);
         EXPECT_EQ(ended.said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
-        EXPECT_EQ(bytes_of(precious), PRECIOUS);
+        EXPECT_EQ(file_text(precious), PRECIOUS);
         EXPECT_EQ(temporary.names(), (Names{"gatewarden_prompt_prompt_77_.txt"}));
         unlink(path.c_str());
     }
@@ -128,9 +128,9 @@ TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
 }
 
 TEST_F(TemporaryFiles, LeftoverDefaultIsAddedToAndThenGone) {
-    put(temporary / "gatewarden_prompt_prompt_77_.txt", "left over, ");
+    write_file(temporary / "gatewarden_prompt_prompt_77_.txt", "left over, ");
     EXPECT_EQ(run([] { prompt_from_file("text", "default"); }).status, 0);
-    EXPECT_EQ(bytes_of(directory / "shown"), "left over, default");
+    EXPECT_EQ(file_text(directory / "shown"), "left over, default");
     EXPECT_EQ(temporary.names(), Names());
 }
 
@@ -147,7 +147,7 @@ TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
                   prompt("text", "");
               }).status,
               0);
-    EXPECT_EQ(bytes_of(directory / "mode"), "600\n");
+    EXPECT_EQ(file_text(directory / "mode"), "600\n");
 }
 
 TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
@@ -173,17 +173,18 @@ TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
 }
 
 TEST_F(TemporaryFiles, DialogThatWroteNothingIsAnEmptyAnswer) {
-    put(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
+    write_file(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
     const Ended ended =
         run([] { std::fputs(("(" + prompt("text", "").value() + ")").c_str(), stdout); });
     EXPECT_EQ(ended.said, "()");
 }
 
 TEST_F(TemporaryFiles, SeveralPicksThatWereNeverWrittenAreAnError) {
-    put(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
+    write_file(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 99);
     // An empty answer is an answer.
-    put(directory / "clearprompt",
+    write_file(
+        directory / "clearprompt",
         "#!/bin/sh\nwhile [ $# -gt 0 ]; do [ \"$1\" = -outfile ] && : >\"$2\"; shift; done\n");
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 0);
 }

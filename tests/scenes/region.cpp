@@ -6,10 +6,7 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
-#include <utility>
 
 #include "scenes/child_process.h"
 
@@ -33,28 +30,9 @@ void replace_all(std::string& text, const std::string& sought, const std::string
     }
 }
 
-std::string content_of(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
-
-void write_content(const fs::path& path, const std::string& content) {
-    fs::create_directories(path.parent_path());
-    std::ofstream stream(path, std::ios::binary);
-    stream << content;
-    stream.close();
-    if (!stream) throw std::runtime_error("cannot write " + path.string());
-}
-
-std::string new_stage() {
-    std::string name = testing::TempDir() + "gatescope-stage-XXXXXX";
-    if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
-    return name;
-}
-
 /// Process ids come in the order of the starts, but begin anew behind the largest one.
 void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
-    const long largest = std::stol(content_of("/proc/sys/kernel/pid_max"));
+    const long largest = std::stol(file_text("/proc/sys/kernel/pid_max"));
     const auto age = [&](const RecordedCall& call) {
         return (call.pid - first_pid + largest) % largest;
     };
@@ -64,7 +42,7 @@ void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
 }
 
 std::vector<RecordedCall> read_journal(const fs::path& path) {
-    const std::string bytes = content_of(path);
+    const std::string bytes = file_text(path);
     std::vector<RecordedCall> calls;
     for (std::string_view rest = bytes; !rest.empty();) calls.push_back(take_record(rest));
     return calls;
@@ -184,7 +162,7 @@ std::vector<Args> Result::calls_of(const std::string& program) const {
     return found;
 }
 
-Region::Region(const RegionPlan& plan) : stage_(new_stage()) {
+Region::Region(const RegionPlan& plan) {
     for (const char* directory : {"bin", "tmp", "home", "depot/log", "depot/query_results"}) {
         fs::create_directories(path(directory));
     }
@@ -204,24 +182,6 @@ Region::Region(const RegionPlan& plan) : stage_(new_stage()) {
     }
 }
 
-Region::Region(Region&& other) noexcept
-    : stage_(std::exchange(other.stage_, "")),
-      env_(std::move(other.env_)),
-      answers_scripted_(other.answers_scripted_) {}
-
-Region::~Region() {
-    if (stage_.empty()) return;
-    std::error_code ignored;
-    // A scene may have taken a directory's permissions away.
-    for (const auto& entry : fs::recursive_directory_iterator(
-             stage_, fs::directory_options::skip_permission_denied, ignored)) {
-        if (entry.is_directory(ignored) && !entry.is_symlink(ignored)) {
-            fs::permissions(entry.path(), fs::perms::owner_all, ignored);
-        }
-    }
-    fs::remove_all(stage_, ignored);
-}
-
 void Region::install_stand_ins(bool with_checker) const {
     for (const std::string name : {"clearprompt", "cleartool", "browser", "gatewarden"}) {
         if (name == "gatewarden" && !with_checker) continue;
@@ -236,7 +196,7 @@ Region& Region::script(const std::string& queue, const ScriptedAnswer& answer) {
     number.width(6);
     number.fill('0');
     number << ++answers_scripted_;
-    write_content(fs::path(stage_) / STAGE_SCRIPT / queue / number.str(), to_bytes(answer));
+    stage_.write(std::string(STAGE_SCRIPT) + "/" + queue + "/" + number.str(), to_bytes(answer));
     return *this;
 }
 
@@ -302,7 +262,7 @@ Result Region::run(const Args& args) {
 Result Region::run_program(const std::string& program, const std::string& name, const Args& args) {
     fs::remove(path(STAGE_JOURNAL));
     const std::vector<std::string> in_tmp_before = files_in("tmp");
-    const Finished finished = run_to_the_end(program, name, args, env_, stage_);
+    const Finished finished = run_to_the_end(program, name, args, env_, stage_.path());
     Result result;
     result.status = finished.status;
     result.out = finished.out;
@@ -358,7 +318,7 @@ void Region::look_for_faults(const Result& result,
     std::error_code no_script;
     for (const auto& entry : fs::recursive_directory_iterator(path(STAGE_SCRIPT), no_script)) {
         if (!entry.is_regular_file()) continue;
-        const std::string bytes = content_of(entry.path());
+        const std::string bytes = file_text(entry.path());
         std::string_view rest = bytes;
         const ScriptedAnswer answer = take_answer(rest);
         ADD_FAILURE() << "nobody asked for the answer " << entry.path().filename() << " of "
@@ -373,16 +333,16 @@ void Region::look_for_faults(const Result& result,
 }
 
 std::string Region::path(const std::string& name) const {
-    return stage_ + "/" + name;
+    return stage_.path(name);
 }
 
 std::string Region::staged(std::string text) const {
-    replace_all(text, "{stage}", stage_);
+    replace_all(text, "{stage}", stage_.path());
     return text;
 }
 
 std::string Region::file(const std::string& name) const {
-    return content_of(path(name));
+    return stage_.read(name);
 }
 
 bool Region::has_file(const std::string& name) const {
@@ -390,7 +350,7 @@ bool Region::has_file(const std::string& name) const {
 }
 
 void Region::write_file(const std::string& name, const std::string& content) const {
-    write_content(path(name), content);
+    stage_.write(name, content);
 }
 
 std::string Region::line(int n) const {

@@ -7,6 +7,7 @@
 
 #include "scenes/dialogs.h"
 #include "scenes/journal.h"
+#include "support/scratch_directory.h"
 
 // A region on a stage of its own: a directory with its gatebits file, depot, logs and results, a
 // directory for temporary files, and stand-ins for every program that gatescope starts. A scene
@@ -92,10 +93,6 @@ struct Result {
 class Region {
   public:
     Region(const RegionPlan& plan);
-    ~Region();
-    Region(Region&& other) noexcept;
-    Region(const Region&) = delete;
-    Region& operator=(const Region&) = delete;
 
     // The script: answers are used up in this order, one a dialog. A dialog without an answer, of
     // another kind than the answer's, or an answer that is left over, fails the scene. Boxes with
@@ -172,7 +169,7 @@ class Region {
     void take_journal(Result& result) const;
     void look_for_faults(const Result& result, const std::vector<std::string>& in_tmp_before) const;
 
-    std::string stage_;
+    ScratchDirectory stage_;
     std::map<std::string, std::string> env_;
     int answers_scripted_ = 0;
 };

@@ -12,11 +12,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 
 #include "scenes/journal.h"
+#include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
 
@@ -24,11 +24,6 @@ namespace {
 
 /// What an unscripted question is answered with: abort, in the words of clearprompt.
 constexpr int NO_ANSWER = 2;
-
-std::string content_of(const fs::path& path) {
-    std::ifstream stream(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-}
 
 /// The value behind an option, if that is there.
 std::optional<std::string> option(const RecordedCall& record, const std::string& name) {
@@ -63,7 +58,7 @@ std::optional<ScriptedAnswer> next_answer(const fs::path& stage, const std::stri
     std::optional<ScriptedAnswer> answer;
     if (!files.empty()) {
         const fs::path first = *std::min_element(files.begin(), files.end());
-        const std::string bytes = content_of(first);
+        const std::string bytes = file_text(first);
         std::string_view rest = bytes;
         answer = take_answer(rest);
         fs::remove(first);
@@ -125,7 +120,7 @@ int main(int argc, char** argv) {
     record.waited = is_waited_for();
     record.cwd = fs::current_path();
     record.args.assign(argv + 1, argv + argc);
-    if (const auto file = option(record, "-dfile")) record.shown = content_of(*file);
+    if (const auto file = option(record, "-dfile")) record.shown = file_text(*file);
 
     const bool is_box = is_box_with_one_button(record);
     std::optional<ScriptedAnswer> answer = next_answer(stage, is_box ? "box" : record.program);

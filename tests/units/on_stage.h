@@ -1,8 +1,6 @@
 #pragma once
 
-#include <gmock/gmock-matchers.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <string>
 
@@ -13,6 +11,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
 #include "scenes/region.h"
+#include "support/expect_gripe.h"
 
 /// A test whose functions run on a stage: dialogs and other programs are played by stand-ins, the
 /// gatebits file in use is the region's.
@@ -20,6 +19,7 @@ class OnStage : public testing::Test {
   protected:
     explicit OnStage(const RegionPlan& plan = a_region()) : region(plan) {
         region.enter();
+        unsetenv("ZUL_GATESCOPE_VERBOSITY");
         verify_set_tempdir();
         ENTERPRIZE_PERMISSION_FILE = region.gatebits_path();
         GS_VAR.fill("");
@@ -30,16 +30,15 @@ class OnStage : public testing::Test {
     /// Puts another gatebits file in place of the region's.
     void use_gatebits(const std::string& text) const { region.write_file("gatebits.txt", text); }
 
+    std::string path(const std::string& name) const { return region.path(name); }
+
+    /// What `call` prints on standard output.
+    template <typename Call>
+    static std::string printed_by(Call call) {
+        testing::internal::CaptureStdout();
+        call();
+        return testing::internal::GetCapturedStdout();
+    }
+
     Region region;
 };
-
-/// The statement ends the process through gripe with this message; what is said of the reason on
-/// standard error comes before it.
-#define EXPECT_GRIPE(statement, message)        \
-    EXPECT_EXIT(                                \
-        {                                       \
-            ZUL_PREFER_GUI = 0;                 \
-            dup2(STDERR_FILENO, STDOUT_FILENO); \
-            statement;                          \
-        },                                      \
-        testing::ExitedWithCode(99), testing::EndsWith(std::string() + (message) + "\n"))

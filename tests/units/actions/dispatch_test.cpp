@@ -1,32 +1,26 @@
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "actions/actions.h"
 #include "actions/tool_settings.h"
 #include "policy/checker.h"
 #include "policy/tool_variables.h"
-#include "units/scratch_region.h"
+#include "units/on_stage.h"
 
 namespace {
 
-/// Every dialog is cancelled, and the checker ends with CHECKER_STATUS.
-class Dispatch : public ScratchRegion {
+/// Nobody answers a dialog, which aborts it.
+class Dispatch : public OnStage {
   protected:
     Dispatch() {
-        write("checker", "#!/bin/sh\nexit ${CHECKER_STATUS:-0}\n");
-        std::filesystem::permissions(path("checker"), std::filesystem::perms::owner_all);
-        unsetenv("CHECKER_STATUS");
-        GS_VAR.fill("");
-        GS_VAR[UNIX_CHECKER] = path("checker");
+        GS_VAR[UNIX_CHECKER] = region.checker_path();
         EMERGENCY_CHECKER = path("none");
-        questions_end_with(2);
-        region("", "");
+        ZUL_PREFER_GUI = 0;
+        region_is("", "");
     }
 
     /// The UNIX column of the parent and notify lines.
-    void region(const std::string& parent, const std::string& notify) const {
-        gatebits_are("gatewarden;;;east;\nW:d;" + path("") + ";O;\n/none;" + parent + ";\n/none;" +
+    void region_is(const std::string& parent, const std::string& notify) const {
+        use_gatebits("gatewarden;;;east;\nW:d;" + path("") + ";O;\n/none;" + parent + ";\n/none;" +
                      notify + ";\n; ;\n; ;\n;;;\nD;0;\n");
     }
 
@@ -41,15 +35,15 @@ TEST_F(Dispatch, ActionsThatAreNotGuardedAreAFault) {
 }
 
 TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
-    write("file", "");
+    region.write_file("file", "");
     for (const int number : {7, 10}) {
-        region("", "");
+        region_is("", "");
         EXPECT_EQ(A_X(run, number).holds, 1);
-        region(path("file"), path("file"));
+        region_is(path("file"), path("file"));
         EXPECT_EQ(A_X(run, number).holds, 1);
-        region(path(""), path(""));
+        region_is(path(""), path(""));
         EXPECT_EQ(A_X(run, number).holds, 0);
-        region(path("nothing"), path("nothing"));
+        region_is(path("nothing"), path("nothing"));
         EXPECT_EQ(A_X(run, number).holds, 0);
     }
 }
@@ -70,7 +64,7 @@ TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
 }
 
 TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
-    setenv("CHECKER_STATUS", "3", 1);
+    region.checker_ends_with({3, 3, 3});
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
     int result = -1;

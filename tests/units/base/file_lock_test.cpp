@@ -14,6 +14,8 @@
 #include <thread>
 #include <utility>
 
+#include "support/scratch_directory.h"
+
 namespace {
 
 /// What happens just before the next lock is taken; the result is the errno that it fails with, or
@@ -40,18 +42,11 @@ using namespace std::chrono_literals;
 
 class FileLocked : public testing::Test {
   protected:
-    FileLocked() {
-        std::string pattern = testing::TempDir() + "file_lock_XXXXXX";
-        directory_ = mkdtemp(pattern.data());
-        put("file");
-    }
-    ~FileLocked() override {
-        at_next_flock() = nullptr;
-        std::filesystem::remove_all(directory_);
-    }
+    FileLocked() { put("file"); }
+    ~FileLocked() override { at_next_flock() = nullptr; }
 
-    std::string path(const std::string& name) const { return directory_ + "/" + name; }
-    void put(const std::string& name) const { std::ofstream(path(name)) << "text\n"; }
+    std::string path(const std::string& name) const { return directory_.path(name); }
+    void put(const std::string& name) const { directory_.write(name, "text\n"); }
 
     /// Whether somebody else could lock the file now.
     bool is_free(const std::string& name) const {
@@ -59,7 +54,7 @@ class FileLocked : public testing::Test {
         return flock(file.get(), LOCK_EX | LOCK_NB) == 0;
     }
 
-    std::string directory_;
+    ScratchDirectory directory_;
 };
 
 TEST_F(FileLocked, IsHeldAsLongAsItsOwnerLives) {

@@ -3,31 +3,20 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
+#include "support/scratch_directory.h"
 
 namespace {
 
 /// The files of a system that grants processes a share of its processors.
 class ControlGroups : public testing::Test {
   protected:
-    void SetUp() override {
-        std::string pattern = testing::TempDir() + "gatescope_groups_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        root_ = pattern;
-    }
-    void TearDown() override { std::filesystem::remove_all(root_); }
-
     void put(const std::string& path, const std::string& text) const {
-        const std::filesystem::path whole = root_ + path;
-        std::filesystem::create_directories(whole.parent_path());
-        std::ofstream(whole) << text;
+        write_file(root_.path() + path, text);
     }
-    int granted() const { return processors_granted(root_ + "/membership", root_); }
+    int granted() const { return processors_granted(root_ / "membership", root_.path()); }
 
   private:
-    std::string root_;
+    ScratchDirectory root_;
 };
 
 TEST_F(ControlGroups, SetNoLimitWhereThereAreNone) {

@@ -2,99 +2,120 @@
 
 #include <gtest/gtest.h>
 
-#include "units/scratch_region.h"
+#include "units/on_stage.h"
 
 namespace {
 
-class Confirmations : public ScratchRegion {
+class Confirmations : public OnStage {
   protected:
-    Confirmations() {
-        write("clearprompt",
-              "#!/bin/sh\nfor last; do :; done\nprintf '%s' \"$last\" >\"$0.asked\"\n"
-              "exit ${CLEARPROMPT_STATUS:-2}\n");
-    }
+    Confirmations() { ZUL_PREFER_GUI = 0; }
 
-    /// The text of the question that was asked last.
-    [[nodiscard]] std::string asked() const { return read("clearprompt.asked"); }
+    /// The text of the only question that `call` asks.
+    template <typename Call>
+    std::string asked_by(Call call) {
+        region.aborts();
+        call();
+        const Dialogs shown = region.shown_so_far().dialogs();
+        return shown.size() == 1 ? shown.front().args.back() : testing::PrintToString(shown);
+    }
 };
 
 TEST_F(Confirmations, TheThreeAnswersOfEachQuestion) {
     const int expected[] = {CONFIRMED, DECLINED, CHANGE_ABORTED, CHANGE_ABORTED};
     static_assert(CONFIRMED == 1 && DECLINED == 0 && CHANGE_ABORTED == 2);
     for (const int status : {0, 1, 2, 3}) {
-        questions_end_with(status);
+        for (int i = 0; i < 3; ++i) region.answers({.kind = "yes_no", .status = status});
         EXPECT_EQ(confirm_change({"x", "a", "b"}), expected[status]);
         EXPECT_EQ(confirm_add({"x", "a", "b"}), expected[status]);
         EXPECT_EQ(confirm_delete({"x", "a", ""}), expected[status]);
+        region.shown_so_far();
     }
 }
 
 TEST_F(Confirmations, ChangeShowsOldAndNewValueAndThenTheWarnings) {
-    confirm_change({"Region MOTD String", "old", "new"}, "\n\nWarning: none");
-    EXPECT_EQ(asked(),
+    EXPECT_EQ(asked_by([&] {
+                  confirm_change({"Region MOTD String", "old", "new"}, "\n\nWarning: none");
+              }),
               "Confirm change of: Region MOTD String\n\nchange from:  old\n                 to:  "
               "new\n\nWarning: none");
 }
 
 TEST_F(Confirmations, EqualValuesGetNoWarning) {
     for (const char* value : {"", "(*)"}) {
-        confirm_change({"Region Special Access List...", value, value}, "\n\nWarning: all");
-        EXPECT_EQ(asked(),
-                  "Current value and requested value are the same.  Perform Change anyway?");
+        EXPECT_EQ(
+            asked_by([&] {
+                confirm_change({"Region Special Access List...", value, value}, "\n\nWarning: all");
+            }),
+            "Current value and requested value are the same.  Perform Change anyway?");
     }
 }
 
 TEST_F(Confirmations, ValuesAreComparedWhole) {
     const std::string value(90, 'x');
-    confirm_change({"Region MOTD String", value + "a", value + "b"});
-    EXPECT_TRUE(asked().starts_with("Confirm change of: ")) << asked();
+    EXPECT_TRUE(asked_by([&] {
+                    confirm_change({"Region MOTD String", value + "a", value + "b"});
+                }).starts_with("Confirm change of: "));
 }
 
 TEST_F(Confirmations, ValuesAreCutAtEightyCharacters) {
     EXPECT_EQ(cut_for_dialog(std::string(79, 'x')), std::string(79, 'x'));
     EXPECT_EQ(cut_for_dialog(std::string(80, 'x')), std::string(80, 'x') + "...");
     EXPECT_EQ(cut_for_dialog(std::string(200, 'x')), std::string(80, 'x') + "...");
-    confirm_change({std::string(81, 'i'), std::string(80, 'f'), std::string(200, 't')});
-    EXPECT_EQ(asked(), "Confirm change of: " + std::string(80, 'i') +
-                           "...\n\nchange from:  " + std::string(80, 'f') +
-                           "...\n                 to:  " + std::string(80, 't') + "...");
+    EXPECT_EQ(
+        asked_by([&] {
+            confirm_change({std::string(81, 'i'), std::string(80, 'f'), std::string(200, 't')});
+        }),
+        "Confirm change of: " + std::string(80, 'i') + "...\n\nchange from:  " +
+            std::string(80, 'f') + "...\n                 to:  " + std::string(80, 't') + "...");
 }
 
 TEST_F(Confirmations, EveryAmpersandIsDoubled) {
-    confirm_change({"a&b", "c&", "&&d"}, "&");
-    EXPECT_EQ(asked(),
+    EXPECT_EQ(asked_by([&] {
+                  confirm_change({"a&b", "c&", "&&d"}, "&");
+              }),
               "Confirm change of: a&&b\n\nchange from:  c&&\n                 to:  &&&&d&&");
-    confirm_add({"a&b", "c&", "d"});
-    EXPECT_EQ(asked(), "Confirm addition of: a&&b\n\n    c&&=d");
-    confirm_delete({"a&b", "c&", ""});
-    EXPECT_EQ(asked(), "Confirm deletion of: a&&b\n\n    c&&");
+    EXPECT_EQ(asked_by([&] {
+                  confirm_add({"a&b", "c&", "d"});
+              }),
+              "Confirm addition of: a&&b\n\n    c&&=d");
+    EXPECT_EQ(asked_by([&] {
+                  confirm_delete({"a&b", "c&", ""});
+              }),
+              "Confirm deletion of: a&&b\n\n    c&&");
 }
 
 // Additions and deletions.
 
 TEST_F(Confirmations, AnAliasIsShownWhole) {
     const std::string line = "#!gatewarden_alias a " + std::string(200, 'v');
-    confirm_add({"Alias", line, std::string(200, 'v')}, Addition::ALIAS);
-    EXPECT_EQ(asked(), "Confirm addition of: Alias\n\n    " + line);
+    EXPECT_EQ(asked_by([&] {
+                  confirm_add({"Alias", line, std::string(200, 'v')}, Addition::ALIAS);
+              }),
+              "Confirm addition of: Alias\n\n    " + line);
 }
 
 TEST_F(Confirmations, AToolVariableIsAddedOrChanged) {
-    confirm_add({"Gatescope Variable", "#!gatescope_unix_browser=", "/b"}, Addition::SETTING);
-    EXPECT_EQ(asked(),
+    EXPECT_EQ(asked_by([&] {
+                  confirm_add({"Gatescope Variable", "#!gatescope_unix_browser=", "/b"},
+                              Addition::SETTING);
+              }),
               "Confirm addition/change of: Gatescope Variable\n\n    #!gatescope_unix_browser=/b");
 }
 
 TEST_F(Confirmations, AnythingElseIsShownWithAnEqualsSignAndItsItemUncut) {
     const std::string item(90, 'i');
-    confirm_add({item, "Key", std::string(80, 'v')});
-    EXPECT_EQ(asked(),
+    EXPECT_EQ(asked_by([&] {
+                  confirm_add({item, "Key", std::string(80, 'v')});
+              }),
               "Confirm addition of: " + item + "\n\n    Key=" + std::string(80, 'v') + "...");
 }
 
 TEST_F(Confirmations, ADeletionShowsItsItemUncut) {
     const std::string item(90, 'i');
-    confirm_delete({item, std::string(80, 'v'), ""});
-    EXPECT_EQ(asked(), "Confirm deletion of: " + item + "\n\n    " + std::string(80, 'v') + "...");
+    EXPECT_EQ(asked_by([&] {
+                  confirm_delete({item, std::string(80, 'v'), ""});
+              }),
+              "Confirm deletion of: " + item + "\n\n    " + std::string(80, 'v') + "...");
 }
 
 // Reports.

@@ -6,82 +6,245 @@
 #include <cstdio>
 #include <cstdlib>
 #include <map>
+#include <random>
+#include <set>
 #include <vector>
 
 #include "log_region.h"
+#include "support/expect_gripe.h"
 
 namespace {
+
+/// What `rand` returns next, before it goes on at random.
+std::vector<int> next_draws;
+std::mt19937 random_numbers;
+
+}  // namespace
+
+/// In place of the C library's, so that a test can say what is drawn.
+extern "C" int rand() noexcept {
+    if (next_draws.empty()) return static_cast<int>(random_numbers() & RAND_MAX);
+    const int drawn = next_draws.front();
+    next_draws.erase(next_draws.begin());
+    return drawn;
+}
+
+namespace {
+
+constexpr int RECORDS = 50000;
+
+struct Record {
+    std::int64_t time = 0;
+    char kind = 0;
+    int user = -1;
+    int command = -1;
+    char detail = 0;
+    std::string value;
+};
 
 class DemoData : public LogRegion {
   protected:
     /// Runs the generator in a process of its own; returns what it printed.
-    std::string generated(unsigned seed) {
+    static std::string generated(unsigned seed) {
         const std::string said = logging_dir + "/said";
+        random_numbers.seed(seed);
         EXPECT_EXIT(
             {
                 if (std::freopen(said.c_str(), "w", stdout) == nullptr) std::abort();
-                std::srand(seed);
                 data_gen(logging_dir);
             },
             testing::ExitedWithCode(0), "");
         return file_text(said);
     }
 
-    static std::vector<std::string> lines_of(const std::string& text) {
+    static std::vector<std::string> lines() {
         std::vector<std::string> lines;
-        std::istringstream stream(text);
+        std::istringstream stream(file_text(log_file_path(20)));
         for (std::string one; std::getline(stream, one);) lines.push_back(one);
         return lines;
     }
 
-    /// The records that a seed makes, told as the sequence of draws that they are.
-    static std::string expected_records(unsigned seed) {
-        std::srand(seed);
-        std::string all;
-        for (int i = 0; i < 50000; ++i) {
-            const int user = std::rand() % 5;
-            const int day = std::rand() % 120;
-            const int command = std::rand() % 40 + 1;
-            char kind = 'S';
-            if (day < 40) {
-                const int x = std::rand() % 20;
-                if (x == 7) kind = std::rand() % 125 == 0 ? 'D' : 'S';
-                if (x == 8 || x == 9) kind = 'B';
-            } else {
-                const int x = std::rand() % 10;
-                if (x == 0) {
-                    kind = 'P';
-                } else if (day >= 80) {
-                    kind = x <= 2 ? 'S' : x <= 6 ? 'D' : 'B';
-                } else {
-                    kind = x <= 5 ? 'S' : x <= 7 ? 'D' : 'B';
-                }
-            }
-            std::string tail = "-<->";
-            if (kind == 'D') {
-                const int key = std::rand() % 10;
-                const int letter = std::rand() % 3;
-                tail = std::string(1, "KBR"[letter]) + "<" + std::to_string(key) + ">";
-            } else if (kind == 'B') {
-                tail = "-<" + std::to_string(std::rand() % 24) + ">";
-            } else if (kind == 'P') {
-                tail = std::rand() % 4 == 0 ? "d<->" : "a<->";
-            }
-            all += std::to_string(noon(day)) + ":" + kind + ":user" + std::to_string(user) + "[" +
-                   std::to_string(command) + "]" + tail + "\n";
+    /// The records of a run; a line that is none fails the test.
+    static std::vector<Record> records(unsigned seed) {
+        generated(seed);
+        std::vector<Record> records;
+        for (const std::string& line : lines()) {
+            Record one;
+            std::string value(3, '\0');
+            long time = 0;
+            int end = 0;
+            const int read =
+                std::sscanf(line.c_str(), "%10ld:%c:user%1d[%2d]%c<%2[-0-9]>%n", &time, &one.kind,
+                            &one.user, &one.command, &one.detail, value.data(), &end);
+            EXPECT_TRUE(read == 6 && static_cast<std::size_t>(end) == line.size()) << line;
+            one.time = time;
+            one.value = value.c_str();
+            records.push_back(one);
         }
-        return all;
+        return records;
+    }
+
+    /// One record as it is made: its draws, its day, and what stands behind its time.
+    struct Made {
+        std::vector<int> draws;
+        int day;
+        std::string record;
+    };
+    static void expect_records(const std::vector<Made>& expected) {
+        for (const Made& one : expected) {
+            next_draws.insert(next_draws.end(), one.draws.begin(), one.draws.end());
+        }
+        std::filesystem::remove(log_file_path(20));
+        generated(1);
+        next_draws.clear();
+        const std::vector<std::string> all = lines();
+        ASSERT_EQ(all.size(), std::size_t{RECORDS});
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_EQ(all[i] + "\n", line(expected[i].day, expected[i].record));
+        }
     }
 };
 
-TEST_F(DemoData, DrawsInTheGivenOrder) {
-    generated(4711);
-    EXPECT_TRUE(file_text(log_file_path(20)) == expected_records(4711));
+/// How often each value occurs.
+template <typename Key>
+std::map<Key, int> counted(const std::vector<Record>& records, Key (*key)(const Record&)) {
+    std::map<Key, int> counts;
+    for (const Record& one : records) ++counts[key(one)];
+    return counts;
 }
+
+// Of a few records: the draws decide on the user, the day, the command, the kind and its details.
+
+TEST_F(DemoData, UserDayAndCommandAreDrawnFirst) {
+    expect_records({{{0, 0, 0, 0}, 0, "S:user0[1]-<->"},
+                    {{4, 119, 39, 1}, 119, "S:user4[40]-<->"},
+                    {{5 + 2, 120 + 60, 40 + 9, 10 + 1}, 60, "S:user2[10]-<->"}});
+}
+
+TEST_F(DemoData, TheLast40DaysAreQuiet) {
+    expect_records({{{0, 0, 0, 6}, 0, "S:user0[1]-<->"},
+                    {{0, 39, 0, 7, 125, 3, 1}, 39, "D:user0[1]B<3>"},
+                    {{0, 39, 0, 7, 124}, 39, "S:user0[1]-<->"},
+                    {{0, 39, 0, 8, 5}, 39, "B:user0[1]-<5>"},
+                    {{0, 39, 0, 20 + 9, 6}, 39, "B:user0[1]-<6>"},
+                    {{0, 39, 0, 10}, 39, "S:user0[1]-<->"},
+                    {{0, 39, 0, 19}, 39, "S:user0[1]-<->"}});
+}
+
+TEST_F(DemoData, The40DaysBeforeHaveAParentPolicyAndDenials) {
+    for (const int day : {40, 79}) {
+        expect_records({{{0, day, 0, 0, 1}, day, "P:user0[1]a<->"},
+                        {{0, day, 0, 1}, day, "S:user0[1]-<->"},
+                        {{0, day, 0, 5}, day, "S:user0[1]-<->"},
+                        {{0, day, 0, 6, 2, 0}, day, "D:user0[1]K<2>"},
+                        {{0, day, 0, 7, 2, 0}, day, "D:user0[1]K<2>"},
+                        {{0, day, 0, 8, 7}, day, "B:user0[1]-<7>"},
+                        {{0, day, 0, 9, 7}, day, "B:user0[1]-<7>"}});
+    }
+}
+
+TEST_F(DemoData, TheFirst40DaysHaveMoreDenials) {
+    for (const int day : {80, 119}) {
+        expect_records({{{0, day, 0, 0, 1}, day, "P:user0[1]a<->"},
+                        {{0, day, 0, 1}, day, "S:user0[1]-<->"},
+                        {{0, day, 0, 2}, day, "S:user0[1]-<->"},
+                        {{0, day, 0, 3, 2, 0}, day, "D:user0[1]K<2>"},
+                        {{0, day, 0, 6, 2, 0}, day, "D:user0[1]K<2>"},
+                        {{0, day, 0, 7, 7}, day, "B:user0[1]-<7>"},
+                        {{0, day, 0, 9, 7}, day, "B:user0[1]-<7>"}});
+    }
+}
+
+TEST_F(DemoData, DetailsOfEachKind) {
+    expect_records({{{0, 90, 0, 3, 10 + 9, 3 + 2}, 90, "D:user0[1]R<9>"},
+                    {{0, 90, 0, 9, 24 + 23}, 90, "B:user0[1]-<23>"},
+                    {{0, 90, 0, 0, 4}, 90, "P:user0[1]d<->"},
+                    {{0, 90, 0, 0, 4 + 3}, 90, "P:user0[1]a<->"}});
+}
+
+// Of all records.
+
+TEST_F(DemoData, EveryRecordHasItsShape) {
+    const std::vector<Record> all = records(3);
+    EXPECT_EQ(all.size(), std::size_t{RECORDS});
+    std::map<char, std::set<std::string>> values;
+    std::map<char, std::set<char>> details;
+    for (const Record& one : all) {
+        values[one.kind].insert(one.value);
+        details[one.kind].insert(one.detail);
+    }
+    const auto numbers_below = [](int limit) {
+        std::set<std::string> numbers;
+        for (int i = 0; i < limit; ++i) numbers.insert(std::to_string(i));
+        return numbers;
+    };
+    const std::set<std::string> none = {"-"};
+    EXPECT_EQ(values,
+              (std::map<char, std::set<std::string>>{
+                  {'S', none}, {'P', none}, {'D', numbers_below(10)}, {'B', numbers_below(24)}}));
+    EXPECT_EQ(details, (std::map<char, std::set<char>>{
+                           {'S', {'-'}}, {'P', {'a', 'd'}}, {'D', {'K', 'B', 'R'}}, {'B', {'-'}}}));
+}
+
+TEST_F(DemoData, FiveUsersGiveFortyCommandsAtTheNoonsOf120Days) {
+    const std::vector<Record> all = records(4);
+    const auto expect_even = [](const auto& counts, std::size_t number, int first) {
+        ASSERT_EQ(counts.size(), number);
+        EXPECT_EQ(counts.begin()->first, first);
+        EXPECT_EQ(counts.rbegin()->first, first + static_cast<int>(number) - 1);
+        const double even = static_cast<double>(RECORDS) / static_cast<double>(number);
+        for (const auto& [value, times] : counts) EXPECT_NEAR(times / even, 1, 0.3) << value;
+    };
+    expect_even(counted<int>(all, [](const Record& one) { return one.user; }), 5, 0);
+    expect_even(counted<int>(all, [](const Record& one) { return one.command; }), 40, 1);
+    for (const Record& one : all) ASSERT_EQ((noon(0) - one.time) % SECONDS_A_DAY, 0) << one.time;
+    expect_even(counted<int>(all,
+                             [](const Record& one) {
+                                 return static_cast<int>((noon(0) - one.time) / SECONDS_A_DAY);
+                             }),
+                120, 0);
+}
+
+TEST_F(DemoData, KindsComeInTheirProportions) {
+    using testing::DoubleNear;
+    using testing::ElementsAre;
+    using testing::Pair;
+    std::array<std::map<char, int>, 3> kinds;
+    std::array<int, 3> total{};
+    for (const Record& one : records(5)) {
+        const auto band = static_cast<std::size_t>((noon(0) - one.time) / (40 * SECONDS_A_DAY));
+        ++total[band];
+        ++kinds[band][one.kind];
+    }
+    const auto percents = [&](std::size_t band) {
+        std::map<char, double> found;
+        for (const auto& [kind, times] : kinds[band]) found[kind] = 100.0 * times / total[band];
+        return found;
+    };
+    EXPECT_THAT(percents(0),
+                ElementsAre(Pair('B', DoubleNear(10, 1)), Pair('D', DoubleNear(0.04, 0.03)),
+                            Pair('S', DoubleNear(89.96, 1))));
+    EXPECT_THAT(percents(1),
+                ElementsAre(Pair('B', DoubleNear(20, 1)), Pair('D', DoubleNear(20, 1)),
+                            Pair('P', DoubleNear(10, 1)), Pair('S', DoubleNear(50, 1))));
+    EXPECT_THAT(percents(2),
+                ElementsAre(Pair('B', DoubleNear(30, 1)), Pair('D', DoubleNear(40, 1)),
+                            Pair('P', DoubleNear(10, 1)), Pair('S', DoubleNear(20, 1))));
+}
+
+TEST_F(DemoData, OneParentDecisionInFourIsADenial) {
+    std::map<char, int> letters;
+    for (const Record& one : records(6)) {
+        if (one.kind == 'P') ++letters[one.detail];
+    }
+    EXPECT_NEAR(letters['a'] / 3.0 / letters['d'], 1, 0.1);
+}
+
+// The run.
 
 TEST_F(DemoData, ReportsItsProgress) {
     std::string expected;
-    for (int i = 0; i <= 50000; i += 100) {
+    for (int i = 0; i <= RECORDS; i += 100) {
         expected += "Created " + std::to_string(i) + " demo data entries\n";
     }
     EXPECT_EQ(generated(1), expected);
@@ -91,65 +254,9 @@ TEST_F(DemoData, ASecondRunAppends) {
     generated(1);
     const std::string first = file_text(log_file_path(20));
     generated(2);
-    const std::string both = file_text(log_file_path(20));
-    EXPECT_EQ(lines_of(both).size(), 100000u);
-    EXPECT_TRUE(both.starts_with(first));
+    EXPECT_EQ(lines().size(), std::size_t{2 * RECORDS});
+    EXPECT_TRUE(file_text(log_file_path(20)).starts_with(first));
     EXPECT_FALSE(std::filesystem::exists(log_file_path(19)));
-}
-
-TEST_F(DemoData, EveryRecordHasItsShape) {
-    generated(3);
-    for (const std::string& one : lines_of(file_text(log_file_path(20)))) {
-        char kind = 0;
-        char detail = 0;
-        int user = -1;
-        int command = 0;
-        int end = 0;
-        std::string value(4, '\0');
-        ASSERT_EQ(std::sscanf(one.c_str(), "%*d:%c:user%1d[%d]%c<%3[-0-9]>%n", &kind, &user,
-                              &command, &detail, value.data(), &end),
-                  5)
-            << one;
-        EXPECT_EQ(static_cast<std::size_t>(end), one.size()) << one;
-        EXPECT_TRUE(user >= 0 && user <= 4 && command >= 1 && command <= 40) << one;
-        const std::string details = kind == 'D' ? "KBR" : kind == 'P' ? "ad" : "-";
-        EXPECT_NE(details.find(detail), std::string::npos) << one;
-        const int limit = kind == 'D' ? 10 : kind == 'B' ? 24 : 0;
-        if (limit == 0) {
-            EXPECT_STREQ(value.c_str(), "-") << one;
-        } else {
-            EXPECT_LT(std::stoi(value), limit) << one;
-        }
-    }
-}
-
-TEST_F(DemoData, EveryRecordStandsAtTheNoonOfADayOfThePeriod) {
-    generated(4);
-    std::map<std::int64_t, int> seen;
-    for (const std::string& one : lines_of(file_text(log_file_path(20)))) {
-        const std::int64_t behind = noon(0) - std::stoll(one);
-        ASSERT_EQ(behind % SECONDS_A_DAY, 0) << one;
-        ++seen[behind / SECONDS_A_DAY];
-    }
-    EXPECT_EQ(seen.size(), 120u);
-    EXPECT_EQ(seen.begin()->first, 0);
-    EXPECT_EQ(seen.rbegin()->first, 119);
-}
-
-TEST_F(DemoData, TheLast40DaysAreQuiet) {
-    generated(5);
-    std::map<char, int> recent;
-    std::map<char, int> older;
-    const std::int64_t border = end_of_day_time - 40 * SECONDS_A_DAY;
-    for (const std::string& one : lines_of(file_text(log_file_path(20)))) {
-        ++(std::stoll(one) >= border ? recent : older)[one[11]];
-    }
-    EXPECT_EQ(recent['P'], 0);
-    // About 1 in 2500, about 1 in 10, the rest allowed.
-    EXPECT_LT(recent['D'], recent['S'] / 500);
-    EXPECT_NEAR(recent['B'] * 10.0 / (recent['S'] + recent['B']), 1.0, 0.2);
-    EXPECT_GT(older['P'], 2000);
-    EXPECT_GT(older['D'], 5000);
 }
 
 TEST_F(DemoData, ALogThatCannotBeOpenedIsAFault) {
@@ -159,7 +266,8 @@ TEST_F(DemoData, ALogThatCannotBeOpenedIsAFault) {
             dup2(STDERR_FILENO, STDOUT_FILENO);
             data_gen(logging_dir);
         },
-        testing::ExitedWithCode(99), ": No such file or directory\ncould not make needed logging_file\n$");
+        testing::ExitedWithCode(99),
+        ": No such file or directory\ncould not make needed logging_file\n$");
 }
 
 TEST_F(DemoData, AFullDiskIsAFault) {
@@ -172,7 +280,10 @@ TEST_F(DemoData, AFullDiskIsAFault) {
             dup2(STDERR_FILENO, STDOUT_FILENO);
             data_gen(logging_dir);
         },
-        testing::ExitedWithCode(99), "ERROR: The demo records could not all be written");
+        testing::ExitedWithCode(99),
+        testing::EndsWith("\nERROR: The demo records could not all be written to the log file (" +
+                          log_file_path(20) +
+                          "): No space left on device.  Its older records are as they were.\n"));
 }
 
 }  // namespace

@@ -8,8 +8,6 @@
 #include <cerrno>
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -17,19 +15,17 @@
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
+#include "support/scratch_directory.h"
 
 /// A region with nothing but a logging directory of its own, and messages on standard output.
 class LogRegion : public testing::Test {
   protected:
     void SetUp() override {
-        std::string pattern = testing::TempDir() + "gatescope_logs_XXXXXX";
-        ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-        logging_dir = pattern;
+        logging_dir = directory_.path();
         ZUL_PREFER_GUI = 0;
         filter_by();
         end_of_day_time = set_time_values().end_of_day_time;
     }
-    void TearDown() override { std::filesystem::remove_all(logging_dir); }
 
     void filter_by(const std::string& one = ":", const std::string& two = ":",
                    const std::string& three = ":", const std::string& four = ":") {
@@ -57,15 +53,8 @@ class LogRegion : public testing::Test {
         return tells && grants;
     }
 
-    static void write_file(const std::string& path, std::string_view text) {
-        std::ofstream(path, std::ios::binary) << text;
-    }
     static void write_log(int number, std::string_view text) {
         write_file(log_file_path(number), text);
-    }
-    static std::string file_text(const std::string& path) {
-        std::ifstream stream(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
     }
 
     /// The noon of the day that was so many days ago.
@@ -95,5 +84,6 @@ class LogRegion : public testing::Test {
     QueryResult result;
 
   private:
+    ScratchDirectory directory_;
     std::array<std::string, 4> filters_;
 };

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "units/scratch_region.h"
+#include "units/on_stage.h"
 
 namespace {
 
@@ -12,8 +12,10 @@ std::string alias_line(const std::string& name, const std::string& value) {
     return "#!gatewarden_alias " + name + " " + value + "\n";
 }
 
-class AliasTables : public ScratchRegion {
+class AliasTables : public OnStage {
   protected:
+    AliasTables() { ZUL_PREFER_GUI = 0; }
+
     Aliases aliases;
     const std::array<std::string, MAX_ALIASES>& ALIAS_NAME = aliases.ALIAS_NAME;
     const std::array<std::string, MAX_ALIASES>& ALIAS = aliases.ALIAS;
@@ -28,7 +30,7 @@ class AliasTables : public ScratchRegion {
 
     /// What a fault in `line`, behind one good alias, makes the operator read.
     std::string fault(const std::string& line) {
-        gatebits_are(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
+        use_gatebits(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
         const std::string said = printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 1); });
         EXPECT_EQ(ALIAS_NAME[0], "good");
         EXPECT_EQ(ALIAS_NAME[1], "");
@@ -46,7 +48,7 @@ class AliasTables : public ScratchRegion {
 };
 
 TEST_F(AliasTables, AreReadInOrderFromAnywhereInTheFile) {
-    gatebits_are("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK +
+    use_gatebits("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK +
                  alias_line("Two_2", "second"));
     EXPECT_EQ(built(), 2);
     EXPECT_EQ(ALIAS_NAME[0], "one");
@@ -58,39 +60,39 @@ TEST_F(AliasTables, AreReadInOrderFromAnywhereInTheFile) {
 }
 
 TEST_F(AliasTables, HeaderWithoutABlankIsAComment) {
-    gatebits_are("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
+    use_gatebits("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(said_by('A', "n", "v"), "");
-    EXPECT_EQ(gatebits(), alias_line("a", "b") + alias_line("n", "v") +
-                              "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
+    EXPECT_EQ(region.gatebits(), alias_line("a", "b") + alias_line("n", "v") +
+                                     "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
 }
 
 TEST_F(AliasTables, LineWithNothingBehindTheMarkerIsSkipped) {
-    gatebits_are("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
+    use_gatebits("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "a");
 }
 
 TEST_F(AliasTables, NameWithoutAValueComesBackWithOneBlank) {
-    gatebits_are("#!gatewarden_alias empty\n" + BLOCK);
+    use_gatebits("#!gatewarden_alias empty\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "empty");
     EXPECT_EQ(ALIAS[0], "");
     said_by('A', "n", "v");
-    EXPECT_EQ(gatebits(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
+    EXPECT_EQ(region.gatebits(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
 }
 
 TEST_F(AliasTables, RunsOfBlanksInAValueBecomeOneBlank) {
-    gatebits_are("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
+    use_gatebits("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS[0], "x y z");
     said_by('A', "n", "v");
-    EXPECT_EQ(gatebits(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
+    EXPECT_EQ(region.gatebits(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
 }
 
 TEST_F(AliasTables, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
     const std::string fifty(50, 'n');
-    gatebits_are(alias_line(fifty, "x") + BLOCK);
+    use_gatebits(alias_line(fifty, "x") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], fifty);
     EXPECT_EQ(
@@ -108,13 +110,13 @@ TEST_F(AliasTables, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
     EXPECT_EQ(fault("#!gatewarden_alias good z"),
               "ERROR: read alias name (#!gatewarden_alias good z) is a duplicate of another alias "
               "name.  Alias names must be unique.\n\n");
-    gatebits_are(alias_line("good", "x") + alias_line("Good", "y") + BLOCK);
+    use_gatebits(alias_line("good", "x") + alias_line("Good", "y") + BLOCK);
     EXPECT_EQ(built(), 2);
 }
 
 TEST_F(AliasTables, ValueOf256CharactersIsReadAndOf257IsNot) {
     const std::string value = std::string(128, 'v') + " " + std::string(127, 'w');
-    gatebits_are(alias_line("a", value) + BLOCK);
+    use_gatebits(alias_line("a", value) + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS[0], value);
     EXPECT_EQ(
@@ -125,7 +127,7 @@ TEST_F(AliasTables, ValueOf256CharactersIsReadAndOf257IsNot) {
 TEST_F(AliasTables, TheEightyFirstEndsTheReading) {
     std::string text;
     for (int i = 1; i <= 80; ++i) text += alias_line("a" + std::to_string(i), "v");
-    gatebits_are(text + "  #!gatewarden_alias last one\n" + BLOCK);
+    use_gatebits(text + "  #!gatewarden_alias last one\n" + BLOCK);
     EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 80); }),
               "ERROR: read alias exceeds max of 80 alias definitions: #!gatewarden_alias last "
               "one\n\n");
@@ -133,7 +135,7 @@ TEST_F(AliasTables, TheEightyFirstEndsTheReading) {
 }
 
 TEST_F(AliasTables, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
-    gatebits_are(alias_line("only", "x") + BLOCK);
+    use_gatebits(alias_line("only", "x") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(said_by('R', "only", " "), "The alias definition for ( only ) was removed..\n\n\n");
     EXPECT_EQ(built(), 1);
@@ -142,37 +144,39 @@ TEST_F(AliasTables, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
 }
 
 TEST_F(AliasTables, EntriesWithoutANameAreNotWritten) {
-    gatebits_are(alias_line("only", "x") + BLOCK);
+    use_gatebits(alias_line("only", "x") + BLOCK);
     said_by('R', "only", " ");
-    EXPECT_EQ(gatebits(), BLOCK);
+    EXPECT_EQ(region.gatebits(), BLOCK);
     said_by('A', "new", "y");
-    EXPECT_EQ(gatebits(), alias_line("new", "y") + BLOCK);
+    EXPECT_EQ(region.gatebits(), alias_line("new", "y") + BLOCK);
 }
 
 TEST_F(AliasTables, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
-    gatebits_are("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
+    use_gatebits("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
                  "key;\n  #!gatewarden_alias a  1\n# end\n");
     said_by('A', "c", "3");
-    EXPECT_EQ(gatebits(), alias_line("b", "2") + alias_line("a", "1") + alias_line("c", "3") +
-                              "#!gatescope_unix_browser=b\n# c\n" + BLOCK + "key;\n# end\n");
+    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + alias_line("a", "1") +
+                                     alias_line("c", "3") + "#!gatescope_unix_browser=b\n# c\n" +
+                                     BLOCK + "key;\n# end\n");
 }
 
 TEST_F(AliasTables, ChangeKeepsTheOrderAndTheReferences) {
     const std::string keys = "k;~b ;\nk;~bc;~b;\n";
-    gatebits_are(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
+    use_gatebits(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
     EXPECT_EQ(said_by('C', "b", "new value"), "");
-    EXPECT_EQ(gatebits(), alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
+    EXPECT_EQ(region.gatebits(),
+              alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
 }
 
 TEST_F(AliasTables, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
     setenv("ZUL_GATESCOPE_VERBOSITY", "", 1);
-    gatebits_are(alias_line("b", "2") + BLOCK);
+    use_gatebits(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('C', "b", "3"), "The alias definition for ~b was changed..\n\n\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b ;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b ;\n");
     EXPECT_EQ(said_by('C', "b", "3"),
               "The alias definition for ~b was changed..\n\n1 current ~b alias reference was "
               "effected.\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ~b ;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ~b ;\n");
     EXPECT_EQ(said_by('C', "b", "3"),
               "The alias definition for ~b was changed..\n\n3 current ~b alias references were "
               "effected.\n");
@@ -180,40 +184,40 @@ TEST_F(AliasTables, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
 
 TEST_F(AliasTables, RemovalOfTheDefinitionCountsWhatStillRefers) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;\n");
     EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 1 ~b alias reference still exists.\n");
-    EXPECT_EQ(gatebits(), BLOCK + "k;~b;\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(region.gatebits(), BLOCK + "k;~b;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
     EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 2 ~b alias references still exist.\n");
-    gatebits_are(alias_line("b", "2") + BLOCK);
+    use_gatebits(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('R', "b", " "), start + "\n");
 }
 
 TEST_F(AliasTables, RemovalWithReferencesReportsThem) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
-    gatebits_are(alias_line("b", "2") + BLOCK);
+    use_gatebits(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('R', "b", "~"), start + "No ~b alias references were found to remove.\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;\n");
     EXPECT_EQ(said_by('R', "b", "~"), start + "1 ~b alias reference was found and also removed.\n");
-    EXPECT_EQ(gatebits(), BLOCK + "k;;\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(region.gatebits(), BLOCK + "k;;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
     EXPECT_EQ(said_by('R', "b", "~"),
               start + "2 ~b alias references were found and also removed.\n");
 }
 
 TEST_F(AliasTables, RemovalOfReferencesOnlyKeepsTheDefinition) {
-    gatebits_are(alias_line("b", "2") + BLOCK);
+    use_gatebits(alias_line("b", "2") + BLOCK);
     EXPECT_EQ(said_by('r', "~b", " "), "No ~b alias references were found to remove.\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
     EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
-    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "k;x y;\n");
-    gatebits_are(alias_line("b", "2") + BLOCK + "k;~b ~b ;\n");
+    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "k;x y;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b ~b ;\n");
     EXPECT_EQ(said_by('r', "~b", " "), "2 ~b alias references were found and removed.\n");
-    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "k;;\n");
+    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "k;;\n");
 }
 
 TEST_F(AliasTables, ReferencesEndInABlankOrASemicolon) {
-    gatebits_are(alias_line("b", "2") + BLOCK +
+    use_gatebits(alias_line("b", "2") + BLOCK +
                  "between;one ~b two;\n"
                  "alone;~b;\n"
                  "both;~b;x ~b ;\n"
@@ -223,70 +227,70 @@ TEST_F(AliasTables, ReferencesEndInABlankOrASemicolon) {
                  "# comment ~b ;\n"
                  "at the end ~b");
     EXPECT_EQ(said_by('r', "~b", " "), "7 ~b alias references were found and removed.\n");
-    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK +
-                              "between;one two;\n"
-                              "alone;;\n"
-                              "both;;x ;\n"
-                              "two bare;;;\n"
-                              "longer;~bc;~b_ ;~b\n"
-                              "glued;x;\n"
-                              "# comment ~b ;\n"
-                              "at the end ~b\n");
+    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK +
+                                     "between;one two;\n"
+                                     "alone;;\n"
+                                     "both;;x ;\n"
+                                     "two bare;;;\n"
+                                     "longer;~bc;~b_ ;~b\n"
+                                     "glued;x;\n"
+                                     "# comment ~b ;\n"
+                                     "at the end ~b\n");
 }
 
 TEST_F(AliasTables, ALineThatHeldOnlyAReferenceIsLeftBlank) {
-    gatebits_are(alias_line("b", "2") + BLOCK + "~b \nk;\n");
+    use_gatebits(alias_line("b", "2") + BLOCK + "~b \nk;\n");
     EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
-    EXPECT_EQ(gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
+    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
 }
 
 TEST_F(AliasTables, LinesBehindAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
-    gatebits_are(alias_line("good", "x") + BLOCK + rest);
+    use_gatebits(alias_line("good", "x") + BLOCK + rest);
     printed_by([this] { build_alias_list(&aliases); });
     EXPECT_EQ(printed_by([this] { add_change_remove_an_alias('A', "new", "z", aliases); }), "");
-    EXPECT_EQ(gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
+    EXPECT_EQ(region.gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
 }
 
 TEST_F(AliasTables, WhatAnotherProcessHasDefinedMeanwhileStays) {
-    gatebits_are(alias_line("a", "1") + BLOCK);
+    use_gatebits(alias_line("a", "1") + BLOCK);
     built();
-    gatebits_are(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
+    use_gatebits(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
     printed_by([this] { add_change_remove_an_alias(ADD_ALIAS, "ours", "3", aliases); });
-    EXPECT_EQ(gatebits(),
+    EXPECT_EQ(region.gatebits(),
               alias_line("a", "1") + alias_line("theirs", "2") + alias_line("ours", "3") + BLOCK);
 }
 
 TEST_F(AliasTables, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
     const auto changed = [this](char mode, const std::string& meanwhile) {
-        gatebits_are(alias_line("a", "1") + BLOCK + "k;~a ;\n");
+        use_gatebits(alias_line("a", "1") + BLOCK + "k;~a ;\n");
         built();
-        gatebits_are(meanwhile + "\n" + BLOCK);
+        use_gatebits(meanwhile + "\n" + BLOCK);
         EXPECT_EQ(printed_by([&] {
                       EXPECT_EQ(add_change_remove_an_alias(mode, "a", REFERENCES_TOO, aliases),
                                 ChangeResult::CHANGED_MEANWHILE);
                   }),
                   "");
-        EXPECT_EQ(gatebits(), meanwhile + "\n" + BLOCK);
+        EXPECT_EQ(region.gatebits(), meanwhile + "\n" + BLOCK);
     };
     changed(CHANGE_ALIAS, alias_line("a", "2"));
     changed(CHANGE_ALIAS, "");
     changed(REMOVE_ALIAS, alias_line("a", "2"));
     changed(REMOVE_ALIAS, alias_line("b", "1"));
-    gatebits_are(BLOCK);
+    use_gatebits(BLOCK);
     built();
-    gatebits_are(alias_line("new", "theirs") + BLOCK);
+    use_gatebits(alias_line("new", "theirs") + BLOCK);
     EXPECT_EQ(add_change_remove_an_alias(ADD_ALIAS, "new", "ours", aliases),
               ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(gatebits(), alias_line("new", "theirs") + BLOCK);
+    EXPECT_EQ(region.gatebits(), alias_line("new", "theirs") + BLOCK);
 }
 
 TEST_F(AliasTables, AnUnknownModeIsAFaultAndWritesNothing) {
-    gatebits_are(alias_line("a", "1") + BLOCK);
+    use_gatebits(alias_line("a", "1") + BLOCK);
     EXPECT_GRIPE(add_change_remove_an_alias('x', "a", "", aliases),
                  "Internal Error: Inform ZUL: Unexpected case in "
                  "gatescope:add_change_remove_an_alias\n");
-    EXPECT_EQ(gatebits(), alias_line("a", "1") + BLOCK);
+    EXPECT_EQ(region.gatebits(), alias_line("a", "1") + BLOCK);
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "units/scratch_region.h"
+#include "units/on_stage.h"
 
 namespace {
 
@@ -21,25 +21,25 @@ NewValue unix_notify(const std::string& value) {
     return {"UNIX Notify Program...", "UNIX", 2, value};
 }
 
-class ChangeWarnings : public ScratchRegion {
+class ChangeWarnings : public OnStage {
   protected:
-    ChangeWarnings() { region("gatewarden;;O;east;", ";;O;", ";;", ";;"); }
+    ChangeWarnings() { region_is("gatewarden;;O;east;", ";;O;", ";;", ";;"); }
 
-    void region(const std::string& header, const std::string& depot, const std::string& parent,
-                const std::string& notify, const std::string& keys = "") const {
-        gatebits_are(header + "\n" + depot + "\n" + parent + "\n" + notify +
+    void region_is(const std::string& header, const std::string& depot, const std::string& parent,
+                   const std::string& notify, const std::string& keys = "") const {
+        use_gatebits(header + "\n" + depot + "\n" + parent + "\n" + notify +
                      "\n; ;\n; ;\n;;;\nD;0;\n" + keys);
     }
 
     void keys_are(const std::string& keys) const {
-        region("gatewarden;;O;east;", ";;O;", ";;", ";;", keys);
+        region_is("gatewarden;;O;east;", ";;O;", ";;", ";;", keys);
     }
 };
 
 // Depots.
 
 TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
-    region("gatewarden;;E;east;", "w;;O;", "wp;up;", "wn;un;");
+    region_is("gatewarden;;E;east;", "w;;O;", "wp;up;", "wn;un;");
     EXPECT_EQ(depot_warnings(windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
               "Parent Gatebits File) currently set to 'wp'..."
@@ -50,7 +50,7 @@ TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
 }
 
 TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
-    region("gatewarden;;A;east;", ";u;O;", "wp;up;", "wn;un;");
+    region_is("gatewarden;;A;east;", ";u;O;", "wp;up;", "wn;un;");
     EXPECT_EQ(depot_warnings(unix_depot("")),
               "\n\nWarning:  Clearing the (UNIX Policy Depot) will also clear the (UNIX Parent "
               "Gatebits File) currently set to 'up'..."
@@ -61,23 +61,23 @@ TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
 }
 
 TEST_F(ChangeWarnings, ClearingADepotThatNothingStandsOnWarnsOfNothing) {
-    region("gatewarden;;E;east;", "w;u;A;", ";up;", ";un;");
+    region_is("gatewarden;;E;east;", "w;u;A;", ";up;", ";un;");
     EXPECT_EQ(depot_warnings(windows_depot("")), "");
-    region("gatewarden;;O;east;", "w;;A;", ";", ";");
+    region_is("gatewarden;;O;east;", "w;;A;", ";", ";");
     EXPECT_EQ(depot_warnings(windows_depot("")), "");
 }
 
 TEST_F(ChangeWarnings, LoggingWarningReadsTheHeaderLine) {
-    region("gatewarden;;Off;east;", "w;;A;", ";;", ";;");
+    region_is("gatewarden;;Off;east;", "w;;A;", ";;", ";;");
     EXPECT_EQ(depot_warnings(windows_depot("")), "");
-    region("gatewarden;;Sx;east;", "w;;O;", ";;", ";;");
+    region_is("gatewarden;;Sx;east;", "w;;O;", ";;", ";;");
     EXPECT_NE(depot_warnings(windows_depot("")).find("from 'S' to"), std::string::npos);
-    region("gatewarden;;", "w;;A;", ";;", ";;");
+    region_is("gatewarden;;", "w;;A;", ";;", ";;");
     EXPECT_EQ(depot_warnings(windows_depot("")), "");
 }
 
 TEST_F(ChangeWarnings, LoggingWarningEndsAtAnEmptyField) {
-    region("gatewarden;;;east;", "w;;A;", "wp;;", ";;");
+    region_is("gatewarden;;;east;", "w;;A;", "wp;;", ";;");
     EXPECT_EQ(depot_warnings(windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
               "Parent Gatebits File) currently set to 'wp'..."
@@ -86,7 +86,7 @@ TEST_F(ChangeWarnings, LoggingWarningEndsAtAnEmptyField) {
 }
 
 TEST_F(ChangeWarnings, MissingLinesAndFieldsWarnOfNothing) {
-    gatebits_are("# nothing\n");
+    use_gatebits("# nothing\n");
     EXPECT_EQ(depot_warnings(windows_depot("")), "");
     EXPECT_EQ(notify_warnings(unix_notify("")), "");
 }
@@ -210,7 +210,7 @@ TEST_F(ChangeWarnings, AListThatMatchesEverybodyIsWarnedOf) {
 
 TEST_F(ChangeWarnings, AKeyIsRemindedToBeVerified) {
     EXPECT_EQ(key_reminder(),
-              "\n\nReminder:  Use gatewarden " + path("gatebits.txt") + " -check to verify...");
+              "\n\nReminder:  Use gatewarden " + region.gatebits_path() + " -check to verify...");
 }
 
 }  // namespace

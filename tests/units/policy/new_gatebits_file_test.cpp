@@ -9,42 +9,38 @@
 #include <csignal>
 
 #include "base/descriptor.h"
-#include "units/scratch_region.h"
+#include "base/run_identity.h"
+#include "support/expect_gripe.h"
+#include "support/scratch_directory.h"
 
 namespace {
 
-class NewGatebitsFile : public ScratchRegion {
+class NewGatebitsFile : public testing::Test {
   protected:
     NewGatebitsFile() { GLOBAL_PID_STRING = "4711"; }
 
-    /// Everything in the directory but the stand-in.
-    std::vector<std::string> files() const {
-        std::vector<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path(""))) {
-            const std::string name = entry.path().filename();
-            if (name != "clearprompt") names.push_back(name);
-        }
-        std::sort(names.begin(), names.end());
-        return names;
-    }
+    std::string path(const std::string& name) const { return directory.path(name); }
+    std::set<std::string> files() const { return directory.names(); }
+
+    ScratchDirectory directory;
 };
 
 TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
     const mode_t mask = umask(027);
     EXPECT_EQ(create_gatebits_file(path("new.txt"), "a\nb\n"), NewFile::CREATED);
     umask(mask);
-    EXPECT_EQ(read("new.txt"), "a\nb\n");
+    EXPECT_EQ(directory.read("new.txt"), "a\nb\n");
     struct stat status;
     ASSERT_EQ(stat(path("new.txt").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0640u);
-    EXPECT_EQ(files(), std::vector<std::string>{"new.txt"});
+    EXPECT_EQ(files(), std::set<std::string>{"new.txt"});
 }
 
 TEST_F(NewGatebitsFile, NeverTakesAnotherFilesPlace) {
-    write("taken.txt", "theirs\n");
+    directory.write("taken.txt", "theirs\n");
     EXPECT_EQ(create_gatebits_file(path("taken.txt"), "ours\n"), NewFile::EXISTS);
-    EXPECT_EQ(read("taken.txt"), "theirs\n");
-    EXPECT_EQ(files(), std::vector<std::string>{"taken.txt"});
+    EXPECT_EQ(directory.read("taken.txt"), "theirs\n");
+    EXPECT_EQ(files(), std::set<std::string>{"taken.txt"});
 }
 
 TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
@@ -54,18 +50,18 @@ TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
     EXPECT_EQ(create_gatebits_file(path("first.txt"), "ours\n"), NewFile::CREATED);
     EXPECT_TRUE(std::filesystem::is_symlink(path("first.txt")));
     EXPECT_FALSE(std::filesystem::is_symlink(path("new.txt")));
-    EXPECT_EQ(read("new.txt"), "ours\n");
-    EXPECT_EQ(files(), (std::vector<std::string>{"first.txt", "folder", "new.txt"}));
+    EXPECT_EQ(directory.read("new.txt"), "ours\n");
+    EXPECT_EQ(files(), (std::set<std::string>{"first.txt", "folder", "new.txt"}));
 }
 
 TEST_F(NewGatebitsFile, LinksThatLeadToAFileOrInACircleCreateNothing) {
-    write("taken.txt", "theirs\n");
+    directory.write("taken.txt", "theirs\n");
     std::filesystem::create_symlink("taken.txt", path("link.txt"));
     EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n"), NewFile::EXISTS);
-    EXPECT_EQ(read("taken.txt"), "theirs\n");
+    EXPECT_EQ(directory.read("taken.txt"), "theirs\n");
     std::filesystem::create_symlink("circle.txt", path("circle.txt"));
     EXPECT_EQ(create_gatebits_file(path("circle.txt"), "ours\n"), NewFile::NOT_CREATED);
-    EXPECT_EQ(files(), (std::vector<std::string>{"circle.txt", "link.txt", "taken.txt"}));
+    EXPECT_EQ(files(), (std::set<std::string>{"circle.txt", "link.txt", "taken.txt"}));
 }
 
 TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
@@ -74,17 +70,17 @@ TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
     std::filesystem::create_symlink(path("new.txt"), path("open/link.txt"));
     if (lchown(path("open/link.txt").c_str(), 65534, 65534) != 0) GTEST_SKIP() << "needs root";
     EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::NOT_CREATED);
-    EXPECT_EQ(files(), std::vector<std::string>{"open"});
+    EXPECT_EQ(files(), std::set<std::string>{"open"});
     ASSERT_EQ(chmod(path("open").c_str(), 0755), 0);
     EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::CREATED);
 }
 
 TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
-    write("victim.txt", "theirs\n");
+    directory.write("victim.txt", "theirs\n");
     std::filesystem::create_symlink(path("victim.txt"), path(".gatescope_new_4711"));
     EXPECT_EQ(create_gatebits_file(path("new.txt"), "ours\n"), NewFile::CREATED);
-    EXPECT_EQ(read("victim.txt"), "theirs\n");
-    EXPECT_EQ(files(), (std::vector<std::string>{"new.txt", "victim.txt"}));
+    EXPECT_EQ(directory.read("victim.txt"), "theirs\n");
+    EXPECT_EQ(files(), (std::set<std::string>{"new.txt", "victim.txt"}));
 }
 
 TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
@@ -92,7 +88,7 @@ TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
                                     std::string(5000, 'n'), std::string("new.txt/")}) {
         EXPECT_EQ(create_gatebits_file(path(name), "ours\n"), NewFile::NOT_CREATED) << name;
     }
-    EXPECT_EQ(files(), std::vector<std::string>{});
+    EXPECT_EQ(files(), std::set<std::string>{});
 }
 
 TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
@@ -105,12 +101,12 @@ TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
     EXPECT_GRIPE(create_with_little_room(), "ERROR: Could not write the new gatebits file (" +
                                                 path("new.txt") +
                                                 "): File too large.  The file was not created.");
-    EXPECT_EQ(files(), std::vector<std::string>{});
+    EXPECT_EQ(files(), std::set<std::string>{});
 }
 
 TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
     const std::string bytes("a\0b\n\n \xff", 7);
-    write("source.txt", bytes);
+    directory.write("source.txt", bytes);
     EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), bytes);
 }
 

@@ -6,11 +6,11 @@
 
 #include "base/process_end.h"
 #include "policy/aliases.h"
-#include "units/scratch_region.h"
+#include "units/on_stage.h"
 
 namespace {
 
-class Validators : public ScratchRegion {
+class Validators : public OnStage {
   protected:
     /// A directory below ours whose whole path has this many bytes.
     std::string directory_of_length(std::size_t length) const {
@@ -25,7 +25,7 @@ class Validators : public ScratchRegion {
     }
 
     void depot_is(const std::string& depot) const {
-        gatebits_are("gatewarden;;;east;\n;" + depot + ";O;\n;;\n");
+        use_gatebits("gatewarden;;;east;\n;" + depot + ";O;\n;;\n");
     }
 };
 
@@ -81,7 +81,7 @@ TEST_F(Validators, DepotMayNotEndInItsSeparator) {
 }
 
 TEST_F(Validators, UnixDepotHasToBeADirectory) {
-    write("file", "");
+    region.write_file("file", "");
     EXPECT_EQ(verdict(region_depot_is_ok(path("none"), "UNIX")),
               "RETRY: the input directory (" + path("none") + ") does not exist and is disallowed");
     EXPECT_EQ(
@@ -90,7 +90,7 @@ TEST_F(Validators, UnixDepotHasToBeADirectory) {
 }
 
 TEST_F(Validators, WindowsPathsAreNeverLookedUp) {
-    gatebits_are("gatewarden;;;east;\n;;O;\n");
+    use_gatebits("gatewarden;;;east;\n;;O;\n");
     EXPECT_EQ(verdict(region_depot_is_ok("C:\\none", "Windows")), "accepted");
     EXPECT_EQ(verdict(region_parent_is_ok("C:\\none.txt", "Windows")), "accepted");
     EXPECT_EQ(verdict(region_notify_is_ok("none.bat", "Windows")), "accepted");
@@ -98,7 +98,7 @@ TEST_F(Validators, WindowsPathsAreNeverLookedUp) {
 
 TEST_F(Validators, ParentMessages) {
     std::filesystem::create_directory(path("directory"));
-    write("parent.txt", "");
+    region.write_file("parent.txt", "");
     EXPECT_EQ(verdict(region_parent_is_ok(path("parent.txt"), "UNIX")), "accepted");
     EXPECT_EQ(verdict(region_parent_is_ok(std::string(257, 'x'), "UNIX")),
               "RETRY: parent gatebits file value value exceeds 256 character max");
@@ -127,7 +127,7 @@ TEST_F(Validators, ValueOf256CharactersPassesEveryFormCheck) {
 
 TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
     std::filesystem::create_directories(path("depot/directory"));
-    write("depot/script.sh", "");
+    region.write_file("depot/script.sh", "");
     depot_is(path("depot"));
     EXPECT_EQ(verdict(region_notify_is_ok("script.sh", "UNIX")), "accepted");
     EXPECT_EQ(verdict(region_notify_is_ok("none.sh", "UNIX")),
@@ -140,12 +140,12 @@ TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
 }
 
 TEST_F(Validators, NotifyProgramWithoutADepotIsLookedForAtTheRoot) {
-    gatebits_are("gatewarden;;;east;\n");
+    use_gatebits("gatewarden;;;east;\n");
     EXPECT_EQ(verdict(region_notify_is_ok("etc/passwd", "UNIX")), "accepted");
 }
 
 TEST_F(Validators, NotifyFormMessages) {
-    gatebits_are("gatewarden;;;east;\n");
+    use_gatebits("gatewarden;;;east;\n");
     EXPECT_EQ(verdict(region_notify_is_ok(std::string(257, 'x'), "UNIX")),
               "RETRY: notify program value value exceeds 256 character max");
     EXPECT_EQ(verdict(region_notify_is_ok("a\\b", "UNIX")),

@@ -1,5 +1,3 @@
-#include <unistd.h>
-
 #include "base/commands.h"
 #include "units/queries/query_region.h"
 
@@ -10,41 +8,20 @@ namespace {
 
 class AskedQuery : public QueryRegion {
   protected:
-    /// How the dialogs look to clearprompt. The shell takes the inner quotes of two prompts away.
-    [[nodiscard]] std::string list(const std::string& title, const std::string& items) const {
-        return "[list][-prefer_gui][-outfile][" + path("tmp/gatewarden_select_result_1_.txt") +
-               "][-newline][-items][" + items + "][-prompt][" + title + "]\n";
-    }
-    [[nodiscard]] std::string text(const std::string& question) const {
-        return "[text][-prefer_gui][-outfile][" + path("tmp/gatewarden_prompt_result_1_.txt") +
-               "][-default][*][-prompt][" + question + "]\n";
-    }
-    [[nodiscard]] std::string command_dialog() const {
+    // The shell takes the inner quotes of two prompts away.
+    static Dialog command_dialog() {
         const std::string names = ALL_TRIGGERABLE_COMMANDS();
-        return list("Select triggerable command to display usage for...",
-                    "*" + names.substr(0, names.size() - 1));
+        return listed("Select triggerable command to display usage for...",
+                      "*" + names.substr(0, names.size() - 1));
     }
-    [[nodiscard]] std::string user_dialog() const {
-        return text("Input user to display usage for or * for all users:");
+    static Dialog user_dialog() {
+        return prompted("Input user to display usage for or * for all users:", "*");
     }
-    [[nodiscard]] std::string bit_dialog() const {
-        return list("Select Functionility Bit to display usage for...", BITS);
+    static Dialog bit_dialog() {
+        return listed("Select Functionility Bit to display usage for...", BITS);
     }
-    [[nodiscard]] std::string key_dialog() const {
-        return text("Input Command Key Number to display denials for (* for all keys):");
-    }
-
-    /// What was asked, without messages.
-    [[nodiscard]] std::string questions() const {
-        std::string found;
-        std::string line;
-        for (const char character : asked()) {
-            line += character;
-            if (character != '\n') continue;
-            if (!line.starts_with("[yes_no]")) found += line;
-            line.clear();
-        }
-        return found;
+    static Dialog key_dialog() {
+        return prompted("Input Command Key Number to display denials for (* for all keys):", "*");
     }
 
     static constexpr char BITS[] =
@@ -63,7 +40,7 @@ class AskedQuery : public QueryRegion {
 TEST_F(AskedQuery, OneAsksForCommandAndUser) {
     operator_answers({"rmelem", "Ann.B"});
     ask(1);
-    EXPECT_EQ(questions(), command_dialog() + user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{command_dialog(), user_dialog()}));
     EXPECT_EQ(graph_title,
               "ClearCase command success/denied usage for:<br><dd>the (rmelem) command for the "
               "user (Ann.B)");
@@ -74,7 +51,7 @@ TEST_F(AskedQuery, OneAsksForCommandAndUser) {
 TEST_F(AskedQuery, TwoAsksForBitAndUser) {
     operator_answers({"09 - BIT__NO_MULTIPLE_MERGES", "*"});
     ask(2);
-    EXPECT_EQ(questions(), bit_dialog() + user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{bit_dialog(), user_dialog()}));
     EXPECT_THAT(graph_title, HasSubstr("<br>bit #9 (BIT__NO_MULTIPLE_MERGES) for (all) users"));
     EXPECT_THAT(filters, ElementsAre(":B:", "<9>", ":", ":"));
 }
@@ -82,7 +59,7 @@ TEST_F(AskedQuery, TwoAsksForBitAndUser) {
 TEST_F(AskedQuery, ThreeAsksForKeyUserAndCommand) {
     operator_answers({"012", "*", "*"});
     ask(3);
-    EXPECT_EQ(questions(), key_dialog() + user_dialog() + command_dialog());
+    EXPECT_EQ(questions(), (Dialogs{key_dialog(), user_dialog(), command_dialog()}));
     EXPECT_THAT(graph_title, HasSubstr("<br>key #12 for (all) users for (all) commands"));
     EXPECT_THAT(filters, ElementsAre("]K<", "<12>", ":", ":"));
 }
@@ -90,35 +67,35 @@ TEST_F(AskedQuery, ThreeAsksForKeyUserAndCommand) {
 TEST_F(AskedQuery, FourAsksForTheUser) {
     operator_answers({"ann"});
     ask(4);
-    EXPECT_EQ(questions(), user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{user_dialog()}));
 }
 
 TEST_F(AskedQuery, FiveAsksForUserAndCommand) {
     operator_answers({"ann", "checkin"});
     ask(5);
-    EXPECT_EQ(questions(), user_dialog() + command_dialog());
+    EXPECT_EQ(questions(), (Dialogs{user_dialog(), command_dialog()}));
 }
 
 TEST_F(AskedQuery, SixAsksForCommandAndUser) {
     operator_answers({"*", "*"});
     ask(6);
-    EXPECT_EQ(questions(), command_dialog() + user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{command_dialog(), user_dialog()}));
 }
 
 TEST_F(AskedQuery, OnlyWhatTheCommandLineLacksIsAskedFor) {
     command_line_gives_user("ann");
     operator_answers({"*", "lock"});
     ask(3);
-    EXPECT_EQ(questions(), key_dialog() + command_dialog());
+    EXPECT_EQ(questions(), (Dialogs{key_dialog(), command_dialog()}));
 }
 
 TEST_F(AskedQuery, TheLiteEditionAsksForACpd) {
     GATEWARDEN_IS = 0;
     operator_answers({"4", "*", "*"});
     ask(3);
-    EXPECT_THAT(questions(),
-                testing::StartsWith(text("Input CPD Number to display denials for (* for all "
-                                         "CPD):")));
+    EXPECT_EQ(questions(),
+              (Dialogs{prompted("Input CPD Number to display denials for (* for all CPD):", "*"),
+                       user_dialog(), command_dialog()}));
 }
 
 TEST_F(AskedQuery, AllBitsIsTheFirstEntryOfTheList) {
@@ -131,24 +108,25 @@ TEST_F(AskedQuery, AllBitsIsTheFirstEntryOfTheList) {
 TEST_F(AskedQuery, AnEmptyAnswerIsAskedForAgain) {
     operator_answers({"", "*", "", "", "ann"});
     ask(1);
-    EXPECT_EQ(questions(),
-              command_dialog() + command_dialog() + user_dialog() + user_dialog() + user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{command_dialog(), command_dialog(), user_dialog(),
+                                    user_dialog(), user_dialog()}));
     EXPECT_EQ(filters[1], ":ann[");
 }
 
 TEST_F(AskedQuery, AnEmptyBitIsAskedForAgain) {
     operator_answers({"", "00 - BIT__AUTO_BRANCH_REMOVAL", "*"});
     ask(2);
-    EXPECT_EQ(questions(), bit_dialog() + bit_dialog() + user_dialog());
+    EXPECT_EQ(questions(), (Dialogs{bit_dialog(), bit_dialog(), user_dialog()}));
     EXPECT_EQ(filters[1], "<0>");
 }
 
 TEST_F(AskedQuery, AKeyWithOtherThanDigitsIsAskedForAgain) {
     operator_answers({"12a", "-1", "**", "1 2", "", "12", "*", "*"});
     ask(3);
-    std::string expected;
-    for (int time = 0; time < 6; ++time) expected += key_dialog();
-    EXPECT_EQ(questions(), expected + user_dialog() + command_dialog());
+    Dialogs expected(6, key_dialog());
+    expected.push_back(user_dialog());
+    expected.push_back(command_dialog());
+    EXPECT_EQ(questions(), expected);
     EXPECT_EQ(filters[1], "<12>");
 }
 
@@ -169,11 +147,13 @@ TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
                                      {Q_5, {}}, {Q_5, {"*"}}, {Q_6, {}},         {Q_6, {"*"}}};
     for (const Case& query : cases) {
         operator_answers(query.answers);
-        operator_answers({"CANCEL"});
+        region.cancels();
         run(query.driver);
-        EXPECT_EQ(pages(), 0);
+        EXPECT_TRUE(region.pages().empty());
         // Nothing is said of the data either.
-        EXPECT_THAT(asked(), testing::Not(HasSubstr("[yes_no]")));
+        const Dialogs shown = asked();
+        EXPECT_EQ(shown.size(), query.answers.size() + 1);
+        for (const Dialog& one : shown) EXPECT_NE(one.args.front(), "yes_no");
     }
 }
 
@@ -199,24 +179,17 @@ TEST_F(AskedQuery, OrdinaryNamesStandAsTheyAre) {
 
 TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
     operator_answers({"24 - BIT__NONE"});
-    EXPECT_EXIT(
-        {
-            ZUL_PREFER_GUI = 0;
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            Q_2(options, region());
-        },
-        testing::ExitedWithCode(99),
-        HasSubstr("Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2"));
+    EXPECT_GRIPE(Q_2(options, queried()),
+                 "Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2\n");
 }
 
 TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
     EXPECT_EQ(Q_during_install(false), 0);
-    EXPECT_EQ(asked(), "");
+    EXPECT_EQ(asked(), Dialogs());
     EXPECT_EQ(Q_during_install(true), 1);
-    EXPECT_EQ(
-        asked(),
-        "[yes_no][-mask][yes][-def][yes][-pre][-pro][Query functions are not available during "
-        "the installation process...]\n");
+    EXPECT_EQ(asked(),
+              Dialogs{advised_and_waited(
+                  "Query functions are not available during the installation process...")});
 }
 
 }  // namespace

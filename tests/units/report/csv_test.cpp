@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "dialog/messages.h"
-#include "units/report/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;

@@ -2,8 +2,8 @@
 
 #include "dialog/messages.h"
 #include "report/graph.h"
+#include "support/scratch_directory.h"
 #include "units/report/page_text.h"
-#include "units/report/scratch_directory.h"
 
 namespace fs = std::filesystem;
 using testing::ExitedWithCode;

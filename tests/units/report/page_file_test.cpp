@@ -19,7 +19,7 @@
 #include "base/descriptor.h"
 #include "dialog/messages.h"
 #include "faults/small_disk.h"
-#include "units/report/scratch_directory.h"
+#include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
 using testing::ExitedWithCode;
