@@ -113,16 +113,15 @@ TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
 TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
     EXPECT_GRIPE(
         bytes_to_copy(path("none.txt"), path("copy.txt")),
-        "#2 Could not move (" + path("none.txt") + ") to (" + path("copy.txt") + ") with 2\n");
+        "#2 Could not move (" + path("none.txt") + ") to (" + path("copy.txt") + ") with 2");
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0600), 0);
     const Descriptor writer(open(path("pipe").c_str(), O_RDWR | O_CLOEXEC));
-    EXPECT_GRIPE(
-        bytes_to_copy(path("pipe"), path("copy.txt")),
-        "#2 Could not move (" + path("pipe") + ") to (" + path("copy.txt") + ") with 22\n");
+    EXPECT_GRIPE(bytes_to_copy(path("pipe"), path("copy.txt")),
+                 "#2 Could not move (" + path("pipe") + ") to (" + path("copy.txt") + ") with 22");
     EXPECT_GRIPE(bytes_to_copy("/dev/zero", path("copy.txt")),
-                 "#2 Could not move (/dev/zero) to (" + path("copy.txt") + ") with 22\n");
+                 "#2 Could not move (/dev/zero) to (" + path("copy.txt") + ") with 22");
     EXPECT_GRIPE(bytes_to_copy(path(""), path("copy.txt")),
-                 "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21\n");
+                 "#2 Could not move (" + path("") + ") to (" + path("copy.txt") + ") with 21");
 }
 
 }  // namespace
