@@ -283,7 +283,7 @@ TEST_F(DemoData, AFullDiskIsAFault) {
         testing::ExitedWithCode(99),
         testing::EndsWith("\nERROR: The demo records could not all be written to the log file (" +
                           log_file_path(20) +
-                          "): No space left on device.  Its older records are as they were.\n"));
+                          "): File too large.  Its older records are as they were.\n"));
 }
 
 }  // namespace
