@@ -88,6 +88,8 @@ Try try_to_append(const std::string& path, const std::string& text) {
     if (!S_ISREG(before.st_mode)) return {Tried::NOT_OPENED, NOT_A_REGULAR_FILE};
     // Whoever had the lock before may have taken the file away.
     if (before.st_nlink == 0) return {Tried::TRY_AGAIN};
+    // Somebody's file may have been given the page's name, as by a link.
+    if (before.st_nlink > 1) return {Tried::NOT_OPENED, HAS_ANOTHER_NAME};
     const int error = write_to_the_disk(page.file, text);
     if (error == 0) return {Tried::DONE};
     return {Tried::NOT_WRITTEN, std::strerror(error), take_back(page, before.st_size, path)};

@@ -89,6 +89,13 @@ TEST_F(PageFile, ALinkIsNotFollowed) {
     EXPECT_FALSE(fs::exists(directory.path("nothing")));
 }
 
+TEST_F(PageFile, AFileWithASecondNameIsAnothers) {
+    directory.write("victim", "as it was");
+    fs::create_hard_link(directory.path("victim"), page());
+    expect_refused();
+    EXPECT_EQ(directory.read("victim"), "as it was");
+}
+
 TEST_F(PageFile, AFifoIsNotWaitedFor) {
     ASSERT_EQ(mkfifo(page().c_str(), 0600), 0);
     expect_refused();
