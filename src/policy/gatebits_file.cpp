@@ -20,9 +20,6 @@ std::string ENTERPRIZE_PERMISSION_FILE;
 
 namespace {
 
-/// Longer than a change takes even on a slow disk; whoever keeps the lock longer is not at work.
-constexpr std::chrono::seconds LOCK_PATIENCE(10);
-
 /// The lock under which the file is changed; where there is none to be had we do without. Gripes
 /// when somebody else does not let go of it.
 FileLock lock_gatebits_file() {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -18,6 +19,10 @@ extern std::string ENTERPRIZE_PERMISSION_FILE;
 
 /// The policy engine reads no more than this many bytes, so no reader or writer here does.
 inline constexpr std::size_t GATEBITS_FILE_LIMIT = 30000;
+
+/// How long the lock of a gatebits file is waited for: longer than a change takes even on a slow
+/// disk, so whoever keeps it longer is not at work.
+inline constexpr std::chrono::seconds LOCK_PATIENCE(10);
 
 /// Passed to set_a_line instead of a text, it deletes the line.
 inline constexpr char DELETION_TOKEN[] = "<[;;;;;deletme;;;;;]>";

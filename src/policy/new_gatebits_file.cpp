@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "base/file_identity.h"
+#include "base/file_lock.h"
 #include "base/files.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
@@ -19,6 +20,7 @@
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
+#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -95,6 +97,11 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text) {
 }
 
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
+    // Who rewrites it in place must not be seen in the middle of it.
+    const FileLock lock = lock_file(path, LOCK_PATIENCE);
+    if (lock.state == LockState::KEPT_BY_ANOTHER) {
+        gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), EBUSY), EBUSY);
+    }
     const int file = open_regular_file(path, O_RDONLY);
     FILE* stream = file == -1 ? nullptr : fdopen(file, "r");
     if (stream == nullptr) {

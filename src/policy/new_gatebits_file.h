@@ -16,6 +16,6 @@ enum class NewFile {
 /// the state, when the text cannot be written.
 NewFile create_gatebits_file(const std::string& path, const std::string& text);
 
-/// All bytes of the gatebits file `path`; gripes with the words of a copy to `destination` when
-/// it cannot be read.
+/// All bytes of the gatebits file `path`, when nobody is changing it; gripes with the words of a
+/// copy to `destination` when it cannot be read, or somebody keeps its lock.
 std::string bytes_to_copy(const std::string& path, const std::string& destination);

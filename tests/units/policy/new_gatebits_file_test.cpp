@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <thread>
 
 #include "base/descriptor.h"
 #include "base/run_identity.h"
@@ -108,6 +110,19 @@ TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
     const std::string bytes("a\0b\n\n \xff", 7);
     directory.write("source.txt", bytes);
     EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), bytes);
+}
+
+TEST_F(NewGatebitsFile, SourceThatSomebodyRewritesIsCopiedWhenThatIsDone) {
+    write("source.txt", "half");
+    Descriptor theirs(open(path("source.txt").c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
+    std::thread rewriter([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        write("source.txt", "whole\n");
+        theirs.close();
+    });
+    EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), "whole\n");
+    rewriter.join();
 }
 
 TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
