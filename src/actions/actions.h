@@ -20,7 +20,7 @@ LastAnswer A_21(int edition);
 LastAnswer A_22();
 /// Runs the checker over the gatebits file and lets it report; a failure is told unless the
 /// installer runs.
-void A_23(const std::string& region, bool during_install);
+void A_23(RegionSettings& region, bool during_install);
 /// The tool's own settings; the region's are loaded again after a change.
 void A_24(RegionSettings& region);
 /// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.

@@ -62,7 +62,7 @@ struct Before {
     int count = 0;
 };
 
-Before look_before(const std::string& region) {
+Before look_before(RegionSettings* region) {
     Before before;
     const auto status = perform_cbfile_only_check(CHECK_STATUS, region);
     if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
@@ -102,12 +102,12 @@ void A_2(Run& run) {
 }
 
 Guarded A_X(Run& run, int n) {
-    Before before = look_before(run.region.ENTERPRIZE_NAME);
+    Before before = look_before(&run.region);
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     LastAnswer last_answer;
-    for (int times_unchanged = 0;; before = look_before(run.region.ENTERPRIZE_NAME)) {
+    for (int times_unchanged = 0;; before = look_before(&run.region)) {
         const std::string bytes = read_gatebits_bytes();
         // A run without a dialog leaves the answer of the run before.
         if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
@@ -116,8 +116,8 @@ Guarded A_X(Run& run, int n) {
         times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
         if (const FieldEditor* field = path_field(n)) return {path_holds(*field), last_answer};
 
-        const auto after = perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS,
-                                                     run.region.ENTERPRIZE_NAME);
+        const auto after =
+            perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &run.region);
         if (!after) return {0, last_answer};
         if (is_good_enough(*after, before)) return {1, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&

@@ -27,7 +27,7 @@ ChangeResult write_and_report(const FieldEditor& editor, const Change& change,
     const ChangeResult result = set_fields(changes);
     if (!field_written_or_told(result, change.item, editor.line, editor.field)) return result;
     change_confirmed(change);
-    if (editor.kind->changes_settings) *region = interrogate_the_enterprise();
+    if (editor.kind->changes_settings) *region = interrogate_the_enterprise(region->tools);
     return result;
 }
 

@@ -34,7 +34,7 @@ bool done_in_the_end(Repeated step) {
 }
 
 /// What the checker says of the file in use, in words; empty when it could not be run.
-std::string verdict_on_new_file(const std::string& region) {
+std::string verdict_on_new_file(RegionSettings* region) {
     const auto check = perform_cbfile_only_check(CHECK_ERRORS, region);
     if (!check) return "";
     const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
@@ -42,12 +42,12 @@ std::string verdict_on_new_file(const std::string& region) {
                                                    : filled(LOADED_WITHOUT_ERRORS, file);
 }
 
-Step switch_file(const Run& run) {
+Step switch_file(Run& run) {
     const auto chosen = select_cb_file(PROMPT_06);
     if (!chosen) return Step::GIVEN_UP;
     if (!this_file_exists(*chosen)) return again_if_wished(RETRY_SWITCH);
     ENTERPRIZE_PERMISSION_FILE = *chosen;
-    const std::string verdict = verdict_on_new_file(run.region.ENTERPRIZE_NAME);
+    const std::string verdict = verdict_on_new_file(&run.region);
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(verdict);
     return Step::DONE;
@@ -66,10 +66,10 @@ Step use_existing_or_again(const std::string& path) {
 }
 
 /// The checker of the file in use goes into the new one, as long as it is there.
-std::string text_of_new_file() {
-    const std::string& checker = GS_VAR[UNIX_CHECKER];
-    return filled(init_file, (checker_exists(checker) ? checker : EMERGENCY_CHECKER).c_str(),
-                  GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
+std::string text_of_new_file(const ToolSettings& tools) {
+    const std::string& checker = tools.GS_VAR[UNIX_CHECKER];
+    return filled(init_file, (checker_exists(checker) ? checker : tools.EMERGENCY_CHECKER).c_str(),
+                  tools.GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
 }
 
 void offer_the_walks(Run& run) {
@@ -85,14 +85,14 @@ void offer_the_walks(Run& run) {
 
 void use_file(Run& run, const std::string& path) {
     ENTERPRIZE_PERMISSION_FILE = path;
-    run.region = interrogate_the_enterprise();
+    run.region = interrogate_the_enterprise(run.region.tools);
 }
 
 Step create_file(Run& run) {
     const auto chosen = select_cb_file(PROMPT_05);
     if (!chosen) return Step::GIVEN_UP;
     if (this_file_exists(*chosen)) return use_existing_or_again(*chosen);
-    switch (create_gatebits_file(*chosen, text_of_new_file())) {
+    switch (create_gatebits_file(*chosen, text_of_new_file(run.region.tools))) {
         case NewFile::EXISTS:
             return use_existing_or_again(*chosen);
         case NewFile::NOT_CREATED:
@@ -141,7 +141,7 @@ Step copy_the_file(Run& run) {
     }
     if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
     use_file(run, destination);
-    const std::string verdict = verdict_on_new_file(run.region.ENTERPRIZE_NAME);
+    const std::string verdict = verdict_on_new_file(&run.region);
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(
         filled(COPIED, source.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), verdict.c_str()));
@@ -150,14 +150,14 @@ Step copy_the_file(Run& run) {
 
 }  // namespace
 
-void A_23(const std::string& region, bool during_install) {
-    const bool found = find_checker();
-    const std::string& checker = GS_VAR[UNIX_CHECKER];
+void A_23(RegionSettings& region, bool during_install) {
+    const bool found = find_checker(&region.tools);
+    const std::string& checker = region.tools.GS_VAR[UNIX_CHECKER];
     if (!found) {
-        return advise(
-            filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(), region.c_str()));
+        return advise(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
+                             region.ENTERPRIZE_NAME.c_str()));
     }
-    const std::string command = checker_command(CHECK);
+    const std::string command = checker_command(checker, CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
     ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");

@@ -20,7 +20,7 @@ LastAnswer with_region(Run& run, const Request&) {
     query(run.options, {run.GATEWARDEN_IS,
                         run.region.logging_dir,
                         {run.region.ENTERPRIZE_NAME, ENTERPRIZE_PERMISSION_FILE,
-                         run.region.results_dir, GS_VAR[UNIX_BROWSER]}});
+                         run.region.results_dir, run.region.tools.GS_VAR[UNIX_BROWSER]}});
     return {};
 }
 template <auto action>
@@ -48,7 +48,7 @@ LastAnswer prune(Run& run, const Request&) {
     return {};
 }
 LastAnswer verify(Run& run, const Request&) {
-    A_23(run.region.ENTERPRIZE_NAME, run.options.IS_DURING_INSTALL);
+    A_23(run.region, run.options.IS_DURING_INSTALL);
     return {};
 }
 LastAnswer configure(Run& run, const Request&) {
@@ -60,7 +60,7 @@ LastAnswer configure(Run& run, const Request&) {
 
 template <auto action>
 LastAnswer with_run_then_reload(Run& run, const Request&) {
-    if (action(run) == 1) run.region = interrogate_the_enterprise();
+    if (action(run) == 1) run.region = interrogate_the_enterprise(run.region.tools);
     return {};
 }
 

@@ -14,18 +14,17 @@
 #include "logs/pruning.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
-#include "policy/checker.h"
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
 namespace {
 
-std::string setting_list() {
+std::string setting_list(const ToolSettings& tools) {
     std::vector<std::string> entries;
     for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) {
         // The "#!" that makes the line a comment is not shown.
-        entries.push_back(
-            filled(SETTING_ENTRY, static_cast<int>(i), GS_VAR_NAME[i] + 2, GS_VAR[i].c_str()));
+        entries.push_back(filled(SETTING_ENTRY, static_cast<int>(i), GS_VAR_NAME[i] + 2,
+                                 tools.GS_VAR[i].c_str()));
     }
     return as_list(entries);
 }
@@ -44,18 +43,20 @@ Next ask_for_setting(std::size_t index, const std::string& stored, const std::st
     const Consent consent = confirm_add(change, Addition::SETTING);
     if (consent == DECLINED) return Next::ASK_AGAIN;
     if (consent == CONFIRMED &&
-        written_or_told(change_a_var(static_cast<int>(index), *typed, stored))) {
+        written_or_told(change_a_var(&region->tools, static_cast<int>(index), *typed, stored))) {
         add_confirmed(change);
-        *region = interrogate_the_enterprise();
+        *region = interrogate_the_enterprise(region->tools);
     }
     return Next::GO_ON;
 }
 
 /// The setting as the walks show it: what is in use in place of a checker that is missing, else
 /// what the file has.
-std::string setting_in_use(std::size_t index, const std::optional<std::string>& stored) {
-    const bool replaced = index == UNIX_CHECKER && GS_VAR[index] == EMERGENCY_CHECKER;
-    return replaced ? GS_VAR[index] : stored.value_or(GS_VAR[index]);
+std::string setting_in_use(const ToolSettings& tools, std::size_t index,
+                           const std::optional<std::string>& stored) {
+    const std::string& value = tools.GS_VAR[index];
+    const bool replaced = index == UNIX_CHECKER && value == tools.EMERGENCY_CHECKER;
+    return replaced ? value : stored.value_or(value);
 }
 
 void walk_to_setting(std::size_t index, RegionSettings* region) {
@@ -64,8 +65,8 @@ void walk_to_setting(std::size_t index, RegionSettings* region) {
     // A declined change goes on from the stored value.
     while (next == Next::ASK_AGAIN) {
         const auto stored = stored_variable(index);
-        next = ask_for_setting(index, stored.value_or(""), setting_in_use(index, stored), &entered,
-                               region);
+        next = ask_for_setting(index, stored.value_or(""),
+                               setting_in_use(region->tools, index, stored), &entered, region);
     }
 }
 
@@ -76,12 +77,13 @@ void A_1(const RegionSettings& region, bool display) {
 }
 
 void A_24(RegionSettings& region) {
-    build_var_list();
-    const auto pick = pick_one(SETTING_TITLE, setting_list());
+    build_var_list(&region.tools);
+    const auto pick = pick_one(SETTING_TITLE, setting_list(region.tools));
     if (!pick) return;
     const auto index = number_at_front(*pick);
-    if (!index || static_cast<std::size_t>(*index) >= GS_VAR.size()) gripe(INTERNAL_ERROR_A_24);
-    const std::string stored = GS_VAR[static_cast<std::size_t>(*index)];
+    if (!index || static_cast<std::size_t>(*index) >= GS_VAR_NAME.size())
+        gripe(INTERNAL_ERROR_A_24);
+    const std::string stored = region.tools.GS_VAR[static_cast<std::size_t>(*index)];
     std::string value = stored;
     Next next = Next::ASK_AGAIN;
     // What was entered last is what a declined change goes on from.
@@ -92,6 +94,6 @@ void A_24(RegionSettings& region) {
 
 void ask_all_configure(char mode, RegionSettings* region) {
     if (mode != IMPORTANT_SETTINGS && mode != ALL_SETTINGS) gripe(INTERNAL_ERROR_CONFIGURE);
-    const std::size_t settings = mode == IMPORTANT_SETTINGS ? UNIX_CHECKER + 1 : GS_VAR.size();
+    const std::size_t settings = mode == IMPORTANT_SETTINGS ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }

@@ -24,13 +24,13 @@ int run(const std::vector<std::string>& words) {
     clean_start();
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();
-    set_emergency_checker(words.empty() ? "" : words.front());
 
     obey_sole_option(arguments);
     const Options options = parse_arguments(arguments);
     Run run = {options};
+    run.region.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
     choose_gatebits_file(run);
-    run.region = interrogate_the_enterprise();
+    run.region = interrogate_the_enterprise(run.region.tools);
     run.GATEWARDEN_IS = read_edition();
     if (options.data_gen_selected) data_gen(run.region.logging_dir);
     return status_with_output_written(run_requests(run));

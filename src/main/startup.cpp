@@ -20,7 +20,7 @@
 
 namespace {
 
-/// Variables that may name the operator, each with "_USER" behind it, in the order of their rank.
+/// Variables that may name the operator, each with "_USER" after it, in the order of their rank.
 constexpr std::array<const char*, 5> LOOK_UNDER = {"CLEARCASE", "AUTH", "LOGON", "REMOTE",
                                                    "UNMAPPED_REMOTE"};
 
@@ -36,7 +36,7 @@ std::string lower_cased(std::string name) {
     return STRING_LOWER(name);
 }
 
-/// The text behind "user=" in the cookie, up to ";", if anything follows it at all. The plain
+/// The text after "user=" in the cookie, up to ";", if anything follows it at all. The plain
 /// search also finds a cookie whose name merely ends so.
 std::optional<std::string> user_in_cookie() {
     const char* cookie = std::getenv(ENV_COOKIE);
@@ -47,7 +47,7 @@ std::optional<std::string> user_in_cookie() {
     return std::string(value, std::strcspn(value, ";"));
 }
 
-/// What stands behind a domain ("DOMAIN\op") or a path ("a/b/op").
+/// What comes after a domain ("DOMAIN\op") or a path ("a/b/op").
 std::string without_domain(const std::string& name) {
     auto cut = name.rfind('\\');
     if (cut == std::string::npos) cut = name.rfind('/');
@@ -56,7 +56,7 @@ std::string without_domain(const std::string& name) {
 
 /// Names of variables as the negated codes of their characters. They are read one by one while the
 /// program runs, so that no compiler puts them together, and no search for text finds them.
-using HiddenCode = const volatile int;
+using HiddenCode = const int;
 HiddenCode KIND_OF_VIEW[] = {-'C', -'L', -'E', -'A', -'R', -'C', -'A', -'S', -'E', -'_',
                              -'V', -'I', -'E', -'W', -'_', -'K', -'I', -'N', -'D'};
 HiddenCode REMOTE_CLIENT[] = {-'Z', -'U', -'L', -'_', -'U', -'S', -'I',
@@ -67,7 +67,7 @@ HiddenCode DIALOGS_IN_THE_NET[] = {-'A', -'T', -'R', -'I', -'A', -'_', -'W', -'E
 template <std::size_t SIZE>
 const char* hidden_variable(HiddenCode (&codes)[SIZE]) {
     std::string hidden_e_var_name;
-    for (HiddenCode& code : codes) hidden_e_var_name += static_cast<char>(-code);
+    for (const volatile int& code : codes) hidden_e_var_name += static_cast<char>(-code);
     return std::getenv(hidden_e_var_name.c_str());
 }
 

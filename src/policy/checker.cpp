@@ -11,9 +11,6 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
-#include "policy/tool_variables.h"
-
-std::string EMERGENCY_CHECKER;
 
 namespace {
 
@@ -35,11 +32,10 @@ const char* option_word(char mode) {
 
 }  // namespace
 
-void set_emergency_checker(const std::string& program_path) {
+std::string emergency_checker(const std::string& program_path) {
     // The last such letter anywhere in the path counts, wherever the program's name begins.
     const auto cut = program_path.rfind(SELF[0]);
-    EMERGENCY_CHECKER = (cut == std::string::npos ? "" : program_path.substr(0, cut));
-    EMERGENCY_CHECKER += GATEWARDEN_LIT;
+    return (cut == std::string::npos ? "" : program_path.substr(0, cut)) + GATEWARDEN_LIT;
 }
 
 bool checker_exists(const std::string& checker) {
@@ -48,25 +44,26 @@ bool checker_exists(const std::string& checker) {
     return checker.find('/') == std::string::npos && is_on_search_path(checker, F_OK);
 }
 
-bool find_checker() {
-    if (!checker_exists(GS_VAR[UNIX_CHECKER])) GS_VAR[UNIX_CHECKER] = EMERGENCY_CHECKER;
-    return checker_exists(GS_VAR[UNIX_CHECKER]);
+bool find_checker(ToolSettings* tools) {
+    std::string& checker = tools->GS_VAR[UNIX_CHECKER];
+    if (!checker_exists(checker)) checker = tools->EMERGENCY_CHECKER;
+    return checker_exists(checker);
 }
 
-std::string checker_command(const char* word) {
-    return filled(CHECKER_LINE, quoted(GS_VAR[UNIX_CHECKER]).c_str(),
+std::string checker_command(const std::string& checker, const char* word) {
+    return filled(CHECKER_LINE, quoted(checker).c_str(),
                   one_argument(ENTERPRIZE_PERMISSION_FILE).c_str(), word);
 }
 
-std::optional<CheckResult> perform_cbfile_only_check(char mode, const std::string& region) {
+std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* region) {
     const char* word = option_word(mode);
-    const bool found = find_checker();
-    const std::string& checker = GS_VAR[UNIX_CHECKER];
+    const bool found = find_checker(&region->tools);
+    const std::string& checker = region->tools.GS_VAR[UNIX_CHECKER];
     if (!found) {
-        advise_wait(
-            filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(), region.c_str()));
+        advise_wait(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
+                           region->ENTERPRIZE_NAME.c_str()));
         return std::nullopt;
     }
-    const int status = run_in_shell(checker_command(word));
+    const int status = run_in_shell(checker_command(checker, word));
     return CheckResult{status != 0, mode == CHECK_COUNT ? status : 0};
 }

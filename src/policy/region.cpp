@@ -14,10 +14,10 @@
 namespace {
 
 /// Takes the tool variables and returns the significant lines, without their leading blanks.
-std::vector<std::string> scan_the_file() {
+std::vector<std::string> scan_the_file(ToolSettings* tools) {
     std::vector<std::string> significant;
     for (const std::string& line : read_gatebits_lines()) {
-        take_tool_variable(line);
+        take_tool_variable(line, tools);
         if (is_significant(line)) significant.emplace_back(without_leading_blanks(line));
     }
     return significant;
@@ -52,18 +52,18 @@ std::string blank_when_empty(const std::string& value) {
 }
 
 /// The relocated directory when there is one, else `name` in the depot.
-std::string directory_of(ToolVariable relocated, const std::string& depot, const char* name) {
-    const std::string& directory = GS_VAR[relocated];
-    if (!directory.empty()) return directory;
+std::string directory_of(const std::string& relocated, const std::string& depot, const char* name) {
+    if (!relocated.empty()) return relocated;
     return filled("%s%c%s", depot.c_str(), DIR_DELIMETER, name);
 }
 
 }  // namespace
 
-RegionSettings interrogate_the_enterprise() {
-    const std::vector<std::string> lines = scan_the_file();
-    if (lines.empty()) gripe(NO_REGION_HEADER);
+RegionSettings interrogate_the_enterprise(const ToolSettings& tools) {
     RegionSettings region;
+    region.tools = tools;
+    const std::vector<std::string> lines = scan_the_file(&region.tools);
+    if (lines.empty()) gripe(NO_REGION_HEADER);
     region.SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
     const auto depots = fields_of_line(lines, DEPOT_LINE, 2, MANGLED_DEPOT);
     region.LOGGING = depots.size() < 3 ? 'O' : logging_letter(depots[2], lines[DEPOT_LINE - 1]);
@@ -72,9 +72,10 @@ RegionSettings interrogate_the_enterprise() {
     region.ENTERPRIZE_NAME = blank_when_empty(header[3]);
     region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[1]);
     region.SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[1]);
+    const auto& relocated = region.tools.GS_VAR;
     region.logging_dir =
-        directory_of(UNIX_LOGGING_DIR, region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");
-    region.results_dir =
-        directory_of(UNIX_RESULTS_DIR, region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
+        directory_of(relocated[UNIX_LOGGING_DIR], region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");
+    region.results_dir = directory_of(relocated[UNIX_RESULTS_DIR],
+                                      region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
     return region;
 }

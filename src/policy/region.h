@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "policy/tool_variables.h"
+
 /// The region's settings as the gatebits file has them. Whoever holds them loads them again when
 /// the gatebits file in use or a setting in it has changed.
 struct RegionSettings {
@@ -18,8 +20,9 @@ struct RegionSettings {
     std::string logging_dir;
     /// Directory where report pages are written, without a delimiter at its end.
     std::string results_dir;
+    ToolSettings tools = {};
 };
 
 /// Loads the settings. Every fault of the region block ends the program through gripe: nothing is
-/// done with a damaged gatebits file. Tool variables without a line keep their value.
-RegionSettings interrogate_the_enterprise();
+/// done with a damaged gatebits file. Tool variables without a line stay as they are in `tools`.
+RegionSettings interrogate_the_enterprise(const ToolSettings& tools);

@@ -2,8 +2,6 @@
 
 #include <vector>
 
-std::array<std::string, GS_VAR_NAME.size()> GS_VAR;
-
 namespace {
 
 std::string value_in(std::string_view line) {
@@ -19,10 +17,12 @@ std::optional<std::string> value_among(const std::vector<std::string>& lines, st
     return value;
 }
 
-/// The lines with the eight settings, as GS_VAR has them, in front.
-std::vector<std::string> with_settings_on_top(const std::vector<std::string>& lines) {
+/// The lines with the eight settings in front.
+std::vector<std::string> with_settings_on_top(const ToolSettings& tools,
+                                              const std::vector<std::string>& lines) {
     std::vector<std::string> all;
-    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) all.push_back(GS_VAR_NAME[i] + GS_VAR[i]);
+    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i)
+        all.push_back(GS_VAR_NAME[i] + tools.GS_VAR[i]);
     for (const std::string& line : lines) {
         if (!tool_variable_of(line)) all.push_back(line);
     }
@@ -39,29 +39,29 @@ std::optional<std::size_t> tool_variable_of(std::string_view line) {
     return std::nullopt;
 }
 
-void take_tool_variable(std::string_view line) {
-    if (const auto i = tool_variable_of(line)) GS_VAR[*i] = value_in(line);
+void take_tool_variable(std::string_view line, ToolSettings* tools) {
+    if (const auto i = tool_variable_of(line)) tools->GS_VAR[*i] = value_in(line);
 }
 
-void build_var_list() {
-    GS_VAR.fill("");
-    for (const std::string& line : read_gatebits_lines()) take_tool_variable(line);
+void build_var_list(ToolSettings* tools) {
+    tools->GS_VAR.fill("");
+    for (const std::string& line : read_gatebits_lines()) take_tool_variable(line, tools);
 }
 
 std::optional<std::string> stored_variable(std::size_t index) {
     return value_among(read_gatebits_lines(), index);
 }
 
-ChangeResult change_a_var(int index, const std::string& value,
+ChangeResult change_a_var(ToolSettings* tools, int index, const std::string& value,
                           const std::optional<std::string>& stored) {
     const auto at = static_cast<std::size_t>(index);
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
     change_gatebits_lines([&](std::vector<std::string>* lines) {
         if (stored && *stored != value_among(*lines, at).value_or("")) return false;
         // What another process has set meanwhile must not be undone.
-        for (const std::string& line : *lines) take_tool_variable(line);
-        GS_VAR.at(at) = value;
-        *lines = with_settings_on_top(*lines);
+        for (const std::string& line : *lines) take_tool_variable(line, tools);
+        tools->GS_VAR.at(at) = value;
+        *lines = with_settings_on_top(*tools, *lines);
         result = ChangeResult::WRITTEN;
         return true;
     });

@@ -22,19 +22,23 @@ enum ToolVariable {
     WINDOWS_RESULTS_DIR = 7
 };
 
-/// The values. Set by interrogate_the_enterprise, build_var_list, change_a_var and, for the
-/// checker's fallback, the checker run; read by whoever needs a setting.
-extern std::array<std::string, GS_VAR_NAME.size()> GS_VAR;
+/// The eight values, and what stands in for one of them. Whoever holds the region's settings holds
+/// these with them.
+struct ToolSettings {
+    std::array<std::string, GS_VAR_NAME.size()> GS_VAR;
+    /// Where to look for the checker when the gatebits file names none that exists.
+    std::string EMERGENCY_CHECKER;
+};
 
 /// Which of the eight settings `line` sets, if any.
 std::optional<std::size_t> tool_variable_of(std::string_view line);
 
-/// Puts the value of `line`, everything behind its first '=', into GS_VAR when the line sets one
+/// Puts the value of `line`, everything after its first '=', into GS_VAR when the line sets one
 /// of the eight.
-void take_tool_variable(std::string_view line);
+void take_tool_variable(std::string_view line, ToolSettings* tools);
 
 /// Empties GS_VAR and fills it from the gatebits file, so that a setting without a line is empty.
-void build_var_list();
+void build_var_list(ToolSettings* tools);
 
 /// The value that the gatebits file has for GS_VAR[index]; nothing when it has no such line.
 std::optional<std::string> stored_variable(std::size_t index);
@@ -42,5 +46,5 @@ std::optional<std::string> stored_variable(std::size_t index);
 /// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
 /// of the table: the others as the file has them, or as GS_VAR has those that it lacks. With
 /// `stored`, only when that is what the file has for the index (empty for no line).
-ChangeResult change_a_var(int index, const std::string& value,
+ChangeResult change_a_var(ToolSettings* tools, int index, const std::string& value,
                           const std::optional<std::string>& stored = std::nullopt);

@@ -36,6 +36,7 @@ int number(FuzzedDataProvider& data) {
 
 void read_something(FuzzedDataProvider& data) {
     std::string value;
+    ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 4)) {
         case 0:
             get_a_line(number(data), &value);
@@ -44,10 +45,10 @@ void read_something(FuzzedDataProvider& data) {
             get_a_field(number(data), number(data), &value);
             break;
         case 2:
-            build_var_list();
+            build_var_list(&tools);
             break;
         case 3:
-            interrogate_the_enterprise();
+            interrogate_the_enterprise({});
             break;
         default:
             read_edition();
@@ -59,6 +60,7 @@ void write_something(FuzzedDataProvider& data, std::size_t* changed) {
     const int line = number(data);
     // The counter starts over after 256 lines, so a number may stand for a second line.
     *changed = 1 + GATEBITS_FILE_LIMIT / 2 / 256;
+    ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0:
             set_a_line(line, data.ConsumeRandomLengthString());
@@ -70,9 +72,10 @@ void write_something(FuzzedDataProvider& data, std::size_t* changed) {
             set_a_field(line, number(data), data.ConsumeRandomLengthString());
             break;
         default:
-            build_var_list();
+            build_var_list(&tools);
             *changed = GATEBITS_FILE_LIMIT;
-            change_a_var(data.ConsumeIntegralInRange(0, 7), data.ConsumeRandomLengthString());
+            change_a_var(&tools, data.ConsumeIntegralInRange(0, 7),
+                         data.ConsumeRandomLengthString());
     }
 }
 

@@ -9,7 +9,6 @@
 #include "main/startup.h"
 #include "messages/identity.h"
 #include "policy/gatebits_file.h"
-#include "policy/tool_variables.h"
 #include "scenes/region.h"
 #include "support/expect_gripe.h"
 
@@ -22,7 +21,6 @@ class OnStage : public testing::Test {
         unsetenv("ZUL_GATESCOPE_VERBOSITY");
         verify_set_tempdir();
         ENTERPRIZE_PERMISSION_FILE = region.gatebits_path();
-        GS_VAR.fill("");
         ZUL_PREFER_GUI = 1;
         ZUL_REMOTE_CLIENT_USER = 0;
     }

@@ -2,7 +2,6 @@
 
 #include "actions/actions.h"
 #include "actions/tool_settings.h"
-#include "policy/checker.h"
 #include "policy/tool_variables.h"
 #include "units/on_stage.h"
 
@@ -12,8 +11,8 @@ namespace {
 class Dispatch : public OnStage {
   protected:
     Dispatch() {
-        GS_VAR[UNIX_CHECKER] = region.checker_path();
-        EMERGENCY_CHECKER = path("none");
+        run.region.tools.GS_VAR[UNIX_CHECKER] = region.checker_path();
+        run.region.tools.EMERGENCY_CHECKER = path("none");
         ZUL_PREFER_GUI = 0;
         region_is("", "");
     }
@@ -55,7 +54,7 @@ TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
 
 TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
     EXPECT_EQ(A_X(run, 11).holds, 1);
-    GS_VAR[UNIX_CHECKER] = path("none");
+    run.region.tools.GS_VAR[UNIX_CHECKER] = path("none");
     int result = -1;
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";

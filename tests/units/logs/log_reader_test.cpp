@@ -205,7 +205,7 @@ TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(0, "old");
     const int holder = open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC);
-    std::signal(SIGIO, SIG_IGN);
+    const auto before = std::signal(SIGIO, SIG_IGN);
     ASSERT_EQ(fcntl(holder, F_SETLEASE, F_WRLCK), 0);
     std::thread rewriting([&] {
         usleep(50'000);
@@ -214,6 +214,7 @@ TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
     });
     EXPECT_EQ(words_read(log_file_path(0)), Words{"new"});
     rewriting.join();
+    std::signal(SIGIO, before);
 }
 
 TEST_F(LogReaderOnFiles, LinksToLogsAreFollowed) {

@@ -6,7 +6,10 @@
 
 namespace {
 
-using ToolVariables = OnStage;
+class ToolVariables : public OnStage {
+  protected:
+    ToolSettings tools;
+};
 
 const std::string EIGHT_LINES =
     "#!gatescope_unix_gatewarden_check=/c\n"
@@ -19,31 +22,32 @@ const std::string EIGHT_LINES =
     "#!gatescope_relocated_results_dir_windows=\n";
 
 TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
-    GS_VAR.fill("old");
+    tools.GS_VAR.fill("old");
     use_gatebits(
         "x;\n  #!gatescope_unix_browser=/a=b c \n#!gatescope_windows_browser=\n#!gatescope_"
         "unknown=1\n");
-    build_var_list();
-    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "/a=b c ");
+    build_var_list(&tools);
+    EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/a=b c ");
     for (const ToolVariable other :
          {UNIX_CHECKER, WINDOWS_CHECKER, WINDOWS_BROWSER, UNIX_LOGGING_DIR, WINDOWS_LOGGING_DIR,
           UNIX_RESULTS_DIR, WINDOWS_RESULTS_DIR}) {
-        EXPECT_EQ(GS_VAR[other], "") << other;
+        EXPECT_EQ(tools.GS_VAR[other], "") << other;
     }
 }
 
 TEST_F(ToolVariables, APrefixWithoutItsEqualsSignIsAComment) {
     use_gatebits("x;\n#!gatescope_unix_browser /b\n");
-    build_var_list();
-    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "");
+    build_var_list(&tools);
+    EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "");
 }
 
 TEST_F(ToolVariables, EachPrefixHasItsPlace) {
     std::string text;
     for (const char* prefix : GS_VAR_NAME) text += prefix + std::string(prefix + 12) + "\n";
     use_gatebits(text);
-    build_var_list();
-    for (std::size_t i = 0; i < GS_VAR.size(); ++i) EXPECT_EQ(GS_VAR[i], GS_VAR_NAME[i] + 12);
+    build_var_list(&tools);
+    for (std::size_t i = 0; i < tools.GS_VAR.size(); ++i)
+        EXPECT_EQ(tools.GS_VAR[i], GS_VAR_NAME[i] + 12);
 }
 
 TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
@@ -56,33 +60,33 @@ TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
         "\n"
         "#!gatescope_unix_gatewarden_check=/c\n"
         "last;\n");
-    build_var_list();
-    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
+    build_var_list(&tools);
+    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), EIGHT_LINES +
                                      "# top\n"
                                      "gatewarden;;;east;\n"
                                      "#!gatescope_foreign=1\n"
                                      "#!gatewarden_alias a b\n"
                                      "last;\n");
-    EXPECT_EQ(GS_VAR[UNIX_BROWSER], "/b");
+    EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/b");
 }
 
 TEST_F(ToolVariables, AChangeOfAFileThatHasNoneAddsThem) {
     use_gatebits("gatewarden;;;east;\n");
-    GS_VAR[UNIX_CHECKER] = "/c";
-    change_a_var(UNIX_BROWSER, "/b");
+    tools.GS_VAR[UNIX_CHECKER] = "/c";
+    change_a_var(&tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
-    change_a_var(UNIX_BROWSER, "/b");
+    change_a_var(&tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
 }
 
 TEST_F(ToolVariables, WhatAnotherProcessHasSetMeanwhileStays) {
     use_gatebits("gatewarden;;;east;\n");
-    build_var_list();
+    build_var_list(&tools);
     use_gatebits("#!gatescope_unix_gatewarden_check=/c\ngatewarden;;;east;\n");
-    change_a_var(UNIX_BROWSER, "/b");
+    change_a_var(&tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
-    EXPECT_EQ(GS_VAR[UNIX_CHECKER], "/c");
+    EXPECT_EQ(tools.GS_VAR[UNIX_CHECKER], "/c");
 }
 
 TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
@@ -90,11 +94,11 @@ TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
     use_gatebits(text);
     EXPECT_EQ(stored_variable(UNIX_BROWSER), "/b");
     EXPECT_FALSE(stored_variable(WINDOWS_BROWSER).has_value());
-    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(change_a_var(WINDOWS_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(change_a_var(&tools, WINDOWS_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(change_a_var(UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
-    EXPECT_EQ(change_a_var(WINDOWS_BROWSER, "/d", ""), ChangeResult::WRITTEN);
+    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
+    EXPECT_EQ(change_a_var(&tools, WINDOWS_BROWSER, "/d", ""), ChangeResult::WRITTEN);
     EXPECT_EQ(stored_variable(UNIX_BROWSER), "/c");
     EXPECT_EQ(stored_variable(WINDOWS_BROWSER), "/d");
 }
