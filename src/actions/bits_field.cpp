@@ -5,6 +5,7 @@
 #include "actions/picks.h"
 #include "base/filled.h"
 #include "base/text.h"
+#include "dialog/prompts.h"
 #include "messages/action_texts.h"
 
 std::string bit_state(std::string field) {

@@ -1,21 +1,23 @@
 #include "actions/menus.h"
 
+#include <vector>
+
 #include "base/filled.h"
+#include "dialog/prompts.h"
 #include "messages/menu_labels.h"
 
 namespace {
 
 /// The labels of what `column` shows.
 std::string entries(Shown Request::*column, int edition, bool during_install) {
-    std::string list;
+    std::vector<std::string> labels;
     for (const Request& request : all_requests()) {
         const Shown shown = request.*column;
         if (shown == Shown::NO || (shown == Shown::TO_INSTALLER_ONLY && !during_install)) continue;
-        if (!list.empty()) list += ",";
-        if (shown == Shown::AFTER_SEPARATOR) list.append(SEPERATOR).append(",");
-        list += label_of(request, edition);
+        if (shown == Shown::AFTER_SEPARATOR) labels.emplace_back(SEPERATOR);
+        labels.emplace_back(label_of(request, edition));
     }
-    return list;
+    return as_list(labels);
 }
 
 }  // namespace

@@ -5,13 +5,6 @@
 #include "base/text.h"
 #include "dialog/prompts.h"
 
-std::string as_list(const std::vector<std::string>& entries) {
-    std::string list;
-    for (const std::string& entry : entries) list += entry + ",";
-    if (!list.empty()) list.pop_back();
-    return list;
-}
-
 std::optional<std::string> pick_one(const std::string& title, const std::string& items) {
     std::optional<std::string> pick;
     do {

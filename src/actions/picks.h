@@ -2,12 +2,8 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 // Lists of the actions, and what comes back from them.
-
-/// The entries as one list, separated by commas.
-std::string as_list(const std::vector<std::string>& entries);
 
 /// Shows the list, for a single choice, until something is picked. The pick, or nothing when the
 /// operator cancels.

@@ -10,8 +10,12 @@
 #include <cstring>
 
 #include "base/filled.h"
+#include "base/run_identity.h"
 #include "base/temporary_files.h"
+#include "base/text.h"
+#include "dialog/clearprompt.h"
 #include "dialog/messages.h"
+#include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
 namespace {
@@ -66,4 +70,14 @@ std::optional<std::string> AnswerFile::content(std::size_t limit, bool* failed) 
         gripe(filled(CANNOT_READ_ANSWER, path_.c_str(), std::strerror(error)));
     }
     return answered ? std::optional(text) : std::nullopt;
+}
+
+std::string prompt_result_path() {
+    return make_tfile("gatewarden_prompt_result", GLOBAL_PID_STRING.c_str(), nullptr);
+}
+
+std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
+                                           const AnswerFile& answer) {
+    if (run_dialog(command, text, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
+    return words_joined(answer.content().value_or(""));
 }

@@ -25,3 +25,11 @@ class AnswerFile {
   private:
     std::string path_;
 };
+
+/// Where a text dialog writes its answer.
+std::string prompt_result_path();
+
+/// Runs a dialog that shows `text`; what was typed, as its words joined by single blanks. Nothing
+/// when it was cancelled.
+std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
+                                           const AnswerFile& answer);

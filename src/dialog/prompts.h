@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 // Text prompts and selection lists. Each returns the operator's answer, which may be empty, or
 // nothing when the dialog was cancelled: every status of it but 0 is a cancel.
@@ -14,14 +15,8 @@ inline constexpr char MULTIPLE_CHOICE[] = "-choices";
 /// as its words joined by single blanks.
 std::optional<std::string> prompt(const std::string& prompt_text, const std::string& def);
 
-/// The same for a default that is long or has line breaks: it is handed over in a file. A
-/// leftover file of that name is added to, not replaced.
-std::optional<std::string> prompt_from_file(const std::string& prompt_text,
-                                            const std::string& default_text);
-
-/// Shows a file; what the operator types is thrown away. `errors` says whether the title speaks
-/// of errors in it.
-void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors);
+/// The entries as one list, separated by commas.
+std::string as_list(const std::vector<std::string>& entries);
 
 /// Lets the operator pick from comma-separated `items`. A single choice comes back like a text
 /// answer, several separated by commas in the order in which the dialog wrote them. Gripes when a

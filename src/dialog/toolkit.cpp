@@ -14,14 +14,26 @@
 
 #include "base/files.h"
 #include "base/filled.h"
+#include "base/replace_file.h"
 #include "base/run_identity.h"
+#include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "base/text.h"
+#include "dialog/answer_file.h"
+#include "dialog/clearprompt.h"
 #include "dialog/messages.h"
+#include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
 namespace {
 
+// Command lines; the texts in them come quoted already.
+
+/// CLEARPROMPT, result file, file with the default, newline option, prompt.
+constexpr char PROMPT_FROM_FILE_LINE[] = "%s text -prefer_gui -outfile %s  -dfile %s %s -prompt %s";
+/// CLEARPROMPT, result file, file to show, title.
+constexpr char SHOW_FILE_LINE[] =
+    "%s text -prefer_gui -multi_line -outfile %s -dfile %s -newline -prompt %s";
 /// A text file is copied in pieces of this many bytes.
 constexpr std::size_t COPY_CHUNK = 30000;
 
@@ -58,6 +70,38 @@ bool same_bytes(FILE* one, FILE* other, long size) {
 
 char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+bool is_ours_alone(int file) {
+    struct stat status;
+    return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
+           status.st_uid == geteuid();
+}
+
+/// Opens the file for appending, creating it where needed; -1 when that cannot be, or when it is
+/// not ours alone.
+int open_default(const std::string& path) {
+    const SignalsHeld held;
+    const int file = open(
+        path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (file == -1) return -1;
+    if (!is_ours_alone(file)) {
+        close(file);
+        errno = EEXIST;
+        return -1;
+    }
+    remember_temporary_file(path);
+    return file;
+}
+
+/// Adds `text` to the file that a prompt takes its default from. What somebody else put there is
+/// not written to.
+void append_default(const std::string& path, const std::string& text) {
+    const int file = open_default(path);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
+    int error = write_all(file, c_text(text));
+    if (close(file) != 0 && error == 0) error = errno;
+    if (error != 0) gripe(CANNOT_CREATE_TEMP_FILE, path, error);
 }
 
 }  // namespace
@@ -161,4 +205,29 @@ bool is_ucm_vob(const std::string& vob_tag) {
 
 unsigned zul_sleep(unsigned seconds) {
     return sleep(seconds);
+}
+
+std::optional<std::string> prompt_from_file(const std::string& prompt_text,
+                                            const std::string& default_text) {
+    const AnswerFile answer(prompt_result_path());
+    const std::string default_file =
+        make_tfile("gatewarden_prompt_prompt", GLOBAL_PID_STRING.c_str(), nullptr);
+    append_default(default_file, default_text);
+    auto typed =
+        answer_in_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                               quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
+                               quoted(prompt_text).c_str()),
+                        prompt_text, answer);
+    remove_temporary_file(default_file);
+    return typed;
+}
+
+void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors) {
+    const AnswerFile answer(prompt_result_path());
+    const std::string full_title =
+        filled(SHOW_FILE_TITLE, title.c_str(), errors ? "one or more " : "NO ",
+               errors ? "displayed near bottom " : "");
+    run_dialog(filled(SHOW_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                      quoted(file).c_str(), quoted(full_title).c_str()),
+               filled("%s\n%s", full_title.c_str(), file.c_str()), NOT_SHOWN);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 // The toolkit: what scripts and programs around this one have always been written with, and this
@@ -52,3 +53,14 @@ bool is_ucm_vob(const std::string& vob_tag);
 
 /// Waits; returns the seconds that were left when a signal ended the wait.
 unsigned zul_sleep(unsigned seconds);
+
+// Dialogs.
+
+/// prompt for a default that is long or has line breaks: it is handed over in a file. A
+/// leftover file of that name is added to, not replaced.
+std::optional<std::string> prompt_from_file(const std::string& prompt_text,
+                                            const std::string& default_text);
+
+/// Shows a file; what the operator types is thrown away. `errors` says whether the title speaks
+/// of errors in it.
+void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors);

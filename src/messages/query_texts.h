@@ -18,9 +18,9 @@ inline constexpr char PROMPT_INPUT_CPD[] =
 
 /// The answer that stands for everything, and how the lists offer it.
 inline constexpr char ALL[] = "*";
-inline constexpr char ALL_BITS_CHOICE[] = "* - <ALL BITS>,";
+inline constexpr char ALL_BITS_CHOICE[] = "* - <ALL BITS>";
 /// Bit, name.
-inline constexpr char BIT_CHOICE[] = "%02d - %s,";
+inline constexpr char BIT_CHOICE[] = "%02d - %s";
 
 // Filters.
 inline constexpr char ANY_COMMAND[] = "[";

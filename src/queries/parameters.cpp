@@ -1,6 +1,7 @@
 #include "queries/parameters.h"
 
 #include <array>
+#include <vector>
 
 #include "base/commands.h"
 #include "base/filled.h"
@@ -8,6 +9,7 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "messages/bit_names.h"
+#include "messages/command_names.h"
 #include "messages/identity.h"
 #include "messages/query_texts.h"
 
@@ -35,13 +37,14 @@ std::string given_key(const Options& options) {
 
 using Reply = std::optional<std::string>;
 
-Reply pick(const char* title, std::string list) {
-    list.pop_back();
-    return make_selection(title, list, SINGLE_CHOICE);
+Reply pick(const char* title, const std::vector<std::string>& entries) {
+    return make_selection(title, as_list(entries), SINGLE_CHOICE);
 }
 
 Reply pick_command(int /*edition*/) {
-    return pick(PROMPT_SELECT_COMMAND, ALL + ALL_TRIGGERABLE_COMMANDS());
+    std::vector<std::string> entries = {ALL};
+    entries.insert(entries.end(), TRIGGERABLE_COMMANDS.begin(), TRIGGERABLE_COMMANDS.end());
+    return pick(PROMPT_SELECT_COMMAND, entries);
 }
 
 Reply input_user(int /*edition*/) {
@@ -49,10 +52,11 @@ Reply input_user(int /*edition*/) {
 }
 
 Reply pick_bit(int /*edition*/) {
-    std::string list = ALL_BITS_CHOICE;
+    std::vector<std::string> entries = {ALL_BITS_CHOICE};
     int bit = 0;
-    for (const char* name : GATEWARDEN_BITS_DESC) list += filled(BIT_CHOICE, bit++, name);
-    return pick(PROMPT_SELECT_BIT, list);
+    for (const char* name : GATEWARDEN_BITS_DESC)
+        entries.push_back(filled(BIT_CHOICE, bit++, name));
+    return pick(PROMPT_SELECT_BIT, entries);
 }
 
 Reply input_key(int edition) {

@@ -11,6 +11,7 @@
 #include "base/run_identity.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
+#include "dialog/toolkit.h"
 #include "faults/in_child.h"
 #include "policy/file_chooser.h"
 #include "policy/gatebits_file.h"

@@ -12,6 +12,7 @@
 #include "dialog/answer_file.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
+#include "dialog/toolkit.h"
 #include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "messages/startup_texts.h"

@@ -4,6 +4,7 @@
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
+#include "dialog/toolkit.h"
 #include "fuzz/fuzz_world.h"
 #include "policy/file_chooser.h"
 

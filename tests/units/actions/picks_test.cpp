@@ -4,12 +4,6 @@
 
 namespace {
 
-TEST(Picks, AListHasNoCommaAtItsEnd) {
-    EXPECT_EQ(as_list({}), "");
-    EXPECT_EQ(as_list({"a"}), "a");
-    EXPECT_EQ(as_list({"a", "", "b"}), "a,,b");
-}
-
 TEST(Picks, NumberAtFront) {
     EXPECT_EQ(number_at_front("007 key"), 7);
     EXPECT_EQ(number_at_front("12"), 12);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "dialog/toolkit.h"
 #include "units/on_stage.h"
 
 namespace {
@@ -209,6 +210,12 @@ TEST_F(Prompts, GetSystemRcRunsTheCommandEvenWithoutAPlaceForItsOutput) {
     testing::internal::CaptureStdout();
     EXPECT_EQ(get_system_rc("echo seen; exit 2"), 2 * 256);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Can't open file 'data'\nseen\n");
+}
+
+TEST(Lists, AListHasNoCommaAtItsEnd) {
+    EXPECT_EQ(as_list({}), "");
+    EXPECT_EQ(as_list({"a"}), "a");
+    EXPECT_EQ(as_list({"a", "", "b"}), "a,,b");
 }
 
 }  // namespace
