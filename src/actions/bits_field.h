@@ -10,7 +10,7 @@
 inline constexpr std::size_t NUMBER_OF_BITS = GATEWARDEN_BITS_DESC.size();
 
 /// The state that a field stands for: exactly one '0' or '1' a bit. What is neither in the field,
-/// or missing, is '0'; what is behind the last bit is cut.
+/// or missing, is '0'; what comes after the last bit is cut.
 std::string bit_state(std::string field);
 
 /// The list to pick bits from, each with its number, its present state and its name.

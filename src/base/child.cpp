@@ -58,7 +58,7 @@ struct Family {
     int size;
 };
 
-/// Writes `number` in decimal to `at`; the place behind it.
+/// Writes `number` in decimal to `at`; the place after it.
 char* put_number(char* at, pid_t number) {
     char* begin = at;
     for (; number > 0; number /= 10) *at++ = static_cast<char>('0' + number % 10);
@@ -71,7 +71,7 @@ char* put_text(char* at, const char* text) {
     return at;
 }
 
-/// The system's list of the children of a process: decimal numbers, a blank behind each. Where
+/// The system's list of the children of a process: decimal numbers, a blank after each. Where
 /// there is no such list, there are no children to be seen.
 ssize_t read_children(pid_t process, std::array<char, 1024>* list) {
     std::array<char, 64> path = {};

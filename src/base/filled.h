@@ -5,7 +5,7 @@
 
 /// Fills a message or command template. The result is C text: it ends where the first NUL would
 /// stand, as when %c is filled with the first character of an empty field; what the template
-/// holds behind it is lost, and callers rely on that.
+/// holds after it is lost, and callers rely on that.
 [[gnu::format(printf, 1, 2)]] std::string filled(const char* format, ...);
 
 /// `bytes` up to its first NUL.

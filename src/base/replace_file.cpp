@@ -110,7 +110,7 @@ Attempt replace_by_rename(int old_file, const std::string& path, std::string_vie
     return attempt;
 }
 
-/// Makes the file as long as the new text by blank lines behind the old, which mean nothing to
+/// Makes the file as long as the new text by blank lines after the old, which mean nothing to
 /// its readers: when the disk is full, we learn it before anything is lost. 0, or an errno, and
 /// the file is then as it was.
 int make_room(int file, std::size_t old_size, std::size_t new_size) {
@@ -118,7 +118,7 @@ int make_room(int file, std::size_t old_size, std::size_t new_size) {
     const auto end = static_cast<off_t>(old_size);
     if (lseek(file, end, SEEK_SET) == -1) return errno;
     const int error = write_and_sync(file, std::string(new_size - old_size, '\n'));
-    // Should cutting back fail too, it still is the old text, with blank lines behind it.
+    // Should cutting back fail too, it still is the old text, with blank lines after it.
     if (error != 0 && ftruncate(file, end) != 0) return error;
     return error;
 }

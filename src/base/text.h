@@ -14,7 +14,7 @@ std::string& STRING_LOWER(std::string& text);
 /// Doubles every '&' in place: in a dialog "&&" shows one "&".
 void double_amp_string(std::string& text);
 
-/// Puts `inserted` right behind the n-th `sought` (counted from 1) in place. Null when `sought`
+/// Puts `inserted` right after the n-th `sought` (counted from 1) in place. Null when `sought`
 /// does not occur at all; with fewer than n the text is returned unchanged.
 std::string* in_string__insert_this_char_after_nth_instance_of_that_char(std::string& text,
                                                                          char inserted, int n,

@@ -19,7 +19,7 @@ enum Answer { YES = 0, NO = 1, ABORT = 2 };
 [[noreturn]] void gripe(const std::string& message);
 
 /// gripe for an error whose text leaves out why, or with which file: that goes to standard error,
-/// behind the message. `error` is an errno.
+/// after the message. `error` is an errno.
 [[noreturn]] void gripe(const std::string& message, int error);
 [[noreturn]] void gripe(const std::string& message, const std::string& path, int error);
 

@@ -6,7 +6,7 @@
 
 /// What the fast path compares in a canonical record.
 struct CanonicalFilter {
-    /// The user and the '[' behind it are no longer than this.
+    /// The user and the '[' after it are no longer than this.
     static constexpr std::size_t USER_LIMIT = 32;
 
     /// RecordOutcome by kind and detail letter, as the plain rule has it.

@@ -15,7 +15,7 @@ class CanonicalQuery {
   public:
     explicit CanonicalQuery(const RecordQuery& query, Lanes lanes = Lanes::VECTORS);
 
-    /// Counts all words of `piece`, behind whose end READER_MARGIN bytes may be read.
+    /// Counts all words of `piece`, after whose end READER_MARGIN bytes may be read.
     void count(std::string_view piece, RecordTally* tally) const;
 
     /// Whether each filter is one that a canonical record can be asked field by field. If not,

@@ -75,7 +75,7 @@ constexpr std::array<std::uint64_t, 2> TAIL = {0x003E003C005D0000, 0x003E30003C0
 constexpr std::array<std::uint32_t, 2> COMMAND_BITS = {0x0000F0FF, 0x00F0F0FF};
 constexpr std::array<std::uint32_t, 2> COMMAND = {0x0000305B, 0x0030305B};
 
-/// What may stand behind a record.
+/// What may come after a record.
 constexpr Codes white_codes() {
     Codes codes = {};
     codes.fill(NOT_CANONICAL);
@@ -173,7 +173,7 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     return true;
 }
 
-/// The plain rule for the word at or behind `at`; returns where it ends.
+/// The plain rule for the word at or after `at`; returns where it ends.
 inline const char* count_next_word(const RecordQuery& query, const char* at, const char* end,
                                    RecordTally* tally) {
     const std::string_view word = next_word(&at, end);
@@ -185,7 +185,7 @@ template <class LANES, bool PER_DAY, bool HAS_FILTERS>
 void count_piece(const RecordQuery& query, const CanonicalFilter& filter, std::string_view piece,
                  RecordTally* tally) {
     const char* const end = piece.data() + piece.size();
-    const char* at = behind_white(piece.data(), end);
+    const char* at = after_white(piece.data(), end);
     std::int64_t earliest = tally->earliest;
     WordEnds ends;
     for (const char* slice = piece.data(); slice < end; slice += SLICE) {
@@ -196,12 +196,12 @@ void count_piece(const RecordQuery& query, const CanonicalFilter& filter, std::s
             if (count_canonical<LANES, PER_DAY, HAS_FILTERS>(query, filter, at, stop, tally,
                                                              &earliest)) {
                 at = stop + 1;
-                if (*stop != '\n') at = behind_line_end(stop);
+                if (*stop != '\n') at = after_line_end(stop);
                 continue;
             }
-            // A byte that ends no word, or more than one word: the plain rule goes on behind it.
+            // A byte that ends no word, or more than one word: the plain rule goes on after it.
             while (at < stop) at = count_next_word(query, at, end, tally);
-            at = behind_white(at, end);
+            at = after_white(at, end);
         }
     }
     while (at < end) at = count_next_word(query, at, end, tally);

@@ -64,7 +64,7 @@ KeptRecords::Places KeptRecords::take_words(Places places, const char* stop, con
         places.out += text.size();
         *places.out++ = '\n';
     }
-    places.at = behind_white(places.at, end);
+    places.at = after_white(places.at, end);
     return places;
 }
 
@@ -104,7 +104,7 @@ std::string_view KeptRecords::kept_of(std::string_view piece) {
             const auto size = static_cast<std::size_t>(stop - at);
             copy_word(out, at, size);
             out += fate == KEPT ? size + 1 : 0;
-            at = std::min(behind_line_end(stop), end);
+            at = std::min(after_line_end(stop), end);
         }
     }
     total_ += total;

@@ -14,7 +14,7 @@ class KeptRecords {
         : cut_off_(cut_off), lanes_(lanes) {}
 
     /// The kept words of `piece`, each on a line of its own; good until the next call.
-    /// READER_MARGIN bytes may be read behind the piece. It is the piece itself when the two are
+    /// READER_MARGIN bytes may be read after the piece. It is the piece itself when the two are
     /// the same text.
     std::string_view of(std::string_view piece);
 

@@ -18,6 +18,12 @@
 
 namespace {
 
+/// What follows a companion's or a log's path; then the byte where it goes on, the log's device and
+/// inode, and the log's size.
+constexpr char LEFT_OVER_MARK[] = ".to_add_";
+constexpr char LEFT_OVER_NAME[] = "%s.to_add_%lld_%llu_%llu_%lld";
+constexpr char LEFT_OVER_NUMBERS[] = "%lld_%llu_%llu_%lld";
+
 void sync_names(const std::string& path) {
     errno = sync_directory_of(path);
     must(errno == 0, "bring to the disk the directory of", path);

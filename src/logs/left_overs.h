@@ -20,13 +20,13 @@
 //   <file>.to_add_<F>_<device>_<I>_<S>    A left-over, of a companion or of a log: from byte F on
 //                                         its words are to be added to the log.  If the log is
 //                                         the file with that device and inode I, those that stand
-//                                         behind its byte S already, as often as here, are not
+//                                         after its byte S already, as often as here, are not
 //                                         added once more.  It goes when all is added.
 //     a companion just taken              F is 0, and I the left-over's own inode, so all are
 //                                         added.
 //     a log's old file                    F is what its new text was made of, I its own inode.
-//                                         Who had opened the log before may have written behind F.
-//     its new text, for a moment before   The log has all that stands behind F.  It goes.
+//                                         Who had opened the log before may have written after F.
+//     its new text, for a moment before   The log has all that stands after F.  It goes.
 //     an old file that is the log still   Where a file system cannot exchange two names it gets
 //                                         the second one first.  That goes.
 //     any, while it is being added        I is the log, S its size when that began.
@@ -51,7 +51,7 @@ struct LeftOver {
     [[nodiscard]] std::string path() const;
 };
 
-/// One that nothing behind byte `from` of the open file has been added of.
+/// One that nothing after byte `from` of the open file has been added of.
 LeftOver new_left_over(const std::string& source, off_t from, int file);
 
 /// The left-overs in the directories that are looked at, each of which is listed but once.

@@ -19,7 +19,7 @@ constexpr std::size_t READ_SIZE = FUZZED_READ_SIZE;
 #else
 constexpr std::size_t READ_SIZE = std::size_t{128} * 1024;
 #endif
-/// What is read behind the end of a range: the last word goes on there.
+/// What is read after the end of a range: the last word goes on there.
 constexpr std::size_t TAIL_SIZE = std::min<std::size_t>(READ_SIZE, 4096);
 
 }  // namespace
@@ -115,7 +115,7 @@ void LogReader::skip_to_first_word() {
 }
 
 /// Finds out how much of what is held can be handed out: up to where the range ends, or else up to
-/// where the words that are known to be whole end. That is behind the last white space, or behind
+/// where the words that are known to be whole end. That is after the last white space, or after
 /// the last full piece of a word that is longer than WORD_LIMIT.
 void LogReader::find_end() {
     const char* const begin = buffer_.get();

@@ -15,7 +15,7 @@
 
 inline constexpr std::size_t WORD_LIMIT = std::size_t{64} * 1024;
 
-/// How many bytes may be looked at behind the end of a piece that LogReader hands out: vector
+/// How many bytes may be looked at after the end of a piece that LogReader hands out: vector
 /// code may read, but not believe, what stands there.
 inline constexpr std::size_t READER_MARGIN = 64;
 
@@ -24,7 +24,7 @@ constexpr bool is_white(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-/// The first word in [*at, end), and `*at` moved behind it; empty, with `*at` at the end, when
+/// The first word in [*at, end), and `*at` moved to its end; empty, with `*at` at the end, when
 /// there is none. NUL bytes are part of a word; what counts of a word is its C text.
 std::string_view next_word(const char** at, const char* end);
 

@@ -22,6 +22,9 @@
 
 namespace {
 
+/// Log that a link leads to.
+constexpr char LINKED_SCRATCH[] = "%s.pruning_";
+
 /// One log with what belongs to it.
 struct Log {
     Place file;

@@ -19,7 +19,7 @@ class Record {
     }
     std::int64_t time() const { return leading_number(text_.c_str()); }
 
-    /// The number behind the first '<', where a "-" is 0; -1 when there is no '<'.
+    /// The number after the first '<', where a "-" is 0; -1 when there is no '<'.
     std::int64_t value() const {
         const std::size_t place = text_.find('<');
         return place == std::string::npos ? -1 : leading_number(text_.c_str() + place + 1);

@@ -12,9 +12,9 @@
 #include <emmintrin.h>
 #endif
 
-// How the fast paths of the queries and of the pruner look at log bytes: 16 or 64 at a time. What
-// they find is exact; what it means is for them to say. Every function may read READER_MARGIN
-// bytes behind what it is asked about.
+// How the fast paths of the queries and of the pruner look at log bytes: 16 or 64 at a time.
+// What is found is exact; the callers decide what it means. Every function may read READER_MARGIN
+// bytes after what it is asked about.
 
 #define ALWAYS_INLINE [[gnu::always_inline]] inline
 
@@ -163,7 +163,7 @@ ALWAYS_INLINE std::ptrdiff_t number_of_bits(std::uint64_t number) {
     return static_cast<std::ptrdiff_t>(number * 0x0101010101010101 >> 56);
 }
 
-/// Finds where words end in `slice`, which is no larger than SLICE and behind which BLOCK bytes may
+/// Finds where words end in `slice`, which is no larger than SLICE and after which BLOCK bytes may
 /// be read: the first byte of each run of bytes up to a blank. A run that begins with the slice may
 /// have begun before it, and a control character that is no white space ends no word. Sets `*ends`
 /// to their places in the slice and returns how many there are.
@@ -176,7 +176,7 @@ ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, Wo
         if (size - place < BLOCK) blank &= (std::uint64_t{1} << (size - place)) - 1;
         std::uint64_t found = blank & ~(blank << 1 | carry);
         carry = blank >> 63;
-        std::uint32_t* const behind = next + number_of_bits(found);
+        std::uint32_t* const next_block = next + number_of_bits(found);
         // Records being as long as they are, four are nearly always enough: storing them without
         // a look at how many there are is quicker than a loop whose end nobody can foresee.
 #pragma GCC unroll 4
@@ -188,13 +188,13 @@ ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, Wo
             *next++ = static_cast<std::uint32_t>(place) +
                       static_cast<std::uint32_t>(std::countr_zero(found));
         }
-        next = behind;
+        next = next_block;
     }
     return static_cast<std::size_t>(next - ends->data());
 }
 
 /// The first byte in [at, end) that is no white space, or the end.
-ALWAYS_INLINE const char* behind_white(const char* at, const char* end) {
+ALWAYS_INLINE const char* after_white(const char* at, const char* end) {
     while (at < end && is_white(*at)) ++at;
     return at;
 }
@@ -209,6 +209,6 @@ inline constexpr std::array<std::uint8_t, 256> WHITE_STEP = white_steps();
 
 /// Where the next word begins if `stop` ends one and is followed by no more than one other byte of
 /// white space, as in "\r\n". Both ways take the same time: logs may have lines of both kinds.
-ALWAYS_INLINE const char* behind_line_end(const char* stop) {
+ALWAYS_INLINE const char* after_line_end(const char* stop) {
     return stop + 1 + WHITE_STEP[static_cast<std::uint8_t>(stop[1])];
 }

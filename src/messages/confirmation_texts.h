@@ -45,7 +45,7 @@ inline constexpr char CLEARS_PARENT[] =
 inline constexpr char CLEARS_NOTIFY[] =
     "\n\nWarning:  Clearing the (%s) will also clear the (%s Region Notify Program) currently set "
     "to '%s'...";
-/// Logging letter: a NUL, and nothing behind it, when the field is empty.
+/// Logging letter: a NUL, and nothing after it, when the field is empty.
 inline constexpr char CLEARS_LOGGING[] =
     "\n\nWarning:  This would result in both UNIX and Windows depots being cleared and so 'Region "
     "Logging' would also get set from '%c' to 'O'ff...";

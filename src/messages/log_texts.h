@@ -32,15 +32,7 @@ inline constexpr char DEMO_LOG_NOT_WRITTEN[] =
 /// Number of records so far.
 inline constexpr char DEMO_PROGRESS[] = "Created %d demo data entries\n";
 
-// Pruning. left_overs.h says what these files are.
-/// What follows a companion's or a log's path; then the byte where it goes on, the log's device and
-/// inode, and the log's size.
-inline constexpr char LEFT_OVER_MARK[] = ".to_add_";
-inline constexpr char LEFT_OVER_NAME[] = "%s.to_add_%lld_%llu_%llu_%lld";
-inline constexpr char LEFT_OVER_NUMBERS[] = "%lld_%llu_%llu_%lld";
-/// Log that a link leads to.
-inline constexpr char LINKED_SCRATCH[] = "%s.pruning_";
-
+// Pruning.
 inline constexpr char NO_PRUNING_TOKEN[] = "Could not create needed pruning token";
 inline constexpr char NO_PRUNING_FILE[] = "Could not create needed pruning file";
 inline constexpr char NO_LOGGING_FILE[] = "Could not create needed logging file";

@@ -2,7 +2,7 @@
 
 #include <array>
 
-// The frame of every report page: what comes before the graph and behind it.
+// The frame of every report page: what comes before the graph and after it.
 
 /// Who stands behind the program; the packager sets them when the program is configured.
 inline constexpr char SUPPORT_ADDRESS[] = GATESCOPE_SUPPORT_ADDRESS;

@@ -38,7 +38,7 @@ Definition definition_in(std::string_view line) {
 /// The aliases of a file up to the first alias line with a fault.
 struct AliasesRead {
     std::vector<Definition> definitions;
-    /// Alias lines that they stand for. Lines behind a faulty one are not among them, so a rewrite
+    /// Alias lines that they stand for. Lines after a faulty one are not among them, so a rewrite
     /// leaves those where they are instead of losing them.
     std::size_t lines = 0;
     /// What to tell the operator of the faulty line; empty when there is none.
@@ -53,7 +53,7 @@ std::optional<std::string> value_of(const std::string& name,
     return std::nullopt;
 }
 
-/// What is wrong with the definition that comes behind `others`; empty when nothing.
+/// What is wrong with the definition that comes after `others`; empty when nothing.
 std::string fault_of(const Definition& alias, const std::vector<Definition>& others,
                      const char* line) {
     if (others.size() >= MAX_ALIASES) return filled(TOO_MANY_ALIASES, MAX_ALIASES, line);
@@ -154,13 +154,13 @@ int cut_references(const std::string& reference, std::string* line) {
     for (std::size_t at = line->find(reference); at != std::string::npos;
          at = line->find(reference, at)) {
         const std::size_t end = at + reference.size();
-        const char behind = end < line->size() ? (*line)[end] : '\0';
-        if (behind != ' ' && behind != ';') {
+        const char next = end < line->size() ? (*line)[end] : '\0';
+        if (next != ' ' && next != ';') {
             ++at;
             continue;
         }
         rest += line->substr(from, at - from);
-        if (behind == ';') rest += ';';
+        if (next == ';') rest += ';';
         from = at = end + 1;
         ++count;
     }

@@ -79,7 +79,7 @@ void write_gatebits_lines(const std::vector<std::string>& lines) {
     if (failure) gripe(failure->message);
 }
 
-/// Whether a field that ends in an alias reference needs a blank behind it: a reference is ended
+/// Whether a field that ends in an alias reference needs a blank after it: a reference is ended
 /// by a blank, and the ';' alone would leave it open for the policy engine.
 bool ends_in_a_reference(const std::string& line) {
     const auto tilde = line.rfind('~');

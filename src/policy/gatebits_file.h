@@ -14,7 +14,8 @@
 
 /// Path of the gatebits file in use. A run has one at a time, and every reader and writer here is
 /// of that one. Set by the choice of the file and by the actions that switch, create and copy
-/// gatebits files.
+/// gatebits files. It is process-wide because the file is: whoever reads, writes, locks, checks or
+/// names it means this one, and a second path could only be a wrong one.
 extern std::string ENTERPRIZE_PERMISSION_FILE;
 
 /// The policy engine reads no more than this many bytes, so no reader or writer here does.
@@ -27,7 +28,7 @@ inline constexpr std::chrono::seconds LOCK_PATIENCE(10);
 /// Passed to set_a_line instead of a text, it deletes the line.
 inline constexpr char DELETION_TOKEN[] = "<[;;;;;deletme;;;;;]>";
 
-/// Significant lines of the region block; the lines behind it are command keys.
+/// Significant lines of the region block; the lines after it are command keys.
 enum RegionLine {
     HEADER_LINE = 1,
     DEPOT_LINE = 2,
@@ -70,7 +71,7 @@ std::string_view without_leading_blanks(std::string_view line);
 /// Whether a line counts: it holds a character that is not blank, and that is not '#'.
 bool is_significant(std::string_view line);
 
-/// Counts significant lines in eight signed bits: behind the 127th the numbers turn negative and
+/// Counts significant lines in eight signed bits: after the 127th the numbers turn negative and
 /// start over, so higher ones address nothing. Long files depend on it.
 class LineCounter {
   public:
@@ -109,7 +110,7 @@ struct FieldChange {
 };
 
 /// Rebuilds lines with new values as their fields, every field ended by ';', all in one write. Text
-/// behind the last ';' goes. A field one past the last is accepted, but its value is not written.
+/// after the last ';' goes. A field one past the last is accepted, but its value is not written.
 /// Nothing is written when one of the fields no longer holds what was shown. The result is that of
 /// the first change; one of a further field that does not exist is passed over.
 ChangeResult set_fields(const std::vector<FieldChange>& changes);

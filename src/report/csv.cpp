@@ -56,8 +56,8 @@ class Lines {
 template <typename AddDay>
 void for_each_day(const QueryPeriod& period, AddDay add_day) {
     for (std::size_t cell = QUERY_DAYS; cell-- > 0;) {
-        const std::int64_t behind = static_cast<std::int64_t>(cell) * SECONDS_A_DAY;
-        add_day(iso_date_text(period.end_of_day_time - SECONDS_A_DAY / 2 - behind), cell);
+        const std::int64_t days_back = static_cast<std::int64_t>(cell) * SECONDS_A_DAY;
+        add_day(iso_date_text(period.end_of_day_time - SECONDS_A_DAY / 2 - days_back), cell);
     }
 }
 

@@ -65,7 +65,7 @@ int write_to_the_disk(const Descriptor& file, const std::string& text) {
     return second ? second.close() : errno;
 }
 
-/// Whether the file is what it was; without a lock, what is behind `size` may be another's.
+/// Whether the file is what it was; without a lock, what comes after `size` may be another's.
 bool take_back(const PageFile& page, off_t size, const std::string& path) {
     if (!page.is_locked) return false;
     if (page.is_new && size == 0) return unlink(path.c_str()) == 0;

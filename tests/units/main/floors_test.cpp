@@ -76,6 +76,11 @@ TEST(Floors, IncludesRunDownwardsOnly) {
     }
 }
 
+TEST(Floors, NoFileIsTooLongToRead) {
+    constexpr std::size_t LONGEST = 350;
+    for (const fs::path& file : sources()) EXPECT_LE(lines_of(file).size(), LONGEST) << file;
+}
+
 /// A header and its implementation are one.
 std::string subject_of(fs::path file) {
     return file.replace_extension();
