@@ -155,9 +155,10 @@ Log Pruning::find_log(int number) {
 
 void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
     std::vector<LeftOver>& left_overs = log->left_overs;
-    if (left_overs.empty() || !log->file.reason.empty()) return;
-    std::string reason;
-    Descriptor file = open_locked(log->file.path, &reason);
+    if (left_overs.empty()) return;
+    std::string reason = log->file.reason;
+    Descriptor file;
+    if (reason.empty()) file = open_locked(log->file.path, &reason);
     if (!file && reason.empty()) {
         make_log(log->file.path);
         file = open_locked(log->file.path, &reason);

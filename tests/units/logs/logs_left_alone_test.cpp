@@ -87,6 +87,17 @@ TEST_F(LogsLeftAlone, ALinkThatLeadsInARingIsSkipped) {
     EXPECT_TRUE(fs::is_symlink(log_file_path(3)));
 }
 
+TEST_F(LogsLeftAlone, ALeftOverOfALogThatIsLeftAloneSaysWhyItStays) {
+    fs::create_symlink("logging_3.txt", log_file_path(3));
+    const std::string left_over = pruning_companion_path(3) + ".to_add_0_1_2_3";
+    std::ofstream(left_over) << fresh(0);
+    const std::string said = said_by_pruning();
+    EXPECT_NE(said.find("(" + left_over + "): Too many levels of symbolic links."),
+              std::string::npos)
+        << said;
+    EXPECT_EQ(file_text(left_over), fresh(0));
+}
+
 TEST_F(LogsLeftAlone, OtherNamesOfALogKeepTheOldText) {
     write_log(3, old(1) + fresh(1));
     fs::create_hard_link(log_file_path(3), logging_dir + "/twin");
