@@ -25,8 +25,7 @@ constexpr char LEFT_OVER_NAME[] = "%s.to_add_%lld_%llu_%llu_%lld";
 constexpr char LEFT_OVER_NUMBERS[] = "%lld_%llu_%llu_%lld";
 
 void sync_names(const std::string& path) {
-    errno = sync_directory_of(path);
-    must(errno == 0, "bring to the disk the directory of", path);
+    stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
 }
 
 /// Gives it the name that says the new numbers, for good.
@@ -78,8 +77,7 @@ class Standing {
 };
 
 void append(int file, const std::string& path, std::string_view lines) {
-    errno = write_all(file, lines);
-    must(errno == 0, "write", path);
+    stop_on(write_all(file, lines), "write", path);
 }
 
 /// Opens the log for at most `size` bytes of lines. Nothing is open when somebody keeps it so in
@@ -112,8 +110,7 @@ Descriptor begin_to_add(LeftOver* left_over, const OpenLog& log, off_t size, Mom
 
 void finish(Descriptor* file, const std::string& path) {
     must(fsync(file->get()) == 0, "sync", path);
-    errno = file->close();
-    must(errno == 0, "close", path);
+    stop_on(file->close(), "close", path);
     sync_names(path);
 }
 

@@ -33,17 +33,17 @@ std::string target_of(const std::string& path) {
 
 }  // namespace
 
-void stop_pruning(const char* step, const std::string& path, int error) {
-    gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error)));
+void stop_on(int error, const char* step, const std::string& path) {
+    if (error != 0) gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error)));
 }
 
 void must(bool done, const char* step, const std::string& path) {
-    if (!done) stop_pruning(step, path, errno);
+    stop_on(done ? 0 : errno, step, path);
 }
 
 struct stat status_of(int file) {
     struct stat status;
-    if (fstat(file, &status) != 0) stop_pruning("examine", "an open log file", errno);
+    must(fstat(file, &status) == 0, "examine", "an open log file");
     return status;
 }
 

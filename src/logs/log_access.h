@@ -12,9 +12,9 @@
 
 // How a pruning comes to the files that it works on, and how it stops.
 
-/// Ends the program through gripe: it could not `step` the file, because of the errno `error`. The
-/// token stays, and the message says what that means.
-[[noreturn]] void stop_pruning(const char* step, const std::string& path, int error);
+/// If `error` is an errno, and not 0, ends the program through gripe: it could not `step` the file.
+/// The token stays, and the message says what that means.
+void stop_on(int error, const char* step, const std::string& path);
 /// Stops the pruning unless the system call has done what it was to do; the reason is in errno.
 void must(bool done, const char* step, const std::string& path);
 
@@ -67,5 +67,5 @@ void read_pieces(int file, const std::string& path, off_t from, off_t to, const 
         if (progress != nullptr) progress->advance(static_cast<off_t>(piece.size()));
     }
     if (progress != nullptr) progress->wipe();
-    if (reader.error() != 0) stop_pruning("read", path, reader.error());
+    stop_on(reader.error(), "read", path);
 }

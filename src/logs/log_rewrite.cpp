@@ -56,7 +56,7 @@ class NewText {
     void add(std::string_view text) {
         const int error = write_all(file_.get(), text);
         if (error != 0) progress_->wipe();
-        if (error != 0) stop_pruning("write", path_, error);
+        stop_on(error, "write", path_);
         size_ += static_cast<off_t>(text.size());
         if (size_ - on_its_way_ >= WRITE_BACK_SIZE) {
             // Only to make the sync shorter, so it may fail.
@@ -71,8 +71,7 @@ class NewText {
         carry_over_identity(old_file, file_.get());
         must(fchmod(file_.get(), 0666) == 0, "make public", path_);
         must(fsync(file_.get()) == 0, "sync", path_);
-        errno = file_.close();
-        must(errno == 0, "close", path_);
+        stop_on(file_.close(), "close", path_);
         Descriptor log(open(path_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
         must(static_cast<bool>(log), "open", path_);
         flock(log.get(), LOCK_EX | LOCK_NB);
@@ -183,8 +182,7 @@ std::string rewrite_log(const std::string& log, const std::string& scratch, bool
         error = put_in_place(scratch, log, old_log.get(), old_file.path());
         if (error != 0) remove_temporary_file(scratch);
         if (is_refusal(error)) return std::strerror(error);
-        errno = error == 0 ? sync_directory_of(log) : error;
-        must(errno == 0, "replace", log);
+        stop_on(error == 0 ? sync_directory_of(log) : error, "replace", log);
         add_left_over(&old_file, {log, new_log.get()}, &counted, deadline);
         if (!old_file.stays.empty()) left_overs->push_back(old_file);
     }

@@ -69,7 +69,6 @@ class Pruning {
     void lock(int file) const;
     Log find_log(int number);
     void add_left_overs(Log* log, KeptRecords* records, Moment deadline);
-    void rewrite(Log* log, Moment deadline, Progress* progress);
     void rewrite_logs(Moment deadline);
     void merge_companions();
     bool take_companion_of(Log* log);
@@ -179,16 +178,14 @@ void Pruning::rewrite_logs(Moment deadline) {
     off_t bytes = 0;
     for (const Log& log : found_) bytes += log.file.size;
     Progress progress(bytes);
-    for (Log& log : found_) rewrite(&log, deadline, &progress);
-}
-
-void Pruning::rewrite(Log* log, Moment deadline, Progress* progress) {
-    const Place& place = log->file;
-    if (!place.reason.empty()) return;
-    const bool is_linked = log->scratch.starts_with(place.path);
-    const std::string reason = rewrite_log(place.path, log->scratch, is_linked, &records_, deadline,
-                                           &log->left_overs, progress);
-    if (!reason.empty()) tell(filled(LOG_LEFT_ALONE, place.path.c_str(), reason.c_str()));
+    for (Log& log : found_) {
+        const std::string& path = log.file.path;
+        if (!log.file.reason.empty()) continue;
+        const bool is_linked = log.scratch.starts_with(path);
+        const std::string reason = rewrite_log(path, log.scratch, is_linked, &records_, deadline,
+                                               &log.left_overs, &progress);
+        if (!reason.empty()) tell(filled(LOG_LEFT_ALONE, path.c_str(), reason.c_str()));
+    }
 }
 
 /// Adds to the logs what has come into companions.
