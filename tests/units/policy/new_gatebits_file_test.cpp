@@ -113,12 +113,12 @@ TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
 }
 
 TEST_F(NewGatebitsFile, SourceThatSomebodyRewritesIsCopiedWhenThatIsDone) {
-    write("source.txt", "half");
+    directory.write("source.txt", "half");
     Descriptor theirs(open(path("source.txt").c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
     std::thread rewriter([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        write("source.txt", "whole\n");
+        directory.write("source.txt", "whole\n");
         theirs.close();
     });
     EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), "whole\n");
