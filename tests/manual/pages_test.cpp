@@ -187,7 +187,7 @@ TEST(ManualPage, HoldsTheExitStatuses) {
 TEST(ManualPage, SaysWhyThePolicyFileMustBeTrusted) {
     const Lines security = section("gatescope.1", "SECURITY CONSIDERATIONS");
     EXPECT_EQ(operands(security, ".Ss "),
-              (std::vector<std::string>{"What counts_as the shell",
+              (std::vector<std::string>{"What reaches the shell",
                                         "Why the policy file must be trusted", "Strict quoting"}));
 }
 
