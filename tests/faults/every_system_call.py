@@ -565,7 +565,8 @@ def learn(gatescope, name, edit, stage, root):
     """The calls of an undisturbed run, and its result as a function of the stage."""
     set_the_stage(stage, edit)
     old = edit.state(stage)
-    trace = os.path.join(root, "trace")
+    # One of its own: the next kind may be run by somebody else.
+    trace = os.path.join(root, "trace_of_" + name)
     run = Run(gatescope, edit, stage, trace=trace)
     edit.asked = run.asked
     new = edit.state(stage)
