@@ -6,8 +6,11 @@
 
 namespace {
 
+// g++ says by the one that it builds for the sanitizer, clang by the other.
 #if defined(__SANITIZE_ADDRESS__)
 constexpr bool LIMITS_WORK = false;
+#elif defined(__has_feature)
+constexpr bool LIMITS_WORK = !__has_feature(address_sanitizer);
 #else
 constexpr bool LIMITS_WORK = true;
 #endif
