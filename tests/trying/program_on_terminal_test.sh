@@ -94,6 +94,15 @@ interrupt_key_works() {
     [[ $(stty -a -F "$(tmux_does display-message -p '#{pane_tty}')") == *'intr = ^C;'* ]]
 }
 eventually interrupt_key_works || failed "the terminal has no interrupt key"
+# A box that is ended while it is still drawn leaves what was on its way to the terminal.
+# shellcheck disable=SC2317 # called by its name
+screen_rests() {
+    local before
+    before=$(screen)
+    sleep 0.3
+    [[ $(screen) == "$before" ]]
+}
+eventually screen_rests || failed "the screen does not come to rest"
 keys C-c
 eventually not_on_screen 'A27 - Copy' || failed "the box stays on the screen: $(screen)"
 appears 'ready>'
