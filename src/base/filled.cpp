@@ -1,22 +1,27 @@
 #include "base/filled.h"
 
-#include <cstdarg>
 #include <cstdio>
 
-std::string filled(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
+std::string filled_whole(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
     const int length = std::vsnprintf(nullptr, 0, format, arguments);
-    va_end(arguments);
     std::string text;
     if (length > 0) {
         text.resize(static_cast<std::size_t>(length) + 1);
         std::vsnprintf(text.data(), text.size(), format, again);
-        text.resize(c_text(text).size());
+        text.pop_back();
     }
     va_end(again);
+    return text;
+}
+
+std::string filled(const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = filled_whole(format, arguments);
+    va_end(arguments);
+    text.resize(c_text(text).size());
     return text;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdarg>
 #include <string>
 #include <string_view>
 
@@ -7,6 +8,9 @@
 /// stand, as when %c is filled with the first character of an empty field; what the template
 /// holds after it is lost, and callers rely on that.
 [[gnu::format(printf, 1, 2)]] std::string filled(const char* format, ...);
+
+/// The same with the arguments of a caller, and with all that stands after a NUL.
+[[gnu::format(printf, 1, 0)]] std::string filled_whole(const char* format, va_list arguments);
 
 /// `bytes` up to its first NUL.
 std::string_view c_text(std::string_view bytes);

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "messages/log_texts.h"
+#include "messages/startup_texts.h"
 
 namespace {
 

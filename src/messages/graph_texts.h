@@ -6,7 +6,6 @@
 inline constexpr char CANNOT_OPEN_PAGE[] = "Could not create/open results file (%s)\n";
 /// Path, reason; for standard error.
 inline constexpr char PATH_AND_REASON[] = "%s: %s";
-inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
 /// Path, reason, state.
 inline constexpr char CANNOT_WRITE_PAGE[] =
     "ERROR: The results file (%s) could not be written (%s).  %s\n";

@@ -8,7 +8,6 @@ inline constexpr char LOG_READ_FAILURE[] =
 
 /// On standard error. File, why it could not be opened.
 inline constexpr char LOG_LEFT_OUT[] = "gatescope: the log file (%s) was left out: %s\n";
-inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
 
 /// On a terminal, while logs are read or pruned. Megabytes done, megabytes of all, seconds left.
 inline constexpr char PROGRESS_LINE[] = "%lld of %lld MB, %.0f s left";

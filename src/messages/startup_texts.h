@@ -43,3 +43,5 @@ inline constexpr char FILE_IS_NEW[] =
 inline constexpr char LOCKED_BY_ANOTHER[] =
     "another process has held its lock for more than %d seconds";
 inline constexpr char IS_NO_REGULAR_FILE[] = "it is not a regular file";
+/// The reason alone, of a log or page.
+inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";

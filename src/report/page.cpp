@@ -1,7 +1,6 @@
 #include "report/page.h"
 
 #include <cstdarg>
-#include <cstdio>
 #include <utility>
 
 #include "base/filled.h"
@@ -36,17 +35,8 @@ Page::Page(std::string graph_title) : graph_title_(std::move(graph_title)) {}
 void Page::print(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    va_list again;
-    va_copy(again, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, arguments);
+    text_ += filled_whole(format, arguments);
     va_end(arguments);
-    if (length > 0) {
-        const std::size_t before = text_.size();
-        text_.resize(before + static_cast<std::size_t>(length) + 1);
-        std::vsnprintf(&text_[before], static_cast<std::size_t>(length) + 1, format, again);
-        text_.pop_back();
-    }
-    va_end(again);
 }
 
 void Page::print_block_to_file__header() {

@@ -16,6 +16,7 @@
 #include "base/standard_streams.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"
+#include "messages/startup_texts.h"
 
 namespace {
 
