@@ -8,11 +8,11 @@
 #include <cerrno>
 #include <climits>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 #include "base/filled.h"
 #include "dialog/messages.h"
-#include "logs/moments.h"
 #include "messages/log_texts.h"
 
 namespace {
@@ -21,6 +21,8 @@ namespace {
 constexpr std::size_t MOST_LINKS = 40;
 
 constexpr mode_t PUBLIC = 0666;
+
+constexpr std::chrono::milliseconds PAUSE(5);
 
 /// Where the link at `path` leads; empty, with errno set, when it cannot be read.
 std::string target_of(const std::string& path) {
@@ -79,8 +81,7 @@ Place behind_links(const std::string& path) {
     return place;
 }
 
-Descriptor open_locked(const std::string& path, std::string* reason) {
-    const Moment deadline = when_writers_have_written();
+Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason) {
     while (true) {
         Descriptor log = open_log(path, reason);
         if (!log) return log;
@@ -89,7 +90,7 @@ Descriptor open_locked(const std::string& path, std::string* reason) {
         // Who had it locked may have put another file in its place.
         if (locked && is_name_of(path, log.get())) return log;
         if (std::chrono::steady_clock::now() >= deadline) break;
-        short_pause();
+        std::this_thread::sleep_for(PAUSE);
     }
     *reason = LOG_IS_LOCKED;
     return Descriptor();

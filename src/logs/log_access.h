@@ -9,6 +9,7 @@
 #include "base/descriptor.h"
 #include "logs/log_reader.h"
 #include "logs/progress.h"
+#include "logs/settling.h"
 
 // How a pruning comes to the files that it works on, and how it stops.
 
@@ -45,8 +46,9 @@ struct Place {
 Place behind_links(const std::string& path);
 
 /// Opens a log for reading and keeps other prunings of it out, of regions whose links lead to it
-/// too. Nothing is open when that fails; `*reason` says why, and is empty when there is no log.
-Descriptor open_locked(const std::string& path, std::string* reason);
+/// too; one that is at work is waited for until `deadline`. Nothing is open when that fails;
+/// `*reason` says why, and is empty when there is no log.
+Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason);
 
 /// Makes the open log readable and writable for all, unless it has other names, which are not
 /// ours. False when it has another owner, who has not done it.

@@ -161,7 +161,7 @@ std::string rewrite_log(const std::string& log, const std::string& scratch, bool
                         KeptRecords* records, Moment deadline, std::vector<LeftOver>* left_overs,
                         Progress* progress) {
     std::string reason;
-    const Descriptor old_log = open_locked(log, &reason);
+    const Descriptor old_log = open_locked(log, deadline, &reason);
     if (!old_log) return reason;
     unlink(scratch.c_str());
     const Settled settled = settle(old_log.get(), deadline);

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <thread>
 #include <vector>
 
 #include "base/filled.h"
@@ -53,9 +54,10 @@ void make_log(const std::string& path) {
 
 class Pruning {
   public:
-    Pruning(const LogsToPrune& logs, int days)
+    Pruning(const LogsToPrune& logs, int days, const Patience& patience)
         : logs_(logs),
           days_(days),
+          patience_(patience),
           cut_off_(set_time_values(days).start_of_period_time),
           token_path_(pruning_token_path(logs.directory)),
           records_(cut_off_),
@@ -64,6 +66,7 @@ class Pruning {
     void run();
 
   private:
+    void short_pause() const { std::this_thread::sleep_for(patience_.pause); }
     void put_up_token();
     void take_down_token();
     void lock(int file) const;
@@ -78,6 +81,7 @@ class Pruning {
 
     const LogsToPrune& logs_;
     const int days_;
+    const Patience patience_;
     const std::int64_t cut_off_;
     const std::string token_path_;
     Descriptor directory_;
@@ -93,7 +97,7 @@ class Pruning {
 void Pruning::run() {
     put_up_token();
     short_pause();
-    const Moment deadline = when_writers_have_written();
+    const Moment deadline = patience_.deadline();
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
     for (Log& log : found_) add_left_overs(&log, &recovered_, deadline);
     rewrite_logs(deadline);
@@ -157,10 +161,10 @@ void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
     if (left_overs.empty()) return;
     std::string reason = log->file.reason;
     Descriptor file;
-    if (reason.empty()) file = open_locked(log->file.path, &reason);
+    if (reason.empty()) file = open_locked(log->file.path, deadline, &reason);
     if (!file && reason.empty()) {
         make_log(log->file.path);
-        file = open_locked(log->file.path, &reason);
+        file = open_locked(log->file.path, deadline, &reason);
     }
     for (LeftOver& left_over : left_overs) left_over.stays = reason;
     if (!file) return;
@@ -194,7 +198,7 @@ void Pruning::merge_companions() {
     for (Log& log : found_) taken |= take_companion_of(&log);
     if (taken) short_pause();
     // Whoever has opened one did so before it was taken.
-    const Moment deadline = when_writers_have_written();
+    const Moment deadline = patience_.deadline();
     for (Log& log : found_) add_left_overs(&log, &records_, deadline);
 }
 
@@ -249,6 +253,6 @@ void Pruning::tell_result() {
 
 }  // namespace
 
-void prune_logging_files(const LogsToPrune& logs, std::uint8_t days) {
-    Pruning(logs, days).run();
+void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience) {
+    Pruning(logs, days, patience).run();
 }

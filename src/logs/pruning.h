@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#include "logs/settling.h"
+
 /// A region's logs, as its pruning needs to know them.
 struct LogsToPrune {
     /// Where they are, without a delimiter at its end.
@@ -15,9 +17,9 @@ struct LogsToPrune {
 
 /// Removes from the logs every record older than `days` days before the end of today, merges the
 /// companion files back and tells the operator how many records went, and which logs were left
-/// alone, and why.
+/// alone, and why. Log writers are waited for with `patience`.
 ///
 /// A failure ends the program through gripe, and leaves the token behind. SIGINT, SIGTERM and
 /// SIGHUP take the scratch file and the token away. Whatever it is ended by, no retained record is
 /// lost, and the next pruning puts all in order; left_overs.h says how.
-void prune_logging_files(const LogsToPrune& logs, std::uint8_t days);
+void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience = {});

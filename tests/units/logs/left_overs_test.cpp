@@ -94,6 +94,7 @@ TEST_F(LeftOvers, TheyMakeALogThatIsMissing) {
 
 TEST_F(LeftOvers, ThoseWithNothingToAddNeedNoPermission) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
     write_log(0, old(1) + fresh(1));
     make_left_over(log_file_path(0), size_of(fresh(1)), fresh(1));
@@ -127,6 +128,7 @@ TEST_F(LeftOvers, FilesWithOtherNamesAreSomebodyElses) {
 
 TEST_F(LeftOvers, ACompanionKeptOpenIsAddedAndDoesNotShieldItsLog) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1) + fresh(1));
     write_file(pruning_companion_path(3), fresh(2) + old(2));
     const SlowWriter writer(pruning_companion_path(3));
@@ -155,9 +157,10 @@ TEST_F(LeftOvers, WhereTheSystemDoesNotTellACompanionIsWaitedForFromItsTakingOn)
         ASSERT_EQ(chmod(path.c_str(), 0666), 0);
     }
     const SlowWriter writer(pruning_companion_path(3));
+    patience.latest_writer = std::chrono::seconds(1);
     // The log has been waited for by then.
     const Later record([&] {
-        usleep(2'600'000);
+        usleep(1'400'000);
         writer.write(fresh(3));
         writer.end();
     });

@@ -117,6 +117,7 @@ TEST_F(LogsLeftAlone, AFileUnderAnotherNameDoesNotBecomePublic) {
 
 TEST_F(LogsLeftAlone, LogsOfOthersAreReplacedToo) {
     if (!is_root()) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1) + fresh(1));
     give(log_file_path(3), SOMEBODY_ELSE);
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
@@ -129,6 +130,7 @@ TEST_F(LogsLeftAlone, LogsOfOthersAreReplacedToo) {
 
 TEST_F(LogsLeftAlone, ALogThatIsItsOwnersOnlyBecomesEverybodys) {
     if (!is_root()) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     write_log(3, fresh(1));
     write_file(pruning_companion_path(3), fresh(2));
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
@@ -139,6 +141,7 @@ TEST_F(LogsLeftAlone, ALogThatIsItsOwnersOnlyBecomesEverybodys) {
 
 TEST_F(LogsLeftAlone, InAStickyDirectoryTheLogsOfOthersStayAndTheRestIsDone) {
     if (!is_root()) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     ASSERT_EQ(chmod(logging_dir.c_str(), 01777), 0);
     for (const int number : {3, 4}) {
         write_log(number, old(1) + fresh(1));
@@ -153,6 +156,7 @@ TEST_F(LogsLeftAlone, InAStickyDirectoryTheLogsOfOthersStayAndTheRestIsDone) {
 
 TEST_F(LogsLeftAlone, InADirectoryWithoutPermissionTheyStayAndTheRestIsDone) {
     if (!is_root()) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
     write_file(elsewhere("real.txt"), old(1) + fresh(1));
     ASSERT_EQ(chmod(elsewhere("real.txt").c_str(), 0666), 0);
@@ -170,6 +174,7 @@ TEST_F(LogsLeftAlone, InADirectoryWithoutPermissionTheyStayAndTheRestIsDone) {
 
 TEST_F(LogsLeftAlone, ALogThatCannotBeReadIsNamed) {
     if (!is_root()) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
     write_log(3, old(1));
     ASSERT_EQ(chmod(log_file_path(3).c_str(), 0600), 0);
@@ -188,6 +193,7 @@ TEST_F(LogsLeftAlone, WhoIsLeftAloneIsNamedOnStandardErrorToo) {
 
 TEST_F(LogsLeftAlone, ALogThatSomebodyKeepsOpenStaysAsItIs) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1) + fresh(1));
     write_log(4, old(1) + fresh(1));
     write_file(pruning_companion_path(3), fresh(2));
@@ -204,6 +210,7 @@ TEST_F(LogsLeftAlone, ALogThatSomebodyKeepsOpenStaysAsItIs) {
 
 TEST_F(LogsLeftAlone, ARecordThatStaysHalfWrittenIsNotTorn) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1));
     write_file(pruning_companion_path(3), fresh(2));
     const SlowWriter writer(log_file_path(3));
@@ -281,6 +288,7 @@ TEST_F(LogsLeftAlone, ScratchFilesOfLinkedLogsAreTheirOwn) {
 }
 
 TEST_F(LogsLeftAlone, ALogThatAnotherPruningWorksOnIsItsOwn) {
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1) + fresh(1));
     const int other = open(log_file_path(3).c_str(), O_RDONLY);
     ASSERT_EQ(flock(other, LOCK_EX), 0);

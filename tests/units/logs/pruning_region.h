@@ -16,8 +16,18 @@ namespace fs = std::filesystem;
 
 class Pruning : public LogRegion {
   protected:
+    void SetUp() override {
+        LogRegion::SetUp();
+        patience = {};
+    }
+
+    static inline Patience patience;
+    /// Where somebody keeps a file open anyhow, or the system does not tell whether.
+    static constexpr Patience LITTLE_PATIENCE = {std::chrono::milliseconds(50)};
+
     static void prune(int days = 120, bool display = false) {
-        prune_logging_files({logging_dir, "east", display}, static_cast<std::uint8_t>(days));
+        prune_logging_files({logging_dir, "east", display}, static_cast<std::uint8_t>(days),
+                            patience);
     }
     static std::string said_by_pruning(int days = 120, bool display = false) {
         testing::internal::CaptureStdout();

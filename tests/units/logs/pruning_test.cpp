@@ -142,6 +142,7 @@ TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
 
 TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = LITTLE_PATIENCE;
     write_log(3, old(1));
     write_file(pruning_companion_path(3), fresh(0));
     const SlowWriter writer(log_file_path(3));
