@@ -11,22 +11,22 @@ void A_1(const RegionSettings& region, bool display);
 /// Shows the view/change submenu and runs what is picked there; says which menu comes next.
 void A_2(Run& run);
 /// Aliases: add, delete a definition, delete references, update. The tables are filled anew first.
-LastAnswer A_17(Aliases& aliases);
-LastAnswer A_18(Aliases& aliases);
-LastAnswer A_19(Aliases& aliases);
-LastAnswer A_20(Aliases& aliases);
+LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases);
+LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases);
+LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases);
+LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases);
 /// Command keys: view, change or delete; add.
-LastAnswer A_21(int edition);
-LastAnswer A_22();
+LastAnswer A_21(const std::string& gatebits_file, int edition);
+LastAnswer A_22(const std::string& gatebits_file);
 /// Runs the checker over the gatebits file and lets it report; a failure is told unless the
 /// installer runs.
 void A_23(RegionSettings& region, bool during_install);
 /// The tool's own settings; the region's are loaded again after a change.
 void A_24(RegionSettings& region);
 /// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.
-int A_25(Run& run);
+int A_25(RegionSettings& region);
 int A_26(Run& run);
-int A_27(Run& run);
+int A_27(RegionSettings& region);
 /// Guided walks through the important, and through all, fields.
 void A_28(Run& run);
 void A_29(Run& run);

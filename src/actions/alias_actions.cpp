@@ -48,9 +48,10 @@ std::string alias_list(const Aliases& aliases,
 }
 
 /// Loads the tables; tells the operator when there is nothing in them.
-bool there_are_aliases(Aliases* aliases) {
+bool there_are_aliases(const std::string& gatebits_file, Aliases* aliases) {
     // The count outlives the last alias, but its name does not.
-    if (build_alias_list(aliases) != 0 && !aliases->ALIAS_NAME[0].empty()) return true;
+    if (build_alias_list(gatebits_file, aliases) != 0 && !aliases->ALIAS_NAME[0].empty())
+        return true;
     advise_wait(NO_ALIASES);
     return false;
 }
@@ -96,8 +97,8 @@ std::optional<std::string> prompt_for_name(const Aliases& others) {
 
 }  // namespace
 
-LastAnswer A_17(Aliases& aliases) {
-    if (build_alias_list(&aliases) >= MAX_ALIASES) {
+LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
+    if (build_alias_list(gatebits_file, &aliases) >= MAX_ALIASES) {
         advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
         return {};
     }
@@ -110,28 +111,32 @@ LastAnswer A_17(Aliases& aliases) {
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result = add_change_remove_an_alias(ADD_ALIAS, *name, *value, aliases);
-            if (written_or_told(result)) add_confirmed_alias(line);
+            const auto result =
+                add_change_remove_an_alias(gatebits_file, ADD_ALIAS, *name, *value, aliases);
+            if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
             return {value, result};
         }
         return value;
     }
 }
 
-LastAnswer A_18(Aliases& aliases) {
-    if (!there_are_aliases(&aliases)) return {};
+LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
+    if (!there_are_aliases(gatebits_file, &aliases)) return {};
     const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
     if (!pick) return UNANSWERED;
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
+    const auto remove = [&](const char* references) {
+        written_or_told(
+            add_change_remove_an_alias(gatebits_file, REMOVE_ALIAS, name, references, aliases),
+            gatebits_file);
+    };
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
         case YES:
-            written_or_told(
-                add_change_remove_an_alias(REMOVE_ALIAS, name, REFERENCES_TOO, aliases));
+            remove(REFERENCES_TOO);
             break;
         case NO:
-            written_or_told(
-                add_change_remove_an_alias(REMOVE_ALIAS, name, DEFINITION_ONLY, aliases));
+            remove(DEFINITION_ONLY);
             break;
         default:
             break;
@@ -139,20 +144,21 @@ LastAnswer A_18(Aliases& aliases) {
     return pick;
 }
 
-LastAnswer A_19(Aliases& aliases) {
-    if (!there_are_aliases(&aliases)) return {};
+LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
+    if (!there_are_aliases(gatebits_file, &aliases)) return {};
     const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(aliases, reference_entry));
     if (!pick) return UNANSWERED;
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
     if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), "yes", "yes,abort") == YES) {
-        add_change_remove_an_alias(REMOVE_ALIAS_REFERENCES, reference, DEFINITION_ONLY, aliases);
+        add_change_remove_an_alias(gatebits_file, REMOVE_ALIAS_REFERENCES, reference,
+                                   DEFINITION_ONLY, aliases);
     }
     return pick;
 }
 
-LastAnswer A_20(Aliases& aliases) {
-    if (!there_are_aliases(&aliases)) return {};
+LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
+    if (!there_are_aliases(gatebits_file, &aliases)) return {};
     while (the_sun_rises) {
         const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
         if (!pick) return UNANSWERED;
@@ -164,9 +170,9 @@ LastAnswer A_20(Aliases& aliases) {
         const Consent consent = confirm_change(change);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result =
-                add_change_remove_an_alias(CHANGE_ALIAS, picked.name, *value, aliases);
-            if (written_or_told(result)) change_confirmed(change);
+            const auto result = add_change_remove_an_alias(gatebits_file, CHANGE_ALIAS, picked.name,
+                                                           *value, aliases);
+            if (written_or_told(result, gatebits_file)) change_confirmed(change);
             return {value, result};
         }
         return value;

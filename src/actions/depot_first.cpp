@@ -24,10 +24,11 @@ std::string question_about(const std::string& depot, const char* entry, const st
 
 }  // namespace
 
-std::string depot_of(const std::string& os) {
-    return field_or_empty(DEPOT_LINE, os == WINDOWS_OS ? 1 : 2);
+std::string depot_of(const std::string& gatebits_file, const std::string& os) {
+    return field_or_empty(gatebits_file, DEPOT_LINE, os == WINDOWS_OS ? 1 : 2);
 }
 
-std::string why_depot_comes_first(const std::string& entry, const std::string& os) {
-    return question_about(depot_of(os), entry.c_str(), os);
+std::string why_depot_comes_first(const std::string& gatebits_file, const std::string& entry,
+                                  const std::string& os) {
+    return question_about(depot_of(gatebits_file, os), entry.c_str(), os);
 }

@@ -49,8 +49,8 @@ const FieldEditor* path_field(int number) {
 }
 
 /// 1 when the path holds, or cannot be tested from here; else 0.
-int path_holds(const FieldEditor& field) {
-    const std::string path = field_or_empty(field.line, field.field);
+int path_holds(const std::string& gatebits_file, const FieldEditor& field) {
+    const std::string path = field_or_empty(gatebits_file, field.line, field.field);
     if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return 1;
     struct stat status;
     return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) ? 1 : 0;
@@ -108,13 +108,17 @@ Guarded A_X(Run& run, int n) {
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     LastAnswer last_answer;
     for (int times_unchanged = 0;; before = look_before(&run.region)) {
-        const std::string bytes = read_gatebits_bytes();
+        const std::string bytes = read_gatebits_bytes(run.region.ENTERPRIZE_PERMISSION_FILE);
         // A run without a dialog leaves the answer of the run before.
         if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
         // Nothing was entered that another value could take the place of.
         if (last_answer.changed_meanwhile) return {0, last_answer};
-        times_unchanged = read_gatebits_bytes() != bytes ? 0 : times_unchanged + 1;
-        if (const FieldEditor* field = path_field(n)) return {path_holds(*field), last_answer};
+        times_unchanged = read_gatebits_bytes(run.region.ENTERPRIZE_PERMISSION_FILE) != bytes
+                              ? 0
+                              : times_unchanged + 1;
+        if (const FieldEditor* field = path_field(n)) {
+            return {path_holds(run.region.ENTERPRIZE_PERMISSION_FILE, *field), last_answer};
+        }
 
         const auto after =
             perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &run.region);

@@ -11,11 +11,12 @@
 namespace {
 
 /// All that the new value changes, in one write.
-std::vector<FieldChange> changes_of(const FieldEditor& editor, const std::string& stored,
-                                    const std::string& value) {
+std::vector<FieldChange> changes_of(const std::string& gatebits_file, const FieldEditor& editor,
+                                    const std::string& stored, const std::string& value) {
     std::vector<FieldChange> changes = {{editor.line, editor.field, value, stored}};
     if (editor.kind->further_changes != nullptr) {
-        for (const FieldChange& change : editor.kind->further_changes(editor, value)) {
+        for (const FieldChange& change :
+             editor.kind->further_changes(gatebits_file, editor, value)) {
             changes.push_back(change);
         }
     }
@@ -24,16 +25,21 @@ std::vector<FieldChange> changes_of(const FieldEditor& editor, const std::string
 
 ChangeResult write_and_report(const FieldEditor& editor, const Change& change,
                               const std::vector<FieldChange>& changes, RegionSettings* region) {
-    const ChangeResult result = set_fields(changes);
-    if (!field_written_or_told(result, change.item, editor.line, editor.field)) return result;
+    const ChangeResult result = set_fields(region->ENTERPRIZE_PERMISSION_FILE, changes);
+    if (!field_written_or_told(result, region->ENTERPRIZE_PERMISSION_FILE, change.item, editor.line,
+                               editor.field)) {
+        return result;
+    }
     change_confirmed(change);
-    if (editor.kind->changes_settings) *region = interrogate_the_enterprise(region->tools);
+    if (editor.kind->changes_settings)
+        *region = interrogate_the_enterprise(region->ENTERPRIZE_PERMISSION_FILE, region->tools);
     return result;
 }
 
-std::string warnings_of(const FieldEditor& editor, const Change& change) {
+std::string warnings_of(const std::string& gatebits_file, const FieldEditor& editor,
+                        const Change& change) {
     if (editor.warnings == nullptr) return "";
-    return editor.warnings({change.item, editor.subject, editor.field, change.to});
+    return editor.warnings(gatebits_file, {change.item, editor.subject, editor.field, change.to});
 }
 
 /// Whether the depot is there that a field cannot do without.
@@ -47,17 +53,20 @@ struct DepotNeeded {
 /// Lets the operator define the depot of `os` where `entry` needs it.
 DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os,
                                        RegionSettings* region) {
-    const std::string question = why_depot_comes_first(entry, os);
+    const std::string question =
+        why_depot_comes_first(region->ENTERPRIZE_PERMISSION_FILE, entry, os);
     if (question.empty()) return {DepotFirst::IS_THERE, std::nullopt};
     if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, std::nullopt};
     const Edit edit = view_change_depot(os, region);
-    const bool defined = edit.ended == Edited::WRITTEN && !depot_of(os).empty();
+    const bool defined =
+        edit.ended == Edited::WRITTEN && !depot_of(region->ENTERPRIZE_PERMISSION_FILE, os).empty();
     return {defined ? DepotFirst::NOW_DEFINED : DepotFirst::MISSING, edit.last_answer};
 }
 
 /// The loop of all editors: read, ask, confirm, write, report.
 Edit edit(const FieldEditor& editor, RegionSettings* region) {
     const FieldKind& kind = *editor.kind;
+    const std::string gatebits_file = region->ENTERPRIZE_PERMISSION_FILE;
     std::string back_to;
     if (kind.depot_entry != nullptr) {
         const DepotNeeded needed =
@@ -66,16 +75,17 @@ Edit edit(const FieldEditor& editor, RegionSettings* region) {
         if (needed.depot == DepotFirst::NOW_DEFINED) back_to = kind.back_to;
     }
     while (the_sun_rises) {
-        const std::string stored = field_or_empty(editor.line, editor.field);
+        const std::string stored = field_or_empty(gatebits_file, editor.line, editor.field);
         const std::string current = kind.part_shown == nullptr ? stored : kind.part_shown(stored);
         const Entered entered =
-            kind.ask_for(editor, kind.question(editor, current, back_to), current);
+            kind.ask_for(gatebits_file, editor, kind.question(editor, current, back_to), current);
         back_to.clear();
         if (!entered.value) return {Edited::LEFT, entered.last_answer};
         const Change change = {kind.field_name(editor), current, *entered.value};
         // Made up before the question, so that what it shows cannot be newer.
-        const std::vector<FieldChange> changes = changes_of(editor, stored, change.to);
-        const Consent consent = confirm_change(change, warnings_of(editor, change));
+        const std::vector<FieldChange> changes =
+            changes_of(gatebits_file, editor, stored, change.to);
+        const Consent consent = confirm_change(change, warnings_of(gatebits_file, editor, change));
         if (consent == DECLINED) continue;
         if (consent != CONFIRMED) return {Edited::LEFT, entered.last_answer};
         const ChangeResult result = write_and_report(editor, change, changes, region);

@@ -14,13 +14,13 @@ namespace {
 
 /// The validator's message takes the prompt's place until a value passes; what is already there
 /// to be edited stays the field's value.
-Entered typed_value(const FieldEditor& editor, const std::string& question,
-                    const std::string& current) {
+Entered typed_value(const std::string& gatebits_file, const FieldEditor& editor,
+                    const std::string& question, const std::string& current) {
     std::string text = question;
     std::string last_answer;
     while (const auto value = prompt(text, current)) {
         last_answer = *value;
-        const Validity validity = editor.kind->is_ok(*value, editor.subject);
+        const Validity validity = editor.kind->is_ok(*value, editor.subject, gatebits_file);
         if (validity.accepted()) return {value, last_answer};
         text = validity.message();
     }
@@ -28,16 +28,17 @@ Entered typed_value(const FieldEditor& editor, const std::string& question,
 }
 
 /// A cleared depot takes with it what stands on it.
-std::vector<FieldChange> changes_with_depot(const FieldEditor& depot, const std::string& value) {
+std::vector<FieldChange> changes_with_depot(const std::string& gatebits_file,
+                                            const FieldEditor& depot, const std::string& value) {
     if (!value.empty()) return {};
-    const auto to = [](int line, int field, const std::string& new_value) {
-        return FieldChange{line, field, new_value, field_or_empty(line, field)};
+    const auto to = [&](int line, int field, const std::string& new_value) {
+        return FieldChange{line, field, new_value, field_or_empty(gatebits_file, line, field)};
     };
     std::vector<FieldChange> changes = {to(PARENT_LINE, depot.field, ""),
                                         to(NOTIFY_LINE, depot.field, "")};
     std::string other_depot;
     const int other_field = depot.field == 1 ? 2 : 1;
-    if (get_a_field(DEPOT_LINE, other_field, &other_depot) == 0) return changes;
+    if (get_a_field(gatebits_file, DEPOT_LINE, other_field, &other_depot) == 0) return changes;
     // It stays as it is, but logging depends on it.
     changes.push_back({DEPOT_LINE, other_field, other_depot, other_depot});
     if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, 3, LOGGING_WHEN_EMPTY));
@@ -50,7 +51,8 @@ constexpr FieldKind DEPOT = {
             return filled(DEPOT_PROMPT, editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = region_depot_is_ok,
+    .is_ok = [](const std::string& value, const std::string& os,
+                const std::string&) { return region_depot_is_ok(value, os); },
     .field_name =
         [](const FieldEditor& editor) { return filled(DEPOT_FIELD_NAME, editor.subject); },
     .further_changes = changes_with_depot,
@@ -63,7 +65,8 @@ constexpr FieldKind PARENT = {
             return filled(PARENT_PROMPT, back_to.c_str(), editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = region_parent_is_ok,
+    .is_ok = [](const std::string& value, const std::string& os,
+                const std::string&) { return region_parent_is_ok(value, os); },
     .names_a_path = true,
     .field_name =
         [](const FieldEditor& editor) { return filled(PARENT_FIELD_NAME, editor.subject); },
@@ -91,7 +94,8 @@ constexpr FieldKind LIST = {
             return filled(LIST_PROMPT, editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&) { return region_list_is_ok(value); },
+    .is_ok = [](const std::string& value, const std::string&,
+                const std::string&) { return region_list_is_ok(value); },
     .field_name = [](const FieldEditor& editor) { return filled(LIST_FIELD_NAME, editor.subject); },
 };
 
@@ -99,7 +103,8 @@ constexpr FieldKind MOTD = {
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_PROMPT, editor.example); },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&) { return region_MOTD_is_ok(value); },
+    .is_ok = [](const std::string& value, const std::string&,
+                const std::string&) { return region_MOTD_is_ok(value); },
     .field_name = [](const FieldEditor&) { return std::string(MOTD_FIELD_NAME); },
 };
 
@@ -107,13 +112,15 @@ constexpr FieldKind MOTD_LIST = {
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_LIST_PROMPT, editor.example); },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&) { return region_MOTDL_is_ok(value); },
+    .is_ok = [](const std::string& value, const std::string&,
+                const std::string&) { return region_MOTDL_is_ok(value); },
     .field_name = [](const FieldEditor&) { return std::string(MOTD_LIST_FIELD_NAME); },
 };
 
 // Picked letters.
 
-Entered picked_letter(const FieldEditor& editor, const std::string& title, const std::string&) {
+Entered picked_letter(const std::string& /*gatebits_file*/, const FieldEditor& editor,
+                      const std::string& title, const std::string&) {
     const auto pick = pick_one(title, editor.example);
     if (!pick) return {};
     return {pick->substr(0, 1), *pick};
@@ -143,7 +150,8 @@ constexpr FieldKind PER_VOB = {
 
 // Picked bits.
 
-Entered picked_bits(const FieldEditor&, const std::string& title, const std::string& current) {
+Entered picked_bits(const std::string& /*gatebits_file*/, const FieldEditor&,
+                    const std::string& title, const std::string& current) {
     const auto picks = make_selection(title, bit_entries(bit_state(current)), MULTIPLE_CHOICE);
     if (!picks) return {};
     return {state_with_only(*picks), *picks};

@@ -30,10 +30,11 @@ struct FieldKind {
     std::string (*question)(const FieldEditor& editor, const std::string& current,
                             const std::string& back_to);
     /// Gets the new value from the operator.
-    Entered (*ask_for)(const FieldEditor& editor, const std::string& question,
-                       const std::string& current);
-    /// Typed values: whether the value may stand in the field.
-    Validity (*is_ok)(const std::string& value, const std::string& os) = nullptr;
+    Entered (*ask_for)(const std::string& gatebits_file, const FieldEditor& editor,
+                       const std::string& question, const std::string& current);
+    /// Typed values: whether the value may stand in the field of that file.
+    Validity (*is_ok)(const std::string& value, const std::string& os,
+                      const std::string& gatebits_file) = nullptr;
     /// Whether the value is the path of a file outside the gatebits file.
     bool names_a_path = false;
     /// The field's name in confirmations.
@@ -44,7 +45,8 @@ struct FieldKind {
     const char* back_to = nullptr;
     /// What else changes with the value, in the same write, or must not have changed until then;
     /// null when there is nothing.
-    std::vector<FieldChange> (*further_changes)(const FieldEditor& editor,
+    std::vector<FieldChange> (*further_changes)(const std::string& gatebits_file,
+                                                const FieldEditor& editor,
                                                 const std::string& value) = nullptr;
     /// Whether the region's settings depend on the field.
     bool changes_settings = false;
@@ -61,7 +63,7 @@ struct FieldEditor {
     /// The example in a prompt, or the entries of a list.
     const char* example;
     /// What the field's confirmation warns of; null where there is nothing.
-    std::string (*warnings)(const NewValue& value);
+    std::string (*warnings)(const std::string& gatebits_file, const NewValue& value);
 };
 
 /// In the order of the actions.

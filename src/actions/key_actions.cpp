@@ -22,10 +22,10 @@ namespace {
 constexpr std::size_t LISTED_CHARACTERS = 46;
 
 /// The command keys of the gatebits file; a key's place is its index, counted from 0.
-std::vector<std::string> command_keys() {
+std::vector<std::string> command_keys(const std::string& gatebits_file) {
     std::vector<std::string> keys;
     std::string line;
-    while (get_a_line(FIRST_KEY_LINE + static_cast<int>(keys.size()), &line) == 1) {
+    while (get_a_line(gatebits_file, FIRST_KEY_LINE + static_cast<int>(keys.size()), &line) == 1) {
         keys.push_back(line);
     }
     return keys;
@@ -48,11 +48,12 @@ struct Key {
 
 /// The key that the pick begins with the index of, as it is now; gripes with `fault` when there is
 /// none.
-Key picked_key(const std::string& pick, const char* fault) {
+Key picked_key(const std::string& gatebits_file, const std::string& pick, const char* fault) {
     const int last_index = std::numeric_limits<int>::max() - FIRST_KEY_LINE;
     const auto index = number_at_front(pick);
     Key key = {index.value_or(0), ""};
-    if (!index || *index > last_index || get_a_line(FIRST_KEY_LINE + *index, &key.line) == 0) {
+    if (!index || *index > last_index ||
+        get_a_line(gatebits_file, FIRST_KEY_LINE + *index, &key.line) == 0) {
         gripe(fault);
     }
     return key;
@@ -66,36 +67,37 @@ Answer ask_what_to_do_with(const Key& key, const char* noun) {
 
 /// Whether the action goes on with its list: it does not after a cancelled prompt, nor when
 /// somebody else has changed the key.
-bool edit_key(const Key& key, LastAnswer* last_answer) {
+bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const auto text = prompt(filled(KEY_PROMPT, key.index), key.line);
     if (!text) return false;
     *last_answer = text;
     const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
-    if (confirm_change(change, key_reminder()) != CONFIRMED) return true;
-    const auto result = set_a_line(FIRST_KEY_LINE + key.index, *text, key.line);
+    if (confirm_change(change, key_reminder(gatebits_file)) != CONFIRMED) return true;
+    const auto result = set_a_line(gatebits_file, FIRST_KEY_LINE + key.index, *text, key.line);
     *last_answer = {text, result};
-    if (!written_or_told(result)) return false;
+    if (!written_or_told(result, gatebits_file)) return false;
     change_confirmed(change);
     return true;
 }
 
-bool delete_key(const Key& key, LastAnswer* last_answer) {
+bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
     if (confirm_delete(change) != CONFIRMED) return true;
-    const auto result = set_a_line(FIRST_KEY_LINE + key.index, DELETION_TOKEN, key.line);
+    const auto result =
+        set_a_line(gatebits_file, FIRST_KEY_LINE + key.index, DELETION_TOKEN, key.line);
     *last_answer = {*last_answer, result};
-    if (!written_or_told(result)) return false;
+    if (!written_or_told(result, gatebits_file)) return false;
     delete_confirmed(change);
     return true;
 }
 
 }  // namespace
 
-LastAnswer A_21(int edition) {
+LastAnswer A_21(const std::string& gatebits_file, int edition) {
     const KeyTexts& texts = edition == 0 ? LITE_KEY_TEXTS : FULL_KEY_TEXTS;
     LastAnswer last_answer;
     while (the_sun_rises) {
-        const std::vector<std::string> keys = command_keys();
+        const std::vector<std::string> keys = command_keys(gatebits_file);
         if (keys.empty()) {
             ask(texts.none, "abort", "abort");
             return last_answer;
@@ -103,23 +105,23 @@ LastAnswer A_21(int edition) {
         const auto pick = pick_one(texts.title, key_list(keys));
         last_answer = pick.value_or(UNANSWERED);
         if (!pick) return last_answer;
-        const Key key = picked_key(*pick, INTERNAL_ERROR_A_21);
+        const Key key = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
-        if (answer == NO && !delete_key(key, &last_answer)) return last_answer;
-        if (answer == YES && !edit_key(key, &last_answer)) return last_answer;
+        if (answer == NO && !delete_key(gatebits_file, key, &last_answer)) return last_answer;
+        if (answer == YES && !edit_key(gatebits_file, key, &last_answer)) return last_answer;
     }
 }
 
-LastAnswer A_22() {
+LastAnswer A_22(const std::string& gatebits_file) {
     LastAnswer last_answer;
     while (the_sun_rises) {
-        const std::vector<std::string> keys = command_keys();
+        const std::vector<std::string> keys = command_keys(gatebits_file);
         std::string text = DEFAULT_KEY;
         if (!keys.empty()) {
             const auto pick = make_selection(KEY_TEMPLATE_TITLE, key_list(keys), SINGLE_CHOICE);
             last_answer = pick.value_or(UNANSWERED);
             if (!pick) return last_answer;
-            if (!pick->empty()) text = picked_key(*pick, INTERNAL_ERROR_A_22).line;
+            if (!pick->empty()) text = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_22).line;
         }
         const int index = static_cast<int>(keys.size());
         const auto entered = prompt(filled(NEW_KEY_PROMPT, index), text);
@@ -127,7 +129,7 @@ LastAnswer A_22() {
         last_answer = entered;
         const Change change = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
         if (confirm_add(change) == CONFIRMED) {
-            set_a_line(0, *entered);
+            set_a_line(gatebits_file, 0, *entered);
             // A new key has always been reported as a change.
             change_confirmed(change);
         }

@@ -37,28 +37,28 @@ bool done_in_the_end(Repeated step) {
 std::string verdict_on_new_file(RegionSettings* region) {
     const auto check = perform_cbfile_only_check(CHECK_ERRORS, region);
     if (!check) return "";
-    const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
+    const char* file = region->ENTERPRIZE_PERMISSION_FILE.c_str();
     return check->CURRENT_GATEBITS_FILE_HAS_ERRORS ? filled(LOADED_WITH_ERRORS, file)
                                                    : filled(LOADED_WITHOUT_ERRORS, file);
 }
 
-Step switch_file(Run& run) {
-    const auto chosen = select_cb_file(PROMPT_06);
+Step switch_file(RegionSettings* region) {
+    const auto chosen = select_cb_file(region->ENTERPRIZE_PERMISSION_FILE, PROMPT_06);
     if (!chosen) return Step::GIVEN_UP;
     if (!this_file_exists(*chosen)) return again_if_wished(RETRY_SWITCH);
-    ENTERPRIZE_PERMISSION_FILE = *chosen;
-    const std::string verdict = verdict_on_new_file(&run.region);
+    region->ENTERPRIZE_PERMISSION_FILE = *chosen;
+    const std::string verdict = verdict_on_new_file(region);
     if (verdict.empty()) return Step::GIVEN_UP;
     advise_wait(verdict);
     return Step::DONE;
 }
 
-Step use_existing_or_again(const std::string& path) {
+Step use_existing_or_again(const std::string& path, RegionSettings* region) {
     switch (ask(NEW_OR_EXISTING, "yes", "yes,no,abort")) {
         case YES:
             return Step::AGAIN;
         case NO:
-            ENTERPRIZE_PERMISSION_FILE = path;
+            region->ENTERPRIZE_PERMISSION_FILE = path;
             return Step::DONE;
         default:
             return Step::GIVEN_UP;
@@ -83,39 +83,38 @@ void offer_the_walks(Run& run) {
     }
 }
 
-void use_file(Run& run, const std::string& path) {
-    ENTERPRIZE_PERMISSION_FILE = path;
-    run.region = interrogate_the_enterprise(run.region.tools);
+void use_file(const std::string& path, RegionSettings* region) {
+    *region = interrogate_the_enterprise(path, region->tools);
 }
 
 Step create_file(Run& run) {
-    const auto chosen = select_cb_file(PROMPT_05);
+    const auto chosen = select_cb_file(run.region.ENTERPRIZE_PERMISSION_FILE, PROMPT_05);
     if (!chosen) return Step::GIVEN_UP;
-    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen);
+    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen, &run.region);
     switch (create_gatebits_file(*chosen, text_of_new_file(run.region.tools))) {
         case NewFile::EXISTS:
-            return use_existing_or_again(*chosen);
+            return use_existing_or_again(*chosen, &run.region);
         case NewFile::NOT_CREATED:
             return again_if_wished(RETRY_LOCATION);
         case NewFile::CREATED:
             break;
     }
-    use_file(run, *chosen);
+    use_file(*chosen, &run.region);
     offer_the_walks(run);
     return Step::DONE;
 }
 
 /// Each of them leaves its choice in `*path`.
 
-Step choose_source(std::string* path) {
-    const auto chosen = select_cb_file(PROMPT_04);
+Step choose_source(const std::string& file_in_use, std::string* path) {
+    const auto chosen = select_cb_file(file_in_use, PROMPT_04);
     if (!chosen) return Step::GIVEN_UP;
     *path = *chosen;
     return this_file_exists(*path) ? Step::DONE : again_if_wished(RETRY_SOURCE);
 }
 
-Step choose_destination(std::string* path) {
-    const auto chosen = select_cb_file(PROMPT_03);
+Step choose_destination(const std::string& file_in_use, std::string* path) {
+    const auto chosen = select_cb_file(file_in_use, PROMPT_03);
     if (!chosen) return Step::GIVEN_UP;
     *path = *chosen;
     return this_file_exists(*path) ? again_if_wished(RETRY_DESTINATION) : Step::DONE;
@@ -123,14 +122,17 @@ Step choose_destination(std::string* path) {
 
 /// The whole action but its refusal: it starts over from the source when the destination cannot be
 /// created.
-Step copy_the_file(Run& run) {
+Step copy_the_file(RegionSettings* region) {
     std::string source;
     std::string destination;
-    if (!done_in_the_end([&] { return choose_source(&source); })) return Step::GIVEN_UP;
-    use_file(run, source);
+    const std::string& file_in_use = region->ENTERPRIZE_PERMISSION_FILE;
+    if (!done_in_the_end([&] { return choose_source(file_in_use, &source); })) {
+        return Step::GIVEN_UP;
+    }
+    use_file(source, region);
     NewFile created = NewFile::EXISTS;
     while (created == NewFile::EXISTS) {
-        if (!done_in_the_end([&] { return choose_destination(&destination); })) {
+        if (!done_in_the_end([&] { return choose_destination(file_in_use, &destination); })) {
             return Step::GIVEN_UP;
         }
         created = create_gatebits_file(destination, bytes_to_copy(source, destination));
@@ -140,11 +142,10 @@ Step copy_the_file(Run& run) {
         }
     }
     if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
-    use_file(run, destination);
-    const std::string verdict = verdict_on_new_file(&run.region);
+    use_file(destination, region);
+    const std::string verdict = verdict_on_new_file(region);
     if (verdict.empty()) return Step::GIVEN_UP;
-    advise_wait(
-        filled(COPIED, source.c_str(), ENTERPRIZE_PERMISSION_FILE.c_str(), verdict.c_str()));
+    advise_wait(filled(COPIED, source.c_str(), destination.c_str(), verdict.c_str()));
     return Step::DONE;
 }
 
@@ -157,20 +158,20 @@ void A_23(RegionSettings& region, bool during_install) {
         return advise(filled(CHECKER_NOT_FOUND, GS_VAR_NAME[UNIX_CHECKER], checker.c_str(),
                              region.ENTERPRIZE_NAME.c_str()));
     }
-    const std::string command = checker_command(checker, CHECK);
+    const std::string command = checker_command(checker, region.ENTERPRIZE_PERMISSION_FILE, CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
     ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");
 }
 
-int A_25(Run& run) {
-    return done_in_the_end([&] { return switch_file(run); }) ? 1 : 0;
+int A_25(RegionSettings& region) {
+    return done_in_the_end([&] { return switch_file(&region); }) ? 1 : 0;
 }
 
 int A_26(Run& run) {
     return done_in_the_end([&] { return create_file(run); }) ? 1 : 0;
 }
 
-int A_27(Run& run) {
-    return done_in_the_end([&] { return copy_the_file(run); }) ? 1 : 0;
+int A_27(RegionSettings& region) {
+    return done_in_the_end([&] { return copy_the_file(&region); }) ? 1 : 0;
 }

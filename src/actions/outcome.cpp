@@ -4,22 +4,23 @@
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
 
-bool written_or_told(ChangeResult result) {
+bool written_or_told(ChangeResult result, const std::string& gatebits_file) {
     if (result == ChangeResult::CHANGED_MEANWHILE) {
-        advise_wait(filled(CHANGED_BY_ANOTHER, ENTERPRIZE_PERMISSION_FILE.c_str()));
+        advise_wait(filled(CHANGED_BY_ANOTHER, gatebits_file.c_str()));
     }
     return result == ChangeResult::WRITTEN;
 }
 
-bool field_written_or_told(ChangeResult result, const std::string& item, int line, int field) {
+bool field_written_or_told(ChangeResult result, const std::string& gatebits_file,
+                           const std::string& item, int line, int field) {
     // Items end in dots that are not part of their name.
     const std::string name = item.substr(0, item.find("..."));
-    const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
+    const char* file = gatebits_file.c_str();
     if (result == ChangeResult::NO_SUCH_LINE) {
         advise_wait(filled(NO_LINE_FOR_FIELD, name.c_str(), field, line, file));
     }
     if (result == ChangeResult::NO_SUCH_FIELD) {
         advise_wait(filled(NO_FIELD_IN_LINE, name.c_str(), field, line, file));
     }
-    return written_or_told(result);
+    return written_or_told(result, gatebits_file);
 }

@@ -19,7 +19,7 @@ template <auto query>
 LastAnswer with_region(Run& run, const Request&) {
     query(run.options, {run.GATEWARDEN_IS,
                         run.region.logging_dir,
-                        {run.region.ENTERPRIZE_NAME, ENTERPRIZE_PERMISSION_FILE,
+                        {run.region.ENTERPRIZE_NAME, run.region.ENTERPRIZE_PERMISSION_FILE,
                          run.region.results_dir, run.region.tools.GS_VAR[UNIX_BROWSER]}});
     return {};
 }
@@ -28,20 +28,19 @@ LastAnswer with_run(Run& run, const Request&) {
     action(run);
     return {};
 }
-template <LastAnswer (*action)()>
-LastAnswer alone(Run&, const Request&) {
-    return action();
-}
 template <auto action>
 LastAnswer with_aliases(Run& run, const Request&) {
-    return action(run.aliases);
+    return action(run.region.ENTERPRIZE_PERMISSION_FILE, run.aliases);
 }
 /// The editor of the field of the region block that has the request's number.
 LastAnswer field(Run& run, const Request& request) {
     return edit_field(request.number, &run.region).last_answer;
 }
 LastAnswer keys(Run& run, const Request&) {
-    return A_21(run.GATEWARDEN_IS);
+    return A_21(run.region.ENTERPRIZE_PERMISSION_FILE, run.GATEWARDEN_IS);
+}
+LastAnswer new_key(Run& run, const Request&) {
+    return A_22(run.region.ENTERPRIZE_PERMISSION_FILE);
 }
 LastAnswer prune(Run& run, const Request&) {
     A_1(run.region, run.options.displays());
@@ -58,10 +57,16 @@ LastAnswer configure(Run& run, const Request&) {
 
 // Another gatebits file in use makes the region's settings stale.
 
-template <auto action>
-LastAnswer with_run_then_reload(Run& run, const Request&) {
-    if (action(run) == 1) run.region = interrogate_the_enterprise(run.region.tools);
+LastAnswer load_again(RegionSettings* region) {
+    *region = interrogate_the_enterprise(region->ENTERPRIZE_PERMISSION_FILE, region->tools);
     return {};
+}
+template <auto action>
+LastAnswer with_region_then_reload(Run& run, const Request&) {
+    return action(run.region) == 1 ? load_again(&run.region) : LastAnswer();
+}
+LastAnswer create(Run& run, const Request&) {
+    return A_26(run) == 1 ? load_again(&run.region) : LastAnswer();
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
@@ -98,12 +103,12 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 19, A19, nullptr, with_aliases<A_19>, false, true, NO, YES},
     {ACTION, 20, A20, nullptr, with_aliases<A_20>, true, true, NO, YES},
     {ACTION, 21, A21, nullptr, keys, true, true, NO, APART},
-    {ACTION, 22, A22, nullptr, alone<A_22>, true, true, NO, YES},
+    {ACTION, 22, A22, nullptr, new_key, true, true, NO, YES},
     {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},
     {ACTION, 24, A24, nullptr, configure, false, true, APART, INSTALLER},
-    {ACTION, 25, A25, nullptr, with_run_then_reload<A_25>, false, false, APART, NO},
-    {ACTION, 26, A26, nullptr, with_run_then_reload<A_26>, false, false, YES, NO},
-    {ACTION, 27, A27, nullptr, with_run_then_reload<A_27>, false, false, YES, NO},
+    {ACTION, 25, A25, nullptr, with_region_then_reload<A_25>, false, false, APART, NO},
+    {ACTION, 26, A26, nullptr, create, false, false, YES, NO},
+    {ACTION, 27, A27, nullptr, with_region_then_reload<A_27>, false, false, YES, NO},
     {ACTION, 28, A28, nullptr, with_run<A_28>, false, true, NO, NO},
     {ACTION, 29, A29, nullptr, with_run<A_29>, false, true, NO, NO},
 }};

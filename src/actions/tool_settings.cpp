@@ -42,11 +42,13 @@ Next ask_for_setting(std::size_t index, const std::string& stored, const std::st
     const Change change = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
     const Consent consent = confirm_add(change, Addition::SETTING);
     if (consent == DECLINED) return Next::ASK_AGAIN;
-    if (consent == CONFIRMED &&
-        written_or_told(change_a_var(&region->tools, static_cast<int>(index), *typed, stored))) {
-        add_confirmed(change);
-        *region = interrogate_the_enterprise(region->tools);
-    }
+    if (consent != CONFIRMED) return Next::GO_ON;
+    const std::string& gatebits_file = region->ENTERPRIZE_PERMISSION_FILE;
+    const auto result =
+        change_a_var(gatebits_file, &region->tools, static_cast<int>(index), *typed, stored);
+    if (!written_or_told(result, gatebits_file)) return Next::GO_ON;
+    add_confirmed(change);
+    *region = interrogate_the_enterprise(gatebits_file, region->tools);
     return Next::GO_ON;
 }
 
@@ -64,7 +66,7 @@ void walk_to_setting(std::size_t index, RegionSettings* region) {
     std::string entered;
     // A declined change goes on from the stored value.
     while (next == Next::ASK_AGAIN) {
-        const auto stored = stored_variable(index);
+        const auto stored = stored_variable(region->ENTERPRIZE_PERMISSION_FILE, index);
         next = ask_for_setting(index, stored.value_or(""),
                                setting_in_use(region->tools, index, stored), &entered, region);
     }
@@ -77,7 +79,7 @@ void A_1(const RegionSettings& region, bool display) {
 }
 
 void A_24(RegionSettings& region) {
-    build_var_list(&region.tools);
+    build_var_list(region.ENTERPRIZE_PERMISSION_FILE, &region.tools);
     const auto pick = pick_one(SETTING_TITLE, setting_list(region.tools));
     if (!pick) return;
     const auto index = number_at_front(*pick);

@@ -13,14 +13,13 @@
 #include "dialog/messages.h"
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
 /// Takes the gatebits file that the environment names; false when it names none that opens.
-bool take_file_from_environment(const char* named) {
+bool take_file_from_environment(const char* named, std::string* file) {
     if (named == nullptr) return false;
-    ENTERPRIZE_PERMISSION_FILE = named;
+    *file = named;
     return static_cast<bool>(Descriptor(open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC)));
 }
 
@@ -40,7 +39,7 @@ void make_new_gatebits_file(Run& run) {
 }
 
 void open_existing_gatebits_file(Run& run) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), run.options) || A_25(run) != 1)
+    if (refused(*request_numbered(RequestKind::ACTION, 25), run.options) || A_25(run.region) != 1)
         clean_exit(1);
 }
 
@@ -48,12 +47,13 @@ void open_existing_gatebits_file(Run& run) {
 
 void choose_gatebits_file(Run& run) {
     const Options& options = run.options;
-    ENTERPRIZE_PERMISSION_FILE = options.selected_file.value_or("");
+    std::string& file = run.region.ENTERPRIZE_PERMISSION_FILE;
+    file = options.selected_file.value_or("");
     if (options.file_selected) return;
     const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
-    if (take_file_from_environment(named)) return;
+    if (take_file_from_environment(named, &file)) return;
     const Answer answer = ask(gatebits_question(options, named), "yes", "yes,no,abort");
-    ENTERPRIZE_PERMISSION_FILE.clear();
+    file.clear();
     if (answer == YES) {
         make_new_gatebits_file(run);
     } else if (answer == NO) {
@@ -62,5 +62,5 @@ void choose_gatebits_file(Run& run) {
         clean_exit(1);
     }
     // Asked once more, but whatever the answer, start-up goes on.
-    if (ENTERPRIZE_PERMISSION_FILE.empty()) ask(RETRY_GATEBITS_FILE, "yes", "yes,no,abort");
+    if (file.empty()) ask(RETRY_GATEBITS_FILE, "yes", "yes,no,abort");
 }

@@ -30,8 +30,9 @@ int run(const std::vector<std::string>& words) {
     Run run = {options};
     run.region.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
     choose_gatebits_file(run);
-    run.region = interrogate_the_enterprise(run.region.tools);
-    run.GATEWARDEN_IS = read_edition();
+    run.region =
+        interrogate_the_enterprise(run.region.ENTERPRIZE_PERMISSION_FILE, run.region.tools);
+    run.GATEWARDEN_IS = read_edition(run.region.ENTERPRIZE_PERMISSION_FILE);
     if (options.data_gen_selected) data_gen(run.region.logging_dir);
     return status_with_output_written(run_requests(run));
 }

@@ -217,8 +217,8 @@ std::string report_of(const Change& change, int count) {
 
 }  // namespace
 
-int build_alias_list(Aliases* aliases) {
-    const AliasesRead read = aliases_in(read_gatebits_lines());
+int build_alias_list(const std::string& gatebits_file, Aliases* aliases) {
+    const AliasesRead read = aliases_in(read_gatebits_lines(gatebits_file));
     aliases->ALIAS_NAME.fill("");
     aliases->ALIAS.fill("");
     for (std::size_t i = 0; i < read.definitions.size(); ++i) {
@@ -230,12 +230,13 @@ int build_alias_list(Aliases* aliases) {
     return aliases->number_of_aliases;
 }
 
-ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
-                                        const std::string& value, const Aliases& shown) {
+ChangeResult add_change_remove_an_alias(const std::string& gatebits_file, char mode,
+                                        const std::string& name, const std::string& value,
+                                        const Aliases& shown) {
     const Change change = change_for(mode, name, value);
     int count = 0;
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
-    change_gatebits_lines([&](std::vector<std::string>* lines) {
+    change_gatebits_lines(gatebits_file, [&](std::vector<std::string>* lines) {
         const AliasesRead now = aliases_in(*lines);
         if (value_of(name, now.definitions) != value_shown(name, shown)) return false;
         if (mode == ADD_ALIAS && now.definitions.size() >= MAX_ALIASES) return false;

@@ -15,7 +15,7 @@ inline constexpr int MAX_ALIAS_VALUE = 256;
 inline constexpr char VALID_ALIAS_NAME_CHAR[] =
     "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ_0123456789";
 
-/// The aliases of the gatebits file in use.
+/// The aliases of a gatebits file.
 struct Aliases {
     /// Names and values, in the order of the file.
     std::array<std::string, MAX_ALIASES> ALIAS_NAME;
@@ -27,7 +27,7 @@ struct Aliases {
 
 /// Fills the tables anew from the gatebits file and returns number_of_aliases. The first alias line
 /// with a fault is shown to the operator and ends the reading; what was read before it stays.
-int build_alias_list(Aliases* aliases);
+int build_alias_list(const std::string& gatebits_file, Aliases* aliases);
 
 /// Modes of add_change_remove_an_alias.
 inline constexpr char ADD_ALIAS = 'A';
@@ -48,5 +48,6 @@ inline constexpr char DEFINITION_ONLY[] = " ";
 ///   REMOVE_ALIAS             the alias goes; references are removed or counted, as `value` says
 ///   REMOVE_ALIAS_REFERENCES  definitions stay, references go; `name` begins with its "~"
 /// Any other mode gripes.
-ChangeResult add_change_remove_an_alias(char mode, const std::string& name,
-                                        const std::string& value, const Aliases& shown);
+ChangeResult add_change_remove_an_alias(const std::string& gatebits_file, char mode,
+                                        const std::string& name, const std::string& value,
+                                        const Aliases& shown);

@@ -22,25 +22,26 @@ std::string bare_item(const NewValue& value) {
     return value.item.substr(0, value.item.find(CUT_MARK));
 }
 
-std::string warning_of_cleared_parent(const NewValue& depot) {
-    const std::string parent = field_or_empty(PARENT_LINE, depot.field);
+std::string warning_of_cleared_parent(const std::string& gatebits_file, const NewValue& depot) {
+    const std::string parent = field_or_empty(gatebits_file, PARENT_LINE, depot.field);
     if (parent.empty()) return "";
     return filled(CLEARS_PARENT, bare_item(depot).c_str(), depot.os, parent.c_str());
 }
 
-std::string warning_of_cleared_notify(const NewValue& depot) {
-    const std::string notify = field_or_empty(NOTIFY_LINE, depot.field);
+std::string warning_of_cleared_notify(const std::string& gatebits_file, const NewValue& depot) {
+    const std::string notify = field_or_empty(gatebits_file, NOTIFY_LINE, depot.field);
     if (notify.empty()) return "";
     return filled(CLEARS_NOTIFY, bare_item(depot).c_str(), depot.os, notify.c_str());
 }
 
 /// Looks at the header line's third field, not at the depot line's where the personality is: the
 /// warning has always come up by the one and spoken of the other.
-std::string warning_of_cleared_logging(const NewValue& depot) {
+std::string warning_of_cleared_logging(const std::string& gatebits_file, const NewValue& depot) {
     std::string other_depot;
     std::string logging;
-    if (get_a_field(DEPOT_LINE, depot.field == 1 ? 2 : 1, &other_depot) == 0) return "";
-    if (get_a_field(HEADER_LINE, 3, &logging) == 0) return "";
+    if (get_a_field(gatebits_file, DEPOT_LINE, depot.field == 1 ? 2 : 1, &other_depot) == 0)
+        return "";
+    if (get_a_field(gatebits_file, HEADER_LINE, 3, &logging) == 0) return "";
     if (!other_depot.empty() || logging.c_str()[0] == 'O') return "";
     return filled(CLEARS_LOGGING, logging.c_str()[0]);
 }
@@ -52,10 +53,12 @@ bool is_out_of_sight(const NewValue& path) {
 
 /// Numbers, from 1, of the command keys that refer to the notify program. A key too short to say
 /// so ends the search.
-std::vector<int> keys_that_refer() {
+std::vector<int> keys_that_refer(const std::string& gatebits_file) {
     std::vector<int> numbers;
     std::string field;
-    for (int key = 1; get_a_field(FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD, &field) == 1; ++key) {
+    for (int key = 1;
+         get_a_field(gatebits_file, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD, &field) == 1;
+         ++key) {
         if (!field.starts_with('0')) numbers.push_back(key);
     }
     return numbers;
@@ -63,9 +66,9 @@ std::vector<int> keys_that_refer() {
 
 /// One line of the list of keys. The '&' after the fifth ';' marks where the field is that says
 /// so; those of the key itself are doubled here and, with the whole question, once more.
-std::string listed_key(int number) {
+std::string listed_key(const std::string& gatebits_file, int number) {
     std::string line;
-    get_a_line(FIRST_KEY_LINE - 1 + number, &line);
+    get_a_line(gatebits_file, FIRST_KEY_LINE - 1 + number, &line);
     if (line.size() > LISTED_CHARACTERS) line = line.substr(0, LISTED_CHARACTERS) + CUT_KEY_MARK;
     double_amp_string(line);
     in_string__insert_this_char_after_nth_instance_of_that_char(line, '&', KEY_NOTIFY_FIELD - 1,
@@ -74,18 +77,18 @@ std::string listed_key(int number) {
 }
 
 /// The first three keys, dots for those left out, and the last one.
-std::string list_of_keys(const std::vector<int>& numbers) {
+std::string list_of_keys(const std::string& gatebits_file, const std::vector<int>& numbers) {
     std::string list;
     for (std::size_t i = 0; i < numbers.size() && i < FIRST_KEYS_LISTED; ++i) {
-        list += listed_key(numbers[i]);
+        list += listed_key(gatebits_file, numbers[i]);
     }
     if (numbers.size() > FIRST_KEYS_LISTED + 1) list += KEYS_LEFT_OUT;
-    if (numbers.size() > FIRST_KEYS_LISTED) list += listed_key(numbers.back());
+    if (numbers.size() > FIRST_KEYS_LISTED) list += listed_key(gatebits_file, numbers.back());
     return list;
 }
 
-std::string warning_of_referring_keys(const NewValue& notify) {
-    const std::vector<int> numbers = keys_that_refer();
+std::string warning_of_referring_keys(const std::string& gatebits_file, const NewValue& notify) {
+    const std::vector<int> numbers = keys_that_refer(gatebits_file);
     if (numbers.empty()) return "";
     const int count = static_cast<int>(numbers.size());
     const KeyWords& words = count == 1 ? ONE_KEY : SEVERAL_KEYS;
@@ -93,36 +96,37 @@ std::string warning_of_referring_keys(const NewValue& notify) {
         notify.value.empty()
             ? filled(KEYS_REFERENCES_IGNORED, words.are, count, words.that_refer, words.those_keys)
             : filled(KEYS_WILL_REFER, words.are, count, words.plural, words.those_keys);
-    return warning + list_of_keys(numbers);
+    return warning + list_of_keys(gatebits_file, numbers);
 }
 
 }  // namespace
 
-std::string depot_warnings(const NewValue& depot) {
+std::string depot_warnings(const std::string& gatebits_file, const NewValue& depot) {
     if (depot.value.empty()) {
-        return warning_of_cleared_parent(depot) + warning_of_cleared_notify(depot) +
-               warning_of_cleared_logging(depot);
+        return warning_of_cleared_parent(gatebits_file, depot) +
+               warning_of_cleared_notify(gatebits_file, depot) +
+               warning_of_cleared_logging(gatebits_file, depot);
     }
     return is_out_of_sight(depot) ? filled(DEPOT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
-std::string parent_warnings(const NewValue& parent) {
+std::string parent_warnings(const std::string& /*gatebits_file*/, const NewValue& parent) {
     return is_out_of_sight(parent) ? filled(PARENT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
-std::string notify_warnings(const NewValue& notify) {
-    return warning_of_referring_keys(notify) +
+std::string notify_warnings(const std::string& gatebits_file, const NewValue& notify) {
+    return warning_of_referring_keys(gatebits_file, notify) +
            (is_out_of_sight(notify) ? filled(NOTIFY_NOT_VERIFIED, OTHER_OS, THIS_OS) : "");
 }
 
-std::string restricted_warnings(const NewValue& list) {
+std::string restricted_warnings(const std::string& /*gatebits_file*/, const NewValue& list) {
     return includes_all_cases(list.value) ? filled(EXTREMELY_RESTRICTIVE, WILDCARD_PATTERNS) : "";
 }
 
-std::string special_warnings(const NewValue& list) {
+std::string special_warnings(const std::string& /*gatebits_file*/, const NewValue& list) {
     return includes_all_cases(list.value) ? filled(EXTREMELY_PERMISSIVE, WILDCARD_PATTERNS) : "";
 }
 
-std::string key_reminder() {
-    return filled(VERIFY_REMINDER, ENTERPRIZE_PERMISSION_FILE.c_str());
+std::string key_reminder(const std::string& gatebits_file) {
+    return filled(VERIFY_REMINDER, gatebits_file.c_str());
 }

@@ -10,7 +10,6 @@
 #include "dialog/messages.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -50,9 +49,9 @@ bool find_checker(ToolSettings* tools) {
     return checker_exists(checker);
 }
 
-std::string checker_command(const std::string& checker, const char* word) {
-    return filled(CHECKER_LINE, quoted(checker).c_str(),
-                  one_argument(ENTERPRIZE_PERMISSION_FILE).c_str(), word);
+std::string checker_command(const std::string& checker, const std::string& gatebits_file,
+                            const char* word) {
+    return filled(CHECKER_LINE, quoted(checker).c_str(), one_argument(gatebits_file).c_str(), word);
 }
 
 std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* region) {
@@ -64,6 +63,7 @@ std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* 
                            region->ENTERPRIZE_NAME.c_str()));
         return std::nullopt;
     }
-    const int status = run_in_shell(checker_command(checker, word));
+    const int status =
+        run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, word));
     return CheckResult{status != 0, mode == CHECK_COUNT ? status : 0};
 }

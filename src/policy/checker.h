@@ -6,7 +6,7 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
-// The policy engine's own checker, run on the gatebits file in use.
+// The policy engine's own checker, run on a gatebits file.
 
 /// What a checker run is asked for.
 inline constexpr char CHECK_ERRORS = 'E';
@@ -25,8 +25,9 @@ bool checker_exists(const std::string& checker);
 /// is stored in `*tools`, in memory only. False when neither exists.
 bool find_checker(ToolSettings* tools);
 
-/// The command line that runs `checker` over the gatebits file in use, with `word` as its option.
-std::string checker_command(const std::string& checker, const char* word);
+/// The command line that runs `checker` over the gatebits file, with `word` as its option.
+std::string checker_command(const std::string& checker, const std::string& gatebits_file,
+                            const char* word);
 
 /// What a checker run says of the gatebits file.
 struct CheckResult {
@@ -35,6 +36,7 @@ struct CheckResult {
     int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
 };
 
-/// Runs the checker in one of the three modes. Nothing, after telling the operator, when it could
-/// not be found; the one that was found is stored in `*region`. Any other mode gripes.
+/// Runs the checker over the gatebits file in use in one of the three modes. Nothing, after telling
+/// the operator, when it could not be found; the one that was found is stored in `*region`. Any
+/// other mode gripes.
 std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* region);

@@ -7,7 +7,6 @@
 #include "dialog/clearprompt.h"
 #include "messages/dialog_texts.h"
 #include "messages/policy_texts.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -20,8 +19,7 @@ constexpr char DIRECTORY_OPTION[] = "-directory %s";
 
 /// The option that makes the dialog start where the gatebits file in use is; a blank when that is
 /// not known.
-std::string directory_option() {
-    const std::string& file = ENTERPRIZE_PERMISSION_FILE;
+std::string directory_option(const std::string& file) {
     const auto slash = file.rfind('/');
     if (slash == std::string::npos) return " ";
     return filled(DIRECTORY_OPTION, quoted(file.substr(0, slash + 1)).c_str());
@@ -29,9 +27,10 @@ std::string directory_option() {
 
 }  // namespace
 
-std::optional<std::string> select_cb_file(const std::string& prompt_text) {
+std::optional<std::string> select_cb_file(const std::string& file_in_use,
+                                          const std::string& prompt_text) {
     const std::string DEF_OR_NO = " ";
-    const std::string DIR_OR_NO = directory_option();
+    const std::string DIR_OR_NO = directory_option(file_in_use);
     const AnswerFile answer(t_file_name());
     run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
                       DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),

@@ -16,14 +16,11 @@
 #include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
 
-std::string ENTERPRIZE_PERMISSION_FILE;
-
 namespace {
 
 /// The lock under which the file is changed; where there is none to be had we do without. Gripes
 /// when somebody else does not let go of it.
-FileLock lock_gatebits_file() {
-    const std::string& path = ENTERPRIZE_PERMISSION_FILE;
+FileLock lock_gatebits_file(const std::string& path) {
     FileLock lock = lock_file(path, LOCK_PATIENCE);
     if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
     const int seconds = static_cast<int>(LOCK_PATIENCE.count());
@@ -42,39 +39,40 @@ std::vector<std::string> lines_of(std::string_view text) {
 }
 
 /// The new text of the file; gripes when a reader would not get back from it what `lines` holds.
-std::string text_fit_to_be_read_back(const std::vector<std::string>& lines) {
-    const char* path = ENTERPRIZE_PERMISSION_FILE.c_str();
-    if (read_gatebits_bytes().find('\0') != std::string::npos) {
-        gripe(filled(GATEBITS_HOLDS_NUL, path));
+std::string text_fit_to_be_read_back(const std::string& path,
+                                     const std::vector<std::string>& lines) {
+    const char* name = path.c_str();
+    if (read_gatebits_bytes(path).find('\0') != std::string::npos) {
+        gripe(filled(GATEBITS_HOLDS_NUL, name));
     }
     std::string text;
     for (const std::string& line : lines) {
         const std::string_view kept = c_text(line);
-        if (kept.find('\n') != std::string_view::npos) gripe(filled(NEW_LINE_HOLDS_BREAK, path));
+        if (kept.find('\n') != std::string_view::npos) gripe(filled(NEW_LINE_HOLDS_BREAK, name));
         text.append(kept) += '\n';
     }
     if (text.size() > GATEBITS_FILE_LIMIT) {
-        gripe(filled(GATEBITS_WOULD_BE_TOO_LARGE, path, text.size(), GATEBITS_FILE_LIMIT, path));
+        gripe(filled(GATEBITS_WOULD_BE_TOO_LARGE, name, text.size(), GATEBITS_FILE_LIMIT, name));
     }
     return text;
 }
 
-/// Puts the new text into the run's scratch file, on the disk.
-void write_scratch_file(std::string_view text) {
-    const std::string path = t_file_name();
-    const int file = create_temporary_file(path);
-    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
+/// Puts the new text of the file at `path` into the run's scratch file, on the disk.
+void write_scratch_file(const std::string& path, std::string_view text) {
+    const std::string scratch = t_file_name();
+    const int file = create_temporary_file(scratch);
+    if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, scratch, errno);
     const int error = write_sync_close(file, text);
     if (error == 0) return;
     gripe(filled(COULD_NOT_REPLACE, path.c_str(), std::strerror(error),
-                 filled(FILE_IS_UNCHANGED, ENTERPRIZE_PERMISSION_FILE.c_str()).c_str()));
+                 filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
 }
 
 /// Puts the lines in the file's place.
-void write_gatebits_lines(const std::vector<std::string>& lines) {
-    const std::string text = text_fit_to_be_read_back(lines);
-    write_scratch_file(text);
-    const auto failure = replace_file(ENTERPRIZE_PERMISSION_FILE, text, t_file_name());
+void write_gatebits_lines(const std::string& path, const std::vector<std::string>& lines) {
+    const std::string text = text_fit_to_be_read_back(path, lines);
+    write_scratch_file(path, text);
+    const auto failure = replace_file(path, text, t_file_name());
     if (failure && failure->error != 0) gripe(failure->message, failure->error);
     if (failure) gripe(failure->message);
 }
@@ -145,38 +143,39 @@ ChangeResult change_field(const FieldChange& change, std::vector<std::string>* l
 
 }  // namespace
 
-std::string read_gatebits_bytes() {
+std::string read_gatebits_bytes(const std::string& path) {
     // A pipe without a writer must not keep us waiting.
-    const int file = open(ENTERPRIZE_PERMISSION_FILE.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file == -1) gripe(CANNOT_OPEN_GATEBITS, ENTERPRIZE_PERMISSION_FILE, errno);
+    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file == -1) gripe(CANNOT_OPEN_GATEBITS, path, errno);
     std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
     std::size_t size = 0;
     while (size < bytes.size()) {
         const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) gripe(CANNOT_READ_GATEBITS, ENTERPRIZE_PERMISSION_FILE, errno);
+        if (got < 0) gripe(CANNOT_READ_GATEBITS, path, errno);
         if (got == 0) break;
         size += static_cast<std::size_t>(got);
     }
     close(file);
     if (size > GATEBITS_FILE_LIMIT) {
-        gripe(filled(GATEBITS_TOO_LARGE, ENTERPRIZE_PERMISSION_FILE.c_str(), GATEBITS_FILE_LIMIT));
+        gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
     }
     bytes.resize(size);
     return bytes;
 }
 
-std::vector<std::string> read_gatebits_lines() {
-    const std::string bytes = read_gatebits_bytes();
+std::vector<std::string> read_gatebits_lines(const std::string& path) {
+    const std::string bytes = read_gatebits_bytes(path);
     std::vector<std::string> lines = lines_of(c_text(bytes));
-    if (lines.empty()) gripe(filled(GATEBITS_EMPTY, ENTERPRIZE_PERMISSION_FILE.c_str()));
+    if (lines.empty()) gripe(filled(GATEBITS_EMPTY, path.c_str()));
     return lines;
 }
 
-void change_gatebits_lines(const std::function<bool(std::vector<std::string>* lines)>& change) {
-    const FileLock lock = lock_gatebits_file();
-    std::vector<std::string> lines = read_gatebits_lines();
-    if (change(&lines)) write_gatebits_lines(lines);
+void change_gatebits_lines(const std::string& path,
+                           const std::function<bool(std::vector<std::string>* lines)>& change) {
+    const FileLock lock = lock_gatebits_file(path);
+    std::vector<std::string> lines = read_gatebits_lines(path);
+    if (change(&lines)) write_gatebits_lines(path, lines);
 }
 
 std::string_view without_leading_blanks(std::string_view line) {
@@ -195,17 +194,18 @@ bool LineCounter::counts_as(int n, std::string_view line) {
     return counter_ == n;
 }
 
-int get_a_line(int n, std::string* line) {
-    const std::vector<std::string> lines = read_gatebits_lines();
+int get_a_line(const std::string& path, int n, std::string* line) {
+    const std::vector<std::string> lines = read_gatebits_lines(path);
     const std::string* found = line_numbered(n, lines);
     if (found == nullptr) return 0;
     *line = *found;
     return 1;
 }
 
-ChangeResult set_a_line(int n, const std::string& text, const std::optional<std::string>& shown) {
+ChangeResult set_a_line(const std::string& path, int n, const std::string& text,
+                        const std::optional<std::string>& shown) {
     ChangeResult result = ChangeResult::WRITTEN;
-    change_gatebits_lines([&](std::vector<std::string>* lines) {
+    change_gatebits_lines(path, [&](std::vector<std::string>* lines) {
         if (n == 0) {
             lines->push_back(text);
             return true;
@@ -222,24 +222,24 @@ ChangeResult set_a_line(int n, const std::string& text, const std::optional<std:
     return result;
 }
 
-int get_a_field(int n, int f, std::string* value) {
+int get_a_field(const std::string& path, int n, int f, std::string* value) {
     std::string line;
-    if (get_a_line(n, &line) == 0) return 0;
+    if (get_a_line(path, n, &line) == 0) return 0;
     const std::vector<std::string> fields = terminated_fields(line);
     if (f < 1 || static_cast<std::size_t>(f) > fields.size()) return 0;
     *value = fields[static_cast<std::size_t>(f) - 1];
     return 1;
 }
 
-std::string field_or_empty(int n, int f) {
+std::string field_or_empty(const std::string& path, int n, int f) {
     std::string value;
-    get_a_field(n, f, &value);
+    get_a_field(path, n, f, &value);
     return value;
 }
 
-ChangeResult set_fields(const std::vector<FieldChange>& changes) {
+ChangeResult set_fields(const std::string& path, const std::vector<FieldChange>& changes) {
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
-    change_gatebits_lines([&](std::vector<std::string>* lines) {
+    change_gatebits_lines(path, [&](std::vector<std::string>* lines) {
         for (const FieldChange& change : changes) {
             if (!holds_what_was_shown(change, *lines)) return false;
         }
@@ -253,7 +253,7 @@ ChangeResult set_fields(const std::vector<FieldChange>& changes) {
     return result;
 }
 
-ChangeResult set_a_field(int n, int f, const std::string& value,
+ChangeResult set_a_field(const std::string& path, int n, int f, const std::string& value,
                          const std::optional<std::string>& shown) {
-    return set_fields({{n, f, value, shown}});
+    return set_fields(path, {{n, f, value, shown}});
 }

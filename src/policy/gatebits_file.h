@@ -8,15 +8,9 @@
 #include <string_view>
 #include <vector>
 
-// The gatebits file as lines and fields. Nothing is cached: every call reads the file anew, and
-// every change reads it, changes it and replaces it whole in one step that no other gatescope can
-// come between.
-
-/// Path of the gatebits file in use. A run has one at a time, and every reader and writer here is
-/// of that one. Set by the choice of the file and by the actions that switch, create and copy
-/// gatebits files. It is process-wide because the file is: whoever reads, writes, locks, checks or
-/// names it means this one, and a second path could only be a wrong one.
-extern std::string ENTERPRIZE_PERMISSION_FILE;
+// A gatebits file as lines and fields; `path` says which. Nothing is cached: every call reads the
+// file anew, and every change reads it, changes it and replaces it whole in one step that no other
+// gatescope can come between.
 
 /// The policy engine reads no more than this many bytes, so no reader or writer here does.
 inline constexpr std::size_t GATEBITS_FILE_LIMIT = 30000;
@@ -43,11 +37,11 @@ enum RegionLine {
 
 /// All bytes of the gatebits file. Gripes when it cannot be read or holds more than
 /// GATEBITS_FILE_LIMIT bytes.
-std::string read_gatebits_bytes();
+std::string read_gatebits_bytes(const std::string& path);
 
 /// The lines of the gatebits file, without their newlines and without empty lines. Gripes when
 /// the file cannot be read, holds more than GATEBITS_FILE_LIMIT bytes or holds no line.
-std::vector<std::string> read_gatebits_lines();
+std::vector<std::string> read_gatebits_lines(const std::string& path);
 
 /// Reads the lines of the gatebits file, has them changed, and replaces the file by them, each
 /// followed by a newline, when `change` says so. An empty line is left as a blank one, which
@@ -55,7 +49,8 @@ std::vector<std::string> read_gatebits_lines();
 /// its file system has locks. The one way in which this program changes a gatebits file. Gripes,
 /// with the file as it was, when somebody else keeps the lock, or when the new text is not fit to
 /// be read back or cannot be written.
-void change_gatebits_lines(const std::function<bool(std::vector<std::string>* lines)>& change);
+void change_gatebits_lines(const std::string& path,
+                           const std::function<bool(std::vector<std::string>* lines)>& change);
 
 /// What became of a change.
 enum class ChangeResult {
@@ -84,21 +79,21 @@ class LineCounter {
 
 /// Copies significant line n (from 1) to `*line`, leading blanks included, and returns 1; returns
 /// 0 and leaves `*line` alone when there is none.
-int get_a_line(int n, std::string* line);
+int get_a_line(const std::string& path, int n, std::string* line);
 
 /// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN: a blank line
 /// stands there until the next rewrite), or appends `text` as the last line (n = 0). With `shown`,
 /// only when that is what line n holds. Without it the file is rewritten even when there is no
 /// line n.
-ChangeResult set_a_line(int n, const std::string& text,
+ChangeResult set_a_line(const std::string& path, int n, const std::string& text,
                         const std::optional<std::string>& shown = std::nullopt);
 
 /// Copies field f (from 1) of significant line n to `*value` and returns 1; returns 0 and leaves
 /// `*value` alone when the line or the field does not exist. Only text that a ';' ends is a field.
-int get_a_field(int n, int f, std::string* value);
+int get_a_field(const std::string& path, int n, int f, std::string* value);
 
 /// The field's value, or an empty text when the line or the field does not exist.
-std::string field_or_empty(int n, int f);
+std::string field_or_empty(const std::string& path, int n, int f);
 
 /// A field's new value and, where it matters, the value that the operator was shown: empty for a
 /// line or a field that did not exist.
@@ -113,8 +108,8 @@ struct FieldChange {
 /// after the last ';' goes. A field one past the last is accepted, but its value is not written.
 /// Nothing is written when one of the fields no longer holds what was shown. The result is that of
 /// the first change; one of a further field that does not exist is passed over.
-ChangeResult set_fields(const std::vector<FieldChange>& changes);
+ChangeResult set_fields(const std::string& path, const std::vector<FieldChange>& changes);
 
 /// set_fields for one field.
-ChangeResult set_a_field(int n, int f, const std::string& value,
+ChangeResult set_a_field(const std::string& path, int n, int f, const std::string& value,
                          const std::optional<std::string>& shown = std::nullopt);

@@ -14,9 +14,9 @@
 namespace {
 
 /// Takes the tool variables and returns the significant lines, without their leading blanks.
-std::vector<std::string> scan_the_file(ToolSettings* tools) {
+std::vector<std::string> scan_the_file(const std::string& path, ToolSettings* tools) {
     std::vector<std::string> significant;
-    for (const std::string& line : read_gatebits_lines()) {
+    for (const std::string& line : read_gatebits_lines(path)) {
         take_tool_variable(line, tools);
         if (is_significant(line)) significant.emplace_back(without_leading_blanks(line));
     }
@@ -34,8 +34,7 @@ std::vector<std::string> fields_of_line(const std::vector<std::string>& lines, i
 }
 
 /// The logging personality that the depot line's third field stands for.
-char logging_letter(const std::string& field, const std::string& depot_line) {
-    const char* file = ENTERPRIZE_PERMISSION_FILE.c_str();
+char logging_letter(const std::string& field, const std::string& depot_line, const char* file) {
     if (field.size() != 1) {
         gripe(filled(INVALID_LOGGING_LENGTH, field.c_str(), LOGGING_LETTERS_NAMED_FOR_LENGTH,
                      depot_line.c_str(), file));
@@ -59,14 +58,18 @@ std::string directory_of(const std::string& relocated, const std::string& depot,
 
 }  // namespace
 
-RegionSettings interrogate_the_enterprise(const ToolSettings& tools) {
+RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
+                                          const ToolSettings& tools) {
     RegionSettings region;
+    region.ENTERPRIZE_PERMISSION_FILE = ENTERPRIZE_PERMISSION_FILE;
     region.tools = tools;
-    const std::vector<std::string> lines = scan_the_file(&region.tools);
+    const std::vector<std::string> lines = scan_the_file(ENTERPRIZE_PERMISSION_FILE, &region.tools);
     if (lines.empty()) gripe(NO_REGION_HEADER);
     region.SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
     const auto depots = fields_of_line(lines, DEPOT_LINE, 2, MANGLED_DEPOT);
-    region.LOGGING = depots.size() < 3 ? 'O' : logging_letter(depots[2], lines[DEPOT_LINE - 1]);
+    region.LOGGING = depots.size() < 3 ? 'O'
+                                       : logging_letter(depots[2], lines[DEPOT_LINE - 1],
+                                                        ENTERPRIZE_PERMISSION_FILE.c_str());
     const auto parents = fields_of_line(lines, PARENT_LINE, 2, MANGLED_PARENT);
     const auto header = fields_of_line(lines, HEADER_LINE, 4, MANGLED_REGION_HEADER);
     region.ENTERPRIZE_NAME = blank_when_empty(header[3]);

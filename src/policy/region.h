@@ -4,9 +4,12 @@
 
 #include "policy/tool_variables.h"
 
-/// The region's settings as the gatebits file has them. Whoever holds them loads them again when
-/// the gatebits file in use or a setting in it has changed.
+/// The gatebits file in use, and the region's settings as that has them. Whoever holds them loads
+/// them again when another file is in use or a setting in it has changed.
 struct RegionSettings {
+    /// Path of the gatebits file in use. Set by the choice of the file at start-up and by the
+    /// actions that switch, create and copy gatebits files.
+    std::string ENTERPRIZE_PERMISSION_FILE;
     /// The region header line as read.
     std::string SYSTEM_VARS__SYSTEM_REGION_HEADER;
     /// The region's name; a single blank when the file has none.
@@ -23,6 +26,8 @@ struct RegionSettings {
     ToolSettings tools = {};
 };
 
-/// Loads the settings. Every fault of the region block ends the program through gripe: nothing is
-/// done with a damaged gatebits file. Tool variables without a line stay as they are in `tools`.
-RegionSettings interrogate_the_enterprise(const ToolSettings& tools);
+/// Loads the settings of the gatebits file. Every fault of the region block ends the program
+/// through gripe: nothing is done with a damaged gatebits file. Tool variables without a line stay
+/// as they are in `tools`.
+RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
+                                          const ToolSettings& tools);

@@ -43,20 +43,21 @@ void take_tool_variable(std::string_view line, ToolSettings* tools) {
     if (const auto i = tool_variable_of(line)) tools->GS_VAR[*i] = value_in(line);
 }
 
-void build_var_list(ToolSettings* tools) {
+void build_var_list(const std::string& gatebits_file, ToolSettings* tools) {
     tools->GS_VAR.fill("");
-    for (const std::string& line : read_gatebits_lines()) take_tool_variable(line, tools);
+    for (const std::string& line : read_gatebits_lines(gatebits_file))
+        take_tool_variable(line, tools);
 }
 
-std::optional<std::string> stored_variable(std::size_t index) {
-    return value_among(read_gatebits_lines(), index);
+std::optional<std::string> stored_variable(const std::string& gatebits_file, std::size_t index) {
+    return value_among(read_gatebits_lines(gatebits_file), index);
 }
 
-ChangeResult change_a_var(ToolSettings* tools, int index, const std::string& value,
-                          const std::optional<std::string>& stored) {
+ChangeResult change_a_var(const std::string& gatebits_file, ToolSettings* tools, int index,
+                          const std::string& value, const std::optional<std::string>& stored) {
     const auto at = static_cast<std::size_t>(index);
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
-    change_gatebits_lines([&](std::vector<std::string>* lines) {
+    change_gatebits_lines(gatebits_file, [&](std::vector<std::string>* lines) {
         if (stored && *stored != value_among(*lines, at).value_or("")) return false;
         // What another process has set meanwhile must not be undone.
         for (const std::string& line : *lines) take_tool_variable(line, tools);

@@ -38,13 +38,14 @@ std::optional<std::size_t> tool_variable_of(std::string_view line);
 void take_tool_variable(std::string_view line, ToolSettings* tools);
 
 /// Empties GS_VAR and fills it from the gatebits file, so that a setting without a line is empty.
-void build_var_list(ToolSettings* tools);
+void build_var_list(const std::string& gatebits_file, ToolSettings* tools);
 
 /// The value that the gatebits file has for GS_VAR[index]; nothing when it has no such line.
-std::optional<std::string> stored_variable(std::size_t index);
+std::optional<std::string> stored_variable(const std::string& gatebits_file, std::size_t index);
 
 /// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
 /// of the table: the others as the file has them, or as GS_VAR has those that it lacks. With
 /// `stored`, only when that is what the file has for the index (empty for no line).
-ChangeResult change_a_var(ToolSettings* tools, int index, const std::string& value,
+ChangeResult change_a_var(const std::string& gatebits_file, ToolSettings* tools, int index,
+                          const std::string& value,
                           const std::optional<std::string>& stored = std::nullopt);

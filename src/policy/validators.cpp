@@ -19,7 +19,9 @@ constexpr int MAX_FIELD_VALUE = 256;
 
 struct Entered {
     std::string value;
-    std::string os;
+    std::string os = "";
+    /// Of the notify program only: where its depot is read.
+    std::string gatebits_file = "";
 };
 
 struct Check {
@@ -77,7 +79,8 @@ Validity parent_is_there(const Check&, const Entered& entered) {
 
 Validity program_is_in_depot(const Check&, const Entered& entered) {
     if (entered.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(field_or_empty(DEPOT_LINE, 2) + DIR_DELIMETER + entered.value);
+    const OnDisk found = what_is_at(field_or_empty(entered.gatebits_file, DEPOT_LINE, 2) +
+                                    DIR_DELIMETER + entered.value);
     if (found == OnDisk::OTHER) return accepted();
     const char* program = entered.value.c_str();
     return found == OnDisk::NOTHING ? filled(NOTIFY_DOES_NOT_EXIST, program)
@@ -141,9 +144,8 @@ constexpr Check ALIAS_NAME_CHECKS[] = {
     {name_characters},
 };
 
-Validity first_rejection(std::span<const Check> checks, const std::string& value,
-                         const std::string& os = "") {
-    const Entered entered = {std::string(c_text(value)), os};
+Validity first_rejection(std::span<const Check> checks, Entered entered) {
+    entered.value = c_text(entered.value);
     for (const Check& check : checks) {
         const Validity validity = check.validity(check, entered);
         if (!validity.accepted()) return validity;
@@ -152,9 +154,8 @@ Validity first_rejection(std::span<const Check> checks, const std::string& value
 }
 
 /// An empty value clears the field, whatever the field holds.
-Validity unless_cleared(std::span<const Check> checks, const std::string& value,
-                        const std::string& os = "") {
-    return c_text(value).empty() ? accepted() : first_rejection(checks, value, os);
+Validity unless_cleared(std::span<const Check> checks, const Entered& entered) {
+    return c_text(entered.value).empty() ? accepted() : first_rejection(checks, entered);
 }
 
 }  // namespace
@@ -186,35 +187,36 @@ Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
 }
 
 Validity region_depot_is_ok(const std::string& value, const std::string& os) {
-    return unless_cleared(DEPOT_CHECKS, value, os);
+    return unless_cleared(DEPOT_CHECKS, {value, os});
 }
 
 Validity region_parent_is_ok(const std::string& value, const std::string& os) {
-    return unless_cleared(PARENT_CHECKS, value, os);
+    return unless_cleared(PARENT_CHECKS, {value, os});
 }
 
-Validity region_notify_is_ok(const std::string& value, const std::string& os) {
-    return unless_cleared(NOTIFY_CHECKS, value, os);
+Validity region_notify_is_ok(const std::string& value, const std::string& os,
+                             const std::string& gatebits_file) {
+    return unless_cleared(NOTIFY_CHECKS, {value, os, gatebits_file});
 }
 
 Validity region_list_is_ok(const std::string& value) {
-    return unless_cleared(LIST_CHECKS, value);
+    return unless_cleared(LIST_CHECKS, {value});
 }
 
 Validity region_MOTD_is_ok(const std::string& value) {
-    return unless_cleared(MOTD_CHECKS, value);
+    return unless_cleared(MOTD_CHECKS, {value});
 }
 
 Validity region_MOTDL_is_ok(const std::string& value) {
-    return unless_cleared(MOTD_LIST_CHECKS, value);
+    return unless_cleared(MOTD_LIST_CHECKS, {value});
 }
 
 Validity alias_value_is_ok(const std::string& value) {
-    return first_rejection(ALIAS_VALUE_CHECKS, value);
+    return first_rejection(ALIAS_VALUE_CHECKS, {value});
 }
 
 Validity alias_name_is_ok(const std::string& name, const Aliases& others) {
-    const Validity by_itself = first_rejection(ALIAS_NAME_CHECKS, name);
+    const Validity by_itself = first_rejection(ALIAS_NAME_CHECKS, {name});
     if (!by_itself.accepted()) return by_itself;
     const auto begin = others.ALIAS_NAME.begin();
     const auto end = begin + others.number_of_aliases;

@@ -38,7 +38,8 @@ Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
 Validity region_depot_is_ok(const std::string& value, const std::string& os);
 Validity region_parent_is_ok(const std::string& value, const std::string& os);
 /// The program is looked for in the UNIX depot that the gatebits file names now.
-Validity region_notify_is_ok(const std::string& value, const std::string& os);
+Validity region_notify_is_ok(const std::string& value, const std::string& os,
+                             const std::string& gatebits_file);
 Validity region_list_is_ok(const std::string& value);
 Validity region_MOTD_is_ok(const std::string& value);
 Validity region_MOTDL_is_ok(const std::string& value);

@@ -18,9 +18,8 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     const Descriptor theirs(open(file.c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
     const Ended ended = in_child([&] {
-        ENTERPRIZE_PERMISSION_FILE = file;
         TEMP_DIR = directory / "";
-        set_a_line(1, "two;");
+        set_a_line(file, 1, "two;");
     });
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, "ERROR: Could not write the file (" + file +

@@ -109,9 +109,8 @@ TEST_F(StrictQuoting, FileDialogStartsInADirectoryOfAnyName) {
     const std::string name = "/x/" + hostile + "/";
     const Arguments got = received_by(
         [&] {
-            ENTERPRIZE_PERMISSION_FILE = name + "gatebits.txt";
             TEMP_DIR = temporary / "";
-            select_cb_file("");
+            select_cb_file(name + "gatebits.txt", "");
         },
         "yes");
     EXPECT_NE(std::find(got.begin(), got.end(), name), got.end());

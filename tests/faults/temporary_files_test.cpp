@@ -50,7 +50,6 @@ class TemporaryFiles : public testing::Test {
             setenv("PATH", ((directory / "") + ":/usr/bin:/bin").c_str(), 1);
             TEMP_DIR = temporary / "";
             GLOBAL_PID_STRING = "77";
-            ENTERPRIZE_PERMISSION_FILE = directory / "gatebits";
             body();
         });
     }
@@ -93,7 +92,7 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     with_everything_planted_at("t_file_gatescope_77.txt", [&] {
         write_file(directory / "gatebits", GATEBITS);
-        EXPECT_EQ(run([] { set_a_field(2, 3, "S"); }).status, 0);
+        EXPECT_EQ(run([&] { set_a_field(directory / "gatebits", 2, 3, "S"); }).status, 0);
         EXPECT_EQ(file_text(directory / "gatebits"), CHANGED);
         EXPECT_EQ(temporary.names(), Names());
     });

@@ -19,7 +19,8 @@ bool is_comment(const std::string& line) {
 std::vector<std::string> comments() {
     std::vector<std::string> lines;
     if (gatebits().empty()) return lines;
-    must(until_the_end([&] { lines = read_gatebits_lines(); }) == -1, "a written file is read");
+    must(until_the_end([&] { lines = read_gatebits_lines(gatebits_path()); }) == -1,
+         "a written file is read");
     lines.erase(std::remove_if(lines.begin(), lines.end(),
                                [](const std::string& line) { return !is_comment(line); }),
                 lines.end());
@@ -52,7 +53,7 @@ void change_an_alias(FuzzedDataProvider& data, const Aliases& aliases) {
     const char mode = data.PickValueInArray(MODES);
     const std::string name =
         (mode == REMOVE_ALIAS_REFERENCES ? "~" : "") + some_name(data, aliases);
-    add_change_remove_an_alias(mode, name, some_value(data), aliases);
+    add_change_remove_an_alias(gatebits_path(), mode, name, some_value(data), aliases);
 }
 
 }  // namespace
@@ -63,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Aliases aliases;
     use_gatebits(data.ConsumeRandomLengthString());
     for (int changes = data.ConsumeIntegralInRange(1, 3); changes > 0; --changes) {
-        if (until_the_end([&] { build_alias_list(&aliases); }) != -1) return 0;
+        if (until_the_end([&] { build_alias_list(gatebits_path(), &aliases); }) != -1) return 0;
         must(aliases.number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
         const std::string old_bytes = gatebits();
         const std::vector<std::string> old_comments = comments();

@@ -44,7 +44,7 @@ void run_a_dialog(FuzzedDataProvider& data) {
             }
             break;
         case 4:
-            if (const auto file = select_cb_file(text)) must_be_words(*file);
+            if (const auto file = select_cb_file(gatebits_path(), text)) must_be_words(*file);
             break;
         case 5:
             must(ask(text, "no", nullptr) <= ABORT, "an answer has a name");

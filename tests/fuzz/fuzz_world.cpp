@@ -9,7 +9,6 @@
 #include "base/temporary_files.h"
 #include "fuzz/memory_files.h"
 #include "messages/identity.h"
-#include "policy/gatebits_file.h"
 
 std::string last_command;
 std::string last_answer;
@@ -88,8 +87,11 @@ std::size_t files_in(const std::string& directory) {
 void use_gatebits(std::string_view bytes) {
     TEMP_DIR = world_path("tmp");
     GLOBAL_PID_STRING = "1";
-    ENTERPRIZE_PERMISSION_FILE = world_path("gatebits.txt");
     put_file("gatebits.txt", bytes);
+}
+
+std::string gatebits_path() {
+    return world_path("gatebits.txt");
 }
 
 std::string gatebits() {

@@ -26,8 +26,9 @@ std::string get_file(const std::string& name);
 /// How many files there are in a directory of the world's.
 std::size_t files_in(const std::string& directory);
 
-/// Puts a gatebits file, and takes it into use; start-up's settings are made too.
+/// Puts a gatebits file; start-up's settings are made too.
 void use_gatebits(std::string_view bytes);
+std::string gatebits_path();
 std::string gatebits();
 
 /// From now on dialogs answer with what `data` gives; null: every dialog is cancelled. A child

@@ -14,7 +14,8 @@ using Lines = std::vector<std::string>;
 
 Lines lines_now() {
     Lines lines;
-    must(until_the_end([&] { lines = read_gatebits_lines(); }) == -1, "a written file is read");
+    must(until_the_end([&] { lines = read_gatebits_lines(gatebits_path()); }) == -1,
+         "a written file is read");
     return lines;
 }
 
@@ -39,19 +40,19 @@ void read_something(FuzzedDataProvider& data) {
     ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 4)) {
         case 0:
-            get_a_line(number(data), &value);
+            get_a_line(gatebits_path(), number(data), &value);
             break;
         case 1:
-            get_a_field(number(data), number(data), &value);
+            get_a_field(gatebits_path(), number(data), number(data), &value);
             break;
         case 2:
-            build_var_list(&tools);
+            build_var_list(gatebits_path(), &tools);
             break;
         case 3:
-            interrogate_the_enterprise({});
+            interrogate_the_enterprise(gatebits_path(), {});
             break;
         default:
-            read_edition();
+            read_edition(gatebits_path());
     }
 }
 
@@ -63,25 +64,25 @@ void write_something(FuzzedDataProvider& data, std::size_t* changed) {
     ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0:
-            set_a_line(line, data.ConsumeRandomLengthString());
+            set_a_line(gatebits_path(), line, data.ConsumeRandomLengthString());
             break;
         case 1:
-            set_a_line(line, DELETION_TOKEN);
+            set_a_line(gatebits_path(), line, DELETION_TOKEN);
             break;
         case 2:
-            set_a_field(line, number(data), data.ConsumeRandomLengthString());
+            set_a_field(gatebits_path(), line, number(data), data.ConsumeRandomLengthString());
             break;
         default:
-            build_var_list(&tools);
+            build_var_list(gatebits_path(), &tools);
             *changed = GATEBITS_FILE_LIMIT;
-            change_a_var(&tools, data.ConsumeIntegralInRange(0, 7),
+            change_a_var(gatebits_path(), &tools, data.ConsumeIntegralInRange(0, 7),
                          data.ConsumeRandomLengthString());
     }
 }
 
 void check_a_write(FuzzedDataProvider& data) {
     Lines before;
-    if (until_the_end([&] { before = read_gatebits_lines(); }) != -1) return;
+    if (until_the_end([&] { before = read_gatebits_lines(gatebits_path()); }) != -1) return;
     const std::string old_bytes = gatebits();
     std::size_t changed = 0;
     if (until_the_end([&] { write_something(data, &changed); }) != -1) {

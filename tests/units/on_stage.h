@@ -8,7 +8,6 @@
 #include "dialog/messages.h"
 #include "main/startup.h"
 #include "messages/identity.h"
-#include "policy/gatebits_file.h"
 #include "scenes/region.h"
 #include "support/expect_gripe.h"
 
@@ -20,7 +19,6 @@ class OnStage : public testing::Test {
         region.enter();
         unsetenv("ZUL_GATESCOPE_VERBOSITY");
         verify_set_tempdir();
-        ENTERPRIZE_PERMISSION_FILE = region.gatebits_path();
         ZUL_PREFER_GUI = 1;
         ZUL_REMOTE_CLIENT_USER = 0;
     }
@@ -39,4 +37,6 @@ class OnStage : public testing::Test {
     }
 
     Region region;
+    /// The gatebits file in use.
+    std::string gatebits_file = region.gatebits_path();
 };

@@ -11,6 +11,7 @@ namespace {
 class Dispatch : public OnStage {
   protected:
     Dispatch() {
+        run.region.ENTERPRIZE_PERMISSION_FILE = gatebits_file;
         run.region.tools.GS_VAR[UNIX_CHECKER] = region.checker_path();
         run.region.tools.EMERGENCY_CHECKER = path("none");
         ZUL_PREFER_GUI = 0;

@@ -24,14 +24,15 @@ class AliasTables : public OnStage {
     /// Builds the list in silence.
     int built() {
         int count = -1;
-        EXPECT_EQ(printed_by([&] { count = build_alias_list(&aliases); }), "");
+        EXPECT_EQ(printed_by([&] { count = build_alias_list(gatebits_file, &aliases); }), "");
         return count;
     }
 
     /// What a fault in `line`, behind one good alias, makes the operator read.
     std::string fault(const std::string& line) {
         use_gatebits(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
-        const std::string said = printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 1); });
+        const std::string said =
+            printed_by([this] { EXPECT_EQ(build_alias_list(gatebits_file, &aliases), 1); });
         EXPECT_EQ(ALIAS_NAME[0], "good");
         EXPECT_EQ(ALIAS_NAME[1], "");
         return said;
@@ -39,9 +40,9 @@ class AliasTables : public OnStage {
 
     /// Builds the list, runs a change and returns what it said.
     std::string said_by(char mode, const std::string& name, const std::string& value) {
-        build_alias_list(&aliases);
+        build_alias_list(gatebits_file, &aliases);
         return printed_by([&] {
-            EXPECT_EQ(add_change_remove_an_alias(mode, name, value, aliases),
+            EXPECT_EQ(add_change_remove_an_alias(gatebits_file, mode, name, value, aliases),
                       ChangeResult::WRITTEN);
         });
     }
@@ -128,7 +129,7 @@ TEST_F(AliasTables, TheEightyFirstEndsTheReading) {
     std::string text;
     for (int i = 1; i <= 80; ++i) text += alias_line("a" + std::to_string(i), "v");
     use_gatebits(text + "  #!gatewarden_alias last one\n" + BLOCK);
-    EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(&aliases), 80); }),
+    EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(gatebits_file, &aliases), 80); }),
               "ERROR: read alias exceeds max of 80 alias definitions: #!gatewarden_alias last "
               "one\n\n");
     EXPECT_EQ(ALIAS_NAME[79], "a80");
@@ -247,8 +248,10 @@ TEST_F(AliasTables, ALineThatHeldOnlyAReferenceIsLeftBlank) {
 TEST_F(AliasTables, LinesBehindAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
     use_gatebits(alias_line("good", "x") + BLOCK + rest);
-    printed_by([this] { build_alias_list(&aliases); });
-    EXPECT_EQ(printed_by([this] { add_change_remove_an_alias('A', "new", "z", aliases); }), "");
+    printed_by([this] { build_alias_list(gatebits_file, &aliases); });
+    EXPECT_EQ(
+        printed_by([this] { add_change_remove_an_alias(gatebits_file, 'A', "new", "z", aliases); }),
+        "");
     EXPECT_EQ(region.gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
 }
 
@@ -256,7 +259,8 @@ TEST_F(AliasTables, WhatAnotherProcessHasDefinedMeanwhileStays) {
     use_gatebits(alias_line("a", "1") + BLOCK);
     built();
     use_gatebits(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
-    printed_by([this] { add_change_remove_an_alias(ADD_ALIAS, "ours", "3", aliases); });
+    printed_by(
+        [this] { add_change_remove_an_alias(gatebits_file, ADD_ALIAS, "ours", "3", aliases); });
     EXPECT_EQ(region.gatebits(),
               alias_line("a", "1") + alias_line("theirs", "2") + alias_line("ours", "3") + BLOCK);
 }
@@ -267,7 +271,8 @@ TEST_F(AliasTables, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
         built();
         use_gatebits(meanwhile + "\n" + BLOCK);
         EXPECT_EQ(printed_by([&] {
-                      EXPECT_EQ(add_change_remove_an_alias(mode, "a", REFERENCES_TOO, aliases),
+                      EXPECT_EQ(add_change_remove_an_alias(gatebits_file, mode, "a", REFERENCES_TOO,
+                                                           aliases),
                                 ChangeResult::CHANGED_MEANWHILE);
                   }),
                   "");
@@ -280,14 +285,14 @@ TEST_F(AliasTables, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
     use_gatebits(BLOCK);
     built();
     use_gatebits(alias_line("new", "theirs") + BLOCK);
-    EXPECT_EQ(add_change_remove_an_alias(ADD_ALIAS, "new", "ours", aliases),
+    EXPECT_EQ(add_change_remove_an_alias(gatebits_file, ADD_ALIAS, "new", "ours", aliases),
               ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), alias_line("new", "theirs") + BLOCK);
 }
 
 TEST_F(AliasTables, AnUnknownModeIsAFaultAndWritesNothing) {
     use_gatebits(alias_line("a", "1") + BLOCK);
-    EXPECT_GRIPE(add_change_remove_an_alias('x', "a", "", aliases),
+    EXPECT_GRIPE(add_change_remove_an_alias(gatebits_file, 'x', "a", "", aliases),
                  "Internal Error: Inform ZUL: Unexpected case in "
                  "gatescope:add_change_remove_an_alias\n");
     EXPECT_EQ(region.gatebits(), alias_line("a", "1") + BLOCK);

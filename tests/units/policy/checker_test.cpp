@@ -9,6 +9,7 @@ namespace {
 class Checker : public OnStage {
   protected:
     Checker() {
+        east.ENTERPRIZE_PERMISSION_FILE = gatebits_file;
         east.ENTERPRIZE_NAME = "east";
         east.tools.GS_VAR[UNIX_CHECKER] = region.checker_path();
         east.tools.EMERGENCY_CHECKER = "/no/emergency/gatewarden";

@@ -10,47 +10,46 @@ using FileChooser = OnStage;
 
 TEST_F(FileChooser, StartsWhereTheGatebitsFileIs) {
     region.chooses_file("/some/where/x.txt");
-    EXPECT_EQ(select_cb_file("Select an existing gatebits file to use..."), "/some/where/x.txt");
+    EXPECT_EQ(select_cb_file(gatebits_file, "Select an existing gatebits file to use..."),
+              "/some/where/x.txt");
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{file_dialog_in(region.path(""))});
     EXPECT_TRUE(region.files_in("tmp").empty());
 }
 
 TEST_F(FileChooser, WithoutAFileItStartsAnywhereAndItsPromptIsABlank) {
-    ENTERPRIZE_PERMISSION_FILE = "";
     region.chooses_file("/x");
-    EXPECT_EQ(select_cb_file("prompt"), "/x");
+    EXPECT_EQ(select_cb_file("", "prompt"), "/x");
     const Dialogs dialogs = region.shown_so_far().dialogs();
     EXPECT_EQ(dialogs, Dialogs{file_dialog_without_directory()});
     EXPECT_EQ(dialogs.at(0).args.back(), " ");
 }
 
 TEST_F(FileChooser, AFileNamedWithoutADirectoryIsTakenForNone) {
-    ENTERPRIZE_PERMISSION_FILE = "gatebits.txt";
     region.chooses_file("/x");
-    EXPECT_EQ(select_cb_file("prompt"), "/x");
+    EXPECT_EQ(select_cb_file("gatebits.txt", "prompt"), "/x");
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{file_dialog_without_directory()});
 }
 
 TEST_F(FileChooser, RunsOfBlanksInAPathBecomeOne) {
     region.chooses_file("/a  b/c\td \n");
-    EXPECT_EQ(select_cb_file("prompt"), "/a b/c d");
+    EXPECT_EQ(select_cb_file(gatebits_file, "prompt"), "/a b/c d");
     region.shown_so_far();
 }
 
 TEST_F(FileChooser, NothingChosenIsNothing) {
     region.cancels();
-    EXPECT_EQ(select_cb_file("prompt"), std::nullopt);
+    EXPECT_EQ(select_cb_file(gatebits_file, "prompt"), std::nullopt);
     region.chooses_file("");
-    EXPECT_EQ(select_cb_file("prompt"), std::nullopt);
+    EXPECT_EQ(select_cb_file(gatebits_file, "prompt"), std::nullopt);
     region.chooses_file(" \n");
-    EXPECT_EQ(select_cb_file("prompt"), std::nullopt);
+    EXPECT_EQ(select_cb_file(gatebits_file, "prompt"), std::nullopt);
     region.shown_so_far();
     EXPECT_TRUE(region.files_in("tmp").empty());
 }
 
 TEST_F(FileChooser, TheAnswerFileCountsWhateverTheStatus) {
     region.answers({.kind = "file", .status = 1, .outfile = "/chosen"});
-    EXPECT_EQ(select_cb_file("prompt"), "/chosen");
+    EXPECT_EQ(select_cb_file(gatebits_file, "prompt"), "/chosen");
     region.shown_so_far();
 }
 

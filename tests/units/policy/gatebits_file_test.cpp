@@ -16,11 +16,11 @@ class GatebitsFile : public OnStage {
   protected:
     std::string line(int n) const {
         std::string text = "(untouched)";
-        return get_a_line(n, &text) == 1 ? text : "(none)" + text;
+        return get_a_line(gatebits_file, n, &text) == 1 ? text : "(none)" + text;
     }
     std::string field(int n, int f) const {
         std::string text = "(untouched)";
-        return get_a_field(n, f, &text) == 1 ? text : "(none)" + text;
+        return get_a_field(gatebits_file, n, f, &text) == 1 ? text : "(none)" + text;
     }
     /// The file with `count` significant lines "line 1" and so on.
     void use_lines(int count) const {
@@ -73,27 +73,27 @@ TEST_F(GatebitsFile, FieldsAreWhatSemicolonsEnd) {
     EXPECT_EQ(field(2, 2), NONE);
     EXPECT_EQ(field(3, 1), NONE);
     EXPECT_EQ(field(4, 1), NONE);
-    EXPECT_EQ(field_or_empty(1, 3), "O");
-    EXPECT_EQ(field_or_empty(1, 4), "");
+    EXPECT_EQ(field_or_empty(gatebits_file, 1, 3), "O");
+    EXPECT_EQ(field_or_empty(gatebits_file, 1, 4), "");
 }
 
 TEST_F(GatebitsFile, LongLinesAreReadAndWrittenWhole) {
     const std::string text(3000, 'x');
     use_gatebits(";" + text + ";O;\n");
     EXPECT_EQ(field(1, 2), text);
-    set_a_field(1, 3, "S");
+    set_a_field(gatebits_file, 1, 3, "S");
     EXPECT_EQ(region.gatebits(), ";" + text + ";S;\n");
 }
 
 TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
     use_gatebits("# top\n first;\n\n#!gatewarden_alias a b\nsecond;\n\nthird");
-    EXPECT_EQ(set_a_line(2, "new;line;"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_line(gatebits_file, 2, "new;line;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "# top\n first;\n#!gatewarden_alias a b\nnew;line;\nthird\n");
 }
 
 TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
     use_gatebits(BLOCK + "# keys\nkey 0;\nkey 1;\n");
-    EXPECT_EQ(set_a_line(FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), BLOCK + "# keys\n\nkey 1;\n");
     EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
@@ -101,40 +101,40 @@ TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
 
 TEST_F(GatebitsFile, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
     use_gatebits(BLOCK + "key 0;\nkey 1;\n");
-    set_a_line(FIRST_KEY_LINE, DELETION_TOKEN);
-    set_a_line(FIRST_KEY_LINE, "key 2;");
+    set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN);
+    set_a_line(gatebits_file, FIRST_KEY_LINE, "key 2;");
     EXPECT_EQ(region.gatebits(), BLOCK + "key 2;\n");
 }
 
 TEST_F(GatebitsFile, AnEmptyTextIsWrittenAsAnEmptyLine) {
     use_gatebits(BLOCK + "key 0;\nkey 1;\n");
-    set_a_line(FIRST_KEY_LINE, "");
+    set_a_line(gatebits_file, FIRST_KEY_LINE, "");
     EXPECT_EQ(region.gatebits(), BLOCK + "\nkey 1;\n");
-    set_a_line(0, "");
+    set_a_line(gatebits_file, 0, "");
     EXPECT_EQ(region.gatebits(), BLOCK + "key 1;\n\n");
 }
 
 TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
     use_gatebits("one;\n");
-    set_a_line(1, std::string(DELETION_TOKEN) + " ");
+    set_a_line(gatebits_file, 1, std::string(DELETION_TOKEN) + " ");
     EXPECT_EQ(region.gatebits(), "<[;;;;;deletme;;;;;]> \n");
 }
 
 TEST_F(GatebitsFile, LineZeroAppendsBehindEverything) {
     use_gatebits(BLOCK + "# the end\n");
-    EXPECT_EQ(set_a_line(0, "a key;"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_line(gatebits_file, 0, "a key;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), BLOCK + "# the end\na key;\n");
 }
 
 TEST_F(GatebitsFile, ANumberBehindTheLastLineOnlyDropsBlankLines) {
     use_gatebits("one;\n\ntwo;\n\n# three\n");
-    EXPECT_EQ(set_a_line(5, "x;"), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_line(gatebits_file, 5, "x;"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
 }
 
 TEST_F(GatebitsFile, TheCounterStartsOverSoLine256AndNIsReplacedToo) {
     use_lines(300);
-    set_a_line(5, "new");
+    set_a_line(gatebits_file, 5, "new");
     std::string expected;
     for (int i = 1; i <= 300; ++i) {
         expected += i == 5 || i == 261 ? "new\n" : "line " + std::to_string(i) + "\n";
@@ -145,116 +145,119 @@ TEST_F(GatebitsFile, TheCounterStartsOverSoLine256AndNIsReplacedToo) {
 TEST_F(GatebitsFile, LinesBehindThe127thAreNotReplaced) {
     use_lines(200);
     const std::string before = region.gatebits();
-    set_a_line(128, "new");
-    set_a_line(200, "new");
+    set_a_line(gatebits_file, 128, "new");
+    set_a_line(gatebits_file, 200, "new");
     EXPECT_EQ(region.gatebits(), before);
 }
 
 TEST_F(GatebitsFile, SetAFieldChangesThatFieldOnly) {
     use_gatebits("#c\n;;O;\nkeep\n");
-    EXPECT_EQ(set_a_field(1, 2, "/a/path"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_field(gatebits_file, 1, 2, "/a/path"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "#c\n;/a/path;O;\nkeep\n");
-    set_a_field(1, 1, "C:\\depot");
+    set_a_field(gatebits_file, 1, 1, "C:\\depot");
     EXPECT_EQ(line(1), "C:\\depot;/a/path;O;");
-    set_a_field(1, 3, "");
+    set_a_field(gatebits_file, 1, 3, "");
     EXPECT_EQ(line(1), "C:\\depot;/a/path;;");
 }
 
 TEST_F(GatebitsFile, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
     use_gatebits("one;two\n");
-    set_a_field(1, 1, "new");
+    set_a_field(gatebits_file, 1, 1, "new");
     EXPECT_EQ(line(1), "new;");
 }
 
 TEST_F(GatebitsFile, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(1, 4, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, 1, 4, "value"), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;\n");
 }
 
 TEST_F(GatebitsFile, AFieldFurtherOutWritesNothing) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(1, 5, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, 1, 5, "value"), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;trailing\n\n");
 }
 
 TEST_F(GatebitsFile, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
     use_gatebits("no field\n\n");
-    EXPECT_EQ(set_a_field(1, 1, "value"), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(set_a_field(2, 1, "value"), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(gatebits_file, 1, 1, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, 2, 1, "value"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "no field\n\n");
 }
 
 TEST_F(GatebitsFile, AnAliasReferenceAtAFieldsEndGetsABlank) {
     use_gatebits("; ;\n");
-    set_a_field(1, 2, "(ann) ~team");
+    set_a_field(gatebits_file, 1, 2, "(ann) ~team");
     EXPECT_EQ(line(1), ";(ann) ~team ;");
     use_gatebits("; ;\n");
-    set_a_field(1, 2, "~team");
+    set_a_field(gatebits_file, 1, 2, "~team");
     EXPECT_EQ(line(1), ";~team ;");
     use_gatebits("; ;\n");
-    set_a_field(1, 2, "~team (ann)");
+    set_a_field(gatebits_file, 1, 2, "~team (ann)");
     EXPECT_EQ(line(1), ";~team (ann);");
     use_gatebits("; ;\n");
-    set_a_field(1, 2, "~team ");
+    set_a_field(gatebits_file, 1, 2, "~team ");
     EXPECT_EQ(line(1), ";~team ;");
 }
 
 TEST_F(GatebitsFile, AReferenceInAnotherFieldGetsItsBlankToo) {
     use_gatebits(";~team;x;\n");
-    set_a_field(1, 3, "y");
+    set_a_field(gatebits_file, 1, 3, "y");
     EXPECT_EQ(line(1), ";~team ;y;");
 }
 
 TEST_F(GatebitsFile, TheLineAsAWholeDecidesAboutTheBlank) {
     // No blank behind the '~' so far, so each further field gets one until there is.
     use_gatebits("~a;b;c;\n");
-    set_a_field(1, 3, "d");
+    set_a_field(gatebits_file, 1, 3, "d");
     EXPECT_EQ(line(1), "~a ;b;d;");
 }
 
 TEST_F(GatebitsFile, SeveralFieldsChangeInOneWrite) {
     use_gatebits("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
-    EXPECT_EQ(set_fields({{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
-              ChangeResult::WRITTEN);
+    EXPECT_EQ(
+        set_fields(gatebits_file, {{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
+        ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
 }
 
 TEST_F(GatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
     use_gatebits("h;\n\nd;u;O;\n");
-    EXPECT_EQ(set_fields({{9, 1, "x"}, {2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_fields({{2, 5, "x"}}), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_fields(gatebits_file, {{9, 1, "x"}, {2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_fields(gatebits_file, {{2, 5, "x"}}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), "h;\n\nd;u;O;\n");
 }
 
 TEST_F(GatebitsFile, ALineThatNoLongerHoldsWhatWasShownIsLeftAlone) {
     const std::string text = "one;\n\ntwo;\n";
     use_gatebits(text);
-    EXPECT_EQ(set_a_line(2, "new;", "one;"), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(set_a_line(3, "new;", "two;"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_line(gatebits_file, 2, "new;", "one;"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_line(gatebits_file, 3, "new;", "two;"), ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(set_a_line(2, DELETION_TOKEN, "two;"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_line(gatebits_file, 2, DELETION_TOKEN, "two;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "one;\n\n");
 }
 
 TEST_F(GatebitsFile, AllFieldsHaveToHoldWhatWasShown) {
     const std::string text = "h;\n\nd;u;O;\n";
     use_gatebits(text);
-    EXPECT_EQ(set_fields({{2, 1, "x", "d"}, {2, 2, "y", "v"}}), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(set_a_field(2, 3, "S", ""), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_fields(gatebits_file, {{2, 1, "x", "d"}, {2, 2, "y", "v"}}),
+              ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_field(gatebits_file, 2, 3, "S", ""), ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(set_fields({{2, 1, "x", "d"}, {2, 2, "y", "u"}}), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_fields(gatebits_file, {{2, 1, "x", "d"}, {2, 2, "y", "u"}}),
+              ChangeResult::WRITTEN);
     EXPECT_EQ(line(2), "x;y;O;");
     // What does not exist was shown as empty.
-    EXPECT_EQ(set_a_field(9, 1, "x", ""), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_a_field(2, 4, "x", ""), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, 9, 1, "x", ""), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(gatebits_file, 2, 4, "x", ""), ChangeResult::NO_SUCH_FIELD);
 }
 
 TEST_F(GatebitsFile, AValueEndsAtItsNul) {
     use_gatebits(";;O;\n");
-    set_a_field(1, 2, std::string("a\0b", 3));
+    set_a_field(gatebits_file, 1, 2, std::string("a\0b", 3));
     EXPECT_EQ(region.gatebits(), ";a;O;\n");
-    set_a_line(1, std::string("x;\0y", 4));
+    set_a_line(gatebits_file, 1, std::string("x;\0y", 4));
     EXPECT_EQ(region.gatebits(), "x;\n");
 }
 
@@ -262,7 +265,7 @@ TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
     const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
     use_gatebits(largest);
     EXPECT_EQ(line(1), largest.substr(0, largest.size() - 1));
-    EXPECT_EQ(set_a_field(1, 1, "z"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_field(gatebits_file, 1, 1, "z"), ChangeResult::WRITTEN);
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
@@ -277,12 +280,13 @@ TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
-    ENTERPRIZE_PERMISSION_FILE = region.path("none");
+    gatebits_file = region.path("none");
     EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
-    EXPECT_GRIPE(set_a_line(1, "x"), "ERROR: Can't open the enterprise permissions file.....");
-    ENTERPRIZE_PERMISSION_FILE = "";
+    EXPECT_GRIPE(set_a_line(gatebits_file, 1, "x"),
+                 "ERROR: Can't open the enterprise permissions file.....");
+    gatebits_file = "";
     EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
-    ENTERPRIZE_PERMISSION_FILE = region.path("depot");
+    gatebits_file = region.path("depot");
     EXPECT_GRIPE(line(1), "ERROR: Read failure on enterprise permissions file...");
 }
 
@@ -302,10 +306,10 @@ TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
 TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
     const std::string text = BLOCK + "key;\n";
     use_gatebits(text);
-    EXPECT_EXIT(set_a_line(9, std::string(GATEBITS_FILE_LIMIT, 'x')), testing::ExitedWithCode(99),
-                "");
-    EXPECT_EXIT(set_a_line(9, "two\nlines"), testing::ExitedWithCode(99), "");
-    EXPECT_EXIT(set_a_field(2, 2, "two\nlines"), testing::ExitedWithCode(99), "");
+    EXPECT_EXIT(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
+                testing::ExitedWithCode(99), "");
+    EXPECT_EXIT(set_a_line(gatebits_file, 9, "two\nlines"), testing::ExitedWithCode(99), "");
+    EXPECT_EXIT(set_a_field(gatebits_file, 2, 2, "two\nlines"), testing::ExitedWithCode(99), "");
     EXPECT_EQ(region.gatebits(), text);
     region.shown_so_far();
 }
@@ -313,7 +317,7 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
 TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
     use_gatebits(BLOCK);
     TEMP_DIR = "/no/such/dir";
-    EXPECT_GRIPE(set_a_line(1, "x"), "Could not create needed temp file");
+    EXPECT_GRIPE(set_a_line(gatebits_file, 1, "x"), "Could not create needed temp file");
     EXPECT_EQ(region.gatebits(), BLOCK);
 }
 
@@ -321,9 +325,9 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(chmod(region.gatebits_path().c_str(), 0640), 0);
     ASSERT_EQ(symlink("gatebits.txt", region.path("link.txt").c_str()), 0);
-    ENTERPRIZE_PERMISSION_FILE = region.path("link.txt");
+    gatebits_file = region.path("link.txt");
     const std::vector<std::string> before = region.files_in(".");
-    set_a_field(1, 3, "S");
+    set_a_field(gatebits_file, 1, 3, "S");
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     struct stat status = {};
     ASSERT_EQ(lstat(region.path("link.txt").c_str(), &status), 0);
@@ -337,7 +341,7 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
 TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(link(region.gatebits_path().c_str(), region.path("other.txt").c_str()), 0);
-    set_a_field(1, 3, "S");
+    set_a_field(gatebits_file, 1, 3, "S");
     EXPECT_EQ(region.file("other.txt"), ";;S;\n");
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     EXPECT_TRUE(region.files_in("tmp").empty());
@@ -353,7 +357,7 @@ TEST_F(GatebitsFile, TheEditionIsWhatLineOneBeginsWith) {
                                                    {"#c\ngatewarden_lite;\ngatewarden;\n", 0}};
     for (const auto& [text, edition] : headers) {
         use_gatebits(text);
-        EXPECT_EQ(read_edition(), edition) << text;
+        EXPECT_EQ(read_edition(gatebits_file), edition) << text;
     }
 }
 

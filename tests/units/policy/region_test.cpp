@@ -12,7 +12,7 @@ class LoadedRegion : public OnStage {
     /// Loads a region with this depot line and these lines on top.
     void load(const std::string& depot_line, const std::string& on_top = "") {
         use_gatebits(on_top + "gatewarden;a;b;east;\n" + depot_line + "\n" + ";/parent.txt;\n");
-        settings = interrogate_the_enterprise(settings.tools);
+        settings = interrogate_the_enterprise(gatebits_file, settings.tools);
     }
     RegionSettings settings;
     std::string wrong_logging(const std::string& value, const std::string& letters,
@@ -55,7 +55,7 @@ TEST_F(LoadedRegion, NoThirdFieldMeansLoggingIsOff) {
 
 TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
     use_gatebits("gatewarden;;;;\n;;\n;;\n");
-    settings = interrogate_the_enterprise(settings.tools);
+    settings = interrogate_the_enterprise(gatebits_file, settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, " ");
@@ -66,7 +66,7 @@ TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
 TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
     use_gatebits(
         "# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
-    settings = interrogate_the_enterprise(settings.tools);
+    settings = interrogate_the_enterprise(gatebits_file, settings.tools);
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;;;east;");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, "/p");
@@ -115,11 +115,11 @@ TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(load("/depot;"), MANGLED_DEPOT_TEXT);
     EXPECT_GRIPE(load("C:\\depot;/depot"), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;;;east;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise({}), MANGLED_DEPOT_TEXT);
+    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;;;east;\n;;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise({}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
     use_gatebits("gatewarden;;;east;\n;;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise({}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
 }
 
 TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
@@ -128,7 +128,7 @@ TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
         {
             ZUL_PREFER_GUI = 0;
             dup2(STDERR_FILENO, STDOUT_FILENO);
-            interrogate_the_enterprise({});
+            interrogate_the_enterprise(gatebits_file, {});
         },
         testing::ExitedWithCode(99), "ERROR:.*header");
 }
@@ -139,16 +139,16 @@ TEST_F(LoadedRegionDeathTest, AFileWithoutASignificantLineHasNoHeader) {
         {
             ZUL_PREFER_GUI = 0;
             dup2(STDERR_FILENO, STDOUT_FILENO);
-            interrogate_the_enterprise({});
+            interrogate_the_enterprise(gatebits_file, {});
         },
         testing::ExitedWithCode(99), "ERROR:.*header");
 }
 
 TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
     use_gatebits("gatewarden;\n/depot;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise({}), MANGLED_DEPOT_TEXT);
+    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;\n;;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise({}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
 }
 
 }  // namespace

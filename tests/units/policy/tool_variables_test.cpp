@@ -26,7 +26,7 @@ TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
     use_gatebits(
         "x;\n  #!gatescope_unix_browser=/a=b c \n#!gatescope_windows_browser=\n#!gatescope_"
         "unknown=1\n");
-    build_var_list(&tools);
+    build_var_list(gatebits_file, &tools);
     EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/a=b c ");
     for (const ToolVariable other :
          {UNIX_CHECKER, WINDOWS_CHECKER, WINDOWS_BROWSER, UNIX_LOGGING_DIR, WINDOWS_LOGGING_DIR,
@@ -37,7 +37,7 @@ TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
 
 TEST_F(ToolVariables, APrefixWithoutItsEqualsSignIsAComment) {
     use_gatebits("x;\n#!gatescope_unix_browser /b\n");
-    build_var_list(&tools);
+    build_var_list(gatebits_file, &tools);
     EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "");
 }
 
@@ -45,7 +45,7 @@ TEST_F(ToolVariables, EachPrefixHasItsPlace) {
     std::string text;
     for (const char* prefix : GS_VAR_NAME) text += prefix + std::string(prefix + 12) + "\n";
     use_gatebits(text);
-    build_var_list(&tools);
+    build_var_list(gatebits_file, &tools);
     for (std::size_t i = 0; i < tools.GS_VAR.size(); ++i)
         EXPECT_EQ(tools.GS_VAR[i], GS_VAR_NAME[i] + 12);
 }
@@ -60,8 +60,8 @@ TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
         "\n"
         "#!gatescope_unix_gatewarden_check=/c\n"
         "last;\n");
-    build_var_list(&tools);
-    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
+    build_var_list(gatebits_file, &tools);
+    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), EIGHT_LINES +
                                      "# top\n"
                                      "gatewarden;;;east;\n"
@@ -74,17 +74,17 @@ TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
 TEST_F(ToolVariables, AChangeOfAFileThatHasNoneAddsThem) {
     use_gatebits("gatewarden;;;east;\n");
     tools.GS_VAR[UNIX_CHECKER] = "/c";
-    change_a_var(&tools, UNIX_BROWSER, "/b");
+    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
-    change_a_var(&tools, UNIX_BROWSER, "/b");
+    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
 }
 
 TEST_F(ToolVariables, WhatAnotherProcessHasSetMeanwhileStays) {
     use_gatebits("gatewarden;;;east;\n");
-    build_var_list(&tools);
+    build_var_list(gatebits_file, &tools);
     use_gatebits("#!gatescope_unix_gatewarden_check=/c\ngatewarden;;;east;\n");
-    change_a_var(&tools, UNIX_BROWSER, "/b");
+    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
     EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
     EXPECT_EQ(tools.GS_VAR[UNIX_CHECKER], "/c");
 }
@@ -92,15 +92,18 @@ TEST_F(ToolVariables, WhatAnotherProcessHasSetMeanwhileStays) {
 TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
     const std::string text = "#!gatescope_unix_browser=/a\n\n#!gatescope_unix_browser=/b\nx;\n";
     use_gatebits(text);
-    EXPECT_EQ(stored_variable(UNIX_BROWSER), "/b");
-    EXPECT_FALSE(stored_variable(WINDOWS_BROWSER).has_value());
-    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(change_a_var(&tools, WINDOWS_BROWSER, "/c", "/a"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(stored_variable(gatebits_file, UNIX_BROWSER), "/b");
+    EXPECT_FALSE(stored_variable(gatebits_file, WINDOWS_BROWSER).has_value());
+    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/c", "/a"),
+              ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(change_a_var(gatebits_file, &tools, WINDOWS_BROWSER, "/c", "/a"),
+              ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(change_a_var(&tools, UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
-    EXPECT_EQ(change_a_var(&tools, WINDOWS_BROWSER, "/d", ""), ChangeResult::WRITTEN);
-    EXPECT_EQ(stored_variable(UNIX_BROWSER), "/c");
-    EXPECT_EQ(stored_variable(WINDOWS_BROWSER), "/d");
+    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
+    EXPECT_EQ(change_a_var(gatebits_file, &tools, WINDOWS_BROWSER, "/d", ""),
+              ChangeResult::WRITTEN);
+    EXPECT_EQ(stored_variable(gatebits_file, UNIX_BROWSER), "/c");
+    EXPECT_EQ(stored_variable(gatebits_file, WINDOWS_BROWSER), "/d");
 }
 
 TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {
