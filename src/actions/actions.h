@@ -2,14 +2,19 @@
 
 #include <string>
 
-#include "actions/run.h"
+#include "actions/last_answer.h"
+#include "base/options.h"
+#include "policy/aliases.h"
+#include "policy/region.h"
 
-// The configuration actions, named after their menu entries.
+// The configuration actions, named after their menu entries. The walks, the submenu and the guard
+// run other requests, so they are handed all that one of those may need.
 
 /// Prunes the region's logs; `display` says whether the result is shown or printed.
 void A_1(const RegionSettings& region, bool display);
-/// Shows the view/change submenu and runs what is picked there; says which menu comes next.
-void A_2(Run& run);
+/// Shows the view/change submenu and runs what is picked there. The menu that comes next: the
+/// submenu again, or the main menu once the operator has left it.
+int A_2(const Options& options, RegionInUse& region);
 /// Aliases: add, delete a definition, delete references, update. The tables are filled anew first.
 LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases);
 LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases);
@@ -23,13 +28,14 @@ LastAnswer A_22(const std::string& gatebits_file);
 void A_23(RegionSettings& region, bool during_install);
 /// The tool's own settings; the region's are loaded again after a change.
 void A_24(RegionSettings& region);
-/// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0.
+/// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0. A
+/// new one may be filled by a walk.
 int A_25(RegionSettings& region);
-int A_26(Run& run);
+int A_26(const Options& options, RegionInUse& region);
 int A_27(RegionSettings& region);
 /// Guided walks through the important, and through all, fields.
-void A_28(Run& run);
-void A_29(Run& run);
+void A_28(const Options& options, RegionInUse& region);
+void A_29(const Options& options, RegionInUse& region);
 
 /// How a guarded action ended.
 struct Guarded {
@@ -42,7 +48,7 @@ struct Guarded {
 /// Runs action n (one that can damage the gatebits file) between two checks of the file, and
 /// again while the file got no better; an operator who leaves it three times in a row without a
 /// change is let go unless the file has more errors than at the start. Gripes for any other number.
-Guarded A_X(Run& run, int n);
+Guarded A_X(const Options& options, RegionInUse& region, int n);
 
 /// 1, after telling the operator that the action of this title is not available, when the
 /// installer started the program; else 0.

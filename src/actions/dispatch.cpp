@@ -25,18 +25,20 @@ namespace {
 constexpr int TIMES_LEFT_UNCHANGED = 3;
 
 /// What the submenu has for the installer only, the main loop runs and not the submenu itself.
-LastAnswer run_submenu_pick(Run& run, const std::string& QUERY_OR_ACTION) {
+LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
+                            const std::string& QUERY_OR_ACTION) {
     const Request* request = request_labelled(QUERY_OR_ACTION);
     if (request == nullptr) return {};
     if (request->in_submenu == Shown::NO || request->in_submenu == Shown::TO_INSTALLER_ONLY) {
         return {};
     }
-    return request->execute(run);
+    return request->execute(options, region).last_answer;
 }
 
-void leave_submenu(Run& run) {
-    if (run.options.runs_once() || run.options.IS_DURING_INSTALL) clean_exit(0);
-    run.chapter = MAIN_MENU;
+/// The menu that comes after the submenu.
+int leave_submenu(const Options& options) {
+    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(0);
+    return MAIN_MENU;
 }
 
 /// The field that action n enters, when it names a path outside the gatebits file: the checker does
@@ -87,41 +89,43 @@ bool no_more_errors_than(const Before& at_entry, const Before& before, const Che
 
 }  // namespace
 
-void A_2(Run& run) {
-    const bool during_install = run.options.IS_DURING_INSTALL;
-    run.chapter = SUBMENU;
+int A_2(const Options& options, RegionInUse& region) {
+    const bool during_install = options.IS_DURING_INSTALL;
     // What was answered last while the pick ran decides whether the submenu comes up again here: it
     // does after an empty answer, and after one that reads like a separator.
     std::string last_answer;
     while (last_answer.empty() || is_separator(last_answer)) {
-        const auto pick = make_selection(submenu_title(run.region.ENTERPRIZE_NAME, during_install),
-                                         submenu_entries(during_install), SINGLE_CHOICE);
-        if (!pick) return leave_submenu(run);
-        last_answer = run_submenu_pick(run, *pick).value_or(*pick);
+        const auto pick =
+            make_selection(submenu_title(region.settings.ENTERPRIZE_NAME, during_install),
+                           submenu_entries(during_install), SINGLE_CHOICE);
+        if (!pick) return leave_submenu(options);
+        last_answer = run_submenu_pick(options, region, *pick).value_or(*pick);
     }
+    return SUBMENU;
 }
 
-Guarded A_X(Run& run, int n) {
-    Before before = look_before(&run.region);
+Guarded A_X(const Options& options, RegionInUse& region, int n) {
+    Before before = look_before(&region.settings);
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     LastAnswer last_answer;
-    for (int times_unchanged = 0;; before = look_before(&run.region)) {
-        const std::string bytes = read_gatebits_bytes(run.region.ENTERPRIZE_PERMISSION_FILE);
+    for (int times_unchanged = 0;; before = look_before(&region.settings)) {
+        const std::string bytes = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE);
         // A run without a dialog leaves the answer of the run before.
-        if (const LastAnswer answer = request->handler(run, *request)) last_answer = answer;
+        if (const LastAnswer answer = request->handler(options, region, *request).last_answer)
+            last_answer = answer;
         // Nothing was entered that another value could take the place of.
         if (last_answer.changed_meanwhile) return {0, last_answer};
-        times_unchanged = read_gatebits_bytes(run.region.ENTERPRIZE_PERMISSION_FILE) != bytes
+        times_unchanged = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE) != bytes
                               ? 0
                               : times_unchanged + 1;
         if (const FieldEditor* field = path_field(n)) {
-            return {path_holds(run.region.ENTERPRIZE_PERMISSION_FILE, *field), last_answer};
+            return {path_holds(region.settings.ENTERPRIZE_PERMISSION_FILE, *field), last_answer};
         }
 
         const auto after =
-            perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &run.region);
+            perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &region.settings);
         if (!after) return {0, last_answer};
         if (is_good_enough(*after, before)) return {1, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&

@@ -2,7 +2,8 @@
 
 #include <string>
 
-#include "actions/run.h"
+#include "actions/last_answer.h"
+#include "policy/region.h"
 
 // Views and changes one field of the region block.
 

@@ -12,6 +12,17 @@ namespace {
 
 // Typed values.
 
+// Validators that need to know less than the notify program's does.
+
+template <Validity (*is_ok)(const std::string& value, const std::string& os)>
+Validity of_path(const std::string& value, const std::string& os, const std::string& /*file*/) {
+    return is_ok(value, os);
+}
+template <Validity (*is_ok)(const std::string& value)>
+Validity of_text(const std::string& value, const std::string& /*os*/, const std::string& /*file*/) {
+    return is_ok(value);
+}
+
 /// The validator's message takes the prompt's place until a value passes; what is already there
 /// to be edited stays the field's value.
 Entered typed_value(const std::string& gatebits_file, const FieldEditor& editor,
@@ -51,8 +62,7 @@ constexpr FieldKind DEPOT = {
             return filled(DEPOT_PROMPT, editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string& os,
-                const std::string&) { return region_depot_is_ok(value, os); },
+    .is_ok = of_path<region_depot_is_ok>,
     .field_name =
         [](const FieldEditor& editor) { return filled(DEPOT_FIELD_NAME, editor.subject); },
     .further_changes = changes_with_depot,
@@ -65,8 +75,7 @@ constexpr FieldKind PARENT = {
             return filled(PARENT_PROMPT, back_to.c_str(), editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string& os,
-                const std::string&) { return region_parent_is_ok(value, os); },
+    .is_ok = of_path<region_parent_is_ok>,
     .names_a_path = true,
     .field_name =
         [](const FieldEditor& editor) { return filled(PARENT_FIELD_NAME, editor.subject); },
@@ -94,8 +103,7 @@ constexpr FieldKind LIST = {
             return filled(LIST_PROMPT, editor.subject, editor.example);
         },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&,
-                const std::string&) { return region_list_is_ok(value); },
+    .is_ok = of_text<region_list_is_ok>,
     .field_name = [](const FieldEditor& editor) { return filled(LIST_FIELD_NAME, editor.subject); },
 };
 
@@ -103,8 +111,7 @@ constexpr FieldKind MOTD = {
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_PROMPT, editor.example); },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&,
-                const std::string&) { return region_MOTD_is_ok(value); },
+    .is_ok = of_text<region_MOTD_is_ok>,
     .field_name = [](const FieldEditor&) { return std::string(MOTD_FIELD_NAME); },
 };
 
@@ -112,8 +119,7 @@ constexpr FieldKind MOTD_LIST = {
     .question = [](const FieldEditor& editor, const std::string&,
                    const std::string&) { return filled(MOTD_LIST_PROMPT, editor.example); },
     .ask_for = typed_value,
-    .is_ok = [](const std::string& value, const std::string&,
-                const std::string&) { return region_MOTDL_is_ok(value); },
+    .is_ok = of_text<region_MOTDL_is_ok>,
     .field_name = [](const FieldEditor&) { return std::string(MOTD_LIST_FIELD_NAME); },
 };
 

@@ -12,17 +12,20 @@ constexpr int IMPORTANT_FIELDS[] = {4, 5, 6, 7, 16, 23};
 constexpr int ALL_FIELDS[] = {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 22, 23};
 
 /// A step that is cancelled leads to the next one.
-void walk(Run& run, char settings, std::span<const int> actions) {
-    ask_all_configure(settings, &run.region);
-    for (const int number : actions) request_numbered(RequestKind::ACTION, number)->execute(run);
+void walk(const Options& options, RegionInUse& region, char settings,
+          std::span<const int> actions) {
+    ask_all_configure(settings, &region.settings);
+    for (const int number : actions) {
+        request_numbered(RequestKind::ACTION, number)->execute(options, region);
+    }
 }
 
 }  // namespace
 
-void A_28(Run& run) {
-    walk(run, IMPORTANT_SETTINGS, IMPORTANT_FIELDS);
+void A_28(const Options& options, RegionInUse& region) {
+    walk(options, region, IMPORTANT_SETTINGS, IMPORTANT_FIELDS);
 }
 
-void A_29(Run& run) {
-    walk(run, ALL_SETTINGS, ALL_FIELDS);
+void A_29(const Options& options, RegionInUse& region) {
+    walk(options, region, ALL_SETTINGS, ALL_FIELDS);
 }

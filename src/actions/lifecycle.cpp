@@ -72,12 +72,12 @@ std::string text_of_new_file(const ToolSettings& tools) {
                   tools.GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
 }
 
-void offer_the_walks(Run& run) {
+void offer_the_walks(const Options& options, RegionInUse& region) {
     switch (ask(POPULATE_NOW, "yes", "yes,no,abort")) {
         case YES:
-            return A_29(run);
+            return A_29(options, region);
         case NO:
-            return A_28(run);
+            return A_28(options, region);
         default:
             return;
     }
@@ -87,20 +87,20 @@ void use_file(const std::string& path, RegionSettings* region) {
     *region = interrogate_the_enterprise(path, region->tools);
 }
 
-Step create_file(Run& run) {
-    const auto chosen = select_cb_file(run.region.ENTERPRIZE_PERMISSION_FILE, PROMPT_05);
+Step create_file(const Options& options, RegionInUse& region) {
+    const auto chosen = select_cb_file(region.settings.ENTERPRIZE_PERMISSION_FILE, PROMPT_05);
     if (!chosen) return Step::GIVEN_UP;
-    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen, &run.region);
-    switch (create_gatebits_file(*chosen, text_of_new_file(run.region.tools))) {
+    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen, &region.settings);
+    switch (create_gatebits_file(*chosen, text_of_new_file(region.settings.tools))) {
         case NewFile::EXISTS:
-            return use_existing_or_again(*chosen, &run.region);
+            return use_existing_or_again(*chosen, &region.settings);
         case NewFile::NOT_CREATED:
             return again_if_wished(RETRY_LOCATION);
         case NewFile::CREATED:
             break;
     }
-    use_file(*chosen, &run.region);
-    offer_the_walks(run);
+    use_file(*chosen, &region.settings);
+    offer_the_walks(options, region);
     return Step::DONE;
 }
 
@@ -168,8 +168,8 @@ int A_25(RegionSettings& region) {
     return done_in_the_end([&] { return switch_file(&region); }) ? 1 : 0;
 }
 
-int A_26(Run& run) {
-    return done_in_the_end([&] { return create_file(run); }) ? 1 : 0;
+int A_26(const Options& options, RegionInUse& region) {
+    return done_in_the_end([&] { return create_file(options, region); }) ? 1 : 0;
 }
 
 int A_27(RegionSettings& region) {

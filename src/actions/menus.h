@@ -6,6 +6,10 @@
 
 // What the two menus show, all of it from the request table.
 
+/// The menus by number.
+inline constexpr int MAIN_MENU = 1;
+inline constexpr int SUBMENU = 2;
+
 /// The label in the wording of the edition (see GATEWARDEN_IS).
 const char* label_of(const Request& request, int edition);
 

@@ -16,57 +16,61 @@ namespace {
 // How the rows hand on what each handler takes.
 
 template <auto query>
-LastAnswer with_region(Run& run, const Request&) {
-    query(run.options, {run.GATEWARDEN_IS,
-                        run.region.logging_dir,
-                        {run.region.ENTERPRIZE_NAME, run.region.ENTERPRIZE_PERMISSION_FILE,
-                         run.region.results_dir, run.region.tools.GS_VAR[UNIX_BROWSER]}});
+Finished ask(const Options& options, RegionInUse& region, const Request&) {
+    const RegionSettings& settings = region.settings;
+    query(options, {region.GATEWARDEN_IS,
+                    settings.logging_dir,
+                    {settings.ENTERPRIZE_NAME, settings.ENTERPRIZE_PERMISSION_FILE,
+                     settings.results_dir, settings.tools.GS_VAR[UNIX_BROWSER]}});
     return {};
 }
-template <auto action>
-LastAnswer with_run(Run& run, const Request&) {
-    action(run);
+Finished prune(const Options& options, RegionInUse& region, const Request&) {
+    A_1(region.settings, options.displays());
     return {};
 }
-template <auto action>
-LastAnswer with_aliases(Run& run, const Request&) {
-    return action(run.region.ENTERPRIZE_PERMISSION_FILE, run.aliases);
+Finished submenu(const Options& options, RegionInUse& region, const Request&) {
+    return {.next_menu = A_2(options, region)};
 }
 /// The editor of the field of the region block that has the request's number.
-LastAnswer field(Run& run, const Request& request) {
-    return edit_field(request.number, &run.region).last_answer;
+Finished field(const Options&, RegionInUse& region, const Request& request) {
+    return {edit_field(request.number, &region.settings).last_answer};
 }
-LastAnswer keys(Run& run, const Request&) {
-    return A_21(run.region.ENTERPRIZE_PERMISSION_FILE, run.GATEWARDEN_IS);
+template <auto action>
+Finished with_aliases(const Options&, RegionInUse& region, const Request&) {
+    return {action(region.settings.ENTERPRIZE_PERMISSION_FILE, region.aliases)};
 }
-LastAnswer new_key(Run& run, const Request&) {
-    return A_22(run.region.ENTERPRIZE_PERMISSION_FILE);
+Finished keys(const Options&, RegionInUse& region, const Request&) {
+    return {A_21(region.settings.ENTERPRIZE_PERMISSION_FILE, region.GATEWARDEN_IS)};
 }
-LastAnswer prune(Run& run, const Request&) {
-    A_1(run.region, run.options.displays());
+Finished new_key(const Options&, RegionInUse& region, const Request&) {
+    return {A_22(region.settings.ENTERPRIZE_PERMISSION_FILE)};
+}
+Finished verify(const Options& options, RegionInUse& region, const Request&) {
+    A_23(region.settings, options.IS_DURING_INSTALL);
     return {};
 }
-LastAnswer verify(Run& run, const Request&) {
-    A_23(run.region, run.options.IS_DURING_INSTALL);
+Finished configure(const Options&, RegionInUse& region, const Request&) {
+    A_24(region.settings);
     return {};
 }
-LastAnswer configure(Run& run, const Request&) {
-    A_24(run.region);
+template <auto walk>
+Finished guide(const Options& options, RegionInUse& region, const Request&) {
+    walk(options, region);
     return {};
 }
 
 // Another gatebits file in use makes the region's settings stale.
 
-LastAnswer load_again(RegionSettings* region) {
-    *region = interrogate_the_enterprise(region->ENTERPRIZE_PERMISSION_FILE, region->tools);
+Finished load_again(RegionSettings& region) {
+    region = interrogate_the_enterprise(region.ENTERPRIZE_PERMISSION_FILE, region.tools);
     return {};
 }
 template <auto action>
-LastAnswer with_region_then_reload(Run& run, const Request&) {
-    return action(run.region) == 1 ? load_again(&run.region) : LastAnswer();
+Finished put_in_use(const Options&, RegionInUse& region, const Request&) {
+    return action(region.settings) == 1 ? load_again(region.settings) : Finished();
 }
-LastAnswer create(Run& run, const Request&) {
-    return A_26(run) == 1 ? load_again(&run.region) : LastAnswer();
+Finished create(const Options& options, RegionInUse& region, const Request&) {
+    return A_26(options, region) == 1 ? load_again(region.settings) : Finished();
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
@@ -77,14 +81,14 @@ constexpr auto APART = Shown::AFTER_SEPARATOR;
 constexpr auto INSTALLER = Shown::TO_INSTALLER_ONLY;
 
 constexpr std::array<Request, 34> REQUESTS = {{
-    {QUERY, 1, Q1, nullptr, with_region<Q_1>, false, false, YES, NO},
-    {QUERY, 2, Q2, nullptr, with_region<Q_2>, false, false, YES, NO},
-    {QUERY, 3, Q3, Q3_L, with_region<Q_3>, false, false, YES, NO},
-    {QUERY, 4, Q4, nullptr, with_region<Q_4>, false, false, YES, NO},
-    {QUERY, 5, Q5, Q5_L, with_region<Q_5>, false, false, YES, NO},
-    {QUERY, 6, Q6, nullptr, with_region<Q_6>, false, false, YES, NO},
+    {QUERY, 1, Q1, nullptr, ask<Q_1>, false, false, YES, NO},
+    {QUERY, 2, Q2, nullptr, ask<Q_2>, false, false, YES, NO},
+    {QUERY, 3, Q3, Q3_L, ask<Q_3>, false, false, YES, NO},
+    {QUERY, 4, Q4, nullptr, ask<Q_4>, false, false, YES, NO},
+    {QUERY, 5, Q5, Q5_L, ask<Q_5>, false, false, YES, NO},
+    {QUERY, 6, Q6, nullptr, ask<Q_6>, false, false, YES, NO},
     {ACTION, 1, A1, nullptr, prune, false, false, APART, NO},
-    {ACTION, 2, A2, nullptr, with_run<A_2>, false, true, APART, NO},
+    {ACTION, 2, A2, nullptr, submenu, false, true, APART, NO},
     {ACTION, 4, A4, nullptr, field, true, true, NO, YES},
     {ACTION, 5, A5, nullptr, field, true, true, NO, YES},
     {ACTION, 6, A6, nullptr, field, true, true, NO, YES},
@@ -106,18 +110,19 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 22, A22, nullptr, new_key, true, true, NO, YES},
     {ACTION, 23, A23, nullptr, verify, false, true, YES, YES},
     {ACTION, 24, A24, nullptr, configure, false, true, APART, INSTALLER},
-    {ACTION, 25, A25, nullptr, with_region_then_reload<A_25>, false, false, APART, NO},
+    {ACTION, 25, A25, nullptr, put_in_use<A_25>, false, false, APART, NO},
     {ACTION, 26, A26, nullptr, create, false, false, YES, NO},
-    {ACTION, 27, A27, nullptr, with_region_then_reload<A_27>, false, false, YES, NO},
-    {ACTION, 28, A28, nullptr, with_run<A_28>, false, true, NO, NO},
-    {ACTION, 29, A29, nullptr, with_run<A_29>, false, true, NO, NO},
+    {ACTION, 27, A27, nullptr, put_in_use<A_27>, false, false, YES, NO},
+    {ACTION, 28, A28, nullptr, guide<A_28>, false, true, NO, NO},
+    {ACTION, 29, A29, nullptr, guide<A_29>, false, true, NO, NO},
 }};
 
 }  // namespace
 
-LastAnswer Request::execute(Run& run) const {
-    if (refused(*this, run.options)) return {};
-    return guarded ? A_X(run, number).last_answer : handler(run, *this);
+Finished Request::execute(const Options& options, RegionInUse& region) const {
+    if (refused(*this, options)) return {};
+    if (guarded) return {A_X(options, region, number).last_answer};
+    return handler(options, region, *this);
 }
 
 std::span<const Request> all_requests() {

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 
-#include "actions/run.h"
+#include "actions/last_answer.h"
+#include "base/options.h"
+#include "policy/region.h"
 
 // The table of everything that an operator can ask for: the menus, the command line's limits, the
 // installer's refusals, the dispatch, the manual and the completion all read it.
@@ -12,6 +15,13 @@ enum class RequestKind { QUERY, ACTION };
 
 /// Whether and how a menu shows a request.
 enum class Shown { NO, YES, AFTER_SEPARATOR, TO_INSTALLER_ONLY };
+
+/// How a request ended.
+struct Finished {
+    LastAnswer last_answer = {};
+    /// The menu that comes next; nothing when the one that was due still is.
+    std::optional<int> next_menu = {};
+};
 
 struct Request {
     RequestKind kind;
@@ -22,7 +32,7 @@ struct Request {
     /// The same in the lite edition's wording; null where it does not differ.
     const char* lite_label;
     /// What does its work, without the guard and the refusal.
-    LastAnswer (*handler)(Run& run, const Request& request);
+    Finished (*handler)(const Options& options, RegionInUse& region, const Request& request);
     /// Whether the gatebits file is checked before and after (A_X runs the handler).
     bool guarded;
     /// Whether it does its work when the installer started the program.
@@ -32,7 +42,7 @@ struct Request {
     Shown in_submenu;
 
     /// Runs the request, with the guard where it has one, unless the installer is refused it.
-    LastAnswer execute(Run& run) const;
+    Finished execute(const Options& options, RegionInUse& region) const;
 };
 
 std::span<const Request> all_requests();

@@ -32,22 +32,24 @@ std::string gatebits_question(const Options& options, const char* from_environme
     return filled(WARN_03, ENV_GATEBITS_FILE, WARN_00);
 }
 
-void make_new_gatebits_file(Run& run) {
-    if (refused(*request_numbered(RequestKind::ACTION, 26), run.options) || A_26(run) != 1) {
+void make_new_gatebits_file(const Options& options, RegionInUse& region) {
+    if (refused(*request_numbered(RequestKind::ACTION, 26), options) ||
+        A_26(options, region) != 1) {
         clean_exit(1);
     }
 }
 
-void open_existing_gatebits_file(Run& run) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), run.options) || A_25(run.region) != 1)
+void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
+    if (refused(*request_numbered(RequestKind::ACTION, 25), options) ||
+        A_25(region.settings) != 1) {
         clean_exit(1);
+    }
 }
 
 }  // namespace
 
-void choose_gatebits_file(Run& run) {
-    const Options& options = run.options;
-    std::string& file = run.region.ENTERPRIZE_PERMISSION_FILE;
+void choose_gatebits_file(const Options& options, RegionInUse& region) {
+    std::string& file = region.settings.ENTERPRIZE_PERMISSION_FILE;
     file = options.selected_file.value_or("");
     if (options.file_selected) return;
     const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
@@ -55,9 +57,9 @@ void choose_gatebits_file(Run& run) {
     const Answer answer = ask(gatebits_question(options, named), "yes", "yes,no,abort");
     file.clear();
     if (answer == YES) {
-        make_new_gatebits_file(run);
+        make_new_gatebits_file(options, region);
     } else if (answer == NO) {
-        open_existing_gatebits_file(run);
+        open_existing_gatebits_file(options, region);
     } else {
         clean_exit(1);
     }

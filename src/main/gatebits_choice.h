@@ -1,8 +1,9 @@
 #pragma once
 
-#include "actions/run.h"
+#include "base/options.h"
+#include "policy/region.h"
 
-/// Settles which gatebits file to use: the readable one that the arguments named, the
+/// Settles which gatebits file is in use: the readable one that the arguments named, the
 /// environment's, or a new or another one as the operator answers. Ends the process with status 1
 /// when the operator gives up.
-void choose_gatebits_file(Run& run);
+void choose_gatebits_file(const Options& options, RegionInUse& region);

@@ -27,14 +27,14 @@ int run(const std::vector<std::string>& words) {
 
     obey_sole_option(arguments);
     const Options options = parse_arguments(arguments);
-    Run run = {options};
-    run.region.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
-    choose_gatebits_file(run);
-    run.region =
-        interrogate_the_enterprise(run.region.ENTERPRIZE_PERMISSION_FILE, run.region.tools);
-    run.GATEWARDEN_IS = read_edition(run.region.ENTERPRIZE_PERMISSION_FILE);
-    if (options.data_gen_selected) data_gen(run.region.logging_dir);
-    return status_with_output_written(run_requests(run));
+    RegionInUse region;
+    region.settings.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
+    choose_gatebits_file(options, region);
+    region.settings = interrogate_the_enterprise(region.settings.ENTERPRIZE_PERMISSION_FILE,
+                                                 region.settings.tools);
+    region.GATEWARDEN_IS = read_edition(region.settings.ENTERPRIZE_PERMISSION_FILE);
+    if (options.data_gen_selected) data_gen(region.settings.logging_dir);
+    return status_with_output_written(run_requests(options, region));
 }
 
 }  // namespace

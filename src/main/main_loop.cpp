@@ -22,40 +22,44 @@ const Request* request_from_command_line(const Options& options) {
     return request;
 }
 
-/// Shows the menu that is due once; nothing when the submenu was left.
-std::optional<std::string> show_menu(Run& run) {
-    const bool during_install = run.options.IS_DURING_INSTALL;
-    const bool main_menu = run.chapter == MAIN_MENU;
-    const auto pick =
-        main_menu ? make_selection(main_menu_title(run.region.ENTERPRIZE_NAME),
-                                   main_menu_entries(run.GATEWARDEN_IS), SINGLE_CHOICE)
-                  : make_selection(submenu_title(run.region.ENTERPRIZE_NAME, during_install),
-                                   submenu_entries(during_install), SINGLE_CHOICE);
+/// Shows the menu that is due once; nothing when the submenu was left, and the main menu is due.
+std::optional<std::string> show_menu(bool during_install, const RegionInUse& region, int* chapter) {
+    const std::string& name = region.settings.ENTERPRIZE_NAME;
+    const bool main_menu = *chapter == MAIN_MENU;
+    const auto pick = main_menu
+                          ? make_selection(main_menu_title(name),
+                                           main_menu_entries(region.GATEWARDEN_IS), SINGLE_CHOICE)
+                          : make_selection(submenu_title(name, during_install),
+                                           submenu_entries(during_install), SINGLE_CHOICE);
     if (!pick && (main_menu || during_install)) clean_exit(0);
-    if (!pick) run.chapter = MAIN_MENU;
+    if (!pick) *chapter = MAIN_MENU;
     return pick;
 }
 
-/// What the operator picks; null when there is no such request.
-const Request* request_from_menu(Run& run) {
+/// What the operator picks; null when there is no such request. `*chapter` is the menu that is due.
+const Request* request_from_menu(bool during_install, const RegionInUse& region, int* chapter) {
     while (true) {
         // The installer has no main menu.
-        if (run.chapter == MAIN_MENU && run.options.IS_DURING_INSTALL) clean_exit(0);
-        const auto pick = show_menu(run);
+        if (*chapter == MAIN_MENU && during_install) clean_exit(0);
+        const auto pick = show_menu(during_install, region, chapter);
         if (pick && !pick->empty() && !is_separator(*pick)) return request_labelled(*pick);
     }
 }
 
 }  // namespace
 
-int run_requests(Run& run) {
-    const Options& options = run.options;
+int run_requests(const Options& options, RegionInUse& region) {
+    int chapter = MAIN_MENU;
     const Request* from_command_line = request_from_command_line(options);
     do {
         const Request* request =
-            from_command_line != nullptr ? from_command_line : request_from_menu(run);
+            from_command_line != nullptr
+                ? from_command_line
+                : request_from_menu(options.IS_DURING_INSTALL, region, &chapter);
         from_command_line = nullptr;
-        if (request != nullptr) request->execute(run);
+        if (request != nullptr) {
+            chapter = request->execute(options, region).next_menu.value_or(chapter);
+        }
     } while (!options.runs_once());
     return static_cast<unsigned char>(options.selected_repeat.front());
 }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "policy/aliases.h"
 #include "policy/tool_variables.h"
 
 /// The gatebits file in use, and the region's settings as that has them. Whoever holds them loads
@@ -24,6 +25,16 @@ struct RegionSettings {
     /// Directory where report pages are written, without a delimiter at its end.
     std::string results_dir;
     ToolSettings tools = {};
+};
+
+/// The region that a run works on.
+struct RegionInUse {
+    /// Set by start-up, and by whoever changes one of them or puts another file in use.
+    RegionSettings settings = {};
+    /// The edition, as read_edition found it at start-up.
+    int GATEWARDEN_IS = 1;
+    /// As the last action on aliases found them; their count is not forgotten in between.
+    Aliases aliases = {};
 };
 
 /// Loads the settings of the gatebits file. Every fault of the region block ends the program

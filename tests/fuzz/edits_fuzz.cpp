@@ -27,11 +27,12 @@ std::string some_gatebits(FuzzedDataProvider& data) {
 }
 
 void run_actions(FuzzedDataProvider& data, const Options& options) {
-    Run run = {options};
-    run.region = interrogate_the_enterprise(gatebits_path(), {});
-    run.GATEWARDEN_IS = read_edition(gatebits_path());
+    RegionInUse region;
+    region.settings = interrogate_the_enterprise(gatebits_path(), {});
+    region.GATEWARDEN_IS = read_edition(gatebits_path());
     for (int actions = data.ConsumeIntegralInRange(1, 3); actions > 0; --actions) {
-        request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))->execute(run);
+        request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))
+            ->execute(options, region);
     }
 }
 

@@ -11,9 +11,9 @@ namespace {
 class Dispatch : public OnStage {
   protected:
     Dispatch() {
-        run.region.ENTERPRIZE_PERMISSION_FILE = gatebits_file;
-        run.region.tools.GS_VAR[UNIX_CHECKER] = region.checker_path();
-        run.region.tools.EMERGENCY_CHECKER = path("none");
+        east.settings.ENTERPRIZE_PERMISSION_FILE = gatebits_file;
+        east.settings.tools.GS_VAR[UNIX_CHECKER] = region.checker_path();
+        east.settings.tools.EMERGENCY_CHECKER = path("none");
         ZUL_PREFER_GUI = 0;
         region_is("", "");
     }
@@ -25,12 +25,12 @@ class Dispatch : public OnStage {
     }
 
     Options options;
-    ::Run run = {options};
+    RegionInUse east;
 };
 
 TEST_F(Dispatch, ActionsThatAreNotGuardedAreAFault) {
     for (const int number : {0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 24, 25, 26, 27, 28, 29, 30}) {
-        EXPECT_GRIPE(A_X(run, number), "incomplete action coding in A_X:main");
+        EXPECT_GRIPE(A_X(options, east, number), "incomplete action coding in A_X:main");
     }
 }
 
@@ -38,28 +38,28 @@ TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
     region.write_file("file", "");
     for (const int number : {7, 10}) {
         region_is("", "");
-        EXPECT_EQ(A_X(run, number).holds, 1);
+        EXPECT_EQ(A_X(options, east, number).holds, 1);
         region_is(path("file"), path("file"));
-        EXPECT_EQ(A_X(run, number).holds, 1);
+        EXPECT_EQ(A_X(options, east, number).holds, 1);
         region_is(path(""), path(""));
-        EXPECT_EQ(A_X(run, number).holds, 0);
+        EXPECT_EQ(A_X(options, east, number).holds, 0);
         region_is(path("nothing"), path("nothing"));
-        EXPECT_EQ(A_X(run, number).holds, 0);
+        EXPECT_EQ(A_X(options, east, number).holds, 0);
     }
 }
 
 TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
-    EXPECT_EQ(A_X(run, 6).holds, 1);
-    EXPECT_EQ(A_X(run, 9).holds, 1);
+    EXPECT_EQ(A_X(options, east, 6).holds, 1);
+    EXPECT_EQ(A_X(options, east, 9).holds, 1);
 }
 
 TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
-    EXPECT_EQ(A_X(run, 11).holds, 1);
-    run.region.tools.GS_VAR[UNIX_CHECKER] = path("none");
+    EXPECT_EQ(A_X(options, east, 11).holds, 1);
+    east.settings.tools.GS_VAR[UNIX_CHECKER] = path("none");
     int result = -1;
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";
-    EXPECT_EQ(printed_by([&] { result = A_X(run, 11).holds; }), not_found + not_found);
+    EXPECT_EQ(printed_by([&] { result = A_X(options, east, 11).holds; }), not_found + not_found);
     EXPECT_EQ(result, 0);
 }
 
@@ -68,7 +68,7 @@ TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
     int result = -1;
-    EXPECT_EQ(printed_by([&] { result = A_X(run, 11).holds; }), reenter + reenter);
+    EXPECT_EQ(printed_by([&] { result = A_X(options, east, 11).holds; }), reenter + reenter);
     EXPECT_EQ(result, 1);
 }
 
@@ -86,7 +86,7 @@ TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
 }
 
 TEST_F(Dispatch, UnknownSetOfSettingsIsAFault) {
-    EXPECT_GRIPE(ask_all_configure('X', &run.region), "Internal error in ask_all_configure");
+    EXPECT_GRIPE(ask_all_configure('X', &east.settings), "Internal error in ask_all_configure");
 }
 
 }  // namespace
