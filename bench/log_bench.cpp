@@ -20,7 +20,7 @@ constexpr std::size_t PIECE_SIZE = 128 * 1024;
 /// So many that no processor learns by heart what comes next.
 constexpr std::size_t PIECES = 16;
 
-/// Records in whole lines that end in `line_end`, with the margin behind them.
+/// Records in whole lines that end in `line_end`, with the margin after them.
 std::string made_records(std::size_t size, const std::string& line_end) {
     std::mt19937 random(20);
     std::string made;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::int64_t SPAN = BENCH_DAYS * std::int64_t{86400};
 
-/// How long ago the record behind the first `done` of `size` bytes was.
+/// How long ago the record after the first `done` of `size` bytes was.
 std::int64_t age(std::mt19937& random, bool in_order, std::size_t done, std::size_t size) {
     if (!in_order) return static_cast<std::int64_t>(random() % SPAN);
     return SPAN - SPAN * static_cast<std::int64_t>(done) / static_cast<std::int64_t>(size);

@@ -26,7 +26,7 @@
 
 namespace {
 
-/// The part of a label that stands behind its number.
+/// The part of a label that comes after its number.
 std::string title_of(std::string_view label) {
     constexpr std::string_view MARK = " - ";
     const auto mark = label.find(MARK);

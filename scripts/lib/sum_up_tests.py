@@ -19,7 +19,7 @@ def kind_of(name):
 
 
 def reason_of(test):
-    """What a skipped test says: behind Google Test's mark, or in the last line of a script."""
+    """What a skipped test says: after Google Test's mark, or in the last line of a script."""
     said = test.findtext("system-out", "").strip()
     marked = re.search(r": Skipped\n(.*)", said)
     if marked:

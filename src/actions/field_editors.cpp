@@ -10,22 +10,33 @@
 
 namespace {
 
-/// All that the new value changes, in one write.
-std::vector<FieldChange> changes_of(const std::string& gatebits_file, const FieldEditor& editor,
-                                    const std::string& stored, const std::string& value) {
-    std::vector<FieldChange> changes = {{editor.line, editor.field, value, stored}};
-    if (editor.kind->further_changes != nullptr) {
-        for (const FieldChange& change :
-             editor.kind->further_changes(gatebits_file, editor, value)) {
-            changes.push_back(change);
-        }
-    }
-    return changes;
+/// How an editor ended.
+enum class Edited {
+    WRITTEN,
+    LEFT  ///< cancelled, aborted or refused; nothing was written
+};
+
+struct Edit {
+    Edited ended;
+    LastAnswer last_answer;
+};
+
+Edit view_change_depot(const std::string& os, RegionSettings* region);
+
+/// What the new value changes elsewhere.
+std::vector<FieldChange> further_changes(const std::string& gatebits_file,
+                                         const FieldEditor& editor, const std::string& value) {
+    if (editor.kind->further_changes == nullptr) return {};
+    return editor.kind->further_changes(gatebits_file, editor, value);
 }
 
+/// `stored` is what the field held when the operator was asked.
 ChangeResult write_and_report(const FieldEditor& editor, const Change& change,
-                              const std::vector<FieldChange>& changes, RegionSettings* region) {
-    const ChangeResult result = set_fields(region->ENTERPRIZE_PERMISSION_FILE, changes);
+                              const std::string& stored, const std::vector<FieldChange>& further,
+                              RegionSettings* region) {
+    const ChangeResult result =
+        set_a_field(region->ENTERPRIZE_PERMISSION_FILE,
+                    {editor.line, editor.field, change.to, stored}, further);
     if (!field_written_or_told(result, region->ENTERPRIZE_PERMISSION_FILE, change.item, editor.line,
                                editor.field)) {
         return result;
@@ -83,20 +94,18 @@ Edit edit(const FieldEditor& editor, RegionSettings* region) {
         if (!entered.value) return {Edited::LEFT, entered.last_answer};
         const Change change = {kind.field_name(editor), current, *entered.value};
         // Made up before the question, so that what it shows cannot be newer.
-        const std::vector<FieldChange> changes =
-            changes_of(gatebits_file, editor, stored, change.to);
+        const std::vector<FieldChange> further = further_changes(gatebits_file, editor, change.to);
         const Consent consent = confirm_change(change, warnings_of(gatebits_file, editor, change));
         if (consent == DECLINED) continue;
         if (consent != CONFIRMED) return {Edited::LEFT, entered.last_answer};
-        const ChangeResult result = write_and_report(editor, change, changes, region);
+        const ChangeResult result = write_and_report(editor, change, stored, further, region);
         return {result == ChangeResult::WRITTEN ? Edited::WRITTEN : Edited::LEFT,
                 {entered.last_answer, result}};
     }
 }
 
-}  // namespace
-
-Edit edit_field(int n, RegionSettings* region) {
+/// The editor of action n.
+Edit run_editor(int n, RegionSettings* region) {
     for (const FieldEditor& editor : field_editors()) {
         if (editor.action == n) return edit(editor, region);
     }
@@ -104,5 +113,11 @@ Edit edit_field(int n, RegionSettings* region) {
 }
 
 Edit view_change_depot(const std::string& os, RegionSettings* region) {
-    return edit_field(os == WINDOWS_OS ? 4 : 5, region);
+    return run_editor(os == WINDOWS_OS ? 4 : 5, region);
+}
+
+}  // namespace
+
+LastAnswer edit_field(int n, RegionSettings* region) {
+    return run_editor(n, region).last_answer;
 }

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "actions/last_answer.h"
 #include "policy/region.h"
 
@@ -10,21 +8,7 @@
 /// Always true; every editor loop runs while it holds.
 inline constexpr bool the_sun_rises = true;
 
-/// How an editor ended; the depot's callers look at it.
-enum class Edited {
-    WRITTEN,
-    LEFT  ///< cancelled, aborted or refused; nothing was written
-};
-
-struct Edit {
-    Edited ended;
-    LastAnswer last_answer;
-};
-
-/// Runs the editor of action n (4 to 16). The settings of the region are loaded again when they
-/// depend on what was changed.
-Edit edit_field(int n, RegionSettings* region);
-
-/// The policy depot of WINDOWS_OS or UNIX_OS. Clearing it also clears that system's parent and
-/// notify fields and, when the other depot is empty, switches logging off.
-Edit view_change_depot(const std::string& os, RegionSettings* region);
+/// Runs the editor of action n (4 to 16); gripes for any other number. A field that cannot do
+/// without a depot leads to the depot's editor first. The settings of the region are loaded again
+/// when they depend on what was changed.
+LastAnswer edit_field(int n, RegionSettings* region);

@@ -2,11 +2,16 @@
 
 #include <vector>
 
+#include "actions/requests.h"
 #include "base/filled.h"
 #include "dialog/prompts.h"
 #include "messages/menu_labels.h"
 
 namespace {
+
+const char* label_of(const Request& request, int edition) {
+    return request.lite_label != nullptr && edition == 0 ? request.lite_label : request.label;
+}
 
 /// The labels of what `column` shows.
 std::string entries(Shown Request::*column, int edition, bool during_install) {
@@ -21,10 +26,6 @@ std::string entries(Shown Request::*column, int edition, bool during_install) {
 }
 
 }  // namespace
-
-const char* label_of(const Request& request, int edition) {
-    return request.lite_label != nullptr && edition == 0 ? request.lite_label : request.label;
-}
 
 std::string main_menu_entries(int edition) {
     return entries(&Request::in_main_menu, edition, false);

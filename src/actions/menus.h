@@ -2,18 +2,14 @@
 
 #include <string>
 
-#include "actions/requests.h"
-
 // What the two menus show, all of it from the request table.
 
 /// The menus by number.
 inline constexpr int MAIN_MENU = 1;
 inline constexpr int SUBMENU = 2;
 
-/// The label in the wording of the edition (see GATEWARDEN_IS).
-const char* label_of(const Request& request, int edition);
-
-/// Entries of the two menus, separated by commas; the submenu has one more for the installer.
+/// Entries of the two menus, separated by commas; the main menu's are in the wording of the edition
+/// (see GATEWARDEN_IS), and the submenu has one more for the installer.
 std::string main_menu_entries(int edition);
 std::string submenu_entries(bool during_install);
 

@@ -33,7 +33,7 @@ Finished submenu(const Options& options, RegionInUse& region, const Request&) {
 }
 /// The editor of the field of the region block that has the request's number.
 Finished field(const Options&, RegionInUse& region, const Request& request) {
-    return {edit_field(request.number, &region.settings).last_answer};
+    return {edit_field(request.number, &region.settings)};
 }
 template <auto action>
 Finished with_aliases(const Options&, RegionInUse& region, const Request&) {

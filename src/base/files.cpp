@@ -22,7 +22,3 @@ int open_regular_file(const std::string& path, int flags) {
     }
     return file.release();
 }
-
-int make_public(const std::string& path) {
-    return chmod(path.c_str(), 0666);
-}

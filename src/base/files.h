@@ -9,6 +9,3 @@ bool this_file_exists(const std::string& path);
 /// write as far as the umask lets them. Never waits for the other end of a pipe or for a device:
 /// those are refused with EINVAL, or what the system says. The descriptor, or -1 with errno set.
 int open_regular_file(const std::string& path, int flags);
-
-/// Sets the mode to 0666; the result is the system call's.
-int make_public(const std::string& path);

@@ -146,6 +146,10 @@ void move_file(const std::string& source, const std::string& destination) {
     unlink_remove(source);
 }
 
+int make_public(const std::string& path) {
+    return chmod(path.c_str(), 0666);
+}
+
 int make_fully_readable(const std::string& path) {
     return chmod(path.c_str(), 0444);
 }

@@ -25,7 +25,8 @@ int copy_file(const std::string& source, const std::string& destination);
 /// copy_file, then the source is removed.
 void move_file(const std::string& source, const std::string& destination);
 
-/// Sets the mode to 0444; the result is the system call's.
+/// Set the mode to 0666 and to 0444; the result is the system call's.
+int make_public(const std::string& path);
 int make_fully_readable(const std::string& path);
 
 /// Whether two files hold the same bytes. Files that cannot be read, and empty files, never do.

@@ -27,13 +27,9 @@ inline constexpr char ADDED[] = "Successfully added %s\n\n    %s=%s";
 inline constexpr char CONFIRM_DELETION_OF[] = "Confirm deletion of: %s\n\n    %s";
 inline constexpr char DELETED[] = "Successfully deleted %s\n\n    %s";
 
-/// What the item names are recognised by.
-inline constexpr char POLICY_DEPOT[] = "Policy Depot";
-inline constexpr char PARENT_FILE[] = "Parent Gatebits file";
-inline constexpr char NOTIFY_PROGRAM[] = "Notify Program";
+/// Names of items.
 inline constexpr char RESTRICTED_LIST[] = "Region Restricted Access List";
 inline constexpr char SPECIAL_LIST[] = "Region Special Access List";
-inline constexpr char COMMAND_KEY[] = "Command Key";
 inline constexpr char GATESCOPE_VARIABLE[] = "Gatescope Variable";
 inline constexpr char ALIAS_ADDITION[] = "Alias";
 

@@ -47,7 +47,7 @@ inline constexpr std::array<EnvironmentVariable, 18> ENVIRONMENT = {{
     {"REMOTE_USER", "The operator's login name, fourth choice"},
     {"UNMAPPED_REMOTE_USER", "The operator's login name, fifth choice"},
     {ENV_COOKIE,
-     "The operator's login name, behind user= and up to the next semicolon, when none of the "
+     "The operator's login name, after user= and up to the next semicolon, when none of the "
      "five is set; without it, the password database tells"},
     {"CLEARCASE_VIEW_KIND",
      "The kind of the operator's view, as a word that holds \"snapshot\" or \"web\""},

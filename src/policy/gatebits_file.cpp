@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -237,23 +238,20 @@ std::string field_or_empty(const std::string& path, int n, int f) {
     return value;
 }
 
-ChangeResult set_fields(const std::string& path, const std::vector<FieldChange>& changes) {
+ChangeResult set_a_field(const std::string& path, const FieldChange& change,
+                         const std::vector<FieldChange>& further) {
     ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
     change_gatebits_lines(path, [&](std::vector<std::string>* lines) {
-        for (const FieldChange& change : changes) {
-            if (!holds_what_was_shown(change, *lines)) return false;
+        const auto still_holds = [&](const FieldChange& one) {
+            return holds_what_was_shown(one, *lines);
+        };
+        if (!still_holds(change) || !std::all_of(further.begin(), further.end(), still_holds)) {
+            return false;
         }
         bool any = false;
-        for (const FieldChange& change : changes) {
-            const ChangeResult one = change_field(change, lines, &any);
-            if (&change == &changes.front()) result = one;
-        }
+        result = change_field(change, lines, &any);
+        for (const FieldChange& one : further) change_field(one, lines, &any);
         return any && result != ChangeResult::NO_SUCH_LINE;
     });
     return result;
-}
-
-ChangeResult set_a_field(const std::string& path, int n, int f, const std::string& value,
-                         const std::optional<std::string>& shown) {
-    return set_fields(path, {{n, f, value, shown}});
 }

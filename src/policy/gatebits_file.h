@@ -104,12 +104,10 @@ struct FieldChange {
     std::optional<std::string> shown = {};
 };
 
-/// Rebuilds lines with new values as their fields, every field ended by ';', all in one write. Text
-/// after the last ';' goes. A field one past the last is accepted, but its value is not written.
-/// Nothing is written when one of the fields no longer holds what was shown. The result is that of
-/// the first change; one of a further field that does not exist is passed over.
-ChangeResult set_fields(const std::string& path, const std::vector<FieldChange>& changes);
-
-/// set_fields for one field.
-ChangeResult set_a_field(const std::string& path, int n, int f, const std::string& value,
-                         const std::optional<std::string>& shown = std::nullopt);
+/// Rebuilds the line with the new value as its field, every field ended by ';', and in the same
+/// write the lines of the `further` changes. Text after the last ';' goes. A field one past the
+/// last is accepted, but its value is not written. Nothing is written when one of the fields no
+/// longer holds what was shown. The result is that of `change`; a further one of a field that does
+/// not exist is passed over.
+ChangeResult set_a_field(const std::string& path, const FieldChange& change,
+                         const std::vector<FieldChange>& further = {});

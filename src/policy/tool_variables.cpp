@@ -4,6 +4,15 @@
 
 namespace {
 
+/// Which of the eight settings `line` sets, if any.
+std::optional<std::size_t> tool_variable_of(std::string_view line) {
+    const std::string_view text = without_leading_blanks(line);
+    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) {
+        if (text.starts_with(GS_VAR_NAME[i])) return i;
+    }
+    return std::nullopt;
+}
+
 std::string value_in(std::string_view line) {
     return std::string(line.substr(line.find('=') + 1));
 }
@@ -30,14 +39,6 @@ std::vector<std::string> with_settings_on_top(const ToolSettings& tools,
 }
 
 }  // namespace
-
-std::optional<std::size_t> tool_variable_of(std::string_view line) {
-    const std::string_view text = without_leading_blanks(line);
-    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) {
-        if (text.starts_with(GS_VAR_NAME[i])) return i;
-    }
-    return std::nullopt;
-}
 
 void take_tool_variable(std::string_view line, ToolSettings* tools) {
     if (const auto i = tool_variable_of(line)) tools->GS_VAR[*i] = value_in(line);

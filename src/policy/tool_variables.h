@@ -30,9 +30,6 @@ struct ToolSettings {
     std::string EMERGENCY_CHECKER;
 };
 
-/// Which of the eight settings `line` sets, if any.
-std::optional<std::size_t> tool_variable_of(std::string_view line);
-
 /// Puts the value of `line`, everything after its first '=', into GS_VAR when the line sets one
 /// of the eight.
 void take_tool_variable(std::string_view line, ToolSettings* tools);

@@ -105,7 +105,7 @@ TEST(Completion, OffersOptionsOnlyAsTheFirstArgument) {
     EXPECT_EQ(offered("gatescope Q=1 -"), Words{});
 }
 
-TEST(Completion, OffersNothingBehindAnOption) {
+TEST(Completion, OffersNothingAfterAnOption) {
     EXPECT_EQ(offered("gatescope -ver "), Words{});
 }
 
@@ -188,7 +188,7 @@ TEST(Completion, OffersNoActionBesideAQuery) {
     EXPECT_EQ(offered("gatescope A=1 Q"), Words{});
 }
 
-TEST(Completion, OffersNoDisplayBehindARepeat) {
+TEST(Completion, OffersNoDisplayAfterARepeat) {
     EXPECT_EQ(offered("gatescope D=n R"), Words{"R="});
     EXPECT_EQ(offered("gatescope R=n D"), Words{});
 }

@@ -331,7 +331,7 @@ class Page(Edit):
             return None
         if state != new and not run.told():
             return "there is only %s, and nothing was said (status %d)" % (list(state), run.status)
-        # Without a lock nobody knows whose bytes are behind those that were there before, nor whose
+        # Without a lock nobody knows whose bytes come after those that were there before, nor whose
         # an empty page is.
         if self.always and "is incomplete" in run.said:
             return None
@@ -504,7 +504,7 @@ def disturbances(calls, long):
             gentle = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
             yield "%s:signal=%s:when=%d" % (name, gentle, number), SIGNAL, line
         changed = changes_something(name, line)
-        # The program pauses behind the call, so what it has just seen may be out of date then.
+        # The program pauses after the call, so what it has just seen may be out of date then.
         has_looked = name in ("newfstatat", "read", "pread64") and "ENOENT" not in line
         if long and loaded >= 2 and (changed or has_looked):
             yield "%s:signal=SIGSTOP:when=%d" % (name, number), PAUSE, line

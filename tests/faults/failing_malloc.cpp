@@ -1,5 +1,5 @@
 // Preloaded into gatescope, and into it alone, this lets the allocation fail whose number stands in
-// FAIL_ALLOCATION, or with a "+" behind the number that one and all after it; and writes at the end
+// FAIL_ALLOCATION, or with a "+" after the number that one and all after it; and writes at the end
 // into the file ALLOCATIONS how many there were.
 
 #include <fcntl.h>

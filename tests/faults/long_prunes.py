@@ -52,7 +52,7 @@ class Pruning:
         return int(LINE.findall(self.shown)[-1])
 
     def end(self):
-        """What stands on the terminal in the end behind the line, which must have been wiped."""
+        """What stands on the terminal in the end after the line, which must have been wiped."""
         until = time.monotonic() + WAIT
         while self.program.poll() is None:
             assert time.monotonic() < until, f"goes on and on: {self.shown!r}"

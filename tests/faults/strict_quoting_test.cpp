@@ -87,7 +87,7 @@ class StrictQuoting : public testing::Test {
     ScratchDirectory temporary;
     const std::string recorded = directory / "recorded";
     const std::string trace = directory / "trace";
-    /// Everything that a shell acts on, inside double quotes or behind them.
+    /// Everything that a shell acts on, inside double quotes or after them.
     const std::string hostile = "$(touch " + trace + ") `touch " + trace + "` \"; touch " + trace +
                                 "; \" $HOME ${HOME} \\ \\\\ \\\" \\$ \\` ' & | > < * ? ~ ! # %s\n";
 };

@@ -92,7 +92,7 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     with_everything_planted_at("t_file_gatescope_77.txt", [&] {
         write_file(directory / "gatebits", GATEBITS);
-        EXPECT_EQ(run([&] { set_a_field(directory / "gatebits", 2, 3, "S"); }).status, 0);
+        EXPECT_EQ(run([&] { set_a_field(directory / "gatebits", {2, 3, "S"}); }).status, 0);
         EXPECT_EQ(file_text(directory / "gatebits"), CHANGED);
         EXPECT_EQ(temporary.names(), Names());
     });

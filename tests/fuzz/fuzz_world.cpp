@@ -47,7 +47,7 @@ int run_in_shell(const std::string& command) {
     must(++dialogs < MANY_DIALOGS, "an end to the dialogs");
     const bool is_dialog = command.starts_with("clearprompt");
     if (answers == nullptr || answers->remaining_bytes() == 0) return is_dialog ? 512 : 0;
-    // Mostly 0, so that the work behind a dialog is reached.
+    // Mostly 0, so that the work that a dialog leads to is reached.
     constexpr int STATUSES[] = {0, 0, 0, 0, 0, 0, 256, 512, 2, -1};
     const int status = answers->PickValueInArray(STATUSES);
     const std::string file = is_dialog ? result_file_in(command) : "";

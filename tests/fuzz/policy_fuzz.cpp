@@ -70,7 +70,7 @@ void write_something(FuzzedDataProvider& data, std::size_t* changed) {
             set_a_line(gatebits_path(), line, DELETION_TOKEN);
             break;
         case 2:
-            set_a_field(gatebits_path(), line, number(data), data.ConsumeRandomLengthString());
+            set_a_field(gatebits_path(), {line, number(data), data.ConsumeRandomLengthString()});
             break;
         default:
             build_var_list(gatebits_path(), &tools);

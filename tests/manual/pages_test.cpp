@@ -44,7 +44,7 @@ Lines section(const std::string& page, const std::string& heading) {
     return found;
 }
 
-/// What the lines that begin with `macro` say behind it.
+/// What the lines that begin with `macro` say after it.
 std::vector<std::string> operands(const Lines& lines, const std::string& macro) {
     std::vector<std::string> found;
     for (const std::string& line : lines) {

@@ -39,7 +39,7 @@ while (walker.nextNode()) {
 return columns;
 """
 
-# The bar, the count behind it and the rest of every row of a list.
+# The bar, the count after it and the rest of every row of a list.
 ROWS = """
 return Array.from(document.querySelectorAll("tr.hot_row[title]"), row => {
     const bar = row.querySelector("td[colspan='2'] td.cell_failure");

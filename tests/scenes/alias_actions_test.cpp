@@ -124,7 +124,7 @@ TEST(AddAlias, IsRefusedWith80AndNotWith79) {
                               "some to add more...")});
 }
 
-TEST(AddAlias, FaultyAliasLineIsShownAndNothingBehindItIsLost) {
+TEST(AddAlias, FaultyAliasLineIsShownAndNothingAfterItIsLost) {
     Region east = a_region().with_alias("one", "(x)").with_alias("b-d", "y").with_alias("c", "z");
     const std::string before = east.gatebits();
     east.types("n").types("v").answers_yes();

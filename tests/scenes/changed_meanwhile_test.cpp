@@ -100,7 +100,7 @@ TEST(ChangedMeanwhile, Field) {
     expect_told(east, "13", before, with_replaced(before, "old", "other"));
 }
 
-TEST(ChangedMeanwhile, BitsBehindThoseThatAreShown) {
+TEST(ChangedMeanwhile, BitsAfterThoseThatAreShown) {
     Region east = region_of_three_keys().with_line(8, "D;0000000000000000000000001;");
     const std::string before = east.gatebits();
     east.operator_picks_several({"03 - (0) BIT__ONE_CO_PER_BRANCH"})
@@ -232,7 +232,7 @@ TEST(NotWritten, FieldWithoutALine) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(NotWritten, FieldBehindTheLastOne) {
+TEST(NotWritten, FieldAfterTheLastOne) {
     Region east =
         a_region().with_line(2, ";{stage}/depot;").with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();

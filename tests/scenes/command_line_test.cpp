@@ -102,8 +102,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"VerIsNoOptionBesideOthers", {"R=n", "-ver"}, unknown("-ver")},
         Refusal{"UnknownOption", {"-verbose"}, unknown("-verbose")},
         Refusal{"OptionNotTheOnlyOne", {"-kudos", "-kudos"}, unknown("-kudos")},
-        Refusal{"NothingBehindTheEquals", {"Q="}, incomplete("Q=")},
-        Refusal{"NothingBehindAnUnknownLetter", {"z="}, incomplete("z=")},
+        Refusal{"NothingAfterTheEquals", {"Q="}, incomplete("Q=")},
+        Refusal{"NothingAfterAnUnknownLetter", {"z="}, incomplete("z=")},
         Refusal{"QueryZero", {"Q=0"}, bad_query("Q=0")},
         Refusal{"QuerySeven", {"Q=7"}, bad_query("Q=7")},
         Refusal{"QueryWord", {"Q=all"}, bad_query("Q=all")},
@@ -127,8 +127,8 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"CommandTwice", {"C=checkin", "C=*"}, duplicate("C")},
         Refusal{"UserTwice", {"U=one", "U=two"}, duplicate("U")},
         Refusal{"DisplayTwice", {"D=y", "D=n"}, duplicate("D")},
-        Refusal{"DisplayBehindRepeat", {"R=n", "D=y"}, duplicate("D")},
-        Refusal{"DisplayBehindRepeatIsNotLookedAt", {"R=n", "D=maybe"}, duplicate("D")},
+        Refusal{"DisplayAfterRepeat", {"R=n", "D=y"}, duplicate("D")},
+        Refusal{"DisplayAfterRepeatIsNotLookedAt", {"R=n", "D=maybe"}, duplicate("D")},
         Refusal{"FileTwice", {"F=gatebits.txt", "F=gatebits.txt"}, duplicate("F")},
         Refusal{"FileTwiceTheSecondUnreadable", {"F=gatebits.txt", "F=none"}, duplicate("F")},
         Refusal{"CommandInUpperCase", {"C=Checkin"}, bad_command("C=Checkin")},
@@ -245,7 +245,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"AnyUser", {"U=No Such User;*"}, ""}, Refusal{"DisplayInUpperCase", {"D=Y"}, ""},
         Refusal{"DisplayBeforeRepeat", {"D=y", "R=Y"}, ""},
         Refusal{"RepeatTwice", {"R=n", "R=y"}, ""}, Refusal{"FileNamed", {"F=gatebits.txt"}, ""},
-        Refusal{"FileNamedAgainBehindAnUnreadableOne", {"F=none", "F=gatebits.txt"}, ""}),
+        Refusal{"FileNamedAgainAfterAnUnreadableOne", {"F=none", "F=gatebits.txt"}, ""}),
     [](const testing::TestParamInfo<Refusal>& row) { return row.param.name; });
 
 }  // namespace

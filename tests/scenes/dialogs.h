@@ -14,7 +14,7 @@ struct Dialog {
     std::vector<std::string> args;
     /// Whether the program waited for it.
     bool waited = true;
-    /// What the file behind -dfile held.
+    /// What the file after -dfile held.
     std::optional<std::string> shown;
 
     bool operator==(const Dialog&) const = default;

@@ -576,7 +576,7 @@ TEST(Bits, MissingFieldShowsNothingSetAndIsNotWritten) {
     EXPECT_EQ(east.line(8), "D;");
 }
 
-TEST(Bits, WhatIsBehindThe24thIsCut) {
+TEST(Bits, WhatComesAfterThe24thIsCut) {
     Region east = a_region().with_line(8, "D;1111111111111111111111111111;");
     east.operator_picks_several({"00 - (1) BIT__AUTO_BRANCH_REMOVAL", "24 - nonsense", "x"});
     east.answers_yes();

@@ -59,7 +59,7 @@ TEST(Harness, StatusesOfTheCheckerComeInOrderAndThenZero) {
               (std::vector<Args>{{"a", "-check"}, {"b", "-check"}, {"c", "-check"}}));
 }
 
-TEST(Harness, TheContentBehindDfileIsRecorded) {
+TEST(Harness, TheContentOfDfileIsRecorded) {
     Region east = a_region();
     east.closes_view();
     const Result result = run_script(east,

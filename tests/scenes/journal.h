@@ -27,7 +27,7 @@ struct RecordedCall {
     std::string cwd;
     /// The arguments, without the name.
     std::vector<std::string> args;
-    /// What the file behind -dfile held; nothing when there was no such option.
+    /// What the file after -dfile held; nothing when there was no such option.
     std::optional<std::string> shown;
     /// Why the call did not fit the script; empty when it did.
     std::string error;

@@ -208,7 +208,7 @@ TEST(AddKey, FirstKeyStartsFromTheDefault) {
     EXPECT_EQ(east.gatebits(), before + "new;R;\n");
 }
 
-TEST(AddKey, FromAnotherKeyBehindTheLastLine) {
+TEST(AddKey, FromAnotherKeyAfterTheLastLine) {
     Region east = with_two_keys().with_key("# at the end");
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_0).types("new").answers_yes().cancels();

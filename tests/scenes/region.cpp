@@ -30,7 +30,7 @@ void replace_all(std::string& text, const std::string& sought, const std::string
     }
 }
 
-/// Process ids come in the order of the starts, but begin anew behind the largest one.
+/// Process ids come in the order of the starts, but begin anew after the largest one.
 void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
     const long largest = std::stol(file_text("/proc/sys/kernel/pid_max"));
     const auto age = [&](const RecordedCall& call) {

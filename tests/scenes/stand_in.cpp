@@ -25,7 +25,7 @@ namespace {
 /// What an unscripted question is answered with: abort, in the words of clearprompt.
 constexpr int NO_ANSWER = 2;
 
-/// The value behind an option, if that is there.
+/// The value after an option, if that is there.
 std::optional<std::string> option(const RecordedCall& record, const std::string& name) {
     const auto found = std::find(record.args.begin(), record.args.end(), name);
     if (found == record.args.end() || found + 1 == record.args.end()) return std::nullopt;

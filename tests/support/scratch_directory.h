@@ -54,7 +54,7 @@ class ScratchDirectory {
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
-    /// The directory itself, without a '/' behind it, or something in it.
+    /// The directory itself, without a '/' at its end, or something in it.
     [[nodiscard]] std::string path() const { return path_; }
     [[nodiscard]] std::string path(const std::string& name) const { return path_ + "/" + name; }
     [[nodiscard]] std::string operator/(const std::string& name) const { return path(name); }

@@ -108,7 +108,7 @@ TEST(DoubleAmpString, DoublesEveryAmpersand) {
     EXPECT_EQ(text, "none");
 }
 
-TEST(InsertAfterNth, PutsTheCharacterBehindTheNth) {
+TEST(InsertAfterNth, PutsTheCharacterAfterTheNth) {
     std::string text = "a/b/c";
     EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 2, '/'),
               &text);

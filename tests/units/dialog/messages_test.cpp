@@ -81,7 +81,7 @@ TEST_F(Messages, AQuoteInAMessageBreaksTheQuoting) {
               (Args{"yes_no", "-mask", "yes", "-def", "yes", "-pre", "-pro", "say two", "words"}));
 }
 
-TEST_F(Messages, WhatStandsBehindANulIsLostButTheCommandLineIsWhole) {
+TEST_F(Messages, WhatStandsAfterANulIsLostButTheCommandLineIsWhole) {
     advise_wait(std::string("kept\0lost", 9));
     region.answers_yes();
     ask(std::string("kept\0lost", 9), "yes", "yes,no");

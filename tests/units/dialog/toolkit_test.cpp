@@ -106,7 +106,7 @@ TEST_F(Files, SameBytesAreSame) {
     EXPECT_FALSE(cmp_files(at("none"), at("none")));
 }
 
-TEST_F(Files, BytesBehindANulAreComparedToo) {
+TEST_F(Files, BytesAfterANulAreComparedToo) {
     put("one", std::string("a\0b", 3));
     put("two", std::string("a\0c", 3));
     EXPECT_FALSE(cmp_files(at("one"), at("two")));

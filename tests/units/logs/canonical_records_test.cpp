@@ -30,7 +30,7 @@ RecordTally counted_by_the_plain_rule(const RecordQuery& query, std::string_view
     }
 }
 
-/// Behind the text stands what would change the counts if the fast path believed it.
+/// After the text stands what would change the counts if the fast path believed it.
 RecordTally counted(const RecordQuery& query, const std::string& text, Lanes lanes) {
     const std::string with_margin = text + std::string(READER_MARGIN, '>');
     RecordTally tally;

@@ -84,7 +84,7 @@ class DemoData : public LogRegion {
         return records;
     }
 
-    /// One record as it is made: its draws, its day, and what stands behind its time.
+    /// One record as it is made: its draws, its day, and what stands after its time.
     struct Made {
         std::vector<int> draws;
         int day;

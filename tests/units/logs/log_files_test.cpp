@@ -94,7 +94,7 @@ TEST(TimeTexts, AreLocal) {
     EXPECT_EQ(time_text(0), "Thu Jan  1 03:00:00 1970");
 }
 
-TEST(TimeTexts, YearsBehind2038AreOrdinary) {
+TEST(TimeTexts, YearsAfter2038AreOrdinary) {
     const TimeZone zone("UTC");
     EXPECT_EQ(time_text(2147483648), "Tue Jan 19 03:14:08 2038");
 }

@@ -339,7 +339,7 @@ TEST_F(QueryData, WordsWithoutAnOpeningAngleHaveNoNumber) {
     EXPECT_EQ(result.earliest_read_time, noon(1));
 }
 
-TEST_F(QueryData, TheNumberStandsBehindTheFirstAngle) {
+TEST_F(QueryData, TheNumberStandsAfterTheFirstAngle) {
     write_log(0, line(1, "B:a<7>[2]-<5>"));
     said_by_query(4);
     EXPECT_EQ(result.cell_success[7], 1u);

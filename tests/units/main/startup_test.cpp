@@ -65,7 +65,7 @@ TEST_F(Startup, ACookieWhoseNameMerelyEndsSoMatches) {
     EXPECT_EQ(user(), "eve");
 }
 
-TEST_F(Startup, ACookieWithAnEmptyUserAndMoreBehindItIsAName) {
+TEST_F(Startup, ACookieWithAnEmptyUserAndMoreAfterItIsAName) {
     set("HTTP_COOKIE", "user=;sid=7");
     EXPECT_EQ(user(), "");
 }

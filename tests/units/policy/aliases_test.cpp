@@ -28,7 +28,7 @@ class AliasTables : public OnStage {
         return count;
     }
 
-    /// What a fault in `line`, behind one good alias, makes the operator read.
+    /// What a fault in `line`, after one good alias, makes the operator read.
     std::string fault(const std::string& line) {
         use_gatebits(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
         const std::string said =
@@ -68,7 +68,7 @@ TEST_F(AliasTables, HeaderWithoutABlankIsAComment) {
                                      "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
 }
 
-TEST_F(AliasTables, LineWithNothingBehindTheMarkerIsSkipped) {
+TEST_F(AliasTables, LineWithNothingAfterTheMarkerIsSkipped) {
     use_gatebits("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "a");
@@ -245,7 +245,7 @@ TEST_F(AliasTables, ALineThatHeldOnlyAReferenceIsLeftBlank) {
     EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
 }
 
-TEST_F(AliasTables, LinesBehindAFaultyOneAreNotLost) {
+TEST_F(AliasTables, LinesAfterAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
     use_gatebits(alias_line("good", "x") + BLOCK + rest);
     printed_by([this] { build_alias_list(gatebits_file, &aliases); });

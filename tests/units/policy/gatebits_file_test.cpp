@@ -81,7 +81,7 @@ TEST_F(GatebitsFile, LongLinesAreReadAndWrittenWhole) {
     const std::string text(3000, 'x');
     use_gatebits(";" + text + ";O;\n");
     EXPECT_EQ(field(1, 2), text);
-    set_a_field(gatebits_file, 1, 3, "S");
+    set_a_field(gatebits_file, {1, 3, "S"});
     EXPECT_EQ(region.gatebits(), ";" + text + ";S;\n");
 }
 
@@ -120,13 +120,13 @@ TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
     EXPECT_EQ(region.gatebits(), "<[;;;;;deletme;;;;;]> \n");
 }
 
-TEST_F(GatebitsFile, LineZeroAppendsBehindEverything) {
+TEST_F(GatebitsFile, LineZeroAppendsAfterEverything) {
     use_gatebits(BLOCK + "# the end\n");
     EXPECT_EQ(set_a_line(gatebits_file, 0, "a key;"), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), BLOCK + "# the end\na key;\n");
 }
 
-TEST_F(GatebitsFile, ANumberBehindTheLastLineOnlyDropsBlankLines) {
+TEST_F(GatebitsFile, ANumberAfterTheLastLineOnlyDropsBlankLines) {
     use_gatebits("one;\n\ntwo;\n\n# three\n");
     EXPECT_EQ(set_a_line(gatebits_file, 5, "x;"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
@@ -142,7 +142,7 @@ TEST_F(GatebitsFile, TheCounterStartsOverSoLine256AndNIsReplacedToo) {
     EXPECT_EQ(region.gatebits(), expected);
 }
 
-TEST_F(GatebitsFile, LinesBehindThe127thAreNotReplaced) {
+TEST_F(GatebitsFile, LinesAfterThe127thAreNotReplaced) {
     use_lines(200);
     const std::string before = region.gatebits();
     set_a_line(gatebits_file, 128, "new");
@@ -152,79 +152,79 @@ TEST_F(GatebitsFile, LinesBehindThe127thAreNotReplaced) {
 
 TEST_F(GatebitsFile, SetAFieldChangesThatFieldOnly) {
     use_gatebits("#c\n;;O;\nkeep\n");
-    EXPECT_EQ(set_a_field(gatebits_file, 1, 2, "/a/path"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_field(gatebits_file, {1, 2, "/a/path"}), ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "#c\n;/a/path;O;\nkeep\n");
-    set_a_field(gatebits_file, 1, 1, "C:\\depot");
+    set_a_field(gatebits_file, {1, 1, "C:\\depot"});
     EXPECT_EQ(line(1), "C:\\depot;/a/path;O;");
-    set_a_field(gatebits_file, 1, 3, "");
+    set_a_field(gatebits_file, {1, 3, ""});
     EXPECT_EQ(line(1), "C:\\depot;/a/path;;");
 }
 
 TEST_F(GatebitsFile, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
     use_gatebits("one;two\n");
-    set_a_field(gatebits_file, 1, 1, "new");
+    set_a_field(gatebits_file, {1, 1, "new"});
     EXPECT_EQ(line(1), "new;");
 }
 
 TEST_F(GatebitsFile, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, 1, 4, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, {1, 4, "value"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;\n");
 }
 
 TEST_F(GatebitsFile, AFieldFurtherOutWritesNothing) {
     use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, 1, 5, "value"), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, {1, 5, "value"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), ";;O;trailing\n\n");
 }
 
 TEST_F(GatebitsFile, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
     use_gatebits("no field\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, 1, 1, "value"), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(set_a_field(gatebits_file, 2, 1, "value"), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(gatebits_file, {1, 1, "value"}), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "value"}), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "no field\n\n");
 }
 
 TEST_F(GatebitsFile, AnAliasReferenceAtAFieldsEndGetsABlank) {
     use_gatebits("; ;\n");
-    set_a_field(gatebits_file, 1, 2, "(ann) ~team");
+    set_a_field(gatebits_file, {1, 2, "(ann) ~team"});
     EXPECT_EQ(line(1), ";(ann) ~team ;");
     use_gatebits("; ;\n");
-    set_a_field(gatebits_file, 1, 2, "~team");
+    set_a_field(gatebits_file, {1, 2, "~team"});
     EXPECT_EQ(line(1), ";~team ;");
     use_gatebits("; ;\n");
-    set_a_field(gatebits_file, 1, 2, "~team (ann)");
+    set_a_field(gatebits_file, {1, 2, "~team (ann)"});
     EXPECT_EQ(line(1), ";~team (ann);");
     use_gatebits("; ;\n");
-    set_a_field(gatebits_file, 1, 2, "~team ");
+    set_a_field(gatebits_file, {1, 2, "~team "});
     EXPECT_EQ(line(1), ";~team ;");
 }
 
 TEST_F(GatebitsFile, AReferenceInAnotherFieldGetsItsBlankToo) {
     use_gatebits(";~team;x;\n");
-    set_a_field(gatebits_file, 1, 3, "y");
+    set_a_field(gatebits_file, {1, 3, "y"});
     EXPECT_EQ(line(1), ";~team ;y;");
 }
 
 TEST_F(GatebitsFile, TheLineAsAWholeDecidesAboutTheBlank) {
-    // No blank behind the '~' so far, so each further field gets one until there is.
+    // No blank after the '~' so far, so each further field gets one until there is.
     use_gatebits("~a;b;c;\n");
-    set_a_field(gatebits_file, 1, 3, "d");
+    set_a_field(gatebits_file, {1, 3, "d"});
     EXPECT_EQ(line(1), "~a ;b;d;");
 }
 
 TEST_F(GatebitsFile, SeveralFieldsChangeInOneWrite) {
     use_gatebits("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
     EXPECT_EQ(
-        set_fields(gatebits_file, {{2, 1, ""}, {2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
+        set_a_field(gatebits_file, {2, 1, ""}, {{2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
         ChangeResult::WRITTEN);
     EXPECT_EQ(region.gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
 }
 
 TEST_F(GatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
     use_gatebits("h;\n\nd;u;O;\n");
-    EXPECT_EQ(set_fields(gatebits_file, {{9, 1, "x"}, {2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_fields(gatebits_file, {{2, 5, "x"}}), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, {9, 1, "x"}, {{2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 5, "x"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), "h;\n\nd;u;O;\n");
 }
 
@@ -241,21 +241,21 @@ TEST_F(GatebitsFile, ALineThatNoLongerHoldsWhatWasShownIsLeftAlone) {
 TEST_F(GatebitsFile, AllFieldsHaveToHoldWhatWasShown) {
     const std::string text = "h;\n\nd;u;O;\n";
     use_gatebits(text);
-    EXPECT_EQ(set_fields(gatebits_file, {{2, 1, "x", "d"}, {2, 2, "y", "v"}}),
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "x", "d"}, {{2, 2, "y", "v"}}),
               ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(set_a_field(gatebits_file, 2, 3, "S", ""), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 3, "S", ""}), ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(set_fields(gatebits_file, {{2, 1, "x", "d"}, {2, 2, "y", "u"}}),
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "x", "d"}, {{2, 2, "y", "u"}}),
               ChangeResult::WRITTEN);
     EXPECT_EQ(line(2), "x;y;O;");
     // What does not exist was shown as empty.
-    EXPECT_EQ(set_a_field(gatebits_file, 9, 1, "x", ""), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_a_field(gatebits_file, 2, 4, "x", ""), ChangeResult::NO_SUCH_FIELD);
+    EXPECT_EQ(set_a_field(gatebits_file, {9, 1, "x", ""}), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_a_field(gatebits_file, {2, 4, "x", ""}), ChangeResult::NO_SUCH_FIELD);
 }
 
 TEST_F(GatebitsFile, AValueEndsAtItsNul) {
     use_gatebits(";;O;\n");
-    set_a_field(gatebits_file, 1, 2, std::string("a\0b", 3));
+    set_a_field(gatebits_file, {1, 2, std::string("a\0b", 3)});
     EXPECT_EQ(region.gatebits(), ";a;O;\n");
     set_a_line(gatebits_file, 1, std::string("x;\0y", 4));
     EXPECT_EQ(region.gatebits(), "x;\n");
@@ -265,7 +265,7 @@ TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
     const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
     use_gatebits(largest);
     EXPECT_EQ(line(1), largest.substr(0, largest.size() - 1));
-    EXPECT_EQ(set_a_field(gatebits_file, 1, 1, "z"), ChangeResult::WRITTEN);
+    EXPECT_EQ(set_a_field(gatebits_file, {1, 1, "z"}), ChangeResult::WRITTEN);
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
@@ -309,7 +309,7 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
     EXPECT_EXIT(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
                 testing::ExitedWithCode(99), "");
     EXPECT_EXIT(set_a_line(gatebits_file, 9, "two\nlines"), testing::ExitedWithCode(99), "");
-    EXPECT_EXIT(set_a_field(gatebits_file, 2, 2, "two\nlines"), testing::ExitedWithCode(99), "");
+    EXPECT_EXIT(set_a_field(gatebits_file, {2, 2, "two\nlines"}), testing::ExitedWithCode(99), "");
     EXPECT_EQ(region.gatebits(), text);
     region.shown_so_far();
 }
@@ -327,7 +327,7 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
     ASSERT_EQ(symlink("gatebits.txt", region.path("link.txt").c_str()), 0);
     gatebits_file = region.path("link.txt");
     const std::vector<std::string> before = region.files_in(".");
-    set_a_field(gatebits_file, 1, 3, "S");
+    set_a_field(gatebits_file, {1, 3, "S"});
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     struct stat status = {};
     ASSERT_EQ(lstat(region.path("link.txt").c_str(), &status), 0);
@@ -341,7 +341,7 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
 TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(link(region.gatebits_path().c_str(), region.path("other.txt").c_str()), 0);
-    set_a_field(gatebits_file, 1, 3, "S");
+    set_a_field(gatebits_file, {1, 3, "S"});
     EXPECT_EQ(region.file("other.txt"), ";;S;\n");
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     EXPECT_TRUE(region.files_in("tmp").empty());

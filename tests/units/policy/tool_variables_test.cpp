@@ -107,11 +107,13 @@ TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
 }
 
 TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {
-    EXPECT_EQ(tool_variable_of("#!gatescope_unix_browser=x"), std::size_t{UNIX_BROWSER});
-    EXPECT_EQ(tool_variable_of(" \t#!gatescope_windows_browser="), std::size_t{WINDOWS_BROWSER});
-    EXPECT_FALSE(tool_variable_of("# #!gatescope_unix_browser=x").has_value());
-    EXPECT_FALSE(tool_variable_of("#!gatescope_UNIX_browser=x").has_value());
-    EXPECT_FALSE(tool_variable_of("").has_value());
+    take_tool_variable("#!gatescope_unix_browser=x", &tools);
+    take_tool_variable(" \t#!gatescope_windows_browser=y", &tools);
+    take_tool_variable("# #!gatescope_unix_browser=z", &tools);
+    take_tool_variable("#!gatescope_UNIX_browser=z", &tools);
+    take_tool_variable("", &tools);
+    EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "x");
+    EXPECT_EQ(tools.GS_VAR[WINDOWS_BROWSER], "y");
 }
 
 }  // namespace

@@ -44,7 +44,7 @@ class QueryRegion : public OnStage {
         options.selected_key = key;
     }
 
-    /// A log of today's records; each is what stands behind the time.
+    /// A log of today's records; each is what stands after the time.
     void logged(const std::vector<std::string>& records) {
         const long time = set_time_values().end_of_day_time;
         std::string log;
