@@ -1,7 +1,5 @@
 #include "base/file_identity.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -72,6 +70,17 @@ bool same_owner(const struct stat& one, const struct stat& other) {
 }
 
 }  // namespace
+
+FileId id_of(const struct stat& status) {
+    return {status.st_dev, status.st_ino};
+}
+
+bool is_name_of(const std::string& path, int file, int flags) {
+    struct stat named;
+    struct stat opened;
+    return fstatat(AT_FDCWD, path.c_str(), &named, flags) == 0 && fstat(file, &opened) == 0 &&
+           id_of(named) == id_of(opened);
+}
 
 int carry_over_identity(int from, int to) {
     struct stat old_status;

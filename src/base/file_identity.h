@@ -1,6 +1,20 @@
 #pragma once
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <string>
+
+/// Which file it is, under whatever name.
+struct FileId {
+    dev_t device = 0;
+    ino_t inode = 0;
+    bool operator==(const FileId&) const = default;
+};
+FileId id_of(const struct stat& status);
+
+/// Whether `path` is a name of the open file; no link to it counts, unless `flags` are 0.
+bool is_name_of(const std::string& path, int file, int flags = AT_SYMLINK_NOFOLLOW);
 
 /// Gives the open file `to` the owner, group, mode and extended attributes (access control lists
 /// among them) of the open file `from`, and takes away what that one does not have. 0, or the errno

@@ -6,6 +6,8 @@
 
 #include <thread>
 
+#include "base/file_identity.h"
+
 namespace {
 
 constexpr std::chrono::milliseconds PAUSE(10);
@@ -16,13 +18,6 @@ Descriptor open_to_lock(const std::string& path) {
     struct stat status;
     if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return {};
     return file;
-}
-
-bool is_named_by(const std::string& path, const Descriptor& file) {
-    struct stat named;
-    struct stat locked;
-    return stat(path.c_str(), &named) == 0 && fstat(file.get(), &locked) == 0 &&
-           named.st_dev == locked.st_dev && named.st_ino == locked.st_ino;
 }
 
 /// 0, or the errno of a lock that was not got.
@@ -39,7 +34,8 @@ FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) 
         if (!file) return {};
         const int error = take_lock(file);
         if (error != 0 && error != EWOULDBLOCK && error != EINTR) return {};
-        if (error == 0 && is_named_by(path, file)) return {LockState::HELD, std::move(file)};
+        if (error == 0 && is_name_of(path, file.get(), 0))
+            return {LockState::HELD, std::move(file)};
         if (std::chrono::steady_clock::now() >= end) return {LockState::KEPT_BY_ANOTHER, {}};
         std::this_thread::sleep_for(PAUSE);
     }

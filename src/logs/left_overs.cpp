@@ -1,18 +1,15 @@
 #include "logs/left_overs.h"
 
-#include <dirent.h>
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <memory>
-#include <unordered_set>
+#include <filesystem>
+#include <optional>
 
-#include "base/file_identity.h"
-#include "base/filled.h"
+#include "base/files.h"
 #include "base/replace_file.h"
 #include "messages/log_texts.h"
 
@@ -21,184 +18,187 @@ namespace {
 /// What follows a companion's or a log's path; then the byte where it goes on, the log's device and
 /// inode, and the log's size.
 constexpr char LEFT_OVER_MARK[] = ".to_add_";
-constexpr char LEFT_OVER_NAME[] = "%s.to_add_%lld_%llu_%llu_%lld";
-constexpr char LEFT_OVER_NUMBERS[] = "%lld_%llu_%llu_%lld";
+constexpr char LEFT_OVER_NUMBERS[] = ".to_add_%lld_%llu_%llu_%lld";
+
+constexpr char WHITE[] = " \t\n\v\f\r";
+
+/// The left-over of that path; nothing when its name was not given here.
+std::optional<LeftOver> named(const std::string& path) {
+    const std::size_t mark = path.rfind(LEFT_OVER_MARK);
+    if (mark == std::string::npos) return std::nullopt;
+    long long from;
+    long long size;
+    unsigned long long device;
+    unsigned long long inode;
+    if (std::sscanf(&path[mark], LEFT_OVER_NUMBERS, &from, &device, &inode, &size) != 4) {
+        return std::nullopt;
+    }
+    LeftOver left_over = {path.substr(0, mark), from, {device, inode}, size};
+    if (from < 0 || size < 0 || left_over.path() != path) return std::nullopt;
+    return left_over;
+}
+
+/// All of a directory.
+std::error_code list(const std::string& directory, std::vector<LeftOver>* found) {
+    std::error_code error;
+    std::filesystem::directory_iterator entry(directory, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        std::error_code unknown;
+        std::optional<LeftOver> left_over = named(entry->path());
+        if (left_over && is_regular_file(entry->symlink_status(unknown))) {
+            found->push_back(*std::move(left_over));
+        }
+    }
+    // One that is not there has none.
+    const bool is_missing =
+        error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
+    return is_missing ? std::error_code() : error;
+}
 
 void sync_names(const std::string& path) {
     stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
 }
 
 /// Gives it the name that says the new numbers, for good.
-void rename_left_over(LeftOver* left_over, const LeftOver& changed) {
+void renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
     const std::string path = left_over->path();
-    must(rename(path.c_str(), changed.path().c_str()) == 0, "rename", path);
-    *left_over = changed;
-    sync_names(changed.path());
+    left_over->from = from;
+    left_over->log = log;
+    left_over->size = size;
+    if (!left_over->has_name) return;
+    must(rename(path.c_str(), left_over->path().c_str()) == 0, "rename", path);
+    sync_names(path);
 }
 
-void remove_left_over(const LeftOver& left_over) {
+void remove(const LeftOver& left_over) {
     const std::string path = left_over.path();
-    must(unlink(path.c_str()) == 0 || errno == ENOENT, "remove", path);
+    must(!left_over.has_name || unlink(path.c_str()) == 0 || errno == ENOENT, "remove", path);
 }
 
-/// Words that stand in the log already, as often as there.
-class Standing {
-  public:
-    void put_words_of(const OpenLog& log, off_t from) {
-        read_pieces(log.file, log.path, from, status_of(log.file).st_size, [&](auto words) {
-            for_each_word(words, [&](std::string_view word) { words_.emplace(word); });
-        });
-    }
-    /// The lines that do not stand there, in `lines`; good until the next call.
-    std::string_view missing(std::string_view lines) {
-        if (words_.empty()) return lines;
-        missing_.clear();
-        for_each_word(lines, [&](std::string_view word) {
-            const auto found = words_.find(std::string(word));
-            if (found == words_.end()) {
-                missing_.append(word) += '\n';
-            } else {
-                words_.erase(found);
-            }
-        });
-        return missing_;
-    }
-
-  private:
-    template <typename Take>
-    static void for_each_word(std::string_view words, const Take& take) {
-        const char* at = words.data();
-        const char* const end = at + words.size();
-        for (auto word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) take(word);
-    }
-
-    std::unordered_multiset<std::string> words_;
-    std::string missing_;
-};
-
-void append(int file, const std::string& path, std::string_view lines) {
-    stop_on(write_all(file, lines), "write", path);
+template <typename Take>
+void for_each_word(std::string_view words, const Take& take) {
+    const char* at = words.data();
+    const char* const end = at + words.size();
+    for (auto word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) take(word);
 }
 
-/// Opens the log for at most `size` bytes of lines. Nothing is open when somebody keeps it so in
-/// the middle of a record.
-Descriptor begin_to_add(LeftOver* left_over, const OpenLog& log, off_t size, Moment deadline) {
-    const Settled settled = settle(log.file, deadline);
+/// The lines that do not stand in the log already; each takes one word of those that do.
+std::string missing_lines(std::string_view lines, Words* standing) {
+    std::string missing;
+    for_each_word(lines, [&](std::string_view word) {
+        const auto found = standing->find(std::string(word));
+        if (found == standing->end()) {
+            missing.append(word) += '\n';
+        } else {
+            standing->erase(found);
+        }
+    });
+    return missing;
+}
+
+Words words_after(off_t from, const std::string& path, const Descriptor& log, Work* work) {
+    Words words;
+    read_pieces(log, path, from, status_of(log).st_size, &work->progress, [&](auto piece) {
+        for_each_word(piece, [&](std::string_view word) { words.emplace(word); });
+        return true;
+    });
+    return words;
+}
+
+/// Opens the log for at most `size` bytes of lines, after those that stand in it. Nothing is open
+/// when it cannot be, or when somebody keeps it open in the middle of a record.
+Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Descriptor& log,
+                        off_t size, Moment deadline) {
+    const Settled settled = settle(log, deadline);
+    // Should the log have become shorter meanwhile, nobody's record stands before that place.
     char last = '\n';
-    must(pread(log.file, &last, 1, settled.size - 1) == 1 || settled.size == 0, "read", log.path);
-    if (!is_white(last) && settled.is_written) {
+    must(settled.size == 0 || pread(log.get(), &last, 1, settled.size - 1) != -1, "read", path);
+    if (settled.is_written && !is_white(last)) {
         left_over->stays = KEPT_OPEN;
-        return Descriptor();
+        return {};
     }
-    constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    Descriptor file(open(log.path.c_str(), FLAGS));
-    const FileId id = id_of(log.file);
-    if (!file || id_of(file.get()) != id) {
+    Descriptor file(open_regular_file(path, O_WRONLY | O_APPEND | O_NOFOLLOW));
+    const FileId id = id_of(log);
+    if (!file || id_of(file) != id) {
         left_over->stays = file ? REPLACED_MEANWHILE : std::strerror(errno);
-        return Descriptor();
+        return {};
     }
-    if (left_over->log != id) {
-        rename_left_over(left_over, {left_over->source, left_over->from, id, settled.size});
-    }
+    if (left_over->log != id) renumber(left_over, left_over->from, id, settled.size);
     // A full disk is noticed before any harm is done, where the file system can do that.
     must(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
              errno == EOPNOTSUPP || errno == ENOSYS,
-         "make room in", log.path);
-    if (!is_white(last)) append(file.get(), log.path, "\n");
+         "make room in", path);
+    if (!is_white(last)) stop_on(write_all(file.get(), "\n"), "write", path);
     return file;
-}
-
-void finish(Descriptor* file, const std::string& path) {
-    must(fsync(file->get()) == 0, "sync", path);
-    stop_on(file->close(), "close", path);
-    sync_names(path);
 }
 
 }  // namespace
 
 std::string LeftOver::path() const {
-    return filled(LEFT_OVER_NAME, source.c_str(), static_cast<long long>(from),
-                  static_cast<unsigned long long>(log.device),
-                  static_cast<unsigned long long>(log.inode), static_cast<long long>(size));
+    return source + LEFT_OVER_MARK + std::to_string(from) + '_' + std::to_string(log.device) + '_' +
+           std::to_string(log.inode) + '_' + std::to_string(size);
 }
 
-LeftOver new_left_over(const std::string& source, off_t from, int file) {
-    return {source, from, id_of(file), 0};
-}
-
-const std::vector<std::string>& LeftOverNames::in(const std::string& directory,
-                                                  std::string* reason) {
-    const auto [listing, is_new] = names_.try_emplace(directory);
-    if (!is_new) return listing->second;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
-    const dirent* entry = nullptr;
-    while (stream && (errno = 0, entry = readdir(stream.get())) != nullptr) {
-        const std::string name = entry->d_name;
-        if (name.find(LEFT_OVER_MARK) != std::string::npos) listing->second.push_back(name);
-    }
-    // A directory that is not there has none.
-    if (errno != 0 && errno != ENOENT && errno != ENOTDIR) *reason = std::strerror(errno);
-    return listing->second;
+LeftOver new_left_over(const std::string& source, off_t from, Descriptor file) {
+    const FileId id = id_of(file);
+    return {source, from, id, 0, std::move(file)};
 }
 
 void LeftOverNames::find(Place* source, std::vector<LeftOver>* found) {
-    const std::size_t name_at = source->path.rfind('/') + 1;
-    const std::string directory = source->path.substr(0, name_at);
-    const std::string start = source->path.substr(name_at) + LEFT_OVER_MARK;
-    for (const std::string& name : in(directory, &source->reason)) {
-        long long from;
-        long long size;
-        unsigned long long device;
-        unsigned long long inode;
-        if (!name.starts_with(start) || std::sscanf(name.c_str() + start.size(), LEFT_OVER_NUMBERS,
-                                                    &from, &device, &inode, &size) != 4) {
-            continue;
-        }
-        const LeftOver left_over = {source->path, from, {device, inode}, size};
-        struct stat status;
-        // A name that was not given here is somebody else's.
-        if (left_over.path() == directory + name && from >= 0 && size >= 0 &&
-            lstat(left_over.path().c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
-            found->push_back(left_over);
-        }
+    const std::string directory = source->path.substr(0, source->path.rfind('/') + 1);
+    const auto [listing, is_new] = listings_.try_emplace(directory);
+    auto& [all, error] = listing->second;
+    if (is_new) error = list(directory, &all);
+    if (error) source->reason = error.message();
+    for (LeftOver& left_over : all) {
+        if (left_over.source == source->path) found->push_back(std::move(left_over));
     }
 }
 
-void add_left_over(LeftOver* left_over, const OpenLog& log, KeptRecords* records, Moment deadline) {
-    const Descriptor file = open_log(left_over->path(), &left_over->stays);
-    // One that is gone was added by another pruning of its log.
-    if (!file) return;
-    if (id_of(file.get()) == id_of(log.file)) return remove_left_over(*left_over);
-    const Settled settled = settle(file.get(), deadline);
-    off_t added = left_over->from;
-    Standing standing;
-    if (settled.size > added && left_over->log == id_of(log.file))
-        standing.put_words_of(log, left_over->size);
-
-    KeptRecords counted = *records;
-    Descriptor to;
-    bool is_torn = false;
-    read_pieces(file.get(), left_over->path(), added, settled.size, [&](std::string_view words) {
+off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
+                Descriptor out, Work* work, Words standing) {
+    off_t added = left_over.from;
+    int error = 0;
+    std::string missing;
+    const auto add = [&](std::string_view words) {
         // Who keeps it open may be in the middle of the last record.
-        if (is_torn) return;
-        is_torn = settled.is_written && !is_white(words.back());
-        while (is_torn && !words.empty() && !is_white(words.back())) words.remove_suffix(1);
-        const std::string_view lines = standing.missing(counted.of(words));
-        if (!to && !lines.empty() && left_over->stays.empty()) {
-            to = begin_to_add(left_over, log, settled.size - added, deadline);
-        }
-        if (to) append(to.get(), log.path, lines);
-        added += static_cast<off_t>(words.size());
-    });
-    if (!left_over->stays.empty()) return;
-    *records = counted;
-    const bool has_added = static_cast<bool>(to);
-    if (has_added) finish(&to, log.path);
+        const std::size_t whole = to.is_written ? words.find_last_of(WHITE) + 1 : words.size();
+        std::string_view lines = work->records.of(words.substr(0, whole));
+        if (!standing.empty()) lines = missing = missing_lines(lines, &standing);
+        error = write_all(out.get(), lines);
+        added += static_cast<off_t>(whole);
+        return error == 0 && whole == words.size();
+    };
+    read_pieces(left_over.file, left_over.path(), added, to.size, &work->progress, add);
+    stop_on(error, "write", path);
+    must(fsync(out.get()) == 0, "sync", path);
+    stop_on(out.close(), "close", path);
+    return added;
+}
+
+void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log,
+                   Work* work) {
+    left_over->stays.clear();
+    if (!left_over->file) left_over->file = open_log(left_over->path(), &left_over->stays);
+    // One that is gone was added by another pruning of its log.
+    if (!left_over->file) return;
+    const FileId id = id_of(left_over->file);
+    if (id == id_of(log)) return remove(*left_over);
+    const Settled settled = settle(left_over->file, work->deadline);
+    off_t added = left_over->from;
+    if (settled.size > added) {
+        Words standing;
+        if (left_over->log == id_of(log)) standing = words_after(left_over->size, path, log, work);
+        Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work->deadline);
+        if (!out) return;
+        added = add_words(*left_over, settled, path, std::move(out), work, std::move(standing));
+        sync_names(path);
+    }
     if (settled.is_written) {
-        rename_left_over(left_over, new_left_over(left_over->source, added, file.get()));
+        renumber(left_over, added, id, 0);
         left_over->stays = KEPT_OPEN;
     } else {
-        remove_left_over(*left_over);
-        if (has_added) sync_names(left_over->source);
+        remove(*left_over);
+        if (added > left_over->from) sync_names(left_over->source);
     }
 }

@@ -4,11 +4,14 @@
 
 #include <map>
 #include <string>
+#include <system_error>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
-#include "logs/kept_records.h"
+#include "base/descriptor.h"
+#include "base/file_identity.h"
 #include "logs/log_access.h"
-#include "logs/settling.h"
 
 // What a pruning may leave on the disk, wherever it is ended, and what the next one makes of it.
 //
@@ -26,9 +29,7 @@
 //                                         added.
 //     a log's old file                    F is what its new text was made of, I its own inode.
 //                                         Who had opened the log before may have written after F.
-//     its new text, for a moment before   The log has all that stands after F.  It goes.
-//     an old file that is the log still   Where a file system cannot exchange two names it gets
-//                                         the second one first.  That goes.
+//     an old file that is the log still   It gets this name first.  That goes.
 //     any, while it is being added        I is the log, S its size when that began.
 //     any, if somebody keeps it open      F is what has been added, I its own inode.
 //
@@ -45,6 +46,10 @@ struct LeftOver {
     off_t from = 0;
     FileId log;
     off_t size = 0;
+    /// For reading, once it is looked at.
+    Descriptor file = {};
+    /// Where a log's old file could not be given a name, it is this run's only.
+    bool has_name = true;
     /// Why some of it, or all, could not be added yet; in memory only.
     std::string stays = "";
 
@@ -52,7 +57,7 @@ struct LeftOver {
 };
 
 /// One that nothing after byte `from` of the open file has been added of.
-LeftOver new_left_over(const std::string& source, off_t from, int file);
+LeftOver new_left_over(const std::string& source, off_t from, Descriptor file);
 
 /// The left-overs in the directories that are looked at, each of which is listed but once.
 class LeftOverNames {
@@ -62,17 +67,17 @@ class LeftOverNames {
     void find(Place* source, std::vector<LeftOver>* found);
 
   private:
-    const std::vector<std::string>& in(const std::string& directory, std::string* reason);
-
-    std::map<std::string, std::vector<std::string>> names_;
+    std::map<std::string, std::pair<std::vector<LeftOver>, std::error_code>> listings_;
 };
 
-/// A log that is open for reading and locked.
-struct OpenLog {
-    const std::string& path;
-    int file;
-};
+using Words = std::unordered_multiset<std::string>;
 
-/// Adds the kept records of a left-over to its log and removes it, unless it says afterwards why
-/// it stays.
-void add_left_over(LeftOver* left_over, const OpenLog& log, KeptRecords* records, Moment deadline);
+/// Appends the kept words that stand in a left-over between its byte `from` and byte `to.size`, but
+/// for those that are `standing` there already, to the open file at `path`, and brings that to the
+/// disk. The byte up to which it was done: what somebody may be in the middle of is left out.
+off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
+                Descriptor out, Work* work, Words standing = {});
+
+/// Adds the kept records of a left-over to the log at `path`, which is open and locked, and removes
+/// the left-over, unless it says afterwards why it stays.
+void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log, Work* work);

@@ -1,15 +1,12 @@
 #include "logs/log_access.h"
 
-#include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <cstring>
+#include <filesystem>
 #include <thread>
-#include <vector>
 
 #include "base/filled.h"
 #include "dialog/messages.h"
@@ -17,21 +14,9 @@
 
 namespace {
 
-/// The system follows no more symbolic links than this, so they are a ring.
-constexpr std::size_t MOST_LINKS = 40;
-
 constexpr mode_t PUBLIC = 0666;
 
 constexpr std::chrono::milliseconds PAUSE(5);
-
-/// Where the link at `path` leads; empty, with errno set, when it cannot be read.
-std::string target_of(const std::string& path) {
-    std::array<char, PATH_MAX> target;
-    const ssize_t size = readlink(path.c_str(), target.data(), target.size());
-    if (size <= 0) return "";
-    const std::string text(target.data(), static_cast<std::size_t>(size));
-    return text.front() == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
-}
 
 }  // namespace
 
@@ -43,40 +28,32 @@ void must(bool done, const char* step, const std::string& path) {
     stop_on(done ? 0 : errno, step, path);
 }
 
-struct stat status_of(int file) {
+struct stat status_of(const Descriptor& file) {
     struct stat status;
-    must(fstat(file, &status) == 0, "examine", "an open log file");
+    must(fstat(file.get(), &status) == 0, "examine", "an open log file");
     return status;
 }
 
-FileId id_of(int file) {
-    const struct stat status = status_of(file);
-    return {status.st_dev, status.st_ino};
+FileId id_of(const Descriptor& file) {
+    return id_of(status_of(file));
 }
 
-bool is_name_of(const std::string& path, int file) {
+Place behind_links(const std::string& path, int most_links) {
     struct stat status;
-    return lstat(path.c_str(), &status) == 0 && FileId{status.st_dev, status.st_ino} == id_of(file);
-}
-
-Place behind_links(const std::string& path) {
-    Place place = {path, "", 0};
-    std::vector<uid_t> owners;
-    struct stat status;
-    int error = 0;
-    while ((error = lstat(place.path.c_str(), &status) == 0 ? 0 : errno) == 0 &&
-           S_ISLNK(status.st_mode) && owners.size() < MOST_LINKS) {
-        owners.push_back(status.st_uid);
-        const std::string target = target_of(place.path);
-        if (target.empty()) return {path, std::strerror(errno), 0};
-        place.path = target;
+    if (lstat(path.c_str(), &status) != 0) {
+        const bool is_missing = errno == ENOENT || errno == ENOTDIR;
+        return {path, is_missing ? "" : std::strerror(errno)};
     }
-    if (owners.size() == MOST_LINKS) error = ELOOP;
-    if (error != 0 && error != ENOENT && error != ENOTDIR) place.reason = std::strerror(error);
-    if (error == 0) place.size = status.st_size;
-    for (const uid_t owner : owners) {
-        const bool leads_to_his = error == 0 && owner == status.st_uid;
-        if (owner != 0 && owner != geteuid() && !leads_to_his) place.reason = LINK_OF_SOMEBODY_ELSE;
+    if (!S_ISLNK(status.st_mode)) return {path, "", status.st_size, status.st_uid};
+    std::error_code error;
+    const std::filesystem::path target = std::filesystem::read_symlink(path, error);
+    if (most_links == 0) error.assign(ELOOP, std::generic_category());
+    if (error) return {path, error.message()};
+    Place place =
+        behind_links(std::filesystem::path(path).replace_filename(target), most_links - 1);
+    const uid_t owner = status.st_uid;
+    if (place.reason.empty() && owner != 0 && owner != geteuid() && owner != place.owner) {
+        place.reason = LINK_OF_SOMEBODY_ELSE;
     }
     return place;
 }
@@ -93,10 +70,11 @@ Descriptor open_locked(const std::string& path, Moment deadline, std::string* re
         std::this_thread::sleep_for(PAUSE);
     }
     *reason = LOG_IS_LOCKED;
-    return Descriptor();
+    return {};
 }
 
-bool make_log_public(int log) {
+bool make_log_public(const Descriptor& log) {
     const struct stat status = status_of(log);
-    return status.st_nlink != 1 || (status.st_mode & 07777) == PUBLIC || fchmod(log, PUBLIC) == 0;
+    return status.st_nlink != 1 || (status.st_mode & 07777) == PUBLIC ||
+           fchmod(log.get(), PUBLIC) == 0;
 }

@@ -10,249 +10,189 @@
 #include <thread>
 #include <vector>
 
+#include "base/files.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
-#include "logs/left_overs.h"
 #include "logs/log_files.h"
 #include "logs/log_rewrite.h"
 #include "messages/log_texts.h"
 
 namespace {
 
-/// Log that a link leads to.
-constexpr char LINKED_SCRATCH[] = "%s.pruning_";
-
-/// One log with what belongs to it.
-struct Log {
-    Place file;
-    Place companion;
-    std::string scratch;
-    std::vector<LeftOver> left_overs;
-};
+/// What follows the path of a log that a link leads to.
+constexpr char LINKED_SCRATCH[] = ".pruning_";
 
 /// Opens a file for appending and makes it where it is missing; gripes when that cannot be done.
 Descriptor open_to_append(const std::string& path, const char* failure) {
-    constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    constexpr int FLAGS = O_WRONLY | O_APPEND | O_NOFOLLOW;
     // In two steps: in sticky directories the system may make nothing where somebody's file is.
-    Descriptor file(open(path.c_str(), FLAGS));
-    if (!file && errno == ENOENT) file = Descriptor(open(path.c_str(), FLAGS | O_CREAT, 0666));
+    Descriptor file(open_regular_file(path, FLAGS));
+    if (!file && errno == ENOENT) file = Descriptor(open_regular_file(path, FLAGS | O_CREAT));
     if (!file) gripe(failure, path, errno);
-    struct stat status;
-    if (fstat(file.get(), &status) != 0) gripe(failure, path, errno);
-    if (!S_ISREG(status.st_mode)) gripe(failure, path, EEXIST);
     return file;
 }
 
 /// Makes sure that there is a log, to which everybody can append.
 void make_log(const std::string& path) {
-    make_log_public(open_to_append(path, NO_LOGGING_FILE).get());
-}
-
-class Pruning {
-  public:
-    Pruning(const LogsToPrune& logs, int days, const Patience& patience)
-        : logs_(logs),
-          days_(days),
-          patience_(patience),
-          cut_off_(set_time_values(days).start_of_period_time),
-          token_path_(pruning_token_path(logs.directory)),
-          records_(cut_off_),
-          recovered_(cut_off_) {}
-
-    void run();
-
-  private:
-    void short_pause() const { std::this_thread::sleep_for(patience_.pause); }
-    void put_up_token();
-    void take_down_token();
-    void lock(int file) const;
-    Log find_log(int number);
-    void add_left_overs(Log* log, KeptRecords* records, Moment deadline);
-    void rewrite_logs(Moment deadline);
-    void merge_companions();
-    bool take_companion_of(Log* log);
-    void leave_alone(Place* place, const std::string& reason);
-    void tell(const std::string& line);
-    void tell_result();
-
-    const LogsToPrune& logs_;
-    const int days_;
-    const Patience patience_;
-    const std::int64_t cut_off_;
-    const std::string token_path_;
-    Descriptor directory_;
-    Descriptor token_;
-    LeftOverNames names_;
-    std::vector<Log> found_;
-    KeptRecords records_;
-    /// What an earlier run left; what is kept of it is counted in its log.
-    KeptRecords recovered_;
-    std::string lines_;
-};
-
-void Pruning::run() {
-    put_up_token();
-    short_pause();
-    const Moment deadline = patience_.deadline();
-    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) found_.push_back(find_log(number));
-    for (Log& log : found_) add_left_overs(&log, &recovered_, deadline);
-    rewrite_logs(deadline);
-    merge_companions();
-    take_down_token();
-    // Who saw it a moment ago may still have gone to a companion.
-    short_pause();
-    merge_companions();
-    tell_result();
-}
-
-/// Puts up the token, which diverts the log writers to the companions.
-void Pruning::put_up_token() {
-    // The directory stays locked when the token has gone.
-    directory_ = Descriptor(open(logs_.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory_) gripe(NO_PRUNING_TOKEN, token_path_, errno);
-    lock(directory_.get());
-    // From its first moment on: whoever has the directory locked is the only one with a token.
-    remember_for_signals(token_path_);
-    token_ = open_to_append(token_path_, NO_PRUNING_TOKEN);
-    lock(token_.get());
-    const int error = write_all(token_.get(), filled(TOKEN_TEXT, time_text(cut_off_).c_str()));
-    if (error != 0) gripe(NO_PRUNING_TOKEN, token_path_, error);
-}
-
-void Pruning::take_down_token() {
-    int error = 0;
-    {
-        // A signal must not take away the token of whoever prunes next.
-        const SignalsHeld held;
-        forget_temporary_file(token_path_);
-        if (unlink(token_path_.c_str()) != 0 && errno != ENOENT) error = errno;
-    }
-    if (error != 0) gripe(filled(TOKEN_STAYS, token_path_.c_str(), std::strerror(error)));
+    make_log_public(open_to_append(path, NO_LOGGING_FILE));
 }
 
 /// Two that prune the same region at once would take each other's files for left-overs.
-void Pruning::lock(int file) const {
+void lock(const Descriptor& file, const std::string& region) {
     // File systems without locks are trusted to have but one administrator.
-    if (flock(file, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
-        gripe(filled(PRUNED_BY_ANOTHER, logs_.region.c_str()));
+    if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        gripe(filled(PRUNED_BY_ANOTHER, region.c_str()));
     }
 }
 
-Log Pruning::find_log(int number) {
-    const std::string path = log_file_path(logs_.directory, number);
-    Log log = {behind_links(path),
-               behind_links(pruning_companion_path(logs_.directory, number)),
-               pruning_scratch_path(logs_.directory),
-               {}};
-    if (log.file.path != path) log.scratch = filled(LINKED_SCRATCH, log.file.path.c_str());
+/// The token diverts the log writers to the companions. The locks last as long as this.
+struct Token {
+    std::string path;
+    Descriptor directory;
+    Descriptor file = {};
+};
+
+Token put_up_token(const LogsToPrune& logs, std::int64_t cut_off) {
+    Token token = {pruning_token_path(logs.directory),
+                   Descriptor(open(logs.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))};
+    if (!token.directory) gripe(NO_PRUNING_TOKEN, token.path, errno);
+    lock(token.directory, logs.region);
+    // From its first moment on: whoever has the directory locked is the only one with a token.
+    remember_for_signals(token.path);
+    token.file = open_to_append(token.path, NO_PRUNING_TOKEN);
+    lock(token.file, logs.region);
+    const int error = write_all(token.file.get(), filled(TOKEN_TEXT, time_text(cut_off).c_str()));
+    if (error != 0) gripe(NO_PRUNING_TOKEN, token.path, error);
+    return token;
+}
+
+void take_down(const Token& token) {
+    int error;
+    {
+        // A signal must not take away the token of whoever prunes next.
+        const SignalsHeld held;
+        forget_temporary_file(token.path);
+        error = unlink(token.path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
+    }
+    if (error != 0) gripe(filled(TOKEN_STAYS, token.path.c_str(), std::strerror(error)));
+}
+
+Log find_log(const std::string& directory, int number, LeftOverNames* names) {
+    const std::string path = log_file_path(directory, number);
+    Log log = {behind_links(path), behind_links(pruning_companion_path(directory, number)),
+               pruning_scratch_path(directory)};
+    log.is_linked = log.file.path != path;
+    if (log.is_linked) log.scratch = log.file.path + LINKED_SCRATCH;
     for (Place* place : {&log.file, &log.companion}) {
-        if (place->reason.empty()) names_.find(place, &log.left_overs);
-        if (!place->reason.empty()) leave_alone(place, place->reason);
+        if (place->reason.empty()) names->find(place, &log.left_overs);
     }
     return log;
 }
 
-void Pruning::add_left_overs(Log* log, KeptRecords* records, Moment deadline) {
+/// Those that are left say why.
+void add_left_overs(Log* log, Work* work) {
     std::vector<LeftOver>& left_overs = log->left_overs;
     if (left_overs.empty()) return;
+    const std::string& path = log->file.path;
     std::string reason = log->file.reason;
     Descriptor file;
-    if (reason.empty()) file = open_locked(log->file.path, deadline, &reason);
-    if (!file && reason.empty()) {
-        make_log(log->file.path);
-        file = open_locked(log->file.path, deadline, &reason);
-    }
+    if (reason.empty() && !this_file_exists(path)) make_log(path);
+    if (reason.empty()) file = open_locked(path, work->deadline, &reason);
     for (LeftOver& left_over : left_overs) left_over.stays = reason;
     if (!file) return;
     // What has been begun comes before anything else is appended.
-    const FileId id = id_of(file.get());
-    std::stable_partition(left_overs.begin(), left_overs.end(),
-                          [&](const LeftOver& left_over) { return left_over.log == id; });
-    for (LeftOver& left_over : left_overs) {
-        add_left_over(&left_over, {log->file.path, file.get()}, records, deadline);
-    }
+    std::stable_partition(
+        left_overs.begin(), left_overs.end(),
+        [id = id_of(file)](const LeftOver& left_over) { return left_over.log == id; });
+    for (LeftOver& left_over : left_overs) add_left_over(&left_over, path, file, work);
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
 
-void Pruning::rewrite_logs(Moment deadline) {
-    off_t bytes = 0;
-    for (const Log& log : found_) bytes += log.file.size;
-    Progress progress(bytes);
-    for (Log& log : found_) {
-        const std::string& path = log.file.path;
-        if (!log.file.reason.empty()) continue;
-        const bool is_linked = log.scratch.starts_with(path);
-        const std::string reason = rewrite_log(path, log.scratch, is_linked, &records_, deadline,
-                                               &log.left_overs, &progress);
-        if (!reason.empty()) tell(filled(LOG_LEFT_ALONE, path.c_str(), reason.c_str()));
+/// Puts it where no writer looks for it. False when there is none, or none that can be taken.
+bool take_companion_of(Log* log) {
+    Place& companion = log->companion;
+    if (!log->file.reason.empty() || !companion.reason.empty()) return false;
+    Descriptor file = open_log(companion.path, &companion.reason);
+    if (!file) return false;
+    make_log(log->file.path);
+    LeftOver taken = new_left_over(companion.path, 0, std::move(file));
+    if (rename(companion.path.c_str(), taken.path().c_str()) != 0) {
+        companion.reason = std::strerror(errno);
+        return false;
     }
+    log->left_overs.push_back(std::move(taken));
+    return true;
 }
 
 /// Adds to the logs what has come into companions.
-void Pruning::merge_companions() {
+void merge_companions(std::vector<Log>* logs, const Patience& patience, Work* work) {
     bool taken = false;
-    for (Log& log : found_) taken |= take_companion_of(&log);
-    if (taken) short_pause();
+    for (Log& log : *logs) taken |= take_companion_of(&log);
+    if (taken) std::this_thread::sleep_for(patience.pause);
     // Whoever has opened one did so before it was taken.
-    const Moment deadline = patience_.deadline();
-    for (Log& log : found_) add_left_overs(&log, &records_, deadline);
+    work->deadline = patience.deadline();
+    for (Log& log : *logs) add_left_overs(&log, work);
 }
 
-/// Puts it where no writer looks for it. False when there is none, or none that can be taken.
-bool Pruning::take_companion_of(Log* log) {
-    if (!log->file.reason.empty() || !log->companion.reason.empty()) return false;
-    std::string reason;
-    const Descriptor companion = open_log(log->companion.path, &reason);
-    if (!companion && reason.empty()) return false;
-    if (companion) {
-        make_log(log->file.path);
-        const LeftOver taken = new_left_over(log->companion.path, 0, companion.get());
-        if (rename(log->companion.path.c_str(), taken.path().c_str()) == 0) {
-            log->left_overs.push_back(taken);
-            return true;
+/// A line for each of what was left alone; at once on standard error, for a job's mail.
+std::string left_alone(const std::vector<Log>& logs) {
+    std::string lines;
+    const auto tell = [&](const std::string& line) {
+        note(line);
+        lines += line + "\n";
+    };
+    for (const Log& log : logs) {
+        const Place rewritten = {log.file.path, log.why_not_rewritten};
+        for (const Place& place : {log.file, rewritten, log.companion}) {
+            if (place.reason.empty()) continue;
+            tell(filled(LOG_LEFT_ALONE, place.path.c_str(), place.reason.c_str()));
         }
-        reason = std::strerror(errno);
-    }
-    leave_alone(&log->companion, reason);
-    return false;
-}
-
-/// From now on nothing is done with it.
-void Pruning::leave_alone(Place* place, const std::string& reason) {
-    place->reason = reason;
-    tell(filled(LOG_LEFT_ALONE, place->path.c_str(), reason.c_str()));
-}
-
-/// A line of its own, at once for a job's mail, and once more with the result.
-void Pruning::tell(const std::string& line) {
-    note(line);
-    lines_ += line + "\n";
-}
-
-void Pruning::tell_result() {
-    for (const Log& log : found_) {
         for (const LeftOver& one : log.left_overs) {
+            if (!one.has_name) continue;
             tell(filled(LEFT_OVER_STAYS, one.path().c_str(), one.stays.c_str()));
         }
     }
-    const long long removed = records_.removed() + recovered_.removed();
-    const long long total = records_.total() + recovered_.removed();
-    const std::string text =
-        lines_ + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
-                        logs_.region.c_str(), days_);
-    if (logs_.display) {
-        advise(text);
-    } else {
-        write_output(text);
-    }
+    return lines;
 }
 
 }  // namespace
 
 void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience) {
-    Pruning(logs, days, patience).run();
+    const std::int64_t cut_off = set_time_values(days).start_of_period_time;
+    const Token token = put_up_token(logs, cut_off);
+    std::this_thread::sleep_for(patience.pause);
+    const Moment deadline = patience.deadline();
+    LeftOverNames names;
+    std::vector<Log> found;
+    off_t bytes = 0;
+    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+        found.push_back(find_log(logs.directory, number, &names));
+        bytes += found.back().file.size + found.back().companion.size;
+    }
+
+    Work work = {KeptRecords(cut_off), Progress(bytes), deadline};
+    for (Log& log : found) add_left_overs(&log, &work);
+    // What is kept of them is counted in its log.
+    const std::int64_t counted_there = work.records.total() - work.records.removed();
+    for (Log& log : found) log.why_not_rewritten = rewrite_log(&log, &work);
+    merge_companions(&found, patience, &work);
+    take_down(token);
+    // Who saw it a moment ago may still have gone to a companion.
+    std::this_thread::sleep_for(patience.pause);
+    merge_companions(&found, patience, &work);
+
+    const auto removed = static_cast<long long>(work.records.removed());
+    const auto total = static_cast<long long>(work.records.total() - counted_there);
+    const std::string text =
+        left_alone(found) + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
+                                   logs.region.c_str(), days);
+    if (logs.display) {
+        advise(text);
+    } else {
+        write_output(text);
+    }
 }

@@ -17,17 +17,17 @@ constexpr auto STEP = 1ms;
 
 }  // namespace
 
-Settled settle(int file, Moment deadline) {
+Settled settle(const Descriptor& file, Moment deadline) {
     // Who opens the file during the lease makes the system send a signal: one that does nothing
     // unless somebody asks for it.
-    fcntl(file, F_SETSIG, SIGURG);
+    fcntl(file.get(), F_SETSIG, SIGURG);
     while (true) {
         // The system grants it to nobody while there is a writer, and who opens the file to write
         // waits as long as it is held, which is for one look at the size.
-        const bool granted = fcntl(file, F_SETLEASE, F_RDLCK) == 0;
+        const bool granted = fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0;
         const bool is_written = !granted && errno == EAGAIN;
         const off_t size = status_of(file).st_size;
-        if (granted) fcntl(file, F_SETLEASE, F_UNLCK);
+        if (granted) fcntl(file.get(), F_SETLEASE, F_UNLCK);
         if (granted || std::chrono::steady_clock::now() >= deadline) return {size, is_written};
         if (is_written) {
             std::this_thread::sleep_for(STEP);

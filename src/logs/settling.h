@@ -4,6 +4,8 @@
 
 #include <chrono>
 
+#include "base/descriptor.h"
+
 using Moment = std::chrono::steady_clock::time_point;
 
 /// How long log writers are waited for. Each looks for the pruning token, opens a file, appends one
@@ -30,4 +32,4 @@ struct Settled {
 /// Waits until nobody has the file, open here for reading only, open for writing, but not beyond
 /// `deadline`. Where the system does not tell (the file is somebody else's, or its file system
 /// has no leases) all of that time is waited.
-Settled settle(int file, Moment deadline);
+Settled settle(const Descriptor& file, Moment deadline);

@@ -365,7 +365,7 @@ EDITS = {
     "page_without_locks": Page(always="flock:error=ENOLCK"),
     "prune": Prune(),
     "prune_hard_links": Prune(logs=(7,), symbolic_links=(), hard_links=(7,)),
-    "prune_no_exchange": Prune(logs=(7, 20), always="renameat2:error=EINVAL"),
+    "prune_without_second_names": Prune(logs=(7, 20), always="link:error=EPERM"),
 }
 
 if os.geteuid() == 0:

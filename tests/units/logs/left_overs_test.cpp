@@ -102,6 +102,21 @@ TEST_F(LeftOvers, ThoseWithNothingToAddNeedNoPermission) {
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
+TEST_F(LeftOvers, WhatIsPartlyAddedKeepsItsLogFromBeingReplaced) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    // Of its two records one has been added, and to this log the operator cannot add the other.
+    write_log(0, old(1) + fresh(1));
+    const std::string path = left_over(pruning_companion_path(0), 0, log_file_path(0), 0);
+    write_file(path, fresh(1) + fresh(2));
+    EXPECT_EQ(said_to(OPERATOR), left_alone(log_file_path(0), "Permission denied") +
+                                     "The next pruning adds to its log what is left in (" + path +
+                                     "): Permission denied.\n" + result(0, 0));
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
 TEST_F(LeftOvers, OfALinkedLogStandBesideIt) {
     fs::create_directory(logging_dir + "/elsewhere");
     const std::string real = logging_dir + "/elsewhere/real.txt";

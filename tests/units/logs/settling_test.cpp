@@ -12,17 +12,13 @@ class Settling : public Pruning {
         Pruning::SetUp();
         if (!has_leases()) GTEST_SKIP() << "no leases here";
         write_log(0, "text");
-        file_ = open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC);
-        ASSERT_NE(file_, -1);
-    }
-    void TearDown() override {
-        close(file_);
-        Pruning::TearDown();
+        file_ = Descriptor(open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC));
+        ASSERT_TRUE(file_);
     }
     static Moment in(int milliseconds) {
         return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     }
-    int file_ = -1;
+    Descriptor file_;
 };
 
 TEST_F(Settling, WithoutAWriterNothingIsWaitedFor) {
@@ -59,11 +55,10 @@ TEST_F(Settling, NobodyIsKeptOutAfterwards) {
 
 TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
     // A lease on what was not opened for reading only is not to be had.
-    const int file = open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC);
+    const Descriptor file(open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC));
     const Moment deadline = in(50);
     settle(file, deadline);
     EXPECT_GE(std::chrono::steady_clock::now(), deadline);
-    close(file);
 }
 
 }  // namespace
