@@ -144,9 +144,9 @@ LeftOver new_left_over(const std::string& source, off_t from, Descriptor file) {
     return {source, from, id, 0, std::move(file)};
 }
 
-void LeftOverNames::find(Place* source, std::vector<LeftOver>* found) {
+void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found) {
     const std::string directory = source->path.substr(0, source->path.rfind('/') + 1);
-    const auto [listing, is_new] = listings_.try_emplace(directory);
+    const auto [listing, is_new] = listings->try_emplace(directory);
     auto& [all, error] = listing->second;
     if (is_new) error = list(directory, &all);
     if (error) source->reason = error.message();

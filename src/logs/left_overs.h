@@ -59,16 +59,12 @@ struct LeftOver {
 /// One that nothing after byte `from` of the open file has been added of.
 LeftOver new_left_over(const std::string& source, off_t from, Descriptor file);
 
-/// The left-overs in the directories that are looked at, each of which is listed but once.
-class LeftOverNames {
-  public:
-    /// Adds those of the file in that place to `found`; a directory that cannot be listed is a
-    /// reason to leave the file alone.
-    void find(Place* source, std::vector<LeftOver>* found);
+/// Directories that have been listed, each with the left-overs there, or why they are not known.
+using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, std::error_code>>;
 
-  private:
-    std::map<std::string, std::pair<std::vector<LeftOver>, std::error_code>> listings_;
-};
+/// Moves those of the file in that place to `found`, and lists its directory if that has not been
+/// done; one that cannot be listed is a reason to leave the file alone.
+void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found);
 
 using Words = std::unordered_multiset<std::string>;
 

@@ -81,14 +81,14 @@ void take_down(const Token& token) {
     if (error != 0) gripe(filled(TOKEN_STAYS, token.path.c_str(), std::strerror(error)));
 }
 
-Log find_log(const std::string& directory, int number, LeftOverNames* names) {
+Log find_log(const std::string& directory, int number, Listings* listings) {
     const std::string path = log_file_path(directory, number);
     Log log = {behind_links(path), behind_links(pruning_companion_path(directory, number)),
                pruning_scratch_path(directory)};
     log.is_linked = log.file.path != path;
     if (log.is_linked) log.scratch = log.file.path + LINKED_SCRATCH;
     for (Place* place : {&log.file, &log.companion}) {
-        if (place->reason.empty()) names->find(place, &log.left_overs);
+        if (place->reason.empty()) find_left_overs(place, listings, &log.left_overs);
     }
     return log;
 }
@@ -166,11 +166,11 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
     const Token token = put_up_token(logs, cut_off);
     std::this_thread::sleep_for(patience.pause);
     const Moment deadline = patience.deadline();
-    LeftOverNames names;
+    Listings listings;
     std::vector<Log> found;
     off_t bytes = 0;
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        found.push_back(find_log(logs.directory, number, &names));
+        found.push_back(find_log(logs.directory, number, &listings));
         bytes += found.back().file.size + found.back().companion.size;
     }
 
