@@ -5,7 +5,6 @@
 
 #include "actions/requests.h"
 #include "fuzz/fuzz_world.h"
-#include "messages/policy_texts.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
@@ -15,16 +14,6 @@ namespace {
 /// Actions that touch nothing but the gatebits file.
 constexpr int ACTIONS[] = {2,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14,
                            15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 28, 29};
-
-/// A sound region block more often than not, so that start-up lets it pass.
-std::string some_gatebits(FuzzedDataProvider& data) {
-    std::string text = data.ConsumeRandomLengthString(300);
-    if (data.ConsumeBool()) return text;
-    const std::string line = data.ConsumeRandomLengthString(100);
-    return text + "\n" + GS_VAR_NAME[0] + "/bin/true\n" +
-           "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;" + line +
-           ";;\nD;000000000000000000000000;\n" + data.ConsumeRandomLengthString(300);
-}
 
 void run_actions(FuzzedDataProvider& data, const Options& options) {
     RegionInUse region;

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <fstream>
 
 #include "base/child.h"
 #include "base/process_end.h"
@@ -9,6 +10,7 @@
 #include "base/temporary_files.h"
 #include "fuzz/memory_files.h"
 #include "messages/identity.h"
+#include "messages/policy_texts.h"
 
 std::string last_command;
 std::string last_answer;
@@ -20,6 +22,7 @@ constexpr int MANY_DIALOGS = 5000;
 
 FuzzedDataProvider* answers = nullptr;
 int dialogs = 0;
+FileChooser chooser;
 
 /// The value of "-outfile" in a command line when it lies in the world's directory for temporary
 /// files, else nothing: a text in the command line may name any file under that option. The
@@ -32,6 +35,16 @@ std::string result_file_in(const std::string& command) {
     const std::string file = command.substr(begin, command.find('"', begin) - begin);
     const bool ours = file.starts_with(TEMP_DIR + "/") && file.find("..") == std::string::npos;
     return ours ? file : "";
+}
+
+bool is_file_choice(const std::string& command) {
+    return command.starts_with("clearprompt file ");
+}
+
+void write_answer(const std::string& path, const std::string& answer) {
+    if (path.starts_with(MEMORY_ROOT)) return put_memory_file(path, answer);
+    // Not by the calls that may be in trouble.
+    std::ofstream(path, std::ios::binary) << answer;
 }
 
 }  // namespace
@@ -51,8 +64,9 @@ int run_in_shell(const std::string& command) {
     constexpr int STATUSES[] = {0, 0, 0, 0, 0, 0, 256, 512, 2, -1};
     const int status = answers->PickValueInArray(STATUSES);
     const std::string file = is_dialog ? result_file_in(command) : "";
-    last_answer = answers->ConsumeRandomLengthString();
-    if (!file.empty() && status == 0) put_memory_file(file, last_answer);
+    last_answer = chooser && is_file_choice(command) ? chooser(*answers)
+                                                     : answers->ConsumeRandomLengthString();
+    if (!file.empty() && status == 0) write_answer(file, last_answer);
     return status;
 }
 
@@ -98,9 +112,22 @@ std::string gatebits() {
     return get_file("gatebits.txt");
 }
 
+std::string some_gatebits(FuzzedDataProvider& data) {
+    std::string text = data.ConsumeRandomLengthString(300);
+    if (data.ConsumeBool()) return text;
+    const std::string line = data.ConsumeRandomLengthString(100);
+    return text + "\n" + GS_VAR_NAME[0] + "/bin/true\n" +
+           "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;" + line +
+           ";;\nD;000000000000000000000000;\n" + data.ConsumeRandomLengthString(300);
+}
+
 void answer_dialogs_from(FuzzedDataProvider* data) {
     answers = data;
     dialogs = 0;
+}
+
+void choose_files_by(FileChooser of_the_target) {
+    chooser = std::move(of_the_target);
 }
 
 void must(bool holds, const char* what) {

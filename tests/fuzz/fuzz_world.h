@@ -30,10 +30,17 @@ std::size_t files_in(const std::string& directory);
 void use_gatebits(std::string_view bytes);
 std::string gatebits_path();
 std::string gatebits();
+/// A gatebits file with a sound region block more often than not, so that start-up lets it pass.
+std::string some_gatebits(FuzzedDataProvider& data);
 
 /// From now on dialogs answer with what `data` gives; null: every dialog is cancelled. A child
 /// that is not a dialog ends with 0 then.
 void answer_dialogs_from(FuzzedDataProvider* data);
+
+/// What the operator chooses in a file chooser.
+using FileChooser = std::function<std::string(FuzzedDataProvider&)>;
+/// From now on; without one, whatever the dialogs' bytes give.
+void choose_files_by(FileChooser chooser);
 
 /// The last command that was to be run in the shell.
 extern std::string last_command;

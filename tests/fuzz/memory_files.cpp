@@ -15,6 +15,8 @@
 #include <memory>
 #include <vector>
 
+#include "fuzz/disk_calls.h"
+
 namespace {
 
 struct MemoryFile {
@@ -144,26 +146,15 @@ void close_memory_files() {
 // The linker sends every call of f to __wrap_f, and every call of __real_f to f.
 extern "C" {
 
-int __real_open(const char* path, int flags, mode_t mode);
 int __real_close(int descriptor);
 ssize_t __real_read(int descriptor, void* bytes, std::size_t size);
 ssize_t __real_pread(int descriptor, void* bytes, std::size_t size, off_t offset);
-ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
 off_t __real_lseek(int descriptor, off_t offset, int whence);
-int __real_fsync(int descriptor);
-int __real_ftruncate(int descriptor, off_t size);
 int __real_stat(const char* path, struct stat* status);
 int __real_lstat(const char* path, struct stat* status);
 int __real_fstat(int descriptor, struct stat* status);
-int __real_fchmod(int descriptor, mode_t mode);
-int __real_chmod(const char* path, mode_t mode);
-int __real_futimens(int descriptor, const timespec times[2]);
 ssize_t __real_flistxattr(int descriptor, char* list, std::size_t size);
-int __real_unlink(const char* path);
-int __real_rename(const char* from, const char* to);
-int __real_mkostemp(char* path, int flags);
 char* __real_realpath(const char* path, char* resolved);
-int __real_remove(const char* path);
 FILE* __real_fopen(const char* path, const char* mode);
 FILE* __real_fdopen(int descriptor, const char* mode);
 int __real_fileno(FILE* stream);
@@ -174,7 +165,7 @@ int __wrap_open(const char* path, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return is_ours(path) ? open_in_memory(path, flags, mode) : __real_open(path, flags, mode);
+    return is_ours(path) ? open_in_memory(path, flags, mode) : disk_open(path, flags, mode);
 }
 
 int __wrap_close(int descriptor) {
@@ -203,7 +194,7 @@ ssize_t __wrap_pread(int descriptor, void* bytes, std::size_t size, off_t offset
 }
 
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t size) {
-    if (descriptor < FIRST_DESCRIPTOR) return __real_write(descriptor, bytes, size);
+    if (descriptor < FIRST_DESCRIPTOR) return disk_write(descriptor, bytes, size);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
     std::string& all = open->file->bytes;
@@ -224,12 +215,12 @@ off_t __wrap_lseek(int descriptor, off_t offset, int whence) {
 }
 
 int __wrap_fsync(int descriptor) {
-    if (descriptor < FIRST_DESCRIPTOR) return __real_fsync(descriptor);
+    if (descriptor < FIRST_DESCRIPTOR) return disk_fsync(descriptor);
     return open_file(descriptor) == nullptr ? -1 : 0;
 }
 
 int __wrap_ftruncate(int descriptor, off_t size) {
-    if (descriptor < FIRST_DESCRIPTOR) return __real_ftruncate(descriptor, size);
+    if (descriptor < FIRST_DESCRIPTOR) return disk_ftruncate(descriptor, size);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
     open->file->bytes.resize(static_cast<std::size_t>(size));
@@ -253,7 +244,7 @@ int __wrap_fstat(int descriptor, struct stat* status) {
 }
 
 int __wrap_fchmod(int descriptor, mode_t mode) {
-    if (descriptor < FIRST_DESCRIPTOR) return __real_fchmod(descriptor, mode);
+    if (descriptor < FIRST_DESCRIPTOR) return disk_fchmod(descriptor, mode);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
     open->file->mode = mode;
@@ -261,7 +252,7 @@ int __wrap_fchmod(int descriptor, mode_t mode) {
 }
 
 int __wrap_chmod(const char* path, mode_t mode) {
-    if (!is_ours(path)) return __real_chmod(path, mode);
+    if (!is_ours(path)) return disk_chmod(path, mode);
     const auto found = files.find(std::string_view(path));
     if (found == files.end()) return failed(ENOENT);
     found->second->mode = mode;
@@ -269,7 +260,7 @@ int __wrap_chmod(const char* path, mode_t mode) {
 }
 
 int __wrap_futimens(int descriptor, const timespec times[2]) {
-    if (descriptor < FIRST_DESCRIPTOR) return __real_futimens(descriptor, times);
+    if (descriptor < FIRST_DESCRIPTOR) return disk_futimens(descriptor, times);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
     open->file->written = times[1];
@@ -282,7 +273,7 @@ ssize_t __wrap_flistxattr(int descriptor, char* list, std::size_t size) {
 }
 
 int __wrap_unlink(const char* path) {
-    if (!is_ours(path)) return __real_unlink(path);
+    if (!is_ours(path)) return disk_unlink(path);
     const auto found = files.find(std::string_view(path));
     if (found == files.end()) return failed(ENOENT);
     files.erase(found);
@@ -290,7 +281,7 @@ int __wrap_unlink(const char* path) {
 }
 
 int __wrap_rename(const char* from, const char* to) {
-    if (!is_ours(from)) return __real_rename(from, to);
+    if (!is_ours(from)) return disk_rename(from, to);
     const auto found = files.find(std::string_view(from));
     if (found == files.end()) return failed(ENOENT);
     const auto file = found->second;
@@ -300,7 +291,7 @@ int __wrap_rename(const char* from, const char* to) {
 }
 
 int __wrap_mkostemp(char* path, int flags) {
-    if (!is_ours(path)) return __real_mkostemp(path, flags);
+    if (!is_ours(path)) return disk_mkostemp(path, flags);
     std::memcpy(path + std::strlen(path) - 6, "fuzzed", 6);
     return open_in_memory(path, O_RDWR | O_CREAT | O_EXCL, 0600);
 }
@@ -312,7 +303,7 @@ char* __wrap_realpath(const char* path, char* resolved) {
 }
 
 int __wrap_remove(const char* path) {
-    return is_ours(path) ? unlink(path) : __real_remove(path);
+    return is_ours(path) ? unlink(path) : disk_remove(path);
 }
 
 FILE* __wrap_fopen(const char* path, const char* mode) {
