@@ -21,7 +21,7 @@ namespace {
 
 /// A definition in a list shows this many characters; what is cut there is also cut from the
 /// value that is offered for an update.
-constexpr std::size_t LISTED_CHARACTERS = 100;
+constexpr std::size_t LISTED_ALIAS_CHARACTERS = 100;
 
 std::string definition(const std::string& name, const std::string& value) {
     return filled(ALIAS_DEFINITION, ALIAS_HEADER, name.c_str(), value.c_str());
@@ -29,8 +29,8 @@ std::string definition(const std::string& name, const std::string& value) {
 
 std::string definition_entry(const Aliases& aliases, std::size_t i) {
     const std::string entry = definition(aliases.ALIAS_NAME[i], aliases.ALIAS[i]);
-    return entry.size() <= LISTED_CHARACTERS ? entry
-                                             : entry.substr(0, LISTED_CHARACTERS) + CUT_KEY_MARK;
+    return entry.size() <= LISTED_ALIAS_CHARACTERS ? entry
+                                             : entry.substr(0, LISTED_ALIAS_CHARACTERS) + CUT_KEY_MARK;
 }
 
 std::string reference_entry(const Aliases& aliases, std::size_t i) {

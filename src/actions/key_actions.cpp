@@ -19,7 +19,7 @@
 namespace {
 
 /// A key in a list shows this many of its characters.
-constexpr std::size_t LISTED_CHARACTERS = 46;
+constexpr std::size_t LISTED_KEY_CHARACTERS = 46;
 
 /// The command keys of the gatebits file; a key's place is its index, counted from 0.
 std::vector<std::string> command_keys(const std::string& gatebits_file) {
@@ -36,7 +36,7 @@ std::string key_list(const std::vector<std::string>& keys) {
     entries.reserve(keys.size());
     for (const std::string& key : keys) {
         entries.push_back(filled(KEY_ENTRY, static_cast<int>(entries.size()),
-                                 key.substr(0, LISTED_CHARACTERS).c_str()));
+                                 key.substr(0, LISTED_KEY_CHARACTERS).c_str()));
     }
     return as_list(entries);
 }

@@ -9,7 +9,7 @@
 namespace {
 
 /// Between one line and the next.
-constexpr std::chrono::milliseconds PAUSE(200);
+constexpr std::chrono::milliseconds BETWEEN_LINES(200);
 constexpr off_t MEGABYTE = 1000000;
 
 /// The line is a courtesy: the work goes on where it cannot be drawn.
@@ -29,7 +29,7 @@ void Progress::advance(off_t bytes) {
 }
 
 void Progress::draw(Clock::time_point now) {
-    next_ = now + PAUSE;
+    next_ = now + BETWEEN_LINES;
     if (isatty(terminal_) == 0) {
         next_ = Clock::time_point::max();
         return;

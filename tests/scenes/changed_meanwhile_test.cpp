@@ -9,7 +9,7 @@
 
 namespace {
 
-const std::string ONE = "#!gatewarden_alias one x";
+const std::string ALIAS = "#!gatewarden_alias one x";
 const std::string ALIAS_GONE = "/#!gatewarden_alias one/d";
 
 RegionPlan region_of_three_keys() {
@@ -158,7 +158,7 @@ TEST(ChangedMeanwhile, AGuardedActionIsNotOfferedAgain) {
     Region alias = region_of_three_keys();
     before = alias.gatebits();
     checker_finds("gatewarden", alias);
-    alias.operator_picks(ONE).types("z").answers(yes_while("s/one x/one y/"));
+    alias.operator_picks(ALIAS).types("z").answers(yes_while("s/one x/one y/"));
     expect_told(alias, "20", before, with_replaced(before, "one x", "one y"));
 }
 
@@ -172,12 +172,12 @@ TEST(ChangedMeanwhile, OtherFieldsOfTheLineDoNotMatter) {
 TEST(ChangedMeanwhile, Alias) {
     Region east = region_of_three_keys();
     const std::string before = east.gatebits();
-    const std::string after = with_replaced(before, ONE + "\n", "");
-    east.operator_picks(ONE).types("z").answers(yes_while(ALIAS_GONE));
+    const std::string after = with_replaced(before, ALIAS + "\n", "");
+    east.operator_picks(ALIAS).types("z").answers(yes_while(ALIAS_GONE));
     expect_told(east, "20", before, after);
     Region west = region_of_three_keys();
     const std::string west_before = west.gatebits();
-    west.operator_picks(ONE).answers(yes_while("s/one x/one y/"));
+    west.operator_picks(ALIAS).answers(yes_while("s/one x/one y/"));
     expect_told(west, "18", west_before, with_replaced(west_before, "one x", "one y"));
     Region south = region_of_three_keys();
     const std::string south_before = south.gatebits();

@@ -71,7 +71,7 @@ std::string bad_repeat(const std::string& argument) {
     return "ERROR: Repeat parameter (" + argument +
            ") invalid.  Repeat must be set to 'y' or 'n'. Default is 'y'";
 }
-const std::string BOTH =
+const std::string EXCLUSIVE =
     "ERROR: Action parameter and Query parameter are mutually exclusive.  Nothing done.";
 
 struct Refusal {
@@ -117,9 +117,9 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"ActionWord", {"A=x"}, bad_action("A=x")},
         Refusal{"ActionMinus", {"A=-2"}, bad_action("A=-2")},
         Refusal{"ActionHuge", {"A=4294967298"}, bad_action("A=4294967298")},
-        Refusal{"QueryThenAction", {"Q=1", "A=2"}, BOTH},
-        Refusal{"ActionThenQuery", {"A=2", "Q=1"}, BOTH},
-        Refusal{"QueryThenBadAction", {"Q=1", "A=99"}, BOTH},
+        Refusal{"QueryThenAction", {"Q=1", "A=2"}, EXCLUSIVE},
+        Refusal{"ActionThenQuery", {"A=2", "Q=1"}, EXCLUSIVE},
+        Refusal{"QueryThenBadAction", {"Q=1", "A=99"}, EXCLUSIVE},
         Refusal{"ActionTwice", {"A=2", "A=2"}, duplicate("A")},
         Refusal{"ActionTwiceTheSecondBad", {"A=2", "A=99"}, duplicate("A")},
         Refusal{"QueryTwice", {"Q=1", "Q=2"}, duplicate("Q")},

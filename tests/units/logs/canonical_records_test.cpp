@@ -5,10 +5,9 @@
 
 #include "log_region.h"
 #include "logs/log_reader.h"
+#include "units/logs/tallies.h"
 
 namespace {
-
-constexpr std::int64_t PERIOD_END = 1794787199;
 
 RecordQuery query_of(int number, const std::array<std::string, 4>& filters, int edition = 1) {
     RecordQuery query;
@@ -36,16 +35,6 @@ RecordTally counted(const RecordQuery& query, const std::string& text, Lanes lan
     RecordTally tally;
     CanonicalQuery(query, lanes).count({with_margin.data(), text.size()}, &tally);
     return tally;
-}
-
-bool same_counts(const RecordTally& one, const RecordTally& other) {
-    for (std::size_t row = 0; row < QUERY_DAYS; ++row) {
-        // A record that was filtered out leaves no trace in a result.
-        for (const RecordOutcome outcome : {SEEN, ALLOWED, DENIED}) {
-            if (one.rows[row][outcome] != other.rows[row][outcome]) return false;
-        }
-    }
-    return one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
 
 /// Whether both fast paths count what the plain rule counts.

@@ -12,8 +12,7 @@
 
 namespace {
 
-using std::chrono::hours;
-using std::chrono::milliseconds;
+using namespace std::chrono_literals;
 
 /// A terminal and what was written on it.
 class ProgressOnATerminal : public testing::Test {
@@ -48,7 +47,7 @@ class ProgressOnATerminal : public testing::Test {
 TEST_F(ProgressOnATerminal, SaysHowMuchIsDoneAndWipesItAtTheEnd) {
     std::string line;
     {
-        Progress progress(40'000'000, terminal(), milliseconds(0));
+        Progress progress(40'000'000, terminal(), 0ms);
         progress.add(9'000'000);
         progress.advance(1'000'000);
         line = shown();
@@ -62,7 +61,7 @@ TEST_F(ProgressOnATerminal, SaysHowMuchIsDoneAndWipesItAtTheEnd) {
 }
 
 TEST_F(ProgressOnATerminal, IsWipedOnce) {
-    Progress progress(40'000'000, terminal(), milliseconds(0));
+    Progress progress(40'000'000, terminal(), 0ms);
     progress.advance(1'000'000);
     shown();
     progress.wipe();
@@ -72,14 +71,14 @@ TEST_F(ProgressOnATerminal, IsWipedOnce) {
 }
 
 TEST_F(ProgressOnATerminal, ALogMayGrow) {
-    Progress progress(1'000'000, terminal(), milliseconds(0));
+    Progress progress(1'000'000, terminal(), 0ms);
     progress.advance(3'000'000);
     EXPECT_TRUE(shown().starts_with("\r3 of 3 MB, 0 s left"));
 }
 
 TEST_F(ProgressOnATerminal, SaysNothingOfWhatIsQuick) {
     {
-        Progress progress(40'000'000, terminal(), hours(1));
+        Progress progress(40'000'000, terminal(), 1h);
         progress.advance(30'000'000);
     }
     EXPECT_EQ(shown(), "");
@@ -91,7 +90,7 @@ TEST(ProgressElsewhere, SaysNothing) {
     const Descriptor out(ends[0]);
     Descriptor in(ends[1]);
     {
-        Progress progress(40'000'000, in.get(), milliseconds(0));
+        Progress progress(40'000'000, in.get(), 0ms);
         progress.advance(30'000'000);
     }
     in.close();

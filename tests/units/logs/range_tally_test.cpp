@@ -10,9 +10,9 @@
 #include <random>
 #include <string>
 
-namespace {
+#include "units/logs/tallies.h"
 
-constexpr std::int64_t PERIOD_END = 1794787199;
+namespace {
 
 RecordQuery query_of(int number) {
     RecordQuery query;
@@ -44,17 +44,6 @@ RecordTally counted_by_the_plain_rule(const RecordQuery& query,
         }
     }
     return tally;
-}
-
-bool same_counts(const RecordTally& one, const RecordTally& other) {
-    for (std::size_t row = 0; row < QUERY_DAYS; ++row) {
-        // A record that was filtered out leaves no trace in a result.
-        if (!std::equal(one.rows[row].begin() + SEEN, one.rows[row].end(),
-                        other.rows[row].begin() + SEEN)) {
-            return false;
-        }
-    }
-    return one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
 
 RangeTally tally(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,

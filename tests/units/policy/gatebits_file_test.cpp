@@ -9,7 +9,7 @@
 
 namespace {
 
-const std::string BLOCK =
+const std::string DEPOT_BLOCK =
     "gatewarden;;;east;\n;/depot;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;000000000000000000000000;\n";
 
 class GatebitsFile : public OnStage {
@@ -92,26 +92,26 @@ TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
 }
 
 TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
-    use_gatebits(BLOCK + "# keys\nkey 0;\nkey 1;\n");
+    use_gatebits(DEPOT_BLOCK + "# keys\nkey 0;\nkey 1;\n");
     EXPECT_EQ(set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), BLOCK + "# keys\n\nkey 1;\n");
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "# keys\n\nkey 1;\n");
     EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
 }
 
 TEST_F(GatebitsFile, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
-    use_gatebits(BLOCK + "key 0;\nkey 1;\n");
+    use_gatebits(DEPOT_BLOCK + "key 0;\nkey 1;\n");
     set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN);
     set_a_line(gatebits_file, FIRST_KEY_LINE, "key 2;");
-    EXPECT_EQ(region.gatebits(), BLOCK + "key 2;\n");
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "key 2;\n");
 }
 
 TEST_F(GatebitsFile, AnEmptyTextIsWrittenAsAnEmptyLine) {
-    use_gatebits(BLOCK + "key 0;\nkey 1;\n");
+    use_gatebits(DEPOT_BLOCK + "key 0;\nkey 1;\n");
     set_a_line(gatebits_file, FIRST_KEY_LINE, "");
-    EXPECT_EQ(region.gatebits(), BLOCK + "\nkey 1;\n");
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "\nkey 1;\n");
     set_a_line(gatebits_file, 0, "");
-    EXPECT_EQ(region.gatebits(), BLOCK + "key 1;\n\n");
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "key 1;\n\n");
 }
 
 TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
@@ -121,9 +121,9 @@ TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
 }
 
 TEST_F(GatebitsFile, LineZeroAppendsAfterEverything) {
-    use_gatebits(BLOCK + "# the end\n");
+    use_gatebits(DEPOT_BLOCK + "# the end\n");
     EXPECT_EQ(set_a_line(gatebits_file, 0, "a key;"), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), BLOCK + "# the end\na key;\n");
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "# the end\na key;\n");
 }
 
 TEST_F(GatebitsFile, ANumberAfterTheLastLineOnlyDropsBlankLines) {
@@ -304,7 +304,7 @@ TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
 }
 
 TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
-    const std::string text = BLOCK + "key;\n";
+    const std::string text = DEPOT_BLOCK + "key;\n";
     use_gatebits(text);
     EXPECT_EXIT(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
                 testing::ExitedWithCode(99), "");
@@ -315,10 +315,10 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
 }
 
 TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
-    use_gatebits(BLOCK);
+    use_gatebits(DEPOT_BLOCK);
     TEMP_DIR = "/no/such/dir";
     EXPECT_GRIPE(set_a_line(gatebits_file, 1, "x"), "Could not create needed temp file");
-    EXPECT_EQ(region.gatebits(), BLOCK);
+    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK);
 }
 
 TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {

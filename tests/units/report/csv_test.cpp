@@ -3,18 +3,17 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <sstream>
 #include <vector>
 
 #include "dialog/messages.h"
+#include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
@@ -128,13 +127,6 @@ TEST_F(Csv, IsWantedByAYesInAnyCase) {
         EXPECT_TRUE(csv_is_wanted());
     }
     unsetenv("ZUL_GATESCOPE_CSV");
-}
-
-/// What is written after the limit ends with an error, as on a full disk.
-void limit_file_size(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit = {bytes, bytes};
-    setrlimit(RLIMIT_FSIZE, &limit);
 }
 
 class CsvFile : public testing::Test {

@@ -4,14 +4,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <cstring>
 #include <string>
 #include <thread>
@@ -19,6 +17,7 @@
 #include "base/descriptor.h"
 #include "dialog/messages.h"
 #include "faults/small_disk.h"
+#include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
@@ -48,13 +47,6 @@ class PageFile : public testing::Test {
 
     ScratchDirectory directory;
 };
-
-/// What is written after the limit ends with an error, as on a full disk.
-void limit_file_size(rlim_t bytes) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit = {bytes, bytes};
-    setrlimit(RLIMIT_FSIZE, &limit);
-}
 
 TEST_F(PageFile, IsCreatedAndAddedTo) {
     append_page(page(), "one\n");

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+#include "logs/record_rule.h"
+
+/// The last second of the period that these tests count in.
+constexpr std::int64_t PERIOD_END = 1794787199;
+
+/// Whether both tallies lead to the same result.
+inline bool same_counts(const RecordTally& one, const RecordTally& other) {
+    for (std::size_t row = 0; row < QUERY_DAYS; ++row) {
+        // A record that was filtered out leaves no trace in a result.
+        if (!std::equal(one.rows[row].begin() + SEEN, one.rows[row].end(),
+                        other.rows[row].begin() + SEEN)) {
+            return false;
+        }
+    }
+    return one.earliest == other.earliest && one.data_seen == other.data_seen;
+}
