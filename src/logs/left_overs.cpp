@@ -20,7 +20,7 @@ namespace {
 constexpr char LEFT_OVER_MARK[] = ".to_add_";
 constexpr char LEFT_OVER_NUMBERS[] = ".to_add_%lld_%llu_%llu_%lld";
 
-constexpr char WHITE[] = " \t\n\v\f\r";
+constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 
 /// The left-over of that path; nothing when its name was not given here.
 std::optional<LeftOver> named(const std::string& path) {
@@ -162,7 +162,8 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
     std::string missing;
     const auto add = [&](std::string_view words) {
         // Who keeps it open may be in the middle of the last record.
-        const std::size_t whole = to.is_written ? words.find_last_of(WHITE) + 1 : words.size();
+        const std::size_t whole =
+            to.is_written ? words.find_last_of(WHITE_SPACE) + 1 : words.size();
         std::string_view lines = work->records.of(words.substr(0, whole));
         if (!standing.empty()) lines = missing = missing_lines(lines, &standing);
         error = write_all(out.get(), lines);

@@ -32,7 +32,7 @@ std::vector<Range> ranges_of(const std::vector<LogToCount>& logs, off_t range_si
 }
 
 /// What all threads share.
-struct Work {
+struct SharedWork {
     const CanonicalQuery& query;
     const std::vector<LogToCount>& logs;
     const std::vector<Range>& ranges;
@@ -46,7 +46,7 @@ class Worker {
   public:
     /// Takes ranges until there are none left; `tell` hears of the bytes that are done.
     template <class Tell>
-    void run(Work& work, const Tell& tell) {
+    void run(SharedWork& work, const Tell& tell) {
         for (std::size_t i = work.next_range++; i < work.ranges.size(); i = work.next_range++) {
             const Range& range = work.ranges[i];
             reader_.start_range(work.logs[range.log].file.get(), range.from, range.to);
@@ -82,8 +82,8 @@ class Worker {
 };
 
 /// Starts a thread for each of the workers but the first, or for as many as can be had.
-std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& workers, Work* work,
-                                  Progress* progress) {
+std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& workers,
+                                  SharedWork* work, Progress* progress) {
     std::vector<std::jthread> threads;
     threads.reserve(workers.size());
     // A thread begins with the signals held back that its maker holds back.
@@ -110,7 +110,7 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
                         off_t range_size, Progress* progress) {
     const CanonicalQuery canonical(query);
     const std::vector<Range> ranges = ranges_of(logs, range_size);
-    Work work = {canonical, logs, ranges};
+    SharedWork work = {canonical, logs, ranges};
     std::vector<std::unique_ptr<Worker>> workers;
     for (int i = 0; i < threads; ++i) workers.push_back(std::make_unique<Worker>());
     {
