@@ -28,20 +28,21 @@ LastAnswer A_22(const std::string& gatebits_file);
 void A_23(RegionSettings& region, bool during_install);
 /// The tool's own settings; the region's are loaded again after a change.
 void A_24(RegionSettings& region);
-/// Switch to another gatebits file, create one, copy one: 1 when a new file is in use, else 0. A
-/// new one may be filled by a walk.
-int A_25(RegionSettings& region);
-int A_26(const Options& options, RegionInUse& region);
-int A_27(RegionSettings& region);
+/// Switch to another gatebits file, create one, copy one: whether another file is in use, whose
+/// settings are to be loaded. One that was created may be filled by a walk.
+bool A_25(RegionSettings& region);
+bool A_26(const Options& options, RegionInUse& region);
+bool A_27(RegionSettings& region);
 /// Guided walks through the important, and through all, fields.
 void A_28(const Options& options, RegionInUse& region);
 void A_29(const Options& options, RegionInUse& region);
 
 /// How a guarded action ended.
 struct Guarded {
-    /// 1 when the file is no worse than before, 0 when the check could not be run, when nothing was
-    /// written because somebody else has changed the file, or when the path entered does not hold.
-    int holds;
+    /// Whether the file is no worse than before. Not so when the check could not be run, when
+    /// nothing was written because somebody else has changed the file, or when the path entered
+    /// does not hold.
+    bool holds;
     LastAnswer last_answer;
 };
 
@@ -50,6 +51,6 @@ struct Guarded {
 /// change is let go unless the file has more errors than at the start. Gripes for any other number.
 Guarded A_X(const Options& options, RegionInUse& region, int n);
 
-/// 1, after telling the operator that the action of this title is not available, when the
-/// installer started the program; else 0.
-int A_during_install(bool during_install, const char* title);
+/// Whether the installer started the program; the operator has then been told that the action of
+/// this title is not available.
+bool A_during_install(bool during_install, const char* title);

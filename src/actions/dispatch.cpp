@@ -24,7 +24,8 @@ namespace {
 /// was in the file all along stops holding them in it.
 constexpr int TIMES_LEFT_UNCHANGED = 3;
 
-/// What the submenu has for the installer only, the main loop runs and not the submenu itself.
+/// Runs what was picked. An entry that only the installer is shown does nothing here: the main
+/// loop, which shows the same menu, runs it.
 LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
                             const std::string& QUERY_OR_ACTION) {
     const Request* request = request_labelled(QUERY_OR_ACTION);
@@ -50,12 +51,12 @@ const FieldEditor* path_field(int number) {
     return nullptr;
 }
 
-/// 1 when the path holds, or cannot be tested from here; else 0.
-int path_holds(const std::string& gatebits_file, const FieldEditor& field) {
+/// Whether the path holds, or cannot be tested from here.
+bool path_holds(const std::string& gatebits_file, const FieldEditor& field) {
     const std::string path = field_or_empty(gatebits_file, field.line, field.field);
-    if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return 1;
+    if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return true;
     struct stat status;
-    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode) ? 1 : 0;
+    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 /// What the checker says of the file before an action.
@@ -81,8 +82,8 @@ bool is_good_enough(const CheckResult& after, const Before& before) {
                          : !after.CURRENT_GATEBITS_FILE_HAS_ERRORS;
 }
 
-/// Whether the errors are no more than those at the start of the action. A file that had none
-/// before the last run has more than that.
+/// Whether the errors are no more than those at the start of the action. A file that was without
+/// errors before the last run has got new ones.
 bool no_more_errors_than(const Before& at_entry, const Before& before, const CheckResult& after) {
     return before.errors && after.CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS <= at_entry.count;
 }
@@ -112,11 +113,11 @@ Guarded A_X(const Options& options, RegionInUse& region, int n) {
     LastAnswer last_answer;
     for (int times_unchanged = 0;; before = look_before(&region.settings)) {
         const std::string bytes = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE);
-        // A run without a dialog leaves the answer of the run before.
+        // A run that shows no dialog keeps the answer of the one before.
         if (const LastAnswer answer = request->handler(options, region, *request).last_answer)
             last_answer = answer;
-        // Nothing was entered that another value could take the place of.
-        if (last_answer.changed_meanwhile) return {0, last_answer};
+        // Entering another value would not help.
+        if (last_answer.changed_meanwhile) return {false, last_answer};
         times_unchanged = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE) != bytes
                               ? 0
                               : times_unchanged + 1;
@@ -126,23 +127,23 @@ Guarded A_X(const Options& options, RegionInUse& region, int n) {
 
         const auto after =
             perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &region.settings);
-        if (!after) return {0, last_answer};
-        if (is_good_enough(*after, before)) return {1, last_answer};
+        if (!after) return {false, last_answer};
+        if (is_good_enough(*after, before)) return {true, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&
             no_more_errors_than(at_entry, before, *after)) {
-            return {1, last_answer};
+            return {true, last_answer};
         }
         advise_wait(AX_MSG);
     }
 }
 
-int A_during_install(bool during_install, const char* title) {
-    if (!during_install) return 0;
+bool A_during_install(bool during_install, const char* title) {
+    if (!during_install) return false;
     const std::string label = title;
     const auto dash = label.find(LABEL_DASH);
     advise_wait(dash == std::string::npos
                     ? NO_LABEL_DURING_INSTALL
                     : filled(NOT_DURING_INSTALL,
                              label.substr(dash + std::string(LABEL_DASH).size()).c_str()));
-    return 1;
+    return true;
 }

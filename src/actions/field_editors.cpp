@@ -93,7 +93,7 @@ Edit edit(const FieldEditor& editor, RegionSettings* region) {
         back_to.clear();
         if (!entered.value) return {Edited::LEFT, entered.last_answer};
         const Change change = {kind.field_name(editor), current, *entered.value};
-        // Made up before the question, so that what it shows cannot be newer.
+        // Read before the question is asked: what the operator is shown is not newer than this.
         const std::vector<FieldChange> further = further_changes(gatebits_file, editor, change.to);
         const Consent consent = confirm_change(change, warnings_of(gatebits_file, editor, change));
         if (consent == DECLINED) continue;

@@ -49,7 +49,7 @@ std::vector<FieldChange> changes_with_depot(const std::string& gatebits_file,
                                         to(NOTIFY_LINE, depot.field, "")};
     std::string other_depot;
     const int other_field = depot.field == 1 ? 2 : 1;
-    if (get_a_field(gatebits_file, DEPOT_LINE, other_field, &other_depot) == 0) return changes;
+    if (!get_a_field(gatebits_file, DEPOT_LINE, other_field, &other_depot)) return changes;
     // It stays as it is, but logging depends on it.
     changes.push_back({DEPOT_LINE, other_field, other_depot, other_depot});
     if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, 3, LOGGING_WHEN_EMPTY));

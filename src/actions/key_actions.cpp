@@ -25,7 +25,7 @@ constexpr std::size_t LISTED_KEY_CHARACTERS = 46;
 std::vector<std::string> command_keys(const std::string& gatebits_file) {
     std::vector<std::string> keys;
     std::string line;
-    while (get_a_line(gatebits_file, FIRST_KEY_LINE + static_cast<int>(keys.size()), &line) == 1) {
+    while (get_a_line(gatebits_file, FIRST_KEY_LINE + static_cast<int>(keys.size()), &line)) {
         keys.push_back(line);
     }
     return keys;
@@ -53,7 +53,7 @@ Key picked_key(const std::string& gatebits_file, const std::string& pick, const 
     const auto index = number_at_front(pick);
     Key key = {index.value_or(0), ""};
     if (!index || *index > last_index ||
-        get_a_line(gatebits_file, FIRST_KEY_LINE + *index, &key.line) == 0) {
+        !get_a_line(gatebits_file, FIRST_KEY_LINE + *index, &key.line)) {
         gripe(fault);
     }
     return key;

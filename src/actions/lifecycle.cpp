@@ -104,7 +104,7 @@ Step create_file(const Options& options, RegionInUse& region) {
     return Step::DONE;
 }
 
-/// Each of them leaves its choice in `*path`.
+// Each of these leaves its choice in `*path`.
 
 Step choose_source(const std::string& file_in_use, std::string* path) {
     const auto chosen = select_cb_file(file_in_use, PROMPT_04);
@@ -164,14 +164,14 @@ void A_23(RegionSettings& region, bool during_install) {
     ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");
 }
 
-int A_25(RegionSettings& region) {
-    return done_in_the_end([&] { return switch_file(&region); }) ? 1 : 0;
+bool A_25(RegionSettings& region) {
+    return done_in_the_end([&] { return switch_file(&region); });
 }
 
-int A_26(const Options& options, RegionInUse& region) {
-    return done_in_the_end([&] { return create_file(options, region); }) ? 1 : 0;
+bool A_26(const Options& options, RegionInUse& region) {
+    return done_in_the_end([&] { return create_file(options, region); });
 }
 
-int A_27(RegionSettings& region) {
-    return done_in_the_end([&] { return copy_the_file(&region); }) ? 1 : 0;
+bool A_27(RegionSettings& region) {
+    return done_in_the_end([&] { return copy_the_file(&region); });
 }

@@ -67,10 +67,10 @@ Finished load_again(RegionSettings& region) {
 }
 template <auto action>
 Finished put_in_use(const Options&, RegionInUse& region, const Request&) {
-    return action(region.settings) == 1 ? load_again(region.settings) : Finished();
+    return action(region.settings) ? load_again(region.settings) : Finished();
 }
 Finished create(const Options& options, RegionInUse& region, const Request&) {
-    return A_26(options, region) == 1 ? load_again(region.settings) : Finished();
+    return A_26(options, region) ? load_again(region.settings) : Finished();
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
@@ -154,6 +154,6 @@ const Request* request_labelled(const std::string& label) {
 
 bool refused(const Request& request, const Options& options) {
     if (request.during_install) return false;
-    return request.kind == QUERY ? Q_during_install(options.IS_DURING_INSTALL) == 1
-                                 : A_during_install(options.IS_DURING_INSTALL, request.label) == 1;
+    return request.kind == QUERY ? Q_during_install(options.IS_DURING_INSTALL)
+                                 : A_during_install(options.IS_DURING_INSTALL, request.label);
 }

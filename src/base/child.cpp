@@ -20,7 +20,8 @@ namespace {
 
 constexpr char SHELL[] = "/bin/sh";
 
-/// The child that is being waited for; 0 when there is none.
+/// The child that is being waited for; 0 when there is none. The process's, because a signal
+/// handler ends it, and is told nothing but the number of the signal.
 std::atomic<pid_t> running_child = 0;
 static_assert(std::atomic<pid_t>::is_always_lock_free);
 
@@ -108,7 +109,7 @@ Family family_of(pid_t process) {
 }
 
 bool is_alive(const Family& family) {
-    // The first is our own child, and there as long as nobody asks how it ended.
+    // The first is our own child: once it has ended, it goes as soon as it is asked after.
     waitpid(family.members.front(), nullptr, WNOHANG);
     return std::any_of(family.members.begin(), family.members.begin() + family.size,
                        [](pid_t member) { return kill(member, 0) == 0; });

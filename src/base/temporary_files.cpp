@@ -22,6 +22,8 @@ struct Place {
     Place* next;
 };
 using Places = std::atomic<Place*>;
+/// The lists are the process's, because signal handlers read them, and are told nothing but the
+/// number of the signal.
 Places places;
 /// The files that only a signal takes away.
 Places places_for_signals;
@@ -40,7 +42,7 @@ bool add(Places* list, char* path) {
 void remember(Places* list, const std::string& path) {
     char* const copy = strdup(path.c_str());
     if (copy != nullptr && add(list, copy)) return;
-    // Nobody would remove it later.
+    // Without a place on the list nothing would remove it later.
     std::free(copy);
     unlink(path.c_str());
     throw std::bad_alloc();

@@ -35,7 +35,7 @@ Descriptor open_log(const std::string& path, std::string* reason) {
     reason->clear();
     // Without O_NONBLOCK somebody's pipe under a log's name would hold the program for ever.
     Descriptor log(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    // A log that somebody holds for himself for a moment is waited for, and not skipped.
+    // A log that somebody holds alone for a moment is waited for, and not skipped.
     if (!log && errno == EWOULDBLOCK) log = Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
     if (!log || fstat(log.get(), &status) != 0) {

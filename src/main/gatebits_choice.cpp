@@ -33,15 +33,13 @@ std::string gatebits_question(const Options& options, const char* from_environme
 }
 
 void make_new_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 26), options) ||
-        A_26(options, region) != 1) {
+    if (refused(*request_numbered(RequestKind::ACTION, 26), options) || !A_26(options, region)) {
         clean_exit(1);
     }
 }
 
 void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), options) ||
-        A_25(region.settings) != 1) {
+    if (refused(*request_numbered(RequestKind::ACTION, 25), options) || !A_25(region.settings)) {
         clean_exit(1);
     }
 }

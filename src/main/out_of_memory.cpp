@@ -22,8 +22,9 @@ constexpr int STATUS_OF_AN_ERROR = 99;
     _exit(STATUS_OF_AN_ERROR);
 }
 
-/// What is thrown through a library's function that lets nothing through cannot be told any more
-/// when it ends here; so it is remembered. One a process, as its memory is.
+/// An exception that meets a library's noexcept function ends in the terminate handler, which
+/// cannot see what was thrown; so a lack of memory is remembered here. It is the process's, as its
+/// memory is.
 std::atomic<bool> has_lacked_memory = false;
 
 void lack_memory() {
@@ -44,7 +45,8 @@ void end_in_order_without_memory() {
 }
 
 void end_without_memory() {
-    // What held the memory has gone by now. Signs for others go as when a signal ends us.
+    // Unwinding has freed memory by now. The files that tell others of work going on are removed
+    // too, as when a signal ends the program.
     unlink_temporary_files();
     gripe(NO_MEMORY);
 }

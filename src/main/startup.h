@@ -10,6 +10,7 @@
 struct Operator {
     /// The login name, lower-cased, without a domain.
     std::string _CALCULATED_USER;
+    /// Working in a snapshot view; in the web client; in it or another remote client.
     bool ZUL_SNAPSHOT_USER = false;
     bool REAL_ZUL_WEB_USER = false;
     bool REAL_ZUL_REMOTE_CLIENT_USER = false;
@@ -24,5 +25,6 @@ Operator clean_start();
 std::optional<std::string> calculated_user();
 
 /// Settles the process id and the directory for temporary files ("tmp", else "temp", else /tmp);
-/// gripes when that directory is not writable. A variable that is set is never passed over.
+/// gripes when that directory is not writable. The first of the variables that is set decides, even
+/// when its directory is of no use.
 void verify_set_tempdir();

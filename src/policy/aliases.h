@@ -9,6 +9,7 @@
 // Aliases: named pieces of text, each defined by one line of the gatebits file and referred to
 // from lists and command keys by "~" and its name.
 
+/// How many there may be, and how many bytes a name and a value may have.
 inline constexpr int MAX_ALIASES = 80;
 inline constexpr int MAX_ALIAS_NAME = 50;
 inline constexpr int MAX_ALIAS_VALUE = 256;

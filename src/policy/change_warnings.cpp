@@ -34,14 +34,13 @@ std::string warning_of_cleared_notify(const std::string& gatebits_file, const Ne
     return filled(CLEARS_NOTIFY, bare_item(depot).c_str(), depot.os, notify.c_str());
 }
 
-/// Looks at the header line's third field, not at the depot line's where the personality is: the
-/// warning has always come up by the one and spoken of the other.
+/// Depends on the header line's third field, although the logging personality stands in the depot
+/// line's: operators know this warning as it is.
 std::string warning_of_cleared_logging(const std::string& gatebits_file, const NewValue& depot) {
     std::string other_depot;
     std::string logging;
-    if (get_a_field(gatebits_file, DEPOT_LINE, depot.field == 1 ? 2 : 1, &other_depot) == 0)
-        return "";
-    if (get_a_field(gatebits_file, HEADER_LINE, 3, &logging) == 0) return "";
+    if (!get_a_field(gatebits_file, DEPOT_LINE, depot.field == 1 ? 2 : 1, &other_depot)) return "";
+    if (!get_a_field(gatebits_file, HEADER_LINE, 3, &logging)) return "";
     if (!other_depot.empty() || logging.c_str()[0] == 'O') return "";
     return filled(CLEARS_LOGGING, logging.c_str()[0]);
 }
@@ -57,15 +56,15 @@ std::vector<int> keys_that_refer(const std::string& gatebits_file) {
     std::vector<int> numbers;
     std::string field;
     for (int key = 1;
-         get_a_field(gatebits_file, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD, &field) == 1;
-         ++key) {
+         get_a_field(gatebits_file, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD, &field); ++key) {
         if (!field.starts_with('0')) numbers.push_back(key);
     }
     return numbers;
 }
 
-/// One line of the list of keys. The '&' after the fifth ';' marks where the field is that says
-/// so; those of the key itself are doubled here and, with the whole question, once more.
+/// One line of the list of keys. An '&' after the fifth ';' marks the field that refers to the
+/// notify program. Each '&' of the key itself is doubled here, and once more with the whole
+/// question.
 std::string listed_key(const std::string& gatebits_file, int number) {
     std::string line;
     get_a_line(gatebits_file, FIRST_KEY_LINE - 1 + number, &line);

@@ -5,7 +5,7 @@
 
 int read_edition(const std::string& gatebits_file) {
     std::string header;
-    const bool lite = get_a_line(gatebits_file, HEADER_LINE, &header) == 1 &&
-                      header.starts_with(GATEWARDEN_LITE_LIT);
+    const bool lite =
+        get_a_line(gatebits_file, HEADER_LINE, &header) && header.starts_with(GATEWARDEN_LITE_LIT);
     return lite ? 0 : 1;
 }

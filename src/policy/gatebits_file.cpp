@@ -195,12 +195,12 @@ bool LineCounter::counts_as(int n, std::string_view line) {
     return counter_ == n;
 }
 
-int get_a_line(const std::string& path, int n, std::string* line) {
+bool get_a_line(const std::string& path, int n, std::string* line) {
     const std::vector<std::string> lines = read_gatebits_lines(path);
     const std::string* found = line_numbered(n, lines);
-    if (found == nullptr) return 0;
+    if (found == nullptr) return false;
     *line = *found;
-    return 1;
+    return true;
 }
 
 ChangeResult set_a_line(const std::string& path, int n, const std::string& text,
@@ -223,13 +223,13 @@ ChangeResult set_a_line(const std::string& path, int n, const std::string& text,
     return result;
 }
 
-int get_a_field(const std::string& path, int n, int f, std::string* value) {
+bool get_a_field(const std::string& path, int n, int f, std::string* value) {
     std::string line;
-    if (get_a_line(path, n, &line) == 0) return 0;
+    if (!get_a_line(path, n, &line)) return false;
     const std::vector<std::string> fields = terminated_fields(line);
-    if (f < 1 || static_cast<std::size_t>(f) > fields.size()) return 0;
+    if (f < 1 || static_cast<std::size_t>(f) > fields.size()) return false;
     *value = fields[static_cast<std::size_t>(f) - 1];
-    return 1;
+    return true;
 }
 
 std::string field_or_empty(const std::string& path, int n, int f) {

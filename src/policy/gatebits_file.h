@@ -10,7 +10,8 @@
 
 // A gatebits file as lines and fields; `path` says which. Nothing is cached: every call reads the
 // file anew, and every change reads it, changes it and replaces it whole in one step that no other
-// gatescope can come between.
+// gatescope can come between. Lines and fields are counted from 1. What cannot be read or written
+// ends the program through gripe.
 
 /// The policy engine reads no more than this many bytes, so no reader or writer here does.
 inline constexpr std::size_t GATEBITS_FILE_LIMIT = 30000;
@@ -77,9 +78,9 @@ class LineCounter {
     std::int8_t counter_ = 0;
 };
 
-/// Copies significant line n (from 1) to `*line`, leading blanks included, and returns 1; returns
-/// 0 and leaves `*line` alone when there is none.
-int get_a_line(const std::string& path, int n, std::string* line);
+/// Copies significant line n to `*line`, leading blanks included. False, with `*line` left alone,
+/// when there is none.
+bool get_a_line(const std::string& path, int n, std::string* line);
 
 /// Writes `text` in place of significant line n, or deletes that line (DELETION_TOKEN: a blank line
 /// stands there until the next rewrite), or appends `text` as the last line (n = 0). With `shown`,
@@ -88,9 +89,9 @@ int get_a_line(const std::string& path, int n, std::string* line);
 ChangeResult set_a_line(const std::string& path, int n, const std::string& text,
                         const std::optional<std::string>& shown = std::nullopt);
 
-/// Copies field f (from 1) of significant line n to `*value` and returns 1; returns 0 and leaves
-/// `*value` alone when the line or the field does not exist. Only text that a ';' ends is a field.
-int get_a_field(const std::string& path, int n, int f, std::string* value);
+/// Copies field f of significant line n to `*value`. False, with `*value` left alone, when the line
+/// or the field does not exist. Only text that a ';' ends is a field.
+bool get_a_field(const std::string& path, int n, int f, std::string* value);
 
 /// The field's value, or an empty text when the line or the field does not exist.
 std::string field_or_empty(const std::string& path, int n, int f);

@@ -42,7 +42,8 @@ std::optional<std::string> stored_variable(const std::string& gatebits_file, std
 
 /// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
 /// of the table: the others as the file has them, or as GS_VAR has those that it lacks. With
-/// `stored`, only when that is what the file has for the index (empty for no line).
+/// `stored`, only when that is what the file has for the index (empty for no line), else
+/// CHANGED_MEANWHILE comes back.
 ChangeResult change_a_var(const std::string& gatebits_file, ToolSettings* tools, int index,
                           const std::string& value,
                           const std::optional<std::string>& stored = std::nullopt);

@@ -136,7 +136,7 @@ KeyLines key_lines(const std::string& gatebits_file, int highest_key) {
     KeyLines lines;
     for (int key = 1; key <= highest_key; ++key) {
         std::string line;
-        const bool there = get_a_line(gatebits_file, FIRST_KEY_LINE + key - 1, &line) == 1;
+        const bool there = get_a_line(gatebits_file, FIRST_KEY_LINE + key - 1, &line);
         lines.push_back(there ? std::optional(line) : std::nullopt);
     }
     return lines;
@@ -182,8 +182,8 @@ void Q_6(const Options& options, const QueriedRegion& region) {
     run(6, options, region);
 }
 
-int Q_during_install(bool during_install) {
-    if (!during_install) return 0;
+bool Q_during_install(bool during_install) {
+    if (!during_install) return false;
     advise_wait(NO_QUERIES_DURING_INSTALL);
-    return 1;
+    return true;
 }

@@ -9,7 +9,7 @@
 
 /// What a query asks for, in the words of the logs and of its page.
 struct AskedQuery {
-    /// Each as it is formed; a slot without a filter has the one that every record passes.
+    /// What a record must hold; a slot without a filter has the one that every record passes.
     std::array<std::string, 4> filters;
     /// The heading of the page.
     std::string graph_title;
@@ -21,7 +21,9 @@ std::optional<AskedQuery> ask_for_query(int number, const Options& options, int 
 
 /// The region that a query looks at.
 struct QueriedRegion {
+    /// As read_edition says it.
     int edition;
+    /// Directory of the logs, without a delimiter at its end.
     std::string logging_dir;
     PageRegion page;
 };
@@ -35,6 +37,6 @@ void Q_4(const Options& options, const QueriedRegion& region);
 void Q_5(const Options& options, const QueriedRegion& region);
 void Q_6(const Options& options, const QueriedRegion& region);
 
-/// 1, after telling the operator, when the installer started the program: there is nothing to
-/// query yet. Else 0.
-int Q_during_install(bool during_install);
+/// Whether the installer started the program; the operator has then been told that there is nothing
+/// to query yet.
+bool Q_during_install(bool during_install);

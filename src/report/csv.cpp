@@ -114,10 +114,7 @@ Descriptor create_listed(const std::string& path) {
 /// 0, or an errno.
 int write_to_the_disk(const std::string& path, const std::string& text) {
     Descriptor file = create_listed(path);
-    if (!file) return errno;
-    if (const int error = write_all(file.get(), text)) return error;
-    if (fsync(file.get()) != 0) return errno;
-    return file.close();
+    return file ? write_sync_close(file.release(), text) : errno;
 }
 
 }  // namespace

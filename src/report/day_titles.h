@@ -4,9 +4,9 @@
 
 #include "logs/query_data.h"
 
-// What the text box under a time graph shows for a day's bar, from what the logs hold.
-// `number` is the day cell; `what` names what was counted, for the graphs that
-// count one thing only.
+// What the text box under a time graph shows for a day's bar, from what the logs hold. `number` is
+// the day cell, 0 being today; `what` names what was counted, for the graphs that count one thing
+// only.
 
 std::string title_of_allowed(const QueryResult& result, int number, const char* what);
 std::string title_of_denied(const QueryResult& result, int number, const char* what);

@@ -38,50 +38,50 @@ TEST_F(Dispatch, UnixPathHasToBeThereAndNoDirectory) {
     region.write_file("file", "");
     for (const int number : {7, 10}) {
         region_is("", "");
-        EXPECT_EQ(A_X(options, east, number).holds, 1);
+        EXPECT_TRUE(A_X(options, east, number).holds);
         region_is(path("file"), path("file"));
-        EXPECT_EQ(A_X(options, east, number).holds, 1);
+        EXPECT_TRUE(A_X(options, east, number).holds);
         region_is(path(""), path(""));
-        EXPECT_EQ(A_X(options, east, number).holds, 0);
+        EXPECT_FALSE(A_X(options, east, number).holds);
         region_is(path("nothing"), path("nothing"));
-        EXPECT_EQ(A_X(options, east, number).holds, 0);
+        EXPECT_FALSE(A_X(options, east, number).holds);
     }
 }
 
 TEST_F(Dispatch, WindowsPathIsTakenWhateverItNames) {
-    EXPECT_EQ(A_X(options, east, 6).holds, 1);
-    EXPECT_EQ(A_X(options, east, 9).holds, 1);
+    EXPECT_TRUE(A_X(options, east, 6).holds);
+    EXPECT_TRUE(A_X(options, east, 9).holds);
 }
 
 TEST_F(Dispatch, ResultSaysWhetherTheFileCouldBeChecked) {
-    EXPECT_EQ(A_X(options, east, 11).holds, 1);
+    EXPECT_TRUE(A_X(options, east, 11).holds);
     east.settings.tools.GS_VAR[UNIX_CHECKER] = path("none");
-    int result = -1;
+    bool holds = true;
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";
-    EXPECT_EQ(printed_by([&] { result = A_X(options, east, 11).holds; }), not_found + not_found);
-    EXPECT_EQ(result, 0);
+    EXPECT_EQ(printed_by([&] { holds = A_X(options, east, 11).holds; }), not_found + not_found);
+    EXPECT_FALSE(holds);
 }
 
 TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
     region.checker_ends_with({3, 3, 3, 3, 3, 3});
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
-    int result = -1;
-    EXPECT_EQ(printed_by([&] { result = A_X(options, east, 11).holds; }), reenter + reenter);
-    EXPECT_EQ(result, 1);
+    bool holds = false;
+    EXPECT_EQ(printed_by([&] { holds = A_X(options, east, 11).holds; }), reenter + reenter);
+    EXPECT_TRUE(holds);
 }
 
 TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(false, "A01 - Prune Log Files"), 0); }),
+    EXPECT_EQ(printed_by([] { EXPECT_FALSE(A_during_install(false, "A01 - Prune Log Files")); }),
               "");
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "A01 - Prune Log Files"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_TRUE(A_during_install(true, "A01 - Prune Log Files")); }),
               "This Action: 'Prune Log Files'\n\nis not available during the installation "
               "process...\n");
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "Prune - Log - Files"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_TRUE(A_during_install(true, "Prune - Log - Files")); }),
               "This Action: 'Log - Files'\n\nis not available during the installation "
               "process...\n");
-    EXPECT_EQ(printed_by([] { EXPECT_EQ(A_during_install(true, "Prune"), 1); }),
+    EXPECT_EQ(printed_by([] { EXPECT_TRUE(A_during_install(true, "Prune")); }),
               "This Action is not available during the installation process...\n");
 }
 

@@ -16,11 +16,11 @@ class GatebitsFile : public OnStage {
   protected:
     std::string line(int n) const {
         std::string text = "(untouched)";
-        return get_a_line(gatebits_file, n, &text) == 1 ? text : "(none)" + text;
+        return get_a_line(gatebits_file, n, &text) ? text : "(none)" + text;
     }
     std::string field(int n, int f) const {
         std::string text = "(untouched)";
-        return get_a_field(gatebits_file, n, f, &text) == 1 ? text : "(none)" + text;
+        return get_a_field(gatebits_file, n, f, &text) ? text : "(none)" + text;
     }
     /// The file with `count` significant lines "line 1" and so on.
     void use_lines(int count) const {
