@@ -12,6 +12,7 @@
 #include "base/descriptor.h"
 #include "base/file_identity.h"
 #include "logs/log_access.h"
+#include "logs/settling.h"
 
 // What a pruning may leave on the disk, wherever it is ended, and what the next one makes of it.
 //

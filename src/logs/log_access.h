@@ -10,8 +10,8 @@
 #include "base/file_identity.h"
 #include "logs/kept_records.h"
 #include "logs/log_reader.h"
+#include "logs/patience.h"
 #include "logs/progress.h"
-#include "logs/settling.h"
 
 // How a pruning comes to the files that it works on, and how it stops.
 

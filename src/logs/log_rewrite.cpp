@@ -13,6 +13,7 @@
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
+#include "logs/settling.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "logs/settling.h"
+#include "logs/patience.h"
 
 /// A region's logs, as its pruning needs to know them.
 struct LogsToPrune {

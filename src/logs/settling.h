@@ -2,25 +2,8 @@
 
 #include <sys/types.h>
 
-#include <chrono>
-
 #include "base/descriptor.h"
-
-using Moment = std::chrono::steady_clock::time_point;
-
-/// How long log writers are waited for. Each looks for the pruning token, opens a file, appends one
-/// record and closes the file.
-struct Patience {
-    /// Who looks has written at the latest so much later.
-    std::chrono::milliseconds latest_writer{2000};
-    /// What is given to those who have looked, and not opened a file yet.
-    std::chrono::milliseconds pause{5};
-
-    /// Who looks at this moment has written at the one that comes back.
-    [[nodiscard]] Moment deadline() const {
-        return std::chrono::steady_clock::now() + latest_writer;
-    }
-};
+#include "logs/patience.h"
 
 /// A file as it is when nobody is in the middle of writing to it.
 struct Settled {
