@@ -21,10 +21,10 @@ namespace {
 
 /// The lock under which the file is changed; where there is none to be had we do without. Gripes
 /// when somebody else does not let go of it.
-FileLock lock_gatebits_file(const std::string& path) {
-    FileLock lock = lock_file(path, LOCK_PATIENCE);
+FileLock lock_gatebits_file(const std::string& path, std::chrono::seconds patience) {
+    FileLock lock = lock_file(path, patience);
     if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
-    const int seconds = static_cast<int>(LOCK_PATIENCE.count());
+    const int seconds = static_cast<int>(patience.count());
     gripe(filled(COULD_NOT_REPLACE, path.c_str(), filled(LOCKED_BY_ANOTHER, seconds).c_str(),
                  filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
 }
@@ -173,8 +173,9 @@ std::vector<std::string> read_gatebits_lines(const std::string& path) {
 }
 
 void change_gatebits_lines(const std::string& path,
-                           const std::function<bool(std::vector<std::string>* lines)>& change) {
-    const FileLock lock = lock_gatebits_file(path);
+                           const std::function<bool(std::vector<std::string>* lines)>& change,
+                           std::chrono::seconds patience) {
+    const FileLock lock = lock_gatebits_file(path, patience);
     std::vector<std::string> lines = read_gatebits_lines(path);
     if (change(&lines)) write_gatebits_lines(path, lines);
 }

@@ -48,10 +48,11 @@ std::vector<std::string> read_gatebits_lines(const std::string& path);
 /// followed by a newline, when `change` says so. An empty line is left as a blank one, which
 /// readers do not see and the next rewrite drops. All of it happens under the file's lock, where
 /// its file system has locks. The one way in which this program changes a gatebits file. Gripes,
-/// with the file as it was, when somebody else keeps the lock, or when the new text is not fit to
-/// be read back or cannot be written.
+/// with the file as it was, when somebody else keeps the lock for longer than `patience`, or when
+/// the new text is not fit to be read back or cannot be written.
 void change_gatebits_lines(const std::string& path,
-                           const std::function<bool(std::vector<std::string>* lines)>& change);
+                           const std::function<bool(std::vector<std::string>* lines)>& change,
+                           std::chrono::seconds patience = LOCK_PATIENCE);
 
 /// What became of a change.
 enum class ChangeResult {

@@ -12,6 +12,7 @@ namespace {
 
 // Somebody who has stopped in the middle of a change must not hang the others without a word.
 TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
+    ASSERT_EQ(LOCK_PATIENCE, std::chrono::seconds(10));
     const ScratchDirectory directory;
     const std::string file = directory / "gatebits.txt";
     write_file(file, "one;\n");
@@ -19,11 +20,17 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
     const Ended ended = in_child([&] {
         TEMP_DIR = directory / "";
-        set_a_line(file, 1, "two;");
+        change_gatebits_lines(
+            file,
+            [](std::vector<std::string>* lines) {
+                lines->front() = "two;";
+                return true;
+            },
+            std::chrono::seconds(1));
     });
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, "ERROR: Could not write the file (" + file +
-                              "): another process has held its lock for more than 10 seconds.  (" +
+                              "): another process has held its lock for more than 1 seconds.  (" +
                               file + ") is unchanged.\n");
     EXPECT_EQ(file_text(file), "one;\n");
     EXPECT_EQ(directory.names(), std::set<std::string>{"gatebits.txt"});

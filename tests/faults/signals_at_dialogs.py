@@ -7,6 +7,7 @@ Whatever the signal and wherever it comes from, the program ends as by that sign
 with it, no temporary file stays, and the policy file is the old one.
 """
 
+import concurrent.futures
 import os
 import pty
 import resource
@@ -161,8 +162,9 @@ def main():
         for dialog in (PLAIN, STUBBORN):
             sent_to_the_program_alone(gatescope, number, dialog)
         sent_to_the_whole_group(gatescope, number, PLAIN)
-    for number in OTHERS:
-        sent_to_the_program_alone(gatescope, number, UNMOVED)
+    # Each of these dialogs is given a while to end by itself.
+    with concurrent.futures.ThreadPoolExecutor(len(OTHERS)) as pool:
+        list(pool.map(lambda number: sent_to_the_program_alone(gatescope, number, UNMOVED), OTHERS))
     typed_at_the_terminal(gatescope, b"\x03", signal.SIGINT)
     closed_terminal(gatescope)
     ignored_from_the_start(gatescope)

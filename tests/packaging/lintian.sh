@@ -8,11 +8,14 @@ set -- "$build"/tests/packaging/package/made/*.deb
 
 as_root=''
 if [ "$(id -u)" -eq 0 ]; then as_root=--allow-root; fi
-lintian $as_root --fail-on error,warning --info "$1" || fail "lintian is not content"
+# It leaves files of its own in the directory for temporary ones.
+export TMPDIR=$work
+said=$(lintian $as_root --fail-on error,warning --info --display-info "$1") ||
+    fail "lintian is not content:
+$said"
 
 grep -qE '^CMAKE_BUILD_TYPE:STRING=(Rel|MinSizeRel)' "$build/CMakeCache.txt" || exit 0
 
 # What it only hints at, of a program that is optimised.
-hardening="hardening-no-bindnow,hardening-no-fortify-functions,hardening-no-pie,hardening-no-relro"
-hints=$(lintian $as_root --tags "$hardening" "$1") || fail "lintian: $hints"
+hints=$(grep -E '^[A-Z]: .* hardening-no-(bindnow|fortify-functions|pie|relro)' <<<"$said" || true)
 [ -z "$hints" ] || fail "not hardened: $hints"
