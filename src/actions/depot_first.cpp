@@ -25,7 +25,7 @@ std::string question_about(const std::string& depot, const char* entry, const st
 }  // namespace
 
 std::string depot_of(const std::string& gatebits_file, const std::string& os) {
-    return field_or_empty(gatebits_file, DEPOT_LINE, os == WINDOWS_OS ? 1 : 2);
+    return field_or_empty(gatebits_file, DEPOT_LINE, os == WINDOWS_OS ? WINDOWS_FIELD : UNIX_FIELD);
 }
 
 std::string why_depot_comes_first(const std::string& gatebits_file, const std::string& entry,

@@ -5,7 +5,6 @@
 #include "actions/outcome.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
-#include "messages/identity.h"
 #include "policy/region.h"
 
 namespace {
@@ -104,20 +103,18 @@ Edit edit(const FieldEditor& editor, RegionSettings* region) {
     }
 }
 
-/// The editor of action n.
-Edit run_editor(int n, RegionSettings* region) {
-    for (const FieldEditor& editor : field_editors()) {
-        if (editor.action == n) return edit(editor, region);
-    }
-    gripe_uncoded("edit_field");
-}
-
 Edit view_change_depot(const std::string& os, RegionSettings* region) {
-    return run_editor(os == WINDOWS_OS ? 4 : 5, region);
+    for (const FieldEditor& editor : field_editors()) {
+        if (editor.line == DEPOT_LINE && editor.subject == os) return edit(editor, region);
+    }
+    gripe_uncoded("view_change_depot");
 }
 
 }  // namespace
 
 LastAnswer edit_field(int n, RegionSettings* region) {
-    return run_editor(n, region).last_answer;
+    for (const FieldEditor& editor : field_editors()) {
+        if (editor.action == n) return edit(editor, region).last_answer;
+    }
+    gripe_uncoded("edit_field");
 }

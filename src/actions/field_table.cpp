@@ -48,11 +48,11 @@ std::vector<FieldChange> changes_with_depot(const std::string& gatebits_file,
     std::vector<FieldChange> changes = {to(PARENT_LINE, depot.field, ""),
                                         to(NOTIFY_LINE, depot.field, "")};
     std::string other_depot;
-    const int other_field = depot.field == 1 ? 2 : 1;
-    if (!get_a_field(gatebits_file, DEPOT_LINE, other_field, &other_depot)) return changes;
+    const int other = other_field(depot.field);
+    if (!get_a_field(gatebits_file, DEPOT_LINE, other, &other_depot)) return changes;
     // It stays as it is, but logging depends on it.
-    changes.push_back({DEPOT_LINE, other_field, other_depot, other_depot});
-    if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, 3, LOGGING_WHEN_EMPTY));
+    changes.push_back({DEPOT_LINE, other, other_depot, other_depot});
+    if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, LOGGING_FIELD, LOGGING_WHEN_EMPTY));
     return changes;
 }
 
@@ -172,13 +172,13 @@ constexpr FieldKind BITS = {
 };
 
 constexpr FieldEditor EDITORS[] = {
-    {4, &DEPOT, DEPOT_LINE, 1, WINDOWS_OS, WINDOWS_DEPOT_EXAMPLE, depot_warnings},
-    {5, &DEPOT, DEPOT_LINE, 2, UNIX_OS, UNIX_DEPOT_EXAMPLE, depot_warnings},
-    {6, &PARENT, PARENT_LINE, 1, WINDOWS_OS, WINDOWS_PARENT_EXAMPLE, parent_warnings},
-    {7, &PARENT, PARENT_LINE, 2, UNIX_OS, UNIX_PARENT_EXAMPLE, parent_warnings},
-    {8, &LOGGING_LETTER, DEPOT_LINE, 3, "", LOGGING_CHOICES, nullptr},
-    {9, &NOTIFY, NOTIFY_LINE, 1, WINDOWS_OS, WINDOWS_NOTIFY_EXAMPLE, notify_warnings},
-    {10, &NOTIFY, NOTIFY_LINE, 2, UNIX_OS, UNIX_NOTIFY_EXAMPLE, notify_warnings},
+    {4, &DEPOT, DEPOT_LINE, WINDOWS_FIELD, WINDOWS_OS, WINDOWS_DEPOT_EXAMPLE, depot_warnings},
+    {5, &DEPOT, DEPOT_LINE, UNIX_FIELD, UNIX_OS, UNIX_DEPOT_EXAMPLE, depot_warnings},
+    {6, &PARENT, PARENT_LINE, WINDOWS_FIELD, WINDOWS_OS, WINDOWS_PARENT_EXAMPLE, parent_warnings},
+    {7, &PARENT, PARENT_LINE, UNIX_FIELD, UNIX_OS, UNIX_PARENT_EXAMPLE, parent_warnings},
+    {8, &LOGGING_LETTER, DEPOT_LINE, LOGGING_FIELD, "", LOGGING_CHOICES, nullptr},
+    {9, &NOTIFY, NOTIFY_LINE, WINDOWS_FIELD, WINDOWS_OS, WINDOWS_NOTIFY_EXAMPLE, notify_warnings},
+    {10, &NOTIFY, NOTIFY_LINE, UNIX_FIELD, UNIX_OS, UNIX_NOTIFY_EXAMPLE, notify_warnings},
     {11, &LIST, RESTRICTED_LINE, 2, RESTRICTED_LIST, EXAMPLE_RESTRICTION_LIST, restricted_warnings},
     {12, &LIST, SPECIAL_LINE, 2, SPECIAL_LIST, EXAMPLE_RESTRICTION_LIST, special_warnings},
     {13, &MOTD, MOTD_LINE, 2, "", MOTD_EXAMPLE, nullptr},

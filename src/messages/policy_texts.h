@@ -97,11 +97,6 @@ inline constexpr char PROMPT_04[] = "Select an existing gatebits file to copy...
 inline constexpr char PROMPT_05[] = "Navigate to and name the new file to create...";
 inline constexpr char PROMPT_06[] = "Select an existing gatebits file to use...";
 
-/// The checker's option words.
-inline constexpr char CHECK[] = "check";
-inline constexpr char ERROR_ONLY[] = "error_only";
-inline constexpr char STATUS_ONLY[] = "status_only";
-inline constexpr char ERROR_COUNT[] = "error_count";
 /// Prefix of the setting, checker, region.
 inline constexpr char CHECKER_NOT_FOUND[] = "%s%s \ndefined in %s could not be found..";
 inline constexpr char UNKNOWN_CHECK_MODE[] = "Internal error perform_cbfile_only_check";

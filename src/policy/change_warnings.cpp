@@ -39,7 +39,7 @@ std::string warning_of_cleared_notify(const std::string& gatebits_file, const Ne
 std::string warning_of_cleared_logging(const std::string& gatebits_file, const NewValue& depot) {
     std::string other_depot;
     std::string logging;
-    if (!get_a_field(gatebits_file, DEPOT_LINE, depot.field == 1 ? 2 : 1, &other_depot)) return "";
+    if (!get_a_field(gatebits_file, DEPOT_LINE, other_field(depot.field), &other_depot)) return "";
     if (!get_a_field(gatebits_file, HEADER_LINE, 3, &logging)) return "";
     if (!other_depot.empty() || logging.c_str()[0] == 'O') return "";
     return filled(CLEARS_LOGGING, logging.c_str()[0]);

@@ -16,6 +16,10 @@ namespace {
 /// Checker and gatebits file, quoted as is wished; option word.
 constexpr char CHECKER_LINE[] = "%s %s -%s";
 
+constexpr char ERROR_ONLY[] = "error_only";
+constexpr char STATUS_ONLY[] = "status_only";
+constexpr char ERROR_COUNT[] = "error_count";
+
 const char* option_word(char mode) {
     switch (mode) {
         case CHECK_ERRORS:

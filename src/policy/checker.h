@@ -25,6 +25,9 @@ bool checker_exists(const std::string& checker);
 /// is stored in `*tools`, in memory only. False when neither exists.
 bool find_checker(ToolSettings* tools);
 
+/// The option of a check whose report the operator reads.
+inline constexpr char CHECK[] = "check";
+
 /// The command line that runs `checker` over the gatebits file, with `word` as its option.
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
                             const char* word);

@@ -36,6 +36,14 @@ enum RegionLine {
     FIRST_KEY_LINE = 9
 };
 
+/// Fields of the depot, parent and notify lines, and one of the depot line alone.
+enum RegionField { WINDOWS_FIELD = 1, UNIX_FIELD = 2, LOGGING_FIELD = 3 };
+
+/// The other operating system's field.
+constexpr int other_field(int field) {
+    return field == WINDOWS_FIELD ? UNIX_FIELD : WINDOWS_FIELD;
+}
+
 /// All bytes of the gatebits file. Gripes when it cannot be read or holds more than
 /// GATEBITS_FILE_LIMIT bytes.
 std::string read_gatebits_bytes(const std::string& path);

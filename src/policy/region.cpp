@@ -66,15 +66,16 @@ RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSI
     const std::vector<std::string> lines = scan_the_file(ENTERPRIZE_PERMISSION_FILE, &region.tools);
     if (lines.empty()) gripe(NO_REGION_HEADER);
     region.SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
-    const auto depots = fields_of_line(lines, DEPOT_LINE, 2, MANGLED_DEPOT);
-    region.LOGGING = depots.size() < 3 ? 'O'
-                                       : logging_letter(depots[2], lines[DEPOT_LINE - 1],
-                                                        ENTERPRIZE_PERMISSION_FILE.c_str());
-    const auto parents = fields_of_line(lines, PARENT_LINE, 2, MANGLED_PARENT);
+    const auto depots = fields_of_line(lines, DEPOT_LINE, UNIX_FIELD, MANGLED_DEPOT);
+    region.LOGGING = depots.size() < LOGGING_FIELD
+                         ? 'O'
+                         : logging_letter(depots[LOGGING_FIELD - 1], lines[DEPOT_LINE - 1],
+                                          ENTERPRIZE_PERMISSION_FILE.c_str());
+    const auto parents = fields_of_line(lines, PARENT_LINE, UNIX_FIELD, MANGLED_PARENT);
     const auto header = fields_of_line(lines, HEADER_LINE, 4, MANGLED_REGION_HEADER);
     region.ENTERPRIZE_NAME = blank_when_empty(header[3]);
-    region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[1]);
-    region.SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[1]);
+    region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[UNIX_FIELD - 1]);
+    region.SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[UNIX_FIELD - 1]);
     const auto& relocated = region.tools.GS_VAR;
     region.logging_dir =
         directory_of(relocated[UNIX_LOGGING_DIR], region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");

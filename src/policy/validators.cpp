@@ -79,7 +79,7 @@ Validity parent_is_there(const Check&, const Entered& entered) {
 
 Validity program_is_in_depot(const Check&, const Entered& entered) {
     if (entered.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(field_or_empty(entered.gatebits_file, DEPOT_LINE, 2) +
+    const OnDisk found = what_is_at(field_or_empty(entered.gatebits_file, DEPOT_LINE, UNIX_FIELD) +
                                     DIR_DELIMETER + entered.value);
     if (found == OnDisk::OTHER) return accepted();
     const char* program = entered.value.c_str();
