@@ -239,6 +239,23 @@ class Prune(Edit):
                     sum(words.values()), number, words.most_common(1))
         return None
 
+    def fault_of_the_programs_query(self, stage, gatescope):
+        """The same by the numbers of a page. In the logs that are kept all are allowed; those that
+        are denied may be in companions."""
+        results = os.path.join(stage, "results")
+        os.mkdir(results)
+        os.chmod(results, 0o777)
+        query = Edit(["Q=1", "C=*", "U=*", "D=n", "R=n"], [])
+        query.user = self.user
+        run = Run(gatescope, query, stage)
+        days = [line.split(b",") for name in os.listdir(results) if name.endswith(".csv")
+                for line in bytes_of(os.path.join(results, name)).splitlines()[1:]]
+        shutil.rmtree(results)
+        allowed = sum(int(day[1]) for day in days)
+        if allowed != self.KEPT * len(self.logs):
+            return "the program's query counts %d allowed (status %d)" % (allowed, run.status)
+        return None
+
     def log_names(self):
         return ["logging_%d.txt" % number for number in self.logs]
 
@@ -248,7 +265,8 @@ class Prune(Edit):
                 log.write(self.LATE + "\n")
 
     def fault_after_kill(self, stage, old, new, gatescope):
-        return self.fault_of_a_query(stage) or self.fault_of_records(stage, new, gatescope)
+        return (self.fault_of_a_query(stage) or self.fault_of_the_programs_query(stage, gatescope) or
+                self.fault_of_records(stage, new, gatescope))
 
     def fault_after_signal(self, stage, old, new, gatescope):
         left = [name for folder in ("logs", "depot") for name in os.listdir(os.path.join(stage, folder))
