@@ -139,9 +139,9 @@ std::string LeftOver::path() const {
            std::to_string(log.inode) + '_' + std::to_string(size);
 }
 
-LeftOver new_left_over(const std::string& source, off_t from, Descriptor file) {
+LeftOver new_left_over(const std::string& source, Descriptor file) {
     const FileId id = id_of(file);
-    return {source, from, id, 0, std::move(file)};
+    return {source, 0, id, 0, std::move(file)};
 }
 
 void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found) {

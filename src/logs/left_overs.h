@@ -45,7 +45,7 @@ struct LeftOver {
     /// The companion or log, whose path its own begins with.
     std::string source;
     off_t from = 0;
-    FileId log;
+    FileId log = {};
     off_t size = 0;
     /// For reading, once it is looked at.
     Descriptor file = {};
@@ -57,8 +57,8 @@ struct LeftOver {
     [[nodiscard]] std::string path() const;
 };
 
-/// One that nothing after byte `from` of the open file has been added of.
-LeftOver new_left_over(const std::string& source, off_t from, Descriptor file);
+/// One that nothing of the open file has been added of.
+LeftOver new_left_over(const std::string& source, Descriptor file);
 
 /// Directories that have been listed, each with the left-overs there, or why they are not known.
 using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, std::error_code>>;

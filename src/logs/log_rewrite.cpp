@@ -92,7 +92,7 @@ std::string rewrite_log(Log* log, Work* work) {
 
     work->records = before;
     if (!may_be_replaced(path, old_log)) return std::strerror(EPERM);
-    LeftOver old_file = new_left_over(path, 0, std::move(old_log));
+    LeftOver old_file = new_left_over(path, std::move(old_log));
     const Descriptor new_log = write_new_text(*log, settled, &old_file, work);
     reason = new_log ? put_in_place(*log, &old_file) : std::strerror(errno);
     if (!reason.empty()) {

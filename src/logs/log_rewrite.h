@@ -19,9 +19,9 @@ struct Log {
     std::string why_not_rewritten = "";
 };
 
-/// Rewrites a log without the words that are not kept. It is read once; when there is something
-/// to drop the new text is written to the scratch file and renamed: whoever opens the log finds the
-/// old file or the new one. Other names of the old file keep the old text.
+/// Rewrites a log without the words that are not kept. It is read up to the first that is not kept
+/// as it stands; if there is one, the new text is written to the scratch file and renamed: whoever
+/// opens the log finds the old file or the new one. Other names of the old file keep the old text.
 ///
 /// Nothing happens to a log that does not exist. One that cannot be read or replaced, or that
 /// somebody keeps open, is left alone and not counted; the result says why. Without a scratch file

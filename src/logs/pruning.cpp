@@ -119,7 +119,7 @@ bool take_companion_of(Log* log) {
     Descriptor file = open_log(companion.path, &companion.reason);
     if (!file) return false;
     make_log(log->file.path);
-    LeftOver taken = new_left_over(companion.path, 0, std::move(file));
+    LeftOver taken = new_left_over(companion.path, std::move(file));
     if (rename(companion.path.c_str(), taken.path().c_str()) != 0) {
         companion.reason = std::strerror(errno);
         return false;

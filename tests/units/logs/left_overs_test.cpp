@@ -1,4 +1,9 @@
+#include "logs/left_overs.h"
+
 #include <sys/stat.h>
+
+#include <array>
+#include <cstdlib>
 
 #include "units/logs/pruning_region.h"
 
@@ -181,6 +186,24 @@ TEST_F(LeftOvers, WhereTheSystemDoesNotTellACompanionIsWaitedForFromItsTakingOn)
     });
     EXPECT_EQ(said_to(OPERATOR), result(0, 3));
     EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2) + fresh(3));
+}
+
+TEST_F(LeftOvers, HowFarTheAddingHasComeIsShown) {
+    write_log(0, fresh(1));
+    LeftOver companion = {pruning_companion_path(0)};
+    write_file(companion.path(), fresh(2));
+    const Descriptor screen(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    ASSERT_EQ(grantpt(screen.get()), 0);
+    ASSERT_EQ(unlockpt(screen.get()), 0);
+    const Descriptor terminal(open(ptsname(screen.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    Work work = {KeptRecords(0), Progress(1'000'000, terminal.get(), std::chrono::milliseconds(0)),
+                 patience.deadline()};
+    const Descriptor log(open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC));
+    add_left_over(&companion, log_file_path(0), log, &work);
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(1) + fresh(2));
+    std::array<char, 100> shown = {};
+    ASSERT_GT(read(screen.get(), shown.data(), shown.size() - 1), 0);
+    EXPECT_TRUE(std::string(shown.data()).starts_with("\r0 of 1 MB, ")) << shown.data();
 }
 
 TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
