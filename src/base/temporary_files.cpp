@@ -34,7 +34,7 @@ bool add(Places* list, char* path) {
         char* free_place = nullptr;
         if (place->path.compare_exchange_strong(free_place, path)) return true;
     }
-    Place* const place = new (std::nothrow) Place{path, *list};
+    auto* const place = new (std::nothrow) Place{path, *list};
     if (place != nullptr) *list = place;
     return place != nullptr;
 }

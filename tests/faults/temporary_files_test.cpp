@@ -17,50 +17,39 @@
 #include "faults/in_child.h"
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
-#include "support/scratch_directory.h"
+#include "scenes/region.h"
 
 namespace {
 
-using Names = std::set<std::string>;
+using FileNames = std::vector<std::string>;
 
 constexpr char PRECIOUS[] = "precious\n";
 constexpr char GATEBITS[] = "gatewarden;;;east;\n;;O;\n;;\n";
 constexpr char CHANGED[] = "gatewarden;;;east;\n;;S;\n;;\n";
 
-/// A hostile directory for temporary files, a clearprompt that answers "answer", and a file of
-/// somebody's that must not be touched.
+/// A hostile directory for temporary files, and a file of somebody's that must not be touched.
 class TemporaryFiles : public testing::Test {
   protected:
-    void SetUp() override {
-        write_file(precious, PRECIOUS);
-        write_file(directory / "gatebits", GATEBITS);
-        const std::string program = directory / "clearprompt";
-        write_file(program,
-                   "#!/bin/sh\nwhile [ $# -gt 0 ]; do\n"
-                   "[ \"$1\" = -outfile ] && { stat -c %a \"$2\" >" +
-                       (directory / "mode") +
-                       "; echo answer >\"$2\"; }\n"
-                       "[ \"$1\" = -dfile ] && cat \"$2\" >" +
-                       (directory / "shown") + "\nshift\ndone\n");
-        ASSERT_EQ(chmod(program.c_str(), 0755), 0);
-    }
+    TemporaryFiles() { region.enter(); }
 
-    Ended run(const std::function<void()>& body) const {
-        return in_child([&] {
-            setenv("PATH", ((directory / "") + ":/usr/bin:/bin").c_str(), 1);
-            TEMP_DIR = temporary / "";
+    Ended run(const std::function<void()>& body) {
+        Ended ended = in_child([&] {
+            TEMP_DIR = temporary + "/";
             GLOBAL_PID_STRING = "77";
             body();
         });
+        dialogs = region.shown_so_far().dialogs();
+        return ended;
     }
+    std::vector<std::string> left() const { return region.files_in("tmp"); }
 
     /// Whatever may be planted under a name: every kind of link, and a file.
     void with_everything_planted_at(const std::string& name, const std::function<void()>& look) {
-        const std::string path = temporary / name;
+        const std::string path = temporary + "/" + name;
         const std::function<int()> plants[] = {
             [&] { return symlink(precious.c_str(), path.c_str()); },
             [&] { return link(precious.c_str(), path.c_str()); },
-            [&] { return symlink((directory / "nowhere").c_str(), path.c_str()); },
+            [&] { return symlink((region.path("nowhere")).c_str(), path.c_str()); },
             [&] { return mkfifo(path.c_str(), 0666); },
             [&] {
                 write_file(path, "planted");
@@ -71,36 +60,39 @@ class TemporaryFiles : public testing::Test {
             ASSERT_EQ(plant(), 0);
             look();
             EXPECT_EQ(file_text(precious), PRECIOUS);
-            EXPECT_FALSE(std::filesystem::exists(directory / "nowhere"));
+            EXPECT_FALSE(std::filesystem::exists(region.path("nowhere")));
             std::filesystem::remove(path);
         }
     }
 
-    ScratchDirectory directory;
-    ScratchDirectory temporary;
-    const std::string precious = directory / "precious";
+    Region region = a_region().with_gatebits(GATEBITS).with_file("precious", PRECIOUS);
+    const std::string temporary = region.temporary_directory();
+    const std::string precious = region.path("precious");
+    /// What the last run has shown.
+    Dialogs dialogs;
 };
 
 TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
     with_everything_planted_at("gatewarden_prompt_result_77_.txt", [&] {
+        region.types("answer\n");
         const Ended ended = run([] { std::fputs(prompt("text", "").value().c_str(), stdout); });
         EXPECT_EQ(ended.said, "answer");
-        EXPECT_EQ(temporary.names(), Names());
+        EXPECT_EQ(left(), FileNames());
     });
 }
 
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     with_everything_planted_at("t_file_gatescope_77.txt", [&] {
-        write_file(directory / "gatebits", GATEBITS);
-        EXPECT_EQ(run([&] { set_a_field(directory / "gatebits", {2, 3, "S"}); }).status, 0);
-        EXPECT_EQ(file_text(directory / "gatebits"), CHANGED);
-        EXPECT_EQ(temporary.names(), Names());
+        region.write_file("gatebits.txt", GATEBITS);
+        EXPECT_EQ(run([&] { set_a_field(region.gatebits_path(), {2, 3, "S"}); }).status, 0);
+        EXPECT_EQ(region.gatebits(), CHANGED);
+        EXPECT_EQ(left(), FileNames());
     });
 }
 
 TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
     for (const bool symbolic : {true, false}) {
-        const std::string path = temporary / "gatewarden_prompt_prompt_77_.txt";
+        const std::string path = temporary + "/gatewarden_prompt_prompt_77_.txt";
         ASSERT_EQ(symbolic ? symlink(precious.c_str(), path.c_str())
                            : link(precious.c_str(), path.c_str()),
                   0);
@@ -108,14 +100,14 @@ TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
         EXPECT_EQ(ended.status, 99);
         EXPECT_EQ(ended.said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
         EXPECT_EQ(file_text(precious), PRECIOUS);
-        EXPECT_EQ(temporary.names(), (Names{"gatewarden_prompt_prompt_77_.txt"}));
+        EXPECT_EQ(left(), (FileNames{"gatewarden_prompt_prompt_77_.txt"}));
         unlink(path.c_str());
     }
 }
 
 TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
     for (const bool has_a_reader : {false, true}) {
-        const std::string path = temporary / "gatewarden_prompt_prompt_77_.txt";
+        const std::string path = temporary + "/gatewarden_prompt_prompt_77_.txt";
         ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
         const int reader =
             has_a_reader ? open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC) : -1;
@@ -128,30 +120,33 @@ TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
 }
 
 TEST_F(TemporaryFiles, LeftoverDefaultIsAddedToAndThenGone) {
-    write_file(temporary / "gatewarden_prompt_prompt_77_.txt", "left over, ");
+    write_file(temporary + "/gatewarden_prompt_prompt_77_.txt", "left over, ");
+    region.types("answer\n");
     EXPECT_EQ(run([] { prompt_from_file("text", "default"); }).status, 0);
-    EXPECT_EQ(file_text(directory / "shown"), "left over, default");
-    EXPECT_EQ(temporary.names(), Names());
+    EXPECT_EQ(dialogs.at(0).shown, "left over, default");
+    EXPECT_EQ(left(), FileNames());
 }
 
 TEST_F(TemporaryFiles, DirectoryUnderAnAnswersNameIsAnError) {
-    std::filesystem::create_directory(temporary / "gatewarden_prompt_result_77_.txt");
+    std::filesystem::create_directory(temporary + "/gatewarden_prompt_result_77_.txt");
     const Ended ended = run([] { prompt("text", ""); });
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
 }
 
 TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
+    region.answers({.outfile = "answer\n",
+                    .meanwhile = "stat -c %a tmp/gatewarden_prompt_result_77_.txt >mode"});
     EXPECT_EQ(run([] {
                   umask(0);
                   prompt("text", "");
               }).status,
               0);
-    EXPECT_EQ(file_text(directory / "mode"), "600\n");
+    EXPECT_EQ(region.file("mode"), "600\n");
 }
 
 TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
-    const AppendOnly kept(temporary / "");
+    const AppendOnly kept(temporary + "/");
     if (!kept.is_set())
         GTEST_SKIP() << "needs root, and a file system with append-only directories";
     EXPECT_EQ(run([] { prompt("text", ""); }).said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
@@ -159,7 +154,7 @@ TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
               std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).said,
               std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
-    EXPECT_EQ(temporary.names(), Names());
+    EXPECT_EQ(left(), FileNames());
 }
 
 TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
@@ -169,23 +164,21 @@ TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
         gripe("over");
     });
     EXPECT_EQ(ended.status, 99);
-    EXPECT_EQ(temporary.names(), Names());
+    EXPECT_EQ(left(), FileNames());
 }
 
 TEST_F(TemporaryFiles, DialogThatWroteNothingIsAnEmptyAnswer) {
-    write_file(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
+    region.answers({.status = 0});
     const Ended ended =
         run([] { std::fputs(("(" + prompt("text", "").value() + ")").c_str(), stdout); });
     EXPECT_EQ(ended.said, "()");
 }
 
 TEST_F(TemporaryFiles, SeveralPicksThatWereNeverWrittenAreAnError) {
-    write_file(directory / "clearprompt", "#!/bin/sh\nexit 0\n");
+    region.answers({.status = 0});
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 99);
     // An empty answer is an answer.
-    write_file(
-        directory / "clearprompt",
-        "#!/bin/sh\nwhile [ $# -gt 0 ]; do [ \"$1\" = -outfile ] && : >\"$2\"; shift; done\n");
+    region.answers({.outfile = ""});
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 0);
 }
 
