@@ -1,12 +1,14 @@
 #include "logs/left_overs.h"
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
+#include <memory>
 #include <optional>
 
 #include "base/files.h"
@@ -38,21 +40,20 @@ std::optional<LeftOver> named(const std::string& path) {
     return left_over;
 }
 
-/// All of a directory.
-std::error_code list(const std::string& directory, std::vector<LeftOver>* found) {
-    std::error_code error;
-    std::filesystem::directory_iterator entry(directory, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        std::error_code unknown;
-        std::optional<LeftOver> left_over = named(entry->path());
-        if (left_over && is_regular_file(entry->symlink_status(unknown))) {
+/// All of a directory. 0, or the errno for which they are not known.
+int list(const std::string& directory, std::vector<LeftOver>* found) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
+    const dirent* entry = nullptr;
+    struct stat status;
+    while (stream && (errno = 0, entry = readdir(stream.get())) != nullptr) {
+        const std::string path = directory + entry->d_name;
+        std::optional<LeftOver> left_over = named(path);
+        if (left_over && lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
             found->push_back(*std::move(left_over));
         }
     }
-    // One that is not there has none.
-    const bool is_missing =
-        error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory;
-    return is_missing ? std::error_code() : error;
+    // A directory that is not there has none.
+    return errno == ENOENT || errno == ENOTDIR ? 0 : errno;
 }
 
 void sync_names(const std::string& path) {
@@ -149,7 +150,7 @@ void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* f
     const auto [listing, is_new] = listings->try_emplace(directory);
     auto& [all, error] = listing->second;
     if (is_new) error = list(directory, &all);
-    if (error) source->reason = error.message();
+    if (error != 0) source->reason = std::strerror(error);
     for (LeftOver& left_over : all) {
         if (left_over.source == source->path) found->push_back(std::move(left_over));
     }

@@ -4,7 +4,6 @@
 
 #include <map>
 #include <string>
-#include <system_error>
 #include <unordered_set>
 #include <utility>
 #include <vector>
@@ -60,8 +59,9 @@ struct LeftOver {
 /// One that nothing of the open file has been added of.
 LeftOver new_left_over(const std::string& source, Descriptor file);
 
-/// Directories that have been listed, each with the left-overs there, or why they are not known.
-using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, std::error_code>>;
+/// Directories that have been listed, each with the left-overs there, or the errno for which they
+/// are not known.
+using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, int>>;
 
 /// Moves those of the file in that place to `found`, and lists its directory if that has not been
 /// done; one that cannot be listed is a reason to leave the file alone.

@@ -3,9 +3,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <climits>
 #include <cstring>
-#include <filesystem>
 #include <thread>
 
 #include "base/filled.h"
@@ -17,6 +18,15 @@ namespace {
 constexpr mode_t PUBLIC = 0666;
 
 constexpr std::chrono::milliseconds PAUSE(5);
+
+/// Where the link at `path` leads; empty, with errno set, when it cannot be read.
+std::string target_of(const std::string& path) {
+    std::array<char, PATH_MAX> target;
+    const ssize_t size = readlink(path.c_str(), target.data(), target.size());
+    if (size <= 0) return "";
+    const std::string text(target.data(), static_cast<std::size_t>(size));
+    return text.front() == '/' ? text : path.substr(0, path.rfind('/') + 1) + text;
+}
 
 }  // namespace
 
@@ -45,12 +55,10 @@ Place behind_links(const std::string& path, int most_links) {
         return {path, is_missing ? "" : std::strerror(errno)};
     }
     if (!S_ISLNK(status.st_mode)) return {path, "", status.st_size, status.st_uid};
-    std::error_code error;
-    const std::filesystem::path target = std::filesystem::read_symlink(path, error);
-    if (most_links == 0) error.assign(ELOOP, std::generic_category());
-    if (error) return {path, error.message()};
-    Place place =
-        behind_links(std::filesystem::path(path).replace_filename(target), most_links - 1);
+    if (most_links == 0) return {path, std::strerror(ELOOP)};
+    const std::string target = target_of(path);
+    if (target.empty()) return {path, std::strerror(errno)};
+    Place place = behind_links(target, most_links - 1);
     const uid_t owner = status.st_uid;
     if (place.reason.empty() && owner != 0 && owner != geteuid() && owner != place.owner) {
         place.reason = LINK_OF_SOMEBODY_ELSE;
