@@ -19,9 +19,9 @@ constexpr int MAX_FIELD_VALUE = 256;
 
 struct Entered {
     std::string value;
-    std::string os = "";
+    std::string os = {};
     /// Of the notify program only: where its depot is read.
-    std::string gatebits_file = "";
+    std::string gatebits_file = {};
 };
 
 struct Check {
