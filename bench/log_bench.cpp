@@ -85,9 +85,16 @@ void by_fields(benchmark::State& state, Lanes lanes) {
 }
 
 void ByFields(benchmark::State& state) {
-    by_fields(state, Lanes::VECTORS);
+    by_fields(state, best_lanes());
 }
 BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
+
+void ByFieldsInNarrowVectors(benchmark::State& state) {
+    by_fields(state, Lanes::VECTORS);
+}
+BENCHMARK(ByFieldsInNarrowVectors)
+    ->ArgNames({"query", "filtered", "crlf"})
+    ->ArgsProduct({{1}, {0, 1}, {0}});
 
 void ByFieldsWithoutVectors(benchmark::State& state) {
     by_fields(state, Lanes::BYTES);

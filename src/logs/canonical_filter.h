@@ -16,8 +16,7 @@ struct CanonicalFilter {
     alignas(16) std::array<char, USER_LIMIT> user = {};
     alignas(16) std::array<char, USER_LIMIT> user_mask = {};
     alignas(16) std::array<char, USER_LIMIT> user_case = {};
-    /// "[54]" and "<23>" as numbers whose lowest byte is the first character, and the bits of them
-    /// that count.
+    /// "[54]" and "<23>" as the numbers that their bytes make, and the bits of them that count.
     std::uint32_t command = 0;
     std::uint32_t command_mask = 0;
     std::uint32_t value = 0;

@@ -1,6 +1,7 @@
 #include "logs/canonical_records.h"
 
 #include <algorithm>
+#include <cstring>
 
 #include "base/filled.h"
 #include "logs/canonical_scan.h"
@@ -21,23 +22,17 @@ std::string_view number_between(char open, std::string_view text, char close) {
 
 /// Sets what has to be compared for "[12]" or "<12>"; longer ones are in no canonical record.
 void take_number(std::string_view text, std::uint32_t* wanted, std::uint32_t* mask) {
-    *mask = ~std::uint32_t{0};
-    if (text.size() > sizeof *wanted) return;
-    std::array<char, sizeof* wanted> bytes = {};
-    std::copy(text.begin(), text.end(), bytes.begin());
-    *wanted = little_endian<std::uint32_t>(bytes.data());
-    *mask >>= 8 * (sizeof *wanted - text.size());
+    std::memset(mask, 0xFF, std::min(text.size(), sizeof *mask));
+    if (text.size() <= sizeof *wanted) std::memcpy(wanted, text.data(), text.size());
 }
 
-template <class LANES>
-void count_canonical_piece(const RecordQuery& query, const CanonicalFilter& filter,
+template <bool PER_DAY, bool HAS_FILTERS>
+void count_canonical_piece(Lanes lanes, const RecordQuery& query, const CanonicalFilter& filter,
                            std::string_view piece, RecordTally* tally) {
-    const auto count =
-        counts_per_day(query.query)
-            ? (filter.has_fields ? count_piece<LANES, true, true> : count_piece<LANES, true, false>)
-            : (filter.has_fields ? count_piece<LANES, false, true>
-                                 : count_piece<LANES, false, false>);
-    count(query, filter, piece, tally);
+    const auto task = [&](auto kind) __attribute__((always_inline)) {
+        count_piece<decltype(kind), PER_DAY, HAS_FILTERS>(query, filter, piece, tally);
+    };
+    with_lanes(lanes, task);
 }
 
 bool is_about_letters(std::string_view filter) {
@@ -77,7 +72,8 @@ bool CanonicalQuery::take_filter(std::string_view filter) {
 
 bool CanonicalQuery::take_user(std::string_view user_and_bracket) {
     const std::size_t size = user_and_bracket.size();
-    const bool one_field = user_and_bracket.find_first_of(":[") == size - 1;
+    // ":[" may also be about the kind, and ":<[" about the value.
+    const bool one_field = size > 1 && user_and_bracket.find_first_of(":[<") == size - 1;
     if (!one_field || filter_.user_mask[0] != 0) return false;
     // A longer user is in no canonical record, nor is a NUL, which this then asks for.
     filter_.user_mask.fill(size > CanonicalFilter::USER_LIMIT ? '\xff' : '\0');
@@ -116,11 +112,12 @@ void CanonicalQuery::count(std::string_view piece, RecordTally* tally) const {
         }
         return;
     }
-    if (lanes_ == Lanes::VECTORS) {
-        count_canonical_piece<VectorLanes>(plain_, filter_, piece, tally);
-    } else {
-        count_canonical_piece<ByteLanes>(plain_, filter_, piece, tally);
-    }
+    const auto count = counts_per_day(plain_.query)
+                           ? (filter_.has_fields ? count_canonical_piece<true, true>
+                                                 : count_canonical_piece<true, false>)
+                           : (filter_.has_fields ? count_canonical_piece<false, true>
+                                                 : count_canonical_piece<false, false>);
+    count(lanes_, plain_, filter_, piece, tally);
     // Looks no farther than the first word.
     tally->data_seen = tally->data_seen || !std::all_of(piece.begin(), piece.end(), is_white);
 }

@@ -13,7 +13,7 @@
 /// A query, prepared for records of the canonical shape.
 class CanonicalQuery {
   public:
-    explicit CanonicalQuery(const RecordQuery& query, Lanes lanes = Lanes::VECTORS);
+    explicit CanonicalQuery(const RecordQuery& query, Lanes lanes = best_lanes());
 
     /// Counts all words of `piece`, after whose end READER_MARGIN bytes may be read.
     void count(std::string_view piece, RecordTally* tally) const;

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstring>
+#include <limits>
 #include <string_view>
 
 #include "logs/canonical_filter.h"
@@ -16,18 +18,22 @@
 //
 // ten digits, ':', one of S D B P, ':', the user, '[', one or two digits, ']', one of a b c d k r
 // -, '<', one or two digits or a '-', '>', white space; letters in either case; a user of less
-// than CanonicalFilter::USER_LIMIT bytes without ':', '[', '<'; no byte up to the blank inside; no
-// longer than a word may be.
+// than CanonicalFilter::USER_LIMIT bytes without ':', '[', '<'; no byte up to the blank inside.
 //
 // In such a record ':' stands in two known places, '[', ']' before '<', and '<' in one each. So a
 // text with one of them can be found at that place only, and "is it in the record" becomes "is it
 // that field". The rest follows from the kind, the detail letter and the numbers.
+//
+// Where a filter asks for another user, command or value than the record has, less of the shape
+// will do: the kind, the detail letter and a value of one byte may be anything. Even if they are a
+// ':', '[' or '<', what comes next is a mark of the shape, and no such filter goes on with that
+// mark there. So the plain rule does not count that record either. All it takes from it is its
+// time, and that matters only if it is the earliest so far.
 
 constexpr std::size_t KIND_PLACE = 11;
 constexpr std::size_t USER_PLACE = 13;
-/// With an empty user, and as a word.
-constexpr std::size_t SHORTEST = 20;
-constexpr std::size_t LONGEST = WORD_LIMIT;
+/// With an empty user.
+constexpr std::ptrdiff_t SHORTEST = 20;
 /// Row of records outside the period.
 constexpr std::uint64_t NO_ROW = RecordTally::ROWS - 1;
 
@@ -67,23 +73,11 @@ constexpr Codes DETAIL_CODE = letter_codes(DETAILS, 1);
 constexpr Codes UNITS = digit_codes(1, '-');
 constexpr Codes TENS = digit_codes(10, '<');
 
-/// What has to stand in the eight bytes up to the end, "]K<7>" or "]K<17>" and any byte, and where;
-/// of a number's second digit only the upper half, which tells it from a '-'.
-constexpr std::array<std::uint64_t, 2> TAIL_BITS = {0x00FF00FF00FF0000, 0x00FFF000FF00FF00};
-constexpr std::array<std::uint64_t, 2> TAIL = {0x003E003C005D0000, 0x003E30003C005D00};
-/// The same for "[2" and "[12", with the upper half of each digit.
-constexpr std::array<std::uint32_t, 2> COMMAND_BITS = {0x0000F0FF, 0x00F0F0FF};
-constexpr std::array<std::uint32_t, 2> COMMAND = {0x0000305B, 0x0030305B};
-
-/// What may come after a record.
-constexpr Codes white_codes() {
-    Codes codes = {};
-    codes.fill(NOT_CANONICAL);
-    for (const char c : {' ', '\t', '\n', '\v', '\f', '\r'})
-        codes[static_cast<std::uint8_t>(c)] = 0;
-    return codes;
-}
-constexpr Codes WHITE = white_codes();
+/// What has to stand before the end, with one or two digits in the command and in the value. What
+/// a value of one byte is, UNITS tells.
+constexpr std::array<Ranges, 4> TAILS = {ranges_of("[0]*<*>"), ranges_of("[0]*<00>"),
+                                         ranges_of("[00]*<*>"), ranges_of("[00]*<00>")};
+constexpr std::size_t SHORTEST_TAIL = 7;
 
 ALWAYS_INLINE std::uint8_t code(const Codes& codes, const char* at) {
     return codes[static_cast<std::uint8_t>(*at)];
@@ -98,7 +92,13 @@ ALWAYS_INLINE const char* user_end(const char* user) {
         found = LANES::user_end_bits(user + 16) << 16;
         if (found == 0) return nullptr;
     }
-    return user + lowest_bit(found);
+    return user + LANES::lowest_bit(found);
+}
+
+ALWAYS_INLINE bool same_number(const char* at, std::uint32_t wanted, std::uint32_t mask) {
+    std::uint32_t number;
+    std::memcpy(&number, at, sizeof number);
+    return (number & mask) == wanted;
 }
 
 template <class LANES>
@@ -110,66 +110,62 @@ ALWAYS_INLINE bool same_user(const char* at, const CanonicalFilter& filter) {
     return same_half(0) && (!filter.has_long_user || same_half(16));
 }
 
-/// Counts the record in [at, end) if it is canonical and returns whether it is.
+/// The time of the earliest record, and its first digits; later than any as long as there is none.
+struct Earliest {
+    std::int64_t time = std::numeric_limits<std::int64_t>::max();
+    std::uint64_t digits = std::numeric_limits<std::uint64_t>::max();
+};
+
+/// Counts the record in [at, end), or returns false when that is for the plain rule to do.
 template <class LANES, bool PER_DAY, bool HAS_FILTERS>
 ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilter& filter,
                                    const char* at, const char* end, RecordTally* tally,
-                                   std::int64_t* earliest) {
-    const auto length = static_cast<std::size_t>(end - at);
-    if (length - SHORTEST > LONGEST - SHORTEST) [[unlikely]]
-        return false;
-    if (*end != '\n' && !is_white(*end)) [[unlikely]]
+                                   Earliest* earliest) {
+    if (end - at < SHORTEST) [[unlikely]]
         return false;
     const char* const bracket = user_end<LANES>(at + USER_PLACE);
     if (bracket == nullptr) [[unlikely]]
         return false;
 
-    // "]K<7>" or "]K<17>", looked at as eight bytes up to the end.
-    const unsigned wide = end[-3] != '<';
-    const bool good_tail = (little_endian<std::uint64_t>(end - 7) & TAIL_BITS[wide]) == TAIL[wide];
-    const char* const angle = end - 3 - wide;
+    // The tail's length, and where its value begins, say which it is.
+    const std::size_t wide = end[-3] != '<';
+    const std::size_t shape = 2 * (static_cast<std::size_t>(end - bracket) - SHORTEST_TAIL) - wide;
+    if (shape >= TAILS.size()) [[unlikely]]
+        return false;
+    const unsigned good_bytes =
+        LANES::in_range_bits(CANONICAL_HEAD, at) & LANES::in_range_bits(TAILS[shape], end - 16);
+    if (good_bytes != ALL_SIXTEEN || !is_white(*end)) [[unlikely]]
+        return false;
 
-    // "[2]" or "[12]": the bracket that closes is known from the tail.
-    const std::size_t wide_command = static_cast<std::size_t>(angle - bracket) - 4;
-    const auto command = little_endian<std::uint32_t>(bracket);
-    const bool good_command =
-        (command & COMMAND_BITS[wide_command & 1]) == COMMAND[wide_command & 1] &&
-        ((command + 0x00060600) & COMMAND_BITS[wide_command & 1]) == COMMAND[wide_command & 1];
+    const char* const angle = end - 3 - wide;
+    const bool passes =
+        !HAS_FILTERS || (same_user<LANES>(at + USER_PLACE, filter) &&
+                         same_number(bracket, filter.command, filter.command_mask) &&
+                         same_number(angle, filter.value, filter.value_mask));
+    const std::uint64_t digits = first_digits(at);
+    if (!passes && digits > earliest->digits) return true;
 
     const unsigned kind = code(KIND_CODE, at + KIND_PLACE);
     const unsigned detail = code(DETAIL_CODE, angle - 1);
-    const unsigned tens = code(TENS, end - 3);
     const unsigned units = code(UNITS, end - 2);
-    const bool good_codes = ((kind | detail | tens | units) & NOT_CANONICAL) == 0;
-
-    std::int64_t time;
-    const bool good_head = LANES::has_canonical_head(at, &time);
-    if (!(static_cast<unsigned>(good_head) & static_cast<unsigned>(good_tail) &
-          static_cast<unsigned>(good_command) & static_cast<unsigned>(good_codes) &
-          static_cast<unsigned>(wide_command <= 1))) [[unlikely]] {
+    if (((kind | detail | units) & NOT_CANONICAL) != 0) [[unlikely]]
         return false;
-    }
+    const std::int64_t time = LANES::time(at);
     const std::int64_t age = query.period.end_of_day_time - time;
     if (age < 0) [[unlikely]]
         return true;
-    *earliest = std::min(*earliest, time);
+    if (time < earliest->time) *earliest = {time, digits};
+    if (!passes) return true;
 
-    std::size_t outcome = filter.outcomes[kind | detail];
-    if constexpr (HAS_FILTERS) {
-        const bool passes =
-            static_cast<unsigned>((command & filter.command_mask) == filter.command) &
-            static_cast<unsigned>((little_endian<std::uint32_t>(angle) & filter.value_mask) ==
-                                  filter.value) &
-            static_cast<unsigned>(same_user<LANES>(at + USER_PLACE, filter));
-        outcome = passes ? outcome : std::size_t{FILTERED};
-    }
     std::uint64_t row;
     if constexpr (PER_DAY) {
         row = std::min<std::uint64_t>(static_cast<std::uint64_t>(age) / SECONDS_A_DAY, NO_ROW);
     } else {
-        row = static_cast<std::uint64_t>(age) < QUERY_DAYS * SECONDS_A_DAY ? tens + units : NO_ROW;
+        row = static_cast<std::uint64_t>(age) < QUERY_DAYS * SECONDS_A_DAY
+                  ? code(TENS, end - 3) + units
+                  : NO_ROW;
     }
-    ++tally->rows[row][outcome];
+    ++tally->rows[row][filter.outcomes[kind | detail]];
     return true;
 }
 
@@ -182,21 +178,20 @@ inline const char* count_next_word(const RecordQuery& query, const char* at, con
 }
 
 template <class LANES, bool PER_DAY, bool HAS_FILTERS>
-void count_piece(const RecordQuery& query, const CanonicalFilter& filter, std::string_view piece,
-                 RecordTally* tally) {
+ALWAYS_INLINE void count_piece(const RecordQuery& query, const CanonicalFilter& filter,
+                               std::string_view piece, RecordTally* tally) {
     const char* const end = piece.data() + piece.size();
     const char* at = after_white(piece.data(), end);
-    std::int64_t earliest = tally->earliest;
+    Earliest earliest;
     WordEnds ends;
     for (const char* slice = piece.data(); slice < end; slice += SLICE) {
         const std::size_t size = std::min(SLICE, static_cast<std::size_t>(end - slice));
         const std::size_t count = find_word_ends<LANES>(slice, size, &ends);
         for (std::size_t i = 0; i < count; ++i) {
-            const char* const stop = slice + ends[i];
+            const char* const stop = ends[i];
             if (count_canonical<LANES, PER_DAY, HAS_FILTERS>(query, filter, at, stop, tally,
                                                              &earliest)) {
-                at = stop + 1;
-                if (*stop != '\n') at = after_line_end(stop);
+                at = after_line_end(stop);
                 continue;
             }
             // A byte that ends no word, or more than one word: the plain rule goes on after it.
@@ -205,5 +200,5 @@ void count_piece(const RecordQuery& query, const CanonicalFilter& filter, std::s
         }
     }
     while (at < end) at = count_next_word(query, at, end, tally);
-    tally->earliest = std::min(tally->earliest, earliest);
+    tally->earliest = std::min(tally->earliest, earliest.time);
 }

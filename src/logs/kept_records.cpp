@@ -18,16 +18,21 @@ namespace {
 
 enum Fate { KEPT, DROPPED, NOT_PLAIN };
 
-/// What becomes of the word in [at, end), where `end` is a byte up to a blank.
+/// Whether the word in [at, end), where `end` is a byte up to a blank, begins with its time and is
+/// nothing out of the ordinary.
+template <class LANES>
+ALWAYS_INLINE bool is_plain(const char* at, const char* end) {
+    const auto length = static_cast<std::size_t>(end - at);
+    return length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE &&
+           LANES::in_range_bits(CANONICAL_HEAD, at) == ALL_SIXTEEN;
+}
+
+/// What becomes of it.
 template <class LANES>
 ALWAYS_INLINE Fate fate_of(const char* at, const char* end, std::int64_t cut_off) {
-    const auto length = static_cast<std::size_t>(end - at);
-    std::int64_t time;
-    if (length - HEAD_SIZE > WORD_LIMIT - HEAD_SIZE || !LANES::has_canonical_head(at, &time))
-        [[unlikely]] {
+    if (!is_plain<LANES>(at, end)) [[unlikely]]
         return NOT_PLAIN;
-    }
-    return time >= cut_off ? KEPT : DROPPED;
+    return LANES::time(at) >= cut_off ? KEPT : DROPPED;
 }
 
 /// Copying a few bytes too many is quicker than finding out how many there are.
@@ -42,11 +47,24 @@ ALWAYS_INLINE void copy_word(char* out, const char* word, std::size_t size) {
 
 }  // namespace
 
+KeptRecords::KeptRecords(std::int64_t cut_off, Lanes lanes)
+    : cut_off_(cut_off), first_digits_(first_digits(cut_off)), lanes_(lanes) {}
+
 std::string_view KeptRecords::of(std::string_view piece) {
+    std::string_view kept;
+    const auto task = [&](auto lanes) __attribute__((always_inline)) {
+        kept = kept_of<decltype(lanes)>(piece);
+    };
+    with_lanes(lanes_, task);
+    return kept;
+}
+
+/// Copies the piece up to `until`; returns where the copy ends.
+char* KeptRecords::copied(std::string_view piece, const char* until) {
     // Every word gains a line end, and a long one has a word in each WORD_LIMIT bytes.
     const std::size_t room = piece.size() + piece.size() / WORD_LIMIT + 2 + COPY_SIZE;
     if (kept_.size() < room) kept_.resize(room);
-    return lanes_ == Lanes::VECTORS ? kept_of<VectorLanes>(piece) : kept_of<ByteLanes>(piece);
+    return std::copy(piece.data(), until, kept_.data());
 }
 
 /// Takes the words that begin before `stop` by the plain rule.
@@ -68,31 +86,36 @@ KeptRecords::Places KeptRecords::take_words(Places places, const char* stop, con
     return places;
 }
 
+/// Whether the word in [at, end) is kept with its end, as it stands.
 template <class LANES>
-std::string_view KeptRecords::kept_of(std::string_view piece) {
-    const char* const begin = piece.data();
-    const char* const end = begin + piece.size();
-    const char* at = begin;
+ALWAYS_INLINE bool KeptRecords::stays(const char* at, const char* end) const {
+    // Most are later than the cut-off by so much that their first digits tell.
+    return *end == '\n' && is_plain<LANES>(at, end) &&
+           (first_digits(at) > first_digits_ || LANES::time(at) >= cut_off_);
+}
+
+template <class LANES>
+ALWAYS_INLINE std::string_view KeptRecords::kept_of(std::string_view piece) {
+    const char* const end = piece.data() + piece.size();
+    const char* at = piece.data();
     // Nothing is copied until something changes.
     char* out = nullptr;
-    const auto copy_what_was = [&] { return std::copy(begin, at, kept_.data()); };
     std::int64_t total = 0;
     std::int64_t removed = 0;
     WordEnds ends;
-    for (const char* slice = begin; slice < end; slice += SLICE) {
+    for (const char* slice = piece.data(); slice < end; slice += SLICE) {
         const std::size_t count = find_word_ends<LANES>(
             slice, std::min<std::size_t>(SLICE, static_cast<std::size_t>(end - slice)), &ends);
-        for (std::size_t i = 0; i < count; ++i) {
-            const char* const stop = slice + ends[i];
+        std::size_t i = 0;
+        if (out == nullptr) {
+            for (; i < count && stays<LANES>(at, ends[i]); ++i) at = ends[i] + 1;
+            total += static_cast<std::int64_t>(i);
+            if (i == count) continue;
+            out = copied(piece, at);
+        }
+        for (; i < count; ++i) {
+            const char* const stop = ends[i];
             const Fate fate = fate_of<LANES>(at, stop, cut_off_);
-            if (out == nullptr) {
-                if (fate == KEPT && *stop == '\n') {
-                    ++total;
-                    at = stop + 1;
-                    continue;
-                }
-                out = copy_what_was();
-            }
             if (fate == NOT_PLAIN || !is_white(*stop)) [[unlikely]] {
                 const Places places = take_words({at, out}, stop, end);
                 at = places.at;
@@ -110,7 +133,7 @@ std::string_view KeptRecords::kept_of(std::string_view piece) {
     total_ += total;
     removed_ += removed;
     if (at < end) {
-        if (out == nullptr) out = copy_what_was();
+        if (out == nullptr) out = copied(piece, at);
         out = take_words({at, out}, end, end).out;
     }
     if (out == nullptr) return piece;

@@ -10,8 +10,7 @@
 class KeptRecords {
   public:
     /// Records of `cut_off` (seconds since the epoch) and later are kept.
-    explicit KeptRecords(std::int64_t cut_off, Lanes lanes = Lanes::VECTORS)
-        : cut_off_(cut_off), lanes_(lanes) {}
+    explicit KeptRecords(std::int64_t cut_off, Lanes lanes = best_lanes());
 
     /// The kept words of `piece`, each on a line of its own; good until the next call.
     /// READER_MARGIN bytes may be read after the piece. It is the piece itself when the two are
@@ -25,6 +24,9 @@ class KeptRecords {
   private:
     template <class LANES>
     std::string_view kept_of(std::string_view piece);
+    template <class LANES>
+    bool stays(const char* at, const char* end) const;
+    char* copied(std::string_view piece, const char* until);
     /// Where the reading and the writing go on.
     struct Places {
         const char* at;
@@ -33,6 +35,8 @@ class KeptRecords {
     Places take_words(Places places, const char* stop, const char* end);
 
     std::int64_t cut_off_;
+    /// Of the cut-off.
+    std::uint64_t first_digits_;
     Lanes lanes_;
     std::int64_t total_ = 0;
     std::int64_t removed_ = 0;

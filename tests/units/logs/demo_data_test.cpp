@@ -1,5 +1,8 @@
 #include "logs/demo_data.h"
 
+#include <signal.h>
+#include <sys/resource.h>
+
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -9,7 +12,6 @@
 
 #include "log_region.h"
 #include "support/expect_gripe.h"
-#include "support/limit_file_size.h"
 
 namespace {
 
@@ -259,13 +261,22 @@ TEST_F(DemoData, ASecondRunAppends) {
 
 TEST_F(DemoData, ALogThatCannotBeOpenedIsAFault) {
     logging_dir += "/missing";
-    EXPECT_GRIPE(data_gen(logging_dir), "could not make needed logging_file");
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            data_gen(logging_dir);
+        },
+        testing::ExitedWithCode(99),
+        ": No such file or directory\ncould not make needed logging_file\n$");
 }
 
 TEST_F(DemoData, AFullDiskIsAFault) {
     EXPECT_EXIT(
         {
-            limit_file_size(1 << 18);
+            rlimit small;
+            small.rlim_cur = small.rlim_max = 1 << 18;
+            signal(SIGXFSZ, SIG_IGN);
+            setrlimit(RLIMIT_FSIZE, &small);
             dup2(STDERR_FILENO, STDOUT_FILENO);
             data_gen(logging_dir);
         },

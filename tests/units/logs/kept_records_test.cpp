@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <limits>
 #include <random>
 #include <string>
 
@@ -21,16 +22,16 @@ struct Kept {
     bool same_piece = false;
 };
 
-Kept kept_of(const std::string& text, Lanes lanes = Lanes::VECTORS) {
+Kept kept_of(const std::string& text, Lanes lanes = best_lanes(), std::int64_t cut_off = CUT_OFF) {
     const std::string with_margin = text + std::string(READER_MARGIN, '\n');
-    KeptRecords records(CUT_OFF, lanes);
+    KeptRecords records(cut_off, lanes);
     const std::string_view piece(with_margin.data(), text.size());
     const std::string_view kept = records.of(piece);
     return {std::string(kept), records.total(), records.removed(), kept.data() == piece.data()};
 }
 
 /// Word by word.
-Kept kept_by_the_plain_rule(const std::string& text) {
+Kept kept_by_the_plain_rule(const std::string& text, std::int64_t cut_off = CUT_OFF) {
     Kept kept;
     const char* at = text.data();
     while (true) {
@@ -38,7 +39,7 @@ Kept kept_by_the_plain_rule(const std::string& text) {
         if (word.empty()) break;
         ++kept.total;
         const std::string record(c_text(word));
-        if (leading_number(record.c_str()) >= CUT_OFF) {
+        if (leading_number(record.c_str()) >= cut_off) {
             kept.text += record + "\n";
         } else {
             ++kept.removed;
@@ -90,6 +91,24 @@ TEST(KeptRecordsOf, AreWholeHoweverLong) {
     EXPECT_EQ(kept_of(kept + dropped + kept).total, 3);
 }
 
+TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
+    const std::int64_t largest = std::numeric_limits<std::int64_t>::max();
+    std::string text;
+    for (const char* time : {"0000000000", "0000000001", "0000000150", "1700000000", "1700000099",
+                             "1700000100", "9999999899", "9999999999", "10000000000", "-5"}) {
+        text += std::string(time) + ":S:a[1]-<->\n";
+    }
+    for (const std::int64_t cut_off :
+         {-largest, std::int64_t{-1}, std::int64_t{0}, std::int64_t{1}, std::int64_t{100},
+          std::int64_t{1700000050}, std::int64_t{9999999900}, std::int64_t{9999999999},
+          std::int64_t{10000000000}, std::int64_t{10000000001}, largest}) {
+        const Kept plain = kept_by_the_plain_rule(text, cut_off);
+        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
+            EXPECT_EQ(kept_of(text, lanes, cut_off).text, plain.text) << cut_off;
+        }
+    }
+}
+
 TEST(KeptRecordsOf, AgreeWithThePlainRule) {
     std::mt19937 random(3);
     const auto draw = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
@@ -102,7 +121,7 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
         const unsigned odd_ends = std::array{0U, 0U, 5U, 100U}[draw(4)];
         for (int line = 0; line < 60; ++line) {
             text += std::to_string(CUT_OFF + (draw(100) < kept_in_100 ? 0 : -1) *
-                                                 static_cast<int>(1 + draw(5)));
+                                                 static_cast<int>(1 + draw(draw(2) * 500 + 5)));
             text += ":S:user" + std::to_string(draw(1000)) + "[1]-<->";
             text += draw(100) < odd_ends ? odd_end() : "\n";
             if (draw(400) == 0) text.insert(draw(static_cast<unsigned>(text.size())), 1, byte());
@@ -111,7 +130,7 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
             if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
         }
         const Kept plain = kept_by_the_plain_rule(text);
-        for (const Lanes lanes : {Lanes::VECTORS, Lanes::BYTES}) {
+        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
             const Kept kept = kept_of(text, lanes);
             ASSERT_TRUE(kept.text == plain.text) << "round " << round;
             ASSERT_EQ(kept.total, plain.total);

@@ -63,7 +63,8 @@ TEST_F(LogsLeftAlone, ALinkThatLeadsNowhereIsSkipped) {
 TEST_F(LogsLeftAlone, ACompanionWithoutAPlaceForItsLogIsKept) {
     fs::create_symlink("missing/real.txt", log_file_path(1));
     write_file(pruning_companion_path(1), fresh(1));
-    EXPECT_GRIPE(prune(), "Could not create needed logging file");
+    EXPECT_EXIT(prune_and_say_so(), testing::ExitedWithCode(99),
+                "Could not create needed logging file");
     EXPECT_EQ(file_text(pruning_companion_path(1)), fresh(1));
     fs::create_directory(logging_dir + "/missing");
     EXPECT_EQ(said_by_pruning(), result(0, 1));
@@ -267,9 +268,11 @@ TEST_F(LogsLeftAlone, PipesAndDevicesHangNothing) {
 
 TEST_F(LogsLeftAlone, APipeForATokenHangsNothing) {
     ASSERT_EQ(mkfifo(pruning_token_path().c_str(), 0666), 0);
-    EXPECT_GRIPE(prune(), "Could not create needed pruning token");
+    EXPECT_EXIT(prune_and_say_so(), testing::ExitedWithCode(99),
+                "Could not create needed pruning token\n$");
     const int reader = open(pruning_token_path().c_str(), O_RDONLY | O_NONBLOCK);
-    EXPECT_GRIPE(prune(), "Could not create needed pruning token");
+    EXPECT_EXIT(prune_and_say_so(), testing::ExitedWithCode(99),
+                "Could not create needed pruning token\n$");
     close(reader);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -19,19 +20,33 @@ std::string random_bytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
+/// Whether all kinds of lanes that the processor has answer as the bytes do.
+template <class Question>
+bool all_agree(const Question& question) {
+    const auto answer = question(ByteLanes());
+    return question(VectorLanes()) == answer &&
+           (best_lanes() != Lanes::WIDE || question(WideLanes()) == answer);
+}
+
 TEST(Lanes, FindTheSameBlanks) {
     std::mt19937 random(4);
     for (int round = 0; round < 20000; ++round) {
         const std::string bytes = random_bytes(random, BLOCK);
-        EXPECT_EQ(VectorLanes::blank_bits(bytes.data()), ByteLanes::blank_bits(bytes.data()));
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.blank_bits(bytes.data()); }));
     }
 }
 
 TEST(Lanes, FindTheSameEndsOfUsers) {
+    for (int byte = 0; byte < 256; ++byte) {
+        const std::string bytes(16, static_cast<char>(byte));
+        const bool is_end = byte == ':' || byte == '[' || byte == '<';
+        EXPECT_EQ(ByteLanes::user_end_bits(bytes.data()), is_end ? ALL_SIXTEEN : 0U);
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.user_end_bits(bytes.data()); }));
+    }
     std::mt19937 random(5);
     for (int round = 0; round < 20000; ++round) {
         const std::string bytes = random_bytes(random, 16);
-        EXPECT_EQ(VectorLanes::user_end_bits(bytes.data()), ByteLanes::user_end_bits(bytes.data()));
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.user_end_bits(bytes.data()); }));
     }
 }
 
@@ -48,15 +63,37 @@ TEST(Lanes, CompareTextsAlike) {
             wanted[i] = static_cast<char>((text[i] | other_case[i]) & mask[i]);
         }
         if (random() % 2 == 0) wanted[random() % 16] ^= 0x41;
-        const bool by_bytes =
-            ByteLanes::same_text(text.data(), wanted.data(), mask.data(), other_case.data());
-        same += by_bytes;
-        EXPECT_EQ(
-            VectorLanes::same_text(text.data(), wanted.data(), mask.data(), other_case.data()),
-            by_bytes);
+        same += ByteLanes::same_text(text.data(), wanted.data(), mask.data(), other_case.data());
+        EXPECT_TRUE(all_agree([&](auto lanes) {
+            return lanes.same_text(text.data(), wanted.data(), mask.data(), other_case.data());
+        }));
     }
     EXPECT_GT(same, 5000);
     EXPECT_LT(same, 15000);
+}
+
+TEST(Lanes, CountAndFindBitsAlike) {
+    std::mt19937_64 random(9);
+    for (int round = 0; round < 2000; ++round) {
+        const std::uint64_t number = random() & random() << random() % 64;
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.number_of_bits(number); }));
+        if (number == 0) continue;
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.lowest_bit(number); }));
+    }
+}
+
+TEST(Lanes, KnowRangesAlike) {
+    const Ranges ranges = ranges_of("[0]*<00>");
+    const auto bits_of = [&](const std::string& text) {
+        EXPECT_TRUE(
+            all_agree([&](auto lanes) { return lanes.in_range_bits(ranges, text.data()); }));
+        return ByteLanes::in_range_bits(ranges, text.data());
+    };
+    EXPECT_EQ(bits_of("anything[5]K<17>"), ALL_SIXTEEN);
+    EXPECT_EQ(bits_of("\xff\n  ':[0[9]\n<09>"), ALL_SIXTEEN);
+    EXPECT_EQ(bits_of("anything[/]K<:7>"), ALL_SIXTEEN & ~(1U << 9) & ~(1U << 13));
+    std::mt19937 random(10);
+    for (int round = 0; round < 20000; ++round) bits_of(random_bytes(random, 16));
 }
 
 TEST(Lanes, ReadHeadsAlike) {
@@ -67,22 +104,42 @@ TEST(Lanes, ReadHeadsAlike) {
         for (std::size_t i = 0; i < TIME_DIGITS; ++i) text[i] = "0123456789"[random() % 10];
         text += random_bytes(random, 3);
         if (random() % 2 == 0) text[random() % HEAD_SIZE] = random_bytes(random, 1)[0];
-        std::int64_t by_vectors = 0;
-        std::int64_t by_bytes = 0;
-        const bool is_head = ByteLanes::has_canonical_head(text.data(), &by_bytes);
-        ASSERT_EQ(VectorLanes::has_canonical_head(text.data(), &by_vectors), is_head) << text;
-        if (!is_head) continue;
+        EXPECT_TRUE(all_agree(
+            [&](auto lanes) { return lanes.in_range_bits(CANONICAL_HEAD, text.data()); }));
+        if (ByteLanes::in_range_bits(CANONICAL_HEAD, text.data()) != ALL_SIXTEEN) continue;
         ++heads;
-        EXPECT_EQ(by_vectors, by_bytes);
-        EXPECT_EQ(by_bytes, std::stoll(text));
+        EXPECT_TRUE(all_agree([&](auto lanes) { return lanes.time(text.data()); }));
+        EXPECT_EQ(ByteLanes::time(text.data()), std::stoll(text));
+        EXPECT_EQ(first_digits(text.data()), first_digits(std::stoll(text)));
     }
     EXPECT_GT(heads, 10000);
     EXPECT_LT(heads, 19000);
 }
 
-#if defined(__SSE2__)
-TEST(Lanes, AreOfTwoKindsHere) {
+TEST(FirstDigits, AreInTheOrderOfTimes) {
+    EXPECT_LT(first_digits("1699999999"), first_digits("1700000000"));
+    EXPECT_LT(first_digits("0999999999"), first_digits("1000000000"));
+    EXPECT_EQ(first_digits(std::int64_t{-1}), first_digits("0000000000"));
+    EXPECT_EQ(first_digits(std::int64_t{10000000000}), first_digits("9999999999"));
+}
+
+#if defined(__x86_64__)
+TEST(Lanes, AreOfThreeKindsHere) {
     EXPECT_FALSE((std::is_same_v<VectorLanes, ByteLanes>));
+    EXPECT_FALSE((std::is_same_v<WideLanes, VectorLanes>));
+}
+
+TEST(Lanes, AreWideWhereTheProcessorIsThatNew) {
+    std::ifstream processors("/proc/cpuinfo");
+    std::string flags;
+    while (std::getline(processors, flags) && flags.rfind("flags", 0) != 0) flags.clear();
+    if (flags.empty()) GTEST_SKIP() << "/proc/cpuinfo names no flags";
+    flags += ' ';
+    bool wide = true;
+    for (const char* needed : {" avx2 ", " bmi1 ", " bmi2 ", " popcnt "}) {
+        wide = wide && flags.find(needed) != std::string::npos;
+    }
+    EXPECT_EQ(best_lanes(), wide ? Lanes::WIDE : Lanes::VECTORS);
 }
 #endif
 
@@ -92,20 +149,23 @@ TEST(WordEnds, AreWhereRunsOfBlanksBegin) {
         for (int round = 0; round < 50; ++round) {
             const std::string bytes = random_bytes(random, size);
             const std::string slice = bytes + std::string(BLOCK, ' ');
-            std::vector<std::uint32_t> expected;
+            std::vector<const char*> expected;
             for (std::size_t i = 0; i < size; ++i) {
                 const auto is_blank = [&](std::size_t at) {
                     return static_cast<unsigned char>(bytes[at]) <= ' ';
                 };
                 if (is_blank(i) && (i == 0 || !is_blank(i - 1))) {
-                    expected.push_back(static_cast<std::uint32_t>(i));
+                    expected.push_back(slice.data() + i);
                 }
             }
             WordEnds ends;
-            const std::size_t by_vectors = find_word_ends<VectorLanes>(slice.data(), size, &ends);
-            EXPECT_EQ(std::vector(ends.begin(), ends.begin() + by_vectors), expected);
-            const std::size_t by_bytes = find_word_ends<ByteLanes>(slice.data(), size, &ends);
-            EXPECT_EQ(std::vector(ends.begin(), ends.begin() + by_bytes), expected);
+            const auto found_by = [&](auto lanes) {
+                const std::size_t found =
+                    find_word_ends<decltype(lanes)>(slice.data(), size, &ends);
+                return std::vector(ends.begin(), ends.begin() + static_cast<std::ptrdiff_t>(found));
+            };
+            EXPECT_EQ(found_by(ByteLanes()), expected);
+            EXPECT_TRUE(all_agree(found_by));
         }
     }
 }

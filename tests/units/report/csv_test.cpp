@@ -13,7 +13,6 @@
 #include <vector>
 
 #include "dialog/messages.h"
-#include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
@@ -135,10 +134,9 @@ class CsvFile : public testing::Test {
     CsvFile() { ZUL_PREFER_GUI = 0; }
     ~CsvFile() override { ZUL_PREFER_GUI = 1; }
 
-    /// The message for numbers that could not be written.
-    std::string unwritten(const std::string& reason) const {
-        return "ERROR: The numbers of this query could not be written (" + path + "): " + reason +
-               ".  Its page is whole.\n";
+    void store_aloud(const std::string& csv) const {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
+        store_csv(path, csv);
     }
     std::vector<std::string> names() const {
         std::vector<std::string> found;
@@ -196,17 +194,19 @@ TEST_F(CsvFile, SeveralAtOnceLeaveTheWholeOfOne) {
 
 TEST_F(CsvFile, WhatCannotTakeItsPlaceLeavesNothingBehind) {
     fs::create_directory(path);
-    EXPECT_GRIPE(store_csv(path, "numbers"), unwritten("Is a directory"));
+    EXPECT_EXIT(store_aloud("numbers"), ExitedWithCode(99),
+                HasSubstr("ERROR: The numbers of this query could not be written (" + path +
+                          "): Is a directory.  Its page is whole.\n"));
     EXPECT_THAT(names(), ElementsAre("page.csv"));
 }
 
 TEST_F(CsvFile, ThatDoesNotFitIsNotThereAtAll) {
-    EXPECT_GRIPE(
+    EXPECT_EXIT(
         {
             limit_file_size(1000);
-            store_csv(path, std::string(5000, 'x'));
+            store_aloud(std::string(5000, 'x'));
         },
-        unwritten("File too large"));
+        ExitedWithCode(99), HasSubstr("File too large"));
     EXPECT_TRUE(names().empty());
 }
 

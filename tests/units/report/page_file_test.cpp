@@ -17,13 +17,12 @@
 #include "base/descriptor.h"
 #include "dialog/messages.h"
 #include "faults/small_disk.h"
-#include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
-using testing::Eq;
 using testing::ExitedWithCode;
+using testing::HasSubstr;
 
 namespace {
 
@@ -34,18 +33,16 @@ class PageFile : public testing::Test {
 
     std::string page() const { return directory.path("page.html"); }
 
-    /// For death tests: nobody waits for more than a moment.
-    void append_soon(const std::string& text) const {
+    /// For death tests: ends as the program ends when the page cannot be appended. Nobody waits for
+    /// more than a moment.
+    void append_aloud(const std::string& text) const {
+        dup2(STDERR_FILENO, STDOUT_FILENO);
         alarm(10);
         append_page(page(), text, std::chrono::milliseconds(50));
     }
     void expect_refused() const {
-        EXPECT_GRIPE(append_soon("page"), "Could not create/open results file (" + page() + ")\n");
-    }
-    /// The message for a page that could not be written.
-    std::string unwritten(const std::string& reason, const std::string& state) const {
-        return "ERROR: The results file (" + page() + ") could not be written (" + reason + ").  " +
-               state + "\n";
+        EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
+                    HasSubstr("Could not create/open results file (" + page() + ")\n"));
     }
 
     ScratchDirectory directory;
@@ -114,35 +111,32 @@ TEST_F(PageFile, OtherThanRegularFilesAreRefused) {
 
 TEST_F(PageFile, TheReasonGoesToStandardError) {
     fs::create_directory(page());
-    EXPECT_EXIT(
-        {
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            append_soon("page");
-        },
-        ExitedWithCode(99),
-        Eq("gatescope: " + page() + ": Is a directory\nCould not create/open results file (" +
-           page() + ")\n\n"));
+    EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
+                HasSubstr("gatescope: " + page() + ": Is a directory\n"));
 }
 
 TEST_F(PageFile, WhatDoesNotFitIsTakenBack) {
     const std::string before(4000, 'b');
     append_page(page(), before);
-    EXPECT_GRIPE(
+    EXPECT_EXIT(
         {
             limit_file_size(6000);
-            append_soon(std::string(100000, 'x'));
+            append_aloud(std::string(100000, 'x'));
         },
-        unwritten("File too large", "It is as it was before this query."));
+        ExitedWithCode(99),
+        HasSubstr(
+            "ERROR: The results file (" + page() +
+            ") could not be written (File too large).  It is as it was before this query.\n"));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
 TEST_F(PageFile, ANewPageThatDoesNotFitIsGone) {
-    EXPECT_GRIPE(
+    EXPECT_EXIT(
         {
             limit_file_size(6000);
-            append_soon(std::string(100000, 'x'));
+            append_aloud(std::string(100000, 'x'));
         },
-        unwritten("File too large", "It is as it was before this query."));
+        ExitedWithCode(99), HasSubstr("(File too large)"));
     EXPECT_FALSE(fs::exists(page()));
 }
 
@@ -151,8 +145,8 @@ TEST_F(PageFile, OnAFullDiskNoHalfPageStays) {
     if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
     const std::string before(4096, 'b');
     append_page(page(), before);
-    EXPECT_GRIPE(append_soon(std::string(100000, 'x')),
-                 unwritten("No space left on device", "It is as it was before this query."));
+    EXPECT_EXIT(append_aloud(std::string(100000, 'x')), ExitedWithCode(99),
+                HasSubstr("(No space left on device)"));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
@@ -171,8 +165,10 @@ TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
     directory.write("page.html", "before");
     const Descriptor keeper(open(page().c_str(), O_RDWR));
     ASSERT_EQ(flock(keeper.get(), LOCK_EX), 0);
-    EXPECT_GRIPE(append_soon("page"),
-                 unwritten("Another process keeps its lock", "It is as it was before this query."));
+    EXPECT_EXIT(
+        append_aloud("page"), ExitedWithCode(99),
+        HasSubstr(") could not be written (Another process keeps its lock).  It is as it was "
+                  "before this query.\n"));
     EXPECT_EQ(directory.read("page.html"), "before");
 }
 
