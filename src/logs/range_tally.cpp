@@ -112,6 +112,7 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     const std::vector<Range> ranges = ranges_of(logs, range_size);
     SharedWork work = {canonical, logs, ranges};
     std::vector<std::unique_ptr<Worker>> workers;
+    workers.reserve(static_cast<std::size_t>(threads));
     for (int i = 0; i < threads; ++i) workers.push_back(std::make_unique<Worker>());
     {
         const std::vector<std::jthread> others = started(workers, &work, progress);

@@ -19,6 +19,8 @@ import subprocess
 import sys
 import tempfile
 
+import stages
+
 GATEBITS = """\
 #!gatescope_unix_gatewarden_check=/bin/true
 #!gatescope_windows_gatewarden_check=
@@ -47,34 +49,6 @@ deleted_3;R; ;0;
 deleted_4;R; ;0;
 """
 FIELDS_UP_TO_LINE = 8
-
-# An operator's clearprompt: one line of the script an answer, "status text"; boxes with a single
-# button answer themselves. At a line that begins with "meet" the two runs wait for each other.
-CLEARPROMPT = """\
-#!/bin/sh
-printf '%s\\n' "$*" >> "$OWN/asked"
-case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
-turn=0
-[ -e "$OWN/turn" ] && read -r turn < "$OWN/turn"
-turn=$((turn + 1))
-echo $turn > "$OWN/turn"
-line=$(sed -n "${turn}p" "$OWN/script")
-[ -n "$line" ] || exit 2
-if [ "${line%% *}" = meet ]; then
-    line=${line#meet }
-    : > "$OWN/here"
-    pauses=0
-    while [ -n "$OTHER" ] && [ ! -e "$OTHER/here" ] && [ $pauses -lt 2000 ]; do
-        pauses=$((pauses + 1))
-        sleep 0.01
-    done
-fi
-while [ $# -gt 0 ]; do
-    [ "$1" = -outfile ] && printf '%s\\n' "${line#* }" > "$2"
-    shift
-done
-exit "${line%% *}"
-"""
 
 REFUSED = "nothing was written"
 
@@ -124,28 +98,18 @@ class Stage:
         self.gatescope = gatescope
         self.directory = directory
         self.policy = self.path("gatebits.txt")
-        self.write("gatebits.txt", GATEBITS)
-        os.mkdir(self.path("bin"))
-        self.write("bin/clearprompt", CLEARPROMPT)
-        os.chmod(self.path("bin/clearprompt"), 0o755)
+        stages.write(self.policy, GATEBITS)
+        stages.put_clearprompt(self.path("bin"))
         if hard_link:
             os.link(self.policy, self.policy + ".link")
 
     def path(self, name):
         return os.path.join(self.directory, name)
 
-    def write(self, name, text):
-        with open(self.path(name), "w") as file:
-            file.write(text)
-
-    def read(self, name):
-        with open(self.path(name)) as file:
-            return file.read()
-
     def start(self, edit, side, other=None):
         action, answers = edit
         os.mkdir(self.path(side))
-        self.write(side + "/script", "\n".join(answers) + "\n")
+        stages.write(self.path(side + "/script"), "\n".join(answers) + "\n")
         environment = {"PATH": self.path("bin") + ":/usr/bin:/bin", "tmp": self.path(side),
                        "CLEARCASE_USER": "operator", "OWN": self.path(side),
                        "OTHER": self.path(other) if other else "",
@@ -154,15 +118,15 @@ class Stage:
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def contents(self):
-        return contents(self.read("gatebits.txt"))
+        return contents(stages.read(self.policy))
 
     def is_refused(self, side):
-        return REFUSED in self.read(side + "/asked")
+        return any(REFUSED in stages.read(self.path(side + name)) for name in ("/asked", "/boxes"))
 
 
 def effect_of(gatescope, edit):
     """What the edit takes away, and what it brings, when nobody disturbs it."""
-    with tempfile.TemporaryDirectory(prefix="edits_at_once_") as directory:
+    with tempfile.TemporaryDirectory() as directory:
         stage = Stage(gatescope, directory)
         before = stage.contents()
         status = stage.start(edit, "first").wait()
@@ -174,7 +138,7 @@ def effect_of(gatescope, edit):
 
 def fault_of(gatescope, pair, effects, hard_link):
     """Makes the two edits at once. What is wrong afterwards, or None."""
-    with tempfile.TemporaryDirectory(prefix="edits_at_once_") as directory:
+    with tempfile.TemporaryDirectory() as directory:
         stage = Stage(gatescope, directory, hard_link)
         expected = stage.contents()
         runs = [stage.start(EDITS[pair[0]][0], "first", "second"),
@@ -223,4 +187,5 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    with stages.scratch_directory():
+        sys.exit(main())

@@ -19,19 +19,16 @@ import sys
 import tempfile
 import time
 
+import stages
+
 OLD = "gatewarden;;;east;\nW:%s/depot;%s/depot;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
 NEW = OLD.replace(";O;", ";S;")
 NOW = int(time.time())
 KEPT = "%d:S:ann[2]-<->\n" % NOW
 PRUNED = "%d:S:bob[2]-<->\n" % (NOW - 400 * 86400)
 
-CLEARPROMPT = """#!/bin/sh
-case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
-while [ $# -gt 0 ]; do
-    [ "$1" = -outfile ] && echo "S - 'S'ucessful attempts only logged" > "$2"
-    shift
-done
-"""
+# A pick, and a yes to whatever is asked then.
+ANSWERS = "0 S - 'S'ucessful attempts only logged\n" + 5 * "0 \n"
 
 KINDS = {
     "field": ["A=8", "R=n"],
@@ -44,14 +41,14 @@ KINDS = {
 class Stage:
     def __init__(self, kind):
         self.kind = kind
-        self.path = tempfile.mkdtemp(prefix="gatescope_memory_")
-        for folder in ("bin", "tmp", "depot/log", "depot/query_results"):
+        self.path = tempfile.mkdtemp()
+        for folder in ("tmp", "depot/log", "depot/query_results"):
             os.makedirs(self.at(folder))
         self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
         self.write("gatebits.txt", self.old)
         self.write("depot/log/logging_0.txt", PRUNED + KEPT)
-        self.write("bin/clearprompt", CLEARPROMPT)
-        os.chmod(self.at("bin/clearprompt"), 0o755)
+        self.write("script", ANSWERS)
+        stages.put_clearprompt(self.at("bin"))
         os.symlink("/bin/true", self.at("bin/gatewarden"))
         if kind == "field_in_place":
             os.link(self.at("gatebits.txt"), self.at("other_name.txt"))
@@ -60,15 +57,14 @@ class Stage:
         return os.path.join(self.path, name)
 
     def write(self, name, text):
-        with open(self.at(name), "w") as file:
-            file.write(text)
+        stages.write(self.at(name), text)
 
     def read(self, name):
-        with open(self.at(name)) as file:
-            return file.read()
+        return stages.read(self.at(name))
 
     def run(self, gatescope, library, failing):
         environment = {"PATH": self.at("bin") + ":/usr/bin:/bin", "tmp": self.at("tmp"),
+                       "OWN": self.path,
                        "CLEARCASE_USER": "op", "LD_PRELOAD": library,
                        "ALLOCATIONS": self.at("allocations"),
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.at("gatebits.txt")}
@@ -160,4 +156,5 @@ def main():
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    with stages.scratch_directory():
+        sys.exit(main())

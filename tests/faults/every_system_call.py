@@ -20,9 +20,10 @@ import shutil
 import signal
 import subprocess
 import sys
-import tempfile
 import threading
 import time
+
+import stages
 
 # What can go wrong with a call, besides being killed at it.
 DISK = ["ENOSPC", "EIO", "EINTR"]
@@ -60,26 +61,6 @@ gatewarden;;;east;
 D;000000000000000000000000;
 pre_checkin;R; ;0;
 post_checkin;S; ~adm ;
-"""
-
-# An operator's clearprompt: one line of the script an answer, "status text"; boxes with a single
-# button answer themselves.
-CLEARPROMPT = """\
-#!/bin/sh
-stage={stage}
-case "$*" in *"-mask yes -def"*|*"-mask abort -def"*) exit 0;; esac
-printf '%s\\n' "$*" >> "$stage/asked"
-turn=0
-[ -e "$stage/turn" ] && read -r turn < "$stage/turn"
-turn=$((turn + 1))
-echo $turn > "$stage/turn"
-line=$(sed -n "${{turn}}p" "$stage/script")
-[ -n "$line" ] || exit 2
-while [ $# -gt 0 ]; do
-    [ "$1" = -outfile ] && printf '%s\\n' "${{line#* }}" > "$2"
-    shift
-done
-exit "${{line%% *}}"
 """
 
 YES = "0 "
@@ -138,7 +119,7 @@ class Edit:
 
     def leftovers(self, stage):
         names = ["tmp/" + name for name in os.listdir(os.path.join(stage, "tmp"))]
-        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "asked",
+        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "asked", "boxes",
                  os.path.basename(self.result)}
         return names + [name for name in os.listdir(stage) if name not in known]
 
@@ -427,7 +408,7 @@ class Run:
             command = strace + command
         environment = {
             "PATH": os.path.join(stage, "bin") + ":/usr/bin:/bin", "tmp": os.path.join(stage, "tmp"),
-            "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
+            "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage, "OWN": stage,
             "ZUL_GATESCOPE_CSV": "yes",
         }
         process = subprocess.Popen(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
@@ -472,16 +453,12 @@ class Run:
 
 def set_the_stage(stage, edit):
     shutil.rmtree(stage, ignore_errors=True)
-    for folder in ("bin", "tmp", "logs", "depot"):
+    for folder in ("tmp", "logs", "depot"):
         os.makedirs(os.path.join(stage, folder))
-    with open(os.path.join(stage, "gatebits.txt"), "w") as file:
-        file.write(BLOCK.format(stage=stage))
-    with open(os.path.join(stage, "script"), "w") as file:
-        file.write("".join(answer.format(stage=stage) + "\n" for answer in edit.answers))
-    program = os.path.join(stage, "bin", "clearprompt")
-    with open(program, "w") as file:
-        file.write(CLEARPROMPT.format(stage=stage))
-    os.chmod(program, 0o755)
+    stages.write(os.path.join(stage, "gatebits.txt"), BLOCK.format(stage=stage))
+    stages.write(os.path.join(stage, "script"),
+                 "".join(answer.format(stage=stage) + "\n" for answer in edit.answers))
+    stages.put_clearprompt(os.path.join(stage, "bin"))
     edit.furnish(stage)
 
 
@@ -539,9 +516,9 @@ def disturbances(calls, long):
             yield "%s:error=%s:when=%d" % (name, error, number), FAIL, line
 
 
-def disturbed(gatescope, name, edit, expected, stages, injection, kind, line):
+def disturbed(gatescope, name, edit, expected, free, injection, kind, line):
     """What is wrong after one disturbed run; None when nothing is."""
-    stage = stages.pop()
+    stage = free.pop()
     try:
         set_the_stage(stage, edit)
         old = edit.state(stage)
@@ -576,7 +553,7 @@ def disturbed(gatescope, name, edit, expected, stages, injection, kind, line):
                 name, injection, line, fault, run.status, run.said)
         return None
     finally:
-        stages.append(stage)
+        free.append(stage)
 
 
 def learn(gatescope, name, edit, stage, root):
@@ -614,16 +591,13 @@ def main():
         print("strace is not there, or may not trace")
         return SKIPPED
 
-    root = tempfile.mkdtemp(prefix="gatescope_calls_")
-    # For whoever else runs the program.
-    os.chmod(root, 0o777)
-    try:
-        stages = [os.path.join(root, "stage_%d" % i) for i in range(options.jobs)]
+    with stages.scratch_directory() as root:
+        free = [os.path.join(root, "stage_%d" % i) for i in range(options.jobs)]
         work = []
         for name, edit in EDITS.items():
             if options.only and name != options.only:
                 continue
-            calls, expected = learn(gatescope, name, edit, stages[0], root)
+            calls, expected = learn(gatescope, name, edit, free[0], root)
             ways = [(name, edit, expected) + way for way in disturbances(calls, edit.long)]
             print("%-15s %4d system calls, %4d ways to disturb them" % (name, len(calls), len(ways)))
             # Those wait for seconds each.
@@ -634,7 +608,7 @@ def main():
 
         def do(item):
             name, edit, expected, injection, kind, line = item
-            return disturbed(gatescope, name, edit, expected, stages, injection, kind, line)
+            return disturbed(gatescope, name, edit, expected, free, injection, kind, line)
 
         begin = time.time()
         with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
@@ -642,8 +616,6 @@ def main():
         print("%d runs in %d seconds, %d faults" % (len(work), time.time() - begin, len(faults)))
         print("\n".join(faults))
         return 1 if faults or not work else 0
-    finally:
-        shutil.rmtree(root, ignore_errors=True)
 
 
 if __name__ == "__main__":

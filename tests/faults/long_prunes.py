@@ -18,6 +18,7 @@ import sys
 import tempfile
 import time
 
+import stages
 from long_queries import WAIT, region_in
 
 LINE = re.compile(rb"\r(\d+) of 1099511 MB, \d+ s left *\r")
@@ -104,4 +105,5 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    with stages.scratch_directory():
+        main()

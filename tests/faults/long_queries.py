@@ -17,6 +17,8 @@ import sys
 import tempfile
 import time
 
+import stages
+
 GATEBITS = "gatewarden;;;east;\n;{region};O;\n;;\n;;\n; ;\n; ;\n;;;\nD;{bits};\n"
 ENDLESS = 1 << 40
 ENDING = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP, signal.SIGQUIT, signal.SIGPIPE)
@@ -101,4 +103,5 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    with stages.scratch_directory():
+        main()

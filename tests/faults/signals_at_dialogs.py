@@ -11,12 +11,13 @@ import concurrent.futures
 import os
 import pty
 import resource
-import shutil
 import signal
 import subprocess
 import sys
 import tempfile
 import time
+
+import stages
 
 GATEBITS = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
 
@@ -58,16 +59,11 @@ def is_alive(pid):
 
 class Stage:
     def __init__(self, dialog):
-        self.path = tempfile.mkdtemp(prefix="gatescope_signals_")
-        for folder in ("bin", "tmp"):
-            os.mkdir(os.path.join(self.path, folder))
-        with open(os.path.join(self.path, "gatebits.txt"), "w") as file:
-            file.write(GATEBITS)
-        program = os.path.join(self.path, "bin", "clearprompt")
-        with open(program, "w") as file:
-            file.write("#!/bin/sh\necho $$ > %s/up.new; mv %s/up.new %s/up\n%s\n" %
-                       (self.path, self.path, self.path, dialog))
-        os.chmod(program, 0o755)
+        self.path = tempfile.mkdtemp()
+        os.mkdir(self.path + "/tmp")
+        stages.write(self.path + "/gatebits.txt", GATEBITS)
+        stages.put_clearprompt(self.path + "/bin", "echo $$ > %s/up.new; mv %s/up.new %s/up\n%s\n" %
+                               (self.path, self.path, self.path, dialog))
         self.environment = {"PATH": self.path + "/bin:/usr/bin:/bin", "tmp": self.path + "/tmp",
                             "CLEARCASE_USER": "op"}
 
@@ -77,17 +73,14 @@ class Stage:
     def dialog(self):
         """Waits until the dialog is on the screen; its process."""
         wait_for(lambda: os.path.exists(self.path + "/up"), "the dialog")
-        with open(self.path + "/up") as file:
-            return int(file.read())
+        return int(stages.read(self.path + "/up"))
 
     def look(self, dialog, status, number):
         assert status == -number, "it ended with %d and not by signal %d" % (status, number)
         wait_for(lambda: not is_alive(dialog), "the end of the dialog")
         left = os.listdir(self.path + "/tmp")
         assert not left, "left behind: %s" % left
-        with open(self.path + "/gatebits.txt") as file:
-            assert file.read() == GATEBITS, "the policy file was changed"
-        shutil.rmtree(self.path)
+        assert stages.read(self.path + "/gatebits.txt") == GATEBITS, "the policy file was changed"
 
 
 def sent_to_the_program_alone(gatescope, number, dialog):
@@ -143,7 +136,6 @@ def ignored_from_the_start(gatescope):
     assert is_alive(shown), "the dialog is gone"
     os.kill(shown, signal.SIGTERM)
     assert program.wait(WAIT) == 110, program.returncode
-    shutil.rmtree(stage.path)
 
 
 def ends_of_children_ignored(gatescope):
@@ -152,7 +144,6 @@ def ends_of_children_ignored(gatescope):
     finished = subprocess.run(stage.command(gatescope), env=stage.environment, timeout=WAIT,
                               preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
     assert finished.returncode == 110, finished.returncode
-    shutil.rmtree(stage.path)
 
 
 def main():
@@ -173,4 +164,5 @@ def main():
 
 
 if __name__ == "__main__":
-    main()
+    with stages.scratch_directory():
+        main()
