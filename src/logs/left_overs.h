@@ -51,7 +51,7 @@ struct LeftOver {
     /// Where a log's old file could not be given a name, it is this run's only.
     bool has_name = true;
     /// Why some of it, or all, could not be added yet; in memory only.
-    std::string stays = "";
+    std::string stays = {};
 
     [[nodiscard]] std::string path() const;
 };

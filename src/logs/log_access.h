@@ -38,7 +38,7 @@ struct Place {
     /// Behind symbolic links, whether there is a file or not.
     std::string path;
     /// Why the file must not be used; empty when it may.
-    std::string reason = "";
+    std::string reason = {};
     off_t size = 0;
     uid_t owner = 0;
 };

@@ -16,7 +16,7 @@ struct Log {
     bool is_linked = false;
     std::vector<LeftOver> left_overs = {};
     /// Empty when it was, or need not be.
-    std::string why_not_rewritten = "";
+    std::string why_not_rewritten = {};
 };
 
 /// Rewrites a log without the words that are not kept. It is read up to the first that is not kept

@@ -16,6 +16,7 @@ std::string only_directory;
 Trouble trouble;
 int changes = 0;
 bool failed = false;
+bool failed_to_remove = false;
 
 enum class Change { MADE, FAILED, TORN };
 
@@ -23,7 +24,10 @@ enum class Change { MADE, FAILED, TORN };
 Change next_change() {
     if (only_directory.empty() || trouble.after < 0) return Change::MADE;
     const int number = changes++;
-    if (number < trouble.after || (failed && !trouble.for_good)) return Change::MADE;
+    if (number == trouble.after && trouble.meanwhile) trouble.meanwhile();
+    if (number < trouble.after || trouble.meanwhile || (failed && !trouble.for_good)) {
+        return Change::MADE;
+    }
     const bool begins = !failed;
     failed = true;
     errno = trouble.error;
@@ -40,6 +44,12 @@ bool may_change(const char* path) {
     return may_change();
 }
 
+bool may_remove(const char* path) {
+    if (may_change(path)) return true;
+    failed_to_remove = true;
+    return false;
+}
+
 }  // namespace
 
 ChangesOnlyIn::ChangesOnlyIn(const std::string& directory, const Trouble& of_the_run) {
@@ -47,6 +57,7 @@ ChangesOnlyIn::ChangesOnlyIn(const std::string& directory, const Trouble& of_the
     trouble = of_the_run;
     changes = 0;
     failed = false;
+    failed_to_remove = false;
 }
 
 ChangesOnlyIn::~ChangesOnlyIn() {
@@ -55,6 +66,10 @@ ChangesOnlyIn::~ChangesOnlyIn() {
 
 bool ChangesOnlyIn::has_failed() {
     return failed;
+}
+
+bool ChangesOnlyIn::has_failed_to_remove() {
+    return failed_to_remove;
 }
 
 // The linker sends every call of f to __wrap_f, and every call of __real_f to f.
@@ -134,7 +149,7 @@ int disk_futimens(int descriptor, const timespec times[2]) {
 }
 
 int disk_unlink(const char* path) {
-    return may_change(path) ? __real_unlink(path) : -1;
+    return may_remove(path) ? __real_unlink(path) : -1;
 }
 
 int disk_rename(const char* from, const char* to) {
@@ -146,5 +161,5 @@ int disk_mkostemp(char* path, int flags) {
 }
 
 int disk_remove(const char* path) {
-    return may_change(path) ? __real_remove(path) : -1;
+    return may_remove(path) ? __real_remove(path) : -1;
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <functional>
 #include <string>
 
 // The calls of the C library by which the program changes what is on the disk. They come here by
@@ -12,8 +13,10 @@
 
 /// What becomes of the program's changes.
 struct Trouble {
-    /// So many changes are made before it begins; none of all when it is negative.
+    /// So many changes are made before it begins; it never does when this is negative.
     int after = -1;
+    /// What somebody else does at that moment; then no change fails.
+    std::function<void()> meanwhile = {};
     /// Whether no change is made any more from then on, as if the process had been killed there, or
     /// else just one fails.
     bool for_good = true;
@@ -32,8 +35,9 @@ class ChangesOnlyIn {
     ChangesOnlyIn(const ChangesOnlyIn&) = delete;
     ChangesOnlyIn& operator=(const ChangesOnlyIn&) = delete;
 
-    /// Whether the trouble has begun.
+    /// Whether a change has failed, and whether one that was to remove a file has.
     [[nodiscard]] static bool has_failed();
+    [[nodiscard]] static bool has_failed_to_remove();
 };
 
 int disk_open(const char* path, int flags, mode_t mode);

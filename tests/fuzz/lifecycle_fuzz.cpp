@@ -116,13 +116,31 @@ void make_the_world(FuzzedDataProvider& data) {
     }
 }
 
-Trouble some_trouble(FuzzedDataProvider& data) {
+bool leads_to(const std::string& path, const std::string& file) {
+    std::error_code error;
+    return fs::equivalent(path, file, error) && !error;
+}
+
+/// In `before` goes what somebody else puts where the operator wants a file.
+Trouble some_trouble(FuzzedDataProvider& data, Snapshot* before) {
     constexpr int ERRORS[] = {EIO, ENOSPC, EACCES, EINVAL, EXDEV, EEXIST};
     Trouble trouble;
     trouble.after = data.ConsumeIntegralInRange(-1, 60);
     trouble.for_good = data.ConsumeBool();
     trouble.tears = data.ConsumeBool();
     trouble.error = trouble.for_good || trouble.tears ? EIO : data.PickValueInArray(ERRORS);
+    if (data.ConsumeIntegralInRange(0, 3) != 3) return trouble;
+    trouble.meanwhile = [before] {
+        std::error_code error;
+        const bool is_free = !chosen.empty() && fs::symlink_status(chosen.back(), error).type() ==
+                                                    fs::file_type::not_found;
+        if (!is_free) return;
+        std::ofstream(chosen.back()) << "theirs\n";
+        // However its path is written.
+        for (const auto& [path, description] : everything()) {
+            if (leads_to(chosen.back(), path)) before->emplace(path, description);
+        }
+    };
     return trouble;
 }
 
@@ -135,11 +153,6 @@ std::optional<RegionSettings> loaded(const std::string& path) {
     return status == -1 ? std::optional(region) : std::nullopt;
 }
 
-bool leads_to(const std::string& path, const std::string& file) {
-    std::error_code error;
-    return fs::equivalent(path, file, error) && !error;
-}
-
 /// An action, what there was before, and what came of it.
 struct Act {
     int number;
@@ -147,11 +160,12 @@ struct Act {
     Snapshot before;
     std::string used_before;
     int status = -1;
-    bool failed = false;
+    /// How many temporary files may stay.
+    std::size_t temporary = 0;
 };
 
 /// The file that was made; empty when there is none. Whatever else there was is as it was.
-std::string new_file(const Act& act, const Trouble& trouble) {
+std::string new_file(const Act& act) {
     const Snapshot now = everything();
     for (const auto& [path, description] : act.before) {
         // What a run that was killed has left is anybody's.
@@ -160,7 +174,7 @@ std::string new_file(const Act& act, const Trouble& trouble) {
         must(found != now.end() && found->second == description, "files stay as they are");
     }
     std::string made;
-    int temporary = 0;
+    std::size_t temporary = 0;
     for (const auto& [path, description] : now) {
         if (act.before.contains(path)) continue;
         if (is_temporary(path)) {
@@ -170,9 +184,7 @@ std::string new_file(const Act& act, const Trouble& trouble) {
         must(made.empty() && act.number != SWITCH, "one file is made, where one is to be made");
         made = path;
     }
-    // Removing one may have been what failed.
-    must(temporary <= (act.failed ? 1 : 0) || (act.failed && trouble.for_good),
-         "no temporary file stays");
+    must(temporary <= act.temporary, "no temporary file stays");
     return made;
 }
 
@@ -257,8 +269,9 @@ void act_and_check(FuzzedDataProvider& data, const Options& options, std::string
     if (!settings) return;
     RegionInUse region;
     region.settings = *settings;
-    const Trouble trouble = data.ConsumeBool() ? some_trouble(data) : Trouble();
-    Act act = {data.PickValueInArray(ACTIONS), settings->tools, everything(), *file_in_use};
+    Act act = {0, settings->tools, everything(), *file_in_use};
+    const Trouble trouble = data.ConsumeBool() ? some_trouble(data, &act.before) : Trouble();
+    act.number = data.PickValueInArray(ACTIONS);
     chosen.clear();
     last_command.clear();
     {
@@ -267,9 +280,11 @@ void act_and_check(FuzzedDataProvider& data, const Options& options, std::string
             region.GATEWARDEN_IS = read_edition(*file_in_use);
             request_numbered(RequestKind::ACTION, act.number)->execute(options, region);
         });
-        act.failed = ChangesOnlyIn::has_failed();
+        const bool as_if_killed = ChangesOnlyIn::has_failed() && trouble.for_good;
+        act.temporary =
+            as_if_killed ? everything().size() : (ChangesOnlyIn::has_failed_to_remove() ? 1U : 0U);
     }
-    const std::string file = new_file(act, trouble);
+    const std::string file = new_file(act);
     if (!file.empty()) check_new_file(act, file);
     if (act.status == -1) check_what_was_told(act, region.settings);
     *file_in_use = region.settings.ENTERPRIZE_PERMISSION_FILE;

@@ -83,6 +83,7 @@ class PrunedRegion {
     /// The real paths of the logs and companions that can be used.
     std::set<std::string> rewritten_;
     std::map<std::string, std::string> left_overs_;
+    Words left_over_words_;
     Snapshot untouched_;
     int writers_ = 0;
 };

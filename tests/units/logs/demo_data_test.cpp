@@ -1,8 +1,5 @@
 #include "logs/demo_data.h"
 
-#include <signal.h>
-#include <sys/resource.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -12,6 +9,7 @@
 
 #include "log_region.h"
 #include "support/expect_gripe.h"
+#include "support/limit_file_size.h"
 
 namespace {
 
@@ -261,22 +259,13 @@ TEST_F(DemoData, ASecondRunAppends) {
 
 TEST_F(DemoData, ALogThatCannotBeOpenedIsAFault) {
     logging_dir += "/missing";
-    EXPECT_EXIT(
-        {
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            data_gen(logging_dir);
-        },
-        testing::ExitedWithCode(99),
-        ": No such file or directory\ncould not make needed logging_file\n$");
+    EXPECT_GRIPE(data_gen(logging_dir), "could not make needed logging_file");
 }
 
 TEST_F(DemoData, AFullDiskIsAFault) {
     EXPECT_EXIT(
         {
-            rlimit small;
-            small.rlim_cur = small.rlim_max = 1 << 18;
-            signal(SIGXFSZ, SIG_IGN);
-            setrlimit(RLIMIT_FSIZE, &small);
+            limit_file_size(1 << 18);
             dup2(STDERR_FILENO, STDOUT_FILENO);
             data_gen(logging_dir);
         },

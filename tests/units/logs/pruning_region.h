@@ -1,7 +1,6 @@
 #pragma once
 
 #include <fcntl.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +9,8 @@
 #include <thread>
 
 #include "logs/pruning.h"
+#include "support/expect_gripe.h"
+#include "support/limit_file_size.h"
 #include "units/logs/log_region.h"
 
 namespace fs = std::filesystem;
@@ -51,11 +52,6 @@ class Pruning : public LogRegion {
     }
     using Files = std::map<std::string, std::string>;
 
-    static void limit_file_sizes() {
-        const rlimit limit = {4096, 4096};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-
     static mode_t mode_of(const std::string& path) {
         struct stat status;
         return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
@@ -91,12 +87,6 @@ class Pruning : public LogRegion {
     /// What is said of a log that is left alone, before the result.
     static std::string left_alone(const std::string& path, const std::string& reason) {
         return "The log file (" + path + ") was left as it is: " + reason + ".\n";
-    }
-
-    /// Ends the program, as an error does; for EXPECT_EXIT, which looks at standard error.
-    static void prune_and_say_so() {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
-        prune();
     }
 };
 

@@ -270,13 +270,8 @@ TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
 
 TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
     use_gatebits("x;" + std::string(GATEBITS_FILE_LIMIT - 2, 'y') + "\n");
-    EXPECT_EXIT(
-        {
-            ZUL_PREFER_GUI = 0;
-            dup2(STDERR_FILENO, STDOUT_FILENO);
-            line(1);
-        },
-        testing::ExitedWithCode(99), "ERROR:.*30000");
+    EXPECT_GRIPE(line(1), "ERROR: The enterprise permissions file (" + gatebits_file +
+                              ") is larger than the limit of 30000 bytes.");
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
@@ -293,25 +288,25 @@ TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
 TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
     for (const char* empty : {"", "\n\n\n"}) {
         use_gatebits(empty);
-        EXPECT_EXIT(
-            {
-                ZUL_PREFER_GUI = 0;
-                dup2(STDERR_FILENO, STDOUT_FILENO);
-                line(1);
-            },
-            testing::ExitedWithCode(99), "ERROR:.*empty");
+        EXPECT_GRIPE(line(1),
+                     "ERROR: The enterprise permissions file (" + gatebits_file + ") is empty.");
     }
 }
 
 TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
     const std::string text = DEPOT_BLOCK + "key;\n";
     use_gatebits(text);
-    EXPECT_EXIT(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
-                testing::ExitedWithCode(99), "");
-    EXPECT_EXIT(set_a_line(gatebits_file, 9, "two\nlines"), testing::ExitedWithCode(99), "");
-    EXPECT_EXIT(set_a_field(gatebits_file, {2, 2, "two\nlines"}), testing::ExitedWithCode(99), "");
+    const std::string too_long = std::to_string(DEPOT_BLOCK.size() + GATEBITS_FILE_LIMIT + 1);
+    EXPECT_GRIPE(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
+                 "ERROR: The change would make the enterprise permissions file (" + gatebits_file +
+                     ") " + too_long + " bytes long, but at most 30000 bytes can be read.  " +
+                     "The change was not made in (" + gatebits_file + ").");
+    const std::string line_break =
+        "ERROR: The value entered for the enterprise permissions file (" + gatebits_file +
+        ") holds a line break.  The change was not made.";
+    EXPECT_GRIPE(set_a_line(gatebits_file, 9, "two\nlines"), line_break);
+    EXPECT_GRIPE(set_a_field(gatebits_file, {2, 2, "two\nlines"}), line_break);
     EXPECT_EQ(region.gatebits(), text);
-    region.shown_so_far();
 }
 
 TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {

@@ -3,16 +3,15 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <thread>
 
 #include "base/descriptor.h"
 #include "base/run_identity.h"
 #include "support/expect_gripe.h"
+#include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -95,9 +94,7 @@ TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
 
 TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
     const auto create_with_little_room = [this] {
-        std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit = {4096, 4096};
-        setrlimit(RLIMIT_FSIZE, &limit);
+        limit_file_size(4096);
         create_gatebits_file(path("new.txt"), std::string(4097, 'x'));
     };
     EXPECT_GRIPE(create_with_little_room(), "ERROR: Could not write the new gatebits file (" +

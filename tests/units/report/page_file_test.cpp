@@ -17,12 +17,13 @@
 #include "base/descriptor.h"
 #include "dialog/messages.h"
 #include "faults/small_disk.h"
+#include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
 namespace fs = std::filesystem;
+using testing::Eq;
 using testing::ExitedWithCode;
-using testing::HasSubstr;
 
 namespace {
 
@@ -33,16 +34,18 @@ class PageFile : public testing::Test {
 
     std::string page() const { return directory.path("page.html"); }
 
-    /// For death tests: ends as the program ends when the page cannot be appended. Nobody waits for
-    /// more than a moment.
-    void append_aloud(const std::string& text) const {
-        dup2(STDERR_FILENO, STDOUT_FILENO);
+    /// For death tests: nobody waits for more than a moment.
+    void append_soon(const std::string& text) const {
         alarm(10);
         append_page(page(), text, std::chrono::milliseconds(50));
     }
     void expect_refused() const {
-        EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
-                    HasSubstr("Could not create/open results file (" + page() + ")\n"));
+        EXPECT_GRIPE(append_soon("page"), "Could not create/open results file (" + page() + ")\n");
+    }
+    /// The message for a page that could not be written.
+    std::string unwritten(const std::string& reason, const std::string& state) const {
+        return "ERROR: The results file (" + page() + ") could not be written (" + reason + ").  " +
+               state + "\n";
     }
 
     ScratchDirectory directory;
@@ -111,32 +114,35 @@ TEST_F(PageFile, OtherThanRegularFilesAreRefused) {
 
 TEST_F(PageFile, TheReasonGoesToStandardError) {
     fs::create_directory(page());
-    EXPECT_EXIT(append_aloud("page"), ExitedWithCode(99),
-                HasSubstr("gatescope: " + page() + ": Is a directory\n"));
+    EXPECT_EXIT(
+        {
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            append_soon("page");
+        },
+        ExitedWithCode(99),
+        Eq("gatescope: " + page() + ": Is a directory\nCould not create/open results file (" +
+           page() + ")\n\n"));
 }
 
 TEST_F(PageFile, WhatDoesNotFitIsTakenBack) {
     const std::string before(4000, 'b');
     append_page(page(), before);
-    EXPECT_EXIT(
+    EXPECT_GRIPE(
         {
             limit_file_size(6000);
-            append_aloud(std::string(100000, 'x'));
+            append_soon(std::string(100000, 'x'));
         },
-        ExitedWithCode(99),
-        HasSubstr(
-            "ERROR: The results file (" + page() +
-            ") could not be written (File too large).  It is as it was before this query.\n"));
+        unwritten("File too large", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
 TEST_F(PageFile, ANewPageThatDoesNotFitIsGone) {
-    EXPECT_EXIT(
+    EXPECT_GRIPE(
         {
             limit_file_size(6000);
-            append_aloud(std::string(100000, 'x'));
+            append_soon(std::string(100000, 'x'));
         },
-        ExitedWithCode(99), HasSubstr("(File too large)"));
+        unwritten("File too large", "It is as it was before this query."));
     EXPECT_FALSE(fs::exists(page()));
 }
 
@@ -145,8 +151,8 @@ TEST_F(PageFile, OnAFullDiskNoHalfPageStays) {
     if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
     const std::string before(4096, 'b');
     append_page(page(), before);
-    EXPECT_EXIT(append_aloud(std::string(100000, 'x')), ExitedWithCode(99),
-                HasSubstr("(No space left on device)"));
+    EXPECT_GRIPE(append_soon(std::string(100000, 'x')),
+                 unwritten("No space left on device", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
@@ -165,10 +171,8 @@ TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
     directory.write("page.html", "before");
     const Descriptor keeper(open(page().c_str(), O_RDWR));
     ASSERT_EQ(flock(keeper.get(), LOCK_EX), 0);
-    EXPECT_EXIT(
-        append_aloud("page"), ExitedWithCode(99),
-        HasSubstr(") could not be written (Another process keeps its lock).  It is as it was "
-                  "before this query.\n"));
+    EXPECT_GRIPE(append_soon("page"),
+                 unwritten("Another process keeps its lock", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), "before");
 }
 
