@@ -15,7 +15,7 @@ namespace {
 std::string only_directory;
 Trouble trouble;
 int changes = 0;
-bool failed = false;
+bool has_begun = false;
 bool failed_to_remove = false;
 
 enum class Change { MADE, FAILED, TORN };
@@ -25,11 +25,11 @@ Change next_change() {
     if (only_directory.empty() || trouble.after < 0) return Change::MADE;
     const int number = changes++;
     if (number == trouble.after && trouble.meanwhile) trouble.meanwhile();
-    if (number < trouble.after || trouble.meanwhile || (failed && !trouble.for_good)) {
+    if (number < trouble.after || trouble.meanwhile || (has_begun && !trouble.for_good)) {
         return Change::MADE;
     }
-    const bool begins = !failed;
-    failed = true;
+    const bool begins = !has_begun;
+    has_begun = true;
     errno = trouble.error;
     return begins && trouble.tears ? Change::TORN : Change::FAILED;
 }
@@ -56,7 +56,7 @@ ChangesOnlyIn::ChangesOnlyIn(const std::string& directory, const Trouble& of_the
     only_directory = directory + "/";
     trouble = of_the_run;
     changes = 0;
-    failed = false;
+    has_begun = false;
     failed_to_remove = false;
 }
 
@@ -65,7 +65,7 @@ ChangesOnlyIn::~ChangesOnlyIn() {
 }
 
 bool ChangesOnlyIn::has_failed() {
-    return failed;
+    return has_begun;
 }
 
 bool ChangesOnlyIn::has_failed_to_remove() {
