@@ -6,21 +6,13 @@
 
 namespace {
 
-// g++ says by the one that it builds for the sanitizer, clang by the other.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool LIMITS_WORK = false;
-#elif defined(__has_feature)
-constexpr bool LIMITS_WORK = !__has_feature(address_sanitizer);
-#else
-constexpr bool LIMITS_WORK = true;
-#endif
-
 const std::string NO_MEMORY = "ERROR:  Unable to malloc needed memory.";
 
 class OutOfMemory : public testing::Test {
   protected:
     void SetUp() override {
-        if (!LIMITS_WORK) GTEST_SKIP() << "the sanitizer needs more memory than a limit leaves";
+        if (PROGRAM_HAS_SANITIZERS)
+            GTEST_SKIP() << "the sanitizer needs more memory than a limit leaves";
     }
     /// The operator's answer is larger than what a process may have.
     static void answer_with_a_gigabyte(Region& east) {
