@@ -40,11 +40,11 @@ Descriptor open_log(const std::string& path, std::string* reason) {
     struct stat status;
     if (!log || fstat(log.get(), &status) != 0) {
         if (errno != ENOENT && errno != ENOTDIR) *reason = std::strerror(errno);
-        return Descriptor();
+        return {};
     }
     if (S_ISREG(status.st_mode)) return log;
     *reason = NOT_A_REGULAR_FILE;
-    return Descriptor();
+    return {};
 }
 
 LogReader::LogReader()

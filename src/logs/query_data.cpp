@@ -23,6 +23,7 @@ std::string day_label(const QueryPeriod& period, int cell) {
 
 std::vector<std::string> log_paths(const std::string& logging_dir) {
     std::vector<std::string> paths;
+    paths.reserve(NUMBER_OF_LOG_FILES);
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
         paths.push_back(log_file_path(logging_dir, number));
     }

@@ -17,6 +17,7 @@ CHROMEDRIVER = shutil.which("chromedriver")
 FLAGS = [
     "--headless",
     "--no-sandbox",
+    "--disable-dev-shm-usage",
     "--disable-gpu",
     "--disable-quic",
     "--no-first-run",

@@ -3,6 +3,7 @@
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 start_terminal 100 40
+needs pgrep
 make_region
 cat >run <<END
 source "$source_directory/scripts/lib/interactive.sh"
