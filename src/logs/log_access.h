@@ -35,7 +35,7 @@ FileId id_of(const Descriptor& file);
 
 /// The file that is meant by a name in the logging directory.
 struct Place {
-    /// Behind symbolic links, whether there is a file or not.
+    /// With all symbolic links followed, whether there is a file or not.
     std::string path;
     /// Why the file must not be used; empty when it may.
     std::string reason = {};
@@ -67,7 +67,7 @@ void read_pieces(const Descriptor& file, const std::string& path, off_t from, of
     reader.start(file.get(), from);
     bool goes_on = true;
     for (std::string_view piece; goes_on && from < to && reader.next(&piece);) {
-        // What was appended behind `to` meanwhile is not looked at here.
+        // What was appended after `to` meanwhile is not looked at here.
         piece = piece.substr(0, static_cast<std::size_t>(to - from));
         from += static_cast<off_t>(piece.size());
         goes_on = take(piece);

@@ -127,8 +127,8 @@ void LogReader::find_end() {
     }
     if (place_ >= to_) {
         // The last word of the range is the one that its last byte belongs to.
-        const off_t behind_last = place_ - (to_ - 1);
-        const char* const last = end - std::min<off_t>(behind_last, end - begin);
+        const off_t after_last = place_ - (to_ - 1);
+        const char* const last = end - std::min<off_t>(after_last, end - begin);
         const char* const stop = std::find_if(last, end, is_white);
         if (stop != end) {
             finished_ = true;

@@ -53,8 +53,6 @@ class LogReader {
     /// file cuts short is handed out as it stands. False at the end, and when the file cannot be
     /// read on: then error() says why.
     bool next(std::string_view* piece);
-    /// Whether the last piece went up to the end of the file, as it was when it was read.
-    bool at_end() const { return at_end_; }
     /// 0, or the errno of the read that failed.
     int error() const { return error_; }
 

@@ -161,21 +161,6 @@ TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceAcrossReadsToo) {
     }
 }
 
-TEST_F(LogReaderOnFiles, TheEndIsKnownWithThePieceThatReachesIt) {
-    write_log(0, std::string(300, 'x') + " " + std::string(200'000, 'y'));
-    const Descriptor log = opened(log_file_path(0));
-    LogReader reader;
-    reader.start(log.get());
-    std::string_view piece;
-    ASSERT_TRUE(reader.next(&piece));
-    EXPECT_FALSE(reader.at_end());
-    while (!reader.at_end() && reader.next(&piece)) {
-    }
-    EXPECT_EQ(piece.back(), 'y');
-    // Only what was read when the end was seen.
-    EXPECT_FALSE(reader.next(&piece));
-}
-
 TEST_F(LogReaderOnFiles, AnEmptyFileHasNoPieces) {
     write_log(0, "");
     EXPECT_EQ(words_read(log_file_path(0)), Words{});

@@ -72,7 +72,7 @@ TEST_F(Pruning, LogsBecomeWritableForAll) {
     EXPECT_EQ(mode_of(log_file_path(1)), mode_t{0666});
 }
 
-TEST_F(Pruning, CompanionsAreMergedBehindTheirLogs) {
+TEST_F(Pruning, CompanionsAreMergedAfterTheirLogs) {
     write_log(0, fresh(1) + old(1));
     write_file(pruning_companion_path(0), old(2) + fresh(3) + " " + fresh(4));
     write_log(1, fresh(5));
