@@ -110,19 +110,18 @@ Guarded A_X(const Options& options, RegionInUse& region, int n) {
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
+    const std::string& gatebits_file = region.settings.ENTERPRIZE_PERMISSION_FILE;
     LastAnswer last_answer;
     for (int times_unchanged = 0;; before = look_before(&region.settings)) {
-        const std::string bytes = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE);
+        const std::string bytes = read_gatebits_bytes(gatebits_file);
         // A run that shows no dialog keeps the answer of the one before.
-        if (const LastAnswer answer = request->handler(options, region, *request).last_answer)
-            last_answer = answer;
+        const LastAnswer answer = request->handler(options, region, *request).last_answer;
+        if (answer) last_answer = answer;
         // Entering another value would not help.
         if (last_answer.changed_meanwhile) return {false, last_answer};
-        times_unchanged = read_gatebits_bytes(region.settings.ENTERPRIZE_PERMISSION_FILE) != bytes
-                              ? 0
-                              : times_unchanged + 1;
+        times_unchanged = read_gatebits_bytes(gatebits_file) != bytes ? 0 : times_unchanged + 1;
         if (const FieldEditor* field = path_field(n)) {
-            return {path_holds(region.settings.ENTERPRIZE_PERMISSION_FILE, *field), last_answer};
+            return {path_holds(gatebits_file, *field), last_answer};
         }
 
         const auto after =

@@ -16,7 +16,7 @@ namespace {
 // How the rows hand on what each handler takes.
 
 template <auto query>
-Finished ask(const Options& options, RegionInUse& region, const Request&) {
+Finished run_query(const Options& options, RegionInUse& region, const Request&) {
     const RegionSettings& settings = region.settings;
     query(options, {region.GATEWARDEN_IS,
                     settings.logging_dir,
@@ -81,12 +81,12 @@ constexpr auto APART = Shown::AFTER_SEPARATOR;
 constexpr auto INSTALLER = Shown::TO_INSTALLER_ONLY;
 
 constexpr std::array<Request, 34> REQUESTS = {{
-    {QUERY, 1, Q1, nullptr, ask<Q_1>, false, false, YES, NO},
-    {QUERY, 2, Q2, nullptr, ask<Q_2>, false, false, YES, NO},
-    {QUERY, 3, Q3, Q3_L, ask<Q_3>, false, false, YES, NO},
-    {QUERY, 4, Q4, nullptr, ask<Q_4>, false, false, YES, NO},
-    {QUERY, 5, Q5, Q5_L, ask<Q_5>, false, false, YES, NO},
-    {QUERY, 6, Q6, nullptr, ask<Q_6>, false, false, YES, NO},
+    {QUERY, 1, Q1, nullptr, run_query<Q_1>, false, false, YES, NO},
+    {QUERY, 2, Q2, nullptr, run_query<Q_2>, false, false, YES, NO},
+    {QUERY, 3, Q3, Q3_L, run_query<Q_3>, false, false, YES, NO},
+    {QUERY, 4, Q4, nullptr, run_query<Q_4>, false, false, YES, NO},
+    {QUERY, 5, Q5, Q5_L, run_query<Q_5>, false, false, YES, NO},
+    {QUERY, 6, Q6, nullptr, run_query<Q_6>, false, false, YES, NO},
     {ACTION, 1, A1, nullptr, prune, false, false, APART, NO},
     {ACTION, 2, A2, nullptr, submenu, false, true, APART, NO},
     {ACTION, 4, A4, nullptr, field, true, true, NO, YES},
