@@ -119,16 +119,25 @@ void must_be_pruned(const PrunedRegion& region, int torn) {
     region.check(torn);
 }
 
-/// Prunes a region up to some trouble, after which writers go on.
-/// Whether it left a part of a record.
-bool prune_in_trouble(FuzzedDataProvider& data, int days, PrunedRegion* region) {
-    const Trouble trouble = some_trouble(data);
-    prune(*region, days, trouble);
+/// Prunes a region up to some trouble, or while a log writer comes by, and lets log writers go on
+/// then. `*torn` counts the parts of records that it may have left.
+void prune_in_trouble(FuzzedDataProvider& data, int days, PrunedRegion* region, int* torn) {
+    Trouble trouble = some_trouble(data);
+    if (data.ConsumeIntegralInRange(0, 3) == 3) {
+        const int number = data.PickValueInArray(NUMBERS);
+        const bool is_kept = data.ConsumeBool();
+        trouble.meanwhile = [=] { region->write_record(number, is_kept); };
+    }
+    const int status = prune(*region, days, trouble);
+    if (trouble.meanwhile) {
+        if (status == -1) must_be_pruned(*region, *torn);
+    } else if (trouble.tears) {
+        ++*torn;
+    }
     for (int records = data.ConsumeIntegralInRange(0, 2); records > 0; --records) {
         const int number = data.PickValueInArray(NUMBERS);
         region->write_record(number, data.ConsumeBool());
     }
-    return trouble.tears;
 }
 
 /// What was there before anything was opened, for looking at what stays open.
@@ -156,7 +165,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
     int torn = 0;
     const int troubles = data.ConsumeIntegralInRange(0, 2);
-    for (int i = 0; i < troubles; ++i) torn += prune_in_trouble(data, days, &region) ? 1 : 0;
+    for (int i = 0; i < troubles; ++i) prune_in_trouble(data, days, &region, &torn);
     int status = prune(region, days);
     bool is_first = troubles == 0;
     if (status != -1 && region.remove_obstacles()) {
