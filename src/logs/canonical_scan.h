@@ -132,9 +132,9 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     const std::size_t shape = 2 * (static_cast<std::size_t>(end - bracket) - SHORTEST_TAIL) - wide;
     if (shape >= TAILS.size()) [[unlikely]]
         return false;
-    const unsigned good_bytes =
-        LANES::in_range_bits(CANONICAL_HEAD, at) & LANES::in_range_bits(TAILS[shape], end - 16);
-    if (good_bytes != ALL_SIXTEEN || !is_white(*end)) [[unlikely]]
+    const unsigned good_bytes = static_cast<unsigned>(LANES::are_in(CANONICAL_HEAD, at)) &
+                                static_cast<unsigned>(LANES::are_in(TAILS[shape], end - 16));
+    if (good_bytes == 0 || !is_white(*end)) [[unlikely]]
         return false;
 
     const char* const angle = end - 3 - wide;

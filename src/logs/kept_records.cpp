@@ -23,8 +23,7 @@ enum Fate { KEPT, DROPPED, NOT_PLAIN };
 template <class LANES>
 ALWAYS_INLINE bool is_plain(const char* at, const char* end) {
     const auto length = static_cast<std::size_t>(end - at);
-    return length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE &&
-           LANES::in_range_bits(CANONICAL_HEAD, at) == ALL_SIXTEEN;
+    return length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE && LANES::are_in(CANONICAL_HEAD, at);
 }
 
 /// What becomes of it.

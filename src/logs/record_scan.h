@@ -68,9 +68,6 @@ constexpr Ranges ranges_of(std::string_view pattern) {
 /// The head of a record, and three bytes more.
 inline constexpr Ranges CANONICAL_HEAD = ranges_of("0000000000:*:***");
 
-/// in_range_bits, when each byte is in its range.
-inline constexpr unsigned ALL_SIXTEEN = 0xFFFF;
-
 /// What is asked of many bytes at once, here one byte after the other. The other kinds of
 /// lanes answer the same.
 struct ByteLanes {
@@ -84,13 +81,11 @@ struct ByteLanes {
         return all;
     }
 
-    /// One bit for each of 16 bytes that is in its range.
-    ALWAYS_INLINE static unsigned in_range_bits(const Ranges& ranges, const char* at) {
-        unsigned all = 0;
+    /// Whether each of 16 bytes is in its range.
+    ALWAYS_INLINE static bool are_in(const Ranges& ranges, const char* at) {
+        bool all = true;
         for (unsigned i = 0; i < 16; ++i) {
-            const auto above = static_cast<std::uint8_t>(at[i] - ranges.lowest[i]);
-            const unsigned is_in = above <= ranges.span[i];
-            all |= is_in << i;
+            all &= static_cast<std::uint8_t>(at[i] - ranges.lowest[i]) <= ranges.span[i];
         }
         return all;
     }
@@ -163,9 +158,10 @@ struct VectorLanes : ByteLanes {
         return all;
     }
 
-    ALWAYS_INLINE static unsigned in_range_bits(const Ranges& ranges, const char* at) {
+    ALWAYS_INLINE static bool are_in(const Ranges& ranges, const char* at) {
         const __m128i above = _mm_sub_epi8(sixteen(at), sixteen(ranges.lowest.data()));
-        return bits(_mm_cmpeq_epi8(_mm_min_epu8(above, sixteen(ranges.span.data())), above));
+        const __m128i lower = _mm_min_epu8(above, sixteen(ranges.span.data()));
+        return bits(_mm_cmpeq_epi8(lower, above)) == 0xFFFF;
     }
 
     ALWAYS_INLINE static std::int64_t time(const char* at) {
