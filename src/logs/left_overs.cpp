@@ -24,7 +24,7 @@ constexpr char LEFT_OVER_NUMBERS[] = ".to_add_%lld_%llu_%llu_%lld";
 
 constexpr char WHITE_SPACE[] = " \t\n\v\f\r";
 
-/// The left-over of that path; nothing when its name was not given here.
+/// The left-over that the path names; nothing when no pruning gives a file such a name.
 std::optional<LeftOver> named(const std::string& path) {
     const std::size_t mark = path.rfind(LEFT_OVER_MARK);
     if (mark == std::string::npos) return std::nullopt;
@@ -40,7 +40,7 @@ std::optional<LeftOver> named(const std::string& path) {
     return left_over;
 }
 
-/// All of a directory. 0, or the errno for which they are not known.
+/// Finds all left-overs of a directory. 0, or the errno when it cannot be listed.
 int list(const std::string& directory, std::vector<LeftOver>* found) {
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
     const dirent* entry = nullptr;
@@ -60,7 +60,7 @@ void sync_names(const std::string& path) {
     stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
 }
 
-/// Gives it the name that says the new numbers, for good.
+/// Renames a left-over so that its name holds the new numbers, and syncs the directory.
 void renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
     const std::string path = left_over->path();
     left_over->from = from;
@@ -83,7 +83,7 @@ void for_each_word(std::string_view words, const Take& take) {
     for (auto word = next_word(&at, end); !word.empty(); word = next_word(&at, end)) take(word);
 }
 
-/// The lines that do not stand in the log already; each takes one word of those that do.
+/// The lines that do not stand in the log yet. Each of the others uses up one of the `standing`.
 std::string missing_lines(std::string_view lines, Words* standing) {
     std::string missing;
     for_each_word(lines, [&](std::string_view word) {
@@ -111,7 +111,7 @@ Words words_after(off_t from, const std::string& path, const Descriptor& log, Wo
 Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Descriptor& log,
                         off_t size, Moment deadline) {
     const Settled settled = settle(log, deadline);
-    // Should the log have become shorter meanwhile, nobody's record stands before that place.
+    // If the log has become shorter meanwhile, there is no byte to read, and no unfinished record.
     char last = '\n';
     must(settled.size == 0 || pread(log.get(), &last, 1, settled.size - 1) != -1, "read", path);
     if (settled.is_written && !is_white(last)) {
@@ -162,7 +162,7 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
     int error = 0;
     std::string missing;
     const auto add = [&](std::string_view words) {
-        // Who keeps it open may be in the middle of the last record.
+        // A writer that keeps the file open may be in the middle of the last record.
         const std::size_t whole =
             to.is_written ? words.find_last_of(WHITE_SPACE) + 1 : words.size();
         std::string_view lines = work->records.of(words.substr(0, whole));

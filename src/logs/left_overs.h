@@ -28,8 +28,9 @@
 //     a companion just taken              F is 0, and I the left-over's own inode, so all are
 //                                         added.
 //     a log's old file                    F is what its new text was made of, I its own inode.
-//                                         Who had opened the log before may have written after F.
-//     an old file that is the log still   It gets this name first.  That goes.
+//                                         A writer that had the log open may have written after F.
+//     an old file that is the log still   It got this name, but no new text took its place.  The
+//                                         name is removed.
 //     any, while it is being added        I is the log, S its size when that began.
 //     any, if somebody keeps it open      F is what has been added, I its own inode.
 //
@@ -56,25 +57,26 @@ struct LeftOver {
     [[nodiscard]] std::string path() const;
 };
 
-/// One that nothing of the open file has been added of.
+/// The left-over of an open file of which nothing has been added yet.
 LeftOver new_left_over(const std::string& source, Descriptor file);
 
 /// Directories that have been listed, each with the left-overs there, or the errno for which they
 /// are not known.
 using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, int>>;
 
-/// Moves those of the file in that place to `found`, and lists its directory if that has not been
-/// done; one that cannot be listed is a reason to leave the file alone.
+/// Moves the left-overs of the file at `source` to `found`, and lists its directory if that has not
+/// been done. When the directory cannot be listed, `source->reason` says why.
 void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found);
 
 using Words = std::unordered_multiset<std::string>;
 
-/// Appends the kept words that stand in a left-over between its byte `from` and byte `to.size`, but
-/// for those that are `standing` there already, to the open file at `path`, and brings that to the
-/// disk. The byte up to which it was done: what somebody may be in the middle of is left out.
+/// Appends to the open file at `path` the kept words of a left-over from its byte `from` to byte
+/// `to.size`, except for those that are `standing` there already, and brings the file to the disk.
+/// Returns the byte up to which that was done: as long as a writer has the left-over open, its last
+/// word, which may be unfinished, is left out. Stops the pruning when it fails.
 off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
                 Descriptor out, Work* work, Words standing = {});
 
 /// Adds the kept records of a left-over to the log at `path`, which is open and locked, and removes
-/// the left-over, unless it says afterwards why it stays.
+/// the left-over. If it cannot be removed yet, `left_over->stays` says why.
 void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log, Work* work);

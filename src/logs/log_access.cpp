@@ -48,7 +48,7 @@ FileId id_of(const Descriptor& file) {
     return id_of(status_of(file));
 }
 
-Place behind_links(const std::string& path, int most_links) {
+Place follow_links(const std::string& path, int most_links) {
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) {
         const bool is_missing = errno == ENOENT || errno == ENOTDIR;
@@ -58,7 +58,7 @@ Place behind_links(const std::string& path, int most_links) {
     if (most_links == 0) return {path, std::strerror(ELOOP)};
     const std::string target = target_of(path);
     if (target.empty()) return {path, std::strerror(errno)};
-    Place place = behind_links(target, most_links - 1);
+    Place place = follow_links(target, most_links - 1);
     const uid_t owner = status.st_uid;
     if (place.reason.empty() && owner != 0 && owner != geteuid() && owner != place.owner) {
         place.reason = LINK_OF_SOMEBODY_ELSE;
@@ -70,9 +70,9 @@ Descriptor open_locked(const std::string& path, Moment deadline, std::string* re
     while (true) {
         Descriptor log = open_log(path, reason);
         if (!log) return log;
-        // File systems without locks are trusted to have but one administrator.
+        // Where a file system has no locks, only one administrator is expected to prune.
         const bool locked = flock(log.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
-        // Who had it locked may have put another file in its place.
+        // The process that had it locked may have put another file in its place.
         if (locked && is_name_of(path, log.get())) return log;
         if (std::chrono::steady_clock::now() >= deadline) break;
         std::this_thread::sleep_for(PAUSE);

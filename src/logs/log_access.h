@@ -23,13 +23,13 @@ struct Work {
     Moment deadline;
 };
 
-/// If `error` is an errno, and not 0, ends the program through gripe: it could not `step` the file.
-/// The token stays, and the message says what that means.
+/// Ends the program through gripe unless `error`, an errno, is 0: the pruning could not `step` the
+/// file at `path`. The token stays, and the message says what that means.
 void stop_on(int error, const char* step, const std::string& path);
 /// Stops the pruning unless the system call has done what it was to do; the reason is in errno.
 void must(bool done, const char* step, const std::string& path);
 
-/// Of an open file. They stop the pruning when it cannot be examined.
+/// The status and the identity of an open file. Both stop the pruning when it cannot be examined.
 struct stat status_of(const Descriptor& file);
 FileId id_of(const Descriptor& file);
 
@@ -43,10 +43,11 @@ struct Place {
     uid_t owner = 0;
 };
 
-/// Follows symbolic links that belong to root, to the operator or to the owner of what they lead
-/// to: others may have been planted by anybody who may write to the logging directory. More of them
-/// than the system would follow are a ring.
-Place behind_links(const std::string& path, int most_links = 40);
+/// The place that `path` leads to, through symbolic links that belong to root, to the operator or
+/// to the owner of what they lead to: others may have been planted by anybody who may write to the
+/// logging directory. More than `most_links`, which is what the system would follow, count as a
+/// ring.
+Place follow_links(const std::string& path, int most_links = 40);
 
 /// Opens a log for reading and keeps other prunings of it out, of regions whose links lead to it
 /// too; one that is at work is waited for until `deadline`. Nothing is open when that fails;
@@ -54,7 +55,7 @@ Place behind_links(const std::string& path, int most_links = 40);
 Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason);
 
 /// Makes the open log readable and writable for all, unless it has other names, which are not
-/// ours. False when it has another owner, who has not done it.
+/// ours. False when it belongs to somebody else and is not public.
 bool make_log_public(const Descriptor& log);
 
 /// Hands out the words from byte `from` up to byte `to` of an open file piece by piece, for as long

@@ -38,8 +38,8 @@ class LogReader {
   public:
     LogReader();
 
-    /// Starts over with all that stands in `file` from its byte `from` on. The file stays the
-    /// caller's, who keeps it open.
+    /// Starts over with all that stands in `file` from its byte `from` on. The caller keeps the
+    /// file open, and closes it.
     void start(int file, off_t from = 0);
 
     /// Starts over with the words that begin at `from` or later and before `to`: ranges that

@@ -27,9 +27,9 @@ bool may_be_replaced(const std::string& log, const Descriptor& file) {
            self == status_of(file).st_uid;
 }
 
-/// Writes what is kept of a log's old file up to byte `to.size`, as like that file as the system
-/// allows and writable for all. The new text, open for reading and locked, or nothing with errno
-/// set.
+/// Writes what is kept of a log's old file up to byte `to.size` to the scratch file, which gets the
+/// old file's owner and attributes as far as the system allows, and is writable for all. The new
+/// text, open for reading and locked; nothing, with errno set, when it cannot be made.
 Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file, Work* work) {
     Descriptor out(create_temporary_file(log.scratch, 0666));
     if (!out && !log.is_linked) gripe(NO_PRUNING_FILE, log.scratch, errno);
@@ -43,13 +43,13 @@ Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file,
     return text;
 }
 
-/// Gives the log's name to the new text, and before that the old file that of the left-over. Empty,
-/// or why the log is what it was.
+/// Gives the old file the name of the left-over, and then the new text the log's. Empty, or why the
+/// log was left as it was.
 std::string put_in_place(const Log& log, LeftOver* old_file) {
     const SignalsHeld held;
     const std::string& path = log.file.path;
     const std::string second = old_file->path();
-    // Where that is not allowed, or not known, the old file will have no name.
+    // Where the system does not allow the second name, the old file will have none.
     old_file->has_name = link(path.c_str(), second.c_str()) == 0;
     std::string reason;
     if (!is_name_of(old_file->has_name ? second : path, old_file->file.get())) {
@@ -74,7 +74,7 @@ std::string rewrite_log(Log* log, Work* work) {
     Descriptor old_log = open_locked(path, work->deadline, &reason);
     if (!old_log) return reason;
     unlink(log->scratch.c_str());
-    // A new text would end what the name of a left-over says that is partly added.
+    // The name of a partly added left-over holds the log's inode, which a new text would change.
     for (const LeftOver& one : log->left_overs) {
         if (one.log == id_of(old_log)) return one.stays;
     }
@@ -87,7 +87,7 @@ std::string rewrite_log(Log* log, Work* work) {
         keeps_all = work->records.of(piece).data() == piece.data();
         return keeps_all;
     });
-    // To a log that is its owner's only, others cannot append.
+    // A log that only its owner can write gets a new text, so that others can append.
     if (keeps_all && make_log_public(old_log)) return "";
 
     work->records = before;

@@ -15,7 +15,7 @@ struct Log {
     /// Whether a link leads to it.
     bool is_linked = false;
     std::vector<LeftOver> left_overs = {};
-    /// Empty when it was, or need not be.
+    /// Empty when it was rewritten, or need not be.
     std::string why_not_rewritten = {};
 };
 

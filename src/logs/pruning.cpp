@@ -41,9 +41,10 @@ void make_log(const std::string& path) {
     make_log_public(open_to_append(path, NO_LOGGING_FILE));
 }
 
-/// Two that prune the same region at once would take each other's files for left-overs.
+/// Locks the file. Gripes when another pruning has locked it: the two would take each other's files
+/// for left-overs.
 void lock(const Descriptor& file, const std::string& region) {
-    // File systems without locks are trusted to have but one administrator.
+    // Where a file system has no locks, only one administrator is expected to prune.
     if (flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         gripe(filled(PRUNED_BY_ANOTHER, region.c_str()));
     }
@@ -61,7 +62,7 @@ Token put_up_token(const LogsToPrune& logs, std::int64_t cut_off) {
                    Descriptor(open(logs.directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))};
     if (!token.directory) gripe(NO_PRUNING_TOKEN, token.path, errno);
     lock(token.directory, logs.region);
-    // From its first moment on: whoever has the directory locked is the only one with a token.
+    // Before it is there: nobody else puts up a token while the directory is locked.
     remember_for_signals(token.path);
     token.file = open_to_append(token.path, NO_PRUNING_TOKEN);
     lock(token.file, logs.region);
@@ -73,7 +74,7 @@ Token put_up_token(const LogsToPrune& logs, std::int64_t cut_off) {
 void take_down(const Token& token) {
     int error;
     {
-        // A signal must not take away the token of whoever prunes next.
+        // A signal must not take away the token of the next pruning.
         const SignalsHeld held;
         forget_temporary_file(token.path);
         error = unlink(token.path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
@@ -83,7 +84,7 @@ void take_down(const Token& token) {
 
 Log find_log(const std::string& directory, int number, Listings* listings) {
     const std::string path = log_file_path(directory, number);
-    Log log = {behind_links(path), behind_links(pruning_companion_path(directory, number)),
+    Log log = {follow_links(path), follow_links(pruning_companion_path(directory, number)),
                pruning_scratch_path(directory)};
     log.is_linked = log.file.path != path;
     if (log.is_linked) log.scratch = log.file.path + LINKED_SCRATCH;
@@ -93,7 +94,7 @@ Log find_log(const std::string& directory, int number, Listings* listings) {
     return log;
 }
 
-/// Those that are left say why.
+/// Adds the left-overs of a log to it. Those that stay say why.
 void add_left_overs(Log* log, Work* work) {
     std::vector<LeftOver>& left_overs = log->left_overs;
     if (left_overs.empty()) return;
@@ -104,7 +105,7 @@ void add_left_overs(Log* log, Work* work) {
     if (reason.empty()) file = open_locked(path, work->deadline, &reason);
     for (LeftOver& left_over : left_overs) left_over.stays = reason;
     if (!file) return;
-    // What has been begun comes before anything else is appended.
+    // Those that are partly added come before anything else is appended.
     std::stable_partition(
         left_overs.begin(), left_overs.end(),
         [id = id_of(file)](const LeftOver& left_over) { return left_over.log == id; });
@@ -112,7 +113,8 @@ void add_left_overs(Log* log, Work* work) {
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
 
-/// Puts it where no writer looks for it. False when there is none, or none that can be taken.
+/// Renames the log's companion to a left-over, where no writer looks for it. False when there is
+/// none, or it cannot be taken.
 bool take_companion_of(Log* log) {
     Place& companion = log->companion;
     if (!log->file.reason.empty() || !companion.reason.empty()) return false;
@@ -133,7 +135,7 @@ void merge_companions(std::vector<Log>* logs, const Patience& patience, Work* wo
     bool taken = false;
     for (Log& log : *logs) taken |= take_companion_of(&log);
     if (taken) std::this_thread::sleep_for(patience.pause);
-    // Whoever has opened one did so before it was taken.
+    // Every writer that has a companion open opened it before it was taken.
     work->deadline = patience.deadline();
     for (Log& log : *logs) add_left_overs(&log, work);
 }
@@ -176,12 +178,12 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
 
     Work work = {KeptRecords(cut_off), Progress(bytes), deadline};
     for (Log& log : found) add_left_overs(&log, &work);
-    // What is kept of them is counted in its log.
+    // The records that were kept stand in the logs now, and are counted there.
     const std::int64_t counted_there = work.records.total() - work.records.removed();
     for (Log& log : found) log.why_not_rewritten = rewrite_log(&log, &work);
     merge_companions(&found, patience, &work);
     take_down(token);
-    // Who saw it a moment ago may still have gone to a companion.
+    // A writer that saw the token a moment ago may still have gone to a companion.
     std::this_thread::sleep_for(patience.pause);
     merge_companions(&found, patience, &work);
 

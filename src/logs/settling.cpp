@@ -18,12 +18,12 @@ constexpr auto STEP = 1ms;
 }  // namespace
 
 Settled settle(const Descriptor& file, Moment deadline) {
-    // Who opens the file during the lease makes the system send a signal: one that does nothing
-    // unless somebody asks for it.
+    // When another process opens the file during the lease, the system sends a signal: this one is
+    // ignored unless it is asked for.
     fcntl(file.get(), F_SETSIG, SIGURG);
     while (true) {
-        // The system grants it to nobody while there is a writer, and who opens the file to write
-        // waits as long as it is held, which is for one look at the size.
+        // The system grants no lease while there is a writer. A process that opens the file to
+        // write waits as long as the lease is held, which is for one look at the size.
         const bool granted = fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0;
         const bool is_written = !granted && errno == EAGAIN;
         const off_t size = status_of(file).st_size;

@@ -4,7 +4,7 @@
 
 // The frame of every report page: what comes before the graph and after it.
 
-/// Who stands behind the program; the packager sets them when the program is configured.
+/// Who supplies and supports the program; the packager sets them when it is configured.
 inline constexpr char SUPPORT_ADDRESS[] = GATESCOPE_SUPPORT_ADDRESS;
 inline constexpr char SUPPLIER_NAME[] = GATESCOPE_SUPPLIER_NAME;
 inline constexpr char SUPPLIER_URL[] = GATESCOPE_SUPPLIER_URL;

@@ -97,7 +97,7 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text) {
 }
 
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
-    // Who rewrites it in place must not be seen in the middle of it.
+    // It must not be read while somebody rewrites it in place.
     const FileLock lock = lock_file(path, LOCK_PATIENCE);
     if (lock.state == LockState::KEPT_BY_ANOTHER) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), EBUSY), EBUSY);
