@@ -60,20 +60,28 @@ void sync_names(const std::string& path) {
     stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
 }
 
-/// Renames a left-over so that its name holds the new numbers, and syncs the directory.
-void renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
+/// Renames a left-over so that its name holds the new numbers, and syncs the directory. False when
+/// it cannot be renamed; then it is what it was.
+bool renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
     const std::string path = left_over->path();
-    left_over->from = from;
-    left_over->log = log;
-    left_over->size = size;
-    if (!left_over->has_name) return;
-    must(rename(path.c_str(), left_over->path().c_str()) == 0, "rename", path);
+    std::swap(left_over->from, from);
+    std::swap(left_over->log, log);
+    std::swap(left_over->size, size);
+    if (!left_over->has_name) return true;
+    if (rename(path.c_str(), left_over->path().c_str()) != 0) {
+        left_over->stays = std::strerror(errno);
+        std::swap(left_over->from, from);
+        std::swap(left_over->log, log);
+        std::swap(left_over->size, size);
+        return false;
+    }
     sync_names(path);
+    return true;
 }
 
-void remove(const LeftOver& left_over) {
-    const std::string path = left_over.path();
-    must(!left_over.has_name || unlink(path.c_str()) == 0 || errno == ENOENT, "remove", path);
+void remove(LeftOver* left_over) {
+    if (!left_over->has_name || unlink(left_over->path().c_str()) == 0 || errno == ENOENT) return;
+    left_over->stays = std::strerror(errno);
 }
 
 template <typename Take>
@@ -124,7 +132,7 @@ Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Desc
         left_over->stays = file ? REPLACED_MEANWHILE : std::strerror(errno);
         return {};
     }
-    if (left_over->log != id) renumber(left_over, left_over->from, id, settled.size);
+    if (left_over->log != id && !renumber(left_over, left_over->from, id, settled.size)) return {};
     // A full disk is noticed before any harm is done, where the file system can do that.
     must(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
              errno == EOPNOTSUPP || errno == ENOSYS,
@@ -145,15 +153,15 @@ LeftOver new_left_over(const std::string& source, Descriptor file) {
     return {source, 0, id, 0, std::move(file)};
 }
 
-void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found) {
-    const std::string directory = source->path.substr(0, source->path.rfind('/') + 1);
+int find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found) {
+    const std::string directory = source.substr(0, source.rfind('/') + 1);
     const auto [listing, is_new] = listings->try_emplace(directory);
     auto& [all, error] = listing->second;
     if (is_new) error = list(directory, &all);
-    if (error != 0) source->reason = std::strerror(error);
     for (LeftOver& left_over : all) {
-        if (left_over.source == source->path) found->push_back(std::move(left_over));
+        if (left_over.source == source) found->push_back(std::move(left_over));
     }
+    return error;
 }
 
 off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
@@ -181,11 +189,11 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
 void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log,
                    Work* work) {
     left_over->stays.clear();
-    if (!left_over->file) left_over->file = open_log(left_over->path(), &left_over->stays);
+    if (!left_over->file) left_over->file = open_here(left_over->path(), &left_over->stays);
     // One that is gone was added by another pruning of its log.
     if (!left_over->file) return;
     const FileId id = id_of(left_over->file);
-    if (id == id_of(log)) return remove(*left_over);
+    if (id == id_of(log)) return remove(left_over);
     const Settled settled = settle(left_over->file, work->deadline);
     off_t added = left_over->from;
     if (settled.size > added) {
@@ -197,10 +205,9 @@ void add_left_over(LeftOver* left_over, const std::string& path, const Descripto
         sync_names(path);
     }
     if (settled.is_written) {
-        renumber(left_over, added, id, 0);
-        left_over->stays = KEPT_OPEN;
+        if (renumber(left_over, added, id, 0)) left_over->stays = KEPT_OPEN;
     } else {
-        remove(*left_over);
+        remove(left_over);
         if (added > left_over->from) sync_names(left_over->source);
     }
 }

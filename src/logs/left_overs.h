@@ -65,8 +65,8 @@ LeftOver new_left_over(const std::string& source, Descriptor file);
 using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, int>>;
 
 /// Moves the left-overs of the file at `source` to `found`, and lists its directory if that has not
-/// been done. When the directory cannot be listed, `source->reason` says why.
-void find_left_overs(Place* source, Listings* listings, std::vector<LeftOver>* found);
+/// been done. 0, or the errno for which they are not known.
+int find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found);
 
 using Words = std::unordered_multiset<std::string>;
 

@@ -54,7 +54,9 @@ Place follow_links(const std::string& path, int most_links) {
         const bool is_missing = errno == ENOENT || errno == ENOTDIR;
         return {path, is_missing ? "" : std::strerror(errno)};
     }
-    if (!S_ISLNK(status.st_mode)) return {path, "", status.st_size, status.st_uid};
+    if (!S_ISLNK(status.st_mode)) {
+        return {path, "", status.st_size, status.st_uid, id_of(status)};
+    }
     if (most_links == 0) return {path, std::strerror(ELOOP)};
     const std::string target = target_of(path);
     if (target.empty()) return {path, std::strerror(errno)};
@@ -64,6 +66,13 @@ Place follow_links(const std::string& path, int most_links) {
         place.reason = LINK_OF_SOMEBODY_ELSE;
     }
     return place;
+}
+
+Descriptor open_here(const std::string& path, std::string* reason) {
+    Descriptor file = open_log(path, reason);
+    if (!file || is_name_of(path, file.get())) return file;
+    *reason = REPLACED_MEANWHILE;
+    return {};
 }
 
 Descriptor open_locked(const std::string& path, Moment deadline, std::string* reason) {

@@ -41,6 +41,7 @@ struct Place {
     std::string reason = {};
     off_t size = 0;
     uid_t owner = 0;
+    FileId id = {};
 };
 
 /// The place that `path` leads to, through symbolic links that belong to root, to the operator or
@@ -48,6 +49,10 @@ struct Place {
 /// logging directory. More than `most_links`, which is what the system would follow, count as a
 /// ring.
 Place follow_links(const std::string& path, int most_links = 40);
+
+/// Opens the file that a name stands for now, and no link that has come there since links were
+/// looked at. Otherwise it is as open_log.
+Descriptor open_here(const std::string& path, std::string* reason);
 
 /// Opens a log for reading and keeps other prunings of it out, of regions whose links lead to it
 /// too; one that is at work is waited for until `deadline`. Nothing is open when that fails;

@@ -9,6 +9,7 @@
 #include <cstring>
 
 #include "base/file_identity.h"
+#include "base/files.h"
 #include "base/replace_file.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
@@ -37,7 +38,8 @@ Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file,
     carry_over_identity(old_file->file.get(), out.get());
     must(fchmod(out.get(), 0666) == 0, "make public", log.scratch);
     old_file->from = add_words(*old_file, to, log.scratch, std::move(out), work);
-    Descriptor text(open(log.scratch.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    // Others may have put a pipe there meanwhile, which must not be waited for.
+    Descriptor text(open_regular_file(log.scratch, O_RDONLY | O_NOFOLLOW));
     must(static_cast<bool>(text), "open", log.scratch);
     flock(text.get(), LOCK_EX | LOCK_NB);
     return text;

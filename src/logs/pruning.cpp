@@ -71,25 +71,29 @@ Token put_up_token(const LogsToPrune& logs, std::int64_t cut_off) {
     return token;
 }
 
-void take_down(const Token& token) {
-    int error;
-    {
-        // A signal must not take away the token of the next pruning.
-        const SignalsHeld held;
-        forget_temporary_file(token.path);
-        error = unlink(token.path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
-    }
-    if (error != 0) gripe(filled(TOKEN_STAYS, token.path.c_str(), std::strerror(error)));
+/// 0 or an errno.
+int take_down(const Token& token) {
+    // A signal must not take away the token of the next pruning.
+    const SignalsHeld held;
+    forget_temporary_file(token.path);
+    return unlink(token.path.c_str()) == 0 || errno == ENOENT ? 0 : errno;
 }
 
 Log find_log(const std::string& directory, int number, Listings* listings) {
     const std::string path = log_file_path(directory, number);
-    Log log = {follow_links(path), follow_links(pruning_companion_path(directory, number)),
-               pruning_scratch_path(directory)};
+    const std::string companion = pruning_companion_path(directory, number);
+    Log log = {follow_links(path), follow_links(companion), pruning_scratch_path(directory)};
     log.is_linked = log.file.path != path;
     if (log.is_linked) log.scratch = log.file.path + LINKED_SCRATCH;
-    for (Place* place : {&log.file, &log.companion}) {
-        if (place->reason.empty()) find_left_overs(place, listings, &log.left_overs);
+    // A link may be newer than what an earlier pruning has left in the directory itself.
+    for (const std::string& source : {path, companion, log.file.path, log.companion.path}) {
+        const int error = find_left_overs(source, listings, &log.left_overs);
+        // Without them nobody knows what has been added to the log.
+        if (error != 0 && log.file.reason.empty()) log.file.reason = std::strerror(error);
+    }
+    if (log.file.reason.empty() && log.companion.reason.empty() && log.file.id != FileId() &&
+        log.file.id == log.companion.id) {
+        log.file.reason = COMPANION_OF_ITSELF;
     }
     return log;
 }
@@ -105,11 +109,15 @@ void add_left_overs(Log* log, Work* work) {
     if (reason.empty()) file = open_locked(path, work->deadline, &reason);
     for (LeftOver& left_over : left_overs) left_over.stays = reason;
     if (!file) return;
+    const FileId id = id_of(file);
     // Those that are partly added come before anything else is appended.
-    std::stable_partition(
-        left_overs.begin(), left_overs.end(),
-        [id = id_of(file)](const LeftOver& left_over) { return left_over.log == id; });
-    for (LeftOver& left_over : left_overs) add_left_over(&left_over, path, file, work);
+    std::stable_partition(left_overs.begin(), left_overs.end(),
+                          [id](const LeftOver& left_over) { return left_over.log == id; });
+    for (LeftOver& left_over : left_overs) {
+        left_over.stays = reason;
+        if (reason.empty()) add_left_over(&left_over, path, file, work);
+        if (left_over.log == id) reason = left_over.stays;
+    }
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
 
@@ -118,7 +126,7 @@ void add_left_overs(Log* log, Work* work) {
 bool take_companion_of(Log* log) {
     Place& companion = log->companion;
     if (!log->file.reason.empty() || !companion.reason.empty()) return false;
-    Descriptor file = open_log(companion.path, &companion.reason);
+    Descriptor file = open_here(companion.path, &companion.reason);
     if (!file) return false;
     make_log(log->file.path);
     LeftOver taken = new_left_over(companion.path, std::move(file));
@@ -182,7 +190,9 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
     const std::int64_t counted_there = work.records.total() - work.records.removed();
     for (Log& log : found) log.why_not_rewritten = rewrite_log(&log, &work);
     merge_companions(&found, patience, &work);
-    take_down(token);
+    if (const int error = take_down(token)) {
+        gripe(left_alone(found) + filled(TOKEN_STAYS, token.path.c_str(), std::strerror(error)));
+    }
     // A writer that saw the token a moment ago may still have gone to a companion.
     std::this_thread::sleep_for(patience.pause);
     merge_companions(&found, patience, &work);

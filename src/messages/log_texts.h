@@ -52,6 +52,7 @@ inline constexpr char LOG_LEFT_ALONE[] = "The log file (%s) was left as it is: %
 inline constexpr char LEFT_OVER_STAYS[] =
     "The next pruning adds to its log what is left in (%s): %s.";
 inline constexpr char LINK_OF_SOMEBODY_ELSE[] = "The link to it belongs to somebody else";
+inline constexpr char COMPANION_OF_ITSELF[] = "It is its own companion";
 inline constexpr char LOG_IS_LOCKED[] = "Another process is pruning it";
 inline constexpr char REPLACED_MEANWHILE[] = "Another file took its place";
 inline constexpr char KEPT_OPEN[] = "Somebody keeps it open for writing";

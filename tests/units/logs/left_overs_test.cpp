@@ -219,4 +219,72 @@ TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
     EXPECT_EQ(file_text(log_file_path(0)), text);
 }
 
+TEST_F(LeftOvers, OfALogThatALinkHasComeToLeadToAreAddedToo) {
+    // After the pruning was ended the log was moved to another place.
+    const std::string before = old(1) + fresh(1);
+    make_left_over(log_file_path(3), size_of(before), before + fresh(2));
+    fs::create_directory(logging_dir + "/elsewhere");
+    write_file(logging_dir + "/elsewhere/real.txt", fresh(1));
+    fs::create_symlink("elsewhere/real.txt", log_file_path(3));
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(file_text(logging_dir + "/elsewhere/real.txt"), fresh(1) + fresh(2));
+}
+
+TEST_F(LeftOvers, InAStickyDirectoryThoseOfOthersStayAndTheRestIsDone) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
+    ASSERT_EQ(chmod(logging_dir.c_str(), 01777), 0);
+    for (const int number : {2, 3, 4}) {
+        write_log(number, fresh(1) + old(1));
+        ASSERT_EQ(chmod(log_file_path(number).c_str(), 0666), 0);
+    }
+    ASSERT_EQ(chown(log_file_path(4).c_str(), OPERATOR, OPERATOR), 0);
+    const std::string nothing = make_left_over(log_file_path(2), 0, "");
+    const std::string companion = make_left_over(pruning_companion_path(3), 0, fresh(2));
+    std::string said;
+    for (const std::string& path : {nothing, companion}) {
+        said += left_alone(log_file_path(path == nothing ? 2 : 3), "Operation not permitted");
+        said += "The next pruning adds to its log what is left in (" + path +
+                "): Operation not permitted.\n";
+    }
+    EXPECT_EQ(said_to(OPERATOR), said + result(1, 2));
+    EXPECT_EQ(file_text(log_file_path(4)), fresh(1));
+    EXPECT_FALSE(fs::exists(pruning_token_path()));
+    EXPECT_EQ(file_text(companion), fresh(2));
+    EXPECT_EQ(said_by_pruning(), result(2, 6));
+    EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2));
+}
+
+TEST_F(LeftOvers, WhatIsPartlyAddedComesBeforeAllOthers) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    patience = LITTLE_PATIENCE;
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    write_log(0, fresh(1));
+    ASSERT_EQ(chmod(log_file_path(0).c_str(), 0666), 0);
+    const std::string path =
+        left_over(pruning_companion_path(0), 0, log_file_path(0), size_of(fresh(1)));
+    write_file(path, fresh(2));
+    ASSERT_EQ(chmod(path.c_str(), 0600), 0);
+    write_file(pruning_companion_path(0), fresh(2) + fresh(3));
+    said_to(OPERATOR);
+    said_by_pruning();
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(2) + fresh(3)}}));
+}
+
+TEST_F(LeftOvers, ACompanionThatIsItsLogIsNotAddedToIt) {
+    write_log(0, old(1) + fresh(1));
+    write_log(1, old(1) + fresh(1));
+    fs::create_symlink("logging_0.txt", pruning_companion_path(0));
+    fs::create_hard_link(log_file_path(1), pruning_companion_path(1));
+    write_log(2, old(1) + fresh(1));
+    const Files before = all_files();
+    const std::string said = left_alone(log_file_path(0), "It is its own companion") +
+                             left_alone(log_file_path(1), "It is its own companion");
+    EXPECT_EQ(said_by_pruning(), said + result(1, 2));
+    EXPECT_EQ(said_by_pruning(), said + result(0, 1));
+    Files after = before;
+    after["logging_2.txt"] = fresh(1);
+    EXPECT_EQ(all_files(), after);
+}
+
 }  // namespace

@@ -294,4 +294,39 @@ TEST_F(LogsLeftAlone, ALogThatAnotherPruningWorksOnIsItsOwn) {
     EXPECT_EQ(said_by_pruning(), result(1, 2));
 }
 
+TEST_F(LogsLeftAlone, ALinkThatIsPlantedAsACompanionMeanwhileIsNotFollowed) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = {std::chrono::milliseconds(500)};
+    write_file(elsewhere("secret"), fresh(1));
+    // Holds the pruning up, so that the link comes when links have been looked at.
+    const SlowWriter writer(log_file_path(0));
+    const Later link([] { fs::create_symlink("elsewhere/secret", pruning_companion_path(5)); });
+    const std::string said = said_by_pruning();
+    writer.end();
+    EXPECT_EQ(said, left_alone(log_file_path(0), "Somebody keeps it open for writing") +
+                        left_alone(pruning_companion_path(5), "Another file took its place") +
+                        result(0, 0));
+    EXPECT_FALSE(fs::exists(log_file_path(5)));
+    EXPECT_TRUE(fs::is_symlink(pruning_companion_path(5)));
+}
+
+TEST_F(LogsLeftAlone, TheyAreNamedToWhereTheTokenStays) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience = {std::chrono::milliseconds(500)};
+    const SlowWriter writer(log_file_path(0));
+    const auto prune_while_the_token_is_replaced = [] {
+        const Later other_token([] {
+            fs::remove(pruning_token_path());
+            fs::create_directory(pruning_token_path());
+        });
+        prune();
+    };
+    EXPECT_GRIPE(prune_while_the_token_is_replaced(),
+                 left_alone(log_file_path(0), "Somebody keeps it open for writing") +
+                     "ERROR: The logs are pruned, but the pruning token (" + pruning_token_path() +
+                     ") could not be removed: Is a directory.  New records are kept "
+                     "aside until it is.");
+    writer.end();
+}
+
 }  // namespace
