@@ -65,11 +65,18 @@ Step use_existing_or_again(const std::string& path, RegionSettings* region) {
     }
 }
 
-/// The checker of the file in use goes into the new one, as long as it is there.
-std::string text_of_new_file(const ToolSettings& tools) {
-    const std::string& checker = tools.GS_VAR[UNIX_CHECKER];
-    return filled(init_file, (checker_exists(checker) ? checker : tools.EMERGENCY_CHECKER).c_str(),
-                  tools.GS_VAR[WINDOWS_CHECKER].c_str(), SELF, VERSION);
+/// The checkers of the file in use go into the new one, this system's as long as it is there.
+std::string text_of_new_file(const ToolSettings& in_use) {
+    const std::string& checker = in_use.GS_VAR[UNIX_CHECKER];
+    ToolSettings tools;
+    tools.GS_VAR[UNIX_CHECKER] =
+        c_text(checker_exists(checker) ? checker : in_use.EMERGENCY_CHECKER);
+    tools.GS_VAR[WINDOWS_CHECKER] = c_text(in_use.GS_VAR[WINDOWS_CHECKER]);
+    tools.GS_VAR[UNIX_BROWSER] = NEW_UNIX_BROWSER;
+    tools.GS_VAR[WINDOWS_BROWSER] = NEW_WINDOWS_BROWSER;
+    std::string text;
+    for (const std::string& line : tool_variable_lines(tools)) text += line + "\n";
+    return text + filled(init_file, SELF, VERSION);
 }
 
 void offer_the_walks(const Options& options, RegionInUse& region) {

@@ -100,8 +100,8 @@ int carry_over_identity(int from, int to) {
 int sync_directory_of(const std::string& path) {
     const std::string directory = directory_of(path);
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    // A directory that may be written but not read cannot be opened; its entries are left to the
-    // file system's own time.
+    // A directory that may be written but not read cannot be opened; when its entries reach the
+    // disk is up to the file system.
     if (descriptor == -1) return errno == EACCES ? 0 : errno;
     const int result = fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
     close(descriptor);

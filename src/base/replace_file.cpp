@@ -124,7 +124,7 @@ int make_room(int file, std::size_t old_size, std::size_t new_size) {
 }
 
 /// Writes the text over the old one, in one piece and with blank lines over what is left of it, so
-/// that a reader meanwhile finds nothing of both; then cuts them off. 0 or an errno.
+/// that a reader never finds a mixture of the two; then cuts them off. 0 or an errno.
 int overwrite(int file, std::string_view padded, std::size_t size) {
     if (lseek(file, 0, SEEK_SET) == -1) return errno;
     if (const int error = write_all(file, padded)) return error;

@@ -2,10 +2,9 @@
 
 #include <string>
 
-// What names this run: the platform, and where its temporary files are.
+// What names this run, and where its temporary files are.
 
-/// The platform: 'U' for UNIX, and the character that joins paths.
-inline constexpr char OS_TYPE = 'U';
+/// The character that joins paths.
 inline constexpr char DIR_DELIMETER = '/';
 
 /// The process id in decimal, and the directory of all temporary files, without a delimiter at its

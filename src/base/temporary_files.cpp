@@ -91,7 +91,7 @@ void remove_temporary_files() {
 
 void unlink_temporary_files() {
     unlink_all(places);
-    // They tell others that work is going on, so they go when its other files have gone.
+    // These tell others that work is going on, so they go after all other files of that work.
     unlink_all(places_for_signals);
 }
 

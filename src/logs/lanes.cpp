@@ -1,6 +1,7 @@
 #include "logs/lanes.h"
 
-// The C library has asked the processor at its start, which takes long where a hypervisor answers.
+// The C library has asked the processor when the program started. To ask again takes long where a
+// hypervisor answers.
 #if __has_include(<sys/platform/x86.h>)
 #if defined(__clang__)
 #define _Bool bool  // which the header is written with, and this compiler knows in C alone

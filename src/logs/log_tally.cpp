@@ -18,7 +18,7 @@
 namespace {
 
 constexpr off_t MEBIBYTE = 1 << 20;
-/// What is quicker alone than starting another thread, for each of them.
+/// To count less than this takes less time than to start another thread for it.
 constexpr off_t LEAST_A_THREAD = 8 * MEBIBYTE;
 constexpr off_t RANGE_SIZE = 2 * MEBIBYTE;
 constexpr int MOST_THREADS = 16;

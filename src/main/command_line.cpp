@@ -15,6 +15,7 @@
 #include "dialog/messages.h"
 #include "dialog/self_test.h"
 #include "messages/arguments.h"
+#include "messages/bit_names.h"
 #include "messages/command_line_texts.h"
 #include "messages/identity.h"
 

@@ -82,7 +82,6 @@ void look_at_the_client(Operator* who) {
     }
     who->REAL_ZUL_WEB_USER = true;
     who->REAL_ZUL_REMOTE_CLIENT_USER = true;
-    ZUL_REMOTE_CLIENT_USER = 1;
 }
 
 bool temp_dir_is_writable() {
@@ -103,6 +102,7 @@ Operator clean_start() {
     const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
     look_at_the_client(&who);
+    ZUL_REMOTE_CLIENT_USER = who.REAL_ZUL_REMOTE_CLIENT_USER;
     return who;
 }
 

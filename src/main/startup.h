@@ -6,7 +6,8 @@
 // Who the operator is, where temporary files go and how dialogs are shown: settled once, before
 // any argument is looked at.
 
-/// The operator, and what kind of client they are on.
+/// The operator, and what kind of client they are on. All that this program makes of the client is
+/// ZUL_REMOTE_CLIENT_USER: whether messages wait.
 struct Operator {
     /// The login name, lower-cased, without a domain.
     std::string _CALCULATED_USER;

@@ -46,14 +46,6 @@ inline constexpr char LIST_MAX_CONTENTS[] =
     "      <td width=400 height=12 class=\"cell_failure\" ></td>\n"
     "      <td valign=bottom class=\"cell_extra\">:%u</td>\n"
     "\t  </tr>\n    </table>\n   </td>\n";
-/// Row title. For a bar of width 0, which no count has: even 0 gets one pixel.
-inline constexpr char START_EMPTY_BAR_LIST[] =
-    "\n   <td colspan=2 class=\"cell_extra\" >\n"
-    "    <table class=\"tight\" title=\"%s\" onmouseover=\"ShowTitle(this);\">\n"
-    "     <tr BORDER=0 class=\"hot_row\" >\n"
-    "\t  <td height=12 class=\"cell_extra\">:0</td>\n"
-    "      <td width=400 height=12 class=\"cell_extra\" ></td>\n"
-    "\t  </tr>\n    </table>\n   </td>\n";
 inline constexpr char CLOSE_LIST_CONTENTS[] =
     "   <td width=2 class=\"bottom_line_pencil\" ></td>\n</tr>\n"
     "<tr BORDER=0 >\n"

@@ -2,9 +2,12 @@
 
 #include <array>
 
+/// The largest number of a functionality bit.
+inline constexpr int HIGHEST_BIT = 23;
+
 /// Names of the functionality bits; the index is the bit's number and its place in the region's
 /// bits field.
-inline constexpr std::array<const char*, 24> GATEWARDEN_BITS_DESC = {
+inline constexpr std::array<const char*, HIGHEST_BIT + 1> GATEWARDEN_BITS_DESC = {
     "BIT__AUTO_BRANCH_REMOVAL",
     "BIT__CHOWN_VOB_OWNER",
     "BIT__EVIL_TWIN",

@@ -1,6 +1,6 @@
 #pragma once
 
-// Who this program is, and the limit of bit numbers.
+// Who this program is, and the names of the operating systems.
 
 inline constexpr char SELF[] = "gatescope";
 inline constexpr char VERSION[] = GATESCOPE_VERSION;
@@ -10,9 +10,8 @@ inline constexpr char BUILD[] = "20200630.09:37a";
 inline constexpr char GATEWARDEN_LIT[] = "gatewarden";
 inline constexpr char GATEWARDEN_LITE_LIT[] = "gatewarden_lite";
 
-inline constexpr int HIGHEST_BIT = 23;
-
-inline constexpr char THIS_OS[] = "UNIX";
-inline constexpr char OTHER_OS[] = "Windows";
 inline constexpr char WINDOWS_OS[] = "Windows";
 inline constexpr char UNIX_OS[] = "UNIX";
+/// The one that this program runs on, and the one whose files it cannot look at.
+inline constexpr const auto& THIS_OS = UNIX_OS;
+inline constexpr const auto& OTHER_OS = WINDOWS_OS;

@@ -42,7 +42,6 @@ inline constexpr char A28[] = "A28 - Guide through important Gatebits file field
 inline constexpr char A29[] = "A29 - Guide through ALL Gatebits file fields";
 
 inline constexpr char SEPERATOR[] = "------------------------------";
-inline constexpr char SHORT_SEPERATOR[] = "=======";
 
 /// Menu titles; %s is the region's name.
 inline constexpr char MAIN_MENU_TITLE[] = "Select Query or Action for (%s)";

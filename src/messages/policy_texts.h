@@ -20,16 +20,12 @@ inline constexpr std::array<const char*, 8> GS_VAR_NAME = {
 inline constexpr char ALIAS_HEADER[] = "#!gatewarden_alias";
 inline constexpr char ALIAS_LOCATER[] = "#!gatewarden_alias ";
 
-/// UNIX checker, Windows checker, program, version.
+/// The browsers that a new file names.
+inline constexpr char NEW_UNIX_BROWSER[] = "/net/machine/browser";
+inline constexpr char NEW_WINDOWS_BROWSER[] = "C:\\Program Files\\Internet Explorer\\IEXPLORE.EXE";
+
+/// What a new file holds after gatescope's own settings. Program, version.
 inline constexpr char init_file[] =
-    "#!gatescope_unix_gatewarden_check=%s\n"
-    "#!gatescope_windows_gatewarden_check=%s\n"
-    "#!gatescope_unix_browser=/net/machine/browser\n"
-    "#!gatescope_windows_browser=C:\\Program Files\\Internet Explorer\\IEXPLORE.EXE\n"
-    "#!gatescope_relocated_logging_dir_unix=\n"
-    "#!gatescope_relocated_logging_dir_windows=\n"
-    "#!gatescope_relocated_results_dir_unix=\n"
-    "#!gatescope_relocated_results_dir_windows=\n"
     "######################################################\n"
     "# Gatewarden Region Information.\n"
     "######################################################\n"
@@ -89,7 +85,6 @@ inline constexpr char INVALID_LOGGING_LETTER[] =
     "gatebits file: %s.";
 inline constexpr char LOGGING_LETTERS_NAMED_FOR_LENGTH[] = "NESA";
 inline constexpr char LOGGING_LETTERS_NAMED_FOR_LETTER[] = "OESA";
-inline constexpr char LOGGING_LETTERS_ACCEPTED[] = "AEOS";
 
 /// Title prompts of the file chooser, by use.
 inline constexpr char PROMPT_03[] = "Navigate to and name the new gatebits destination...";

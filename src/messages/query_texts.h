@@ -1,6 +1,6 @@
 #pragma once
 
-// Questions, filters and titles of the queries. Their spellings stay: administrators look for
+// Questions and titles of the queries. Their spellings stay: administrators look for
 // old pages by their titles.
 
 inline constexpr char NO_QUERIES_DURING_INSTALL[] =
@@ -21,18 +21,6 @@ inline constexpr char ALL[] = "*";
 inline constexpr char ALL_BITS_CHOICE[] = "* - <ALL BITS>";
 /// Bit, name.
 inline constexpr char BIT_CHOICE[] = "%02d - %s";
-
-// Filters.
-inline constexpr char ANY_COMMAND[] = "[";
-/// Number of the command.
-inline constexpr char COMMAND_FILTER[] = "[%d]";
-/// User.
-inline constexpr char USER_FILTER[] = ":%s[";
-/// Bit or key.
-inline constexpr char NUMBER_FILTER[] = "<%ld>";
-inline constexpr char BIT_RECORDS[] = ":B:";
-inline constexpr char KEY_DENIALS[] = "]K<";
-inline constexpr char CPD_DENIALS[] = "]C<";
 
 // Titles: of one value (command; bit and its name; key) and of all.
 inline constexpr char TITLE_Q1_ONE[] =

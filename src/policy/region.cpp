@@ -33,17 +33,19 @@ std::vector<std::string> fields_of_line(const std::vector<std::string>& lines, i
     return fields;
 }
 
-/// The logging personality that the depot line's third field stands for.
-char logging_letter(const std::string& field, const std::string& depot_line, const char* file) {
+/// Gripes unless the depot line's third field, where there is one, is a logging personality.
+void check_logging(const std::vector<std::string>& depots, const std::string& depot_line,
+                   const char* file) {
+    if (depots.size() < LOGGING_FIELD) return;
+    const std::string& field = depots[LOGGING_FIELD - 1];
     if (field.size() != 1) {
         gripe(filled(INVALID_LOGGING_LENGTH, field.c_str(), LOGGING_LETTERS_NAMED_FOR_LENGTH,
                      depot_line.c_str(), file));
     }
-    if (std::strchr(LOGGING_LETTERS_ACCEPTED, field.front()) == nullptr) {
+    if (std::strchr("AEOS", field.front()) == nullptr) {
         gripe(filled(INVALID_LOGGING_LETTER, field.front(), LOGGING_LETTERS_NAMED_FOR_LETTER,
                      depot_line.c_str(), file));
     }
-    return field.front();
 }
 
 std::string blank_when_empty(const std::string& value) {
@@ -65,17 +67,12 @@ RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSI
     region.tools = tools;
     const std::vector<std::string> lines = scan_the_file(ENTERPRIZE_PERMISSION_FILE, &region.tools);
     if (lines.empty()) gripe(NO_REGION_HEADER);
-    region.SYSTEM_VARS__SYSTEM_REGION_HEADER = lines.front();
     const auto depots = fields_of_line(lines, DEPOT_LINE, UNIX_FIELD, MANGLED_DEPOT);
-    region.LOGGING = depots.size() < LOGGING_FIELD
-                         ? 'O'
-                         : logging_letter(depots[LOGGING_FIELD - 1], lines[DEPOT_LINE - 1],
-                                          ENTERPRIZE_PERMISSION_FILE.c_str());
-    const auto parents = fields_of_line(lines, PARENT_LINE, UNIX_FIELD, MANGLED_PARENT);
+    check_logging(depots, lines[DEPOT_LINE - 1], ENTERPRIZE_PERMISSION_FILE.c_str());
+    fields_of_line(lines, PARENT_LINE, UNIX_FIELD, MANGLED_PARENT);
     const auto header = fields_of_line(lines, HEADER_LINE, 4, MANGLED_REGION_HEADER);
     region.ENTERPRIZE_NAME = blank_when_empty(header[3]);
     region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[UNIX_FIELD - 1]);
-    region.SYSTEM_VARS__SYSTEM_PARENT_FILE = blank_when_empty(parents[UNIX_FIELD - 1]);
     const auto& relocated = region.tools.GS_VAR;
     region.logging_dir =
         directory_of(relocated[UNIX_LOGGING_DIR], region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");

@@ -11,15 +11,10 @@ struct RegionSettings {
     /// Path of the gatebits file in use. Set by the choice of the file at start-up and by the
     /// actions that switch, create and copy gatebits files.
     std::string ENTERPRIZE_PERMISSION_FILE;
-    /// The region header line as read.
-    std::string SYSTEM_VARS__SYSTEM_REGION_HEADER;
     /// The region's name; a single blank when the file has none.
     std::string ENTERPRIZE_NAME;
-    /// The UNIX policy depot and the UNIX parent gatebits file; a single blank when empty.
+    /// The UNIX policy depot; a single blank when empty.
     std::string SYSTEM_VARS__SYSTEM_POLICY_DIR;
-    std::string SYSTEM_VARS__SYSTEM_PARENT_FILE;
-    /// The logging personality: 'A', 'E', 'O' or 'S'.
-    char LOGGING = 'O';
     /// Directory of the region's log files, without a delimiter at its end.
     std::string logging_dir;
     /// Directory where report pages are written, without a delimiter at its end.

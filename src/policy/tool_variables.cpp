@@ -1,7 +1,5 @@
 #include "policy/tool_variables.h"
 
-#include <vector>
-
 namespace {
 
 /// Which of the eight settings `line` sets, if any.
@@ -29,9 +27,7 @@ std::optional<std::string> value_among(const std::vector<std::string>& lines, st
 /// The lines with the eight settings in front.
 std::vector<std::string> with_settings_on_top(const ToolSettings& tools,
                                               const std::vector<std::string>& lines) {
-    std::vector<std::string> all;
-    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i)
-        all.push_back(GS_VAR_NAME[i] + tools.GS_VAR[i]);
+    std::vector<std::string> all = tool_variable_lines(tools);
     for (const std::string& line : lines) {
         if (!tool_variable_of(line)) all.push_back(line);
     }
@@ -39,6 +35,13 @@ std::vector<std::string> with_settings_on_top(const ToolSettings& tools,
 }
 
 }  // namespace
+
+std::vector<std::string> tool_variable_lines(const ToolSettings& tools) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i)
+        lines.push_back(GS_VAR_NAME[i] + tools.GS_VAR[i]);
+    return lines;
+}
 
 void take_tool_variable(std::string_view line, ToolSettings* tools) {
     if (const auto i = tool_variable_of(line)) tools->GS_VAR[*i] = value_in(line);

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
@@ -29,6 +30,9 @@ struct ToolSettings {
     /// Where to look for the checker when the gatebits file names none that exists.
     std::string EMERGENCY_CHECKER;
 };
+
+/// The lines of the eight settings, in the order of the table.
+std::vector<std::string> tool_variable_lines(const ToolSettings& tools);
 
 /// Puts the value of `line`, everything after its first '=', into GS_VAR when the line sets one
 /// of the eight.

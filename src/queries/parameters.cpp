@@ -15,6 +15,11 @@
 
 namespace {
 
+// How log records hold a value: the number of a command, a user, a bit or key.
+constexpr char COMMAND_FILTER[] = "[%d]";
+constexpr char USER_FILTER[] = ":%s[";
+constexpr char NUMBER_FILTER[] = "<%ld>";
+
 // What the command line gave.
 
 std::string given_command(const Options& options) {

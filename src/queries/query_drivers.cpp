@@ -23,14 +23,16 @@ constexpr auto USER = Parameter::USER;
 constexpr auto BIT = Parameter::BIT;
 constexpr auto KEY = Parameter::KEY;
 
+// What all log records hold that a query is about.
+
 const char* any_command(int /*edition*/) {
-    return ANY_COMMAND;
+    return "[";
 }
 const char* bit_records(int /*edition*/) {
-    return BIT_RECORDS;
+    return ":B:";
 }
 const char* key_denials(int edition) {
-    return edition == 1 ? KEY_DENIALS : CPD_DENIALS;
+    return edition == 1 ? "]K<" : "]C<";
 }
 
 // How the titles begin; `subject` is the value of the parameter that the query is about.

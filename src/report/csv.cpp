@@ -147,8 +147,8 @@ std::string csv_path(const std::string& page_path) {
 }
 
 void store_csv(const std::string& path, const std::string& csv) {
-    // A name that no other process uses, beside the one that it is going to have. What is on the
-    // list of temporary files goes, whatever happens here.
+    // Written first to a file of this process alone, in the same directory. That is on the list of
+    // temporary files, so it goes whatever happens here.
     const std::string unfinished = path + "." + std::to_string(getpid());
     int error = write_to_the_disk(unfinished, csv);
     if (error == 0 && std::rename(unfinished.c_str(), path.c_str()) != 0) error = errno;

@@ -195,11 +195,15 @@ bool was_chosen(const std::string& path) {
 
 /// Whether the file is as it is made before anything is filled in.
 bool is_template(const std::string& text, const ToolSettings& tools) {
+    ToolSettings fresh;
+    fresh.GS_VAR[WINDOWS_CHECKER] = tools.GS_VAR[WINDOWS_CHECKER].c_str();
+    fresh.GS_VAR[UNIX_BROWSER] = NEW_UNIX_BROWSER;
+    fresh.GS_VAR[WINDOWS_BROWSER] = NEW_WINDOWS_BROWSER;
     for (const std::string& checker : {tools.GS_VAR[UNIX_CHECKER], tools.EMERGENCY_CHECKER}) {
-        if (text == filled(init_file, checker.c_str(), tools.GS_VAR[WINDOWS_CHECKER].c_str(), SELF,
-                           VERSION)) {
-            return true;
-        }
+        fresh.GS_VAR[UNIX_CHECKER] = checker.c_str();
+        std::string wanted;
+        for (const std::string& line : tool_variable_lines(fresh)) wanted += line + "\n";
+        if (text == wanted + filled(init_file, SELF, VERSION)) return true;
     }
     return false;
 }

@@ -30,27 +30,25 @@ const std::string MANGLED_PARENT_TEXT =
 
 TEST_F(LoadedRegion, AreWhatTheBlockSays) {
     load("C:\\depot;/unix/depot;A;");
-    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;a;b;east;");
     EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/unix/depot");
-    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, "/parent.txt");
-    EXPECT_EQ(settings.LOGGING, 'A');
     EXPECT_EQ(settings.logging_dir, "/unix/depot/log");
     EXPECT_EQ(settings.results_dir, "/unix/depot/query_results");
 }
 
 TEST_F(LoadedRegion, EachOfTheFourPersonalitiesIsAccepted) {
     for (const char letter : {'A', 'E', 'O', 'S'}) {
-        load(std::string(";;") + letter + ";");
-        EXPECT_EQ(settings.LOGGING, letter);
+        const std::string depot = std::string("/depot_") + letter;
+        load(";" + depot + ";" + letter + ";");
+        EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, depot);
     }
 }
 
-TEST_F(LoadedRegion, NoThirdFieldMeansLoggingIsOff) {
-    load(";;");
-    EXPECT_EQ(settings.LOGGING, 'O');
-    load(";;S");
-    EXPECT_EQ(settings.LOGGING, 'O');
+TEST_F(LoadedRegion, TheThirdFieldMayBeMissing) {
+    load(";/one;");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/one");
+    load(";/two;N");
+    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/two");
 }
 
 TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
@@ -58,7 +56,6 @@ TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
     settings = interrogate_the_enterprise(gatebits_file, settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
-    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, " ");
     EXPECT_EQ(settings.logging_dir, " /log");
     EXPECT_EQ(settings.results_dir, " /query_results");
 }
@@ -67,10 +64,8 @@ TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
     use_gatebits(
         "# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
     settings = interrogate_the_enterprise(gatebits_file, settings.tools);
-    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_REGION_HEADER, "gatewarden;;;east;");
+    EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
-    EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_PARENT_FILE, "/p");
-    EXPECT_EQ(settings.LOGGING, 'S');
 }
 
 TEST_F(LoadedRegion, RelocatedUnixDirectoriesWinAndWindowsOnesNeverDo) {
