@@ -107,10 +107,11 @@ std::string missing_lines(std::string_view lines, Words* standing) {
 
 Words words_after(off_t from, const std::string& path, const Descriptor& log, Work* work) {
     Words words;
-    read_pieces(log, path, from, status_of(log).st_size, &work->progress, [&](auto piece) {
+    const auto take = [&](std::string_view piece) {
         for_each_word(piece, [&](std::string_view word) { words.emplace(word); });
         return true;
-    });
+    };
+    stop_on(read_pieces(log, from, status_of(log).st_size, &work->progress, take), "read", path);
     return words;
 }
 
@@ -164,9 +165,9 @@ int find_left_overs(const std::string& source, Listings* listings, std::vector<L
     return error;
 }
 
-off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
-                Descriptor out, Work* work, Words standing) {
-    off_t added = left_over.from;
+off_t add_words(LeftOver* left_over, const Settled& to, const std::string& path, Descriptor out,
+                Work* work, Words standing) {
+    off_t added = left_over->from;
     int error = 0;
     std::string missing;
     const auto add = [&](std::string_view words) {
@@ -179,10 +180,11 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
         added += static_cast<off_t>(whole);
         return error == 0 && whole == words.size();
     };
-    read_pieces(left_over.file, left_over.path(), added, to.size, &work->progress, add);
+    const int unread = read_pieces(left_over->file, added, to.size, &work->progress, add);
     stop_on(error, "write", path);
     must(fsync(out.get()) == 0, "sync", path);
     stop_on(out.close(), "close", path);
+    if (unread != 0) left_over->stays = std::strerror(unread);
     return added;
 }
 
@@ -201,8 +203,9 @@ void add_left_over(LeftOver* left_over, const std::string& path, const Descripto
         if (left_over->log == id_of(log)) standing = words_after(left_over->size, path, log, work);
         Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work->deadline);
         if (!out) return;
-        added = add_words(*left_over, settled, path, std::move(out), work, std::move(standing));
+        added = add_words(left_over, settled, path, std::move(out), work, std::move(standing));
         sync_names(path);
+        if (!left_over->stays.empty()) return;
     }
     if (settled.is_written) {
         if (renumber(left_over, added, id, 0)) left_over->stays = KEPT_OPEN;

@@ -73,9 +73,10 @@ using Words = std::unordered_multiset<std::string>;
 /// Appends to the open file at `path` the kept words of a left-over from its byte `from` to byte
 /// `to.size`, except for those that are `standing` there already, and brings the file to the disk.
 /// Returns the byte up to which that was done: as long as a writer has the left-over open, its last
-/// word, which may be unfinished, is left out. Stops the pruning when it fails.
-off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
-                Descriptor out, Work* work, Words standing = {});
+/// word, which may be unfinished, is left out. Stops the pruning when it fails, but for a left-over
+/// that cannot be read on, which says why it stays.
+off_t add_words(LeftOver* left_over, const Settled& to, const std::string& path, Descriptor out,
+                Work* work, Words standing = {});
 
 /// Adds the kept records of a left-over to the log at `path`, which is open and locked, and removes
 /// the left-over. If it cannot be removed yet, `left_over->stays` says why.

@@ -64,11 +64,11 @@ Descriptor open_locked(const std::string& path, Moment deadline, std::string* re
 bool make_log_public(const Descriptor& log);
 
 /// Hands out the words from byte `from` up to byte `to` of an open file piece by piece, for as long
-/// as `take` wants more. Stops the pruning when the file cannot be read. Nothing may be said, nor
-/// the program be ended, in between: the progress stands on the terminal until it is done.
+/// as `take` wants more. 0, or the errno for which the file cannot be read on. Nothing may be said,
+/// nor the program be ended, in between: the progress stands on the terminal until it is done.
 template <typename Take>
-void read_pieces(const Descriptor& file, const std::string& path, off_t from, off_t to,
-                 Progress* progress, const Take& take) {
+[[nodiscard]] int read_pieces(const Descriptor& file, off_t from, off_t to, Progress* progress,
+                              const Take& take) {
     LogReader reader;
     reader.start(file.get(), from);
     bool goes_on = true;
@@ -80,5 +80,5 @@ void read_pieces(const Descriptor& file, const std::string& path, off_t from, of
         progress->advance(static_cast<off_t>(piece.size()));
     }
     progress->wipe();
-    stop_on(reader.error(), "read", path);
+    return reader.error();
 }

@@ -37,7 +37,7 @@ Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file,
     if (!out) return out;
     carry_over_identity(old_file->file.get(), out.get());
     must(fchmod(out.get(), 0666) == 0, "make public", log.scratch);
-    old_file->from = add_words(*old_file, to, log.scratch, std::move(out), work);
+    old_file->from = add_words(old_file, to, log.scratch, std::move(out), work);
     // Others may have put a pipe there meanwhile, which must not be waited for.
     Descriptor text(open_regular_file(log.scratch, O_RDONLY | O_NOFOLLOW));
     must(static_cast<bool>(text), "open", log.scratch);
@@ -85,18 +85,27 @@ std::string rewrite_log(Log* log, Work* work) {
 
     const KeptRecords before = work->records;
     bool keeps_all = true;
-    read_pieces(old_log, path, 0, settled.size, &work->progress, [&](std::string_view piece) {
+    const auto look = [&](std::string_view piece) {
         keeps_all = work->records.of(piece).data() == piece.data();
         return keeps_all;
-    });
+    };
+    const int unread = read_pieces(old_log, 0, settled.size, &work->progress, look);
     // A log that only its owner can write gets a new text, so that others can append.
-    if (keeps_all && make_log_public(old_log)) return "";
+    if (unread == 0 && keeps_all && make_log_public(old_log)) return "";
 
     work->records = before;
+    if (unread != 0) return std::strerror(unread);
     if (!may_be_replaced(path, old_log)) return std::strerror(EPERM);
     LeftOver old_file = new_left_over(path, std::move(old_log));
     const Descriptor new_log = write_new_text(*log, settled, &old_file, work);
-    reason = new_log ? put_in_place(*log, &old_file) : std::strerror(errno);
+    if (!new_log) {
+        reason = std::strerror(errno);
+    } else if (!old_file.stays.empty()) {
+        reason = old_file.stays;
+        remove_temporary_file(log->scratch);
+    } else {
+        reason = put_in_place(*log, &old_file);
+    }
     if (!reason.empty()) {
         work->records = before;
         return reason;

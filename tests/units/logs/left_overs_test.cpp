@@ -206,6 +206,22 @@ TEST_F(LeftOvers, HowFarTheAddingHasComeIsShown) {
     EXPECT_TRUE(std::string(shown.data()).starts_with("\r0 of 1 MB, ")) << shown.data();
 }
 
+TEST_F(LeftOvers, OneWhoseReadingFailsStays) {
+    write_log(0, fresh(1));
+    const std::string path = make_left_over(pruning_companion_path(0), 0, fresh(2));
+    LeftOver companion =
+        new_left_over(pruning_companion_path(0),
+                      Descriptor(open(path.c_str(), O_WRONLY | O_CLOEXEC)));  // not to be read
+    Work work = {KeptRecords(0), Progress(0), std::chrono::steady_clock::now()};
+    const Descriptor log(open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC));
+    add_left_over(&companion, log_file_path(0), log, &work);
+    EXPECT_EQ(companion.stays, "Bad file descriptor");
+    EXPECT_EQ(companion.log, id_of(log));
+    companion.file.close();
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
 TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
     // The first pruning was ended when the new text had become the log.
     write_log(0, fresh(1));

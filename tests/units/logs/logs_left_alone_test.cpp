@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "base/descriptor.h"
 #include "units/logs/pruning_region.h"
 
 // Logs behind links, and logs and files that are to be left as they are.
@@ -180,6 +181,20 @@ TEST_F(LogsLeftAlone, ALogThatCannotBeReadIsNamed) {
     write_log(4, old(1));
     EXPECT_EQ(said_to(OPERATOR), left_alone(log_file_path(3), "Permission denied") + result(1, 1));
     EXPECT_EQ(file_text(log_file_path(3)), old(1));
+}
+
+TEST_F(LogsLeftAlone, ALogWhoseReadingFailsIsNamed) {
+    // Can be opened, and says that it holds something.
+    const std::string unreadable = "/sys/class/net/lo/speed";
+    const Descriptor file(open(unreadable.c_str(), O_RDONLY | O_CLOEXEC));
+    char byte;
+    if (!file || read(file.get(), &byte, 1) != -1) GTEST_SKIP() << "no file of that kind here";
+    patience = LITTLE_PATIENCE;
+    fs::create_symlink(unreadable, log_file_path(3));
+    write_log(4, old(1) + fresh(1));
+    EXPECT_EQ(said_by_pruning(), left_alone(unreadable, "Invalid argument") + result(1, 2));
+    EXPECT_EQ(file_text(log_file_path(4)), fresh(1));
+    EXPECT_FALSE(fs::exists(pruning_token_path()));
 }
 
 TEST_F(LogsLeftAlone, WhoIsLeftAloneIsNamedOnStandardErrorToo) {
