@@ -52,7 +52,7 @@ std::string warnings_of(const std::string& gatebits_file, const FieldEditor& edi
     return editor.warnings(gatebits_file, {change.item, editor.subject, editor.field, change.to});
 }
 
-/// Whether the depot is there that a field cannot do without.
+/// Whether the depot that a field needs is there.
 enum class DepotFirst { IS_THERE, NOW_DEFINED, MISSING };
 
 struct DepotNeeded {

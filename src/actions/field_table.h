@@ -39,12 +39,12 @@ struct FieldKind {
     bool names_a_path = false;
     /// The field's name in confirmations.
     std::string (*field_name)(const FieldEditor& editor);
-    /// What the field cannot do without a depot for, and the words that lead back from there;
-    /// null for fields that can.
+    /// What a field that needs a depot is called when the depot is asked for first, and the words
+    /// that lead back from there; null for fields that need none.
     const char* depot_entry = nullptr;
     const char* back_to = nullptr;
-    /// What else changes with the value, in the same write, or must not have changed until then;
-    /// null when there is nothing.
+    /// Fields that change with the value, in the same write, or that must still hold what they held
+    /// when the operator was asked; null when there are none.
     std::vector<FieldChange> (*further_changes)(const std::string& gatebits_file,
                                                 const FieldEditor& editor,
                                                 const std::string& value) = nullptr;

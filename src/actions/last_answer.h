@@ -17,4 +17,5 @@ struct LastAnswer : std::optional<std::string> {
     /// and goes back to the menu.
     bool changed_meanwhile = false;
 };
+/// The last answer of a request whose last dialog was left without one.
 inline constexpr char UNANSWERED[] = "";

@@ -56,6 +56,7 @@ constexpr Codes letter_codes(std::string_view letters, std::uint8_t step) {
     return codes;
 }
 
+/// Digit to its value times `step`; `zero_too` counts as 0.
 constexpr Codes digit_codes(std::uint8_t step, char zero_too) {
     Codes codes = {};
     codes.fill(NOT_CANONICAL);
@@ -95,12 +96,14 @@ ALWAYS_INLINE const char* user_end(const char* user) {
     return user + LANES::lowest_bit(found);
 }
 
+/// Whether the four bytes at `at` agree with `wanted` where `mask` says so.
 ALWAYS_INLINE bool same_number(const char* at, std::uint32_t wanted, std::uint32_t mask) {
     std::uint32_t number;
     std::memcpy(&number, at, sizeof number);
     return (number & mask) == wanted;
 }
 
+/// Whether the user at `at` and the '[' after it are those of the filter, if it asks for any.
 template <class LANES>
 ALWAYS_INLINE bool same_user(const char* at, const CanonicalFilter& filter) {
     const auto same_half = [&](std::size_t i) {

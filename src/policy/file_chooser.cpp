@@ -10,10 +10,10 @@
 
 namespace {
 
-/// Result file, default option, directory option, directory option again: the prompt has always
-/// shown the directory option, and the caller's text has no place here.
+/// CLEARPROMPT, result file, default option, directory option, directory option again: the prompt
+/// has always shown the directory option, and the caller's text has no place here.
 constexpr char CLEARPROMPT_NAVIGATE_PATH[] =
-    "clearprompt file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
+    "%s file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
 /// Quoted directory.
 constexpr char DIRECTORY_OPTION[] = "-directory %s";
 
@@ -32,8 +32,8 @@ std::optional<std::string> select_cb_file(const std::string& file_in_use,
     const std::string DEF_OR_NO = " ";
     const std::string DIR_OR_NO = directory_option(file_in_use);
     const AnswerFile answer(t_file_name());
-    run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, quoted(answer.path()).c_str(), DEF_OR_NO.c_str(),
-                      DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
+    run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, CLEARPROMPT, quoted(answer.path()).c_str(),
+                      DEF_OR_NO.c_str(), DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
                prompt_text, NOT_ASKED_SO_CANCELLED);
     std::string POSSIBLE_FILE = words_joined(answer.content().value_or(""));
     if (POSSIBLE_FILE.empty()) return std::nullopt;

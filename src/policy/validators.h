@@ -22,14 +22,18 @@ class Validity {
     std::string message_;
 };
 
-// Building blocks.
+// Building blocks. `item` is what the message calls the value.
 
+/// Whether the value has no more than `maximum` bytes.
 Validity item_value_exceeds_max_character_size(const char* item, const std::string& value,
                                                int maximum);
-/// The other system's directory separator, and what ends a field or a list item, poison a path.
+/// Whether a path is free of the other system's directory separator and of what ends a field or a
+/// list item. `kind` is DIRECTORY_KIND or FILE_KIND.
 Validity value_contains_file_dir_OS_posion(const std::string& value, const char* item,
                                            const char* kind, const std::string& os);
+/// Whether a value is free of what ends a field or a list item.
 Validity value_has_comma_or_semi(const std::string& value, const char* item);
+/// Whether a path ends in anything but a directory separator of its system.
 Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
                                    const std::string& os);
 

@@ -10,7 +10,6 @@
 #include "dialog/prompts.h"
 #include "messages/bit_names.h"
 #include "messages/command_names.h"
-#include "messages/identity.h"
 #include "messages/query_texts.h"
 
 namespace {

@@ -8,6 +8,7 @@
 // The numbers of a page, for programs: a file beside it that spreadsheets and monitoring systems
 // read. It is written where ZUL_GATESCOPE_CSV is "yes" (in any case).
 
+/// Whether the environment asks for the numbers.
 bool csv_is_wanted();
 
 /// The numbers of query 1 to 6 as RFC 4180 has them, lines ended by CR and LF: a header line, then
