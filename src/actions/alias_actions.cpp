@@ -29,8 +29,9 @@ std::string definition(const std::string& name, const std::string& value) {
 
 std::string definition_entry(const Aliases& aliases, std::size_t i) {
     const std::string entry = definition(aliases.ALIAS_NAME[i], aliases.ALIAS[i]);
-    return entry.size() <= LISTED_ALIAS_CHARACTERS ? entry
-                                             : entry.substr(0, LISTED_ALIAS_CHARACTERS) + CUT_KEY_MARK;
+    return entry.size() <= LISTED_ALIAS_CHARACTERS
+               ? entry
+               : entry.substr(0, LISTED_ALIAS_CHARACTERS) + CUT_KEY_MARK;
 }
 
 std::string reference_entry(const Aliases& aliases, std::size_t i) {

@@ -19,8 +19,6 @@
 
 namespace fs = std::filesystem;
 using testing::ElementsAre;
-using testing::ExitedWithCode;
-using testing::HasSubstr;
 
 namespace {
 
