@@ -102,18 +102,18 @@ std::optional<std::string> make_selection(const std::string& title, const std::s
 int get_system_rc(const std::string& command) {
     std::fflush(stdout);
     std::fflush(stderr);
-    const RedirectedStream out(STDOUT_FILENO, "_dup( stdout ) failure");
-    const RedirectedStream err(STDERR_FILENO, "_dup( stderr ) failure");
+    const RedirectedStream out(STDOUT_FILENO, CANNOT_KEEP_STDOUT);
+    const RedirectedStream err(STDERR_FILENO, CANNOT_KEEP_STDERR);
     if (!out.is_saved() && !err.is_saved()) return run_in_shell(command);
     const std::string trash =
         make_tfile("gatewarden_temp_trash_file", nullptr, GLOBAL_PID_STRING.c_str());
     const int file = create_temporary_file(trash);
     if (file == -1) {
-        print_stdout("Can't open file 'data'\n");
+        print_stdout(CANNOT_OPEN_TRASH_FILE);
         return run_in_shell(command);
     }
-    out.point_at(file, "Can't _dup2 stdout");
-    err.point_at(file, "Can't _dup2 stderr");
+    out.point_at(file, CANNOT_REDIRECT_STDOUT);
+    err.point_at(file, CANNOT_REDIRECT_STDERR);
     const int status = run_in_shell(command);
     close(file);
     remove_temporary_file(trash);

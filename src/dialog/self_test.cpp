@@ -53,14 +53,13 @@ int code_of(const std::optional<std::string>& answer, std::string* last) {
 /// After a cancel the reports show the answer before.
 void test_lists_and_prompts() {
     std::string last;
-    int code =
-        code_of(make_selection("Single Selection test...", "1,2,3,4,5", SINGLE_CHOICE), &last);
+    int code = code_of(
+        make_selection(SINGLE_SELECTION_TITLE, SINGLE_SELECTION_ITEMS, SINGLE_CHOICE), &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(make_selection("Multi Selection test...",
-                                  "this,or that,or the other,some more,last one", MULTIPLE_CHOICE),
+    code = code_of(make_selection(MULTI_SELECTION_TITLE, MULTI_SELECTION_ITEMS, MULTIPLE_CHOICE),
                    &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(prompt("Prompt...", "Default answer"), &last);
+    code = code_of(prompt(TEST_PROMPT, TEST_PROMPT_DEFAULT), &last);
     advise(filled(RESPONSE_REPORT, last.c_str(), code));
 }
 

@@ -32,3 +32,11 @@ inline constexpr char INVALID_SELECTION[] = "Invalid Selection received in make_
 /// Largest accepted answer in bytes.
 inline constexpr char SELECTION_TOO_LARGE[] =
     "make_selection() selection excessively large exceeds %d bytes";
+
+// What can go wrong where a command's output is thrown away; but for the file's, with the system's
+// reason after it. They have always been worded so.
+inline constexpr char CANNOT_KEEP_STDOUT[] = "_dup( stdout ) failure";
+inline constexpr char CANNOT_KEEP_STDERR[] = "_dup( stderr ) failure";
+inline constexpr char CANNOT_OPEN_TRASH_FILE[] = "Can't open file 'data'\n";
+inline constexpr char CANNOT_REDIRECT_STDOUT[] = "Can't _dup2 stdout";
+inline constexpr char CANNOT_REDIRECT_STDERR[] = "Can't _dup2 stderr";

@@ -28,10 +28,18 @@ inline constexpr char NO_BROWSER_DEFINED[] =
     "was built, but there is no browser defined by either\n"
     "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
     "in the gatebits file (%s)\nfor region (%s)";
-/// Path, browser, region, then where the browser was defined: "by" or "in", what, and its name.
+/// Path, browser, region, then where the browser was defined: BrowserPlace's preposition and
+/// kind, and the name of the variable or file.
 inline constexpr char BROWSER_DOES_NOT_EXIST[] =
     "Gatescope query completed and html page\n(%s) was built, but Gatescope browser\n"
     "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
+struct BrowserPlace {
+    const char* preposition;
+    const char* kind;
+};
+inline constexpr BrowserPlace BY_THE_ENVIRONMENT = {"by", "the environmental variable"};
+inline constexpr BrowserPlace IN_THE_GATEBITS_FILE = {"in", "the gatebits file"};
+
 /// Page file's name.
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
 /// Raw status, browser.

@@ -20,6 +20,13 @@ inline constexpr char THREE_BUTTON_ANSWER[] = "3 button answer rc = (%d)...";
 /// Word, code.
 inline constexpr char ONLY_ANSWER[] = "%s only answer rc = (%d)...";
 
+inline constexpr char SINGLE_SELECTION_TITLE[] = "Single Selection test...";
+inline constexpr char SINGLE_SELECTION_ITEMS[] = "1,2,3,4,5";
+inline constexpr char MULTI_SELECTION_TITLE[] = "Multi Selection test...";
+inline constexpr char MULTI_SELECTION_ITEMS[] = "this,or that,or the other,some more,last one";
+inline constexpr char TEST_PROMPT[] = "Prompt...";
+inline constexpr char TEST_PROMPT_DEFAULT[] = "Default answer";
+
 struct TestQuestion {
     const char* text;
     /// Default and mask; null leaves them to the dialog.

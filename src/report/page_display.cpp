@@ -24,11 +24,10 @@ using Clock = std::chrono::steady_clock;
 /// A browser that ran longer than this has been used, so its status means nothing.
 constexpr std::chrono::seconds LONGEST_FAILED_START{2};
 
-/// A browser, and where it is defined, in the words of the message about a missing one.
+/// A browser, and the variable or file that defines it.
 struct Browser {
     std::string path;
-    const char* preposition;
-    const char* kind;
+    BrowserPlace place;
     std::string source;
 };
 
@@ -36,10 +35,10 @@ struct Browser {
 /// defines one.
 std::optional<Browser> choose_browser(const PageRegion& region) {
     if (const char* wish = std::getenv(ENV_BROWSER)) {
-        return Browser{wish, "by", "the environmental variable", ENV_BROWSER};
+        return Browser{wish, BY_THE_ENVIRONMENT, ENV_BROWSER};
     }
     if (region.browser.empty()) return std::nullopt;
-    return Browser{region.browser, "in", "the gatebits file", region.ENTERPRIZE_PERMISSION_FILE};
+    return Browser{region.browser, IN_THE_GATEBITS_FILE, region.ENTERPRIZE_PERMISSION_FILE};
 }
 
 void run_browser(const std::string& browser, const std::string& page) {
@@ -64,7 +63,8 @@ void display_page(const StoredPage& page, const PageRegion& region, bool display
     }
     if (access(browser->path.c_str(), F_OK) != 0) {
         return advise(filled(BROWSER_DOES_NOT_EXIST, path, browser->path.c_str(), name,
-                             browser->preposition, browser->kind, browser->source.c_str()));
+                             browser->place.preposition, browser->place.kind,
+                             browser->source.c_str()));
     }
     advise(filled(DISPLAYING_GRAPH, page.name.c_str()));
     run_browser(browser->path, page.path);
