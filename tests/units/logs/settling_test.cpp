@@ -1,6 +1,7 @@
 #include "logs/settling.h"
 
 #include <chrono>
+#include <csignal>
 
 #include "units/logs/pruning_region.h"
 
@@ -59,6 +60,17 @@ TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
     const Moment deadline = in(50);
     settle(file, deadline);
     EXPECT_GE(std::chrono::steady_clock::now(), deadline);
+}
+
+TEST_F(Settling, TheLeaseOfAnotherPruningIsWaitedFor) {
+    write_log(3, fresh(1));
+    write_file(pruning_companion_path(3), fresh(2));
+    const Descriptor other(open(log_file_path(3).c_str(), O_RDONLY | O_CLOEXEC));
+    fcntl(other.get(), F_SETSIG, SIGURG);
+    ASSERT_EQ(fcntl(other.get(), F_SETLEASE, F_RDLCK), 0);
+    const Later end([&] { fcntl(other.get(), F_SETLEASE, F_UNLCK); });
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2));
 }
 
 }  // namespace
