@@ -1,4 +1,3 @@
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,27 +72,16 @@ Picked picked_definition(const std::string& pick, const char* fault) {
     return {rest.substr(0, name_end), rest.substr(name_end + 1)};
 }
 
-/// Prompts until the answer is acceptable; a rejected one's message takes the place of
-/// `question`. The answer, or nothing when the operator cancels.
-std::optional<std::string> prompt_until_ok(
-    std::string question, const std::string& def,
-    const std::function<Validity(const std::string&)>& is_ok) {
-    while (const auto answer = prompt(question, def)) {
-        const Validity validity = is_ok(*answer);
-        if (validity.accepted()) return answer;
-        question = validity.message();
-    }
-    return std::nullopt;
-}
-
 std::optional<std::string> prompt_for_value(const std::string& name, const std::string& def) {
     return prompt_until_ok(filled(ALIAS_VALUE_PROMPT, name.c_str(), MAX_ALIAS_VALUE), def,
-                           alias_value_is_ok);
+                           alias_value_is_ok)
+        .value;
 }
 
 std::optional<std::string> prompt_for_name(const Aliases& others) {
     return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "",
-                           [&](const std::string& name) { return alias_name_is_ok(name, others); });
+                           [&](const std::string& name) { return alias_name_is_ok(name, others); })
+        .value;
 }
 
 }  // namespace

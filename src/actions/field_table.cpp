@@ -23,19 +23,11 @@ Validity of_text(const std::string& value, const std::string& /*os*/, const std:
     return is_ok(value);
 }
 
-/// The validator's message takes the prompt's place until a value passes; what is already there
-/// to be edited stays the field's value.
 Entered typed_value(const std::string& gatebits_file, const FieldEditor& editor,
                     const std::string& question, const std::string& current) {
-    std::string text = question;
-    std::string last_answer;
-    while (const auto value = prompt(text, current)) {
-        last_answer = *value;
-        const Validity validity = editor.kind->is_ok(*value, editor.subject, gatebits_file);
-        if (validity.accepted()) return {value, last_answer};
-        text = validity.message();
-    }
-    return {std::nullopt, last_answer};
+    return prompt_until_ok(question, current, [&](const std::string& value) {
+        return editor.kind->is_ok(value, editor.subject, gatebits_file);
+    });
 }
 
 /// A cleared depot takes with it what stands on it.

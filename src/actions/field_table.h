@@ -1,10 +1,10 @@
 #pragma once
 
-#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
+#include "actions/picks.h"
 #include "policy/change_warnings.h"
 #include "policy/gatebits_file.h"
 #include "policy/validators.h"
@@ -12,14 +12,6 @@
 // The thirteen fields that can be edited, as data: what the one editor loop needs to know of each.
 
 struct FieldEditor;
-
-/// What the operator entered.
-struct Entered {
-    /// The field's new value; nothing when the operator cancelled.
-    std::optional<std::string> value;
-    /// The answer given last, even where a cancel followed; empty when there was none.
-    std::string last_answer;
-};
 
 /// What the editors of one kind have in common.
 struct FieldKind {

@@ -5,6 +5,18 @@
 #include "base/text.h"
 #include "dialog/prompts.h"
 
+Entered prompt_until_ok(std::string question, const std::string& def,
+                        const std::function<Validity(const std::string& value)>& is_ok) {
+    std::string last_answer;
+    while (const auto answer = prompt(question, def)) {
+        last_answer = *answer;
+        const Validity validity = is_ok(*answer);
+        if (validity.accepted()) return {answer, last_answer};
+        question = validity.message();
+    }
+    return {std::nullopt, last_answer};
+}
+
 std::optional<std::string> pick_one(const std::string& title, const std::string& items) {
     std::optional<std::string> pick;
     do {
