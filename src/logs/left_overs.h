@@ -38,18 +38,19 @@
 //                                         takes it down.
 //
 // Nothing is ever cut or overwritten: a log changes by a rename of its whole new text, or by lines
-// appended to it.  Left-overs are added before any log gets a new text, because that ends what
-// their inode says.
+// appended to it.  Left-overs are added before any log gets a new text, because that has
+// another inode than the one that they name.
 
 struct LeftOver {
     /// The companion or log, whose path its own begins with.
     std::string source;
+    /// F, the device and I, and S of the table above.
     off_t from = 0;
     FileId log = {};
     off_t size = 0;
-    /// For reading, once it is looked at.
+    /// Open for reading once the left-over has been looked at.
     Descriptor file = {};
-    /// Where a log's old file could not be given a name, it is this run's only.
+    /// False for a log's old file that could not be given a name: only this run knows of it.
     bool has_name = true;
     /// Why some of it, or all, could not be added yet; in memory only.
     std::string stays = {};

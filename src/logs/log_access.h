@@ -50,8 +50,7 @@ struct Place {
 /// ring.
 Place follow_links(const std::string& path, int most_links = 40);
 
-/// Opens the file that a name stands for now, and no link that has come there since links were
-/// looked at. Otherwise it is as open_log.
+/// open_log, but for links: one that was put at `path` after links were followed is not opened.
 Descriptor open_here(const std::string& path, std::string* reason);
 
 /// Opens a log for reading and keeps other prunings of it out, of regions whose links lead to it
