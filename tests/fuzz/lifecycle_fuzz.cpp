@@ -210,7 +210,8 @@ bool is_template(const std::string& text, const ToolSettings& tools) {
 
 bool is_copy(const std::string& file) {
     return std::any_of(chosen.begin(), chosen.end(), [&](const std::string& source) {
-        return !leads_to(source, file) && fs::is_regular_file(source) &&
+        std::error_code unknown;
+        return !leads_to(source, file) && fs::is_regular_file(source, unknown) &&
                file_text(source) == file_text(file);
     });
 }
