@@ -169,9 +169,9 @@ std::string left_alone(const std::vector<Log>& logs) {
     return lines;
 }
 
-}  // namespace
-
-void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience) {
+/// Does it all, and returns what the operator is told. Nothing is locked any more then: a box may
+/// stay open for long.
+std::string prune(const LogsToPrune& logs, std::uint8_t days, const Patience& patience) {
     const std::int64_t cut_off = set_time_values(days).start_of_period_time;
     const Token token = put_up_token(logs, cut_off);
     std::this_thread::sleep_for(patience.pause);
@@ -199,9 +199,14 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
 
     const auto removed = static_cast<long long>(work.records.removed());
     const auto total = static_cast<long long>(work.records.total() - counted_there);
-    const std::string text =
-        left_alone(found) + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
-                                   logs.region.c_str(), days);
+    return left_alone(found) + filled(PRUNING_RESULT, removed, total, removed == 1 ? "was" : "were",
+                                      logs.region.c_str(), days);
+}
+
+}  // namespace
+
+void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience) {
+    const std::string text = prune(logs, days, patience);
     if (logs.display) {
         advise(text);
     } else {

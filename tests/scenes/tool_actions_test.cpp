@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <ctime>
+#include <filesystem>
 
 #include "scenes/actions.h"
 
@@ -174,6 +175,19 @@ TEST(Prune, KeepsTheLast120DaysAndMergesTheCompanions) {
     EXPECT_EQ(east.log(20), now + "<c\n" + now + "<d\n");
     EXPECT_EQ(east.files_in("depot/log"),
               (std::vector<std::string>{"logging_0.txt", "logging_20.txt"}));
+}
+
+TEST(Prune, HoldsNoLockWhileTheResultIsShown) {
+    // A remote client's box is waited for.
+    Region east = a_region().with_env("ZUL_USING_CCRC", "yes").with_log(0, "");
+    east.program_answers("box", {.meanwhile = "flock --nonblock depot/log touch unlocked"});
+    const Result result = east.run({"A=1", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(
+        result.dialogs(),
+        Dialogs{advised_and_waited("0 of 0 log entries were removed from the Gatewarden LOGS for "
+                                   "the Gatewarden Region (east).\n\n120 days of data retained.")});
+    EXPECT_TRUE(std::filesystem::exists(east.path("unlocked")));
 }
 
 }  // namespace
