@@ -245,6 +245,17 @@ eventually not_on_screen '<Ok>' || failed "the box stays on the screen: $(screen
 expect_equal "the terminal's settings" "$(<before)" "$(<after)"
 expect_equal "what is left" "" "$(ls temporary)"
 
+case_is "signals in quick succession leave nothing either"
+for ((round = 0; round < 8; ++round)); do
+    in_terminal "TMPDIR=$stage/temporary $clearprompt text -pre -out answer -pro Q"
+    appears '<Ok>'
+    running=$(pgrep -P "$(tmux_does display-message -p '#{pane_pid}')" -f tools/clearprompt)
+    for ((i = 0; i < 2000; ++i)); do kill -INT "$running" 2>/dev/null || break; done
+    terminal_ends_with 130
+    eventually not_on_screen '<Ok>' || failed "the box stays on the screen: $(screen)"
+    expect_equal "what is left" "" "$(ls temporary)"
+done
+
 case_is "Ctrl-C ends the dialog and whatever waits for it, and the box goes"
 printf '%s\n' "$clearprompt yes_no -mask yes,no -pre -pro QUESTION" 'echo went on >goes_on' >waits
 cat >around <<'END'
