@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <numeric>
+#include <string_view>
 
 #include "fuzz/fuzz_world.h"
 
@@ -48,6 +49,15 @@ bool begins_one_of(const std::multiset<std::string>& words, const std::string& b
     // Those that begin with it come first of all that are not before it.
     const auto found = words.lower_bound(beginning);
     return found != words.end() && found->starts_with(beginning);
+}
+
+/// What may be added of a left-over: its name says from which byte on, maybe inside a word.
+std::string to_be_added(const std::string& path, const std::string& text) {
+    constexpr std::string_view MARK = ".to_add_";
+    const std::size_t mark = path.rfind(MARK);
+    if (mark == std::string::npos) return text;
+    const std::size_t from = std::strtoull(&path[mark + MARK.size()], nullptr, 10);
+    return text.substr(std::min(from, text.size()));
 }
 
 bool is_white(char character) {
@@ -109,9 +119,11 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
 }
 
 void PrunedRegion::plant_left_over(const std::string& path, Kind kind, const std::string& text) {
+    if (left_overs_.contains(path)) return;
     plant(path, kind, text, false);
-    left_overs_[path] = description(fs::directory_entry(path));
-    for (std::string& word : words_of(text)) left_over_words_.insert(std::move(word));
+    const std::vector<std::string> words = words_of(to_be_added(path, text));
+    left_overs_[path] = {description(fs::directory_entry(path)), words};
+    left_over_words_.insert(words.begin(), words.end());
 }
 
 void PrunedRegion::add_words(const std::string& text, Log* log) const {
@@ -277,11 +289,11 @@ void PrunedRegion::check(int torn) const {
     const Snapshot now = everything();
     must(!now.contains(pruning_token_path(logging_dir_)), "the token is down");
     Words extra;
-    for (const auto& [path, before] : left_overs_) {
+    for (const auto& [path, planted] : left_overs_) {
+        const auto& [before, words] = planted;
         const auto found = now.find(path);
         must(found == now.end() || found->second == before, "a left-over is whole, or gone");
-        if (found != now.end()) continue;
-        for (std::string& word : words_of(before)) extra.insert(std::move(word));
+        if (found == now.end()) extra.insert(words.begin(), words.end());
     }
     for (const auto& [number, log] : logs_) {
         if (log.is_usable) check_log(number, &extra, &torn);

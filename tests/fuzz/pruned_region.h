@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "logs/log_files.h"
@@ -82,7 +83,8 @@ class PrunedRegion {
     std::map<int, Log> logs_;
     /// The real paths of the logs and companions that can be used.
     std::set<std::string> rewritten_;
-    std::map<std::string, std::string> left_overs_;
+    /// What was planted under each name, and the words that may be added of it.
+    std::map<std::string, std::pair<std::string, std::vector<std::string>>> left_overs_;
     Words left_over_words_;
     Snapshot untouched_;
     int writers_ = 0;
