@@ -4,8 +4,26 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 
 #include "base/descriptor.h"
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// The system takes a lease away from who does not give it up, by default after 45 seconds.
+constexpr auto LEASE_PATIENCE = 60s;
+
+constexpr auto PAUSE = 1ms;
+
+bool is_regular(const std::string& path) {
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+}  // namespace
 
 bool this_file_exists(const std::string& path) {
     struct stat status;
@@ -13,13 +31,19 @@ bool this_file_exists(const std::string& path) {
 }
 
 int open_regular_file(const std::string& path, int flags) {
-    Descriptor file(open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
-    struct stat status;
+    const auto end = std::chrono::steady_clock::now() + LEASE_PATIENCE;
+    const auto try_to_open = [&] {
+        // Never one that waits: by then there may be a pipe in the file's place.
+        return Descriptor(open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
+    };
+    Descriptor file = try_to_open();
     // Somebody has a lease on it, who is told that another waits.
-    if (!file && errno == EWOULDBLOCK && stat(path.c_str(), &status) == 0 &&
-        S_ISREG(status.st_mode)) {
-        file = Descriptor(open(path.c_str(), flags | O_NOCTTY | O_CLOEXEC, 0666));
+    while (!file && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < end &&
+           is_regular(path)) {
+        std::this_thread::sleep_for(PAUSE);
+        file = try_to_open();
     }
+    struct stat status;
     if (!file || fstat(file.get(), &status) != 0) return -1;
     if (!S_ISREG(status.st_mode)) {
         errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;

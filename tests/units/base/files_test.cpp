@@ -1,0 +1,98 @@
+#include "base/files.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <thread>
+#include <utility>
+
+#include "base/descriptor.h"
+#include "support/scratch_directory.h"
+
+namespace {
+
+/// What happens when the next file has been looked at by its name.
+std::function<void()>& after_next_stat() {
+    static std::function<void()> what;
+    return what;
+}
+
+}  // namespace
+
+/// Takes the place of the C library's, which knows no moment between a look and what follows it.
+extern "C" int stat(const char* path, struct stat* status) noexcept {
+    const auto result = static_cast<int>(syscall(SYS_newfstatat, AT_FDCWD, path, status, 0));
+    const int reason = errno;
+    if (const std::function<void()> what = std::exchange(after_next_stat(), nullptr)) what();
+    errno = reason;
+    return result;
+}
+
+namespace {
+
+using namespace std::chrono_literals;
+
+class OpenRegularFile : public testing::Test {
+  protected:
+    OpenRegularFile() { directory_.write("file", "text\n"); }
+    ~OpenRegularFile() override { after_next_stat() = nullptr; }
+
+    std::string path(const std::string& name) const { return directory_.path(name); }
+
+    /// The file, with a lease that keeps writers waiting; nothing where there are no leases.
+    Descriptor leased() const {
+        Descriptor file(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
+        fcntl(file.get(), F_SETSIG, SIGURG);
+        if (fcntl(file.get(), F_SETLEASE, F_RDLCK) != 0) return {};
+        return file;
+    }
+
+    ScratchDirectory directory_;
+};
+
+TEST_F(OpenRegularFile, ALeaseIsWaitedFor) {
+    Descriptor theirs = leased();
+    if (!theirs) GTEST_SKIP() << "the file system has no leases";
+    const auto begin = std::chrono::steady_clock::now();
+    std::thread owner([&] {
+        std::this_thread::sleep_for(50ms);
+        theirs.close();
+    });
+    const Descriptor ours(open_regular_file(path("file"), O_WRONLY));
+    owner.join();
+    EXPECT_TRUE(ours);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 50ms);
+}
+
+// Whoever may write to the directory could hold up a job for ever.
+TEST_F(OpenRegularFile, APipeThatTakesItsPlaceMeanwhileIsNotWaitedFor) {
+    const Descriptor theirs = leased();
+    if (!theirs) GTEST_SKIP() << "the file system has no leases";
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0666), 0);
+    after_next_stat() = [&] { std::filesystem::rename(path("pipe"), path("file")); };
+    alarm(20);
+    EXPECT_EQ(open_regular_file(path("file"), O_WRONLY), -1);
+    EXPECT_EQ(errno, ENXIO);
+    alarm(0);
+    EXPECT_FALSE(after_next_stat()) << "it was looked at";
+}
+
+TEST_F(OpenRegularFile, OtherKindsOfFilesAreRefused) {
+    ASSERT_EQ(mkfifo(path("pipe").c_str(), 0666), 0);
+    EXPECT_EQ(open_regular_file(path("pipe"), O_RDONLY), -1);
+    EXPECT_EQ(errno, EINVAL);
+    EXPECT_EQ(open_regular_file(path(""), O_RDONLY), -1);
+    EXPECT_EQ(errno, EISDIR);
+    EXPECT_EQ(open_regular_file(path("none"), O_RDONLY), -1);
+    EXPECT_EQ(errno, ENOENT);
+}
+
+}  // namespace
