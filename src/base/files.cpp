@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 /// The system takes a lease away from who does not give it up, by default after 45 seconds.
 constexpr auto LEASE_PATIENCE = 60s;
 
-constexpr auto PAUSE = 1ms;
+constexpr auto LEASE_PAUSE = 1ms;
 
 bool is_regular(const std::string& path) {
     struct stat status;
@@ -40,7 +40,7 @@ int open_regular_file(const std::string& path, int flags) {
     // Somebody has a lease on it, who is told that another waits.
     while (!file && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < end &&
            is_regular(path)) {
-        std::this_thread::sleep_for(PAUSE);
+        std::this_thread::sleep_for(LEASE_PAUSE);
         file = try_to_open();
     }
     struct stat status;
