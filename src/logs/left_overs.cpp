@@ -10,6 +10,7 @@
 #include <cstring>
 #include <memory>
 #include <optional>
+#include <tuple>
 
 #include "base/files.h"
 #include "base/replace_file.h"
@@ -63,19 +64,15 @@ void sync_names(const std::string& path) {
 /// Renames a left-over so that its name holds the new numbers, and syncs the directory. False when
 /// it cannot be renamed; then it is what it was.
 bool renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
-    const std::string path = left_over->path();
-    std::swap(left_over->from, from);
-    std::swap(left_over->log, log);
-    std::swap(left_over->size, size);
-    if (!left_over->has_name) return true;
-    if (rename(path.c_str(), left_over->path().c_str()) != 0) {
-        left_over->stays = std::strerror(errno);
-        std::swap(left_over->from, from);
-        std::swap(left_over->log, log);
-        std::swap(left_over->size, size);
-        return false;
+    const LeftOver renamed = {left_over->source, from, log, size};
+    if (left_over->has_name) {
+        if (rename(left_over->path().c_str(), renamed.path().c_str()) != 0) {
+            left_over->stays = std::strerror(errno);
+            return false;
+        }
+        sync_names(renamed.path());
     }
-    sync_names(path);
+    std::tie(left_over->from, left_over->log, left_over->size) = std::tie(from, log, size);
     return true;
 }
 
@@ -105,14 +102,14 @@ std::string missing_lines(std::string_view lines, Words* standing) {
     return missing;
 }
 
-Words words_after(off_t from, const std::string& path, const Descriptor& log, Work* work) {
-    Words words;
+/// Takes in the words that stand in the log after its byte `from`. 0, or the errno for which it
+/// cannot be read.
+int words_after(off_t from, const Descriptor& log, Work* work, Words* words) {
     const auto take = [&](std::string_view piece) {
-        for_each_word(piece, [&](std::string_view word) { words.emplace(word); });
+        for_each_word(piece, [&](std::string_view word) { words->emplace(word); });
         return true;
     };
-    stop_on(read_pieces(log, from, status_of(log).st_size, &work->progress, take), "read", path);
-    return words;
+    return read_pieces(log, from, status_of(log).st_size, &work->progress, take);
 }
 
 /// Opens the log for at most `size` bytes of lines, after those that stand in it. Nothing is open
@@ -122,7 +119,10 @@ Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Desc
     const Settled settled = settle(log, deadline);
     // If the log has become shorter meanwhile, there is no byte to read, and no unfinished record.
     char last = '\n';
-    must(settled.size == 0 || pread(log.get(), &last, 1, settled.size - 1) != -1, "read", path);
+    if (settled.size != 0 && pread(log.get(), &last, 1, settled.size - 1) == -1) {
+        left_over->stays = std::strerror(errno);
+        return {};
+    }
     if (settled.is_written && !is_white(last)) {
         left_over->stays = KEPT_OPEN;
         return {};
@@ -200,7 +200,11 @@ void add_left_over(LeftOver* left_over, const std::string& path, const Descripto
     off_t added = left_over->from;
     if (settled.size > added) {
         Words standing;
-        if (left_over->log == id_of(log)) standing = words_after(left_over->size, path, log, work);
+        if (left_over->log == id_of(log)) {
+            const int error = words_after(left_over->size, log, work, &standing);
+            if (error != 0) left_over->stays = std::strerror(error);
+            if (error != 0) return;
+        }
         Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work->deadline);
         if (!out) return;
         added = add_words(left_over, settled, path, std::move(out), work, std::move(standing));

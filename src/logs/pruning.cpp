@@ -50,7 +50,8 @@ void lock(const Descriptor& file, const std::string& region) {
     }
 }
 
-/// The token diverts the log writers to the companions. The locks last as long as this.
+/// The token diverts the log writers to the companions. Locked as long as this is there: the
+/// directory, and the token, since across a network some file systems lock no directories.
 struct Token {
     std::string path;
     Descriptor directory;

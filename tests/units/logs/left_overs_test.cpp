@@ -222,6 +222,31 @@ TEST_F(LeftOvers, OneWhoseReadingFailsStays) {
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
 }
 
+// The other logs are pruned all the same, whether some of it has been added or nothing yet.
+TEST_F(LeftOvers, OfALogWhoseReadingFailsStay) {
+    const std::string unreadable = "/sys/class/net/lo/speed";
+    const Descriptor file(open(unreadable.c_str(), O_RDONLY | O_CLOEXEC));
+    char byte;
+    if (!file || read(file.get(), &byte, 1) != -1) GTEST_SKIP() << "no file of that kind here";
+    patience = LITTLE_PATIENCE;
+    for (const int number : {3, 5}) fs::create_symlink(unreadable, log_file_path(number));
+    write_log(4, old(1) + fresh(1));
+    const std::string added = left_over(pruning_companion_path(3), 0, unreadable, 0);
+    const std::string taken = left_over(pruning_companion_path(5), 0, log_file_path(4), 0);
+    write_file(added, fresh(2));
+    write_file(taken, fresh(3));
+    const std::string left = left_alone(unreadable, "Invalid argument");
+    const auto stays = [](const std::string& path) {
+        return "The next pruning adds to its log what is left in (" + path +
+               "): Invalid argument.\n";
+    };
+    EXPECT_EQ(said_by_pruning(), left + stays(added) + left + stays(taken) + result(1, 2));
+    EXPECT_EQ(file_text(log_file_path(4)), fresh(1));
+    EXPECT_EQ(file_text(added), fresh(2));
+    EXPECT_EQ(file_text(taken), fresh(3));
+    EXPECT_FALSE(fs::exists(pruning_token_path()));
+}
+
 TEST_F(LeftOvers, LogsMovedAwayAfterAKillLoseNothing) {
     // The first pruning was ended when the new text had become the log.
     write_log(0, fresh(1));

@@ -285,8 +285,11 @@ TEST_F(Pruning, WritersThatFollowTheTokenLoseNothing) {
 TEST_F(Pruning, ACompanionFilledWhileTheTokenGoesIsMergedToo) {
     write_log(3, fresh(1));
     write_file(pruning_companion_path(3), fresh(2));
+    // Long enough for the writer to have its turn on a busy machine.
+    patience.pause = std::chrono::milliseconds(300);
     // Once that companion has been added the pruning is about to take the token down.
     const Later writer([] {
+        while (!fs::exists(pruning_token_path())) usleep(100);
         while (fs::exists(pruning_token_path())) usleep(100);
         write_file(pruning_companion_path(3), fresh(3));
     });
