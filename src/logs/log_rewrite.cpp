@@ -51,8 +51,10 @@ std::string put_in_place(const Log& log, LeftOver* old_file) {
     const SignalsHeld held;
     const std::string& path = log.file.path;
     const std::string second = old_file->path();
-    // Where the system does not allow the second name, the old file will have none.
-    old_file->has_name = link(path.c_str(), second.c_str()) == 0;
+    // Where the system does not allow the second name, the old file will have none. Across a
+    // network the answer that it was given may get lost, and the call repeated.
+    old_file->has_name =
+        link(path.c_str(), second.c_str()) == 0 || is_name_of(second, old_file->file.get());
     std::string reason;
     if (!is_name_of(old_file->has_name ? second : path, old_file->file.get())) {
         reason = REPLACED_MEANWHILE;
