@@ -18,7 +18,8 @@ bool is_comment(const std::string& line) {
 /// The lines that no alias has anything to do with, in order.
 std::vector<std::string> comments() {
     std::vector<std::string> lines;
-    if (gatebits().empty()) return lines;
+    // Of a file with nothing but references blank lines are left when they are removed.
+    if (gatebits().find_first_not_of('\n') == std::string::npos) return lines;
     must(until_the_end([&] { lines = read_gatebits_lines(gatebits_path()); }) == -1,
          "a written file is read");
     lines.erase(std::remove_if(lines.begin(), lines.end(),
