@@ -67,6 +67,8 @@ Token put_up_token(const LogsToPrune& logs, std::int64_t cut_off) {
     remember_for_signals(token.path);
     token.file = open_to_append(token.path, NO_PRUNING_TOKEN);
     lock(token.file, logs.region);
+    // Whoever comes next after a run that was killed has to append to it.
+    make_log_public(token.file);
     const int error = write_all(token.file.get(), filled(TOKEN_TEXT, time_text(cut_off).c_str()));
     if (error != 0) gripe(NO_PRUNING_TOKEN, token.path, error);
     return token;

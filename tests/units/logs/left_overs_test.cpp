@@ -46,6 +46,18 @@ TEST_F(LeftOvers, ACompanionTakenIsAdded) {
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
 }
 
+TEST_F(LeftOvers, TheTokenOfRootKeepsNobodyFromPruning) {
+    if (geteuid() != 0) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    write_log(0, old(1));
+    write_file(pruning_scratch_path() + "/inside", "");
+    EXPECT_GRIPE(prune(), "Could not create needed pruning file");
+    ASSERT_TRUE(fs::exists(pruning_token_path()));
+    fs::remove_all(pruning_scratch_path());
+    EXPECT_EQ(said_to(OPERATOR), result(1, 1));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", ""}}));
+}
+
 TEST_F(LeftOvers, WhatHasBeenAddedIsNotAddedOnceMore) {
     // Before byte S the same records are other ones.
     const std::string before = fresh(2) + fresh(3);
