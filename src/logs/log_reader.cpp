@@ -1,13 +1,13 @@
 #include "logs/log_reader.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
 
+#include "base/files.h"
 #include "messages/startup_texts.h"
 
 namespace {
@@ -33,18 +33,11 @@ std::string_view next_word(const char** at, const char* end) {
 
 Descriptor open_log(const std::string& path, std::string* reason) {
     reason->clear();
-    // Without O_NONBLOCK somebody's pipe under a log's name would hold the program for ever.
-    Descriptor log(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    // A log that somebody holds alone for a moment is waited for, and not skipped.
-    if (!log && errno == EWOULDBLOCK) log = Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC));
-    struct stat status;
-    if (!log || fstat(log.get(), &status) != 0) {
-        if (errno != ENOENT && errno != ENOTDIR) *reason = std::strerror(errno);
-        return {};
+    Descriptor log(open_regular_file(path, O_RDONLY));
+    if (!log && errno != ENOENT && errno != ENOTDIR) {
+        *reason = errno == EINVAL || errno == EISDIR ? NOT_A_REGULAR_FILE : std::strerror(errno);
     }
-    if (S_ISREG(status.st_mode)) return log;
-    *reason = NOT_A_REGULAR_FILE;
-    return {};
+    return log;
 }
 
 LogReader::LogReader()

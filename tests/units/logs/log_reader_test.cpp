@@ -203,6 +203,32 @@ TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
     std::signal(SIGIO, before);
 }
 
+// Whoever may write to the directory could hold up a job for ever.
+TEST_F(LogReaderOnFiles, APipeThatTakesThePlaceOfAHeldLogIsNotWaitedFor) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    write_log(0, "old");
+    static std::string log;
+    static std::string pipe;
+    log = log_file_path(0);
+    pipe = log_file_path(1);
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    const Descriptor holder(open(log.c_str(), O_RDWR | O_CLOEXEC));
+    // The holder is told in the moment when somebody else asks for the log.
+    const auto before = std::signal(SIGIO, [](int) {
+        const int reason = errno;
+        std::rename(pipe.c_str(), log.c_str());
+        errno = reason;
+    });
+    ASSERT_EQ(fcntl(holder.get(), F_SETLEASE, F_WRLCK), 0);
+    alarm(20);
+    std::string reason;
+    EXPECT_FALSE(open_log(log, &reason));
+    alarm(0);
+    EXPECT_NE(reason, "");
+    EXPECT_TRUE(std::filesystem::is_fifo(log));
+    std::signal(SIGIO, before);
+}
+
 TEST_F(LogReaderOnFiles, LinksToLogsAreFollowed) {
     write_file(logging_dir + "/elsewhere", "word");
     std::filesystem::create_symlink(logging_dir + "/elsewhere", log_file_path(0));
