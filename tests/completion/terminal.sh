@@ -8,7 +8,10 @@ command -v tmux >/dev/null || {
     exit 77
 }
 rm -rf "$work"
-mkdir -p "$work"
+# What the shell remembers, and how somebody likes it, is not the test's affair.
+unset HISTFILE INPUTRC
+export HOME=$work/home
+mkdir -p "$HOME"
 cd "$work"
 touch "gatebits.txt" "gate keeper.txt"
 # Shows what a line came to; stands in for the program.

@@ -7,6 +7,7 @@ set -u
 source_directory=${SOURCE_DIRECTORY:?names the source directory}
 clearprompt=$source_directory/tools/clearprompt
 unset CLEARPROMPT_ANSWERS CLEARPROMPT_TRANSCRIPT DISPLAY WAYLAND_DISPLAY
+unset HISTFILE INPUTRC XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
 # What is looked for on screens holds more than ASCII, whatever locale the tests are started in.
 export LC_ALL=C.UTF-8
 failures=0
@@ -14,6 +15,9 @@ display_server='' terminal_server='' dialog=''
 
 stage=$(mktemp -d)
 cd "$stage" || exit 99
+# What shells and dialogs remember, and how somebody likes them, is not the tests' affair.
+export HOME=$stage/.home
+mkdir "$HOME"
 
 end() {
     local process
