@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes two edits of one gatebits file at the same moment, and looks whether one got lost.
 
-    edits_at_once.py GATESCOPE [--pairs N] [--jobs N] [--hard-links]
+    edits_at_once.py GATESCOPE STAND_IN [--pairs N] [--jobs N] [--hard-links]
 
 Both runs are held at their last question until the other one is there too, and are then answered
 together. What an edit does is learnt from a run of its own. Afterwards the file has to show what
@@ -20,6 +20,7 @@ import sys
 import tempfile
 
 import stages
+from stages import CANCEL, NO, YES, text
 
 GATEBITS = """\
 #!gatescope_unix_gatewarden_check=/bin/true
@@ -52,39 +53,56 @@ FIELDS_UP_TO_LINE = 8
 
 REFUSED = "nothing was written"
 
+# The two runs wait for each other before either is answered.
+MEET = """
+: > here
+pauses=0
+while [ -n "$OTHER" ] && [ ! -e "$OTHER/here" ] && [ $pauses -lt 2000 ]; do
+    pauses=$((pauses + 1))
+    sleep 0.01
+done
+"""
+
+
+def meet(answer):
+    return {**answer, "meanwhile": MEET}
+
+
 # What the operators of the two runs do: the action, then the answers.
 EDITS = {
-    "field": [(13, ["0 first message", "meet 0 "]), (12, ["0 (second)", "meet 0 "])],
-    "other field": [(14, ["0 (first)", "meet 0 "]), (11, ["0 (second)", "meet 0 "])],
-    "same field": [(15, ["0 A - ", "meet 0 "]), (15, ["0 B - ", "meet 0 "])],
-    "bits": [(16, ["0 03 - ", "meet 0 "]), (8, ["0 S - ", "meet 0 "])],
-    "several fields": [(4, ["0 ", "meet 0 "]), (4, ["0 W:other", "meet 0 "])],
-    "changed key": [(21, ["0 000 ", "0 ", "0 new_0;", "meet 0 ", "2 "]),
-                    (21, ["0 001 ", "0 ", "0 new_1;", "meet 0 ", "2 "])],
-    "deleted key": [(21, ["0 004 ", "1 ", "meet 0 ", "2 "]),
-                    (21, ["0 003 ", "1 ", "meet 0 ", "2 "])],
-    "added key": [(22, ["0 ", "0 added_first;", "meet 0 ", "2 "]),
-                  (22, ["0 ", "0 added_second;", "meet 0 ", "2 "])],
-    "added alias": [(17, ["0 five", "0 (e)", "meet 0 "]), (17, ["0 six", "0 (f)", "meet 0 "])],
-    "changed alias": [(20, ["0 #!gatewarden_alias two (b)", "0 (bb)", "meet 0 "]),
-                      (20, ["0 #!gatewarden_alias three (c)", "0 (cc)", "meet 0 "])],
-    "deleted alias": [(18, ["0 #!gatewarden_alias three (c)", "meet 1 "]),
-                      (18, ["0 #!gatewarden_alias four (d)", "meet 1 "])],
-    "removed references": [(19, ["0 ~two", "meet 0 "]), (19, ["0 ~one", "meet 0 "])],
-    "setting": [(24, ["0 03 ", "0 W:browser", "meet 0 "]),
-                (24, ["0 05 ", "0 W:logs", "meet 0 "])],
+    "field": [(13, [text("first message"), meet(YES)]), (12, [text("(second)"), meet(YES)])],
+    "other field": [(14, [text("(first)"), meet(YES)]), (11, [text("(second)"), meet(YES)])],
+    "same field": [(15, [text("A - "), meet(YES)]), (15, [text("B - "), meet(YES)])],
+    "bits": [(16, [text("03 - "), meet(YES)]), (8, [text("S - "), meet(YES)])],
+    "several fields": [(4, [text(""), meet(YES)]), (4, [text("W:other"), meet(YES)])],
+    "changed key": [(21, [text("000 "), YES, text("new_0;"), meet(YES), CANCEL]),
+                    (21, [text("001 "), YES, text("new_1;"), meet(YES), CANCEL])],
+    "deleted key": [(21, [text("004 "), NO, meet(YES), CANCEL]),
+                    (21, [text("003 "), NO, meet(YES), CANCEL])],
+    "added key": [(22, [text(""), text("added_first;"), meet(YES), CANCEL]),
+                  (22, [text(""), text("added_second;"), meet(YES), CANCEL])],
+    "added alias": [(17, [text("five"), text("(e)"), meet(YES)]),
+                    (17, [text("six"), text("(f)"), meet(YES)])],
+    "changed alias": [
+        (20, [text("#!gatewarden_alias two (b)"), text("(bb)"), meet(YES)]),
+        (20, [text("#!gatewarden_alias three (c)"), text("(cc)"), meet(YES)])],
+    "deleted alias": [(18, [text("#!gatewarden_alias three (c)"), meet(NO)]),
+                      (18, [text("#!gatewarden_alias four (d)"), meet(NO)])],
+    "removed references": [(19, [text("~two"), meet(YES)]), (19, [text("~one"), meet(YES)])],
+    "setting": [(24, [text("03 "), text("W:browser"), meet(YES)]),
+                (24, [text("05 "), text("W:logs"), meet(YES)])],
 }
 # Pairs of which the second changes what the first operator was shown, or the other way round.
 CONFLICTS = {("same field", "same field"), ("several fields", "several fields"),
              ("deleted key", "deleted key"), ("deleted alias", "changed alias")}
 
 
-def contents(text):
+def contents(gatebits):
     """What a gatebits file says, whatever the order of what has none: fields by their places, and
     all other lines as they are."""
     found = collections.Counter()
     number = 0
-    for line in filter(None, text.split("\n")):
+    for line in filter(None, gatebits.split("\n")):
         number += not line.startswith("#")
         if line.startswith("#") or number > FIELDS_UP_TO_LINE:
             found[line] += 1
@@ -94,12 +112,13 @@ def contents(text):
 
 
 class Stage:
-    def __init__(self, gatescope, directory, hard_link=False):
-        self.gatescope = gatescope
+    """One gatebits file; each side has a stage of its own in it."""
+
+    def __init__(self, programs, directory, hard_link=False):
+        self.gatescope, self.stand_in = programs
         self.directory = directory
         self.policy = self.path("gatebits.txt")
         stages.write(self.policy, GATEBITS)
-        stages.put_clearprompt(self.path("bin"))
         if hard_link:
             os.link(self.policy, self.policy + ".link")
 
@@ -108,11 +127,9 @@ class Stage:
 
     def start(self, edit, side, other=None):
         action, answers = edit
-        os.mkdir(self.path(side))
-        stages.write(self.path(side + "/script"), "\n".join(answers) + "\n")
-        environment = {"PATH": self.path("bin") + ":/usr/bin:/bin", "tmp": self.path(side),
-                       "CLEARCASE_USER": "operator", "OWN": self.path(side),
-                       "OTHER": self.path(other) if other else "",
+        stages.put_player(self.path(side), self.stand_in, answers)
+        environment = {"PATH": self.path(side + "/bin") + ":/usr/bin:/bin", "tmp": self.path(side),
+                       "CLEARCASE_USER": "operator", "OTHER": self.path(other) if other else "",
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.policy}
         return subprocess.Popen([self.gatescope, "A=%d" % action, "R=n"], env=environment,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
@@ -121,25 +138,33 @@ class Stage:
         return contents(stages.read(self.policy))
 
     def is_refused(self, side):
-        return any(REFUSED in stages.read(self.path(side + name)) for name in ("/asked", "/boxes"))
+        return any(REFUSED in argument for call in stages.calls_of_player(self.path(side))
+                   for argument in call["argument"])
+
+    def misfits(self, side):
+        """Dialogs that the answers were not meant for."""
+        return [call["error"] for call in stages.calls_of_player(self.path(side))
+                if any(call["error"])]
 
 
-def effect_of(gatescope, edit):
+def effect_of(programs, edit):
     """What the edit takes away, and what it brings, when nobody disturbs it."""
     with tempfile.TemporaryDirectory() as directory:
-        stage = Stage(gatescope, directory)
+        stage = Stage(programs, directory)
         before = stage.contents()
         status = stage.start(edit, "first").wait()
         after = stage.contents()
         if status != 110 or before == after:
             sys.exit("undisturbed, %r changes nothing and ends with %d" % (edit, status))
+        if stage.misfits("first"):
+            sys.exit("undisturbed, %r is asked otherwise: %s" % (edit, stage.misfits("first")))
         return before - after, after - before
 
 
-def fault_of(gatescope, pair, effects, hard_link):
+def fault_of(programs, pair, effects, hard_link):
     """Makes the two edits at once. What is wrong afterwards, or None."""
     with tempfile.TemporaryDirectory() as directory:
-        stage = Stage(gatescope, directory, hard_link)
+        stage = Stage(programs, directory, hard_link)
         expected = stage.contents()
         runs = [stage.start(EDITS[pair[0]][0], "first", "second"),
                 stage.start(EDITS[pair[1]][1], "second", "first")]
@@ -162,11 +187,13 @@ def fault_of(gatescope, pair, effects, hard_link):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("gatescope")
+    parser.add_argument("stand_in")
     parser.add_argument("--pairs", type=int, default=300)
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--hard-links", action="store_true",
                         help="give the gatebits file a second name, so that it is rewritten in place")
     options = parser.parse_args()
+    programs = options.gatescope, options.stand_in
     # Each kind with each other in turn, in an order that is the same in every run.
     kinds = list(itertools.product(EDITS, EDITS))
     random.Random(1).shuffle(kinds)
@@ -174,10 +201,10 @@ def main():
     faults = 0
     with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
         sides = [(name, side) for name in EDITS for side in (0, 1)]
-        learnt = pool.map(lambda at: effect_of(options.gatescope, EDITS[at[0]][at[1]]), sides)
+        learnt = pool.map(lambda at: effect_of(programs, EDITS[at[0]][at[1]]), sides)
         effects = dict(zip(sides, learnt))
         results = pool.map(
-            lambda pair: fault_of(options.gatescope, pair, effects, options.hard_links), pairs)
+            lambda pair: fault_of(programs, pair, effects, options.hard_links), pairs)
         for pair, fault in zip(pairs, results):
             if fault:
                 faults += 1

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Lets every allocation of a run fail, one after the other, and all after each of them.
 
-    every_allocation.py GATESCOPE FAILING_MALLOC [--sample N]
+    every_allocation.py GATESCOPE STAND_IN FAILING_MALLOC [--sample N]
 
 Whatever the moment: the run ends as always or with status 99, and then says why; the policy file is
 the old one or the new one, whole; no temporary file stays; and no record is lost: a log that was not
@@ -28,7 +28,7 @@ KEPT = "%d:S:ann[2]-<->\n" % NOW
 PRUNED = "%d:S:bob[2]-<->\n" % (NOW - 400 * 86400)
 
 # A pick, and a yes to whatever is asked then.
-ANSWERS = "0 S - 'S'ucessful attempts only logged\n" + 5 * "0 \n"
+ANSWERS = [stages.text("S - 'S'ucessful attempts only logged")] + 5 * [stages.YES]
 
 KINDS = {
     "field": ["A=8", "R=n"],
@@ -39,7 +39,7 @@ KINDS = {
 
 
 class Stage:
-    def __init__(self, kind):
+    def __init__(self, kind, stand_in):
         self.kind = kind
         self.path = tempfile.mkdtemp()
         for folder in ("tmp", "depot/log", "depot/query_results"):
@@ -47,8 +47,7 @@ class Stage:
         self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
         self.write("gatebits.txt", self.old)
         self.write("depot/log/logging_0.txt", PRUNED + KEPT)
-        self.write("script", ANSWERS)
-        stages.put_clearprompt(self.at("bin"))
+        stages.put_player(self.path, stand_in, ANSWERS)
         os.symlink("/bin/true", self.at("bin/gatewarden"))
         if kind == "field_in_place":
             os.link(self.at("gatebits.txt"), self.at("other_name.txt"))
@@ -64,7 +63,6 @@ class Stage:
 
     def run(self, gatescope, library, failing):
         environment = {"PATH": self.at("bin") + ":/usr/bin:/bin", "tmp": self.at("tmp"),
-                       "OWN": self.path,
                        "CLEARCASE_USER": "op", "LD_PRELOAD": library,
                        "ALLOCATIONS": self.at("allocations"),
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.at("gatebits.txt")}
@@ -110,8 +108,8 @@ class Stage:
             yield "the next run leaves %s" % left
 
 
-def tried(gatescope, library, kind, failing):
-    stage = Stage(kind)
+def tried(gatescope, stand_in, library, kind, failing):
+    stage = Stage(kind, stand_in)
     ended = stage.run(gatescope, library, failing)
     faults = list(stage.faults(ended))
     if kind == "prune" and failing:
@@ -127,14 +125,15 @@ def tried(gatescope, library, kind, failing):
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("gatescope")
+    parser.add_argument("stand_in")
     parser.add_argument("failing_malloc")
     parser.add_argument("--sample", type=int)
     options = parser.parse_args()
-    gatescope = os.path.abspath(options.gatescope)
-    library = os.path.abspath(options.failing_malloc)
+    programs = [os.path.abspath(program) for program in
+                (options.gatescope, options.stand_in, options.failing_malloc)]
     tries = []
     for kind in KINDS:
-        _, _, count, status, faults = tried(gatescope, library, kind, None)
+        _, _, count, status, faults = tried(*programs, kind, None)
         assert status == 110 and not faults and count > 0, (kind, status, count, faults)
         print("%s: %d allocations" % (kind, count))
         tries += [(kind, "%d%s" % (number, after)) for number in range(1, count + 1)
@@ -146,7 +145,7 @@ def main():
     failed = errors = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for kind, failing, _, status, faults in pool.map(
-                lambda one: tried(gatescope, library, *one), tries):
+                lambda one: tried(*programs, *one), tries):
             errors += status == 99
             if faults:
                 failed += 1

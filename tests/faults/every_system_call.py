@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Ends at, or fails, every system call of whole edits and prunes, and looks at what is left.
 
-    every_system_call.py GATESCOPE [--sample RUNS] [--only EDIT] [--jobs N]
+    every_system_call.py GATESCOPE STAND_IN [--sample RUNS] [--only EDIT] [--jobs N]
 
 Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
 there is one run that is killed when it gets there, one that is sent a signal that it can clean up
@@ -24,6 +24,7 @@ import threading
 import time
 
 import stages
+from stages import CANCEL, YES, text
 
 # What can go wrong with a call, besides being killed at it.
 DISK = ["ENOSPC", "EIO", "EINTR"]
@@ -63,9 +64,6 @@ pre_checkin;R; ;0;
 post_checkin;S; ~adm ;
 """
 
-YES = "0 "
-CANCEL = "2 "
-
 
 class Edit:
     """One kind of edit: how it is asked for, what the operator answers, which file it is about."""
@@ -83,7 +81,7 @@ class Edit:
         # A call that fails in any case.
         self.always = always
         # Learnt from the undisturbed run.
-        self.asked = b""
+        self.asked = ""
 
     def furnish(self, stage):
         pass
@@ -119,8 +117,8 @@ class Edit:
 
     def leftovers(self, stage):
         names = ["tmp/" + name for name in os.listdir(os.path.join(stage, "tmp"))]
-        known = {"bin", "tmp", "logs", "depot", "gatebits.txt", "script", "turn", "asked", "boxes",
-                 os.path.basename(self.result)}
+        known = {"tmp", "logs", "depot", "gatebits.txt", os.path.basename(self.result),
+                 *stages.FILES}
         return names + [name for name in os.listdir(stage) if name not in known]
 
 
@@ -338,27 +336,30 @@ class Page(Edit):
 
 
 EDITS = {
-    "field": Edit(["A=13", "R=n"], ["0 new (message) ~adm", YES], shows=";new (message) ~adm ;"),
-    "field_without_locks": Edit(["A=13", "R=n"], ["0 new (message) ~adm", YES],
+    "field": Edit(["A=13", "R=n"], [text("new (message) ~adm"), YES],
+                  shows=";new (message) ~adm ;"),
+    "field_without_locks": Edit(["A=13", "R=n"], [text("new (message) ~adm"), YES],
                                 shows=";new (message) ~adm ;", always="flock:error=ENOLCK"),
-    "field_in_place": InPlace(["A=13", "R=n"], ["0 new (message) ~adm and more of it", YES],
+    "field_in_place": InPlace(["A=13", "R=n"], [text("new (message) ~adm and more of it"), YES],
                               shows=";new (message) ~adm and more of it;"),
-    "key_changed": Edit(["A=21", "R=n"], ["0 000 pre_checkin;R; ;0;", YES, "0 changed;R;", YES,
-                                          CANCEL], shows="changed;R;"),
-    "key_added": Edit(["A=22", "R=n"], ["0 000 pre_checkin;R; ;0;", "0 added;R;", YES,
+    "key_changed": Edit(["A=21", "R=n"], [text("000 pre_checkin;R; ;0;"), YES,
+                                          text("changed;R;"), YES, CANCEL], shows="changed;R;"),
+    "key_added": Edit(["A=22", "R=n"], [text("000 pre_checkin;R; ;0;"), text("added;R;"), YES,
                                         CANCEL], shows="added;R;"),
-    "alias_added": Edit(["A=17", "R=n"], ["0 dev", "0 (new)", YES, CANCEL],
+    "alias_added": Edit(["A=17", "R=n"], [text("dev"), text("(new)"), YES, CANCEL],
                         shows="#!gatewarden_alias dev (new)"),
-    "alias_deleted": Edit(["A=18", "R=n"], ["0 #!gatewarden_alias adm (root)", YES],
+    "alias_deleted": Edit(["A=18", "R=n"], [text("#!gatewarden_alias adm (root)"), YES],
                           shows="; (a) ;"),
-    "references_cut": Edit(["A=19", "R=n"], ["0 ~adm", YES], shows="; (a) ;"),
-    "alias_changed": Edit(["A=20", "R=n"], ["0 #!gatewarden_alias adm (root)", "0 (new)", YES],
+    "references_cut": Edit(["A=19", "R=n"], [text("~adm"), YES], shows="; (a) ;"),
+    "alias_changed": Edit(["A=20", "R=n"], [text("#!gatewarden_alias adm (root)"), text("(new)"),
+                                            YES],
                           shows="#!gatewarden_alias adm (new)"),
-    "variable": Edit(["A=24", "R=n"], ["0 02 gatescope_unix_browser=", "0 /usr/bin/browser", YES],
+    "variable": Edit(["A=24", "R=n"], [text("02 gatescope_unix_browser="), text("/usr/bin/browser"),
+                                       YES],
                      shows="browser=/usr/bin/browser"),
-    "create": Edit(["A=26", "R=n"], ["0 {stage}/new.txt", CANCEL], result="new.txt",
+    "create": Edit(["A=26", "R=n"], [text("{stage}/new.txt"), CANCEL], result="new.txt",
                    shows="{region Name}"),
-    "copy": Edit(["A=27", "R=n"], ["0 {stage}/gatebits.txt", "0 {stage}/copy.txt"],
+    "copy": Edit(["A=27", "R=n"], [text("{stage}/gatebits.txt"), text("{stage}/copy.txt")],
                  result="copy.txt", shows="old message"),
     "page": Page(),
     "page_without_locks": Page(always="flock:error=ENOLCK"),
@@ -408,7 +409,7 @@ class Run:
             command = strace + command
         environment = {
             "PATH": os.path.join(stage, "bin") + ":/usr/bin:/bin", "tmp": os.path.join(stage, "tmp"),
-            "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage, "OWN": stage,
+            "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
             "ZUL_GATESCOPE_CSV": "yes",
         }
         process = subprocess.Popen(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
@@ -420,9 +421,12 @@ class Run:
         self.said = said.decode(errors="replace")
         self.noted = noted.decode(errors="replace")
         self.status = process.returncode
+        calls = stages.calls_of_player(stage)
+        self.misfits = [call["error"] for call in calls if any(call["error"])]
         # Questions, prompts and lists, whichever process on whichever stage asked them.
-        asked = (bytes_of(os.path.join(stage, "asked")) or b"").replace(stage.encode(), b"")
-        self.asked = re.sub(rb"_\d+_", b"_", asked)
+        asked = "".join(" ".join(call["argument"]) + "\n" for call in calls
+                        if call["queue"] != ["box"])
+        self.asked = re.sub(r"_\d+_", "_", asked.replace(stage, ""))
         self.asks_otherwise = not edit.asked.startswith(self.asked)
 
     def while_paused(self, strace, meanwhile):
@@ -451,14 +455,12 @@ class Run:
         return self.status != STATUS_OF_A_DONE_EDIT or self.asks_otherwise
 
 
-def set_the_stage(stage, edit):
+def set_the_stage(stage, stand_in, edit):
     shutil.rmtree(stage, ignore_errors=True)
     for folder in ("tmp", "logs", "depot"):
         os.makedirs(os.path.join(stage, folder))
     stages.write(os.path.join(stage, "gatebits.txt"), BLOCK.format(stage=stage))
-    stages.write(os.path.join(stage, "script"),
-                 "".join(answer.format(stage=stage) + "\n" for answer in edit.answers))
-    stages.put_clearprompt(os.path.join(stage, "bin"))
+    stages.put_player(stage, stand_in, edit.answers)
     edit.furnish(stage)
 
 
@@ -516,11 +518,11 @@ def disturbances(calls, long):
             yield "%s:error=%s:when=%d" % (name, error, number), FAIL, line
 
 
-def disturbed(gatescope, name, edit, expected, free, injection, kind, line):
+def disturbed(gatescope, stand_in, name, edit, expected, free, injection, kind, line):
     """What is wrong after one disturbed run; None when nothing is."""
     stage = free.pop()
     try:
-        set_the_stage(stage, edit)
+        set_the_stage(stage, stand_in, edit)
         old = edit.state(stage)
         new = expected(stage)
         seen = []
@@ -556,9 +558,9 @@ def disturbed(gatescope, name, edit, expected, free, injection, kind, line):
         free.append(stage)
 
 
-def learn(gatescope, name, edit, stage, root):
+def learn(gatescope, stand_in, name, edit, stage, root):
     """The calls of an undisturbed run, and its result as a function of the stage."""
-    set_the_stage(stage, edit)
+    set_the_stage(stage, stand_in, edit)
     old = edit.state(stage)
     # One of its own: the next kind may be run by somebody else.
     trace = os.path.join(root, "trace_of_" + name)
@@ -568,6 +570,8 @@ def learn(gatescope, name, edit, stage, root):
     if run.status != STATUS_OF_A_DONE_EDIT or new == old or edit.shows not in repr(new) + run.said:
         sys.exit("%s, undisturbed, ended with %d, said %r and left %r" %
                  (name, run.status, run.said, new))
+    if run.misfits:
+        sys.exit("%s, undisturbed, is asked otherwise: %s" % (name, run.misfits))
     if edit.leftovers(stage):
         sys.exit("%s, undisturbed, left %s behind" % (name, edit.leftovers(stage)))
 
@@ -582,11 +586,12 @@ def learn(gatescope, name, edit, stage, root):
 def main():
     options = argparse.ArgumentParser(description=__doc__)
     options.add_argument("gatescope")
+    options.add_argument("stand_in")
     options.add_argument("--sample", type=int, default=0)
     options.add_argument("--only")
     options.add_argument("--jobs", type=int, default=os.cpu_count())
     options = options.parse_args()
-    gatescope = os.path.abspath(options.gatescope)
+    programs = os.path.abspath(options.gatescope), os.path.abspath(options.stand_in)
     if not shutil.which("strace") or subprocess.run(["strace", "-o", "/dev/null", "true"]).returncode:
         print("strace is not there, or may not trace")
         return SKIPPED
@@ -597,7 +602,7 @@ def main():
         for name, edit in EDITS.items():
             if options.only and name != options.only:
                 continue
-            calls, expected = learn(gatescope, name, edit, free[0], root)
+            calls, expected = learn(*programs, name, edit, free[0], root)
             ways = [(name, edit, expected) + way for way in disturbances(calls, edit.long)]
             print("%-15s %4d system calls, %4d ways to disturb them" % (name, len(calls), len(ways)))
             # Those wait for seconds each.
@@ -608,7 +613,7 @@ def main():
 
         def do(item):
             name, edit, expected, injection, kind, line = item
-            return disturbed(gatescope, name, edit, expected, free, injection, kind, line)
+            return disturbed(*programs, name, edit, expected, free, injection, kind, line)
 
         begin = time.time()
         with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:

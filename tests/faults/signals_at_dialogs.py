@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Ends the program by signals while a dialog is on the screen.
 
-    signals_at_dialogs.py GATESCOPE
+    signals_at_dialogs.py GATESCOPE STAND_IN
 
 Whatever the signal and wherever it comes from, the program ends as by that signal, the dialog goes
 with it, no temporary file stays, and the policy file is the old one.
@@ -21,18 +21,10 @@ import stages
 
 GATEBITS = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
 
-# Dialogs that stay until they are ended: one that dies, and one that writes its answer even then,
-# as a program would that cleans up in its own way.
-PLAIN = "exec sleep 60"
-STUBBORN = """
-trap 'for last in "$@"; do [ "$before" = -outfile ] && echo late > "$last"; before=$last; done
-exit 0' TERM INT HUP
-while :; do sleep 0.1; done"""
-
-# One that does not mind any signal but those that ask a process to end.
-UNMOVED = """
-trap '' USR1 USR2 ALRM VTALRM PROF XCPU IO ABRT QUIT
-exec sleep 60"""
+# Dialogs that stay until they are ended: one that dies, and one that minds nothing but a wish to
+# end, and writes its answer even then, as a program would that cleans up in its own way.
+PLAIN = {"delay_milliseconds": 60000}
+STUBBORN = {**PLAIN, "stubborn": 1, "outfile": "late"}
 
 # Signals that nobody sends as a wish to end, and that end a process all the same.
 OTHERS = (signal.SIGALRM, signal.SIGUSR1, signal.SIGUSR2, signal.SIGXCPU, signal.SIGVTALRM,
@@ -58,22 +50,22 @@ def is_alive(pid):
 
 
 class Stage:
-    def __init__(self, dialog):
+    def __init__(self, programs, dialog):
+        self.gatescope, stand_in = programs
         self.path = tempfile.mkdtemp()
         os.mkdir(self.path + "/tmp")
         stages.write(self.path + "/gatebits.txt", GATEBITS)
-        stages.put_clearprompt(self.path + "/bin", "echo $$ > %s/up.new; mv %s/up.new %s/up\n%s\n" %
-                               (self.path, self.path, self.path, dialog))
+        stages.put_player(self.path, stand_in, [dialog])
         self.environment = {"PATH": self.path + "/bin:/usr/bin:/bin", "tmp": self.path + "/tmp",
                             "CLEARCASE_USER": "op"}
 
-    def command(self, gatescope):
-        return [gatescope, "F=" + self.path + "/gatebits.txt", "A=13", "R=n"]
+    def command(self):
+        return [self.gatescope, "F=" + self.path + "/gatebits.txt", "A=13", "R=n"]
 
     def dialog(self):
         """Waits until the dialog is on the screen; its process."""
-        wait_for(lambda: os.path.exists(self.path + "/up"), "the dialog")
-        return int(stages.read(self.path + "/up"))
+        wait_for(lambda: stages.calls_of_player(self.path), "the dialog")
+        return int(stages.calls_of_player(self.path)[0]["pid"][0])
 
     def look(self, dialog, status, number):
         assert status == -number, "it ended with %d and not by signal %d" % (status, number)
@@ -83,52 +75,52 @@ class Stage:
         assert stages.read(self.path + "/gatebits.txt") == GATEBITS, "the policy file was changed"
 
 
-def sent_to_the_program_alone(gatescope, number, dialog):
-    stage = Stage(dialog)
-    program = subprocess.Popen(stage.command(gatescope), env=stage.environment)
+def sent_to_the_program_alone(programs, number, dialog):
+    stage = Stage(programs, dialog)
+    program = subprocess.Popen(stage.command(), env=stage.environment)
     shown = stage.dialog()
     program.send_signal(number)
     stage.look(shown, program.wait(WAIT), number)
 
 
-def sent_to_the_whole_group(gatescope, number, dialog):
-    stage = Stage(dialog)
-    program = subprocess.Popen(stage.command(gatescope), env=stage.environment,
+def sent_to_the_whole_group(programs, number, dialog):
+    stage = Stage(programs, dialog)
+    program = subprocess.Popen(stage.command(), env=stage.environment,
                                start_new_session=True)
     shown = stage.dialog()
     os.killpg(program.pid, number)
     stage.look(shown, program.wait(WAIT), number)
 
 
-def started_on_a_terminal(gatescope):
-    stage = Stage(PLAIN)
-    command = stage.command(gatescope)
+def started_on_a_terminal(programs):
+    stage = Stage(programs, PLAIN)
+    command = stage.command()
     child, terminal = pty.fork()
     if child == 0:
         os.execve(command[0], command, stage.environment)
     return stage, child, terminal
 
 
-def typed_at_the_terminal(gatescope, key, number):
-    stage, child, terminal = started_on_a_terminal(gatescope)
+def typed_at_the_terminal(programs, key, number):
+    stage, child, terminal = started_on_a_terminal(programs)
     shown = stage.dialog()
     os.write(terminal, key)
     _, status = os.waitpid(child, 0)
     stage.look(shown, os.waitstatus_to_exitcode(status), number)
 
 
-def closed_terminal(gatescope):
-    stage, child, terminal = started_on_a_terminal(gatescope)
+def closed_terminal(programs):
+    stage, child, terminal = started_on_a_terminal(programs)
     shown = stage.dialog()
     os.close(terminal)
     _, status = os.waitpid(child, 0)
     stage.look(shown, os.waitstatus_to_exitcode(status), signal.SIGHUP)
 
 
-def ignored_from_the_start(gatescope):
+def ignored_from_the_start(programs):
     """What is started with nohup goes on when the terminal goes."""
-    stage = Stage(PLAIN)
-    program = subprocess.Popen(stage.command(gatescope), env=stage.environment,
+    stage = Stage(programs, PLAIN)
+    program = subprocess.Popen(stage.command(), env=stage.environment,
                                preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
     shown = stage.dialog()
     program.send_signal(signal.SIGHUP)
@@ -138,28 +130,28 @@ def ignored_from_the_start(gatescope):
     assert program.wait(WAIT) == 110, program.returncode
 
 
-def ends_of_children_ignored(gatescope):
+def ends_of_children_ignored(programs):
     """Whoever starts the program may ignore the ends of children; dialogs still answer."""
-    stage = Stage("exit 2")
-    finished = subprocess.run(stage.command(gatescope), env=stage.environment, timeout=WAIT,
+    stage = Stage(programs, stages.CANCEL)
+    finished = subprocess.run(stage.command(), env=stage.environment, timeout=WAIT,
                               preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
     assert finished.returncode == 110, finished.returncode
 
 
 def main():
-    gatescope = os.path.abspath(sys.argv[1])
+    programs = [os.path.abspath(program) for program in sys.argv[1:3]]
     resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
     for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
         for dialog in (PLAIN, STUBBORN):
-            sent_to_the_program_alone(gatescope, number, dialog)
-        sent_to_the_whole_group(gatescope, number, PLAIN)
+            sent_to_the_program_alone(programs, number, dialog)
+        sent_to_the_whole_group(programs, number, PLAIN)
     # Each of these dialogs is given a while to end by itself.
     with concurrent.futures.ThreadPoolExecutor(len(OTHERS)) as pool:
-        list(pool.map(lambda number: sent_to_the_program_alone(gatescope, number, UNMOVED), OTHERS))
-    typed_at_the_terminal(gatescope, b"\x03", signal.SIGINT)
-    closed_terminal(gatescope)
-    ignored_from_the_start(gatescope)
-    ends_of_children_ignored(gatescope)
+        list(pool.map(lambda number: sent_to_the_program_alone(programs, number, STUBBORN), OTHERS))
+    typed_at_the_terminal(programs, b"\x03", signal.SIGINT)
+    closed_terminal(programs)
+    ignored_from_the_start(programs)
+    ends_of_children_ignored(programs)
     print("23 ways to be ended at a dialog, all of them in order")
 
 

@@ -1,43 +1,27 @@
-"""What the scripts of this directory share: a place that goes whatever happens, and the operator."""
+"""What the scripts of this directory share: a place that goes whatever happens, and a player of
+clearprompt, the same as in the scenes."""
 
+import collections
 import contextlib
 import os
+import re
+import shutil
 import signal
 import sys
 import tempfile
 
-# An operator's clearprompt: one line of $OWN/script an answer, "status text"; boxes with a single
-# button answer themselves. At a line that begins with "meet" the two runs wait for each other.
-OPERATOR = """\
-case "$*" in *"-mask yes -def"*|*"-mask abort -def"*)
-    printf '%s\\n' "$*" >> "$OWN/boxes"
-    exit 0;;
-esac
-printf '%s\\n' "$*" >> "$OWN/asked"
-turn=0
-[ -e "$OWN/turn" ] && read -r turn < "$OWN/turn"
-turn=$((turn + 1))
-echo $turn > "$OWN/turn"
-while [ $turn -gt 0 ]; do
-    IFS= read -r line || line=
-    turn=$((turn - 1))
-done < "$OWN/script"
-[ -n "$line" ] || exit 2
-if [ "${line%% *}" = meet ]; then
-    line=${line#meet }
-    : > "$OWN/here"
-    pauses=0
-    while [ -n "$OTHER" ] && [ ! -e "$OTHER/here" ] && [ $pauses -lt 2000 ]; do
-        pauses=$((pauses + 1))
-        sleep 0.01
-    done
-fi
-while [ $# -gt 0 ]; do
-    [ "$1" = -outfile ] && printf '%s\\n' "${line#* }" > "$2"
-    shift
-done
-exit "${line%% *}"
-"""
+# Answers of an operator, as fields of the ScriptedAnswer of tests/scenes/journal.h.
+YES = {"status": 0}
+NO = {"status": 1}
+CANCEL = {"status": 2}
+
+# What a player and its script need of a stage.
+FILES = {"bin", "script", "journal", "lock"}
+
+
+def text(entered):
+    """What is typed, picked or chosen."""
+    return {"outfile": entered}
 
 
 def write(path, text):
@@ -46,18 +30,42 @@ def write(path, text):
 
 
 def read(path):
-    """All of a file; an empty text when it is not there."""
-    with contextlib.suppress(FileNotFoundError), open(path) as file:
+    """All of a file, its line ends as they are; an empty text when it is not there."""
+    with contextlib.suppress(FileNotFoundError), open(
+            path, newline="", errors="surrogateescape") as file:
         return file.read()
     return ""
 
 
-def put_clearprompt(directory, script=OPERATOR):
-    """Makes the directory, and the program in it."""
-    os.makedirs(directory)
-    program = os.path.join(directory, "clearprompt")
-    write(program, "#!/bin/sh\n" + script)
-    os.chmod(program, 0o755)
+def put_player(stage, stand_in, answers):
+    """Makes the stage's directory "bin", with a clearprompt in it that gives these answers, one a
+    dialog; in them "{stage}" is the stage. Boxes with one button answer themselves, and whatever
+    else is asked is aborted."""
+    os.makedirs(os.path.join(stage, "bin"))
+    player = os.path.join(stage, "bin", "clearprompt")
+    try:
+        os.link(stand_in, player)
+    except OSError:
+        shutil.copy(stand_in, player)
+    script = os.path.join(stage, "script", "clearprompt")
+    os.makedirs(script)
+    for number, answer in enumerate(answers):
+        fields = ((name, str(value).replace("{stage}", stage)) for name, value in answer.items())
+        lines = ["%s %s\n" % (name, value.replace("\\", r"\\").replace("\n", r"\n"))
+                 for name, value in fields]
+        write(os.path.join(script, "%06d" % number), "".join(lines) + "\n")
+
+
+def calls_of_player(stage):
+    """Every dialog so far, as the values of each field of a RecordedCall."""
+    calls = []
+    for record in read(os.path.join(stage, "journal")).split("\n\n")[:-1]:
+        calls.append(collections.defaultdict(list))
+        for line in record.split("\n"):
+            name, value = line.split(" ", 1)
+            value = re.sub(r"\\(.)", lambda found: "\n" if found[1] == "n" else found[1], value)
+            calls[-1][name].append(value)
+    return calls
 
 
 @contextlib.contextmanager

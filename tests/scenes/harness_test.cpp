@@ -21,6 +21,20 @@ TEST(Harness, ArgumentsArriveByteForByte) {
     EXPECT_EQ(result.calls.at(0).cwd + "/", east.path(""));
 }
 
+TEST(Harness, EveryByteOfArgumentsAndAnswersArrives) {
+    std::string bytes;
+    for (int byte = 0; byte < 256; ++byte)
+        bytes += std::string("\\n\n\\") + static_cast<char>(byte);
+    Region east = a_region();
+    east.types(bytes);
+    run_script(east, "clearprompt text -outfile \"$tmp/o\" -pro x; mv \"$tmp/o\" o");
+    EXPECT_EQ(east.file("o"), bytes);
+    std::erase(bytes, '\0');
+    const Result result =
+        east.run_program(east.path("bin/cleartool"), "cleartool", {bytes, "", " ", bytes + "\n"});
+    EXPECT_EQ(result.calls_of("cleartool"), (std::vector<Args>{{bytes, "", " ", bytes + "\n"}}));
+}
+
 TEST(Harness, AnswersAreTakenInOrder) {
     Region east = a_region();
     east.answers_yes().types("some words").operator_picks("two").aborts().cancels();
@@ -103,6 +117,18 @@ TEST(Harness, SomethingMayHappenWhileADialogIsOpen) {
     east.answers({.kind = "yes_no", .status = 1, .meanwhile = "rm gatebits.txt"});
     run_script(east, "clearprompt yes_no -mask yes,no -pro x");
     EXPECT_FALSE(east.has_file("gatebits.txt"));
+}
+
+TEST(Harness, AStubbornDialogAnswersWhenItIsAskedToEnd) {
+    Region east = a_region();
+    east.answers({.outfile = "late", .delay_milliseconds = 60'000, .stubborn = true});
+    const Result result =
+        run_script(east,
+                   "clearprompt text -outfile \"$tmp/o\" & pid=$!\n"
+                   "until [ -s journal ]; do sleep 0.01; done\n"
+                   "kill -USR1 $pid; kill -ALRM $pid; [ -s \"$tmp/o\" ] && echo early\n"
+                   "kill -TERM $pid; wait $pid; echo $?; cat \"$tmp/o\"; rm \"$tmp/o\"");
+    EXPECT_EQ(result.out, "0\nlate");
 }
 
 TEST(Harness, ReadsLinesAndFieldsOfTheGatebitsFile) {

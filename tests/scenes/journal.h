@@ -1,13 +1,21 @@
 #pragma once
 
+#include <algorithm>
+#include <concepts>
 #include <cstddef>
+#include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
-// What a scene and its stand-ins tell each other, as bytes in files: the scene leaves one file an
-// answer, a stand-in appends one record a call. Texts may hold any byte, NUL included.
+// What a test and its stand-ins tell each other, as text in files: the test leaves one file an
+// answer, a stand-in appends one record a call. Each field is a line, "name value", in which a
+// backslash stands as "\\" and a newline as "\n"; every other byte stands for itself, NUL
+// included. An empty line ends the whole. What is left out keeps its default.
+// tests/faults/stages.py writes and reads the same.
 
 /// Files and folders of a stage, below its directory.
 inline constexpr char STAGE_BIN[] = "bin";
@@ -19,6 +27,8 @@ inline constexpr char STAGE_LOCK[] = "lock";
 struct RecordedCall {
     /// The name that it was called by: "clearprompt", "gatewarden" ...
     std::string program;
+    /// Where its answer was looked for: the program's name, or "box" for a dialog with one button.
+    std::string queue;
     /// Its process id. The shell starts the children of a run one after the other, so ids tell
     /// the order of the calls, those that run in the background included.
     long pid = 0;
@@ -31,6 +41,17 @@ struct RecordedCall {
     std::optional<std::string> shown;
     /// Why the call did not fit the script; empty when it did.
     std::string error;
+
+    void each_field(auto& visit) {
+        visit("program", program);
+        visit("queue", queue);
+        visit("pid", pid);
+        visit("waited", waited);
+        visit("cwd", cwd);
+        visit("argument", args);
+        visit("shown", shown);
+        visit("error", error);
+    }
 };
 
 /// What a stand-in does when its turn comes.
@@ -47,82 +68,108 @@ struct ScriptedAnswer {
     long delay_milliseconds = 0;
     /// Whether a pick has to be among the items of the list.
     bool must_be_offered = false;
+    /// Whether it minds no signal, but for one that asks it to end: at that it answers at once.
+    bool stubborn = false;
+
+    void each_field(auto& visit) {
+        visit("kind", kind);
+        visit("status", status);
+        visit("outfile", outfile);
+        visit("out", out);
+        visit("meanwhile", meanwhile);
+        visit("delay_milliseconds", delay_milliseconds);
+        visit("must_be_offered", must_be_offered);
+        visit("stubborn", stubborn);
+    }
 };
 
-/// A text is written as its length in decimal, ':' and its bytes.
-inline void put(std::string& bytes, std::string_view text) {
-    bytes.append(std::to_string(text.size())).append(":").append(text);
-}
-inline void put(std::string& bytes, long number) {
-    put(bytes, std::to_string(number));
-}
-inline void put_optional(std::string& bytes, const std::optional<std::string>& text) {
-    put(bytes, text.has_value() ? 1L : 0L);
-    put(bytes, text.value_or(""));
+/// Makes a text of the fields that it is shown.
+class FieldWriter {
+  public:
+    void operator()(const std::string& name, const std::string& value) {
+        text_ += name + ' ';
+        for (const char c : value) {
+            if (c == '\\' || c == '\n') text_ += '\\';
+            text_ += c == '\n' ? 'n' : c;
+        }
+        text_ += '\n';
+    }
+    void operator()(const std::string& name, long value) { (*this)(name, std::to_string(value)); }
+    void operator()(const std::string& name, const std::optional<std::string>& value) {
+        if (value) (*this)(name, *value);
+    }
+    void operator()(const std::string& name, const std::vector<std::string>& values) {
+        for (const std::string& value : values) (*this)(name, value);
+    }
+    [[nodiscard]] std::string text() const { return text_ + '\n'; }
+
+  private:
+    std::string text_;
+};
+
+/// Takes a text's first lines up to an empty one away, and gives their values to the fields that it
+/// is shown.
+class FieldReader {
+  public:
+    explicit FieldReader(std::string_view& text) {
+        for (std::string_view line; !(line = take_line(text)).empty();) {
+            const std::size_t space = line.find(' ');
+            if (space == std::string_view::npos) throw std::runtime_error("a field has no value");
+            values_[std::string(line.substr(0, space))].push_back(value(line.substr(space + 1)));
+        }
+    }
+    void operator()(const std::string& name, auto& field) {
+        for (const std::string& value : taken(name)) field = value;
+    }
+    void operator()(const std::string& name, std::integral auto& field) {
+        for (const std::string& value : taken(name)) {
+            field = static_cast<std::decay_t<decltype(field)>>(std::stol(value));
+        }
+    }
+    void operator()(const std::string& name, std::vector<std::string>& field) {
+        field = taken(name);
+    }
+    /// Throws when there was a field that nobody has asked for.
+    void end() const {
+        if (!values_.empty()) throw std::runtime_error("no field is " + values_.begin()->first);
+    }
+
+  private:
+    static std::string_view take_line(std::string_view& text) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(std::min(text.size(), line.size() + 1));
+        return line;
+    }
+    static std::string value(std::string_view line) {
+        std::string value;
+        for (std::size_t i = 0; i < line.size(); ++i) {
+            const bool is_escaped = line[i] == '\\' && ++i < line.size();
+            value += is_escaped && line[i] == 'n' ? '\n' : line.at(i);
+        }
+        return value;
+    }
+    std::vector<std::string> taken(const std::string& name) {
+        const auto found = values_.extract(name);
+        return found ? found.mapped() : std::vector<std::string>();
+    }
+
+    std::map<std::string, std::vector<std::string>> values_;
+};
+
+/// A RecordedCall or a ScriptedAnswer as a text.
+template <typename Message>
+std::string to_text(Message message) {
+    FieldWriter writer;
+    message.each_field(writer);
+    return writer.text();
 }
 
-inline std::string take(std::string_view& bytes) {
-    const std::size_t colon = bytes.find(':');
-    const std::size_t length = std::stoul(std::string(bytes.substr(0, colon)));
-    std::string text(bytes.substr(colon + 1, length));
-    bytes.remove_prefix(colon + 1 + length);
-    return text;
-}
-inline long take_number(std::string_view& bytes) {
-    return std::stol(take(bytes));
-}
-inline std::optional<std::string> take_optional(std::string_view& bytes) {
-    const bool there = take_number(bytes) == 1;
-    std::string text = take(bytes);
-    return there ? std::optional<std::string>(text) : std::nullopt;
-}
-
-inline std::string to_bytes(const RecordedCall& record) {
-    std::string bytes;
-    put(bytes, record.program);
-    put(bytes, record.pid);
-    put(bytes, record.waited ? 1L : 0L);
-    put(bytes, record.cwd);
-    put(bytes, static_cast<long>(record.args.size()));
-    for (const std::string& argument : record.args) put(bytes, argument);
-    put_optional(bytes, record.shown);
-    put(bytes, record.error);
-    return bytes;
-}
-
-inline RecordedCall take_record(std::string_view& bytes) {
-    RecordedCall record;
-    record.program = take(bytes);
-    record.pid = take_number(bytes);
-    record.waited = take_number(bytes) == 1;
-    record.cwd = take(bytes);
-    const long count = take_number(bytes);
-    for (long i = 0; i < count; ++i) record.args.push_back(take(bytes));
-    record.shown = take_optional(bytes);
-    record.error = take(bytes);
-    return record;
-}
-
-inline std::string to_bytes(const ScriptedAnswer& answer) {
-    std::string bytes;
-    put(bytes, answer.kind);
-    put(bytes, static_cast<long>(answer.status));
-    put_optional(bytes, answer.outfile);
-    put(bytes, answer.out);
-    put(bytes, answer.meanwhile);
-    put(bytes, answer.delay_milliseconds);
-    put(bytes, answer.must_be_offered ? 1L : 0L);
-    return bytes;
-}
-
-inline ScriptedAnswer take_answer(std::string_view& bytes) {
-    ScriptedAnswer answer;
-    answer.kind = take(bytes);
-    answer.status = static_cast<int>(take_number(bytes));
-    answer.outfile = take_optional(bytes);
-    answer.out = take(bytes);
-    answer.meanwhile = take(bytes);
-    answer.delay_milliseconds = take_number(bytes);
-    answer.must_be_offered = take_number(bytes) == 1;
-    return answer;
+/// The one that `text` begins with, which is taken away from it; throws when it is none.
+template <typename Message>
+Message take(std::string_view& text) {
+    FieldReader reader(text);
+    Message message;
+    message.each_field(reader);
+    reader.end();
+    return message;
 }

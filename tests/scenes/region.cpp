@@ -42,9 +42,9 @@ void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
 }
 
 std::vector<RecordedCall> read_journal(const fs::path& path) {
-    const std::string bytes = file_text(path);
+    const std::string text = file_text(path);
     std::vector<RecordedCall> calls;
-    for (std::string_view rest = bytes; !rest.empty();) calls.push_back(take_record(rest));
+    for (std::string_view rest = text; !rest.empty();) calls.push_back(take<RecordedCall>(rest));
     return calls;
 }
 
@@ -196,7 +196,7 @@ Region& Region::script(const std::string& queue, const ScriptedAnswer& answer) {
     number.width(6);
     number.fill('0');
     number << ++answers_scripted_;
-    stage_.write(std::string(STAGE_SCRIPT) + "/" + queue + "/" + number.str(), to_bytes(answer));
+    stage_.write(std::string(STAGE_SCRIPT) + "/" + queue + "/" + number.str(), to_text(answer));
     return *this;
 }
 
@@ -318,9 +318,9 @@ void Region::look_for_faults(const Result& result,
     std::error_code no_script;
     for (const auto& entry : fs::recursive_directory_iterator(path(STAGE_SCRIPT), no_script)) {
         if (!entry.is_regular_file()) continue;
-        const std::string bytes = file_text(entry.path());
-        std::string_view rest = bytes;
-        const ScriptedAnswer answer = take_answer(rest);
+        const std::string text = file_text(entry.path());
+        std::string_view rest = text;
+        const auto answer = take<ScriptedAnswer>(rest);
         ADD_FAILURE() << "nobody asked for the answer " << entry.path().filename() << " of "
                       << entry.path().parent_path().filename() << ": " << answer.kind << " status "
                       << answer.status << " '" << answer.outfile.value_or("") << "'";

@@ -58,9 +58,9 @@ std::optional<ScriptedAnswer> next_answer(const fs::path& stage, const std::stri
     std::optional<ScriptedAnswer> answer;
     if (!files.empty()) {
         const fs::path first = *std::min_element(files.begin(), files.end());
-        const std::string bytes = file_text(first);
-        std::string_view rest = bytes;
-        answer = take_answer(rest);
+        const std::string text = file_text(first);
+        std::string_view rest = text;
+        answer = take<ScriptedAnswer>(rest);
         fs::remove(first);
     }
     close(lock);
@@ -88,15 +88,36 @@ std::string misfit(const RecordedCall& record, const ScriptedAnswer& answer) {
 }
 
 void write_down(const fs::path& stage, const RecordedCall& record) {
-    const std::string bytes = to_bytes(record);
+    const std::string text = to_text(record);
     const int journal =
         open((stage / STAGE_JOURNAL).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    if (journal < 0 || write(journal, bytes.data(), bytes.size()) != ssize_t(bytes.size())) abort();
+    if (journal < 0 || write(journal, text.data(), text.size()) != ssize_t(text.size())) abort();
     close(journal);
 }
 
+void hold_all_signals() {
+    sigset_t all;
+    sigfillset(&all);
+    sigprocmask(SIG_BLOCK, &all, nullptr);
+}
+
+/// Stays on the screen for a while; under held signals, until it is asked to end.
+void stay(const ScriptedAnswer& answer) {
+    const std::chrono::milliseconds delay(answer.delay_milliseconds);
+    if (!answer.stubborn) {
+        std::this_thread::sleep_for(delay);
+        return;
+    }
+    sigset_t asking;
+    sigemptyset(&asking);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&asking, signal);
+    const timespec end = {delay / std::chrono::seconds(1),
+                          delay % std::chrono::seconds(1) / std::chrono::nanoseconds(1)};
+    sigtimedwait(&asking, nullptr, &end);
+}
+
 int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAnswer& answer) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(answer.delay_milliseconds));
+    stay(answer);
     if (!answer.meanwhile.empty()) {
         const std::string command = "cd '" + stage.string() + "' && " + answer.meanwhile;
         if (std::system(command.c_str()) != 0) std::perror("meanwhile");
@@ -123,7 +144,8 @@ int main(int argc, char** argv) {
     if (const auto file = option(record, "-dfile")) record.shown = file_text(*file);
 
     const bool is_box = is_box_with_one_button(record);
-    std::optional<ScriptedAnswer> answer = next_answer(stage, is_box ? "box" : record.program);
+    record.queue = is_box ? "box" : record.program;
+    std::optional<ScriptedAnswer> answer = next_answer(stage, record.queue);
     if (!answer) {
         answer = ScriptedAnswer();
         if (record.program == "clearprompt" && !is_box) {
@@ -135,6 +157,8 @@ int main(int argc, char** argv) {
         answer = ScriptedAnswer();
         answer->status = NO_ANSWER;
     }
+    // Who reads in the journal that the dialog is up may send a signal then.
+    if (answer->stubborn) hold_all_signals();
     write_down(stage, record);
     return perform(stage, record, *answer);
 }
