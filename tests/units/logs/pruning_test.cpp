@@ -1,27 +1,8 @@
-#include <sys/file.h>
-#include <sys/syscall.h>
-
 #include <atomic>
-#include <cerrno>
 #include <csignal>
 #include <vector>
 
 #include "units/logs/pruning_region.h"
-
-namespace {
-
-/// Whether a second name for a file is given, and answered as if it had been there before.
-bool links_are_answered_twice = false;
-
-}  // namespace
-
-/// Takes the place of the C library's, which knows no network that loses an answer.
-extern "C" int link(const char* from, const char* to) noexcept {
-    const auto result = static_cast<int>(syscall(SYS_link, from, to));
-    if (!links_are_answered_twice) return result;
-    errno = EEXIST;
-    return -1;
-}
 
 namespace {
 
@@ -214,52 +195,6 @@ TEST_F(Pruning, AnOldTokenIsAppendedToAndRemovedInTheEnd) {
     EXPECT_FALSE(fs::exists(pruning_token_path()));
 }
 
-TEST_F(Pruning, WithoutATokenNothingIsDone) {
-    write_log(0, old(1));
-    fs::create_directory(pruning_token_path());
-    EXPECT_GRIPE(prune(), "Could not create needed pruning token");
-    EXPECT_EQ(file_text(log_file_path(0)), old(1));
-}
-
-TEST_F(Pruning, WithoutAScratchFileNothingIsDone) {
-    write_log(0, old(1));
-    fs::create_directory(pruning_scratch_path());
-    write_file(pruning_scratch_path() + "/inside", "");
-    EXPECT_GRIPE(prune(), "Could not create needed pruning file");
-    EXPECT_EQ(file_text(log_file_path(0)), old(1));
-    EXPECT_TRUE(fs::exists(pruning_token_path()));
-}
-
-TEST_F(Pruning, TwoDoNotPruneAtOnce) {
-    write_log(0, old(1));
-    const int other = open(pruning_token_path().c_str(), O_WRONLY | O_CREAT, 0666);
-    ASSERT_EQ(flock(other, LOCK_EX), 0);
-    EXPECT_GRIPE(prune(),
-                 "ERROR: The logs of the Gatewarden Region (east) are being pruned by another "
-                 "process.  Nothing was changed.");
-    close(other);
-    EXPECT_EQ(file_text(log_file_path(0)), old(1));
-    EXPECT_EQ(said_by_pruning(), result(1, 1));
-}
-
-TEST_F(Pruning, AFileThatIsTooLargeLeavesTheLogAsItWas) {
-    std::string log = old(1);
-    for (int i = 0; i < 200; ++i) log += fresh(i % 100);
-    write_log(0, log);
-    EXPECT_GRIPE(
-        {
-            limit_file_size(4096);
-            prune();
-        },
-        "ERROR: Pruning stopped, because it could not write (" + pruning_scratch_path() +
-            "): File too large.  No record is lost.  As long as the pruning token stands, log "
-            "writers go on into companion files, which no query reads; a pruning that ends well "
-            "brings their records back.");
-    EXPECT_EQ(file_text(log_file_path(0)), log);
-    EXPECT_FALSE(fs::exists(pruning_scratch_path()));
-    EXPECT_EQ(said_by_pruning(), result(1, 201));
-}
-
 TEST_F(Pruning, WritersThatFollowTheTokenLoseNothing) {
     // Every record is a different one, so that each can be looked for.
     constexpr int PRUNES = 15;
@@ -317,14 +252,6 @@ TEST_F(Pruning, ACompanionFilledWhileTheTokenGoesIsMergedToo) {
     });
     EXPECT_EQ(said_by_pruning(), result(0, 3));
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2) + fresh(3)}}));
-}
-
-TEST_F(Pruning, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
-    write_log(3, old(1) + fresh(1));
-    links_are_answered_twice = true;
-    EXPECT_EQ(said_by_pruning(), result(1, 2));
-    links_are_answered_twice = false;
-    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
 TEST_F(Pruning, WhatChildrenDoOnASignalStaysAsItWas) {

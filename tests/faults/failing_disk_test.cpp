@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "base/replace_file.h"
+#include "base/temporary_files.h"
+#include "dialog/messages.h"
+#include "faults/in_child.h"
+#include "support/failing_sync.h"
+#include "support/scratch_directory.h"
+
+// Where the disk takes a text, and fails when it is to be kept.
+
+namespace {
+
+constexpr char OLD[] = "old line one\nold line two\n";
+constexpr char NEW[] = "new line one\nnew line two\nnew line three\n";
+
+class FailingDisk : public testing::Test {
+  protected:
+    FailingDisk() { directory.write("file", OLD); }
+
+    /// Replaces the file; all syncs but the next `good` fail.
+    [[nodiscard]] Ended replaced(int good) const {
+        return in_child([&] {
+            write_file(copy, NEW);
+            remember_temporary_file(copy);
+            good_syncs = good;
+            if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
+        });
+    }
+    [[nodiscard]] std::string told(const std::string& state) const {
+        return "ERROR: Could not write the file (" + file + "): Input/output error.  " + state +
+               "\n";
+    }
+
+    ScratchDirectory directory;
+    ScratchDirectory temporary;
+    const std::string file = directory / "file";
+    const std::string copy = temporary / "copy";
+};
+
+TEST_F(FailingDisk, ATextThatItDoesNotKeepDoesNotTakeTheOldOnesPlace) {
+    const Ended ended = replaced(0);
+    EXPECT_EQ(ended.status, 99);
+    EXPECT_EQ(ended.said, told("(" + file + ") is unchanged."));
+    EXPECT_EQ(file_text(file), OLD);
+    EXPECT_EQ(directory.names(), std::set<std::string>{"file"});
+    EXPECT_EQ(temporary.names(), std::set<std::string>());
+}
+
+TEST_F(FailingDisk, ANewNameThatItDoesNotKeepIsToldOf) {
+    const Ended ended = replaced(1);
+    EXPECT_EQ(ended.status, 99);
+    EXPECT_EQ(
+        ended.said,
+        told("(" + file + ") holds its complete new text, but may not have reached the disk yet."));
+    EXPECT_EQ(file_text(file), NEW);
+}
+
+TEST_F(FailingDisk, InPlaceNothingIsTouchedUntilTheCopyIsKept) {
+    std::filesystem::create_hard_link(file, directory / "other");
+    for (const int good : {0, 1}) {
+        const Ended ended = replaced(good);
+        EXPECT_EQ(ended.status, 99) << good;
+        EXPECT_EQ(ended.said, told("(" + file + ") is unchanged.")) << good;
+        // Room was made, and could not be known to be kept.
+        EXPECT_EQ(file_text(file), OLD) << good;
+    }
+}
+
+TEST_F(FailingDisk, ATextInPlaceThatItDoesNotKeepIsInTheCopy) {
+    std::filesystem::create_hard_link(file, directory / "other");
+    const Ended ended = replaced(2);
+    EXPECT_EQ(ended.status, 99);
+    EXPECT_EQ(ended.said,
+              told("(" + file + ") may be damaged.  Its complete new text is in (" + copy + ")."));
+    EXPECT_EQ(file_text(copy), NEW);
+}
+
+}  // namespace
