@@ -13,20 +13,20 @@
 
 namespace {
 
-constexpr char OLD[] = "old line one\nold line two\n";
-constexpr char NEW[] = "new line one\nnew line two\nnew line three\n";
+constexpr char OLD_TEXT[] = "old line one\nold line two\n";
+constexpr char NEW_TEXT[] = "new line one\nnew line two\nnew line three\n";
 
 class FailingDisk : public testing::Test {
   protected:
-    FailingDisk() { directory.write("file", OLD); }
+    FailingDisk() { directory.write("file", OLD_TEXT); }
 
     /// Replaces the file; all syncs but the next `good` fail.
     [[nodiscard]] Ended replaced(int good) const {
         return in_child([&] {
-            write_file(copy, NEW);
+            write_file(copy, NEW_TEXT);
             remember_temporary_file(copy);
             good_syncs = good;
-            if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
+            if (const auto failure = replace_file(file, NEW_TEXT, copy)) gripe(failure->message);
         });
     }
     [[nodiscard]] std::string told(const std::string& state) const {
@@ -44,7 +44,7 @@ TEST_F(FailingDisk, ATextThatItDoesNotKeepDoesNotTakeTheOldOnesPlace) {
     const Ended ended = replaced(0);
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, told("(" + file + ") is unchanged."));
-    EXPECT_EQ(file_text(file), OLD);
+    EXPECT_EQ(file_text(file), OLD_TEXT);
     EXPECT_EQ(directory.names(), std::set<std::string>{"file"});
     EXPECT_EQ(temporary.names(), std::set<std::string>());
 }
@@ -55,7 +55,7 @@ TEST_F(FailingDisk, ANewNameThatItDoesNotKeepIsToldOf) {
     EXPECT_EQ(
         ended.said,
         told("(" + file + ") holds its complete new text, but may not have reached the disk yet."));
-    EXPECT_EQ(file_text(file), NEW);
+    EXPECT_EQ(file_text(file), NEW_TEXT);
 }
 
 TEST_F(FailingDisk, InPlaceNothingIsTouchedUntilTheCopyIsKept) {
@@ -65,7 +65,7 @@ TEST_F(FailingDisk, InPlaceNothingIsTouchedUntilTheCopyIsKept) {
         EXPECT_EQ(ended.status, 99) << good;
         EXPECT_EQ(ended.said, told("(" + file + ") is unchanged.")) << good;
         // Room was made, and could not be known to be kept.
-        EXPECT_EQ(file_text(file), OLD) << good;
+        EXPECT_EQ(file_text(file), OLD_TEXT) << good;
     }
 }
 
@@ -75,7 +75,7 @@ TEST_F(FailingDisk, ATextInPlaceThatItDoesNotKeepIsInTheCopy) {
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said,
               told("(" + file + ") may be damaged.  Its complete new text is in (" + copy + ")."));
-    EXPECT_EQ(file_text(copy), NEW);
+    EXPECT_EQ(file_text(copy), NEW_TEXT);
 }
 
 }  // namespace
