@@ -7,7 +7,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -41,8 +40,9 @@ std::optional<LeftOver> named(const std::string& path) {
     return left_over;
 }
 
-/// Finds all left-overs of a directory. 0, or the errno when it cannot be listed.
-int list(const std::string& directory, std::vector<LeftOver>* found) {
+/// All left-overs of a directory; one that is not there has none.
+std::vector<LeftOver> list(const std::string& directory) {
+    std::vector<LeftOver> found;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(opendir(directory.c_str()), closedir);
     const dirent* entry = nullptr;
     struct stat status;
@@ -50,35 +50,29 @@ int list(const std::string& directory, std::vector<LeftOver>* found) {
         const std::string path = directory + entry->d_name;
         std::optional<LeftOver> left_over = named(path);
         if (left_over && lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
-            found->push_back(*std::move(left_over));
+            found.push_back(*std::move(left_over));
         }
     }
-    // A directory that is not there has none.
-    return errno == ENOENT || errno == ENOTDIR ? 0 : errno;
+    need(errno == 0 || errno == ENOENT || errno == ENOTDIR);
+    return found;
 }
 
 void sync_names(const std::string& path) {
     stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
 }
 
-/// Renames a left-over so that its name holds the new numbers, and syncs the directory. False when
-/// it cannot be renamed; then it is what it was.
-bool renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
+/// Renames a left-over so that its name holds the new numbers, and syncs the directory.
+void renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
     const LeftOver renamed = {left_over->source, from, log, size};
     if (left_over->has_name) {
-        if (rename(left_over->path().c_str(), renamed.path().c_str()) != 0) {
-            left_over->stays = std::strerror(errno);
-            return false;
-        }
+        need(rename(left_over->path().c_str(), renamed.path().c_str()) == 0);
         sync_names(renamed.path());
     }
     std::tie(left_over->from, left_over->log, left_over->size) = std::tie(from, log, size);
-    return true;
 }
 
-void remove(LeftOver* left_over) {
-    if (!left_over->has_name || unlink(left_over->path().c_str()) == 0 || errno == ENOENT) return;
-    left_over->stays = std::strerror(errno);
+void remove(const LeftOver& left_over) {
+    need(!left_over.has_name || unlink(left_over.path().c_str()) == 0 || errno == ENOENT);
 }
 
 template <typename Take>
@@ -102,42 +96,32 @@ std::string missing_lines(std::string_view lines, Words* standing) {
     return missing;
 }
 
-/// Takes in the words that stand in the log after its byte `from`. 0, or the errno for which it
-/// cannot be read.
-int words_after(off_t from, const Descriptor& log, Work* work, Words* words) {
-    const auto take = [&](std::string_view piece) {
-        for_each_word(piece, [&](std::string_view word) { words->emplace(word); });
+Words words_after(off_t from, const Descriptor& log, Work* work) {
+    Words words;
+    read_pieces(log, from, status_of(log).st_size, &work->progress, [&](std::string_view piece) {
+        for_each_word(piece, [&](std::string_view word) { words.emplace(word); });
         return true;
-    };
-    return read_pieces(log, from, status_of(log).st_size, &work->progress, take);
+    });
+    return words;
 }
 
-/// Opens the log for at most `size` bytes of lines, after those that stand in it. Nothing is open
-/// when it cannot be, or when somebody keeps it open in the middle of a record.
+/// Opens the log for at most `size` bytes of lines, after those that stand in it. One that somebody
+/// keeps open in the middle of a record is left alone.
 Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Descriptor& log,
                         off_t size, Moment deadline) {
     const Settled settled = settle(log, deadline);
     // If the log has become shorter meanwhile, there is no byte to read, and no unfinished record.
     char last = '\n';
-    if (settled.size != 0 && pread(log.get(), &last, 1, settled.size - 1) == -1) {
-        left_over->stays = std::strerror(errno);
-        return {};
-    }
-    if (settled.is_written && !is_white(last)) {
-        left_over->stays = KEPT_OPEN;
-        return {};
-    }
+    need(settled.size == 0 || pread(log.get(), &last, 1, settled.size - 1) != -1);
+    if (settled.is_written && !is_white(last)) throw LeftAlone{KEPT_OPEN};
     Descriptor file(open_regular_file(path, O_WRONLY | O_APPEND | O_NOFOLLOW));
+    need(static_cast<bool>(file));
     const FileId id = id_of(log);
-    if (!file || id_of(file) != id) {
-        left_over->stays = file ? REPLACED_MEANWHILE : std::strerror(errno);
-        return {};
-    }
-    if (left_over->log != id && !renumber(left_over, left_over->from, id, settled.size)) return {};
+    if (id_of(file) != id) throw LeftAlone{REPLACED_MEANWHILE};
+    if (left_over->log != id) renumber(left_over, left_over->from, id, settled.size);
     // A full disk is noticed before any harm is done, where the file system can do that.
-    must(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
-             errno == EOPNOTSUPP || errno == ENOSYS,
-         "make room in", path);
+    need(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
+         errno == EOPNOTSUPP || errno == ENOSYS);
     if (!is_white(last)) stop_on(write_all(file.get(), "\n"), "write", path);
     return file;
 }
@@ -154,23 +138,20 @@ LeftOver new_left_over(const std::string& source, Descriptor file) {
     return {source, 0, id, 0, std::move(file)};
 }
 
-int find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found) {
+void find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found) {
     const std::string directory = source.substr(0, source.rfind('/') + 1);
-    const auto [listing, is_new] = listings->try_emplace(directory);
-    auto& [all, error] = listing->second;
-    if (is_new) error = list(directory, &all);
-    for (LeftOver& left_over : all) {
+    if (!listings->contains(directory)) listings->emplace(directory, list(directory));
+    for (LeftOver& left_over : listings->at(directory)) {
         if (left_over.source == source) found->push_back(std::move(left_over));
     }
-    return error;
 }
 
-off_t add_words(LeftOver* left_over, const Settled& to, const std::string& path, Descriptor out,
-                Work* work, Words standing) {
-    off_t added = left_over->from;
+off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
+                Descriptor out, Work* work, Words standing) {
+    off_t added = left_over.from;
     int error = 0;
     std::string missing;
-    const auto add = [&](std::string_view words) {
+    read_pieces(left_over.file, added, to.size, &work->progress, [&](std::string_view words) {
         // A writer that keeps the file open may be in the middle of the last record.
         const std::size_t whole =
             to.is_written ? words.find_last_of(WHITE_SPACE) + 1 : words.size();
@@ -179,42 +160,33 @@ off_t add_words(LeftOver* left_over, const Settled& to, const std::string& path,
         error = write_all(out.get(), lines);
         added += static_cast<off_t>(whole);
         return error == 0 && whole == words.size();
-    };
-    const int unread = read_pieces(left_over->file, added, to.size, &work->progress, add);
-    stop_on(error, "write", path);
-    must(fsync(out.get()) == 0, "sync", path);
-    stop_on(out.close(), "close", path);
-    if (unread != 0) left_over->stays = std::strerror(unread);
+    });
+    if (error == 0 && fsync(out.get()) != 0) error = errno;
+    const int not_closed = out.close();
+    stop_on(error != 0 ? error : not_closed, "write", path);
     return added;
 }
 
 void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log,
                    Work* work) {
-    left_over->stays.clear();
-    if (!left_over->file) left_over->file = open_here(left_over->path(), &left_over->stays);
+    if (!left_over->file) left_over->file = open_here(left_over->path());
     // One that is gone was added by another pruning of its log.
     if (!left_over->file) return;
     const FileId id = id_of(left_over->file);
-    if (id == id_of(log)) return remove(left_over);
+    if (id == id_of(log)) return remove(*left_over);
     const Settled settled = settle(left_over->file, work->deadline);
     off_t added = left_over->from;
     if (settled.size > added) {
         Words standing;
-        if (left_over->log == id_of(log)) {
-            const int error = words_after(left_over->size, log, work, &standing);
-            if (error != 0) left_over->stays = std::strerror(error);
-            if (error != 0) return;
-        }
+        if (left_over->log == id_of(log)) standing = words_after(left_over->size, log, work);
         Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work->deadline);
-        if (!out) return;
-        added = add_words(left_over, settled, path, std::move(out), work, std::move(standing));
+        added = add_words(*left_over, settled, path, std::move(out), work, std::move(standing));
         sync_names(path);
-        if (!left_over->stays.empty()) return;
     }
     if (settled.is_written) {
-        if (renumber(left_over, added, id, 0)) left_over->stays = KEPT_OPEN;
-    } else {
-        remove(left_over);
-        if (added > left_over->from) sync_names(left_over->source);
+        renumber(left_over, added, id, 0);
+        throw LeftAlone{KEPT_OPEN};
     }
+    remove(*left_over);
+    if (added > left_over->from) sync_names(left_over->source);
 }

@@ -5,7 +5,6 @@
 #include <map>
 #include <string>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "base/descriptor.h"
@@ -52,7 +51,7 @@ struct LeftOver {
     Descriptor file = {};
     /// False for a log's old file that could not be given a name: only this run knows of it.
     bool has_name = true;
-    /// Why some of it, or all, could not be added yet; in memory only.
+    /// Why some of it, or all, could not be added yet; only this run knows of it.
     std::string stays = {};
 
     [[nodiscard]] std::string path() const;
@@ -61,24 +60,23 @@ struct LeftOver {
 /// The left-over of an open file of which nothing has been added yet.
 LeftOver new_left_over(const std::string& source, Descriptor file);
 
-/// Directories that have been listed, each with the left-overs there, or the errno for which they
-/// are not known.
-using Listings = std::map<std::string, std::pair<std::vector<LeftOver>, int>>;
+/// The left-overs of directories, each of which is listed once.
+using Listings = std::map<std::string, std::vector<LeftOver>>;
 
-/// Moves the left-overs of the file at `source` to `found`, and lists its directory if that has not
-/// been done. 0, or the errno for which they are not known.
-int find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found);
+/// Moves the left-overs of the file at `source` to `found`. Where its directory cannot be listed
+/// the file is left alone.
+void find_left_overs(const std::string& source, Listings* listings, std::vector<LeftOver>* found);
 
 using Words = std::unordered_multiset<std::string>;
 
 /// Appends to the open file at `path` the kept words of a left-over from its byte `from` to byte
 /// `to.size`, except for those that are `standing` there already, and brings the file to the disk.
 /// Returns the byte up to which that was done: as long as a writer has the left-over open, its last
-/// word, which may be unfinished, is left out. Stops the pruning when it fails, but for a left-over
-/// that cannot be read on, which says why it stays.
-off_t add_words(LeftOver* left_over, const Settled& to, const std::string& path, Descriptor out,
-                Work* work, Words standing = {});
+/// word, which may be unfinished, is left out. A left-over that cannot be read on is left alone;
+/// all else stops the pruning.
+off_t add_words(const LeftOver& left_over, const Settled& to, const std::string& path,
+                Descriptor out, Work* work, Words standing = {});
 
 /// Adds the kept records of a left-over to the log at `path`, which is open and locked, and removes
-/// the left-over. If it cannot be removed yet, `left_over->stays` says why.
+/// the left-over. One of which something cannot be added yet is left alone.
 void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log, Work* work);

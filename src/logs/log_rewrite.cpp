@@ -30,24 +30,23 @@ bool may_be_replaced(const std::string& log, const Descriptor& file) {
 
 /// Writes what is kept of a log's old file up to byte `to.size` to the scratch file, which gets the
 /// old file's owner and attributes as far as the system allows, and is writable for all. The new
-/// text, open for reading and locked; nothing, with errno set, when it cannot be made.
+/// text, open for reading and locked.
 Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file, Work* work) {
     Descriptor out(create_temporary_file(log.scratch, 0666));
     if (!out && !log.is_linked) gripe(NO_PRUNING_FILE, log.scratch, errno);
-    if (!out) return out;
+    need(static_cast<bool>(out));
     carry_over_identity(old_file->file.get(), out.get());
-    must(fchmod(out.get(), 0666) == 0, "make public", log.scratch);
-    old_file->from = add_words(old_file, to, log.scratch, std::move(out), work);
+    need(fchmod(out.get(), 0666) == 0);
+    old_file->from = add_words(*old_file, to, log.scratch, std::move(out), work);
     // Others may have put a pipe there meanwhile, which must not be waited for.
     Descriptor text(open_regular_file(log.scratch, O_RDONLY | O_NOFOLLOW));
-    must(static_cast<bool>(text), "open", log.scratch);
+    need(static_cast<bool>(text));
     flock(text.get(), LOCK_EX | LOCK_NB);
     return text;
 }
 
-/// Gives the old file the name of the left-over, and then the new text the log's. Empty, or why the
-/// log was left as it was.
-std::string put_in_place(const Log& log, LeftOver* old_file) {
+/// Gives the old file the name of the left-over, and then the new text the log's.
+void put_in_place(const Log& log, LeftOver* old_file) {
     const SignalsHeld held;
     const std::string& path = log.file.path;
     const std::string second = old_file->path();
@@ -55,65 +54,54 @@ std::string put_in_place(const Log& log, LeftOver* old_file) {
     // network the answer that it was given may get lost, and the call repeated.
     old_file->has_name =
         link(path.c_str(), second.c_str()) == 0 || is_name_of(second, old_file->file.get());
-    std::string reason;
     if (!is_name_of(old_file->has_name ? second : path, old_file->file.get())) {
-        reason = REPLACED_MEANWHILE;
-    } else if (rename(log.scratch.c_str(), path.c_str()) == 0) {
-        forget_temporary_file(log.scratch);
-        return "";
-    } else {
-        reason = std::strerror(errno);
+        throw LeftAlone{REPLACED_MEANWHILE};
     }
-    if (old_file->has_name) unlink(second.c_str());
-    remove_temporary_file(log.scratch);
-    return reason;
+    need(rename(log.scratch.c_str(), path.c_str()) == 0);
+    forget_temporary_file(log.scratch);
 }
 
 }  // namespace
 
-std::string rewrite_log(Log* log, Work* work) {
+void rewrite_log(Log* log, Work* work) {
+    need_usable(log->file);
     const std::string& path = log->file.path;
-    std::string reason = log->file.reason;
-    if (!reason.empty()) return "";
-    Descriptor old_log = open_locked(path, work->deadline, &reason);
-    if (!old_log) return reason;
+    Descriptor old_log = open_locked(path, work->deadline);
+    if (!old_log) return;
     unlink(log->scratch.c_str());
     // The name of a partly added left-over holds the log's inode, which a new text would change.
     for (const LeftOver& one : log->left_overs) {
-        if (one.log == id_of(old_log)) return one.stays;
+        if (one.log == id_of(old_log)) throw LeftAlone{one.stays};
     }
     const Settled settled = settle(old_log, work->deadline);
-    if (settled.is_written) return KEPT_OPEN;
+    if (settled.is_written) throw LeftAlone{KEPT_OPEN};
 
-    const KeptRecords before = work->records;
+    KeptRecords looked_at = work->records;
     bool keeps_all = true;
-    const auto look = [&](std::string_view piece) {
-        keeps_all = work->records.of(piece).data() == piece.data();
+    read_pieces(old_log, 0, settled.size, &work->progress, [&](std::string_view piece) {
+        keeps_all = looked_at.of(piece).data() == piece.data();
         return keeps_all;
-    };
-    const int unread = read_pieces(old_log, 0, settled.size, &work->progress, look);
+    });
     // A log that only its owner can write gets a new text, so that others can append.
-    if (unread == 0 && keeps_all && make_log_public(old_log)) return "";
-
-    work->records = before;
-    if (unread != 0) return std::strerror(unread);
-    if (!may_be_replaced(path, old_log)) return std::strerror(EPERM);
-    LeftOver old_file = new_left_over(path, std::move(old_log));
-    const Descriptor new_log = write_new_text(*log, settled, &old_file, work);
-    if (!new_log) {
-        reason = std::strerror(errno);
-    } else if (!old_file.stays.empty()) {
-        reason = old_file.stays;
-        remove_temporary_file(log->scratch);
-    } else {
-        reason = put_in_place(*log, &old_file);
+    if (keeps_all && make_log_public(old_log)) {
+        work->records = std::move(looked_at);
+        return;
     }
+    if (!may_be_replaced(path, old_log)) throw LeftAlone{std::strerror(EPERM)};
+    const KeptRecords before = work->records;
+    LeftOver old_file = new_left_over(path, std::move(old_log));
+    Descriptor new_log;
+    const std::string reason = reason_of([&] {
+        new_log = write_new_text(*log, settled, &old_file, work);
+        put_in_place(*log, &old_file);
+    });
     if (!reason.empty()) {
+        if (old_file.has_name) unlink(old_file.path().c_str());
+        remove_temporary_file(log->scratch);
         work->records = before;
-        return reason;
+        throw LeftAlone{reason};
     }
     stop_on(sync_directory_of(path), "replace", path);
-    add_left_over(&old_file, path, new_log, work);
+    old_file.stays = reason_of([&] { add_left_over(&old_file, path, new_log, work); });
     if (!old_file.stays.empty()) log->left_overs.push_back(std::move(old_file));
-    return "";
 }

@@ -15,8 +15,8 @@ struct Log {
     /// Whether a link leads to it.
     bool is_linked = false;
     std::vector<LeftOver> left_overs = {};
-    /// Empty when it was rewritten, or need not be.
-    std::string why_not_rewritten = {};
+    /// Why it was not rewritten; empty when it was, or need not be.
+    std::string stays = {};
 };
 
 /// Rewrites a log without the words that are not kept. It is read up to the first that is not kept
@@ -24,7 +24,7 @@ struct Log {
 /// opens the log finds the old file or the new one. Other names of the old file keep the old text.
 ///
 /// Nothing happens to a log that does not exist. One that cannot be read or replaced, or that
-/// somebody keeps open, is left alone and not counted; the result says why. Without a scratch file
-/// in the logging directory itself no pruning can take place, so that ends the program. An old file
-/// that somebody keeps open is put with the left-overs.
-std::string rewrite_log(Log* log, Work* work);
+/// somebody keeps open, is left alone and not counted. Without a scratch file in the logging
+/// directory itself no pruning can take place, so that ends the program. An old file that somebody
+/// keeps open is put with the left-overs.
+void rewrite_log(Log* log, Work* work);

@@ -16,6 +16,7 @@
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
+#include "base/trusted_links.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/log_rewrite.h"
@@ -88,16 +89,18 @@ Log find_log(const std::string& directory, int number, Listings* listings) {
     Log log = {follow_links(path), follow_links(companion), pruning_scratch_path(directory)};
     log.is_linked = log.file.path != path;
     if (log.is_linked) log.scratch = log.file.path + LINKED_SCRATCH;
-    // A link may be newer than what an earlier pruning has left in the directory itself.
-    for (const std::string& source : {path, companion, log.file.path, log.companion.path}) {
-        const int error = find_left_overs(source, listings, &log.left_overs);
-        // Without them nobody knows what has been added to the log.
-        if (error != 0 && log.file.reason.empty()) log.file.reason = std::strerror(error);
-    }
-    if (log.file.reason.empty() && log.companion.reason.empty() && log.file.id != FileId() &&
-        log.file.id == log.companion.id) {
-        log.file.reason = COMPANION_OF_ITSELF;
-    }
+    const std::string reason = reason_of([&] {
+        // A link may be newer than what an earlier pruning has left in the directory itself.
+        for (const std::string& source : {path, companion, log.file.path, log.companion.path}) {
+            find_left_overs(source, listings, &log.left_overs);
+        }
+        if (log.companion.reason.empty() && log.file.id != FileId() &&
+            log.file.id == log.companion.id) {
+            throw LeftAlone{COMPANION_OF_ITSELF};
+        }
+    });
+    // Without its left-overs nobody knows what has been added to a log.
+    if (log.file.reason.empty()) log.file.reason = reason;
     return log;
 }
 
@@ -106,46 +109,44 @@ void add_left_overs(Log* log, Work* work) {
     std::vector<LeftOver>& left_overs = log->left_overs;
     if (left_overs.empty()) return;
     const std::string& path = log->file.path;
-    std::string reason = log->file.reason;
     Descriptor file;
-    if (reason.empty() && !this_file_exists(path)) make_log(path);
-    if (reason.empty()) file = open_locked(path, work->deadline, &reason);
-    for (LeftOver& left_over : left_overs) left_over.stays = reason;
-    if (!file) return;
-    const FileId id = id_of(file);
+    FileId id;
+    std::string reason = reason_of([&] {
+        need_usable(log->file);
+        if (!this_file_exists(path)) make_log(path);
+        file = open_locked(path, work->deadline);
+        need(static_cast<bool>(file));
+        id = id_of(file);
+    });
     // Those that are partly added come before anything else is appended.
     std::stable_partition(left_overs.begin(), left_overs.end(),
                           [id](const LeftOver& left_over) { return left_over.log == id; });
-    for (LeftOver& left_over : left_overs) {
-        left_over.stays = reason;
-        if (reason.empty()) add_left_over(&left_over, path, file, work);
-        if (left_over.log == id) reason = left_over.stays;
+    for (LeftOver& one : left_overs) {
+        one.stays = reason;
+        if (reason.empty()) one.stays = reason_of([&] { add_left_over(&one, path, file, work); });
+        if (one.log == id) reason = one.stays;
     }
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
 
-/// Renames the log's companion to a left-over, where no writer looks for it. False when there is
-/// none, or it cannot be taken.
-bool take_companion_of(Log* log) {
+/// Renames the log's companion to a left-over, where no writer looks for it.
+void take_companion_of(Log* log) {
     Place& companion = log->companion;
-    if (!log->file.reason.empty() || !companion.reason.empty()) return false;
-    Descriptor file = open_here(companion.path, &companion.reason);
-    if (!file) return false;
-    make_log(log->file.path);
-    LeftOver taken = new_left_over(companion.path, std::move(file));
-    if (rename(companion.path.c_str(), taken.path().c_str()) != 0) {
-        companion.reason = std::strerror(errno);
-        return false;
-    }
-    log->left_overs.push_back(std::move(taken));
-    return true;
+    if (!log->file.reason.empty() || !companion.reason.empty()) return;
+    companion.reason = reason_of([&] {
+        Descriptor file = open_here(companion.path);
+        if (!file) return;
+        make_log(log->file.path);
+        LeftOver taken = new_left_over(companion.path, std::move(file));
+        need(rename(companion.path.c_str(), taken.path().c_str()) == 0);
+        log->left_overs.push_back(std::move(taken));
+    });
 }
 
 /// Adds to the logs what has come into companions.
 void merge_companions(std::vector<Log>* logs, const Patience& patience, Work* work) {
-    bool taken = false;
-    for (Log& log : *logs) taken |= take_companion_of(&log);
-    if (taken) std::this_thread::sleep_for(patience.pause);
+    for (Log& log : *logs) take_companion_of(&log);
+    std::this_thread::sleep_for(patience.pause);
     // Every writer that has a companion open opened it before it was taken.
     work->deadline = patience.deadline();
     for (Log& log : *logs) add_left_overs(&log, work);
@@ -159,8 +160,7 @@ std::string left_alone(const std::vector<Log>& logs) {
         lines += line + "\n";
     };
     for (const Log& log : logs) {
-        const Place rewritten = {log.file.path, log.why_not_rewritten};
-        for (const Place& place : {log.file, rewritten, log.companion}) {
+        for (const Place& place : {Place{log.file.path, log.stays}, log.companion}) {
             if (place.reason.empty()) continue;
             tell(filled(LOG_LEFT_ALONE, place.path.c_str(), place.reason.c_str()));
         }
@@ -191,7 +191,7 @@ std::string prune(const LogsToPrune& logs, std::uint8_t days, const Patience& pa
     for (Log& log : found) add_left_overs(&log, &work);
     // The records that were kept stand in the logs now, and are counted there.
     const std::int64_t counted_there = work.records.total() - work.records.removed();
-    for (Log& log : found) log.why_not_rewritten = rewrite_log(&log, &work);
+    for (Log& log : found) log.stays = reason_of([&] { rewrite_log(&log, &work); });
     merge_companions(&found, patience, &work);
     if (const int error = take_down(token)) {
         gripe(left_alone(found) + filled(TOKEN_STAYS, token.path.c_str(), std::strerror(error)));

@@ -94,7 +94,7 @@ TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
 TEST_F(PruningInTrouble, ANewTextThatTheDiskDoesNotKeepDoesNotBecomeTheLog) {
     write_log(0, old(1) + fresh(1));
     EXPECT_GRIPE(prune_with(0),
-                 stopped("sync (" + pruning_scratch_path() + "): Input/output error"));
+                 stopped("write (" + pruning_scratch_path() + "): Input/output error"));
     EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
     EXPECT_GRIPE(prune_with(1), stopped("replace (" + log_file_path(0) + "): Input/output error"));
     EXPECT_EQ(file_text(log_file_path(0)), fresh(1));
@@ -116,7 +116,7 @@ TEST_F(PruningInTrouble, ALeftOverStaysUntilTheDiskKeepsItsRecords) {
     const std::string directory = "bring to the disk the directory of (";
     EXPECT_GRIPE(prune_with(0), stopped(directory + left_over + FAILED));
     EXPECT_EQ(file_text(log), fresh(1));
-    EXPECT_GRIPE(prune_with(0), stopped("sync (" + log + FAILED));
+    EXPECT_GRIPE(prune_with(0), stopped("write (" + log + FAILED));
     EXPECT_GRIPE(prune_with(1), stopped(directory + log + FAILED));
     EXPECT_EQ(file_text(left_over), fresh(2) + fresh(3));
     EXPECT_GRIPE(prune_with(2), stopped(directory + pruning_companion_path(0) + FAILED));
