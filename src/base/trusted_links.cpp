@@ -23,7 +23,7 @@ std::string link_target(const std::string& path) {
 
 }  // namespace
 
-Place follow_links(const std::string& path, int most_links) {
+MeantFile follow_links(const std::string& path, int most_links) {
     struct stat status;
     if (lstat(path.c_str(), &status) != 0) {
         const bool is_missing = errno == ENOENT || errno == ENOTDIR;
@@ -35,10 +35,10 @@ Place follow_links(const std::string& path, int most_links) {
     if (most_links == 0) return {path, std::strerror(ELOOP)};
     const std::string target = link_target(path);
     if (target.empty()) return {path, std::strerror(errno)};
-    Place place = follow_links(target, most_links - 1);
+    MeantFile file = follow_links(target, most_links - 1);
     const uid_t owner = status.st_uid;
-    if (place.reason.empty() && owner != 0 && owner != geteuid() && owner != place.owner) {
-        place.reason = LINK_OF_SOMEBODY_ELSE;
+    if (file.reason.empty() && owner != 0 && owner != geteuid() && owner != file.owner) {
+        file.reason = LINK_OF_SOMEBODY_ELSE;
     }
-    return place;
+    return file;
 }

@@ -7,7 +7,7 @@
 #include "base/file_identity.h"
 
 /// The file that is meant by a name in a directory where others may write.
-struct Place {
+struct MeantFile {
     /// With all symbolic links followed, whether there is a file or not.
     std::string path;
     /// Why the file must not be used; empty when it may.
@@ -17,7 +17,7 @@ struct Place {
     FileId id = {};
 };
 
-/// The place that `path` leads to, through symbolic links that belong to root, to the operator or
+/// The file that `path` leads to, through symbolic links that belong to root, to the operator or
 /// to the owner of what they lead to: others may have been planted by anybody who may write to the
 /// directory. More than `most_links`, which is what the system would follow, count as a ring.
-Place follow_links(const std::string& path, int most_links = 40);
+MeantFile follow_links(const std::string& path, int most_links = 40);

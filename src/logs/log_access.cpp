@@ -21,8 +21,8 @@ void need(bool done) {
     if (!done) throw LeftAlone{std::strerror(errno)};
 }
 
-void need_usable(const Place& place) {
-    if (!place.reason.empty()) throw LeftAlone{place.reason};
+void need_usable(const MeantFile& file) {
+    if (!file.reason.empty()) throw LeftAlone{file.reason};
 }
 
 void stop_on(int error, const char* step, const std::string& path) {

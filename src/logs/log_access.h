@@ -43,8 +43,8 @@ std::string reason_of(const Step& step) {
 
 /// Leaves the file alone unless the system call has done what it was to do; the reason is in errno.
 void need(bool done);
-/// Leaves the file alone where the place must not be used.
-void need_usable(const Place& place);
+/// Leaves the file alone where the name means one that must not be used.
+void need_usable(const MeantFile& file);
 
 /// Ends the program through gripe unless `error`, an errno, is 0: the pruning could not `step` the
 /// file at `path`, and log writers must not go on there. The token stays, and the message says what

@@ -8,8 +8,8 @@
 
 /// A log of the region with what belongs to it.
 struct Log {
-    Place file;
-    Place companion;
+    MeantFile file;
+    MeantFile companion;
     /// Where its new text is written, in the same directory.
     std::string scratch;
     /// Whether a link leads to it.

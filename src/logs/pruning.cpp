@@ -131,7 +131,7 @@ void add_left_overs(Log* log, Work* work) {
 
 /// Renames the log's companion to a left-over, where no writer looks for it.
 void take_companion_of(Log* log) {
-    Place& companion = log->companion;
+    MeantFile& companion = log->companion;
     if (!log->file.reason.empty() || !companion.reason.empty()) return;
     companion.reason = reason_of([&] {
         Descriptor file = open_here(companion.path);
@@ -160,9 +160,9 @@ std::string left_alone(const std::vector<Log>& logs) {
         lines += line + "\n";
     };
     for (const Log& log : logs) {
-        for (const Place& place : {Place{log.file.path, log.stays}, log.companion}) {
-            if (place.reason.empty()) continue;
-            tell(filled(LOG_LEFT_ALONE, place.path.c_str(), place.reason.c_str()));
+        for (const MeantFile& file : {MeantFile{log.file.path, log.stays}, log.companion}) {
+            if (file.reason.empty()) continue;
+            tell(filled(LOG_LEFT_ALONE, file.path.c_str(), file.reason.c_str()));
         }
         for (const LeftOver& one : log.left_overs) {
             if (!one.has_name) continue;
