@@ -151,7 +151,7 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
     off_t added = left_over.from;
     int error = 0;
     std::string missing;
-    read_pieces(left_over.file, added, to.size, &work->progress, [&](std::string_view words) {
+    const auto add = [&](std::string_view words) {
         // A writer that keeps the file open may be in the middle of the last record.
         const std::size_t whole =
             to.is_written ? words.find_last_of(WHITE_SPACE) + 1 : words.size();
@@ -160,10 +160,13 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
         error = write_all(out.get(), lines);
         added += static_cast<off_t>(whole);
         return error == 0 && whole == words.size();
-    });
+    };
+    const std::string unread =
+        reason_of([&] { read_pieces(left_over.file, added, to.size, &work->progress, add); });
     if (error == 0 && fsync(out.get()) != 0) error = errno;
     const int not_closed = out.close();
     stop_on(error != 0 ? error : not_closed, "write", path);
+    if (!unread.empty()) throw LeftAlone{unread};
     return added;
 }
 
