@@ -49,7 +49,10 @@ std::vector<LeftOver> list(const std::string& directory) {
     while (stream && (errno = 0, entry = readdir(stream.get())) != nullptr) {
         const std::string path = directory + entry->d_name;
         std::optional<LeftOver> left_over = named(path);
-        if (left_over && lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode)) {
+        if (!left_over) continue;
+        // What cannot be looked at is found out when it is opened.
+        const bool is_seen = lstat(path.c_str(), &status) == 0;
+        if (is_seen ? S_ISREG(status.st_mode) : errno != ENOENT) {
             found.push_back(*std::move(left_over));
         }
     }
@@ -57,16 +60,16 @@ std::vector<LeftOver> list(const std::string& directory) {
     return found;
 }
 
-void sync_names(const std::string& path) {
-    stop_on(sync_directory_of(path), "bring to the disk the directory of", path);
+void sync_names(const std::string& path, const Work& work) {
+    stop_on(sync_directory_of(path), "bring to the disk the directory of", path, work);
 }
 
 /// Renames a left-over so that its name holds the new numbers, and syncs the directory.
-void renumber(LeftOver* left_over, off_t from, FileId log, off_t size) {
+void renumber(LeftOver* left_over, off_t from, FileId log, off_t size, const Work& work) {
     const LeftOver renamed = {left_over->source, from, log, size};
     if (left_over->has_name) {
         need(rename(left_over->path().c_str(), renamed.path().c_str()) == 0);
-        sync_names(renamed.path());
+        sync_names(renamed.path(), work);
     }
     std::tie(left_over->from, left_over->log, left_over->size) = std::tie(from, log, size);
 }
@@ -108,8 +111,8 @@ Words words_after(off_t from, const Descriptor& log, Work* work) {
 /// Opens the log for at most `size` bytes of lines, after those that stand in it. One that somebody
 /// keeps open in the middle of a record is left alone.
 Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Descriptor& log,
-                        off_t size, Moment deadline) {
-    const Settled settled = settle(log, deadline);
+                        off_t size, Work* work) {
+    const Settled settled = settle(log, work->deadline);
     // If the log has become shorter meanwhile, there is no byte to read, and no unfinished record.
     char last = '\n';
     need(settled.size == 0 || pread(log.get(), &last, 1, settled.size - 1) != -1);
@@ -118,11 +121,11 @@ Descriptor begin_to_add(LeftOver* left_over, const std::string& path, const Desc
     need(static_cast<bool>(file));
     const FileId id = id_of(log);
     if (id_of(file) != id) throw LeftAlone{REPLACED_MEANWHILE};
-    if (left_over->log != id) renumber(left_over, left_over->from, id, settled.size);
-    // A full disk is noticed before any harm is done, where the file system can do that.
+    // A full disk is noticed before anything is begun, where the file system can do that.
     need(fallocate(file.get(), FALLOC_FL_KEEP_SIZE, settled.size, size) == 0 ||
          errno == EOPNOTSUPP || errno == ENOSYS);
-    if (!is_white(last)) stop_on(write_all(file.get(), "\n"), "write", path);
+    if (left_over->log != id) renumber(left_over, left_over->from, id, settled.size, *work);
+    if (!is_white(last)) stop_on(write_all(file.get(), "\n"), "write", path, *work);
     return file;
 }
 
@@ -165,7 +168,7 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
         reason_of([&] { read_pieces(left_over.file, added, to.size, &work->progress, add); });
     if (error == 0 && fsync(out.get()) != 0) error = errno;
     const int not_closed = out.close();
-    stop_on(error != 0 ? error : not_closed, "write", path);
+    stop_on(error != 0 ? error : not_closed, "write", path, *work);
     if (!unread.empty()) throw LeftAlone{unread};
     return added;
 }
@@ -182,14 +185,14 @@ void add_left_over(LeftOver* left_over, const std::string& path, const Descripto
     if (settled.size > added) {
         Words standing;
         if (left_over->log == id_of(log)) standing = words_after(left_over->size, log, work);
-        Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work->deadline);
+        Descriptor out = begin_to_add(left_over, path, log, settled.size - added, work);
         added = add_words(*left_over, settled, path, std::move(out), work, std::move(standing));
-        sync_names(path);
+        sync_names(path, *work);
     }
     if (settled.is_written) {
-        renumber(left_over, added, id, 0);
+        renumber(left_over, added, id, 0, *work);
         throw LeftAlone{KEPT_OPEN};
     }
     remove(*left_over);
-    if (added > left_over->from) sync_names(left_over->source);
+    if (added > left_over->from) sync_names(left_over->source, *work);
 }

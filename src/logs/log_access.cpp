@@ -1,10 +1,12 @@
 #include "logs/log_access.h"
 
+#include <fcntl.h>
 #include <sys/file.h>
 
 #include <cerrno>
 #include <thread>
 
+#include "base/files.h"
 #include "base/filled.h"
 #include "dialog/messages.h"
 #include "messages/log_texts.h"
@@ -25,8 +27,10 @@ void need_usable(const MeantFile& file) {
     if (!file.reason.empty()) throw LeftAlone{file.reason};
 }
 
-void stop_on(int error, const char* step, const std::string& path) {
-    if (error != 0) gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error)));
+void stop_on(int error, const char* step, const std::string& path, const Work& work) {
+    if (error == 0) return;
+    make_log_public(Descriptor(open_regular_file(work.token, O_WRONLY | O_CREAT | O_NOFOLLOW)));
+    gripe(filled(PRUNING_STOPPED, step, path.c_str(), std::strerror(error)));
 }
 
 struct stat status_of(const Descriptor& file) {

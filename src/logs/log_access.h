@@ -23,6 +23,8 @@ struct Work {
     Progress progress;
     /// Until when writers are waited for.
     Moment deadline;
+    /// The path of the token, which diverts the writers.
+    std::string token = {};
 };
 
 /// Thrown by the steps on a file that has to stay as it is until the next pruning: why.
@@ -47,9 +49,9 @@ void need(bool done);
 void need_usable(const MeantFile& file);
 
 /// Ends the program through gripe unless `error`, an errno, is 0: the pruning could not `step` the
-/// file at `path`, and log writers must not go on there. The token stays, and the message says what
-/// that means.
-void stop_on(int error, const char* step, const std::string& path);
+/// file at `path`. The token stands then, even if it had gone: a writer must not go on behind half
+/// a record. The message says what that means.
+void stop_on(int error, const char* step, const std::string& path, const Work& work);
 
 /// The status and the identity of an open file.
 struct stat status_of(const Descriptor& file);

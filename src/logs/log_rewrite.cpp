@@ -28,16 +28,22 @@ bool may_be_replaced(const std::string& log, const Descriptor& file) {
            self == status_of(file).st_uid;
 }
 
+/// Makes the scratch file.
+Descriptor make_scratch_file(const Log& log) {
+    Descriptor scratch(create_temporary_file(log.scratch, 0666));
+    if (!scratch && !log.is_linked) gripe(NO_PRUNING_FILE, log.scratch, errno);
+    need(static_cast<bool>(scratch));
+    return scratch;
+}
+
 /// Writes what is kept of a log's old file up to byte `to.size` to the scratch file, which gets the
 /// old file's owner and attributes as far as the system allows, and is writable for all. The new
 /// text, open for reading and locked.
-Descriptor write_new_text(const Log& log, const Settled& to, LeftOver* old_file, Work* work) {
-    Descriptor out(create_temporary_file(log.scratch, 0666));
-    if (!out && !log.is_linked) gripe(NO_PRUNING_FILE, log.scratch, errno);
-    need(static_cast<bool>(out));
-    carry_over_identity(old_file->file.get(), out.get());
-    need(fchmod(out.get(), 0666) == 0);
-    old_file->from = add_words(*old_file, to, log.scratch, std::move(out), work);
+Descriptor write_new_text(const Log& log, Descriptor scratch, const Settled& to, LeftOver* old_file,
+                          Work* work) {
+    carry_over_identity(old_file->file.get(), scratch.get());
+    need(fchmod(scratch.get(), 0666) == 0);
+    old_file->from = add_words(*old_file, to, log.scratch, std::move(scratch), work);
     // Others may have put a pipe there meanwhile, which must not be waited for.
     Descriptor text(open_regular_file(log.scratch, O_RDONLY | O_NOFOLLOW));
     need(static_cast<bool>(text));
@@ -90,9 +96,12 @@ void rewrite_log(Log* log, Work* work) {
     if (!may_be_replaced(path, old_log)) throw LeftAlone{std::strerror(EPERM)};
     const KeptRecords before = work->records;
     LeftOver old_file = new_left_over(path, std::move(old_log));
+    // Until it gets one.
+    old_file.has_name = false;
+    Descriptor scratch = make_scratch_file(*log);
     Descriptor new_log;
     const std::string reason = reason_of([&] {
-        new_log = write_new_text(*log, settled, &old_file, work);
+        new_log = write_new_text(*log, std::move(scratch), settled, &old_file, work);
         put_in_place(*log, &old_file);
     });
     if (!reason.empty()) {
@@ -101,7 +110,7 @@ void rewrite_log(Log* log, Work* work) {
         work->records = before;
         throw LeftAlone{reason};
     }
-    stop_on(sync_directory_of(path), "replace", path);
+    stop_on(sync_directory_of(path), "replace", path, *work);
     old_file.stays = reason_of([&] { add_left_over(&old_file, path, new_log, work); });
     if (!old_file.stays.empty()) log->left_overs.push_back(std::move(old_file));
 }

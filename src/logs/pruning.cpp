@@ -122,9 +122,13 @@ void add_left_overs(Log* log, Work* work) {
     std::stable_partition(left_overs.begin(), left_overs.end(),
                           [id](const LeftOver& left_over) { return left_over.log == id; });
     for (LeftOver& one : left_overs) {
+        const KeptRecords before = work->records;
+        const off_t from = one.from;
         one.stays = reason;
         if (reason.empty()) one.stays = reason_of([&] { add_left_over(&one, path, file, work); });
         if (one.log == id) reason = one.stays;
+        // Who adds the rest counts it from there.
+        if (!one.stays.empty() && one.from == from) work->records = before;
     }
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }
@@ -139,6 +143,7 @@ void take_companion_of(Log* log) {
         make_log(log->file.path);
         LeftOver taken = new_left_over(companion.path, std::move(file));
         need(rename(companion.path.c_str(), taken.path().c_str()) == 0);
+        if (!is_name_of(taken.path(), taken.file.get())) throw LeftAlone{REPLACED_MEANWHILE};
         log->left_overs.push_back(std::move(taken));
     });
 }
@@ -165,8 +170,9 @@ std::string left_alone(const std::vector<Log>& logs) {
             tell(filled(LOG_LEFT_ALONE, file.path.c_str(), file.reason.c_str()));
         }
         for (const LeftOver& one : log.left_overs) {
-            if (!one.has_name) continue;
-            tell(filled(LEFT_OVER_STAYS, one.path().c_str(), one.stays.c_str()));
+            const std::string named = one.has_name ? one.path() : log.file.path;
+            tell(filled(one.has_name ? LEFT_OVER_STAYS : LATE_RECORDS_LOST, named.c_str(),
+                        one.stays.c_str()));
         }
     }
     return lines;
@@ -187,7 +193,7 @@ std::string prune(const LogsToPrune& logs, std::uint8_t days, const Patience& pa
         bytes += found.back().file.size + found.back().companion.size;
     }
 
-    Work work = {KeptRecords(cut_off), Progress(bytes), deadline};
+    Work work = {KeptRecords(cut_off), Progress(bytes), deadline, token.path};
     for (Log& log : found) add_left_overs(&log, &work);
     // The records that were kept stand in the logs now, and are counted there.
     const std::int64_t counted_there = work.records.total() - work.records.removed();

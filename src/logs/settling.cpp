@@ -26,9 +26,13 @@ Settled settle(const Descriptor& file, Moment deadline) {
         // write waits as long as the lease is held, which is for one look at the size.
         const bool granted = fcntl(file.get(), F_SETLEASE, F_RDLCK) == 0;
         const bool is_written = !granted && errno == EAGAIN;
-        const off_t size = status_of(file).st_size;
+        struct stat status;
+        const bool is_known = fstat(file.get(), &status) == 0;
         if (granted) fcntl(file.get(), F_SETLEASE, F_UNLCK);
-        if (granted || std::chrono::steady_clock::now() >= deadline) return {size, is_written};
+        need(is_known);
+        if (granted || std::chrono::steady_clock::now() >= deadline) {
+            return {status.st_size, is_written};
+        }
         if (is_written) {
             std::this_thread::sleep_for(STEP);
         } else {

@@ -51,6 +51,9 @@ inline constexpr char LOG_LEFT_ALONE[] = "The log file (%s) was left as it is: %
 /// Left-over, reason.
 inline constexpr char LEFT_OVER_STAYS[] =
     "The next pruning adds to its log what is left in (%s): %s.";
+/// Log, reason.
+inline constexpr char LATE_RECORDS_LOST[] =
+    "Records that somebody adds to the old file of the log (%s) may be lost: %s.";
 inline constexpr char LINK_OF_SOMEBODY_ELSE[] = "The link to it belongs to somebody else";
 inline constexpr char COMPANION_OF_ITSELF[] = "It is its own companion";
 inline constexpr char LOG_IS_LOCKED[] = "Another process is pruning it";

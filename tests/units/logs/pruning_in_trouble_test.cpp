@@ -2,6 +2,7 @@
 #include <sys/syscall.h>
 
 #include <cerrno>
+#include <functional>
 
 #include "support/failing_sync.h"
 #include "units/logs/pruning_region.h"
@@ -10,28 +11,78 @@
 
 namespace {
 
-/// Whether a second name for a file is given, and answered as if it had been there before.
-bool links_are_answered_twice = false;
+/// What happens before a call: 0, or the errno with which it fails instead. They are told the path,
+/// where there is one; of two the second.
+struct Calls {
+    std::function<int(const std::string& path)> link;
+    std::function<int(const std::string& path)> unlink;
+    std::function<int(const std::string& path)> rename;
+    std::function<int(const std::string& path)> lstat;
+    std::function<int()> fallocate;
+};
+Calls& before() {
+    static Calls calls;
+    return calls;
+}
+
+/// The result of a call that fails with `error`, or is made.
+template <typename Call>
+int unless(int error, const Call& call) {
+    if (error == 0) return static_cast<int>(call());
+    errno = error;
+    return -1;
+}
+
+int asked(const std::function<int(const std::string&)>& what, const char* path) {
+    return what ? what(path) : 0;
+}
 
 }  // namespace
 
-/// Takes the place of the C library's, which knows no network that loses an answer.
-extern "C" int link(const char* from, const char* to) noexcept {
-    const auto result = static_cast<int>(syscall(SYS_link, from, to));
-    if (!links_are_answered_twice) return result;
-    errno = EEXIST;
-    return -1;
+// These take the place of the C library's.
+extern "C" {
+
+int link(const char* from, const char* to) noexcept {
+    return unless(asked(before().link, to), [&] { return syscall(SYS_link, from, to); });
+}
+int unlink(const char* path) noexcept {
+    return unless(asked(before().unlink, path), [&] { return syscall(SYS_unlink, path); });
+}
+int rename(const char* from, const char* to) noexcept {
+    return unless(asked(before().rename, to), [&] { return syscall(SYS_rename, from, to); });
+}
+int lstat(const char* path, struct stat* status) noexcept {
+    return unless(asked(before().lstat, path), [&] {
+        return syscall(SYS_newfstatat, AT_FDCWD, path, status, AT_SYMLINK_NOFOLLOW);
+    });
+}
+int fallocate(int file, int mode, off_t from, off_t size) {
+    const int error = before().fallocate ? before().fallocate() : 0;
+    return unless(error, [&] { return syscall(SYS_fallocate, file, mode, from, size); });
+}
 }
 
 namespace {
 
 class PruningInTrouble : public Pruning {
   protected:
+    void TearDown() override {
+        before() = {};
+        Pruning::TearDown();
+    }
     static std::string stopped(const std::string& at) {
         return "ERROR: Pruning stopped, because it could not " + at +
                ".  No record is lost.  As long as the pruning token stands, log writers go on into "
                "companion files, which no query reads; a pruning that ends well brings their "
                "records back.";
+    }
+    /// The name of a left-over that bears the numbers of `log`, or its own.
+    static std::string numbered(const std::string& source, const std::string& log = "",
+                                std::size_t size = 0) {
+        struct stat status = {};
+        EXPECT_EQ(stat((log.empty() ? source : log).c_str(), &status), 0);
+        return source + ".to_add_0_" + std::to_string(status.st_dev) + "_" +
+               std::to_string(status.st_ino) + "_" + std::to_string(size);
     }
     static void prune_with(int good) {
         good_syncs = good;
@@ -82,11 +133,14 @@ TEST_F(PruningInTrouble, AFileThatIsTooLargeLeavesTheLogAsItWas) {
     EXPECT_EQ(said_by_pruning(), result(1, 201));
 }
 
+// As where a network loses the answer, and the call is made once more.
 TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
     write_log(3, old(1) + fresh(1));
-    links_are_answered_twice = true;
+    before().link = [](const std::string& second) {
+        EXPECT_EQ(syscall(SYS_link, log_file_path(3).c_str(), second.c_str()), 0);
+        return EEXIST;
+    };
     EXPECT_EQ(said_by_pruning(), result(1, 2));
-    links_are_answered_twice = false;
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
@@ -108,11 +162,7 @@ TEST_F(PruningInTrouble, ALeftOverStaysUntilTheDiskKeepsItsRecords) {
     const std::string log = log_file_path(0);
     write_log(0, fresh(1));
     write_file(pruning_companion_path(0), fresh(2) + fresh(3));
-    struct stat status = {};
-    ASSERT_EQ(stat(log.c_str(), &status), 0);
-    const std::string left_over =
-        pruning_companion_path(0) + ".to_add_0_" + std::to_string(status.st_dev) + "_" +
-        std::to_string(status.st_ino) + "_" + std::to_string(fresh(1).size());
+    const std::string left_over = numbered(pruning_companion_path(0), log, fresh(1).size());
     const std::string directory = "bring to the disk the directory of (";
     EXPECT_GRIPE(prune_with(0), stopped(directory + left_over + FAILED));
     EXPECT_EQ(file_text(log), fresh(1));
@@ -123,6 +173,102 @@ TEST_F(PruningInTrouble, ALeftOverStaysUntilTheDiskKeepsItsRecords) {
     EXPECT_EQ(file_text(log), all);
     EXPECT_EQ(said_by_pruning(), result(0, 3));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", all}}));
+}
+
+TEST_F(PruningInTrouble, OnAFullDiskNothingIsBegunToBeAdded) {
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    const std::string left_over = numbered(pruning_companion_path(0));
+    before().fallocate = [] { return ENOSPC; };
+    const std::string stays = "The next pruning adds to its log what is left in (" + left_over +
+                              "): No space left on device.\n";
+    EXPECT_EQ(said_by_pruning(), stays + result(1, 2));
+    // The log can be pruned all the same, and has room again.
+    write_log(0, old(1) + fresh(1));
+    EXPECT_EQ(said_by_pruning(), stays + result(1, 2));
+    before().fallocate = {};
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, WhatOnlyThisRunKnowsOfAndCannotAddIsToldOf) {
+    write_log(0, old(1) + fresh(1));
+    before().fallocate = [] { return ENOSPC; };
+    before().link = [](const std::string&) {
+        std::ofstream(log_file_path(0), std::ios::app) << fresh(2);
+        return EPERM;
+    };
+    EXPECT_EQ(said_by_pruning(), "Records that somebody adds to the old file of the log (" +
+                                     log_file_path(0) +
+                                     ") may be lost: No space left on device.\n" + result(1, 2));
+}
+
+TEST_F(PruningInTrouble, WhatItDidNotMakeStays) {
+    write_file(logging_dir + "/elsewhere/real", old(1) + fresh(1));
+    fs::create_symlink("elsewhere/real", log_file_path(3));
+    const std::string real = logging_dir + "/elsewhere/real";
+    const std::string second = numbered(real);
+    ASSERT_EQ(mkfifo(second.c_str(), 0666), 0);
+    fs::create_directory(real + ".pruning_");
+    EXPECT_EQ(said_by_pruning(), left_alone(real, "File exists") + result(0, 0));
+    EXPECT_TRUE(fs::is_fifo(second));
+    EXPECT_TRUE(fs::is_directory(real + ".pruning_"));
+}
+
+TEST_F(PruningInTrouble, ALeftOverThatCannotBeLookedAtIsNotForgotten) {
+    write_log(0, old(1) + fresh(1));
+    write_file(numbered(pruning_companion_path(0), log_file_path(0)), fresh(1) + fresh(2));
+    before().lstat = [](const std::string& path) {
+        if (path.find(".to_add_") == std::string::npos) return 0;
+        before().lstat = {};
+        return EIO;
+    };
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, NoWriterGoesOnBehindHalfARecordOfTheLastMerge) {
+    write_log(0, fresh(1));
+    before().unlink = [](const std::string& path) {
+        if (path == pruning_token_path()) write_file(pruning_companion_path(0), fresh(2));
+        return 0;
+    };
+    EXPECT_GRIPE(prune_with(1), stopped("write (" + log_file_path(0) + "): Input/output error"));
+    EXPECT_TRUE(fs::exists(pruning_token_path()));
+    EXPECT_EQ(mode_of(pruning_token_path()), 0666u);
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, WhatIsNotAddedYetIsNotCounted) {
+    write_log(0, fresh(1));
+    write_file(pruning_companion_path(0), old(2) + fresh(2));
+    const std::string left_over =
+        numbered(pruning_companion_path(0), log_file_path(0), fresh(1).size());
+    before().unlink = [&](const std::string& path) { return path == left_over ? EIO : 0; };
+    EXPECT_EQ(said_by_pruning(), "The next pruning adds to its log what is left in (" + left_over +
+                                     "): Input/output error.\n" + result(0, 1));
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(1) + fresh(2));
+}
+
+TEST_F(PruningInTrouble, ACompanionThatIsReplacedWhileItIsTakenLosesNothing) {
+    write_log(0, fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    before().rename = [](const std::string& path) {
+        if (path.find("logging__0.txt.to_add_") != std::string::npos) {
+            before().rename = {};
+            fs::remove(pruning_companion_path(0));
+            write_file(pruning_companion_path(0), fresh(3));
+        }
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(),
+              left_alone(pruning_companion_path(0), "Another file took its place") + result(0, 1));
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(3)}}));
 }
 
 }  // namespace
