@@ -164,6 +164,11 @@ struct Act {
     std::size_t temporary = 0;
 };
 
+bool was_chosen(const std::string& path) {
+    return std::any_of(chosen.begin(), chosen.end(),
+                       [&](const std::string& choice) { return leads_to(choice, path); });
+}
+
 /// The file that was made; empty when there is none. Whatever else there was is as it was.
 std::string new_file(const Act& act) {
     const Snapshot now = everything();
@@ -177,7 +182,8 @@ std::string new_file(const Act& act) {
     std::size_t temporary = 0;
     for (const auto& [path, description] : now) {
         if (act.before.contains(path)) continue;
-        if (is_temporary(path)) {
+        // The operator may choose a name as temporary files have it.
+        if (is_temporary(path) && !was_chosen(path)) {
             ++temporary;
             continue;
         }
@@ -186,11 +192,6 @@ std::string new_file(const Act& act) {
     }
     must(temporary <= act.temporary, "no temporary file stays");
     return made;
-}
-
-bool was_chosen(const std::string& path) {
-    return std::any_of(chosen.begin(), chosen.end(),
-                       [&](const std::string& choice) { return leads_to(choice, path); });
 }
 
 /// Whether the file is as it is made before anything is filled in.
