@@ -173,8 +173,11 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
     return added;
 }
 
-void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log,
-                   Work* work) {
+namespace {
+
+/// Leaves a left-over alone of which something cannot be added yet.
+void add_and_remove(LeftOver* left_over, const std::string& path, const Descriptor& log,
+                    Work* work) {
     if (!left_over->file) left_over->file = open_here(left_over->path());
     // One that is gone was added by another pruning of its log.
     if (!left_over->file) return;
@@ -195,4 +198,15 @@ void add_left_over(LeftOver* left_over, const std::string& path, const Descripto
     }
     remove(*left_over);
     if (added > left_over->from) sync_names(left_over->source, *work);
+}
+
+}  // namespace
+
+void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log,
+                   Work* work) {
+    const KeptRecords before = work->records;
+    const off_t from = left_over->from;
+    left_over->stays = reason_of([&] { add_and_remove(left_over, path, log, work); });
+    // Who adds the rest counts it from there.
+    if (!left_over->stays.empty() && left_over->from == from) work->records = before;
 }

@@ -78,5 +78,5 @@ off_t add_words(const LeftOver& left_over, const Settled& to, const std::string&
                 Descriptor out, Work* work, Words standing = {});
 
 /// Adds the kept records of a left-over to the log at `path`, which is open and locked, and removes
-/// the left-over. One of which something cannot be added yet is left alone.
+/// the left-over. One that stays says why; what is still to be added of it is not counted.
 void add_left_over(LeftOver* left_over, const std::string& path, const Descriptor& log, Work* work);

@@ -111,6 +111,6 @@ void rewrite_log(Log* log, Work* work) {
         throw LeftAlone{reason};
     }
     stop_on(sync_directory_of(path), "replace", path, *work);
-    old_file.stays = reason_of([&] { add_left_over(&old_file, path, new_log, work); });
+    add_left_over(&old_file, path, new_log, work);
     if (!old_file.stays.empty()) log->left_overs.push_back(std::move(old_file));
 }

@@ -122,13 +122,9 @@ void add_left_overs(Log* log, Work* work) {
     std::stable_partition(left_overs.begin(), left_overs.end(),
                           [id](const LeftOver& left_over) { return left_over.log == id; });
     for (LeftOver& one : left_overs) {
-        const KeptRecords before = work->records;
-        const off_t from = one.from;
         one.stays = reason;
-        if (reason.empty()) one.stays = reason_of([&] { add_left_over(&one, path, file, work); });
+        if (reason.empty()) add_left_over(&one, path, file, work);
         if (one.log == id) reason = one.stays;
-        // Who adds the rest counts it from there.
-        if (!one.stays.empty() && one.from == from) work->records = before;
     }
     std::erase_if(left_overs, [](const LeftOver& left_over) { return left_over.stays.empty(); });
 }

@@ -254,6 +254,22 @@ TEST_F(PruningInTrouble, WhatIsNotAddedYetIsNotCounted) {
     EXPECT_EQ(file_text(log_file_path(0)), fresh(1) + fresh(2));
 }
 
+TEST_F(PruningInTrouble, NorIsWhatCameToAnOldFileThatStays) {
+    write_log(0, old(1) + fresh(1));
+    before().link = [](const std::string&) {
+        std::ofstream(log_file_path(0), std::ios::app) << old(2) + fresh(2);
+        return 0;
+    };
+    before().unlink = [](const std::string& path) {
+        return path.starts_with(log_file_path(0) + ".to_add_") ? EIO : 0;
+    };
+    const std::string said = said_by_pruning();
+    EXPECT_TRUE(said.ends_with("Input/output error.\n" + result(1, 2))) << said;
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
 TEST_F(PruningInTrouble, ACompanionThatIsReplacedWhileItIsTakenLosesNothing) {
     write_log(0, fresh(1));
     write_file(pruning_companion_path(0), fresh(2));
