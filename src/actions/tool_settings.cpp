@@ -11,7 +11,7 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "logs/log_files.h"
-#include "logs/pruning.h"
+#include "pruning/pruning.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "policy/region.h"

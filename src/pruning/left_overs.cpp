@@ -1,0 +1,48 @@
+#include "pruning/left_overs.h"
+
+#include <algorithm>
+#include <array>
+#include <cinttypes>
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+/// In the order of the kinds.
+constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
+
+std::string name_of(Kind kind, const std::string& log, off_t number, std::uint64_t fingerprint) {
+    const std::string name =
+        log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
+    return kind == Kind::READY ? name + "_" + std::to_string(fingerprint) : name;
+}
+
+}  // namespace
+
+LeftOver left_over(Kind kind, const std::string& log, off_t number, std::uint64_t fingerprint) {
+    return {kind, name_of(kind, log, number, fingerprint), number, fingerprint};
+}
+
+std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs) {
+    std::vector<std::string> names;
+    need(logs.list(log + ".", &names));
+    std::vector<LeftOver> found;
+    for (const std::string& name : names) {
+        const std::size_t numbers = name.find('_', log.size());
+        long long number = -1;
+        std::uint64_t fingerprint = 0;
+        if (numbers == std::string::npos ||
+            std::sscanf(&name[numbers], "_%lld_%" SCNu64, &number, &fingerprint) < 1) {
+            continue;
+        }
+        // One that cannot be examined now is found out when it is opened.
+        const Directory::Entry entry = logs.look(name);
+        if (number < 0 || (entry.exists() && !entry.is_regular())) continue;
+        for (const Kind kind : {Kind::TAKEN, Kind::OLD, Kind::READY}) {
+            LeftOver one = left_over(kind, log, number, fingerprint);
+            if (one.name == name) found.push_back(std::move(one));
+        }
+    }
+    std::ranges::sort(found, {}, &LeftOver::number);
+    return found;
+}
