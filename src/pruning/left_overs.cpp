@@ -11,15 +11,17 @@ namespace {
 /// In the order of the kinds.
 constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
 
-std::string name_of(Kind kind, const std::string& log, off_t number, std::uint64_t fingerprint) {
+std::string name_of(LeftOver::Kind kind, const std::string& log, off_t number,
+                    std::uint64_t fingerprint) {
     const std::string name =
         log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
-    return kind == Kind::READY ? name + "_" + std::to_string(fingerprint) : name;
+    return kind == LeftOver::READY ? name + "_" + std::to_string(fingerprint) : name;
 }
 
 }  // namespace
 
-LeftOver left_over(Kind kind, const std::string& log, off_t number, std::uint64_t fingerprint) {
+LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
+                   std::uint64_t fingerprint) {
     return {kind, name_of(kind, log, number, fingerprint), number, fingerprint};
 }
 
@@ -38,7 +40,7 @@ std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& log
         // One that cannot be examined now is found out when it is opened.
         const Directory::Entry entry = logs.look(name);
         if (number < 0 || (entry.exists() && !entry.is_regular())) continue;
-        for (const Kind kind : {Kind::TAKEN, Kind::OLD, Kind::READY}) {
+        for (const LeftOver::Kind kind : {LeftOver::TAKEN, LeftOver::OLD, LeftOver::READY}) {
             LeftOver one = left_over(kind, log, number, fingerprint);
             if (one.name == name) found.push_back(std::move(one));
         }

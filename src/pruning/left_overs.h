@@ -25,17 +25,16 @@
 //                    bytes stand in the new one            that had it open. If it is still the
 //                                                          log, removes this name
 
-enum class Kind { TAKEN, OLD, READY };
-
 struct LeftOver {
-    Kind kind;
+    enum Kind { TAKEN, OLD, READY } kind;
     std::string name;
     /// K or F.
     off_t number;
     /// P.
     std::uint64_t fingerprint;
 };
-LeftOver left_over(Kind kind, const std::string& log, off_t number, std::uint64_t fingerprint = 0);
+LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
+                   std::uint64_t fingerprint = 0);
 
 /// The left-overs of a log, by their numbers. What is no regular file is none.
 std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs);

@@ -85,7 +85,7 @@ void make_log(const std::string& name, const Work& work) {
 /// Removes what a ready text holds: the taken and old files.
 void remove_what_is_added(const Log& log, const Work& work) {
     for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
-        if (one.kind != Kind::READY) need(work.logs.unlink(one.name), one.name);
+        if (one.kind != LeftOver::READY) need(work.logs.unlink(one.name), one.name);
     }
 }
 
@@ -93,7 +93,7 @@ void remove_what_is_added(const Log& log, const Work& work) {
 void finish(const LeftOver& ready, const Descriptor& file, const Log& log, const Work& work) {
     need(work.logs.sync());
     remove_what_is_added(log, work);
-    const LeftOver old = left_over(Kind::OLD, log.name, ready.number);
+    const LeftOver old = left_over(LeftOver::OLD, log.name, ready.number);
     need(work.logs.link(log.name, old.name), old.name);
     if (!work.logs.is_name_of(old.name, file)) {
         work.logs.unlink(old.name);
@@ -105,9 +105,9 @@ void finish(const LeftOver& ready, const Descriptor& file, const Log& log, const
 
 /// Renames a file to a taken one.
 void take(const std::string& name, const Log& log, const Work& work) {
-    LeftOver taken = left_over(Kind::TAKEN, log.name, 0);
+    LeftOver taken = left_over(LeftOver::TAKEN, log.name, 0);
     while (work.logs.look(taken.name).exists()) {
-        taken = left_over(Kind::TAKEN, log.name, taken.number + 1);
+        taken = left_over(LeftOver::TAKEN, log.name, taken.number + 1);
     }
     need(work.logs.rename(name, taken.name), name);
 }
@@ -130,7 +130,7 @@ std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline
     for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
         Descriptor file = open_to_read(one.name, work, deadline);
         if (!file) continue;
-        const off_t from = one.kind == Kind::OLD ? one.number : 0;
+        const off_t from = one.kind == LeftOver::OLD ? one.number : 0;
         Source source = settled(std::move(file), from, deadline, one.name);
         // A run that was killed leaves the log itself under two names.
         if (source.to <= from || work.logs.is_name_of(log.name, source.file)) {
@@ -218,7 +218,8 @@ LeftOver commit(std::vector<Source>* sources, const Log& log, KeptRecords* recor
         copy(old, scratch, records, work);
     }
     need(scratch.file.close(), work->scratch);
-    LeftOver ready = left_over(Kind::READY, log.name, old.to, fingerprint_of_log(old.file, old.to));
+    LeftOver ready =
+        left_over(LeftOver::READY, log.name, old.to, fingerprint_of_log(old.file, old.to));
     need(scratch.rename_to(ready.name), ready.name);
     return ready;
 }
@@ -250,7 +251,7 @@ void prepare(Log* log, const Work& work) {
         stop(NO_LOGGING_FILE, log->name, EEXIST, work);
     }
     for (const LeftOver& one : left_overs_of(log->name, work.logs)) {
-        if (one.kind == Kind::READY) complete(one, *log, work);
+        if (one.kind == LeftOver::READY) complete(one, *log, work);
     }
     take_companion(log, work);
 }
