@@ -11,18 +11,13 @@ namespace {
 /// In the order of the kinds.
 constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
 
-std::string name_of(LeftOver::Kind kind, const std::string& log, off_t number,
-                    std::uint64_t fingerprint) {
-    const std::string name =
-        log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
-    return kind == LeftOver::READY ? name + "_" + std::to_string(fingerprint) : name;
-}
-
 }  // namespace
 
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint) {
-    return {kind, name_of(kind, log, number, fingerprint), number, fingerprint};
+    std::string name = log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
+    if (kind == LeftOver::READY) name += "_" + std::to_string(fingerprint);
+    return {kind, name, number, fingerprint};
 }
 
 std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs) {
@@ -30,13 +25,10 @@ std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& log
     need(logs.list(log + ".", &names));
     std::vector<LeftOver> found;
     for (const std::string& name : names) {
-        const std::size_t numbers = name.find('_', log.size());
+        const std::size_t numbers = std::min(name.find('_', log.size()), name.size());
         long long number = -1;
         std::uint64_t fingerprint = 0;
-        if (numbers == std::string::npos ||
-            std::sscanf(&name[numbers], "_%lld_%" SCNu64, &number, &fingerprint) < 1) {
-            continue;
-        }
+        std::sscanf(&name[numbers], "_%lld_%" SCNu64, &number, &fingerprint);
         // One that cannot be examined now is found out when it is opened.
         const Directory::Entry entry = logs.look(name);
         if (number < 0 || (entry.exists() && !entry.is_regular())) continue;

@@ -35,9 +35,10 @@ struct Source {
     Writers writers;
 };
 
-/// Ends the program with a described failure, and says first what the token that stays means.
+/// Ends the program with a described failure, and says first what it means that the token stays.
 [[noreturn]] void stop(const char* failure, const std::string& name, int error, const Work& work) {
-    note(filled(TOKEN_STANDS, work.logs.path_of(work.token).c_str()));
+    const bool stands = work.logs.look(work.token).exists();
+    if (stands) note(filled(TOKEN_STANDS, work.logs.path_of(work.token).c_str()));
     gripe(failure, work.logs.path_of(name), error);
 }
 
@@ -51,12 +52,8 @@ std::string reason_against(const Directory::Entry& entry) {
 /// Opens a file for reading; nothing is open when there is none.
 Descriptor open_to_read(const std::string& name, const Work& work, Moment deadline) {
     Descriptor file = work.logs.open(name, O_RDONLY, deadline);
-    if (file || errno == ENOENT) return file;
-    if (errno == EWOULDBLOCK) throw LeftAlone{KEPT_OPEN};
-    const int error = errno;
-    const std::string reason = reason_against(work.logs.look(name));
-    if (!reason.empty()) throw LeftAlone{reason};
-    need(error);
+    if (!file && errno == EWOULDBLOCK) throw LeftAlone{KEPT_OPEN};
+    need(file || errno == ENOENT ? 0 : errno);
     return file;
 }
 

@@ -74,22 +74,16 @@ void put_up_token(const Work& work, Moment deadline) {
     gripe(NO_PRUNING_TOKEN, path, error);
 }
 
-std::vector<Log> logs_of(const std::string& directory) {
+/// The logs, and the bytes that are to be read of them.
+std::vector<Log> find_logs(const std::string& path, const Directory& directory, off_t* bytes) {
     std::vector<Log> logs;
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        logs.push_back({name_of(log_file_path(directory, number)),
-                        name_of(pruning_companion_path(directory, number))});
+        logs.push_back(
+            {name_of(log_file_path(path, number)), name_of(pruning_companion_path(path, number))});
+        *bytes += directory.look(logs.back().name).status.st_size +
+                  directory.look(logs.back().companion).status.st_size;
     }
     return logs;
-}
-
-off_t bytes_of(const std::vector<Log>& logs, const Directory& directory) {
-    off_t bytes = 0;
-    for (const Log& log : logs) {
-        bytes += directory.look(log.name).status.st_size;
-        bytes += directory.look(log.companion).status.st_size;
-    }
-    return bytes;
 }
 
 /// While the token stands. What is added to a replaced log nevertheless is left to merge_the_rest.
@@ -118,6 +112,9 @@ bool needs_a_round(Log* log, const Work& work, Moment deadline) {
 void merge_the_rest(std::vector<Log>* logs, Work* work, const Patience& patience) {
     std::vector<Log*> rest;
     for (Log& log : *logs) {
+        const Directory::Entry entry = work->logs.look(log.name);
+        // What is no log has been named already.
+        if (entry.exists() && !entry.is_regular()) continue;
         const std::string reason = reason_of([&] {
             prepare(&log, *work);
             if (!left_overs_of(log.name, work->logs).empty()) rest.push_back(&log);
@@ -166,10 +163,10 @@ std::string prune(const LogsToPrune& region, std::uint8_t days, const Patience& 
     if (!directory) gripe(NO_PRUNING_TOKEN, pruning_token_path(region.directory), errno);
     // On a file system without locks only one administrator is expected to prune.
     if (directory.lock() == EWOULDBLOCK) gripe(filled(PRUNED_BY_ANOTHER, region.region.c_str()));
-    std::vector<Log> logs = logs_of(region.directory);
+    off_t bytes = 0;
+    std::vector<Log> logs = find_logs(region.directory, directory, &bytes);
     Work work = {directory, name_of(pruning_scratch_path(region.directory)),
-                 name_of(pruning_token_path(region.directory)), cut_off,
-                 Progress(bytes_of(logs, directory))};
+                 name_of(pruning_token_path(region.directory)), cut_off, Progress(bytes)};
     put_up_token(work, Moment::clock::now() + patience.longest_write);
     std::this_thread::sleep_for(patience.pause);
     // Left by a run that was killed. If it stays, making a new one says why.

@@ -52,6 +52,20 @@ TEST_F(LogsLeftAlone, ACompanionOfALinkedLogEndsTheRunAndStays) {
     EXPECT_EQ(said_by_pruning(), left_alone(log_file_path(3), IS_A_SYMBOLIC_LINK) + result(0, 0));
 }
 
+// Its record is there for the run after the link has been put right.
+TEST_F(LogsLeftAlone, ACompanionThatComesToALinkedLogMeanwhileStays) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience.longest_write = std::chrono::milliseconds(300);
+    fs::create_symlink("elsewhere/real.txt", log_file_path(3));
+    const SlowWriter writer(log_file_path(0));
+    const Later record([] { write_file(pruning_companion_path(3), fresh(2)); });
+    EXPECT_EQ(said_by_pruning(), left_alone(log_file_path(0), KEPT) +
+                                     left_alone(log_file_path(3), IS_A_SYMBOLIC_LINK) +
+                                     result(0, 0));
+    writer.end();
+    EXPECT_EQ(file_text(pruning_companion_path(3)), fresh(2));
+}
+
 TEST_F(LogsLeftAlone, ALinkToNothingOrInARingIsNamed) {
     fs::create_symlink("missing/real.txt", log_file_path(1));
     fs::create_symlink("logging_2.txt", log_file_path(2));
