@@ -348,6 +348,16 @@ TEST(FieldActionsAlone, RejectedThenDeclinedThenConfirmedStartsFromTheFirstText)
     EXPECT_EQ(east.field(7, 2), "newer");
 }
 
+TEST(FieldActionsAlone, InALongFileOnlyTheFieldThatWasConfirmedChanges) {
+    RegionPlan plan = a_region();
+    for (int key = 0; key < 281; ++key) plan.with_key("key " + std::to_string(key) + ";one;two;");
+    Region east = plan;
+    const std::string before = east.gatebits();
+    east.types("hello").answers_yes();
+    EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
+    EXPECT_EQ(east.gatebits(), with_replaced(before, "\n;;;\n", "\n;hello;;\n"));
+}
+
 TEST(FieldActionsAlone, AFieldIsReadAgainAfterADeclinedChange) {
     Region east = full_region();
     east.types("new").answers({.kind = "yes_no",
