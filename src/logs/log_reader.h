@@ -66,8 +66,10 @@ class LogReader {
     /// Where the next read starts, and where the first word that is not wanted may begin.
     off_t place_ = 0;
     off_t to_ = TO_THE_END;
-    /// The bytes in the buffer, and how many of them are handed out.
+    /// The bytes in the buffer, how many of them are known to hold no white space, and how many are
+    /// handed out.
     std::size_t held_ = 0;
+    std::size_t without_white_ = 0;
     std::size_t handed_out_ = 0;
     /// Whether what is read belongs to a word that began before the range.
     bool skipping_ = false;
