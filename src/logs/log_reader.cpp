@@ -60,12 +60,14 @@ std::string_view next_word(const char** at, const char* end) {
     return {start, static_cast<std::size_t>(*at - start)};
 }
 
+std::string why_left_out(int error) {
+    if (error == ENOENT || error == ENOTDIR) return "";
+    return error == EINVAL || error == EISDIR ? NOT_A_REGULAR_FILE : std::strerror(error);
+}
+
 Descriptor open_log(const std::string& path, std::string* reason) {
-    reason->clear();
     Descriptor log(open_regular_file(path, O_RDONLY));
-    if (!log && errno != ENOENT && errno != ENOTDIR) {
-        *reason = errno == EINVAL || errno == EISDIR ? NOT_A_REGULAR_FILE : std::strerror(errno);
-    }
+    *reason = log ? "" : why_left_out(errno);
     return log;
 }
 

@@ -28,6 +28,9 @@ constexpr bool is_white(char c) {
 /// there is none. NUL bytes are part of a word; what counts of a word is its C text.
 std::string_view next_word(const char** at, const char* end);
 
+/// Why a log is left out that could not be opened, by its errno; empty when there is no such file.
+std::string why_left_out(int error);
+
 /// Opens a log for reading. Nothing is open when it cannot be opened or is no regular file; then
 /// `*reason` says why, and is empty when there is no such file at all.
 Descriptor open_log(const std::string& path, std::string* reason);
