@@ -82,6 +82,22 @@ Words commands(const std::string& prefix = "") {
     return words;
 }
 
+/// All that an operator may type first: parameters, switches, options.
+Words all_arguments() {
+    Words parameters;
+    Words switches;
+    Words options;
+    for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+        if (argument.for_installer) continue;
+        const bool alone = argument.place == ArgumentPlace::ALONE;
+        Words& kind = argument.is_parameter() ? parameters : alone ? options : switches;
+        kind.emplace_back(argument.spelling);
+    }
+    parameters.insert(parameters.end(), switches.begin(), switches.end());
+    parameters.insert(parameters.end(), options.begin(), options.end());
+    return parameters;
+}
+
 Words with(Words words, const std::string& last) {
     words.push_back(last);
     return words;
@@ -89,20 +105,15 @@ Words with(Words words, const std::string& last) {
 
 }  // namespace
 
-TEST(Completion, OffersEveryArgumentThatIsNotHiddenAtTheStart) {
-    Words wanted;
-    for (const auto place : {ArgumentPlace::ANYWHERE, ArgumentPlace::ALONE}) {
-        for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-            if (argument.hidden || argument.place != place) continue;
-            wanted.emplace_back(argument.spelling);
-        }
-    }
-    EXPECT_EQ(offered("gatescope "), wanted);
+TEST(Completion, OffersEveryArgumentOfAnOperatorAtTheStart) {
+    EXPECT_EQ(offered("gatescope "), all_arguments());
 }
 
 TEST(Completion, OffersOptionsOnlyAsTheFirstArgument) {
-    EXPECT_EQ(offered("gatescope -"), (Words{"-ver", "-help"}));
-    EXPECT_EQ(offered("gatescope Q=1 -"), Words{});
+    EXPECT_EQ(offered("gatescope -"),
+              (Words{"-data_gen", "-ver", "-help", "-general_test", "-kudos"}));
+    EXPECT_EQ(offered("gatescope Q=1 -"), Words{"-data_gen"});
+    EXPECT_EQ(offered("gatescope -data_gen -"), Words{});
 }
 
 TEST(Completion, OffersNothingAfterAnOption) {
@@ -180,7 +191,7 @@ TEST(Completion, OffersUsersOfTheMachine) {
 
 TEST(Completion, OffersNoParameterTwice) {
     const Words offers = offered("gatescope F=a C=lock ");
-    EXPECT_EQ(offers, (Words{"Q=", "A=", "U=", "K=", "B=", "D=", "R="}));
+    EXPECT_EQ(offers, (Words{"Q=", "A=", "U=", "K=", "B=", "D=", "R=", "-data_gen"}));
 }
 
 TEST(Completion, OffersNoActionBesideAQuery) {
