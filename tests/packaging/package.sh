@@ -32,7 +32,7 @@ for file in copyright changelog.gz; do
     [ -s "$work/files/usr/share/doc/gatescope/$file" ] || fail "there is no $file"
 done
 grep -qx 'ExecStart=/usr/bin/gatescope Q=1 .*' \
-    "$work/files/usr/share/doc/gatescope/examples/systemd/gatescope-report.service" ||
+    "$work/files/usr/share/doc/gatescope/examples/systemd/gatescope-report@.service" ||
     fail "the service does not start what the package installs"
 (cd "$work/files" && dpkg-deb --control "$package" "$work/control" &&
     md5sum --check --quiet "$work/control/md5sums") || fail "its checksums do not fit"
