@@ -34,15 +34,42 @@ sh -c "$look" || fail "the service does not find the page"
 rm "$work"/east/query_results/*
 if sh -c "$look"; then fail "the service finds a page where there is none"; fi
 
+# The table of all regions, by the lines that the page on jobs gives.
+for region in east west; do
+    mkdir -p "$work/regions/$region/query_results"
+    printf 'day,allowed,denied\r\n2026-11-20,7,1\r\n2026-11-21,0,0\r\n' \
+        >"$work/regions/$region/query_results/20261121_021500_Q01.csv"
+done
+printf 'day,allowed,denied\r\n2026-11-21,8,2\r\n2026-11-22,0,0\r\n' \
+    >"$work/regions/west/query_results/20261122_021500_Q01.csv"
+mkdir -p "$work/regions/new/query_results"
+sed -n '/^    echo region,day/,/^    done/p' "$source/docs/scheduled-jobs.md" |
+    sed "s|/srv/gatewarden|$work/regions|" | sh >"$work/table"
+printf '%s\n' region,day,allowed,denied east,2026-11-20,7,1 west,2026-11-21,8,2 |
+    cmp - "$work/table" || fail "the table of all regions is: $(cat "$work/table")"
+
 needs systemd-analyze
 # As installed: with the program and its manual in their places, and with a blank in the path.
 prefix="$work/my 50% tools"
 GATESCOPE_INSTALL_RECORD=$work/record cmake --install "$build" --prefix "$prefix" >"$work/install.log"
 installed=$prefix/share/doc/gatescope/examples/systemd
+export MANPATH=$prefix/share/man
 for unit in gatescope-report@.service gatescope-report@.timer; do
-    MANPATH=$prefix/share/man systemd-analyze verify "$installed/$unit" >"$work/verify" 2>&1 ||
+    systemd-analyze verify "$installed/$unit" >"$work/verify" 2>&1 ||
         fail "systemd-analyze: $(cat "$work/verify")"
     [ ! -s "$work/verify" ] || fail "systemd-analyze: $(cat "$work/verify")"
 done
+
+# What the page on jobs puts beside the service for metrics of all regions.
+mkdir "$installed/gatescope-report@.service.d"
+sed -n '/^    \[Service\]/,/^$/s/^    //p' "$source/docs/scheduled-jobs.md" |
+    sed "s|/usr/share/doc/gatescope/examples|\"$prefix/share/doc/gatescope/examples|
+        s|gatescope-metrics |gatescope-metrics\" |; s|my 50% tools|my 50%% tools|" \
+        >"$installed/gatescope-report@.service.d/metrics.conf"
+grep -q '^ExecStart=.*gatescope-metrics' "$installed/gatescope-report@.service.d/metrics.conf" ||
+    fail "the page on jobs starts no metrics"
+systemd-analyze verify "$installed/gatescope-report@.service" >"$work/verify" 2>&1 ||
+    fail "systemd-analyze: $(cat "$work/verify")"
+
 systemd-analyze calendar "$(sed -n 's/^OnCalendar=//p' "$installed/gatescope-report@.timer")" \
     >"$work/calendar" 2>&1 || fail "the timer never elapses: $(cat "$work/calendar")"
