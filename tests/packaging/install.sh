@@ -44,6 +44,7 @@ done
 closed=$(find "$prefix/share" ! -perm -044)
 [ -z "$closed" ] || fail "not readable for all: $closed"
 extra=$(find "$prefix" \( -name '*clearprompt*' -o -name 'fill_templates*' -o -name '*.in' \))
+expect_looked_at zsh /usr/local/share/zsh/site-functions
 [ -z "$extra" ] || fail "installed, but only of use to developers: $extra"
 
 run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the program does not run"
