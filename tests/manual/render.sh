@@ -33,7 +33,7 @@ rendered() {
     local page=$1 text
     shift
     text=$("$@" "$page" | sed 's/.\x08//g')
-    for wrong in BSD '’’'; do
+    for wrong in BSD "’’"; do
         if grep -n -e "$wrong" <<<"$text"; then
             echo "FAILED: $page by $1 holds '$wrong', see above" >&2
             faults=$((faults + 1))
