@@ -3,8 +3,9 @@
 //
 // Usage: fill_templates TEMPLATE OUTPUT
 //
-// A line of the template that ends with "@@name@@" gives way to the block of that name, each line of
-// it after what stood before the mark; "@NAME@" inside a line gives way to the text of that name.
+// A line of the template that ends with "@@name@@" gives way to the block of that name, each line
+// of it after what stood before the mark; "@NAME@" inside a line gives way to the text of that
+// name.
 
 #include <array>
 #include <cstdio>

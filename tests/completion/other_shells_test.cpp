@@ -98,9 +98,8 @@ class OtherShells : public testing::TestWithParam<Shell> {
         for (const std::string& argument : arguments) command += " " + as_word(argument);
         Offers offers = lines_of_command(command);
         // Where nothing begins like the word, fish looks for words that hold it.
-        std::erase_if(offers, [&](const std::string& offer) {
-            return !offer.starts_with(arguments.back());
-        });
+        std::erase_if(
+            offers, [&](const std::string& offer) { return !offer.starts_with(arguments.back()); });
         return offers;
     }
 };
@@ -177,8 +176,9 @@ TEST_P(OtherShells, OfferWhatMayFollow) {
     EXPECT_EQ(offered({"F=a b", "F"}), Offers{});
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Completion, OtherShells, testing::ValuesIn(SHELLS),
-    [](const testing::TestParamInfo<Shell>& shell) { return shell.param.name; });
+INSTANTIATE_TEST_SUITE_P(Completion, OtherShells, testing::ValuesIn(SHELLS),
+                         [](const testing::TestParamInfo<Shell>& shell) {
+                             return shell.param.name;
+                         });
 
 }  // namespace

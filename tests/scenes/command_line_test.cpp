@@ -159,9 +159,10 @@ TEST(CommandLine, AnUnknownOptionIsToldTheOptionsOnStandardError) {
         const Result result = east.run({option});
         EXPECT_EQ(result.status, 99);
         EXPECT_EQ(result.out, unknown(option) + "\n");
-        EXPECT_EQ(result.err,
-                  "gatescope: the options are -ver, -help, -general_test, -kudos and -data_gen, the "
-                  "parameters F=, Q=, A=, C=, U=, K=, B=, D= and R=; see gatescope(1)\n");
+        EXPECT_EQ(
+            result.err,
+            "gatescope: the options are -ver, -help, -general_test, -kudos and -data_gen, the "
+            "parameters F=, Q=, A=, C=, U=, K=, B=, D= and R=; see gatescope(1)\n");
     }
 }
 
