@@ -149,26 +149,25 @@ std::string shell_commands() {
 }
 
 /// The arguments that an operator may type.
-std::string shell_arguments(ArgumentPlace place, bool parameters) {
+std::string shell_arguments(ArgumentKind kind) {
     std::string block;
     for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-        const bool wanted = argument.place == place && argument.is_parameter() == parameters;
-        if (!wanted || argument.for_installer) continue;
+        if (argument.kind != kind || argument.for_installer) continue;
         block += shell_line(argument.spelling, argument.meaning);
     }
     return block;
 }
 
 std::string shell_options() {
-    return shell_arguments(ArgumentPlace::ALONE, false);
+    return shell_arguments(ArgumentKind::OPTION);
 }
 
 std::string shell_switches() {
-    return shell_arguments(ArgumentPlace::ANYWHERE, false);
+    return shell_arguments(ArgumentKind::SWITCH);
 }
 
 std::string shell_parameters() {
-    return shell_arguments(ArgumentPlace::ANYWHERE, true);
+    return shell_arguments(ArgumentKind::PARAMETER);
 }
 
 struct Block {

@@ -194,12 +194,13 @@ void refuse_duplicate(const Parameter& parameter, const Options& options) {
     gripe(filled(ERROR_39, parameter.letter));
 }
 
-/// The spellings that an operator may type, as a sentence lists them.
+/// The spellings that an operator may type, of parameters or of words, as a sentence lists them.
 std::string spellings(bool of_parameters) {
     std::string list;
     std::string last;
     for (const KnownArgument& row : KNOWN_ARGUMENTS) {
-        if (row.for_installer || row.is_parameter() != of_parameters) continue;
+        const bool is_parameter = row.kind == ArgumentKind::PARAMETER;
+        if (row.for_installer || is_parameter != of_parameters) continue;
         if (!last.empty()) list.append(list.empty() ? "" : ", ").append(last);
         last = row.spelling;
     }

@@ -84,18 +84,14 @@ Words commands(const std::string& prefix = "") {
 
 /// All that an operator may type first: parameters, switches, options.
 Words all_arguments() {
-    Words parameters;
-    Words switches;
-    Words options;
-    for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-        if (argument.for_installer) continue;
-        const bool alone = argument.place == ArgumentPlace::ALONE;
-        Words& kind = argument.is_parameter() ? parameters : alone ? options : switches;
-        kind.emplace_back(argument.spelling);
+    Words words;
+    for (const auto kind : {ArgumentKind::PARAMETER, ArgumentKind::SWITCH, ArgumentKind::OPTION}) {
+        for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+            if (argument.kind != kind || argument.for_installer) continue;
+            words.emplace_back(argument.spelling);
+        }
     }
-    parameters.insert(parameters.end(), switches.begin(), switches.end());
-    parameters.insert(parameters.end(), options.begin(), options.end());
-    return parameters;
+    return words;
 }
 
 Words with(Words words, const std::string& last) {

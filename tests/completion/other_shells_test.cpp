@@ -126,11 +126,9 @@ Offers with_all(Offers offers, const std::string& letter) {
 /// The rows of the arguments that begin with `start`: parameters, switches, options.
 Offers arguments_with(const std::string& start) {
     Offers offers;
-    for (const int kind : {0, 1, 2}) {
+    for (const auto kind : {ArgumentKind::PARAMETER, ArgumentKind::SWITCH, ArgumentKind::OPTION}) {
         for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-            const bool alone = argument.place == ArgumentPlace::ALONE;
-            const int its_kind = argument.is_parameter() ? 0 : alone ? 2 : 1;
-            if (argument.for_installer || its_kind != kind) continue;
+            if (argument.kind != kind || argument.for_installer) continue;
             if (!argument.spelling.starts_with(start)) continue;
             offers.push_back(row(std::string(argument.spelling), argument.meaning));
         }
