@@ -26,7 +26,7 @@ printf '%s\n' "# Commands of $(date -d yesterday +%F)." \
     'gatescope_commands_yesterday{region="east",result="denied"} 1' >"$work/expected"
 cmp "$work/expected" "$work/metrics" || fail "the metrics are: $(cat "$work/metrics")"
 
-# Each series of a second region is one of its own, whatever stands in the region's name, and what
+# Each series of a second region is one of its own, with any sign in the region's name, and what
 # is said of the metric is the same.
 sed 's/^gatewarden;;;east;/gatewarden;;;we"st\\1 (new);/' "$work/east/gatebits.txt" \
     >"$work/east/other.txt"
