@@ -41,7 +41,7 @@ std::string why_not_started(int status) {
 
 int run_dialog(const std::string& command, const std::string& text, const char* lost) {
     errno = 0;
-    const int status = run_in_shell(command);
+    const int status = run_in_shell(command, CLEARPROMPT);
     const std::string reason = why_not_started(status);
     if (!reason.empty()) {
         note(filled(DIALOG_IS_LOST, CLEARPROMPT, reason.c_str(), lost, text.c_str()));
