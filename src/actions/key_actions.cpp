@@ -36,9 +36,10 @@ std::vector<std::string> command_keys(const std::string& gatebits_file) {
 /// Says how many keys of the file a list of these leaves out: those that no line number reaches.
 void note_keys_left_out(const std::string& gatebits_file, const std::vector<std::string>& keys) {
     const std::vector<std::string> lines = read_gatebits_lines(gatebits_file);
-    const auto in_file = std::count_if(lines.begin(), lines.end(), is_significant) -
-                         static_cast<std::ptrdiff_t>(FIRST_KEY_LINE - 1);
-    const auto left_out = in_file - static_cast<std::ptrdiff_t>(keys.size());
+    const std::ptrdiff_t before_the_keys = FIRST_KEY_LINE - 1;
+    const auto in_file =
+        std::count_if(lines.begin(), lines.end(), is_significant) - before_the_keys;
+    const auto left_out = in_file - std::ssize(keys);
     if (left_out > 0) note(filled(KEYS_NOT_OFFERED, left_out, in_file, gatebits_file.c_str()));
 }
 
