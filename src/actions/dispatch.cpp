@@ -53,7 +53,7 @@ const FieldEditor* path_field(int number) {
 
 /// Whether the path holds, or cannot be tested from here.
 bool path_holds(const std::string& gatebits_file, const FieldEditor& field) {
-    const std::string path = field_or_empty(gatebits_file, field.line, field.field);
+    const std::string path = field_or_empty(read_gatebits(gatebits_file), field.line, field.field);
     if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return true;
     struct stat status;
     return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "policy/gatebits_file.h"
+#include "policy/gatebits.h"
 
 /// What the operator answered last while a request ran: empty when a dialog was left without an
 /// answer, nothing when none was shown. After an empty one the submenu comes up again at once.

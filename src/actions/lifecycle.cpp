@@ -91,7 +91,7 @@ void offer_the_walks(const Options& options, RegionInUse& region) {
 }
 
 void use_file(const std::string& path, RegionSettings* region) {
-    *region = interrogate_the_enterprise(path, region->tools);
+    *region = interrogate_the_enterprise(path, read_gatebits(path), region->tools);
 }
 
 Step create_file(const Options& options, RegionInUse& region) {

@@ -150,7 +150,7 @@ inline constexpr KeyTexts LITE_KEY_TEXTS = {"There are no CPDS to view...",
                                             "Select one CPD to view/change/delete:", "CPD"};
 /// On standard error. Keys that the list leaves out, keys of the file, file.
 inline constexpr char KEYS_NOT_OFFERED[] =
-    "%td of %td keys in (%s) are not offered: a line after the 127th significant one cannot be "
+    "%zu of %zu keys in (%s) are not offered: a line after the 127th significant one cannot be "
     "addressed.";
 /// Index, beginning of the key.
 inline constexpr char KEY_ENTRY[] = "%03d %s";
