@@ -122,7 +122,7 @@ constexpr std::array<Request, 34> REQUESTS = {{
 
 Finished Request::execute(const Options& options, RegionInUse& region) const {
     if (refused(*this, options)) return {};
-    if (guarded) return {A_X(options, region, number).last_answer};
+    if (guarded) return {A_X(options, region, number)};
     return handler(options, region, *this);
 }
 

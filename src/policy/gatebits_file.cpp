@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/descriptor.h"
 #include "base/file_lock.h"
 #include "base/filled.h"
 #include "base/replace_file.h"
@@ -58,30 +59,25 @@ void write_scratch_file(const std::string& path, const std::string& text) {
                  filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
 }
 
-/// Puts the text in the file's place.
-void write_gatebits(const std::string& path, const std::string& text) {
+/// Puts the text in the file's place; `open_file` is that file, where it is open.
+void write_gatebits(const std::string& path, const std::string& text, const Descriptor& open_file) {
     write_scratch_file(path, text);
-    const auto failure = replace_file(path, text, t_file_name());
+    const auto failure = replace_file(path, text, t_file_name(), open_file);
     if (failure && failure->error != 0) gripe(failure->message, failure->error);
     if (failure) gripe(failure->message);
 }
 
-}  // namespace
-
-std::string read_gatebits_bytes(const std::string& path) {
-    // A pipe without a writer must not keep us waiting.
-    const int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (file == -1) gripe(CANNOT_OPEN_GATEBITS, path, errno);
+/// All bytes of the open file at `path`.
+std::string bytes_in(const Descriptor& file, const std::string& path) {
     std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
     std::size_t size = 0;
     while (size < bytes.size()) {
-        const ssize_t got = read(file, bytes.data() + size, bytes.size() - size);
+        const ssize_t got = read(file.get(), bytes.data() + size, bytes.size() - size);
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) gripe(CANNOT_READ_GATEBITS, path, errno);
         if (got == 0) break;
         size += static_cast<std::size_t>(got);
     }
-    close(file);
     if (size > GATEBITS_FILE_LIMIT) {
         gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
     }
@@ -89,10 +85,24 @@ std::string read_gatebits_bytes(const std::string& path) {
     return bytes;
 }
 
-Gatebits read_gatebits(const std::string& path) {
-    Gatebits gatebits(read_gatebits_bytes(path));
+/// What the bytes of the file at `path` are, unless there is no line in them.
+Gatebits with_lines(std::string bytes, const std::string& path) {
+    Gatebits gatebits(std::move(bytes));
     if (gatebits.lines().empty()) gripe(filled(GATEBITS_EMPTY, path.c_str()));
     return gatebits;
+}
+
+}  // namespace
+
+std::string read_gatebits_bytes(const std::string& path) {
+    // A pipe without a writer must not keep us waiting.
+    const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (!file) gripe(CANNOT_OPEN_GATEBITS, path, errno);
+    return bytes_in(file, path);
+}
+
+Gatebits read_gatebits(const std::string& path) {
+    return with_lines(read_gatebits_bytes(path), path);
 }
 
 std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
@@ -102,14 +112,15 @@ std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
                std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
-    const Gatebits now = read_gatebits(path);
+    const Gatebits now =
+        lock.file ? with_lines(bytes_in(lock.file, path), path) : read_gatebits(path);
     if (shown.part(now) != shown.part(shown.gatebits)) {
         return {ChangeResult::CHANGED_MEANWHILE, now, now};
     }
     const Rewrite wanted = edit(now);
     if (!wanted.text) return {wanted.result, now, now};
     need_fit_to_be_read_back(path, now, *wanted.text);
-    write_gatebits(path, wanted.text->text());
+    write_gatebits(path, wanted.text->text(), lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }
