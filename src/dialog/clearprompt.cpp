@@ -50,12 +50,10 @@ int run_dialog(const std::string& command, const std::string& text, const char* 
 }
 
 std::string quoted(const std::string& text) {
-    const bool strict = quoting_is_strict();
+    const std::string_view escaped = quoting_is_strict() ? "\\\"$`" : "\\";
     std::string result = "\"";
     for (const char character : c_text(text)) {
-        if (strict && std::string_view("\\\"$`").find(character) != std::string_view::npos) {
-            result += '\\';
-        }
+        if (escaped.find(character) != std::string_view::npos) result += '\\';
         result += character;
     }
     return result + '"';
