@@ -151,6 +151,7 @@ void run(int number, const Options& options, const QueriedRegion& region) {
     const RecordQuery query =
         record_query(number, region.edition, asked->filters, set_time_values());
     const QueryResult result = get_query_data(query, region.logging_dir);
+    for (const std::string& advice : result.advice) advise(advice);
     const KeyLines keys =
         key_lines(region.page.ENTERPRIZE_PERMISSION_FILE, result.highest_key_read);
     Make_Graph({asked->graph_title, result, keys}, region.page, options.displays());
