@@ -78,7 +78,7 @@ std::optional<std::string> prompt_for_value(const std::string& name, const std::
                                             LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_VALUE_PROMPT, name.c_str(), MAX_ALIAS_VALUE), def,
                            [&](const std::string& value) {
-                               *last_answer = value;
+                               *last_answer = {value};
                                return alias_value_is_ok(value);
                            })
         .value;
@@ -87,7 +87,7 @@ std::optional<std::string> prompt_for_value(const std::string& name, const std::
 std::optional<std::string> prompt_for_name(const Aliases& others, LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "",
                            [&](const std::string& name) {
-                               *last_answer = name;
+                               *last_answer = {name};
                                return alias_name_is_ok(name, others);
                            })
         .value;
@@ -129,9 +129,9 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         if (consent == CONFIRMED) {
             const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value});
             if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
-            return {value, result};
+            return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
-        return value;
+        return {value};
     }
 }
 
@@ -139,13 +139,13 @@ LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
     const Gatebits shown = read_gatebits(gatebits_file);
     if (!there_are_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
-    if (!pick) return UNANSWERED;
+    if (!pick) return {UNANSWERED};
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
     const auto remove = [&](AliasMode mode) {
         written_or_told(change_alias(gatebits_file, shown, {mode, name}), gatebits_file);
     };
-    switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
+    switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()))) {
         case YES:
             remove(AliasMode::REMOVE_ALL);
             break;
@@ -155,20 +155,21 @@ LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
         default:
             break;
     }
-    return pick;
+    return {pick};
 }
 
 LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
     const Gatebits shown = read_gatebits(gatebits_file);
     if (!there_are_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(aliases, reference_entry));
-    if (!pick) return UNANSWERED;
+    if (!pick) return {UNANSWERED};
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
-    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), "yes", "yes,abort") == YES) {
+    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), YES, Buttons::YES_ABORT) ==
+        YES) {
         change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference});
     }
-    return pick;
+    return {pick};
 }
 
 LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
@@ -176,21 +177,21 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
     if (!there_are_aliases(shown, &aliases)) return {};
     while (the_sun_rises) {
         const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
-        if (!pick) return UNANSWERED;
+        if (!pick) return {UNANSWERED};
         const Picked picked = picked_definition(*pick, INTERNAL_ERROR_A_20);
-        LastAnswer last_answer = pick;
+        LastAnswer last_answer = {pick};
         const auto value = prompt_for_value(picked.name, picked.value, &last_answer);
         if (!value) return last_answer;
-        const Change change = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
+        const Change wanted = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
                                picked.value, *value};
-        const Consent consent = confirm_change(change);
+        const Consent consent = confirm_change(wanted);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
             const auto result =
                 change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value});
-            if (written_or_told(result, gatebits_file)) change_confirmed(change);
-            return {value, result};
+            if (written_or_told(result, gatebits_file)) change_confirmed(wanted);
+            return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
-        return value;
+        return {value};
     }
 }

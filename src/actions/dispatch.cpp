@@ -56,10 +56,10 @@ struct Before {
 
 Before look_before(RegionSettings* region) {
     Before before;
-    const auto status = perform_cbfile_only_check(CHECK_STATUS, region);
+    const auto status = perform_cbfile_only_check(CheckMode::STATUS, region);
     if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
     before.errors = true;
-    const auto counted = perform_cbfile_only_check(CHECK_COUNT, region);
+    const auto counted = perform_cbfile_only_check(CheckMode::COUNT, region);
     if (counted) before.count = counted->CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
     return before;
 }
@@ -89,7 +89,7 @@ int A_2(const Options& options, RegionInUse& region) {
             make_selection(submenu_title(region.settings.ENTERPRIZE_NAME, during_install),
                            submenu_entries(during_install), SINGLE_CHOICE);
         if (!pick) return leave_submenu(options);
-        last_answer = run_submenu_pick(options, region, *pick).value_or(*pick);
+        last_answer = run_submenu_pick(options, region, *pick).text.value_or(*pick);
     }
     return SUBMENU;
 }
@@ -106,12 +106,11 @@ LastAnswer A_X(const Options& options, RegionInUse& region, int n) {
         const std::string bytes = is_checked ? read_gatebits_bytes(gatebits_file) : "";
         // A run that shows no dialog keeps the answer of the one before.
         const LastAnswer answer = request->handler(options, region, *request).last_answer;
-        if (answer) last_answer = answer;
+        if (answer.text) last_answer = answer;
         // Entering another value would not help.
-        if (last_answer.changed_meanwhile) return last_answer;
-        if (!is_checked) return last_answer;
-        const auto after =
-            perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &region.settings);
+        if (last_answer.changed_meanwhile || !is_checked) return last_answer;
+        const auto after = perform_cbfile_only_check(
+            before.errors ? CheckMode::COUNT : CheckMode::STATUS, &region.settings);
         if (!after || is_good_enough(*after, before)) return last_answer;
         times_unchanged = read_gatebits_bytes(gatebits_file) != bytes ? 0 : times_unchanged + 1;
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&

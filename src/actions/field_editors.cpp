@@ -83,7 +83,7 @@ DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::stri
                                        Gatebits* gatebits, RegionSettings* region) {
     const std::string question = why_depot_comes_first(*gatebits, entry, os);
     if (question.empty()) return {DepotFirst::IS_THERE, {}};
-    if (ask(question, "yes", "yes,no") != YES) return {DepotFirst::MISSING, {}};
+    if (ask(question, YES, Buttons::YES_NO) != YES) return {DepotFirst::MISSING, {}};
     const Ended depot = view_change_depot(os, region);
     if (depot.how == EditorEnd::LEFT) return {DepotFirst::MISSING, depot.last_answer};
     *gatebits = read_gatebits(region->ENTERPRIZE_PERMISSION_FILE);
@@ -110,14 +110,14 @@ Ended run_editor(const FieldEditor& editor, RegionSettings* region) {
         const Entered entered =
             kind.ask_for(gatebits, editor, kind.question(editor, current, back_to), current);
         back_to.clear();
-        if (!entered.value) return {EditorEnd::LEFT, entered.last_answer};
+        if (!entered.value) return {EditorEnd::LEFT, {entered.last_answer}};
         const Change wanted = {kind.field_name(editor), current, *entered.value};
         const Consent consent = confirm_change(wanted, warnings_of(gatebits, editor, wanted));
         if (consent == DECLINED) continue;
-        if (consent != CONFIRMED) return {EditorEnd::LEFT, entered.last_answer};
+        if (consent != CONFIRMED) return {EditorEnd::LEFT, {entered.last_answer}};
         const ChangeResult result = write_and_report(editor, wanted, gatebits, region);
         return {result == ChangeResult::WRITTEN ? EditorEnd::WRITTEN : EditorEnd::LEFT,
-                {entered.last_answer, result}};
+                {entered.last_answer, result == ChangeResult::CHANGED_MEANWHILE}};
     }
 }
 

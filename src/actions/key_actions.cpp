@@ -62,7 +62,7 @@ Key picked_key(const std::string& gatebits_file, const std::string& pick, const 
 Answer ask_what_to_do_with(const Key& key, const char* noun) {
     std::string shown = cut_for_dialog(key.line);
     double_amp_string(shown);
-    return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()), "yes", "yes,no,abort");
+    return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()));
 }
 
 /// Writes `text` in the key's place while that is as it was shown.
@@ -81,11 +81,11 @@ ChangeResult write_key(const std::string& gatebits_file, const Key& key, const s
 bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const auto text = prompt(filled(KEY_PROMPT, key.index), key.line);
     if (!text) return false;
-    *last_answer = text;
+    *last_answer = {text};
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
     if (confirm_change(wanted, key_reminder(gatebits_file)) != CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, *text);
-    *last_answer = {text, result};
+    last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
     change_confirmed(wanted);
     return true;
@@ -95,7 +95,7 @@ bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* la
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
     if (confirm_delete(wanted) != CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, DELETION_TOKEN);
-    *last_answer = {*last_answer, result};
+    last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
     delete_confirmed(wanted);
     return true;
@@ -110,12 +110,12 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
         const Gatebits gatebits = read_gatebits(gatebits_file);
         const std::vector<std::string> keys = command_keys(gatebits);
         if (keys.empty()) {
-            ask(texts.none, "abort", "abort");
+            ask(texts.none, ABORT, Buttons::ABORT);
             return last_answer;
         }
         note_keys_left_out(gatebits_file, gatebits, keys.size());
         const auto pick = pick_one(texts.title, key_list(keys));
-        last_answer = pick.value_or(UNANSWERED);
+        last_answer = {pick.value_or(UNANSWERED)};
         if (!pick) return last_answer;
         const Key key = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
@@ -133,14 +133,14 @@ LastAnswer A_22(const std::string& gatebits_file) {
         if (!keys.empty()) {
             note_keys_left_out(gatebits_file, gatebits, keys.size());
             const auto pick = make_selection(KEY_TEMPLATE_TITLE, key_list(keys), SINGLE_CHOICE);
-            last_answer = pick.value_or(UNANSWERED);
+            last_answer = {pick.value_or(UNANSWERED)};
             if (!pick) return last_answer;
             if (!pick->empty()) text = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_22).line;
         }
         const int index = static_cast<int>(keys.size());
         const auto entered = prompt(filled(NEW_KEY_PROMPT, index), text);
         if (!entered) return last_answer;
-        last_answer = entered;
+        last_answer = {entered};
         const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
         if (confirm_add(wanted) == CONFIRMED) {
             change(gatebits_file, {gatebits, nothing},

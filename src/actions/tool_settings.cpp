@@ -100,8 +100,8 @@ void A_24(RegionSettings& region) {
     }
 }
 
-void ask_all_configure(char mode, RegionSettings* region) {
-    if (mode != IMPORTANT_SETTINGS && mode != ALL_SETTINGS) gripe(INTERNAL_ERROR_CONFIGURE);
-    const std::size_t settings = mode == IMPORTANT_SETTINGS ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
+void ask_all_configure(SettingsAsked mode, RegionSettings* region) {
+    const std::size_t settings =
+        mode == SettingsAsked::IMPORTANT ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }

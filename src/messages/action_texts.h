@@ -205,4 +205,3 @@ inline constexpr char SETTING_ENTRY[] = "%02d %s%s";
 /// Prefix of the setting's line.
 inline constexpr char SETTING_PROMPT[] = "Change the value of %s ...";
 inline constexpr char INTERNAL_ERROR_A_24[] = "Internal error in A_24";
-inline constexpr char INTERNAL_ERROR_CONFIGURE[] = "Internal error in ask_all_configure";

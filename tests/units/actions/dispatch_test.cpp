@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "actions/actions.h"
-#include "actions/tool_settings.h"
 #include "policy/tool_variables.h"
 #include "units/on_stage.h"
 
@@ -52,10 +51,6 @@ TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
               "process...\n");
     EXPECT_EQ(printed_by([] { EXPECT_TRUE(A_during_install(true, "Prune")); }),
               "This Action is not available during the installation process...\n");
-}
-
-TEST_F(Dispatch, UnknownSetOfSettingsIsAFault) {
-    EXPECT_GRIPE(ask_all_configure('X', &east.settings), "Internal error in ask_all_configure");
 }
 
 }  // namespace
