@@ -71,6 +71,16 @@ TEST_F(FileLocked, OneThatSomebodyKeepsIsGivenUpWhenPatienceEnds) {
     EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
 }
 
+// The papers for administrators say so.
+TEST_F(FileLocked, WhoMayOnlyReadAFileOrDirectoryCanKeepItsLock) {
+    const Descriptor reader(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(reader.get(), LOCK_SH), 0);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+    const Descriptor lister(open(path("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_EQ(flock(lister.get(), LOCK_SH), 0);
+    EXPECT_FALSE(is_free(""));
+}
+
 TEST_F(FileLocked, TheLockIsTheFilesUnderEachOfItsNames) {
     std::filesystem::create_symlink("file", path("link"));
     std::filesystem::create_hard_link(path("file"), path("other"));
