@@ -131,7 +131,9 @@ TEST_F(FileLocked, OneThatWasReplacedMeanwhileIsOpenedAgain) {
 TEST_F(FileLocked, WhereTheFileSystemHasNoLocksNobodyWaits) {
     for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
         at_next_flock() = [&] { return error; };
-        EXPECT_EQ(lock_file(path("file"), 1min).state, LockState::NOT_TO_BE_HAD) << error;
+        const FileLock lock = lock_file(path("file"), 1min);
+        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << error;
+        EXPECT_TRUE(lock.file) << error;
     }
 }
 
@@ -143,7 +145,9 @@ TEST_F(FileLocked, AnInterruptedCallIsRepeated) {
 TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
     for (const char* name : {"none", "fifo", ""}) {
-        EXPECT_EQ(lock_file(path(name), 1min).state, LockState::NOT_TO_BE_HAD) << name;
+        const FileLock lock = lock_file(path(name), 1min);
+        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << name;
+        EXPECT_FALSE(lock.file) << name;
     }
 }
 
