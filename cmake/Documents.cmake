@@ -3,6 +3,20 @@
 add_executable(fill_templates ${PROJECT_SOURCE_DIR}/tools/fill_templates.cpp)
 target_link_libraries(fill_templates PRIVATE gatescope_core gatescope_flags)
 
+# The programs that are installed. Each has a page in section 1 of the manual,
+# docs/manual/<program>.1.in, and a template completion/<program>.<shell>.in for each shell.
+set(GATESCOPE_PROGRAMS gatescope)
+set(GATESCOPE_SHELLS bash zsh fish)
+
+# gatescope_completion_path(<program> <shell> <variable>): where below the directory of shared data
+# the shell looks for the program's completion.
+function(gatescope_completion_path program shell variable)
+  set(bash bash-completion/completions/${program})
+  set(zsh zsh/site-functions/_${program})
+  set(fish fish/vendor_completions.d/${program}.fish)
+  set(${variable} ${${shell}} PARENT_SCOPE)
+endfunction()
+
 set(GATESCOPE_DOCUMENTS "")
 
 # gatescope_document(<template> <output>): makes <output>, a path in the build tree.
@@ -19,7 +33,12 @@ function(gatescope_document template output)
   set(GATESCOPE_DOCUMENTS ${GATESCOPE_DOCUMENTS} ${result} PARENT_SCOPE)
 endfunction()
 
-gatescope_document(docs/manual/gatescope.1.in manual/gatescope.1)
+foreach(program IN LISTS GATESCOPE_PROGRAMS)
+  gatescope_document(docs/manual/${program}.1.in manual/${program}.1)
+  foreach(shell IN LISTS GATESCOPE_SHELLS)
+    gatescope_completion_path(${program} ${shell} path)
+    gatescope_document(completion/${program}.${shell}.in completion/${path})
+  endforeach()
+endforeach()
 gatescope_document(docs/manual/gatescope-files.5.in manual/gatescope-files.5)
-gatescope_document(completion/gatescope.bash.in completion/gatescope)
 add_custom_target(documents ALL DEPENDS ${GATESCOPE_DOCUMENTS})

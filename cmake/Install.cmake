@@ -2,28 +2,42 @@
 
 include(GNUInstallDirs)
 
-set(GATESCOPE_COMPLETION_DIR ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 set(GATESCOPE_EXAMPLES_DIR ${CMAKE_INSTALL_DOCDIR}/examples)
+# Beside the program's own directory of documents: what is put where others put theirs, too.
+set(GATESCOPE_SHARED_DIRS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1
+  ${CMAKE_INSTALL_MANDIR}/man5)
 
 # Whatever the umask of whoever installs.
 set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+
+foreach(shell IN LISTS GATESCOPE_SHELLS)
+  gatescope_completion_path(gatescope ${shell} path)
+  cmake_path(GET path PARENT_PATH folder)
+  list(APPEND GATESCOPE_SHARED_DIRS ${CMAKE_INSTALL_DATADIR}/${folder})
+endforeach()
 
 # The directories are made first, and those that were not there are written down: uninstalling
 # removes these, once they are empty, and none that stood there before.
 set(GATESCOPE_RECORD_DIR ${PROJECT_BINARY_DIR}/installed)
 install(CODE "
   set(default_record \"${GATESCOPE_RECORD_DIR}\")
-  set(folders ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1 ${CMAKE_INSTALL_MANDIR}/man5
-    ${GATESCOPE_COMPLETION_DIR} ${CMAKE_INSTALL_DOCDIR}/docs/pictures
-    ${GATESCOPE_EXAMPLES_DIR}/systemd)")
+  set(folders \"${GATESCOPE_SHARED_DIRS}\" \"${CMAKE_INSTALL_DOCDIR}/docs/pictures\"
+    \"${GATESCOPE_EXAMPLES_DIR}/systemd\")")
 install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/make_directories.cmake)
 
-install(TARGETS gatescope RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(TARGETS ${GATESCOPE_PROGRAMS} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+foreach(program IN LISTS GATESCOPE_PROGRAMS)
+  install(FILES ${PROJECT_BINARY_DIR}/manual/${program}.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  foreach(shell IN LISTS GATESCOPE_SHELLS)
+    gatescope_completion_path(${program} ${shell} path)
+    cmake_path(GET path PARENT_PATH folder)
+    install(FILES ${PROJECT_BINARY_DIR}/completion/${path}
+            DESTINATION ${CMAKE_INSTALL_DATADIR}/${folder})
+  endforeach()
+endforeach()
 install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope-files.5
         DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
-install(FILES ${PROJECT_BINARY_DIR}/completion/gatescope DESTINATION ${GATESCOPE_COMPLETION_DIR})
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
               ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -32,13 +46,16 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png
         PATTERN manual EXCLUDE)
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPLES_DIR}
-        PATTERN gatescope-report.service EXCLUDE)
+        PATTERN *.service EXCLUDE
+        PATTERN gatescope-metrics EXCLUDE)
+install(PROGRAMS ${PROJECT_SOURCE_DIR}/examples/gatescope-metrics
+        DESTINATION ${GATESCOPE_EXAMPLES_DIR})
 # systemd wants the program's whole path.
 install(CODE "
-  set(service ${PROJECT_SOURCE_DIR}/examples/systemd/gatescope-report.service)
-  set(work_directory ${PROJECT_BINARY_DIR}/examples)
-  set(program_path \${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/gatescope)
-  set(destination \${CMAKE_INSTALL_PREFIX}/${GATESCOPE_EXAMPLES_DIR}/systemd)")
+  set(service \"${PROJECT_SOURCE_DIR}/examples/systemd/gatescope-report@.service\")
+  set(work_directory \"${PROJECT_BINARY_DIR}/examples\")
+  set(program_path \"\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/gatescope\")
+  set(destination \"\${CMAKE_INSTALL_PREFIX}/${GATESCOPE_EXAMPLES_DIR}/systemd\")")
 install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/install_service.cmake)
 
 install(SCRIPT ${PROJECT_SOURCE_DIR}/cmake/record_files.cmake)

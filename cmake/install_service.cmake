@@ -1,8 +1,13 @@
 # Installs the example service with the path under which the program was installed.
 # Uses the variables service, work_directory, program_path and destination.
 
+# As systemd reads it: a path with a blank stands in quotes, and a '%' is doubled.
+string(REPLACE "%" "%%" word "${program_path}")
+if(word MATCHES "[ \t]")
+  set(word "\"${word}\"")
+endif()
 file(READ "${service}" text)
-string(REPLACE "/usr/bin/gatescope" "${program_path}" text "${text}")
+string(REPLACE "ExecStart=/usr/bin/gatescope " "ExecStart=${word} " text "${text}")
 get_filename_component(name "${service}" NAME)
 file(WRITE "${work_directory}/${name}" "${text}")
 file(INSTALL "${work_directory}/${name}" DESTINATION "${destination}")

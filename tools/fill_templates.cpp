@@ -3,8 +3,9 @@
 //
 // Usage: fill_templates TEMPLATE OUTPUT
 //
-// A line of the template that is "@@name@@" and nothing else gives way to the block of that name;
-// "@NAME@" inside a line gives way to the text of that name.
+// A line of the template that ends with "@@name@@" gives way to the block of that name, each line
+// of it after what stood before the mark; "@NAME@" inside a line gives way to the text of that
+// name.
 
 #include <array>
 #include <cstdio>
@@ -105,16 +106,21 @@ std::string in_shell(std::string_view text) {
     return word + "'";
 }
 
-/// One word of an array a line.
+/// A word a line.
 std::string shell_line(std::string_view text) {
-    return "    " + in_shell(text) + "\n";
+    return in_shell(text) + "\n";
+}
+
+/// A word with what it means, as all tables for the shells have it.
+std::string shell_line(std::string_view word, std::string_view meaning) {
+    return shell_line(std::string(word).append(" - ").append(meaning));
 }
 
 std::string shell_requests(RequestKind kind) {
     std::string block;
     for (const Request& request : all_requests()) {
         if (request.kind != kind) continue;
-        block += shell_line(filled("%d - %s", request.number, title_of(request.label).c_str()));
+        block += shell_line(std::to_string(request.number), title_of(request.label));
     }
     return block;
 }
@@ -131,7 +137,7 @@ std::string shell_bits() {
     std::string block;
     int number = 0;
     for (const char* name : GATEWARDEN_BITS_DESC) {
-        block += shell_line(filled("%d - %s", number++, name));
+        block += shell_line(std::to_string(number++), name);
     }
     return block;
 }
@@ -142,27 +148,33 @@ std::string shell_commands() {
     return block;
 }
 
-std::string shell_arguments(ArgumentPlace place) {
+/// The arguments that an operator may type.
+std::string shell_arguments(ArgumentKind kind) {
     std::string block;
     for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-        if (argument.place == place && !argument.hidden) block += shell_line(argument.spelling);
+        if (argument.kind != kind || argument.for_installer) continue;
+        block += shell_line(argument.spelling, argument.meaning);
     }
     return block;
 }
 
 std::string shell_options() {
-    return shell_arguments(ArgumentPlace::ALONE);
+    return shell_arguments(ArgumentKind::OPTION);
+}
+
+std::string shell_switches() {
+    return shell_arguments(ArgumentKind::SWITCH);
 }
 
 std::string shell_parameters() {
-    return shell_arguments(ArgumentPlace::ANYWHERE);
+    return shell_arguments(ArgumentKind::PARAMETER);
 }
 
 struct Block {
     std::string_view name;
     std::string (*text)();
 };
-constexpr std::array<Block, 12> BLOCKS = {{{"@@manual_queries@@", manual_queries},
+constexpr std::array<Block, 13> BLOCKS = {{{"@@manual_queries@@", manual_queries},
                                            {"@@manual_actions@@", manual_actions},
                                            {"@@manual_bits@@", manual_bits},
                                            {"@@manual_commands@@", manual_commands},
@@ -173,6 +185,7 @@ constexpr std::array<Block, 12> BLOCKS = {{{"@@manual_queries@@", manual_queries
                                            {"@@shell_bits@@", shell_bits},
                                            {"@@shell_commands@@", shell_commands},
                                            {"@@shell_options@@", shell_options},
+                                           {"@@shell_switches@@", shell_switches},
                                            {"@@shell_parameters@@", shell_parameters}}};
 
 /// The numbers of the actions that run between two checks, as a sentence lists them.
@@ -212,10 +225,19 @@ bool names_a_text(std::string_view line) {
     return false;
 }
 
+/// The lines of `block`, each after `start`.
+std::string each_after(std::string_view start, const std::string& block) {
+    std::istringstream lines(block);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) result.append(start).append(line) += '\n';
+    return result;
+}
+
 /// A line with its texts filled in; nothing when it names a block or a text that does not exist.
 std::optional<std::string> filled_line(const std::string& line) {
     for (const Block& block : BLOCKS) {
-        if (line == block.name) return block.text();
+        if (!line.ends_with(block.name)) continue;
+        return each_after({line.data(), line.size() - block.name.size()}, block.text());
     }
     std::string result = line;
     for (const auto& [name, text] : texts()) {
@@ -223,7 +245,7 @@ std::optional<std::string> filled_line(const std::string& line) {
             result.replace(at, name.size(), text);
         }
     }
-    if (result.starts_with("@@") || names_a_text(result)) return std::nullopt;
+    if (result.find("@@") != std::string::npos || names_a_text(result)) return std::nullopt;
     return result + "\n";
 }
 

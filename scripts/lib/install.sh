@@ -21,6 +21,20 @@ as_root() {
     if [[ "$(id -u)" == 0 ]]; then "$@"; else sudo "$@"; fi
 }
 
+# Ends the script, naming the packages, where they cannot be installed.
+can_install_or_end() {
+    local reason=''
+    if ! is_there apt-get; then
+        reason='there is no apt-get here'
+    elif [[ "$(id -u)" != 0 ]] && ! is_there sudo; then
+        reason='that takes root or sudo'
+    fi
+    if [[ -z "$reason" ]]; then return; fi
+    echo "Missing here, by the names of Debian's packages: $*" >&2
+    echo "They cannot be installed ($reason). Have them installed, and start this again." >&2
+    exit 1
+}
+
 # install_missing GROUP...: says nothing and does nothing when everything is there.
 install_missing() {
     local group packages=()
@@ -28,6 +42,7 @@ install_missing() {
         mapfile -t -O "${#packages[@]}" packages < <(missing_packages "$group")
     done
     if [[ "${#packages[@]}" == 0 ]]; then return; fi
+    can_install_or_end "${packages[@]}"
     echo "Installing ${packages[*]}"
     as_root env DEBIAN_FRONTEND=noninteractive apt-get update -qq
     as_root env DEBIAN_FRONTEND=noninteractive \

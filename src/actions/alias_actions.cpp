@@ -72,15 +72,24 @@ Picked picked_definition(const std::string& pick, const char* fault) {
     return {rest.substr(0, name_end), rest.substr(name_end + 1)};
 }
 
-std::optional<std::string> prompt_for_value(const std::string& name, const std::string& def) {
+// Both prompts leave `*last_answer` alone when they are cancelled before anything was answered.
+
+std::optional<std::string> prompt_for_value(const std::string& name, const std::string& def,
+                                            LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_VALUE_PROMPT, name.c_str(), MAX_ALIAS_VALUE), def,
-                           alias_value_is_ok)
+                           [&](const std::string& value) {
+                               *last_answer = value;
+                               return alias_value_is_ok(value);
+                           })
         .value;
 }
 
-std::optional<std::string> prompt_for_name(const Aliases& others) {
+std::optional<std::string> prompt_for_name(const Aliases& others, LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "",
-                           [&](const std::string& name) { return alias_name_is_ok(name, others); })
+                           [&](const std::string& name) {
+                               *last_answer = name;
+                               return alias_name_is_ok(name, others);
+                           })
         .value;
 }
 
@@ -91,11 +100,12 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
         return {};
     }
+    LastAnswer last_answer;
     while (the_sun_rises) {
-        const auto name = prompt_for_name(aliases);
-        if (!name) return UNANSWERED;
-        const auto value = prompt_for_value(*name, "");
-        if (!value) return UNANSWERED;
+        const auto name = prompt_for_name(aliases, &last_answer);
+        if (!name) return last_answer;
+        const auto value = prompt_for_value(*name, "", &last_answer);
+        if (!value) return last_answer;
         const std::string line = definition(*name, *value);
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
@@ -152,8 +162,9 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
         if (!pick) return UNANSWERED;
         const Picked picked = picked_definition(*pick, INTERNAL_ERROR_A_20);
-        const auto value = prompt_for_value(picked.name, picked.value);
-        if (!value) return UNANSWERED;
+        LastAnswer last_answer = pick;
+        const auto value = prompt_for_value(picked.name, picked.value, &last_answer);
+        if (!value) return last_answer;
         const Change change = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
                                picked.value, *value};
         const Consent consent = confirm_change(change);

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include "actions/outcome.h"
 #include "actions/picks.h"
 #include "base/filled.h"
+#include "base/standard_streams.h"
 #include "base/text.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
@@ -29,6 +31,15 @@ std::vector<std::string> command_keys(const std::string& gatebits_file) {
         keys.push_back(line);
     }
     return keys;
+}
+
+/// Says how many keys of the file a list of these leaves out: those that no line number reaches.
+void note_keys_left_out(const std::string& gatebits_file, const std::vector<std::string>& keys) {
+    const std::vector<std::string> lines = read_gatebits_lines(gatebits_file);
+    const auto in_file = std::count_if(lines.begin(), lines.end(), is_significant) -
+                         static_cast<std::ptrdiff_t>(FIRST_KEY_LINE - 1);
+    const auto left_out = in_file - static_cast<std::ptrdiff_t>(keys.size());
+    if (left_out > 0) note(filled(KEYS_NOT_OFFERED, left_out, in_file, gatebits_file.c_str()));
 }
 
 std::string key_list(const std::vector<std::string>& keys) {
@@ -102,6 +113,7 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
             ask(texts.none, "abort", "abort");
             return last_answer;
         }
+        note_keys_left_out(gatebits_file, keys);
         const auto pick = pick_one(texts.title, key_list(keys));
         last_answer = pick.value_or(UNANSWERED);
         if (!pick) return last_answer;
@@ -118,6 +130,7 @@ LastAnswer A_22(const std::string& gatebits_file) {
         const std::vector<std::string> keys = command_keys(gatebits_file);
         std::string text = DEFAULT_KEY;
         if (!keys.empty()) {
+            note_keys_left_out(gatebits_file, keys);
             const auto pick = make_selection(KEY_TEMPLATE_TITLE, key_list(keys), SINGLE_CHOICE);
             last_answer = pick.value_or(UNANSWERED);
             if (!pick) return last_answer;

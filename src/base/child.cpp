@@ -14,11 +14,14 @@
 #include <cstdio>
 
 #include "base/filled.h"
+#include "base/search_path.h"
 #include "base/signals_held.h"
 
 namespace {
 
 constexpr char SHELL[] = "/bin/sh";
+/// The raw status of a shell that does not find a program.
+constexpr int NOT_FOUND_STATUS = 127 * 256;
 
 /// The child that is being waited for; 0 when there is none. The process's, because a signal
 /// handler ends it, and is told nothing but the number of the signal.
@@ -117,8 +120,9 @@ bool is_alive(const Family& family) {
 
 }  // namespace
 
-int run_in_shell(const std::string& command) {
+int run_in_shell(const std::string& command, const char* program) {
     std::fflush(stdout);
+    if (program != nullptr && !is_on_search_path(program, X_OK)) return NOT_FOUND_STATUS;
     // Whoever started us may ignore the ends of children; there would be no status to wait for.
     signal(SIGCHLD, SIG_DFL);
     {

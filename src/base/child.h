@@ -9,7 +9,11 @@
 ///
 /// Unlike std::system it leaves the signals alone: whoever interrupts a dialog ends the program
 /// too, and not only the dialog.
-int run_in_shell(const std::string& command);
+///
+/// `program`, where it is not null, is what the command starts. When the search path does not hold
+/// it no shell is started, which would only say so in its own words; the status is that of a shell
+/// that does not find it, 127 times 256.
+int run_in_shell(const std::string& command, const char* program = nullptr);
 
 /// For signal handlers: sends the signal to the child that run_in_shell is waiting for, if there
 /// is one, and to all that it has started, and waits for their end, though no longer than a

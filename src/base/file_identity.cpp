@@ -65,6 +65,16 @@ std::string directory_of(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+/// Adds the bytes from `from` on to an FNV-1a hash of 64 bits. 0 or an errno.
+int add_bytes(int file, off_t from, std::vector<char>* bytes, std::uint64_t* hash) {
+    const ssize_t got = pread(file, bytes->data(), bytes->size(), from);
+    if (got == -1) return errno;
+    for (std::size_t i = 0; i < static_cast<std::size_t>(got); ++i) {
+        *hash = (*hash ^ static_cast<unsigned char>((*bytes)[i])) * 0x100000001b3;
+    }
+    return 0;
+}
+
 bool same_owner(const struct stat& one, const struct stat& other) {
     return one.st_uid == other.st_uid && one.st_gid == other.st_gid;
 }
@@ -80,6 +90,15 @@ bool is_name_of(const std::string& path, int file, int flags) {
     struct stat opened;
     return fstatat(AT_FDCWD, path.c_str(), &named, flags) == 0 && fstat(file, &opened) == 0 &&
            id_of(named) == id_of(opened);
+}
+
+int fingerprint_of(int file, off_t size, std::uint64_t* fingerprint) {
+    constexpr off_t PART = 8192;
+    std::vector<char> bytes(static_cast<std::size_t>(std::min(size, PART)));
+    *fingerprint = 0xcbf29ce484222325;
+    const int error = add_bytes(file, 0, &bytes, fingerprint);
+    if (error != 0) return error;
+    return add_bytes(file, std::max(size - PART, off_t{0}), &bytes, fingerprint);
 }
 
 int carry_over_identity(int from, int to) {

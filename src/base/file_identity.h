@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <string>
 
 /// Which file it is, under whatever name.
@@ -15,6 +16,10 @@ FileId id_of(const struct stat& status);
 
 /// Whether `path` is a name of the open file; no link to it counts, unless `flags` are 0.
 bool is_name_of(const std::string& path, int file, int flags = AT_SYMLINK_NOFOLLOW);
+
+/// Sets a fingerprint of the first `size` bytes of an open file, made of some KiB at both ends: it
+/// tells a file from another one, not from a forgery. 0 or an errno.
+int fingerprint_of(int file, off_t size, std::uint64_t* fingerprint);
 
 /// Gives the open file `to` the owner, group, mode and extended attributes (access control lists
 /// among them) of the open file `from`, and takes away what that one does not have. 0, or the errno

@@ -13,14 +13,11 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The system takes a lease away from who does not give it up, by default after 45 seconds.
-constexpr auto LEASE_PATIENCE = 60s;
-
 constexpr auto LEASE_PAUSE = 1ms;
 
-bool is_regular(const std::string& path) {
+bool is_regular(const std::string& path, int directory) {
     struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return fstatat(directory, path.c_str(), &status, 0) == 0 && S_ISREG(status.st_mode);
 }
 
 }  // namespace
@@ -30,16 +27,17 @@ bool this_file_exists(const std::string& path) {
     return stat(path.c_str(), &status) == 0;
 }
 
-int open_regular_file(const std::string& path, int flags) {
-    const auto end = std::chrono::steady_clock::now() + LEASE_PATIENCE;
+int open_regular_file(const std::string& path, int flags, int directory,
+                      std::chrono::steady_clock::time_point until) {
     const auto try_to_open = [&] {
         // Never one that waits: by then there may be a pipe in the file's place.
-        return Descriptor(open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
+        constexpr int NEVER_WAITS = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+        return Descriptor(openat(directory, path.c_str(), flags | NEVER_WAITS, 0666));
     };
     Descriptor file = try_to_open();
     // Somebody has a lease on it, who is told that another waits.
-    while (!file && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < end &&
-           is_regular(path)) {
+    while (!file && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < until &&
+           is_regular(path, directory)) {
         std::this_thread::sleep_for(LEASE_PAUSE);
         file = try_to_open();
     }

@@ -5,8 +5,7 @@
 #include <string_view>
 
 /// Fills a message or command template. The result is C text: it ends where the first NUL would
-/// stand, as when %c is filled with the first character of an empty field; what the template
-/// holds after it is lost, and callers rely on that.
+/// stand, so an argument of %c must not be one.
 [[gnu::format(printf, 1, 2)]] std::string filled(const char* format, ...);
 
 /// The same with the arguments of a caller, and with all that stands after a NUL.

@@ -19,6 +19,7 @@ namespace {
 /// so places are added to a list but never taken out of it.
 struct Place {
     std::atomic<char*> path;
+    std::atomic<int> directory;
     Place* next;
 };
 using Places = std::atomic<Place*>;
@@ -27,24 +28,28 @@ using Places = std::atomic<Place*>;
 Places places;
 /// The files that only a signal takes away.
 Places places_for_signals;
-static_assert(std::atomic<char*>::is_always_lock_free && Places::is_always_lock_free);
+static_assert(std::atomic<char*>::is_always_lock_free && Places::is_always_lock_free &&
+              std::atomic<int>::is_always_lock_free);
 
-bool add(Places* list, char* path) {
+bool add(Places* list, char* path, int directory) {
     for (Place* place = *list; place != nullptr; place = place->next) {
-        char* free_place = nullptr;
-        if (place->path.compare_exchange_strong(free_place, path)) return true;
+        if (place->path != nullptr) continue;
+        // A handler looks at the directory only where there is a path.
+        place->directory = directory;
+        place->path = path;
+        return true;
     }
-    auto* const place = new (std::nothrow) Place{path, *list};
+    auto* const place = new (std::nothrow) Place{path, directory, *list};
     if (place != nullptr) *list = place;
     return place != nullptr;
 }
 
-void remember(Places* list, const std::string& path) {
+void remember(Places* list, const std::string& path, int directory) {
     char* const copy = strdup(path.c_str());
-    if (copy != nullptr && add(list, copy)) return;
+    if (copy != nullptr && add(list, copy, directory)) return;
     // Without a place on the list nothing would remove it later.
     std::free(copy);
-    unlink(path.c_str());
+    unlinkat(directory, path.c_str(), 0);
     throw std::bad_alloc();
 }
 
@@ -61,18 +66,18 @@ void forget(const Places& list, const std::string& path) {
 
 void unlink_all(const Places& list) {
     for (const Place* place = list; place != nullptr; place = place->next) {
-        if (const char* path = place->path) unlink(path);
+        if (const char* path = place->path) unlinkat(place->directory, path, 0);
     }
 }
 
 }  // namespace
 
-void remember_temporary_file(const std::string& path) {
-    remember(&places, path);
+void remember_temporary_file(const std::string& path, int directory) {
+    remember(&places, path, directory);
 }
 
-void remember_for_signals(const std::string& path) {
-    remember(&places_for_signals, path);
+void remember_for_signals(const std::string& path, int directory) {
+    remember(&places_for_signals, path, directory);
 }
 
 void forget_temporary_file(const std::string& path) {
@@ -83,7 +88,7 @@ void forget_temporary_file(const std::string& path) {
 void remove_temporary_files() {
     for (Place* place = places; place != nullptr; place = place->next) {
         if (char* path = place->path.exchange(nullptr)) {
-            unlink(path);
+            unlinkat(place->directory, path, 0);
             std::free(path);
         }
     }
@@ -105,6 +110,33 @@ int create_temporary_file(const std::string& path, mode_t mode) {
     const int descriptor = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (descriptor != -1) remember_temporary_file(path);
     return descriptor;
+}
+
+TemporaryFile::TemporaryFile(const Directory& directory, const std::string& name, mode_t mode)
+    : directory_(directory), name_(name) {
+    const SignalsHeld held;
+    if (would_stay_at(directory.path_of(name))) {
+        errno = EPERM;
+        return;
+    }
+    constexpr int FLAGS = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC;
+    file = Descriptor(openat(directory.descriptor(), name.c_str(), FLAGS, mode));
+    is_there_ = static_cast<bool>(file);
+    if (is_there_) remember_temporary_file(name, directory.descriptor());
+}
+
+TemporaryFile::~TemporaryFile() {
+    if (!is_there_) return;
+    directory_.unlink(name_);
+    forget_temporary_file(name_);
+}
+
+int TemporaryFile::rename_to(const std::string& name) {
+    const int error = directory_.rename(name_, name);
+    if (error != 0) return error;
+    is_there_ = false;
+    forget_temporary_file(name_);
+    return 0;
 }
 
 void remove_temporary_file(const std::string& path) {

@@ -41,7 +41,7 @@ std::string why_not_started(int status) {
 
 int run_dialog(const std::string& command, const std::string& text, const char* lost) {
     errno = 0;
-    const int status = run_in_shell(command);
+    const int status = run_in_shell(command, CLEARPROMPT);
     const std::string reason = why_not_started(status);
     if (!reason.empty()) {
         note(filled(DIALOG_IS_LOST, CLEARPROMPT, reason.c_str(), lost, text.c_str()));
@@ -50,12 +50,10 @@ int run_dialog(const std::string& command, const std::string& text, const char* 
 }
 
 std::string quoted(const std::string& text) {
-    const bool strict = quoting_is_strict();
+    const std::string_view escaped = quoting_is_strict() ? "\\\"$`" : "\\";
     std::string result = "\"";
     for (const char character : c_text(text)) {
-        if (strict && std::string_view("\\\"$`").find(character) != std::string_view::npos) {
-            result += '\\';
-        }
+        if (escaped.find(character) != std::string_view::npos) result += '\\';
         result += character;
     }
     return result + '"';

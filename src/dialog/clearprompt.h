@@ -9,11 +9,10 @@ int run_dialog(const std::string& command, const std::string& text, const char* 
 
 // How a text gets into a command line: the one place that knows about quoting.
 
-/// `text`, up to its first NUL, in double quotes. What is inside goes to the shell as it is, so
-/// quotes, dollar signs and back-quotes in it act; scripts rely on that. Only when the
-/// environment variable ZUL_GATESCOPE_STRICT_QUOTING is "yes" (in any case) are backslashes,
-/// double quotes, dollar signs and back-quotes escaped, so that clearprompt receives the text
-/// letter for letter.
+/// `text`, up to its first NUL, in double quotes. Its backslashes are escaped, so that each arrives
+/// as it is given. Quotes, dollar signs and back-quotes go to the shell as they are and act there;
+/// scripts rely on that. Only when the environment variable ZUL_GATESCOPE_STRICT_QUOTING is "yes"
+/// (in any case) are they escaped too, so that clearprompt receives the text letter for letter.
 std::string quoted(const std::string& text);
 
 /// A path as an argument of another program's command line: as it stands, which scripts rely on,

@@ -16,12 +16,13 @@
 namespace {
 
 constexpr char USABILITY_LINE[] = "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
+constexpr char CLEARTOOL[] = "cleartool";
 constexpr char CLEARTOOL_LINE[] = "cleartool -ver";
 
 void test_clearprompt() {
     print_stdout(EXPECTED_OS);
     print_stdout(filled(TESTING_USABILITY, CLEARPROMPT));
-    const int status = run_in_shell(filled(USABILITY_LINE, CLEARPROMPT));
+    const int status = run_in_shell(filled(USABILITY_LINE, CLEARPROMPT), CLEARPROMPT);
     if (status != 0) {
         print_stdout(filled(CLEARPROMPT_NOT_FOUND, CLEARPROMPT));
         clean_exit(1);
@@ -31,7 +32,7 @@ void test_clearprompt() {
 
 void test_cleartool() {
     print_stdout(TESTING_CLEARTOOL);
-    run_in_shell(CLEARTOOL_LINE);
+    run_in_shell(CLEARTOOL_LINE, CLEARTOOL);
     const int status = get_system_rc(CLEARTOOL_LINE);
     if (status != 0) {
         print_stdout(CLEARTOOL_NOT_FOUND);

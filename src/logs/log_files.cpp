@@ -35,6 +35,21 @@ std::string day_text(const std::tm& local) {
                   local.tm_mday);
 }
 
+/// The last second of the day of `now`, which is `local` on the calendar. Where the clock turns
+/// back at midnight there are two seconds of that name; once the first is over, the second is
+/// meant.
+std::int64_t end_of_day(std::int64_t now, const std::tm& local) {
+    std::tm last = local;
+    last.tm_hour = 23;
+    last.tm_min = 59;
+    last.tm_sec = 59;
+    // The day may end in another daylight-saving time than it is in now.
+    last.tm_isdst = -1;
+    const std::int64_t end = std::mktime(&last);
+    if (end >= now) return end;
+    return now + (23 - local.tm_hour) * 3600 + (59 - local.tm_min) * 60 + (59 - local.tm_sec);
+}
+
 long long year_of(const std::tm& local) {
     return 1900LL + local.tm_year;
 }
@@ -57,19 +72,14 @@ std::string pruning_token_path(const std::string& logging_dir) {
     return filled(LOGGING_PRUNING_TOKEN, logging_dir.c_str(), DIR_DELIMETER);
 }
 
-QueryPeriod set_time_values(int days_to_show) {
+QueryPeriod set_time_values(int days_to_show, std::int64_t now) {
     QueryPeriod period;
     period.days_to_show = days_to_show;
     std::tm local = {};
-    on_the_calendar(std::time(nullptr), &local);
+    on_the_calendar(now, &local);
     period.last_query_time = {local.tm_sec,  local.tm_min, local.tm_hour,
                               local.tm_mday, local.tm_mon, local.tm_year};
-    local.tm_hour = 23;
-    local.tm_min = 59;
-    local.tm_sec = 59;
-    // The day may end in another daylight-saving time than it is in now.
-    local.tm_isdst = -1;
-    period.end_of_day_time = std::mktime(&local);
+    period.end_of_day_time = end_of_day(now, local);
     period.start_of_period_time = period.end_of_day_time - days_to_show * SECONDS_A_DAY;
     return period;
 }

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 // Where the region's log files are, and the period of time that the queries look at.
@@ -34,8 +35,9 @@ struct QueryPeriod {
     std::array<int, 6> last_query_time = {};
 };
 
-/// The period of so many days that ends with today.
-QueryPeriod set_time_values(int days_to_show = QUERY_DAYS);
+/// The period of so many days that ends with today, which is the day of `now` (seconds since the
+/// epoch).
+QueryPeriod set_time_values(int days_to_show = QUERY_DAYS, std::int64_t now = std::time(nullptr));
 
 /// `time` (seconds since the epoch) as "Sun Nov 15 23:59:59 2026", local time, without a line
 /// end; the bare number where the calendar cannot express it.

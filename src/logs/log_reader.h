@@ -28,6 +28,9 @@ constexpr bool is_white(char c) {
 /// there is none. NUL bytes are part of a word; what counts of a word is its C text.
 std::string_view next_word(const char** at, const char* end);
 
+/// Why a log is left out that could not be opened, by its errno; empty when there is no such file.
+std::string why_left_out(int error);
+
 /// Opens a log for reading. Nothing is open when it cannot be opened or is no regular file; then
 /// `*reason` says why, and is empty when there is no such file at all.
 Descriptor open_log(const std::string& path, std::string* reason);
@@ -66,8 +69,10 @@ class LogReader {
     /// Where the next read starts, and where the first word that is not wanted may begin.
     off_t place_ = 0;
     off_t to_ = TO_THE_END;
-    /// The bytes in the buffer, and how many of them are handed out.
+    /// The bytes in the buffer, how many of them are known to hold no white space, and how many are
+    /// handed out.
     std::size_t held_ = 0;
+    std::size_t without_white_ = 0;
     std::size_t handed_out_ = 0;
     /// Whether what is read belongs to a word that began before the range.
     bool skipping_ = false;

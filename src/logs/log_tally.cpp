@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-#include <utility>
 
 #include "base/filled.h"
 #include "base/processors.h"
@@ -30,37 +29,39 @@ int threads_for(off_t bytes) {
     return static_cast<int>(std::min<off_t>(worth, std::min(usable_processors(), MOST_THREADS)));
 }
 
-void name_left_out(const std::string& path, const std::string& reason) {
-    std::fputs(filled(LOG_LEFT_OUT, path.c_str(), reason.c_str()).c_str(), stderr);
+/// The logs with the sizes that they have now; how one that cannot be opened is dealt with is not
+/// for here.
+std::vector<LogToCount> logs_at(const std::vector<std::string>& paths) {
+    std::vector<LogToCount> logs;
+    for (const std::string& path : paths) {
+        struct stat status;
+        logs.push_back({path, stat(path.c_str(), &status) == 0 ? status.st_size : 0});
+    }
+    return logs;
+}
+
+void name_left_out(const std::vector<LogToCount>& logs, const std::vector<int>& not_opened) {
+    for (std::size_t i = 0; i < logs.size(); ++i) {
+        const std::string reason = not_opened[i] == 0 ? "" : why_left_out(not_opened[i]);
+        if (reason.empty()) continue;
+        std::fputs(filled(LOG_LEFT_OUT, logs[i].path.c_str(), reason.c_str()).c_str(), stderr);
+    }
 }
 
 }  // namespace
 
 RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>& paths) {
-    std::vector<LogToCount> logs;
-    std::vector<std::string> names;
+    const std::vector<LogToCount> logs = logs_at(paths);
     off_t bytes = 0;
-    for (const std::string& path : paths) {
-        std::string reason;
-        Descriptor file = open_log(path, &reason);
-        struct stat status;
-        if (file && fstat(file.get(), &status) != 0) {
-            reason = std::strerror(errno);
-            file.close();
-        }
-        if (!reason.empty()) name_left_out(path, reason);
-        if (!file) continue;
-        bytes += status.st_size;
-        logs.push_back({std::move(file), status.st_size});
-        names.push_back(path);
-    }
+    for (const LogToCount& log : logs) bytes += log.size;
     const int threads = threads_for(bytes);
     Progress progress(bytes);
     const RangeTally all = tally_ranges(
         query, logs, threads, threads == 1 ? LogReader::TO_THE_END : RANGE_SIZE, &progress);
     progress.wipe();
     if (all.error != 0) {
-        gripe(filled(LOG_READ_FAILURE, names[all.unread].c_str(), std::strerror(all.error)));
+        gripe(filled(LOG_READ_FAILURE, paths[all.unread].c_str(), std::strerror(all.error)));
     }
+    name_left_out(logs, all.not_opened);
     return all.tally;
 }

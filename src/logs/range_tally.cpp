@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <deque>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -10,6 +11,7 @@
 
 #include "base/signals.h"
 #include "logs/canonical_records.h"
+#include "logs/shared_log.h"
 
 namespace {
 
@@ -19,23 +21,24 @@ struct Range {
     off_t to;
 };
 
-std::vector<Range> ranges_of(const std::vector<LogToCount>& logs, off_t range_size) {
-    std::vector<Range> ranges;
-    for (std::size_t log = 0; log < logs.size(); ++log) {
-        off_t from = 0;
-        for (; logs[log].size - from > range_size; from += range_size) {
-            ranges.push_back({log, from, from + range_size});
-        }
-        ranges.push_back({log, from, LogReader::TO_THE_END});
-    }
-    return ranges;
-}
-
 /// What all threads share.
 struct SharedWork {
-    const CanonicalQuery& query;
-    const std::vector<LogToCount>& logs;
-    const std::vector<Range>& ranges;
+    SharedWork(const RecordQuery& asked, const std::vector<LogToCount>& to_count, off_t range_size)
+        : query(asked) {
+        for (const LogToCount& log : to_count) {
+            const std::size_t before = ranges.size();
+            off_t from = 0;
+            for (; log.size - from > range_size; from += range_size) {
+                ranges.push_back({logs.size(), from, from + range_size});
+            }
+            ranges.push_back({logs.size(), from, LogReader::TO_THE_END});
+            logs.emplace_back(log.path, ranges.size() - before);
+        }
+    }
+
+    const CanonicalQuery query;
+    std::deque<SharedLog> logs;
+    std::vector<Range> ranges;
     std::atomic<std::size_t> next_range = 0;
     /// Some thread could not have the memory it needed.
     std::atomic<bool> out_of_memory = false;
@@ -49,12 +52,12 @@ class Worker {
     void run(SharedWork& work, const Tell& tell) {
         for (std::size_t i = work.next_range++; i < work.ranges.size(); i = work.next_range++) {
             const Range& range = work.ranges[i];
-            reader_.start_range(work.logs[range.log].file.get(), range.from, range.to);
-            for (std::string_view piece; reader_.next(&piece);) {
-                work.query.count(piece, &tally_);
-                tell(static_cast<off_t>(piece.size()));
-            }
-            if (reader_.error() == 0) continue;
+            SharedLog& log = work.logs[range.log];
+            const int file = log.begin_range();
+            if (file != -1) error_ = count(work.query, file, range, tell);
+            if (file == -1 && is_want(log.error())) error_ = log.error();
+            log.end_range();
+            if (error_ == 0) continue;
             unread_ = range.log;
             // The others stop too.
             work.next_range = work.ranges.size();
@@ -62,8 +65,8 @@ class Worker {
     }
 
     void add_to(RangeTally* all) const {
-        if (reader_.error() != 0 && (all->error == 0 || unread_ < all->unread)) {
-            all->error = reader_.error();
+        if (error_ != 0 && (all->error == 0 || unread_ < all->unread)) {
+            all->error = error_;
             all->unread = unread_;
         }
         for (std::size_t row = 0; row < tally_.rows.size(); ++row) {
@@ -76,9 +79,21 @@ class Worker {
     }
 
   private:
+    /// Returns 0, or the errno when it could not be read on.
+    template <class Tell>
+    int count(const CanonicalQuery& query, int file, const Range& range, const Tell& tell) {
+        reader_.start_range(file, range.from, range.to);
+        for (std::string_view piece; reader_.next(&piece);) {
+            query.count(piece, &tally_);
+            tell(static_cast<off_t>(piece.size()));
+        }
+        return reader_.error();
+    }
+
     LogReader reader_;
     RecordTally tally_;
     std::size_t unread_ = 0;
+    int error_ = 0;
 };
 
 /// Starts a thread for each of the workers but the first, or for as many as can be had.
@@ -108,9 +123,7 @@ std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& wo
 
 RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                         off_t range_size, Progress* progress) {
-    const CanonicalQuery canonical(query);
-    const std::vector<Range> ranges = ranges_of(logs, range_size);
-    SharedWork work = {canonical, logs, ranges};
+    SharedWork work(query, logs, range_size);
     std::vector<std::unique_ptr<Worker>> workers;
     workers.reserve(static_cast<std::size_t>(threads));
     for (int i = 0; i < threads; ++i) workers.push_back(std::make_unique<Worker>());
@@ -120,6 +133,7 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     }
     if (work.out_of_memory) throw std::bad_alloc();
     RangeTally all;
+    for (SharedLog& log : work.logs) all.not_opened.push_back(log.error());
     for (const auto& worker : workers) worker->add_to(&all);
     return all;
 }

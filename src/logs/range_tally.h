@@ -2,9 +2,9 @@
 
 #include <sys/types.h>
 
+#include <string>
 #include <vector>
 
-#include "base/descriptor.h"
 #include "logs/log_reader.h"
 #include "logs/progress.h"
 #include "logs/record_rule.h"
@@ -12,16 +12,18 @@
 // Several threads count the records of several logs together: each takes the next range of bytes
 // that nobody has taken, and has its own reader and its own tally.
 
-/// A log that is open, and how long it was then.
+/// A log, and how long it was when somebody looked.
 struct LogToCount {
-    Descriptor file;
+    std::string path;
     off_t size = 0;
 };
 
-/// What was counted. Where a log could not be read on, its place among the logs and the errno;
-/// then nothing was counted that is of any use.
+/// What was counted. For each log 0, or the errno for which it could not be opened and was left
+/// out. Where one could not be read on, or not be opened for want of something, its place among the
+/// logs and the errno; then nothing was counted that is of any use.
 struct RangeTally {
     RecordTally tally;
+    std::vector<int> not_opened;
     std::size_t unread = 0;
     int error = 0;
 };

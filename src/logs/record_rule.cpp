@@ -12,7 +12,7 @@ namespace {
 /// A word as the markers and filters see it.
 class Record {
   public:
-    explicit Record(std::string_view word) : text_(c_text(word)) { STRING_LOWER(text_); }
+    explicit Record(std::string_view text) : text_(text) { STRING_LOWER(text_); }
 
     bool holds(std::string_view lower_case_text) const {
         return text_.find(lower_case_text) != std::string::npos;
@@ -68,8 +68,10 @@ RecordQuery record_query(int query, int edition, std::array<std::string, 4> filt
 
 void count_word(const RecordQuery& query, std::string_view word, RecordTally* tally) {
     tally->data_seen = true;
-    const Record record(word);
-    if (!record.holds(":") || !record.holds(">")) return;
+    const std::string_view text = c_text(word);
+    if (text.find(':') == std::string_view::npos || text.find('>') == std::string_view::npos)
+        return;
+    const Record record(text);
     const std::int64_t time = record.time();
     if (time > query.period.end_of_day_time) return;
     tally->earliest = std::min(tally->earliest, time);

@@ -11,6 +11,7 @@
 #include "base/commands.h"
 #include "base/filled.h"
 #include "base/process_end.h"
+#include "base/standard_streams.h"
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "dialog/self_test.h"
@@ -193,13 +194,33 @@ void refuse_duplicate(const Parameter& parameter, const Options& options) {
     gripe(filled(ERROR_39, parameter.letter));
 }
 
+/// The spellings that an operator may type, of parameters or of words, as a sentence lists them.
+std::string spellings(bool of_parameters) {
+    std::string list;
+    std::string last;
+    for (const KnownArgument& row : KNOWN_ARGUMENTS) {
+        const bool is_parameter = row.kind == ArgumentKind::PARAMETER;
+        if (row.for_installer || is_parameter != of_parameters) continue;
+        if (!last.empty()) list.append(list.empty() ? "" : ", ").append(last);
+        last = row.spelling;
+    }
+    return list + " and " + last;
+}
+
+[[noreturn]] void refuse_unknown(const std::string& argument) {
+    if (argument.starts_with('-')) {
+        note(filled(ARGUMENTS_THERE_ARE, spellings(false).c_str(), spellings(true).c_str(), SELF));
+    }
+    gripe(filled(ERROR_46, argument.c_str()));
+}
+
 void take_parameter(const std::string& argument, Options* options) {
-    if (argument.size() < 2 || argument[1] != '=') gripe(filled(ERROR_46, argument.c_str()));
+    if (argument.size() < 2 || argument[1] != '=') refuse_unknown(argument);
     if (argument.size() == 2) gripe(filled(ERROR_40, argument.c_str()));
     const auto* parameter =
         std::find_if(PARAMETERS.begin(), PARAMETERS.end(),
                      [&](const Parameter& row) { return row.letter == argument[0]; });
-    if (parameter == PARAMETERS.end()) gripe(filled(ERROR_46, argument.c_str()));
+    if (parameter == PARAMETERS.end()) refuse_unknown(argument);
     refuse_duplicate(*parameter, *options);
     parameter->take({argument, argument.substr(2)}, options);
     if (parameter->taken_flag != SETS_ITS_OWN_FLAG) options->*parameter->taken_flag = true;

@@ -148,6 +148,10 @@ inline constexpr KeyTexts FULL_KEY_TEXTS = {"There are no commands keys to view.
                                             "Select one key to view/change/delete:", "Command Key"};
 inline constexpr KeyTexts LITE_KEY_TEXTS = {"There are no CPDS to view...",
                                             "Select one CPD to view/change/delete:", "CPD"};
+/// On standard error. Keys that the list leaves out, keys of the file, file.
+inline constexpr char KEYS_NOT_OFFERED[] =
+    "%td of %td keys in (%s) are not offered: a line after the 127th significant one cannot be "
+    "addressed.";
 /// Index, beginning of the key.
 inline constexpr char KEY_ENTRY[] = "%03d %s";
 /// KeyTexts' noun, index, key.

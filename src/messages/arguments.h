@@ -5,39 +5,42 @@
 
 #include "messages/command_line_texts.h"
 
-/// Where an argument may stand.
-enum class ArgumentPlace {
-    /// Alone on the command line.
-    ALONE,
-    /// Among the others.
-    ANYWHERE
+enum class ArgumentKind {
+    /// A word that stands alone on the command line.
+    OPTION,
+    /// A word that stands among the others.
+    SWITCH,
+    /// A letter with its value.
+    PARAMETER
 };
 
 struct KnownArgument {
     /// An option's word, or a parameter's letter with its '='.
     std::string_view spelling;
-    ArgumentPlace place;
-    /// Documented, but not offered to somebody who is typing.
-    bool hidden;
+    ArgumentKind kind;
+    /// For Gatewarden's installer: documented, but not offered to an operator who is typing.
+    bool for_installer;
+    /// What it does, in some words.
+    std::string_view meaning;
 };
 
 /// Every argument that the command line takes. The parser, the manual and the completion are held
 /// against this table.
 inline constexpr std::array<KnownArgument, 16> KNOWN_ARGUMENTS = {{
-    {ARG_VER, ArgumentPlace::ALONE, false},
-    {ARG_HELP, ArgumentPlace::ALONE, false},
-    {ARG_GENERAL_TEST, ArgumentPlace::ALONE, true},
-    {ARG_KUDOS, ArgumentPlace::ALONE, true},
-    {ARG_IDENTIFY, ArgumentPlace::ALONE, true},
-    {ARG_DATA_GEN, ArgumentPlace::ANYWHERE, true},
-    {ARG_DURING_INSTALL, ArgumentPlace::ANYWHERE, true},
-    {"F=", ArgumentPlace::ANYWHERE, false},
-    {"Q=", ArgumentPlace::ANYWHERE, false},
-    {"A=", ArgumentPlace::ANYWHERE, false},
-    {"C=", ArgumentPlace::ANYWHERE, false},
-    {"U=", ArgumentPlace::ANYWHERE, false},
-    {"K=", ArgumentPlace::ANYWHERE, false},
-    {"B=", ArgumentPlace::ANYWHERE, false},
-    {"D=", ArgumentPlace::ANYWHERE, false},
-    {"R=", ArgumentPlace::ANYWHERE, false},
+    {ARG_VER, ArgumentKind::OPTION, false, "show the version"},
+    {ARG_HELP, ArgumentKind::OPTION, false, "show the usage"},
+    {ARG_GENERAL_TEST, ArgumentKind::OPTION, false, "try every kind of dialog"},
+    {ARG_KUDOS, ArgumentKind::OPTION, false, "show whom the program is for"},
+    {ARG_IDENTIFY, ArgumentKind::OPTION, true, "do nothing, successfully"},
+    {ARG_DATA_GEN, ArgumentKind::SWITCH, false, "add invented records to the logs"},
+    {ARG_DURING_INSTALL, ArgumentKind::SWITCH, true, "show what an installation needs"},
+    {"F=", ArgumentKind::PARAMETER, false, "gatebits file"},
+    {"Q=", ArgumentKind::PARAMETER, false, "query to run"},
+    {"A=", ArgumentKind::PARAMETER, false, "action to run"},
+    {"C=", ArgumentKind::PARAMETER, false, "command to count"},
+    {"U=", ArgumentKind::PARAMETER, false, "user to count"},
+    {"K=", ArgumentKind::PARAMETER, false, "command key to count"},
+    {"B=", ArgumentKind::PARAMETER, false, "functionality bit to count"},
+    {"D=", ArgumentKind::PARAMETER, false, "show the page in a browser"},
+    {"R=", ArgumentKind::PARAMETER, false, "come back with the menu"},
 }};

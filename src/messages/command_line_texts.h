@@ -73,6 +73,9 @@ inline constexpr char ERROR_48[] =
 inline constexpr char ERROR_49[] =
     "ERROR: Repeat parameter (%s) invalid.  Repeat must be set to 'y' or 'n'. Default is 'y'";
 
+/// For standard error: the options, the parameters, the program.
+inline constexpr char ARGUMENTS_THERE_ARE[] = "the options are %s, the parameters %s; see %s(1)";
+
 inline constexpr char WARN_00[] =
     "\n\nDo you wish to Create a New gatebits file or open an existing one? \n\n"
     "Yes (New)          No (Existing)           Abort";

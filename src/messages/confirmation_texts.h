@@ -41,10 +41,10 @@ inline constexpr char CLEARS_PARENT[] =
 inline constexpr char CLEARS_NOTIFY[] =
     "\n\nWarning:  Clearing the (%s) will also clear the (%s Region Notify Program) currently set "
     "to '%s'...";
-/// Logging letter: a NUL, and nothing after it, when the field is empty.
+/// Logging letter; empty when the field is.
 inline constexpr char CLEARS_LOGGING[] =
     "\n\nWarning:  This would result in both UNIX and Windows depots being cleared and so 'Region "
-    "Logging' would also get set from '%c' to 'O'ff...";
+    "Logging' would also get set from '%s' to 'O'ff...";
 /// The other OS, this OS.
 inline constexpr char DEPOT_NOT_VERIFIED[] =
     "\n\nWarning:  Actual directory verification of the '%s Policy Depot' not performed from the "

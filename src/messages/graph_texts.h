@@ -11,6 +11,7 @@ inline constexpr char CANNOT_WRITE_PAGE[] =
     "ERROR: The results file (%s) could not be written (%s).  %s\n";
 inline constexpr char HAS_ANOTHER_NAME[] = "it has another name";
 inline constexpr char LOCK_IS_KEPT[] = "Another process keeps its lock";
+inline constexpr char NAMES_ARE_TAKEN[] = "Other queries have its name";
 inline constexpr char PAGE_IS_AS_BEFORE[] = "It is as it was before this query.";
 inline constexpr char PAGE_IS_INCOMPLETE[] = "What it holds of this query is incomplete.";
 

@@ -41,24 +41,21 @@ inline constexpr char TOKEN_TEXT[] = "pruning records before:\n   %s\n";
 inline constexpr char PRUNED_BY_ANOTHER[] =
     "ERROR: The logs of the Gatewarden Region (%s) are being pruned by another process.  Nothing "
     "was changed.";
-/// What was to be done, file, the system's reason.
-inline constexpr char PRUNING_STOPPED[] =
-    "ERROR: Pruning stopped, because it could not %s (%s): %s.  No record is lost.  As long as the "
-    "pruning token stands, log writers go on into companion files, which no query reads; a pruning "
-    "that ends well brings their records back.";
+/// On standard error. Token.
+inline constexpr char TOKEN_STANDS[] =
+    "The pruning token (%s) stays.  As long as it stands, log writers go on into companion files, "
+    "which no query reads; a pruning that ends well brings their records back.";
 /// Log or companion, reason.
 inline constexpr char LOG_LEFT_ALONE[] = "The log file (%s) was left as it is: %s.";
 /// Left-over, reason.
 inline constexpr char LEFT_OVER_STAYS[] =
     "The next pruning adds to its log what is left in (%s): %s.";
-/// Log, reason.
-inline constexpr char LATE_RECORDS_LOST[] =
-    "Records that somebody adds to the old file of the log (%s) may be lost: %s.";
-inline constexpr char LINK_OF_SOMEBODY_ELSE[] = "The link to it belongs to somebody else";
-inline constexpr char COMPANION_OF_ITSELF[] = "It is its own companion";
-inline constexpr char LOG_IS_LOCKED[] = "Another process is pruning it";
+inline constexpr char IS_A_SYMBOLIC_LINK[] =
+    "It is a symbolic link, and only the directory of the logs may be one; to keep them elsewhere, "
+    "set the relocated logging directory (A24)";
 inline constexpr char REPLACED_MEANWHILE[] = "Another file took its place";
 inline constexpr char KEPT_OPEN[] = "Somebody keeps it open for writing";
+inline constexpr char LATE_RECORDS[] = "Records were added while it was pruned";
 
 /// Token, the system's reason.
 inline constexpr char TOKEN_STAYS[] =

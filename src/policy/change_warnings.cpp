@@ -41,8 +41,8 @@ std::string warning_of_cleared_logging(const std::string& gatebits_file, const N
     std::string logging;
     if (!get_a_field(gatebits_file, DEPOT_LINE, other_field(depot.field), &other_depot)) return "";
     if (!get_a_field(gatebits_file, HEADER_LINE, 3, &logging)) return "";
-    if (!other_depot.empty() || logging.c_str()[0] == 'O') return "";
-    return filled(CLEARS_LOGGING, logging.c_str()[0]);
+    if (!other_depot.empty() || logging.starts_with('O')) return "";
+    return filled(CLEARS_LOGGING, logging.substr(0, 1).c_str());
 }
 
 /// Whether the new value is a path that cannot be looked at from here.

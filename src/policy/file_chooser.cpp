@@ -10,19 +10,24 @@
 
 namespace {
 
-/// CLEARPROMPT, result file, default option, directory option, directory option again: the prompt
-/// has always shown the directory option, and the caller's text has no place here.
+/// CLEARPROMPT, result file, default option, directory option, its text: the prompt has always
+/// shown the directory option, and the caller's text has no place here.
 constexpr char CLEARPROMPT_NAVIGATE_PATH[] =
     "%s file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
-/// Quoted directory.
+/// Quoted directory; in the option's text the quotes are the option's own.
 constexpr char DIRECTORY_OPTION[] = "-directory %s";
+constexpr char DIRECTORY_OPTION_TEXT[] = "-directory \"%s\"";
 
-/// The option that makes the dialog start where the gatebits file in use is; a blank when that is
-/// not known.
-std::string directory_option(const std::string& file) {
-    const auto slash = file.rfind('/');
-    if (slash == std::string::npos) return " ";
-    return filled(DIRECTORY_OPTION, quoted(file.substr(0, slash + 1)).c_str());
+/// The option that makes the dialog start in a directory, and its text; blanks for an empty one.
+struct DirectoryOption {
+    std::string option = " ";
+    std::string text = " ";
+};
+
+DirectoryOption directory_option(const std::string& directory) {
+    if (directory.empty()) return {};
+    return {filled(DIRECTORY_OPTION, quoted(directory).c_str()),
+            filled(DIRECTORY_OPTION_TEXT, directory.c_str())};
 }
 
 }  // namespace
@@ -30,10 +35,11 @@ std::string directory_option(const std::string& file) {
 std::optional<std::string> select_cb_file(const std::string& file_in_use,
                                           const std::string& prompt_text) {
     const std::string DEF_OR_NO = " ";
-    const std::string DIR_OR_NO = directory_option(file_in_use);
+    const DirectoryOption DIR_OR_NO =
+        directory_option(file_in_use.substr(0, file_in_use.rfind('/') + 1));
     const AnswerFile answer(t_file_name());
     run_dialog(filled(CLEARPROMPT_NAVIGATE_PATH, CLEARPROMPT, quoted(answer.path()).c_str(),
-                      DEF_OR_NO.c_str(), DIR_OR_NO.c_str(), quoted(DIR_OR_NO).c_str()),
+                      DEF_OR_NO.c_str(), DIR_OR_NO.option.c_str(), quoted(DIR_OR_NO.text).c_str()),
                prompt_text, NOT_ASKED_SO_CANCELLED);
     std::string POSSIBLE_FILE = words_joined(answer.content().value_or(""));
     if (POSSIBLE_FILE.empty()) return std::nullopt;

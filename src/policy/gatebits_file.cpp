@@ -95,13 +95,14 @@ const std::string* line_numbered(int n, const std::vector<std::string>& lines) {
     return nullptr;
 }
 
-/// Every line that the counter gives the number: there is a second one in files that are long
-/// enough for it to start over.
+/// The line that a reader finds under the number, and no other: where the counter starts over, the
+/// number comes again.
 void replace_line(int n, const std::string& replacement, std::vector<std::string>* lines) {
     LineCounter counter;
-    for (std::string& line : *lines) {
-        if (counter.counts_as(n, line)) line = replacement;
-    }
+    const auto line = std::find_if(lines->begin(), lines->end(), [&](const std::string& one) {
+        return counter.counts_as(n, one);
+    });
+    if (line != lines->end()) *line = replacement;
 }
 
 /// The value of field f of significant line n; empty when there is none.

@@ -77,7 +77,8 @@ std::string_view without_leading_blanks(std::string_view line);
 bool is_significant(std::string_view line);
 
 /// Counts significant lines in eight signed bits: after the 127th the numbers turn negative and
-/// start over, so higher ones address nothing. Long files depend on it.
+/// start over, so higher ones address nothing, and in long files a number comes again: the line
+/// that it addresses is the first one.
 class LineCounter {
   public:
     /// Counts `line` when it is significant; the result says whether it is and has number n.

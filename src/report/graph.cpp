@@ -16,10 +16,35 @@ constexpr char PAGE_FILE_NAME[] = "%04d%02d%02d_%02d%02d%02d_Q%02d.html";
 /// Directory, delimiter, name.
 constexpr char PAGE_FILE_PATH[] = "%s%c%s";
 
-/// The page's file is named after the moment of its query.
-std::string page_name(const RecordQuery& asked) {
-    const auto [second, minute, hour, day, month, year] = asked.period.last_query_time;
-    return filled(PAGE_FILE_NAME, year + 1900, month + 1, day, hour, minute, second, asked.query);
+/// Second, minute, hour, day, month and year, as a QueryPeriod has them.
+using Moment = decltype(QueryPeriod::last_query_time);
+
+/// The page of a query of that moment.
+StoredPage page_of(int query, const Moment& moment, const std::string& results_dir) {
+    const auto [second, minute, hour, day, month, year] = moment;
+    const std::string name =
+        filled(PAGE_FILE_NAME, year + 1900, month + 1, day, hour, minute, second, query);
+    return {filled(PAGE_FILE_PATH, results_dir.c_str(), DIR_DELIMETER, name.c_str()), name};
+}
+
+/// Stores the text of a page in a file that is named after the moment of its query. A page of the
+/// same second and query is added to, so nothing that was reported gets lost.
+StoredPage store_page(const RecordQuery& asked, const std::string& results_dir,
+                      const std::string& text) {
+    StoredPage page = page_of(asked.query, asked.period.last_query_time, results_dir);
+    append_page(page.path, text);
+    return page;
+}
+
+/// The same for a page that numbers go with, which are its own: it gets a second of its own too.
+StoredPage store_page_of_numbers(const RecordQuery& asked, const std::string& results_dir,
+                                 const std::string& text) {
+    StoredPage page = page_of(asked.query, asked.period.last_query_time, results_dir);
+    create_page(page.path, text, [&] {
+        page = page_of(asked.query, set_time_values().last_query_time, results_dir);
+        return page.path;
+    });
+    return page;
 }
 
 void write_page(const QueryGraph& graph, Page* page) {
@@ -43,13 +68,11 @@ void write_page(const QueryGraph& graph, Page* page) {
 }  // namespace
 
 void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display) {
-    const std::string name = page_name(graph.result.asked);
-    const std::string path =
-        filled(PAGE_FILE_PATH, region.results_dir.c_str(), DIR_DELIMETER, name.c_str());
     Page page(graph.graph_title);
     write_page(graph, &page);
-    // A page of the same second and query is added to, so nothing that was reported gets lost.
-    append_page(path, page.text());
-    if (csv_is_wanted()) store_csv(csv_path(path), csv_of(graph.result, graph.key_lines));
-    display_page({path, name}, region, display);
+    const bool with_numbers = csv_is_wanted();
+    const StoredPage stored = (with_numbers ? store_page_of_numbers : store_page)(
+        graph.result.asked, region.results_dir, page.text());
+    if (with_numbers) store_csv(csv_path(stored.path), csv_of(graph.result, graph.key_lines));
+    display_page(stored, region, display);
 }

@@ -35,12 +35,15 @@ struct PageFile {
     bool is_locked = false;
 };
 
+/// Whether a page may be added to those in a file that is there.
+enum class Share { WITH_OTHERS, WITH_NONE };
+
 /// The file, or none with errno set.
-PageFile open_page(const std::string& path) {
+PageFile open_page(const std::string& path, Share share) {
     constexpr int HOW = O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     for (int tries = 0; tries < MOST_TRIES; ++tries) {
         Descriptor made(open(path.c_str(), HOW | O_CREAT | O_EXCL, 0666));
-        if (made || errno != EEXIST) return {std::move(made), true};
+        if (made || errno != EEXIST || share == Share::WITH_NONE) return {std::move(made), true};
         Descriptor found(open(path.c_str(), HOW));
         if (found || errno != ENOENT) return {std::move(found), false};
     }
@@ -48,7 +51,7 @@ PageFile open_page(const std::string& path) {
 }
 
 /// What came of a try to append a page.
-enum class Tried { DONE, TRY_AGAIN, NOT_OPENED, NOT_WRITTEN };
+enum class Tried { DONE, TRY_AGAIN, NAME_IS_TAKEN, NOT_OPENED, NOT_WRITTEN };
 
 struct Try {
     Tried end;
@@ -74,9 +77,10 @@ bool take_back(const PageFile& page, off_t size, const std::string& path) {
 }
 
 /// No signal may leave half a page, or one without anything in it.
-Try try_to_append(const std::string& path, const std::string& text) {
+Try try_to_append(const std::string& path, const std::string& text, Share share) {
     const SignalsHeld held;
-    PageFile page = open_page(path);
+    PageFile page = open_page(path, share);
+    if (!page.file && errno == EEXIST) return {Tried::NAME_IS_TAKEN};
     if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
     page.is_locked = flock(page.file.get(), LOCK_EX | LOCK_NB) == 0;
     if (!page.is_locked && (errno == EWOULDBLOCK || errno == EINTR)) return {Tried::TRY_AGAIN};
@@ -110,10 +114,25 @@ Try try_to_append(const std::string& path, const std::string& text) {
 void append_page(const std::string& path, const std::string& page,
                  std::chrono::milliseconds patience) {
     const auto end = Clock::now() + patience;
-    Try one = try_to_append(path, page);
-    for (; one.end == Tried::TRY_AGAIN; one = try_to_append(path, page)) {
+    Try one = try_to_append(path, page, Share::WITH_OTHERS);
+    for (; one.end == Tried::TRY_AGAIN; one = try_to_append(path, page, Share::WITH_OTHERS)) {
         if (Clock::now() >= end) tell({Tried::NOT_WRITTEN, LOCK_IS_KEPT}, path);
         std::this_thread::sleep_for(PAUSE);
+    }
+    if (one.end != Tried::DONE) tell(one, path);
+}
+
+void create_page(std::string path, const std::string& page,
+                 const std::function<std::string()>& next_path,
+                 std::chrono::milliseconds patience) {
+    const auto end = Clock::now() + patience;
+    Try one = try_to_append(path, page, Share::WITH_NONE);
+    // A file that another page was quicker to lock is that one's.
+    while (one.end == Tried::NAME_IS_TAKEN || one.end == Tried::TRY_AGAIN) {
+        if (Clock::now() >= end) tell({Tried::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
+        std::this_thread::sleep_for(PAUSE);
+        path = next_path();
+        one = try_to_append(path, page, Share::WITH_NONE);
     }
     if (one.end != Tried::DONE) tell(one, path);
 }

@@ -82,6 +82,18 @@ Words commands(const std::string& prefix = "") {
     return words;
 }
 
+/// All that an operator may type first: parameters, switches, options.
+Words all_arguments() {
+    Words words;
+    for (const auto kind : {ArgumentKind::PARAMETER, ArgumentKind::SWITCH, ArgumentKind::OPTION}) {
+        for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
+            if (argument.kind != kind || argument.for_installer) continue;
+            words.emplace_back(argument.spelling);
+        }
+    }
+    return words;
+}
+
 Words with(Words words, const std::string& last) {
     words.push_back(last);
     return words;
@@ -89,20 +101,15 @@ Words with(Words words, const std::string& last) {
 
 }  // namespace
 
-TEST(Completion, OffersEveryArgumentThatIsNotHiddenAtTheStart) {
-    Words wanted;
-    for (const auto place : {ArgumentPlace::ANYWHERE, ArgumentPlace::ALONE}) {
-        for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
-            if (argument.hidden || argument.place != place) continue;
-            wanted.emplace_back(argument.spelling);
-        }
-    }
-    EXPECT_EQ(offered("gatescope "), wanted);
+TEST(Completion, OffersEveryArgumentOfAnOperatorAtTheStart) {
+    EXPECT_EQ(offered("gatescope "), all_arguments());
 }
 
 TEST(Completion, OffersOptionsOnlyAsTheFirstArgument) {
-    EXPECT_EQ(offered("gatescope -"), (Words{"-ver", "-help"}));
-    EXPECT_EQ(offered("gatescope Q=1 -"), Words{});
+    EXPECT_EQ(offered("gatescope -"),
+              (Words{"-data_gen", "-ver", "-help", "-general_test", "-kudos"}));
+    EXPECT_EQ(offered("gatescope Q=1 -"), Words{"-data_gen"});
+    EXPECT_EQ(offered("gatescope -data_gen -"), Words{});
 }
 
 TEST(Completion, OffersNothingAfterAnOption) {
@@ -180,7 +187,7 @@ TEST(Completion, OffersUsersOfTheMachine) {
 
 TEST(Completion, OffersNoParameterTwice) {
     const Words offers = offered("gatescope F=a C=lock ");
-    EXPECT_EQ(offers, (Words{"Q=", "A=", "U=", "K=", "B=", "D=", "R="}));
+    EXPECT_EQ(offers, (Words{"Q=", "A=", "U=", "K=", "B=", "D=", "R=", "-data_gen"}));
 }
 
 TEST(Completion, OffersNoActionBesideAQuery) {

@@ -1,16 +1,21 @@
 #!/usr/bin/env bash
-# Presses Tab in an interactive bash in a terminal (tmux); 77 where there is no tmux.
+# Presses Tab in an interactive shell in a terminal (tmux): terminal.sh SHELL COMPLETIONS WORK. The
+# completions stand below COMPLETIONS as they are installed below the directory of shared data. 77
+# where there is no such shell or no tmux.
 set -eu
-script=$1
-work=$2
-command -v tmux >/dev/null || {
-    echo "SKIPPED: tmux is not installed" >&2
-    exit 77
-}
+shell=$1
+completions=$2
+work=$3
+for program in tmux "$shell"; do
+    command -v "$program" >/dev/null || {
+        echo "SKIPPED: $program is not installed" >&2
+        exit 77
+    }
+done
 rm -rf "$work"
 # What the shell remembers, and how somebody likes it, is not the test's affair.
-unset HISTFILE INPUTRC
-export HOME=$work/home
+unset HISTFILE INPUTRC XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
+export HOME=$work/home TMPDIR=$work
 mkdir -p "$HOME"
 cd "$work"
 touch "gatebits.txt" "gate keeper.txt"
@@ -22,22 +27,57 @@ printf '<%s>' "$@"
 printf '\n'
 PROGRAM
 chmod +x gatescope
-cat >rc <<RC
+
+# How the shell is started, what it shows for an action and its title, and how often Tab has to be
+# pressed for that.
+titled='13 - View/Change Region MOTD String'
+tabs_for_a_list=(TAB)
+case $shell in
+    bash)
+        cat >rc <<RC
 PS1='ready> '
 PATH=$work:\$PATH
 bind 'set enable-bracketed-paste off'
 bind 'set completion-query-items 1000'
 bind 'set page-completions off'
 bind 'set bell-style none'
-source '$script'
+source '$completions/bash-completion/completions/gatescope'
 RC
+        start="bash --noprofile --rcfile '$work/rc' -i"
+        tabs_for_a_list=(TAB TAB)
+        ;;
+    zsh)
+        cat >.zshrc <<RC
+PS1='ready> '
+path=('$work' \$path)
+fpath=('$completions/zsh/site-functions' \$fpath)
+LISTMAX=1000
+setopt no_beep
+autoload -Uz compinit
+compinit -u -D
+RC
+        start="env ZDOTDIR='$work' zsh --no-global-rcs -i"
+        titled='13  -- View/Change Region MOTD String'
+        ;;
+    fish)
+        mkdir -p "$HOME/.config/fish"
+        cat >"$HOME/.config/fish/config.fish" <<RC
+function fish_prompt; echo 'ready> '; end
+set --global fish_greeting
+set --global fish_autosuggestion_enabled 0
+set --global --export PATH '$work' \$PATH
+RC
+        start="env XDG_DATA_DIRS='$completions:/usr/share' fish"
+        titled='(View/Change Region MOTD String)'
+        ;;
+esac
 
 terminal=gatescope-completion-$$
 in_tmux() {
     tmux -L "$terminal" -f /dev/null "$@"
 }
 trap 'in_tmux kill-server 2>/dev/null || true' EXIT
-in_tmux new-session -d -x 160 -y 100 "cd '$work' && exec bash --noprofile --rcfile '$work/rc' -i" 2>/dev/null ||
+in_tmux new-session -d -x 160 -y 100 "cd '$work' && exec $start" 2>/dev/null ||
     { echo "SKIPPED: tmux cannot start a session" >&2; exit 77; }
 
 screen() {
@@ -82,9 +122,9 @@ expect_got '<C=checkin><K=*>'
 type_keys 'gatescope -v' TAB
 expect_got '<-ver>'
 
-type_keys 'gatescope A=1' TAB TAB
-expect '13 - View/Change Region MOTD String'
-expect '1 - Prune Log Files'
+type_keys 'gatescope A=1' "${tabs_for_a_list[@]}"
+expect "$titled"
+expect 'Prune Log Files'
 in_tmux send-keys -l '3'
 in_tmux send-keys Tab
 expect_got '<A=13>'

@@ -75,7 +75,7 @@ def ends_well(pruning):
     assert b" log entries were removed" in shown, shown
 
 
-def ends_by_an_error(pruning):
+def leaves_the_log_alone(pruning):
     """Not a byte may be written when it comes to a record that is kept, one of which is ahead."""
     done = pruning.megabytes_done()
     resource.prlimit(pruning.program.pid, resource.RLIMIT_FSIZE, (0, 0))
@@ -84,8 +84,9 @@ def ends_by_an_error(pruning):
             log.seek((done + distance) * 1000000)
             log.write(b"\n%d:S:kept\n" % time.time())
     status, shown = pruning.end()
-    assert status == 99, (status, shown)
-    assert re.match(rb"\r +\rERROR: ", shown), shown
+    assert status == 110, (status, shown)
+    assert re.match(rb"\r +\rgatescope: The log file \(", shown), shown
+    assert b"pruning_.txt: File too large." in shown, shown
 
 
 def ends_by_a_signal(pruning):
@@ -98,7 +99,7 @@ def ends_by_a_signal(pruning):
 
 def main():
     gatescope = os.path.abspath(sys.argv[1])
-    for way in (ends_well, ends_by_an_error, ends_by_a_signal):
+    for way in (ends_well, leaves_the_log_alone, ends_by_a_signal):
         with tempfile.TemporaryDirectory() as directory:
             way(Pruning(gatescope, directory))
     print("ok")

@@ -108,9 +108,22 @@ TEST_F(StrictQuoting, WithoutItTheShellActsOnTheText) {
         const Args got = received_by(
             [&] { advise_wait("a $(echo b; touch " + trace + ") \\\\ c"); }, wish, true);
         ASSERT_FALSE(got.empty());
-        EXPECT_EQ(got.back(), "a b \\ c");
+        EXPECT_EQ(got.back(), "a b \\\\ c");
         EXPECT_TRUE(something_was_executed());
         unlink(trace.c_str());
+    }
+}
+
+TEST_F(StrictQuoting, WithoutItBackslashesArriveAsTheyAreGivenAllTheSame) {
+    for (const std::string text : {R"(\\machine\new \\\ '\' a \)", R"(\)", R"(C:\)", R"(\\)"}) {
+        for (const Kind& kind : KINDS) {
+            const Args got = received_by(kind, text, nullptr);
+            const auto whole = [&](const std::string& argument) {
+                return argument == text || argument.starts_with(text + "\\n -- File has");
+            };
+            EXPECT_EQ(std::count_if(got.begin(), got.end(), whole), kind.times)
+                << kind.name << " of " << text;
+        }
     }
 }
 

@@ -55,7 +55,7 @@ void write_answer(const std::string& path, const std::string& answer) {
     throw ProcessEnded{status};
 }
 
-int run_in_shell(const std::string& command) {
+int run_in_shell(const std::string& command, const char* /*program*/) {
     last_command = command;
     must(++dialogs < MANY_DIALOGS, "an end to the dialogs");
     const bool is_dialog = command.starts_with("clearprompt");

@@ -10,7 +10,7 @@
 #include "fuzz/disk_calls.h"
 #include "fuzz/fuzz_world.h"
 #include "fuzz/pruned_region.h"
-#include "logs/pruning.h"
+#include "pruning/pruning.h"
 
 namespace {
 

@@ -1,6 +1,10 @@
 #!/usr/bin/env bash
-# Every formatter that is here renders both pages without a warning; 77 when there is none.
+# Every formatter that is here renders all pages of a directory without a warning, under the program's
+# name and the version given, and with no quote inside another; 77 when there is none.
+#   render.sh DIRECTORY VERSION
 set -u
+directory=$1
+version=$2
 tried=0
 faults=0
 
@@ -24,12 +28,36 @@ lint() {
     fi
 }
 
-for page in "$1/gatescope.1" "$1/gatescope-files.5"; do
-    if command -v mandoc >/dev/null; then lint "$page"; fi
-    if command -v groff >/dev/null; then quiet groff -ww -mdoc -Tutf8 -z "$page"; fi
+# Looks at a page as text: rendered PAGE FORMATTER...
+rendered() {
+    local page=$1 text
+    shift
+    text=$("$@" "$page" | sed 's/.\x08//g')
+    for wrong in BSD "’’"; do
+        if grep -n -e "$wrong" <<<"$text"; then
+            echo "FAILED: $page by $1 holds '$wrong', see above" >&2
+            faults=$((faults + 1))
+        fi
+    done
+    if ! tail -n 1 <<<"$text" | grep -q "^gatescope $version "; then
+        echo "FAILED: $page by $1 ends with: $(tail -n 1 <<<"$text")" >&2
+        faults=$((faults + 1))
+    fi
+}
+export LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80
+
+for page in "$directory"/*.[1-8]; do
+    if command -v mandoc >/dev/null; then
+        lint "$page"
+        rendered "$page" mandoc -T utf8
+    fi
+    if command -v groff >/dev/null; then
+        quiet groff -ww -mdoc -Tutf8 -z "$page"
+        rendered "$page" groff -mdoc -Tutf8 -P -c
+    fi
     if man --version >/dev/null 2>&1; then
-        LC_ALL=C.UTF-8 MANROFFSEQ='' MANWIDTH=80 \
-            quiet man --warnings -E UTF-8 -l -Tutf8 -Z "$page"
+        quiet man --warnings -E UTF-8 -l -Tutf8 -Z "$page"
+        rendered "$page" man -E UTF-8 -l -P cat
     fi
 done
 if [ "$tried" -eq 0 ]; then

@@ -29,6 +29,17 @@ needs() {
     done
 }
 
+# Fails when zsh or fish, where it is here, looks for completions in no directory "$2".
+expect_looked_at() {
+    local places
+    command -v "$1" >/dev/null || return 0
+    case $1 in
+        zsh) places=$(zsh -f -c 'print -l $fpath') ;;
+        fish) places=$(HOME=$work XDG_DATA_DIRS='' fish -c 'printf "%s\n" $fish_complete_path') ;;
+    esac
+    grep -qxF -- "$2" <<<"$places" || fail "$1 does not look at $2"
+}
+
 # The program of the directory "$1", without dialogs and with nothing of the caller's.
 run_program() {
     env -i PATH=/usr/bin:/bin CLEARCASE_USER=op ZUL_PREFER_NO_GUI=yes "$@"
@@ -69,6 +80,15 @@ expect_hidden_names() {
         done
     done
     rm "$work/searched"
+}
+
+# Fails when the program "$1" of a package holds what is for debuggers, or is not as it should be.
+expect_packaged() {
+    local sections
+    sections=$(readelf --sections --wide "$1")
+    case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
+    expect_hardened "$1"
+    expect_hidden_names "$1"
 }
 
 # Fails unless the program "$1" is as hard to misuse as the distributions want theirs: loaded

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The example for cron: every line is one that cron reads, and the command of its job, run as cron
-# runs it, makes the page and is silent about its status.
+# runs it, makes the page and prints nothing, so that no mail is sent.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 
@@ -21,7 +21,7 @@ as_cron() {
         >"$work/output" 2>&1 </dev/null
 }
 as_cron "$command" || fail "the job ends with $?: $(cat "$work/output")"
-if grep -q 'made no page' "$work/output"; then fail "$(cat "$work/output")"; fi
+[ ! -s "$work/output" ] || fail "a job that went well has something to say: $(cat "$work/output")"
 expect_one_page
 
 # The same by the lines that the page on jobs gives for a script.
@@ -44,3 +44,15 @@ rm "$work/east/gatebits.txt"
 as_cron "$command" || true
 grep -q 'gatescope made no page; its status is 1$' "$work/output" ||
     fail "a job without a policy file does not say that it failed: $(cat "$work/output")"
+
+# What gatescope itself says of a failure comes along, and so does a log that it could not read,
+# though the page was made.
+as_cron "$(printf '%s\n' "$command" | sed 's/ Q=1/ Q=9/')" || true
+grep -q '^ERROR: Query parameter (Q=9) invalid' "$work/output" ||
+    fail "a job that fails keeps to itself what gatescope said: $(cat "$work/output")"
+make_region
+mkdir "$work/east/log/logging_3.txt"
+as_cron "$command" || fail "the job ends with $?"
+grep -q 'logging_3.txt' "$work/output" ||
+    fail "a log that could not be read is not told: $(cat "$work/output")"
+! grep -q '_Q01.html' "$work/output" || fail "a page that was made is told: $(cat "$work/output")"

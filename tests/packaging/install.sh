@@ -20,27 +20,31 @@ contents >"$work/before"
 (umask 077 && cmake --install "$build" --prefix /opt/tools) >"$work/install.log"
 prefix=$root/opt/tools
 for file in bin/gatescope share/man/man1/gatescope.1 share/man/man5/gatescope-files.5 \
-    share/bash-completion/completions/gatescope share/doc/gatescope/README.md \
+    share/bash-completion/completions/gatescope share/zsh/site-functions/_gatescope \
+    share/fish/vendor_completions.d/gatescope.fish share/doc/gatescope/README.md \
     share/doc/gatescope/CHANGELOG.md share/doc/gatescope/docs/architecture.md \
     share/doc/gatescope/docs/scheduled-jobs.md share/doc/gatescope/examples/gatebits.txt \
     share/doc/gatescope/examples/gatescope.cron \
-    share/doc/gatescope/examples/systemd/gatescope-report.service \
-    share/doc/gatescope/examples/systemd/gatescope-report.timer; do
+    share/doc/gatescope/examples/systemd/gatescope-report@.service \
+    share/doc/gatescope/examples/systemd/gatescope-report@.timer; do
     [ -s "$prefix/$file" ] || fail "$file was not installed"
 done
 grep -qx 'ExecStart=/opt/tools/bin/gatescope Q=1 .*' \
-    "$prefix/share/doc/gatescope/examples/systemd/gatescope-report.service" ||
+    "$prefix/share/doc/gatescope/examples/systemd/gatescope-report@.service" ||
     fail "the service does not start what was installed"
-[ -x "$prefix/bin/gatescope" ] || fail "the program cannot be executed"
+for file in bin/gatescope share/doc/gatescope/examples/gatescope-metrics; do
+    [ -x "$prefix/$file" ] || fail "$file cannot be executed"
+done
 for page in README.md CONTRIBUTING.md SECURITY.md; do
     for link in $(grep -oE '\]\([^):]+\)' "$prefix/share/doc/gatescope/$page" | tr -d ']()'); do
         [ -e "$prefix/share/doc/gatescope/${link%#*}" ] ||
             fail "$page leads to $link, which is not there"
     done
 done
-closed=$(find "$prefix/share/doc/gatescope" "$prefix/share/bash-completion" ! -perm -044)
+closed=$(find "$prefix/share" ! -perm -044)
 [ -z "$closed" ] || fail "not readable for all: $closed"
 extra=$(find "$prefix" \( -name '*clearprompt*' -o -name 'fill_templates*' -o -name '*.in' \))
+expect_looked_at zsh /usr/local/share/zsh/site-functions
 [ -z "$extra" ] || fail "installed, but only of use to developers: $extra"
 
 run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the program does not run"
@@ -57,9 +61,15 @@ cmake --build "$build" --target uninstall >"$work/uninstall.log"
 rm -r "$prefix/share/doc"
 contents | diff "$work/before" - || fail "not the same as before the installation"
 
-# Into a plain prefix; this time nobody interferes, and the prefix itself goes too.
+# Into a plain prefix, as README.md says; this time nobody interferes, and the prefix itself goes too.
 unset DESTDIR
-cmake --install "$build" --prefix "$work/plain" >"$work/install.log"
+options=$(sed -n 's/^    sudo cmake --install build *//p' "$source/README.md")
+# shellcheck disable=SC2086
+cmake --install "$build" --prefix "$work/plain" $options >"$work/install.log"
+if command -v readelf >/dev/null; then
+    sections=$(readelf --sections --wide "$work/plain/bin/gatescope")
+    case $sections in *.debug_info*) fail "what is for debuggers was installed" ;; esac
+fi
 run_program "$work/plain/bin/gatescope" -identify_self_as_gatescope ||
     fail "the program does not run from a plain prefix"
 cmake --build "$build" --target uninstall >"$work/uninstall.log"

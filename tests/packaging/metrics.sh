@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The example that feeds a monitoring system: yesterday's numbers of a region, taken from the file
-# beside the page, and a failure that says so and leaves the old ones.
+# beside the page, in the text format of such systems, and a failure that says so and leaves the old
+# ones.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 
@@ -10,18 +11,48 @@ for user in ann bob carl; do printf '%s:S:%s[2]-<->\n' "$yesterday" "$user"; don
     >>"$work/east/log/logging_0.txt"
 printf '%s:D:ann[2]K<1>\n' "$yesterday" >>"$work/east/log/logging_0.txt"
 
+# run_example GATEBITS METRICS
 run_example() {
     env -i PATH="$build:/usr/bin:/bin" CLEARCASE_USER=op \
-        sh "$source/examples/gatescope-metrics" "$1" "$work/metrics" >"$work/output" 2>&1 </dev/null
+        sh "$source/examples/gatescope-metrics" "$1" "$2" >"$work/output" 2>&1 </dev/null
 }
-run_example "$work/east/gatebits.txt" || fail "the example ends with $?: $(cat "$work/output")"
+run_example "$work/east/gatebits.txt" "$work/metrics" ||
+    fail "the example ends with $?: $(cat "$work/output")"
 expect_one_page
-printf '# Commands of %s.\n%s\n%s\n' "$(date -d yesterday +%F)" \
-    'gatescope_commands_yesterday{result="allowed"} 3' \
-    'gatescope_commands_yesterday{result="denied"} 1' >"$work/expected"
+printf '%s\n' "# Commands of $(date -d yesterday +%F)." \
+    '# HELP gatescope_commands_yesterday Commands that Gatewarden decided on yesterday.' \
+    '# TYPE gatescope_commands_yesterday gauge' \
+    'gatescope_commands_yesterday{region="east",result="allowed"} 3' \
+    'gatescope_commands_yesterday{region="east",result="denied"} 1' >"$work/expected"
 cmp "$work/expected" "$work/metrics" || fail "the metrics are: $(cat "$work/metrics")"
 
-if run_example "$work/nowhere.txt"; then fail "a run without a policy file is taken for a success"; fi
+# Each series of a second region is one of its own, with any sign in the region's name, and what
+# is said of the metric is the same.
+sed 's/^gatewarden;;;east;/gatewarden;;;we"st\\1 (new);/' "$work/east/gatebits.txt" \
+    >"$work/east/other.txt"
+run_example "$work/east/other.txt" "$work/other" ||
+    fail "the example ends with $?: $(cat "$work/output")"
+grep -qxF 'gatescope_commands_yesterday{region="we\"st\\1 (new)",result="allowed"} 3' \
+    "$work/other" || fail "the metrics of a region with an odd name are: $(cat "$work/other")"
+[ "$(cat "$work/metrics" "$work/other" | grep -v '^#' | sed 's| [0-9]*$||' | sort -u | wc -l)" -eq 4 ] ||
+    fail "two regions share a series"
+[ "$(cat "$work/metrics" "$work/other" | grep -E '^# (HELP|TYPE)' | sort -u | wc -l)" -eq 2 ] ||
+    fail "two regions tell different things of the metric"
+
+# The text format: comments, and samples of a metric that has been told of, with quoted labels.
+label='[a-z]+="([^"\\]|\\["\\n])*"'
+for file in "$work/metrics" "$work/other"; do
+    odd=$(grep -vE "^# |^gatescope_commands_yesterday\{$label(,$label)*\} [0-9]+\$" "$file" || true)
+    [ -z "$odd" ] || fail "not in the text format: $odd"
+    if command -v promtool >/dev/null; then
+        said=$(promtool check metrics <"$file" 2>&1) || fail "promtool: $said"
+        [ -z "$said" ] || fail "promtool: $said"
+    fi
+done
+
+if run_example "$work/nowhere.txt" "$work/metrics"; then
+    fail "a run without a policy file is taken for a success"
+fi
 grep -q '^No numbers; gatescope ended with status 1' "$work/output" ||
     fail "a failure is not told: $(cat "$work/output")"
 cmp "$work/expected" "$work/metrics" || fail "a failure changed the metrics"

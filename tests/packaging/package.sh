@@ -21,10 +21,14 @@ closed=$(dpkg-deb --contents "$package" | grep -vE '^(drwxr-xr-x|-rw-r--r--|-rwx
 
 dpkg-deb --extract "$package" "$work/files"
 program=$work/files/usr/bin/gatescope
-sections=$(readelf --sections --wide "$program")
-case $sections in *.debug_info* | *.symtab*) fail "the program is not stripped" ;; esac
-expect_hardened "$program"
-expect_hidden_names "$program"
+expect_packaged "$program"
+for completion in bash-completion/completions/gatescope zsh/vendor-completions/_gatescope \
+    fish/vendor_completions.d/gatescope.fish; do
+    [ -s "$work/files/usr/share/$completion" ] || fail "there is no $completion"
+done
+[ ! -e "$work/files/usr/share/zsh/site-functions" ] || fail "a directory of zsh is left over"
+expect_looked_at zsh /usr/share/zsh/vendor-completions
+expect_looked_at fish /usr/share/fish/vendor_completions.d
 for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
     gzip -t "$work/files/usr/share/man/$page" || fail "$page is not a compressed page"
 done
@@ -32,7 +36,7 @@ for file in copyright changelog.gz; do
     [ -s "$work/files/usr/share/doc/gatescope/$file" ] || fail "there is no $file"
 done
 grep -qx 'ExecStart=/usr/bin/gatescope Q=1 .*' \
-    "$work/files/usr/share/doc/gatescope/examples/systemd/gatescope-report.service" ||
+    "$work/files/usr/share/doc/gatescope/examples/systemd/gatescope-report@.service" ||
     fail "the service does not start what the package installs"
 (cd "$work/files" && dpkg-deb --control "$package" "$work/control" &&
     md5sum --check --quiet "$work/control/md5sums") || fail "its checksums do not fit"

@@ -96,6 +96,37 @@ TEST(AddAlias, AbortedOrCancelledWritesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
+const std::string ADD = "A17 - Add Alias Definition to Region";
+const std::string UPDATE = "A20 - Update Alias Definition in Region";
+
+/// Runs the submenu once, in which the operator has picked what `east` was told. 110 when the last
+/// answer in it was not empty; 0 when the submenu came up again, to be cancelled.
+int status_of_submenu(Region& east) {
+    return east.run({"A=2", "R=n"}).status;
+}
+
+TEST(AddAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
+    Region east = with_two_aliases();
+    east.operator_picks(ADD).cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+    east.operator_picks(ADD).types("a-b").cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+    east.operator_picks(ADD).types("a").cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+    east.operator_picks(ADD).types("a").types("x;").cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+    east.operator_picks(ADD).types("a").types("x").answers_no().cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+}
+
+TEST(AddAlias, AnEmptyAnswerThatWasRejectedIsTheLastOneToo) {
+    Region east = with_two_aliases();
+    east.operator_picks(ADD).types("").cancels().cancels();
+    EXPECT_EQ(status_of_submenu(east), 0);
+    east.operator_picks(ADD).types("a").types("").cancels().cancels();
+    EXPECT_EQ(status_of_submenu(east), 0);
+}
+
 TEST(AddAlias, RejectedNamesAndValuesAreAskedForAgain) {
     Region east = with_two_aliases();
     east.types("").types("a-b").types("two").types("Two").types("").types("a;b").types("ok");
@@ -312,6 +343,24 @@ TEST(UpdateAlias, AbortedOrCancelledWritesNothing) {
     east.operator_picks(TWO).cancels();
     EXPECT_EQ(east.run({"A=20", "R=n"}).dialogs().size(), 2u);
     EXPECT_EQ(east.gatebits(), before);
+}
+
+TEST(UpdateAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
+    Region east = with_two_aliases();
+    east.operator_picks(UPDATE).operator_picks(TWO).cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+    east.operator_picks(UPDATE).operator_picks(TWO).types("x;").cancels();
+    EXPECT_EQ(status_of_submenu(east), 110);
+}
+
+TEST(UpdateAlias, AfterAnEmptyAnswerOrACancelledListTheSubmenuComesAgain) {
+    Region east = with_two_aliases();
+    east.operator_picks(UPDATE).operator_picks(TWO).types("").cancels().cancels();
+    EXPECT_EQ(status_of_submenu(east), 0);
+    east.operator_picks(UPDATE).cancels().cancels();
+    EXPECT_EQ(status_of_submenu(east), 0);
+    east.operator_picks(UPDATE).operator_picks(TWO).types("x").answers_no().cancels().cancels();
+    EXPECT_EQ(status_of_submenu(east), 0);
 }
 
 TEST(UpdateAlias, ACutEntryOffersTheCutValue) {

@@ -153,6 +153,24 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"PercentSignsInTheArgument", {"C=100%d%s%n%%"}, bad_command("C=100%d%s%n%")}),
     [](const testing::TestParamInfo<Refusal>& row) { return row.param.name; });
 
+TEST(CommandLine, AnUnknownOptionIsToldTheOptionsOnStandardError) {
+    for (const std::string option : {"--help", "-h", "--version", "-V", "-verbose"}) {
+        Region east = a_region().without_dialogs();
+        const Result result = east.run({option});
+        EXPECT_EQ(result.status, 99);
+        EXPECT_EQ(result.out, unknown(option) + "\n");
+        EXPECT_EQ(
+            result.err,
+            "gatescope: the options are -ver, -help, -general_test, -kudos and -data_gen, the "
+            "parameters F=, Q=, A=, C=, U=, K=, B=, D= and R=; see gatescope(1)\n");
+    }
+}
+
+TEST(CommandLine, AWordThatIsNoOptionIsToldNothingMore) {
+    Region east = a_region().without_dialogs();
+    EXPECT_EQ(east.run({"checkin"}).err, "");
+}
+
 TEST(CommandLine, AnErrorBoxStaysOnTheScreenAfterTheEnd) {
     Region east = a_region();
     const Result result = east.run({"Q=9"});

@@ -63,7 +63,7 @@ const std::vector<std::string> BEFORE_ONLY = {"-status_only"};
 std::vector<Field> fields() {
     return {
         {4,
-         prompted("Input a Windows Policy Depot (i.e. \\machine\\share\\gatewarden\\depot)...",
+         prompted("Input a Windows Policy Depot (i.e. \\\\machine\\share\\gatewarden\\depot)...",
                   "W:depot"),
          "W:new", "Windows Policy Depot...", "W:depot", "W:new",
          "\n\nWarning:  Actual directory verification of the 'Windows Policy Depot'" + NOT_VERIFIED,
@@ -74,7 +74,7 @@ std::vector<Field> fields() {
          "{stage}/depot2", "UNIX Policy Depot...", "{stage}/depot", "{stage}/depot2", "", 2,
          "W:depot;{stage}/depot2;E;", BOTH},
         {6,
-         prompted("Input a Windows Parent Gatebits File (i.e. \\machine\\share\\gatebits.txt)...",
+         prompted("Input a Windows Parent Gatebits File (i.e. \\\\machine\\share\\gatebits.txt)...",
                   "W:parent.txt"),
          "W:p2.txt", "Windows Parent Gatebits file...", "W:parent.txt", "W:p2.txt",
          "\n\nWarning:  Actual file verification of the 'Windows Parent Gatebits file'" +
@@ -346,6 +346,59 @@ TEST(FieldActionsAlone, RejectedThenDeclinedThenConfirmedStartsFromTheFirstText)
                        prompted(text, "old motd"),
                        asked_to_change("Region MOTD String", "old motd", "newer")}));
     EXPECT_EQ(east.field(7, 2), "newer");
+}
+
+TEST(FieldActionsAlone, APathWithBackslashesIsShownAndWrittenAsItIs) {
+    const std::string text =
+        R"(Input a Windows Policy Depot (i.e. \\machine\share\gatewarden\depot)...)";
+    const std::string same =
+        "Current value and requested value are the same.  Perform Change anyway?";
+    for (const char* strict : {"no", "yes"}) {
+        Region east = a_region()
+                          .with_line(2, R"(\\m\s;;O;)")
+                          .with_env("ZUL_GATESCOPE_STRICT_QUOTING", strict);
+        const std::string before = east.gatebits();
+        east.types(R"(\\m\s)").answers_yes();
+        EXPECT_EQ(east.run({"A=4", "R=n"}).dialogs(),
+                  (Dialogs{prompted(text, R"(\\m\s)"), asked(same, "no")}));
+        EXPECT_EQ(east.gatebits(), before);
+        east.types(R"(\\m\new)").answers_yes();
+        EXPECT_EQ(east.run({"A=4", "R=n"}).dialogs().at(1),
+                  asked_to_change(
+                      "Windows Policy Depot...", R"(\\m\s)", R"(\\m\new)",
+                      "\n\nWarning:  Actual directory verification of the 'Windows Policy Depot'" +
+                          NOT_VERIFIED));
+        EXPECT_EQ(east.field(2, 1), R"(\\m\new)");
+    }
+}
+
+TEST(FieldActionsAlone, AValueThatEndsInABackslashCanBeEdited) {
+    for (const char* strict : {"no", "yes"}) {
+        Region east = a_region()
+                          .with_line(7, R"(;Save to C:\;;)")
+                          .with_env("ZUL_GATESCOPE_STRICT_QUOTING", strict);
+        east.types(R"(D:\)").answers_yes();
+        const Result result = east.run({"A=13", "R=n"});
+        EXPECT_EQ(result.status, 110);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(
+            result.dialogs(),
+            (Dialogs{prompted("Input a MOTD (i.e. Any String not containing ';' or empty).. Can "
+                              "be Empty...",
+                              R"(Save to C:\)"),
+                     asked_to_change("Region MOTD String", R"(Save to C:\)", R"(D:\)")}));
+        EXPECT_EQ(east.field(7, 2), R"(D:\)");
+    }
+}
+
+TEST(FieldActionsAlone, InALongFileOnlyTheFieldThatWasConfirmedChanges) {
+    RegionPlan plan = a_region();
+    for (int key = 0; key < 281; ++key) plan.with_key("key " + std::to_string(key) + ";one;two;");
+    Region east = plan;
+    const std::string before = east.gatebits();
+    east.types("hello").answers_yes();
+    EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
+    EXPECT_EQ(east.gatebits(), with_replaced(before, "\n;;;\n", "\n;hello;;\n"));
 }
 
 TEST(FieldActionsAlone, AFieldIsReadAgainAfterADeclinedChange) {

@@ -183,6 +183,54 @@ TEST(ViewKey, LiteEditionSpeaksOfCpds) {
                  listed("Select one CPD to view/change/delete:", "000 " + SECOND)}));
 }
 
+/// More keys than line numbers reach, each like "key 7;", and the entries of the first 119.
+std::vector<std::string> many_keys(int count) {
+    std::vector<std::string> keys;
+    for (int i = 0; i < count; ++i) keys.push_back("key " + std::to_string(i) + ";");
+    return keys;
+}
+
+RegionPlan with_keys(const std::vector<std::string>& keys) {
+    RegionPlan plan = a_region();
+    for (const std::string& key : keys) plan.with_key(key);
+    return plan;
+}
+
+std::string entries_of(const std::vector<std::string>& keys) {
+    std::string entries;
+    for (std::size_t i = 0; i < keys.size() && i < 119; ++i) {
+        const std::string number = std::to_string(i);
+        entries +=
+            (i == 0 ? "" : ",") + std::string(3 - number.size(), '0') + number + " " + keys[i];
+    }
+    return entries;
+}
+
+TEST(ViewKey, InALongFileTheKeyThatWasConfirmedGoesAndNoOther) {
+    std::vector<std::string> keys = many_keys(281);
+    Region east = with_keys(keys);
+    const std::string before = east.gatebits();
+    east.operator_picks("000 key 0;").answers_no().answers_yes().cancels();
+    const Result result = east.run({"A=21", "R=n"});
+    EXPECT_EQ(east.gatebits(), with_replaced(before, "key 0;\n", "\n"));
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.dialogs().front(), key_list(entries_of(keys)));
+    keys.erase(keys.begin());
+    EXPECT_EQ(result.dialogs().back(), key_list(entries_of(keys)));
+    const std::string why =
+        " keys in (" + east.gatebits_path() +
+        ") are not offered: a line after the 127th significant one cannot be addressed.\n";
+    EXPECT_EQ(result.err, "gatescope: 162 of 281" + why + "gatescope: 161 of 280" + why);
+}
+
+TEST(ViewKey, KeysThatAllAreOfferedAreNotSpokenOf) {
+    Region east = with_keys(many_keys(119)).with_line_on_top("# no key");
+    east.cancels();
+    const Result result = east.run({"A=21", "R=n"});
+    EXPECT_EQ(result.dialogs().front(), key_list(entries_of(many_keys(119))));
+    EXPECT_EQ(result.err, "");
+}
+
 // A22.
 
 Dialog template_list(const std::string& entries = ENTRIES) {
@@ -216,6 +264,16 @@ TEST(AddKey, FromAnotherKeyAfterTheLastLine) {
               (Dialogs{template_list(), new_key_prompt("002", FIRST), asked_to_add("002", "new"),
                        template_list(ENTRIES + ",002 new")}));
     EXPECT_EQ(east.gatebits(), before + "new\n");
+}
+
+TEST(AddKey, TemplatesThatCannotBeOfferedAreCounted) {
+    Region east = with_keys(many_keys(120));
+    east.cancels();
+    const Result result = east.run({"A=22", "R=n"});
+    EXPECT_EQ(result.dialogs(), Dialogs{template_list(entries_of(many_keys(120)))});
+    EXPECT_EQ(result.err, "gatescope: 1 of 120 keys in (" + east.gatebits_path() +
+                              ") are not offered: a line after the 127th significant one cannot be "
+                              "addressed.\n");
 }
 
 TEST(AddKey, NothingPickedTakesTheDefault) {

@@ -504,6 +504,19 @@ TEST(Queries, NumbersStandBesideThePageWhereTheyAreWanted) {
     }
 }
 
+TEST(Queries, AllLogsAreCountedWithFewDescriptors) {
+    const std::string record = std::to_string(std::time(nullptr)) + ":S:ann[2]-<->\n";
+    std::string records;
+    for (int i = 0; i < 100; ++i) records += record;
+    RegionPlan plan = a_region().without_dialogs().with_env("ZUL_GATESCOPE_CSV", "yes");
+    for (int number = 0; number <= 20; ++number) plan.with_log(number, records);
+    Region east = plan;
+    const Result result = east.run_after("ulimit -n 8", {"Q=1", "C=*", "U=*", "D=n", "R=n"});
+    EXPECT_EQ(result.status, 110);
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(numbers_of(east).back().ends_with(",2100,0")) << numbers_of(east).back();
+}
+
 TEST(Queries, WithoutTheWishThereAreNoNumbers) {
     Region east = a_region_with_records().with_env("ZUL_GATESCOPE_CSV", "no").without_dialogs();
     EXPECT_EQ(east.run({"Q=4", "U=*", "D=n", "R=n"}).status, 110);

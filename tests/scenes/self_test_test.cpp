@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "scenes/region.h"
 
 namespace {
@@ -64,6 +66,22 @@ TEST(SelfTest, EndsWithStatusOneWithoutClearprompt) {
               "Expected OS is UNIX...testing for clearprompt usability..\n"
               "clearprompt not found in required path... exiting..\n");
     EXPECT_EQ(result.dialogs().size(), 1u);
+}
+
+TEST(SelfTest, SaysByItselfWhichProgramIsNotThere) {
+    Region east = a_region().with_env("PATH", "/usr/bin:/bin");
+    const Result result = east.run({"-general_test"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out,
+              "Expected OS is UNIX...testing for clearprompt usability..\n"
+              "clearprompt not found in required path... exiting..\n");
+    EXPECT_EQ(result.err, "");
+    Region west = a_region();
+    std::filesystem::remove(west.path("bin/cleartool"));
+    west.box_ends_with(0);
+    const Result without_cleartool = west.run({"-general_test"});
+    EXPECT_EQ(without_cleartool.status, 1);
+    EXPECT_EQ(without_cleartool.err, "");
 }
 
 TEST(SelfTest, EndsWithStatusOneWithoutCleartool) {

@@ -63,4 +63,10 @@ TEST(StrictQuotingOfPaths, WithoutItTheShellActsOnThem) {
     EXPECT_EQ(recorded(east), "");
 }
 
+TEST(StrictQuotingOfPaths, WithoutItAProgramIsStartedWhateverBackslashesItsPathHolds) {
+    Region east = region_in(R"(a\\b\c)");
+    EXPECT_EQ(east.run({"A=23", "R=n"}).status, 110);
+    EXPECT_TRUE(recorded(east).starts_with("2 ")) << recorded(east);
+}
+
 }  // namespace

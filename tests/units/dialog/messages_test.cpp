@@ -145,7 +145,7 @@ TEST_F(MessagesWithoutDialogs, TextIsAFormatWithoutArguments) {
 }
 
 TEST(Quoting, LeavesTheTextAsItIs) {
-    EXPECT_EQ(quoted("a \"b\" $c `d` \\"), "\"a \"b\" $c `d` \\\"");
+    EXPECT_EQ(quoted("a \"b\" $c `d` \\"), "\"a \"b\" $c `d` \\\\\"");
     EXPECT_EQ(quoted(std::string("a\0b", 3)), "\"a\"");
 }
 

@@ -1,5 +1,7 @@
 #include "logs/log_files.h"
 
+#include <gmock/gmock.h>
+
 #include <array>
 #include <cstdlib>
 #include <ctime>
@@ -45,6 +47,47 @@ TEST(QueryPeriod, TodayEndsAtTheLastSecondOfTheLocalDay) {
     EXPECT_EQ(local.tm_hour, 23);
     EXPECT_EQ(local.tm_min, 59);
     EXPECT_EQ(local.tm_sec, 59);
+}
+
+TEST(QueryPeriod, WhereTheClockTurnsBackAtMidnightTheDayEndsAfterNow) {
+    struct {
+        const char* zone;
+        std::int64_t first_end;
+    } const days[] = {{"<-04>4<-03>,M9.1.6/24,M4.1.6/24", 1775357999},
+                      {"<-02>2<-01>,M3.5.0/-1,M10.5.0/0", 1792889999}};
+    for (const auto& [name, first_end] : days) {
+        const TimeZone zone(name);
+        const auto end_seen_at = [](std::int64_t now) {
+            return set_time_values(QUERY_DAYS, now).end_of_day_time;
+        };
+        for (const std::int64_t end : {first_end, first_end + 3600}) {
+            EXPECT_THAT(time_text(end), testing::HasSubstr(" 23:59:59 "));
+        }
+        for (const std::int64_t before : {20 * 3600, 3600, 1, 0}) {
+            // Which of the two it is is the C library's choice.
+            EXPECT_THAT(end_seen_at(first_end - before),
+                        testing::AnyOf(first_end, first_end + 3600))
+                << name << " " << before;
+        }
+        for (const std::int64_t after : {1, 2, 1800, 3599, 3600}) {
+            EXPECT_EQ(end_seen_at(first_end + after), first_end + 3600) << name << " " << after;
+        }
+        EXPECT_EQ(end_seen_at(first_end + 3601), first_end + 3600 + SECONDS_A_DAY) << name;
+        const QueryPeriod period = set_time_values(QUERY_DAYS, first_end + 1);
+        EXPECT_EQ(period.start_of_period_time, first_end + 3600 - QUERY_DAYS * SECONDS_A_DAY);
+    }
+}
+
+TEST(QueryPeriod, WhereTheClockChangesAtAnotherHourTheDayEndsOnce) {
+    const TimeZone zone("CET-1CEST,M3.5.0,M10.5.0/3");
+    constexpr std::int64_t ENDS[] = {1792969199, 1774821599};
+    constexpr std::int64_t HOURS[] = {25, 23};
+    for (int day = 0; day < 2; ++day) {
+        for (std::int64_t hour = 0; hour < HOURS[day]; ++hour) {
+            EXPECT_EQ(set_time_values(QUERY_DAYS, ENDS[day] - hour * 3600).end_of_day_time,
+                      ENDS[day]);
+        }
+    }
 }
 
 TEST(QueryPeriod, RemembersTheMomentOfTheCall) {

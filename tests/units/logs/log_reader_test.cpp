@@ -94,6 +94,19 @@ TEST(NextWord, LongWordsComeInPieces) {
     EXPECT_EQ(words_of(std::string(65536, 'x') + " y"), (Words{std::string(65536, 'x'), "y"}));
 }
 
+TEST(NextWord, EndsAtTheFirstWhiteSpaceWhereverThatStands) {
+    for (const char white : {' ', '\t', '\n', '\v', '\f', '\r'}) {
+        for (std::size_t size = 1; size < 300; ++size) {
+            for (const char other : {'x', '\0', '\x08', '\x0e', '\x1f', '!', '\x80', '\xff'}) {
+                const std::string word(size, other);
+                const std::string text = word + white + std::string(100, 'y') + white + 'z';
+                ASSERT_EQ(words_of(text), (Words{word, std::string(100, 'y'), "z"}))
+                    << size << " of " << static_cast<int>(other);
+            }
+        }
+    }
+}
+
 TEST(NextWord, NulsBelongToTheWord) {
     const std::string text("a\0b c", 5);
     EXPECT_EQ(words_of(text), (Words{std::string("a\0b", 3), "c"}));
@@ -158,6 +171,36 @@ TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceAcrossReadsToo) {
             EXPECT_TRUE(words_read_by_ranges(path, size) == words)
                 << "words of up to " << longest << " by " << size;
         }
+    }
+}
+
+TEST_F(LogReaderOnFiles, AWordThatGoesOnAfterItsRangeComesInPiecesAsLargeAsAnyOther) {
+    write_log(0, std::string(4 << 20, 'w') + "\n");
+    const Descriptor log = opened(log_file_path(0));
+    LogReader reader;
+    const auto pieces = [&] {
+        int count = 0;
+        for (std::string_view piece; reader.next(&piece);) ++count;
+        return count;
+    };
+    reader.start(log.get());
+    const int of_the_file = pieces();
+    reader.start_range(log.get(), 0, 1000);
+    EXPECT_LE(pieces(), of_the_file + 2);
+}
+
+TEST_F(LogReaderOnFiles, WordsWithoutEndAreHandedOutOnceByRanges) {
+    std::mt19937 random(3);
+    const std::string path = log_file_path(0);
+    for (int round = 0; round < 10; ++round) {
+        std::string text;
+        while (text.size() < 300000) {
+            text.append(1 + random() % 400000, "w\0"[random() % 2]);
+            if (random() % 3 != 0) text += " \n\r\t\v\f"[random() % 6];
+        }
+        write_log(0, text);
+        const auto size = static_cast<off_t>(1000 + random() % 200000);
+        EXPECT_TRUE(words_read_by_ranges(path, size) == words_of(text)) << "by " << size;
     }
 }
 

@@ -2,6 +2,9 @@
 
 #include "log_region.h"
 #include "logs/log_reader.h"
+#include "logs/shared_log.h"
+#include "support/expect_gripe.h"
+#include "support/few_descriptors.h"
 
 namespace {
 
@@ -58,6 +61,28 @@ TEST_F(LogTally, NamesTheLogsThatCannotBeReadAndCountsTheRest) {
                   ") was left out: Not a regular file\ngatescope: the log file (" +
                   log_file_path(20) + ") was left out: Too many levels of symbolic links\n");
     EXPECT_EQ(tally().rows[1][ALLOWED], 1u);
+}
+
+TEST_F(LogTally, WhatIsNotCountedForWantOfADescriptorIsAnError) {
+    for (int i = 0; i < NUMBER_OF_LOG_FILES; ++i) write_log(i, line(1, "S:a[1]-<->"));
+    {
+        const FewDescriptors one(1);
+        EXPECT_EQ(tally().rows[1][ALLOWED], 21u);
+    }
+    EXPECT_GRIPE(
+        {
+            const FewDescriptors none(0);
+            tally();
+        },
+        "ERROR: The log file (" + log_file_path(0) +
+            ") could not be read to its end: Too many open files.  The file is as it was.");
+}
+
+TEST_F(LogTally, WantIsWhatTheProcessOrTheMachineHasNoMoreOf) {
+    for (const int error : {EMFILE, ENFILE, ENOMEM}) EXPECT_TRUE(is_want(error)) << error;
+    for (const int error : {0, ENOENT, EACCES, EISDIR, EINVAL, ELOOP, EIO, ENXIO}) {
+        EXPECT_FALSE(is_want(error)) << error;
+    }
 }
 
 TEST_F(LogTally, SaysNothingOfMissingLogs) {

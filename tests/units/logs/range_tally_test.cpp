@@ -1,7 +1,6 @@
 #include "logs/range_tally.h"
 
 #include <gtest/gtest.h>
-#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,6 +9,8 @@
 #include <random>
 #include <string>
 
+#include "support/few_descriptors.h"
+#include "support/scratch_directory.h"
 #include "units/logs/tallies.h"
 
 namespace {
@@ -22,13 +23,14 @@ RecordQuery query_of(int number) {
     return query;
 }
 
-/// Logs that are nowhere but in memory.
-std::vector<LogToCount> logs_with(const std::vector<std::string>& texts) {
+/// The logs in a directory of their own.
+std::vector<LogToCount> logs_with(const ScratchDirectory& directory,
+                                  const std::vector<std::string>& texts) {
     std::vector<LogToCount> logs;
     for (const std::string& text : texts) {
-        Descriptor file(memfd_create("log", MFD_CLOEXEC));
-        EXPECT_EQ(write(file.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
-        logs.push_back({std::move(file), static_cast<off_t>(text.size())});
+        const std::string name = std::to_string(logs.size());
+        directory.write(name, text);
+        logs.push_back({directory.path(name), static_cast<off_t>(text.size())});
     }
     return logs;
 }
@@ -71,7 +73,8 @@ std::string random_log(std::mt19937& random, std::size_t lines, std::size_t long
 std::int64_t expect_the_same_for_any_threads(std::mt19937& random,
                                              const std::vector<std::string>& texts,
                                              off_t range_size) {
-    const std::vector<LogToCount> logs = logs_with(texts);
+    const ScratchDirectory directory;
+    const std::vector<LogToCount> logs = logs_with(directory, texts);
     const RecordQuery query = query_of(static_cast<int>(1 + random() % 6));
     const RecordTally plain = counted_by_the_plain_rule(query, texts);
     for (const int threads : {1, 2, 3, 16}) {
@@ -107,28 +110,78 @@ TEST(RangeTally, IsTheSameWhereWordsAreLongerThanRanges) {
     EXPECT_GT(counted, 200);
 }
 
+const std::string LINE = "1794700000:S:ann[1]-<->\n";
+
 TEST(RangeTally, CountsWhatWasAppendedMeanwhile) {
-    std::vector<LogToCount> logs =
-        logs_with({"1794700000:S:ann[1]-<->\n1794700000:S:ann[1]-<->\n"});
+    const ScratchDirectory directory;
+    std::vector<LogToCount> logs = logs_with(directory, {LINE + LINE});
     logs[0].size = 30;
     EXPECT_EQ(tally(query_of(1), logs, 2, 10).tally.rows[1][ALLOWED], 2u);
 }
 
-TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
-    const std::string line = "1794700000:S:ann[1]-<->\n";
-    std::vector<LogToCount> logs = logs_with({line, line, line, line});
-    for (const std::size_t place : {1U, 3U}) logs[place].file.close();
+TEST(RangeTally, CountsALogThatGotShorterMeanwhile) {
+    const ScratchDirectory directory;
+    std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE});
+    logs[0].size = 300;
+    const RangeTally all = tally(query_of(1), logs, 2, 10);
+    EXPECT_EQ(all.tally.rows[1][ALLOWED], 2u);
+    EXPECT_EQ(all.error, 0);
+}
+
+TEST(RangeTally, TellsWhichLogsCouldNotBeOpenedAndCountsTheRest) {
+    const ScratchDirectory directory;
+    std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE, LINE});
+    logs[1].path = directory.path();
+    logs[2].path = directory.path("none");
     for (const int threads : {1, 3}) {
         const RangeTally all = tally(query_of(1), logs, threads, 10);
-        EXPECT_EQ(all.error, EBADF);
+        EXPECT_EQ(all.tally.rows[1][ALLOWED], 2u);
+        EXPECT_EQ(all.error, 0);
+        EXPECT_EQ(all.not_opened, (std::vector<int>{0, EISDIR, ENOENT, 0}));
+    }
+}
+
+TEST(RangeTally, NeedsOneDescriptorForEachThread) {
+    const ScratchDirectory directory;
+    const std::vector<LogToCount> logs =
+        logs_with(directory, std::vector<std::string>(21, LINE + LINE + LINE));
+    for (const int threads : {1, 4}) {
+        const FewDescriptors few(static_cast<rlim_t>(threads));
+        for (const off_t size : {off_t{10}, LogReader::TO_THE_END}) {
+            const RangeTally all = tally(query_of(1), logs, threads, size);
+            EXPECT_EQ(all.error, 0);
+            EXPECT_EQ(all.tally.rows[1][ALLOWED], 63u) << threads << " threads";
+        }
+    }
+}
+
+TEST(RangeTally, ALogThatIsNotOpenedForWantOfADescriptorIsAnError) {
+    const ScratchDirectory directory;
+    const std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE});
+    for (const int threads : {1, 3}) {
+        const FewDescriptors none(0);
+        const RangeTally all = tally(query_of(1), logs, threads, 10);
+        EXPECT_EQ(all.error, EMFILE);
+        EXPECT_LT(all.unread, 2u);
+    }
+}
+
+TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
+    const ScratchDirectory directory;
+    std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE, LINE});
+    // It can be opened, and a read at its beginning fails.
+    for (const std::size_t place : {1U, 3U}) logs[place].path = "/proc/self/mem";
+    for (const int threads : {1, 3}) {
+        const RangeTally all = tally(query_of(1), logs, threads, 10);
+        EXPECT_EQ(all.error, EIO);
         EXPECT_TRUE(all.unread == 1 || all.unread == 3);
     }
     EXPECT_EQ(tally(query_of(1), logs, 1, 10).unread, 1u);
 }
 
 TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
-    const std::string line = "1794700000:S:ann[1]-<->\n";
-    const std::vector<LogToCount> logs = logs_with({line, line, line});
+    const ScratchDirectory directory;
+    const std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE});
     // In a process of its own: the limit is for all threads of a user, and not for root.
     const pid_t child = fork();
     if (child == 0) {

@@ -19,8 +19,8 @@ namespace {
 const fs::path SOURCE = fs::path(SOURCE_DIRECTORY) / "src";
 
 /// A folder is a floor; from the ground up.
-const std::vector<std::string> FLOORS = {"messages", "base",    "dialog",  "policy", "logs",
-                                         "report",   "queries", "actions", "main"};
+const std::vector<std::string> FLOORS = {"messages", "base",   "dialog",  "policy",  "logs",
+                                         "pruning",  "report", "queries", "actions", "main"};
 
 /// The floor of a file, given below src/, from 1; 0 when it stands on none.
 int floor_of(const fs::path& file) {
@@ -57,7 +57,7 @@ std::vector<fs::path> includes_of(const fs::path& file) {
 
 TEST(Floors, TheWholeHouseIsSeen) {
     EXPECT_GT(sources().size(), 50u);
-    EXPECT_EQ(floor_of("main/main.cpp"), 9);
+    EXPECT_EQ(floor_of("main/main.cpp"), 10);
     EXPECT_EQ(floor_of("base/text.h"), 2);
     EXPECT_EQ(floor_of("elsewhere/x.h"), 0);
     EXPECT_FALSE(includes_of("main/main.cpp").empty());

@@ -77,13 +77,13 @@ TEST_F(ChangeWarnings, LoggingWarningReadsTheHeaderLine) {
     EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
 }
 
-TEST_F(ChangeWarnings, LoggingWarningEndsAtAnEmptyField) {
+TEST_F(ChangeWarnings, LoggingWarningIsWholeWhenTheFieldIsEmpty) {
     region_is("gatewarden;;;east;", "w;;A;", "wp;;", ";;");
     EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
               "Parent Gatebits File) currently set to 'wp'..."
               "\n\nWarning:  This would result in both UNIX and Windows depots being cleared and "
-              "so 'Region Logging' would also get set from '");
+              "so 'Region Logging' would also get set from '' to 'O'ff...");
 }
 
 TEST_F(ChangeWarnings, MissingLinesAndFieldsWarnOfNothing) {

@@ -16,6 +16,18 @@ TEST_F(FileChooser, StartsWhereTheGatebitsFileIs) {
     EXPECT_TRUE(region.files_in("tmp").empty());
 }
 
+TEST_F(FileChooser, ADirectoryWithBackslashesIsTakenAndShownAsItIs) {
+    region.chooses_file("/x").chooses_file("/x");
+    select_cb_file(R"(/a\b\\c/x.txt)", "prompt");
+    setenv("ZUL_GATESCOPE_STRICT_QUOTING", "yes", 1);
+    select_cb_file(R"(/a\b\\c/x.txt)", "prompt");
+    unsetenv("ZUL_GATESCOPE_STRICT_QUOTING");
+    const Dialogs dialogs = region.shown_so_far().dialogs();
+    EXPECT_EQ(dialogs.at(0), file_dialog_in(R"(/a\b\\c/)"));
+    EXPECT_EQ(dialogs.at(1).args.at(7), R"(/a\b\\c/)");
+    EXPECT_EQ(dialogs.at(1).args.back(), R"(-directory "/a\b\\c/")");
+}
+
 TEST_F(FileChooser, WithoutAFileItStartsAnywhereAndItsPromptIsABlank) {
     region.chooses_file("/x");
     EXPECT_EQ(select_cb_file("", "prompt"), "/x");

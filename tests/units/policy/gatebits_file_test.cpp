@@ -132,14 +132,26 @@ TEST_F(GatebitsFile, ANumberAfterTheLastLineOnlyDropsBlankLines) {
     EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
 }
 
-TEST_F(GatebitsFile, TheCounterStartsOverSoLine256AndNIsReplacedToo) {
-    use_lines(300);
+TEST_F(GatebitsFile, WhereTheCounterStartsOverOnlyTheFirstLineWithTheNumberIsReplaced) {
+    use_lines(600);
     set_a_line(gatebits_file, 5, "new");
     std::string expected;
-    for (int i = 1; i <= 300; ++i) {
-        expected += i == 5 || i == 261 ? "new\n" : "line " + std::to_string(i) + "\n";
+    for (int i = 1; i <= 600; ++i) {
+        expected += i == 5 ? "new\n" : "line " + std::to_string(i) + "\n";
     }
     EXPECT_EQ(region.gatebits(), expected);
+}
+
+TEST_F(GatebitsFile, AFieldOfALongFileIsSetInItsLineOnly) {
+    std::string keys;
+    for (int i = 0; i < 281; ++i) keys += "key " + std::to_string(i) + ";one;two;\n";
+    use_gatebits(DEPOT_BLOCK + keys);
+    EXPECT_EQ(set_a_field(gatebits_file, {MOTD_LINE, 2, "hello"}, {{PARENT_LINE, 1, "p"}}),
+              ChangeResult::WRITTEN);
+    EXPECT_EQ(region.gatebits(),
+              "gatewarden;;;east;\n;/depot;O;\np;;\n;;\n; ;\n; ;\n;hello;;\n"
+              "D;000000000000000000000000;\n" +
+                  keys);
 }
 
 TEST_F(GatebitsFile, LinesAfterThe127thAreNotReplaced) {

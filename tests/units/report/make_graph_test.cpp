@@ -1,4 +1,7 @@
+#include <sys/wait.h>
 #include <unistd.h>
+
+#include <set>
 
 #include "dialog/messages.h"
 #include "report/graph.h"
@@ -77,6 +80,52 @@ TEST_F(MakeGraph, ASecondQueryInTheSameSecondAddsAPage) {
     const std::string once = directory.read(PAGE_1);
     said_by_make_graph(1, false);
     EXPECT_EQ(directory.read(PAGE_1), once + once);
+}
+
+/// The path of the page that was named.
+std::string named_in(const std::string& said) {
+    const std::size_t begin = said.find("\n(") + 2;
+    return said.substr(begin, said.find(")\n") - begin);
+}
+
+/// The numbers beside a page, as its job would look for them.
+std::string numbers_beside(const std::string& page) {
+    return file_text(page.substr(0, page.size() - 5) + ".csv");
+}
+
+TEST_F(MakeGraph, WithNumbersAPageGetsASecondOfItsOwn) {
+    directory.write(PAGE_1, "another's page");
+    setenv("ZUL_GATESCOPE_CSV", "yes", 1);
+    std::set<std::string> pages;
+    for (unsigned count = 1; count <= 2; ++count) {
+        result.cell_success[0] = count;
+        const std::string page = named_in(said_by_make_graph(1, false));
+        EXPECT_TRUE(pages.insert(page).second) << page;
+        EXPECT_THAT(numbers_beside(page),
+                    testing::EndsWith("," + std::to_string(count) + ",0\r\n"));
+        const std::string text = file_text(page);
+        EXPECT_EQ(text.find("<html>"), text.rfind("<html>")) << "two pages in one file";
+    }
+    unsetenv("ZUL_GATESCOPE_CSV");
+    EXPECT_TRUE(directory.read(PAGE_1) == "another's page");
+    EXPECT_FALSE(fs::exists(directory.path("20260107_080905_Q01.csv")));
+}
+
+TEST_F(MakeGraph, JobsOfTheSameSecondFindTheirOwnNumbers) {
+    setenv("ZUL_GATESCOPE_CSV", "yes", 1);
+    for (unsigned job = 1; job <= 3; ++job) {
+        if (fork() != 0) continue;
+        result.cell_success[0] = job;
+        const std::string page = named_in(said_by_make_graph(1, false));
+        const bool own = numbers_beside(page).ends_with("," + std::to_string(job) + ",0\r\n");
+        _exit(own ? 0 : 1);
+    }
+    unsetenv("ZUL_GATESCOPE_CSV");
+    int ended = 0;
+    for (int status = 0; wait(&status) > 0; ++ended) EXPECT_EQ(status, 0);
+    EXPECT_EQ(ended, 3);
+    // A page and its numbers for each.
+    EXPECT_EQ(directory.names().size(), 7U) << "with the gatebits file";
 }
 
 TEST_F(MakeGraph, WithoutDisplayALineNamesThePage) {

@@ -73,6 +73,53 @@ TEST_F(PageFile, PagesOfSeveralAtOnceDoNotMix) {
     }
 }
 
+/// A page that is given the name of the page itself, and then those of others, one after the other.
+void create_own_page(const ScratchDirectory& directory, const std::string& text) {
+    int others = 0;
+    create_page(directory.path("page.html"), text,
+                [&] { return directory.path("page" + std::to_string(++others) + ".html"); });
+}
+
+TEST_F(PageFile, OfItsOwnTakesTheFirstNameThatIsFree) {
+    for (const char* text : {"one\n", "two\n", "three\n"}) create_own_page(directory, text);
+    EXPECT_EQ(directory.read("page.html"), "one\n");
+    EXPECT_EQ(directory.read("page1.html"), "two\n");
+    EXPECT_EQ(directory.read("page2.html"), "three\n");
+}
+
+TEST_F(PageFile, OfItsOwnLeavesWhateverHasTheNameAlone) {
+    directory.write("victim", "as it was");
+    fs::create_symlink("victim", page());
+    fs::create_symlink("nothing", directory.path("page1.html"));
+    fs::create_directory(directory.path("page2.html"));
+    ASSERT_EQ(mkfifo(directory.path("page3.html").c_str(), 0600), 0);
+    create_own_page(directory, "page");
+    EXPECT_EQ(directory.read("page4.html"), "page");
+    EXPECT_EQ(directory.read("victim"), "as it was");
+    EXPECT_FALSE(fs::exists(directory.path("nothing")));
+}
+
+TEST_F(PageFile, OfItsOwnThatFindsNoNameEndsTheProgram) {
+    directory.write("page.html", "before");
+    EXPECT_GRIPE(create_page(
+                     page(), "page", [&] { return page(); }, std::chrono::milliseconds(50)),
+                 unwritten("Other queries have its name", "It is as it was before this query."));
+    EXPECT_EQ(directory.read("page.html"), "before");
+}
+
+TEST_F(PageFile, OfItsOwnThatDoesNotFitIsGone) {
+    EXPECT_GRIPE(
+        {
+            limit_file_size(6000);
+            create_own_page(directory, std::string(100000, 'x'));
+        },
+        unwritten("File too large", "It is as it was before this query."));
+    EXPECT_FALSE(fs::exists(page()));
+    fs::remove_all(directory.path());
+    EXPECT_GRIPE(create_own_page(directory, "page"),
+                 "Could not create/open results file (" + page() + ")\n");
+}
+
 TEST_F(PageFile, ALinkIsNotFollowed) {
     directory.write("victim", "as it was");
     fs::create_symlink("victim", page());

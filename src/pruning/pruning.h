@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "logs/patience.h"
+#include "pruning/patience.h"
 
 /// A region's logs, as its pruning needs to know them.
 struct LogsToPrune {
@@ -20,6 +20,6 @@ struct LogsToPrune {
 /// alone, and why. Log writers are waited for with `patience`.
 ///
 /// A failure ends the program through gripe, and leaves the token behind. SIGINT, SIGTERM and
-/// SIGHUP take the scratch file and the token away. Whatever it is ended by, no retained record is
-/// lost, and the next pruning puts all in order; left_overs.h says how.
+/// SIGHUP take the scratch file and the token away. Wherever it is ended, no retained record is
+/// lost or doubled, and the next pruning puts all in order; left_overs.h says how.
 void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience = {});

@@ -1,9 +1,9 @@
-#include "logs/settling.h"
+#include "base/writers.h"
 
 #include <chrono>
 #include <csignal>
 
-#include "units/logs/pruning_region.h"
+#include "units/pruning/pruning_region.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ class Settling : public Pruning {
         file_ = Descriptor(open(log_file_path(0).c_str(), O_RDONLY | O_CLOEXEC));
         ASSERT_TRUE(file_);
     }
-    static Moment in(int milliseconds) {
+    static std::chrono::steady_clock::time_point in(int milliseconds) {
         return std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     }
     Descriptor file_;
@@ -24,7 +24,7 @@ class Settling : public Pruning {
 
 TEST_F(Settling, WithoutAWriterNothingIsWaitedFor) {
     const Settled settled = settle(file_, in(60'000));
-    EXPECT_FALSE(settled.is_written);
+    EXPECT_EQ(settled.writers, Writers::NONE);
     EXPECT_EQ(settled.size, 4);
 }
 
@@ -35,14 +35,14 @@ TEST_F(Settling, AWriterIsWaitedFor) {
         writer.end();
     });
     const Settled settled = settle(file_, in(60'000));
-    EXPECT_FALSE(settled.is_written);
+    EXPECT_EQ(settled.writers, Writers::NONE);
     EXPECT_EQ(settled.size, 8);
 }
 
 TEST_F(Settling, AWriterThatStaysIsToldOf) {
     const SlowWriter writer(log_file_path(0));
     const Settled settled = settle(file_, in(20));
-    EXPECT_TRUE(settled.is_written);
+    EXPECT_EQ(settled.writers, Writers::SOME);
     EXPECT_EQ(settled.size, 4);
     writer.end();
 }
@@ -57,20 +57,9 @@ TEST_F(Settling, NobodyIsKeptOutAfterwards) {
 TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
     // A lease on what was not opened for reading only is not to be had.
     const Descriptor file(open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC));
-    const Moment deadline = in(50);
-    settle(file, deadline);
+    const auto deadline = in(50);
+    EXPECT_EQ(settle(file, deadline).writers, Writers::UNKNOWN);
     EXPECT_GE(std::chrono::steady_clock::now(), deadline);
-}
-
-TEST_F(Settling, TheLeaseOfAnotherPruningIsWaitedFor) {
-    write_log(3, fresh(1));
-    write_file(pruning_companion_path(3), fresh(2));
-    const Descriptor other(open(log_file_path(3).c_str(), O_RDONLY | O_CLOEXEC));
-    fcntl(other.get(), F_SETSIG, SIGURG);
-    ASSERT_EQ(fcntl(other.get(), F_SETLEASE, F_RDLCK), 0);
-    const Later end([&] { fcntl(other.get(), F_SETLEASE, F_UNLCK); });
-    EXPECT_EQ(said_by_pruning(), result(1, 3));
-    EXPECT_EQ(file_text(log_file_path(3)), fresh(1) + fresh(2));
 }
 
 }  // namespace

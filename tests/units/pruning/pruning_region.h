@@ -8,7 +8,7 @@
 #include <map>
 #include <thread>
 
-#include "logs/pruning.h"
+#include "pruning/pruning.h"
 #include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 #include "units/logs/log_region.h"
@@ -55,6 +55,25 @@ class Pruning : public LogRegion {
     static mode_t mode_of(const std::string& path) {
         struct stat status;
         return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+    }
+    static void give(const std::string& path, uid_t user) {
+        ASSERT_EQ(lchown(path.c_str(), user, user), 0);
+    }
+    static bool is_root() { return geteuid() == 0; }
+    /// Outside of the directory of the logs.
+    static std::string elsewhere(const std::string& name) {
+        fs::create_directory(logging_dir + "/elsewhere");
+        return logging_dir + "/elsewhere/" + name;
+    }
+    /// What is said of a file whose records are still to be added.
+    static std::string stays(const std::string& path, const std::string& reason) {
+        return "The next pruning adds to its log what is left in (" + path + "): " + reason + ".\n";
+    }
+    static std::string taken(int number, int k = 0) {
+        return log_file_path(number) + ".taken_" + std::to_string(k);
+    }
+    static std::string old_file(int number, std::size_t size) {
+        return log_file_path(number) + ".old_" + std::to_string(size);
     }
     static ino_t inode_of(const std::string& path) {
         struct stat status;

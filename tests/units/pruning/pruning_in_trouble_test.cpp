@@ -1,0 +1,328 @@
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/syscall.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "support/failing_sync.h"
+#include "units/pruning/pruning_region.h"
+
+// A system that refuses, or fails, in the middle of a pruning.
+
+namespace {
+
+/// What happens before a call: 0, or the errno with which it fails instead. They are told the name;
+/// of two the second.
+struct Calls {
+    std::function<int(const std::string& name)> link;
+    std::function<int(const std::string& name)> unlink;
+    std::function<int(const std::string& name)> rename;
+};
+Calls& before() {
+    static Calls calls;
+    return calls;
+}
+
+/// The result of a call that fails with `error`, or is made.
+template <typename Call>
+int unless(int error, const Call& call) {
+    if (error == 0) return static_cast<int>(call());
+    errno = error;
+    return -1;
+}
+
+int asked(const std::function<int(const std::string&)>& what, const char* name) {
+    return what ? what(name) : 0;
+}
+
+}  // namespace
+
+// These take the place of the C library's.
+extern "C" {
+
+int linkat(int one, const char* from, int other, const char* to, int flags) noexcept {
+    return unless(asked(before().link, to),
+                  [&] { return syscall(SYS_linkat, one, from, other, to, flags); });
+}
+int unlinkat(int directory, const char* name, int flags) noexcept {
+    return unless(asked(before().unlink, name),
+                  [&] { return syscall(SYS_unlinkat, directory, name, flags); });
+}
+int renameat(int one, const char* from, int other, const char* to) noexcept {
+    return unless(asked(before().rename, to),
+                  [&] { return syscall(SYS_renameat2, one, from, other, to, 0); });
+}
+}
+
+namespace {
+
+class PruningInTrouble : public Pruning {
+  protected:
+    void TearDown() override {
+        before() = {};
+        good_syncs = -1;
+        Pruning::TearDown();
+    }
+    static std::string said_with_syncs(int good) {
+        good_syncs = good;
+        std::string said = said_by_pruning();
+        good_syncs = -1;
+        return said;
+    }
+    /// The only name in the directory that begins so.
+    static std::string the_one(const std::string& prefix) {
+        std::string found;
+        for (const auto& [name, text] : all_files()) {
+            if (!name.starts_with(prefix)) continue;
+            EXPECT_EQ(found, "");
+            found = logging_dir + "/" + name;
+        }
+        return found;
+    }
+    static constexpr char NO_ROOM[] = "No space left on device";
+};
+
+TEST_F(PruningInTrouble, WithoutATokenNothingIsDone) {
+    write_log(0, old(1));
+    fs::create_directory(pruning_token_path());
+    EXPECT_GRIPE(prune(), "Could not create needed pruning token");
+    EXPECT_EQ(file_text(log_file_path(0)), old(1));
+}
+
+TEST_F(PruningInTrouble, ATokenThatCannotBeWrittenIsTakenDownAgain) {
+    write_log(0, old(1));
+    const auto prune_without_room = [] {
+        limit_file_size(45);
+        prune();
+    };
+    EXPECT_GRIPE(prune_without_room(), "Could not create needed pruning token");
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1)}}));
+}
+
+TEST_F(PruningInTrouble, OneThatStoodAlreadyStaysAndWhatItMeansIsSaid) {
+    const std::string earlier(4000, '\n');
+    write_file(pruning_token_path(), earlier);
+    EXPECT_EXIT(
+        {
+            ZUL_PREFER_GUI = 0;
+            limit_file_size(earlier.size());
+            prune();
+        },
+        testing::ExitedWithCode(99),
+        "The pruning token \\(" + pruning_token_path() +
+            "\\) stays.  As long as it stands, log writers go on into companion files");
+    EXPECT_EQ(file_text(pruning_token_path()), earlier);
+}
+
+TEST_F(PruningInTrouble, WithoutAScratchFileNothingIsDoneAndTheTokenThatStaysIsNamed) {
+    write_log(0, old(1));
+    write_file(pruning_scratch_path() + "/inside", "");
+    EXPECT_GRIPE(prune(), "Could not create needed pruning file");
+    EXPECT_EXIT(
+        {
+            ZUL_PREFER_GUI = 0;
+            prune();
+        },
+        testing::ExitedWithCode(99), "The pruning token \\(" + pruning_token_path() + "\\) stays");
+    EXPECT_EQ(file_text(log_file_path(0)), old(1));
+    EXPECT_TRUE(fs::exists(pruning_token_path()));
+    EXPECT_TRUE(fs::exists(pruning_scratch_path() + "/inside"));
+}
+
+TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
+    write_log(0, old(1));
+    write_file(elsewhere("secret"), "a text");
+    fs::create_symlink("elsewhere/secret", pruning_scratch_path());
+    EXPECT_GRIPE(prune(), "Could not create needed pruning file");
+    EXPECT_EQ(file_text(elsewhere("secret")), "a text");
+    EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
+}
+
+TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
+    write_log(0, old(1));
+    const int other = open(logging_dir.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(other, LOCK_EX), 0);
+    EXPECT_GRIPE(prune(),
+                 "ERROR: The logs of the Gatewarden Region (east) are being pruned by another "
+                 "process.  Nothing was changed.");
+    close(other);
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1)}}));
+    EXPECT_EQ(said_by_pruning(), result(1, 1));
+}
+
+TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
+    std::string log = old(1);
+    for (int i = 0; i < 400; ++i) log += fresh(i % 100);
+    write_log(0, log);
+    write_log(1, old(1) + fresh(1));
+    const auto prune_without_room = [] {
+        limit_file_size(4096);
+        prune();
+        std::fflush(stdout);
+        std::exit(0);
+    };
+    EXPECT_EXIT(
+        {
+            hear_standard_output_alone();
+            prune_without_room();
+        },
+        testing::ExitedWithCode(0),
+        testing::Eq(left_alone(log_file_path(0), "pruning_.txt: File too large") + result(1, 2)));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", log}, {"logging_1.txt", fresh(1)}}));
+    EXPECT_EQ(said_by_pruning(), result(1, 402));
+}
+
+// As where a network loses the answer, and the call is made once more.
+TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
+    write_log(3, old(1) + fresh(1));
+    before().link = [](const std::string& second) {
+        EXPECT_EQ(syscall(SYS_link, log_file_path(3).c_str(), (logging_dir + "/" + second).c_str()),
+                  0);
+        return EEXIST;
+    };
+    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
+}
+
+TEST_F(PruningInTrouble, WithoutSecondNamesNothingIsBegun) {
+    write_log(3, old(1) + fresh(1));
+    write_log(4, fresh(1));
+    ASSERT_EQ(chmod(log_file_path(4).c_str(), 0666), 0);
+    before().link = [](const std::string&) { return EPERM; };
+    EXPECT_EQ(said_by_pruning(),
+              left_alone(log_file_path(3), "Operation not permitted") + result(0, 1));
+    EXPECT_EQ(all_files(),
+              (Files{{"logging_3.txt", old(1) + fresh(1)}, {"logging_4.txt", fresh(1)}}));
+}
+
+// What may not have reached the disk does not take the place of what has.
+TEST_F(PruningInTrouble, ANewTextThatTheDiskDoesNotKeepDoesNotBecomeTheLog) {
+    write_log(0, old(1) + fresh(1));
+    EXPECT_EQ(said_with_syncs(0),
+              left_alone(log_file_path(0), "pruning_.txt: Input/output error") + result(0, 0));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1) + fresh(1)}}));
+}
+
+// Nothing that the ready text holds is removed before the disk keeps its name.
+TEST_F(PruningInTrouble, ACommitThatTheDiskDoesNotKeepRemovesNothing) {
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    before().rename = [](const std::string& name) {
+        // The next one is that of the directory, which then has the ready text's name.
+        if (name.starts_with("logging_0.txt.ready_")) good_syncs = 0;
+        return 0;
+    };
+    before().unlink = [](const std::string& name) {
+        if (name != "logging_0.txt.taken_0") return 0;
+        EXPECT_FALSE(fs::exists(pruning_token_path()));
+        return 0;
+    };
+    // The second try, after the token has gone, succeeds.
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, AReadyTextThatCannotBePutInPlaceIsThereForTheNextRun) {
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    before().rename = [](const std::string& name) { return name == "logging_0.txt" ? EIO : 0; };
+    const std::string said = said_by_pruning();
+    const std::string ready = the_one("logging_0.txt.ready_");
+    const std::string reason = ready.substr(ready.rfind('/') + 1) + ": Input/output error";
+    EXPECT_EQ(said.find(left_alone(log_file_path(0), reason)), 0u) << said;
+    EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
+    EXPECT_EQ(file_text(ready), fresh(1) + fresh(2));
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, WhatCannotBeRemovedIsNotAddedTwice) {
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), old(2) + fresh(2));
+    before().unlink = [](const std::string& name) {
+        return name == "logging_0.txt.taken_0" ? EIO : 0;
+    };
+    write_log(1, old(1));
+    EXPECT_TRUE(said_by_pruning().ends_with(result(1, 1)));
+    EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
+    fs::remove(log_file_path(1));
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+TEST_F(PruningInTrouble, WhatComesToTheOldFileWhileItIsReplacedIsAdded) {
+    write_log(0, old(1) + fresh(1));
+    before().rename = [](const std::string& name) {
+        if (name != "logging_0.txt") return 0;
+        before() = {};
+        std::ofstream(log_file_path(0), std::ios::app) << old(2) + fresh(2);
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(), result(2, 4));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
+}
+
+// A process that appends in two pieces, beginning right before the new text takes the log's place.
+TEST_F(PruningInTrouble, ARecordInTwoPiecesAndItsNeighboursStayWhole) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    std::unique_ptr<SlowWriter> writer;
+    std::unique_ptr<Later> rest;
+    before().rename = [&](const std::string& name) {
+        if (name != "logging_0.txt" || writer) return 0;
+        writer = std::make_unique<SlowWriter>(log_file_path(0));
+        writer->write(fresh(3).substr(0, 15));
+        rest = std::make_unique<Later>([&] {
+            writer->write(fresh(3).substr(15));
+            writer->end();
+        });
+        return 0;
+    };
+    said_by_pruning();
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
+}
+
+TEST_F(PruningInTrouble, ALogThatIsReplacedMeanwhileKeepsItsTexts) {
+    write_log(0, old(1) + fresh(1));
+    before().link = [](const std::string& name) {
+        if (!name.starts_with("logging_0.txt.old_")) return 0;
+        before().link = {};
+        fs::rename(log_file_path(0), logging_dir + "/rotated");
+        write_log(0, fresh(5));
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(all_files(),
+              (Files{{"logging_0.txt", fresh(5) + fresh(1)}, {"rotated", old(1) + fresh(1)}}));
+}
+
+TEST_F(PruningInTrouble, WhatIsNotDoneIsNotCounted) {
+    write_log(0, old(1) + fresh(1));
+    write_log(1, old(1) + fresh(1));
+    before().rename = [](const std::string& name) {
+        return name.starts_with("logging_0.txt.ready_") ? ENOSPC : 0;
+    };
+    const std::string said = said_by_pruning();
+    EXPECT_TRUE(said.ends_with(std::string(": ") + NO_ROOM + ".\n" + result(1, 2))) << said;
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+}
+
+TEST_F(PruningInTrouble, ACompanionThatCannotBeTakenStaysOne) {
+    write_log(0, old(1) + fresh(1));
+    write_file(pruning_companion_path(0), fresh(2));
+    before().rename = [](const std::string& name) {
+        return name == "logging_0.txt.taken_0" ? EACCES : 0;
+    };
+    EXPECT_EQ(said_by_pruning(),
+              left_alone(log_file_path(0), "logging__0.txt: Permission denied") + result(0, 0));
+    EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(2));
+    before() = {};
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+}
+
+}  // namespace
