@@ -5,8 +5,10 @@ option(GATESCOPE_PLAIN_POSIX "Use nothing but what every POSIX system has" OFF)
 include(CheckCXXSymbolExists)
 include(CheckLinkerFlag)
 
-# Where a long or a time has 32 bits, files and the times in them have 64 all the same.
-add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+  # Files may be larger than addresses, and times later.
+  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
+endif()
 
 # gatescope_feature(<name> <header> <symbol>): defines GATESCOPE_HAS_<name> as 1 or 0.
 function(gatescope_feature name header symbol)

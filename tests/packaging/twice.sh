@@ -17,10 +17,12 @@ build_in() {
     mkdir -p "$1/sources"
     tar -C "$source" --exclude=./.git --exclude='./build*' --exclude=./demo-region -c . |
         tar -C "$1/sources" -x
-    cmake -S "$1/sources" -B "$1/built" -G "$(setting CMAKE_GENERATOR)" \
-        -DCMAKE_CXX_COMPILER="$(setting CMAKE_CXX_COMPILER)" -DCMAKE_BUILD_TYPE=None \
-        -DCMAKE_CXX_FLAGS='-O0 -g1' -DBUILD_TESTING=OFF >"$1/log" 2>&1 &&
-        cmake --build "$1/built" --parallel 2 >"$1/log" 2>&1 || fail "$(cat "$1/log")"
+    {
+        cmake -S "$1/sources" -B "$1/built" -G "$(setting CMAKE_GENERATOR)" \
+            -DCMAKE_CXX_COMPILER="$(setting CMAKE_CXX_COMPILER)" -DCMAKE_BUILD_TYPE=None \
+            -DCMAKE_CXX_FLAGS='-O0 -g1' -DBUILD_TESTING=OFF &&
+            cmake --build "$1/built" --parallel 2
+    } >"$1/log" 2>&1 || fail "$(cat "$1/log")"
     cp "$1/built/gatescope" "$1/program"
     cpack -G DEB --config "$1/built/CPackConfig.cmake" -B "$1/made" >"$1/log" 2>&1 ||
         fail "cpack: $(cat "$1/log")"
