@@ -27,7 +27,7 @@ std::optional<std::string> pick_one(const std::string& title, const std::string&
 
 std::optional<int> number_at_front(const std::string& pick) {
     if (pick.empty() || pick.front() < '0' || pick.front() > '9') return std::nullopt;
-    const long number = leading_number(pick.c_str());
+    const long long number = leading_number(pick.c_str());
     if (number > std::numeric_limits<int>::max()) return std::nullopt;
     return static_cast<int>(number);
 }

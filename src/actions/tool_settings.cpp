@@ -11,12 +11,12 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "logs/log_files.h"
-#include "pruning/pruning.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 #include "policy/tool_variables.h"
+#include "pruning/pruning.h"
 
 namespace {
 

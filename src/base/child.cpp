@@ -1,6 +1,5 @@
 #include "base/child.h"
 
-#include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
@@ -14,6 +13,7 @@
 #include <cstdio>
 
 #include "base/filled.h"
+#include "base/platform.h"
 #include "base/search_path.h"
 #include "base/signals_held.h"
 
@@ -62,35 +62,9 @@ struct Family {
     int size;
 };
 
-/// Writes `number` in decimal to `at`; the place after it.
-char* put_number(char* at, pid_t number) {
-    char* begin = at;
-    for (; number > 0; number /= 10) *at++ = static_cast<char>('0' + number % 10);
-    std::reverse(begin, at);
-    return at;
-}
-
-char* put_text(char* at, const char* text) {
-    while (*text != '\0') *at++ = *text++;
-    return at;
-}
-
-/// The system's list of the children of a process: decimal numbers, a blank after each. Where
-/// there is no such list, there are no children to be seen.
-ssize_t read_children(pid_t process, std::array<char, 1024>* list) {
-    std::array<char, 64> path = {};
-    char* end = put_number(put_text(path.data(), "/proc/"), process);
-    put_text(put_number(put_text(end, "/task/"), process), "/children");
-    const int file = open(path.data(), O_RDONLY | O_CLOEXEC);
-    if (file == -1) return 0;
-    const ssize_t got = read(file, list->data(), list->size());
-    close(file);
-    return got;
-}
-
 void add_children(pid_t process, Family* family) {
     std::array<char, 1024> list;
-    const ssize_t size = read_children(process, &list);
+    const ssize_t size = read_children(process, list.data(), list.size());
     pid_t number = 0;
     for (ssize_t i = 0; i < size; ++i) {
         const char c = list[static_cast<std::size_t>(i)];

@@ -1,7 +1,6 @@
 #include "base/directory.h"
 
 #include <dirent.h>
-#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -10,12 +9,13 @@
 #include <string_view>
 
 #include "base/files.h"
+#include "base/platform.h"
 
 Directory::Directory(const std::string& path)
     : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
 int Directory::lock() const {
-    return flock(descriptor(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+    return lock_exclusively(descriptor());
 }
 
 Directory::Entry Directory::look(const std::string& name) const {

@@ -1,12 +1,12 @@
 #include "base/file_lock.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <thread>
 
 #include "base/file_identity.h"
+#include "base/platform.h"
 
 namespace {
 
@@ -20,11 +20,6 @@ Descriptor open_to_lock(const std::string& path) {
     return file;
 }
 
-/// 0, or the errno of a lock that was not got.
-int take_lock(const Descriptor& file) {
-    return flock(file.get(), LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
-}
-
 }  // namespace
 
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) {
@@ -32,7 +27,7 @@ FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) 
     while (true) {
         Descriptor file = open_to_lock(path);
         if (!file) return {};
-        const int error = take_lock(file);
+        const int error = lock_exclusively(file.get());
         if (error != 0 && error != EWOULDBLOCK && error != EINTR) {
             return {LockState::NOT_TO_BE_HAD, std::move(file)};
         }

@@ -28,7 +28,7 @@ struct Options {
     /// A user, lower-cased, or "*".
     std::string selected_user;
     /// A key or bit number; -1 for all.
-    long selected_key = 0;
+    long long selected_key = 0;
     int selected_bit = 0;
     /// "y" or "n".
     std::string selected_display = "y";

@@ -1,13 +1,16 @@
 #include "base/processors.h"
 
-#include <sched.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <sstream>
 
+#include "base/platform.h"
+
 namespace {
+
+/// Of a machine with more processors than can be told.
+constexpr int MANY = 1024;
 
 /// The first words of a file; empty where there are none.
 struct Words {
@@ -82,11 +85,9 @@ int processors_granted(const std::string& membership, const std::string& root) {
 }
 
 int usable_processors() {
-    cpu_set_t allowed;
-    CPU_ZERO(&allowed);
-    // A machine with more processors than fit into the set has enough of them.
-    const int processors =
-        sched_getaffinity(0, sizeof allowed, &allowed) == 0 ? CPU_COUNT(&allowed) : CPU_SETSIZE;
-    const int granted = processors_granted("/proc/self/cgroup", "/sys/fs/cgroup");
+    const int told = processors_allowed();
+    const int processors = told != 0 ? told : MANY;
+    const int granted =
+        HAS_CONTROL_GROUPS ? processors_granted("/proc/self/cgroup", "/sys/fs/cgroup") : -1;
     return std::max(1, smaller_limit(processors, granted));
 }

@@ -11,6 +11,7 @@
 
 #include "base/file_identity.h"
 #include "base/filled.h"
+#include "base/platform.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "messages/startup_texts.h"
@@ -62,7 +63,7 @@ int create_beside(const std::string& path, std::string* new_path) {
         return -1;
     }
     *new_path = path.substr(0, path.rfind('/') + 1) + ".gatescope_XXXXXX";
-    const int descriptor = mkostemp(new_path->data(), O_CLOEXEC);
+    const int descriptor = make_unique_file(new_path);
     if (descriptor != -1) remember_temporary_file(*new_path);
     return descriptor;
 }

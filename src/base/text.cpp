@@ -84,6 +84,6 @@ std::string words_joined(std::string_view text) {
     return joined;
 }
 
-long leading_number(const char* text) {
-    return std::strtol(text, nullptr, 10);
+long long leading_number(const char* text) {
+    return std::strtoll(text, nullptr, 10);
 }

@@ -42,5 +42,5 @@ std::vector<std::string> terminated_fields(const std::string& line);
 std::string words_joined(std::string_view text);
 
 /// The decimal number at the start of `text`, stopping at the first character that is no digit;
-/// a sign counts, a missing number is 0, and one too large for the type is its limit.
-long leading_number(const char* text);
+/// a sign counts, a missing number is 0, and one that 64 bits do not hold is their limit.
+long long leading_number(const char* text);

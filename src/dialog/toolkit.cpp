@@ -60,7 +60,7 @@ enum class End { DESTINATION, SOURCE };
     gripe(message, reason);
 }
 
-bool same_bytes(FILE* one, FILE* other, long size) {
+bool same_bytes(FILE* one, FILE* other, off_t size) {
     for (; size > 0; --size) {
         const int byte = std::getc(one);
         if (byte == EOF || byte != std::getc(other)) return false;

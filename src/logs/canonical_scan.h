@@ -35,7 +35,7 @@ constexpr std::size_t USER_PLACE = 13;
 /// With an empty user.
 constexpr std::ptrdiff_t SHORTEST = 20;
 /// Row of records outside the period.
-constexpr std::uint64_t NO_ROW = RecordTally::ROWS - 1;
+constexpr unsigned NO_ROW = RecordTally::ROWS - 1;
 
 constexpr char KINDS[] = "sdbp";
 constexpr char DETAILS[] = "abcdkr-";
@@ -160,9 +160,10 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     if (time < earliest->time) *earliest = {time, digits};
     if (!passes) return true;
 
-    std::uint64_t row;
+    unsigned row;
     if constexpr (PER_DAY) {
-        row = std::min<std::uint64_t>(static_cast<std::uint64_t>(age) / SECONDS_A_DAY, NO_ROW);
+        const std::uint64_t day = static_cast<std::uint64_t>(age) / SECONDS_A_DAY;
+        row = static_cast<unsigned>(std::min<std::uint64_t>(day, NO_ROW));
     } else {
         row = static_cast<std::uint64_t>(age) < QUERY_DAYS * SECONDS_A_DAY
                   ? code(TENS, end - 3) + units

@@ -21,10 +21,10 @@ namespace {
 
 // Records as the policy engine writes them: time, kind, user, command, then detail letter and
 // number where they vary.
-constexpr char DENIED_RECORD[] = "%ld:%c:%s[%d]%c<%d>\n";
-constexpr char BIT_RECORD[] = "%ld:%c:%s[%d]-<%d>\n";
-constexpr char ALLOWED_RECORD[] = "%ld:%c:%s[%d]-<->\n";
-constexpr char PARENT_RECORD[] = "%ld:%c:%s[%d]%c<->\n";
+constexpr char DENIED_RECORD[] = "%lld:%c:%s[%d]%c<%d>\n";
+constexpr char BIT_RECORD[] = "%lld:%c:%s[%d]-<%d>\n";
+constexpr char ALLOWED_RECORD[] = "%lld:%c:%s[%d]-<->\n";
+constexpr char PARENT_RECORD[] = "%lld:%c:%s[%d]%c<->\n";
 
 constexpr int DEMO_RECORDS = 50000;
 constexpr int PROGRESS_STEP = 100;
@@ -60,7 +60,7 @@ char drawn_kind(std::int64_t end_of_day_time, std::int64_t time) {
 std::string drawn_record(std::int64_t end_of_day_time) {
     const std::string user = "user" + std::to_string(draw(5));
     const std::int64_t day = draw(QUERY_DAYS);
-    const std::int64_t time = end_of_day_time - SECONDS_A_DAY / 2 - day * SECONDS_A_DAY;
+    const long long time = end_of_day_time - SECONDS_A_DAY / 2 - day * SECONDS_A_DAY;
     const int command = draw(40) + 1;
     const char kind = drawn_kind(end_of_day_time, time);
     switch (kind) {

@@ -50,8 +50,8 @@ std::int64_t end_of_day(std::int64_t now, const std::tm& local) {
     return now + (23 - local.tm_hour) * 3600 + (59 - local.tm_min) * 60 + (59 - local.tm_sec);
 }
 
-long year_of(const std::tm& local) {
-    return 1900L + local.tm_year;
+long long year_of(const std::tm& local) {
+    return 1900LL + local.tm_year;
 }
 
 }  // namespace
@@ -87,18 +87,18 @@ QueryPeriod set_time_values(int days_to_show, std::int64_t now) {
 std::string time_text(std::int64_t time) {
     std::tm local = {};
     if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%s %02d:%02d:%02d %ld", day_text(local).c_str(), local.tm_hour, local.tm_min,
+    return filled("%s %02d:%02d:%02d %lld", day_text(local).c_str(), local.tm_hour, local.tm_min,
                   local.tm_sec, year_of(local));
 }
 
 std::string date_text(std::int64_t time) {
     std::tm local = {};
     if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%s %ld", day_text(local).c_str(), year_of(local));
+    return filled("%s %lld", day_text(local).c_str(), year_of(local));
 }
 
 std::string iso_date_text(std::int64_t time) {
     std::tm local = {};
     if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%04ld-%02d-%02d", year_of(local), local.tm_mon + 1, local.tm_mday);
+    return filled("%04lld-%02d-%02d", year_of(local), local.tm_mon + 1, local.tm_mday);
 }

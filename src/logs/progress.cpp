@@ -34,13 +34,12 @@ void Progress::draw(Clock::time_point now) {
         next_ = Clock::time_point::max();
         return;
     }
-    const off_t done = std::max<off_t>(done_.load(std::memory_order_relaxed), 1);
+    const long long done = std::max<off_t>(done_.load(std::memory_order_relaxed), 1);
     // A log may have grown since the total was taken.
-    const off_t total = std::max(total_, done);
+    const long long total = std::max<long long>(total_, done);
     const double lasted = std::chrono::duration<double>(now - begun_).count();
     const double left = lasted * static_cast<double>(total - done) / static_cast<double>(done);
-    std::string line = filled(PROGRESS_LINE, static_cast<long long>(done / MEGABYTE),
-                              static_cast<long long>(total / MEGABYTE), left);
+    std::string line = filled(PROGRESS_LINE, done / MEGABYTE, total / MEGABYTE, left);
     const std::size_t length = line.size();
     line.resize(std::max(length, drawn_), ' ');
     drawn_ = length;

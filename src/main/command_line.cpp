@@ -30,7 +30,7 @@ struct Argument {
 
 constexpr char DIGITS[] = "0123456789";
 constexpr char EVERYTHING[] = "*";
-constexpr long ALL_NUMBERS = -1;
+constexpr int ALL_NUMBERS = -1;
 
 [[noreturn]] void show_usage() {
     gripe(filled(USAGE, SELF, VERSION, BUILD, SELF, highest_number(RequestKind::QUERY),
@@ -60,7 +60,7 @@ constexpr std::array<SoleOption, 5> SOLE_OPTIONS = {{{ARG_IDENTIFY, say_nothing}
 /// `limit`.
 int number_up_to(const std::string& value, int limit) {
     if (value.find_first_of(DIGITS) != 0) return 0;
-    const long number = leading_number(value.c_str());
+    const long long number = leading_number(value.c_str());
     return number <= limit ? static_cast<int>(number) : 0;
 }
 
@@ -84,7 +84,7 @@ void take_bit(const Argument& argument, Options* options) {
     if (argument.value == EVERYTHING) return;
     if (argument.value.front() == '*') gripe(filled(ERROR_43, whole, HIGHEST_BIT));
     if (!holds_only(argument.value.c_str(), DIGITS)) gripe(filled(ERROR_43b, whole, HIGHEST_BIT));
-    const long bit = leading_number(argument.value.c_str());
+    const long long bit = leading_number(argument.value.c_str());
     if (bit > HIGHEST_BIT) gripe(filled(ERROR_43, whole, HIGHEST_BIT));
     options->selected_bit = static_cast<int>(bit);
 }

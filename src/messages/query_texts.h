@@ -29,9 +29,9 @@ inline constexpr char TITLE_Q1_ALL[] =
     "ClearCase command success/denied usage for:<br>(all) commands";
 inline constexpr char TITLE_Q2_ONE[] = "ClearCase Functionality Bit usage for:<br>bit #%d (%s)";
 inline constexpr char TITLE_Q2_ALL[] = "ClearCase Functionality Bit usage for:<br>(all) bits";
-inline constexpr char TITLE_Q3_ONE[] = "ClearCase Comand Key usage for:<br>key #%ld";
+inline constexpr char TITLE_Q3_ONE[] = "ClearCase Comand Key usage for:<br>key #%lld";
 inline constexpr char TITLE_Q3_ALL[] = "ClearCase Command Key denials for:<br>(all) keys";
-inline constexpr char TITLE_Q3_LITE_ONE[] = "ClearCase CPD usage for:<br>CPD #%ld";
+inline constexpr char TITLE_Q3_LITE_ONE[] = "ClearCase CPD usage for:<br>CPD #%lld";
 inline constexpr char TITLE_Q3_LITE_ALL[] = "ClearCase CPD denials for:<br>(all) keys";
 inline constexpr char TITLE_Q4[] = "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits";
 inline constexpr char TITLE_Q5[] = "ClearCase Comand Key vs. Key usage for:<br>(all) Keys";

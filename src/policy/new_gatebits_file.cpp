@@ -1,6 +1,5 @@
 #include "policy/new_gatebits_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -14,6 +13,7 @@
 #include "base/file_lock.h"
 #include "base/files.h"
 #include "base/filled.h"
+#include "base/platform.h"
 #include "base/replace_file.h"
 #include "base/run_identity.h"
 #include "base/temporary_files.h"
@@ -69,11 +69,9 @@ std::string unfinished_name(const std::string& path) {
 /// Gives the finished file its name unless that is taken; 0 or an errno. File systems that cannot
 /// rename without replacing can link.
 int give_name(const std::string& unfinished, const std::string& path) {
-    if (renameat2(AT_FDCWD, unfinished.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0) {
-        forget_temporary_file(unfinished);
-        return 0;
-    }
-    if (errno != EINVAL && errno != ENOSYS) return errno;
+    const int error = rename_unless_there(unfinished, path);
+    if (error == 0) forget_temporary_file(unfinished);
+    if (error != EINVAL && error != ENOSYS) return error;
     return link(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
 }
 

@@ -17,7 +17,7 @@ namespace {
 // How log records hold a value: the number of a command, a user, a bit or key.
 constexpr char COMMAND_FILTER[] = "[%d]";
 constexpr char USER_FILTER[] = ":%s[";
-constexpr char NUMBER_FILTER[] = "<%ld>";
+constexpr char NUMBER_FILTER[] = "<%lld>";
 
 // What the command line gave.
 
@@ -27,7 +27,7 @@ std::string given_command(const Options& options) {
 std::string given_user(const Options& options) {
     return options.selected_user;
 }
-std::string number_or_all(long number) {
+std::string number_or_all(long long number) {
     return number == -1 ? ALL : std::to_string(number);
 }
 std::string given_bit(const Options& options) {
@@ -75,7 +75,7 @@ std::string as_answered(const std::string& answer) {
 
 std::string bit_in(const std::string& answer) {
     if (answer.starts_with(ALL)) return ALL;
-    const long bit = leading_number(answer.c_str());
+    const long long bit = leading_number(answer.c_str());
     if (bit < 0 || bit > HIGHEST_BIT) gripe_uncoded("Q_2");
     return answer.empty() ? "" : std::to_string(bit);
 }

@@ -50,7 +50,7 @@ std::string title_2(const std::string& subject, int /*edition*/) {
 std::string title_3(const std::string& subject, int edition) {
     const bool lite = edition == 0;
     if (subject == ALL) return lite ? TITLE_Q3_LITE_ALL : TITLE_Q3_ALL;
-    const long key = leading_number(subject.c_str());
+    const long long key = leading_number(subject.c_str());
     return lite ? filled(TITLE_Q3_LITE_ONE, key) : filled(TITLE_Q3_ONE, key);
 }
 

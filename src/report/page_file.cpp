@@ -1,7 +1,6 @@
 #include "report/page_file.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 
 #include "base/descriptor.h"
 #include "base/filled.h"
+#include "base/platform.h"
 #include "base/replace_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
@@ -82,8 +82,9 @@ Try try_to_append(const std::string& path, const std::string& text, Share share)
     PageFile page = open_page(path, share);
     if (!page.file && errno == EEXIST) return {Tried::NAME_IS_TAKEN};
     if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
-    page.is_locked = flock(page.file.get(), LOCK_EX | LOCK_NB) == 0;
-    if (!page.is_locked && (errno == EWOULDBLOCK || errno == EINTR)) return {Tried::TRY_AGAIN};
+    const int no_lock = lock_exclusively(page.file.get());
+    page.is_locked = no_lock == 0;
+    if (no_lock == EWOULDBLOCK || no_lock == EINTR) return {Tried::TRY_AGAIN};
     struct stat before;
     if (fstat(page.file.get(), &before) != 0) {
         const std::string reason = std::strerror(errno);

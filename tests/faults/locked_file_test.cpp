@@ -1,8 +1,8 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 
 #include "base/descriptor.h"
+#include "base/platform.h"
 #include "base/run_identity.h"
 #include "faults/in_child.h"
 #include "policy/gatebits_file.h"
@@ -17,7 +17,7 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     const std::string file = directory / "gatebits.txt";
     write_file(file, "one;\n");
     const Descriptor theirs(open(file.c_str(), O_RDWR | O_CLOEXEC));
-    ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
+    ASSERT_EQ(lock_exclusively(theirs.get()), 0);
     const Ended ended = in_child([&] {
         TEMP_DIR = directory / "";
         change(

@@ -17,6 +17,7 @@
 #include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "faults/small_disk.h"
+#include "support/needs.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -191,6 +192,7 @@ TEST_F(ReplaceFile, OwnerAndGroupStay) {
 }
 
 TEST_F(ReplaceFile, ExtendedAttributesStay) {
+    NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
     if (setxattr(file.c_str(), "user.note", "kept", 4, 0) != 0) {
         GTEST_SKIP() << "the file system has no extended attributes";
     }
@@ -228,6 +230,7 @@ ssize_t size_of_list(const std::string& path) {
 }
 
 TEST_F(ReplaceFile, AccessControlListStays) {
+    NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
     if (!give_list(file, ACCESS_LIST)) GTEST_SKIP() << "the file system has no such lists";
     const mode_t mode = status_of(file).st_mode;
     EXPECT_EQ(replaced().status, 0);
@@ -239,6 +242,7 @@ TEST_F(ReplaceFile, AccessControlListStays) {
 }
 
 TEST_F(ReplaceFile, DirectorysDefaultListLetsNobodyInWhoWasOut) {
+    NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
     ASSERT_EQ(chmod(file.c_str(), 0640), 0);
     if (!give_list(directory / "", DEFAULT_LIST)) GTEST_SKIP() << "no such lists here";
     ASSERT_LT(size_of_list(file), 0);
@@ -327,6 +331,7 @@ TEST_F(ReplaceFile, MissingFileIsRefusedInTheDescribedWords) {
 }
 
 TEST_F(ReplaceFile, DirectoryThatKeepsEveryNewFileGetsNone) {
+    NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly kept(directory / "");
     if (!kept.is_set())
         GTEST_SKIP() << "needs root, and a file system with append-only directories";

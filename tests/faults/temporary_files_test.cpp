@@ -18,6 +18,7 @@
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 #include "scenes/region.h"
+#include "support/needs.h"
 
 namespace {
 
@@ -152,6 +153,7 @@ TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
 }
 
 TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
+    NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly kept(temporary + "/");
     if (!kept.is_set())
         GTEST_SKIP() << "needs root, and a file system with append-only directories";

@@ -15,6 +15,7 @@ said=$(lintian $as_root --fail-on error,warning --info --display-info "$1") ||
 $said"
 
 grep -qE '^CMAKE_BUILD_TYPE:STRING=(Rel|MinSizeRel)' "$build/CMakeCache.txt" || exit 0
+grep -qE '^GATESCOPE_PLAIN_POSIX:BOOL=(OFF|0)' "$build/CMakeCache.txt" || exit 0
 
 # What it only hints at, of a program that is optimised.
 hints=$(grep -E '^[A-Z]: .* hardening-no-(bindnow|fortify-functions|pie|relro)' <<<"$said" || true)

@@ -329,7 +329,7 @@ TEST(Queries, WithoutAnyRecordTheOperatorIsToldAndThePageDrawn) {
 }
 
 TEST(Queries, OldRecordsRaiseOneWarning) {
-    const long old = std::time(nullptr) - 200L * 86400;
+    const std::time_t old = std::time(nullptr) - 200 * 86400;
     std::string records;
     for (int i = 0; i < 50; ++i) records += std::to_string(old + i) + ":S:ann[2]-<->\n";
     Region east = a_region().with_log(3, records).without_dialogs();

@@ -48,6 +48,12 @@ std::vector<RecordedCall> read_journal(const fs::path& path) {
     return calls;
 }
 
+/// The program that was built beside the tests, or one that scripts/machines starts for them.
+std::string tested_program() {
+    const char* other = std::getenv("GATESCOPE_TESTED_PROGRAM");
+    return other != nullptr ? other : GATESCOPE_PROGRAM;
+}
+
 /// A path to a temporary file of the program, the same in every run.
 std::string without_numbers(std::string argument, const std::string& directory, long pid) {
     if (!argument.starts_with(directory + "/")) return argument;
@@ -256,7 +262,7 @@ Region& Region::program_answers(const std::string& program, const ScriptedAnswer
 }
 
 Result Region::run(const Args& args) {
-    return run_program(GATESCOPE_PROGRAM, path("bin/gatescope"), args);
+    return run_program(tested_program(), path("bin/gatescope"), args);
 }
 
 Result Region::run_program(const std::string& program, const std::string& name, const Args& args) {
@@ -275,7 +281,7 @@ Result Region::run_program(const std::string& program, const std::string& name, 
 }
 
 Result Region::run_after(const std::string& preparation, const Args& args) {
-    Args shell = {"-c", preparation + "\nexec \"$0\" \"$@\"", GATESCOPE_PROGRAM};
+    Args shell = {"-c", preparation + "\nexec \"$0\" \"$@\"", tested_program()};
     shell.insert(shell.end(), args.begin(), args.end());
     return run_program("/bin/sh", "sh", shell);
 }

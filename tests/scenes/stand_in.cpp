@@ -111,8 +111,8 @@ void stay(const ScriptedAnswer& answer) {
     sigset_t asking;
     sigemptyset(&asking);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&asking, signal);
-    const timespec end = {delay / std::chrono::seconds(1),
-                          delay % std::chrono::seconds(1) / std::chrono::nanoseconds(1)};
+    const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
+    const timespec end = {delay / std::chrono::seconds(1), static_cast<int>(rest.count())};
     sigtimedwait(&asking, nullptr, &end);
 }
 

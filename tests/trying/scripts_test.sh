@@ -41,7 +41,7 @@ for script in "$source_directory"/scripts/*; do
     case_is "$(basename "$script"), asked for what it does not know"
     refuses "$script" --no-such-option
 done
-for wrong in 'fuzz nothing' 'fuzz policy many' 'bench many' 'bench 500 often' 'lint --quick --surprise'; do
+for wrong in 'machines vax' 'fuzz nothing' 'fuzz policy many' 'bench many' 'bench 500 often' 'lint --quick --surprise'; do
     case_is "$wrong"
     # shellcheck disable=SC2086 # the name and its arguments
     refuses "$source_directory"/scripts/$wrong
@@ -52,7 +52,7 @@ odd_paths=('a "clone"' "somebody's" '$(touch executed)' 'a;clone' 'a#clone')
 for path in "${odd_paths[@]}"; do
     mkdir "$path"
     cp -r "$source_directory/scripts" "$path"
-    for script in bench coverage demo dialog_picture faults fuzz lint test; do
+    for script in bench coverage demo dialog_picture faults fuzz lint machines test; do
         case_is "$script in the directory $path"
         refuses "$path/scripts/$script"
         expect_holds "what is said" "$path" "$(<err)"

@@ -14,6 +14,8 @@
 #include <thread>
 #include <utility>
 
+#include "base/platform.h"
+#include "support/needs.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -50,8 +52,8 @@ class FileLocked : public testing::Test {
 
     /// Whether somebody else could lock the file now.
     bool is_free(const std::string& name) const {
-        const Descriptor file(open(path(name).c_str(), O_RDONLY | O_CLOEXEC));
-        return flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+        const Descriptor file(open(path(name).c_str(), O_RDWR | O_CLOEXEC));
+        return lock_exclusively(file.get()) == 0;
     }
 
     ScratchDirectory directory_;
@@ -106,6 +108,7 @@ TEST_F(FileLocked, WhoWaitsWhileTheFileIsReplacedGetsTheNewOnesLock) {
 // Whoever opens the file just before it is replaced, and locks it just after, has the lock of a
 // file that nobody sees any more.
 TEST_F(FileLocked, TheLockOfAFileThatWasReplacedMeanwhileIsNotEnough) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     FileLock theirs;
     at_next_flock() = [&] {
         put("new");
@@ -118,6 +121,7 @@ TEST_F(FileLocked, TheLockOfAFileThatWasReplacedMeanwhileIsNotEnough) {
 }
 
 TEST_F(FileLocked, OneThatWasReplacedMeanwhileIsOpenedAgain) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     at_next_flock() = [&] {
         put("new");
         std::filesystem::rename(path("new"), path("file"));
@@ -129,6 +133,7 @@ TEST_F(FileLocked, OneThatWasReplacedMeanwhileIsOpenedAgain) {
 }
 
 TEST_F(FileLocked, WhereTheFileSystemHasNoLocksNobodyWaits) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
         at_next_flock() = [&] { return error; };
         const FileLock lock = lock_file(path("file"), 1min);
@@ -138,6 +143,7 @@ TEST_F(FileLocked, WhereTheFileSystemHasNoLocksNobodyWaits) {
 }
 
 TEST_F(FileLocked, AnInterruptedCallIsRepeated) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     at_next_flock() = [] { return EINTR; };
     EXPECT_EQ(lock_file(path("file"), 1min).state, LockState::HELD);
 }

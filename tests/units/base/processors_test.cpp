@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sched.h>
 
+#include "support/needs.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -65,6 +66,7 @@ TEST_F(ControlGroups, OfTheOlderKindAreRead) {
 }
 
 TEST(UsableProcessors, AreThoseOfTheAffinity) {
+    NEEDS(GATESCOPE_HAS_AFFINITY, "affinities");
     cpu_set_t before;
     ASSERT_EQ(sched_getaffinity(0, sizeof before, &before), 0);
     EXPECT_GE(usable_processors(), 1);

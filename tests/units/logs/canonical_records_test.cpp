@@ -227,7 +227,7 @@ class RecordMaker {
 TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
     RecordMaker maker(19);
     long fast = 0;
-    long counted_at_all = 0;
+    std::int64_t counted_at_all = 0;
     for (int round = 0; round < 1000; ++round) {
         const RecordQuery query = maker.query();
         std::string text;

@@ -69,10 +69,10 @@ class DemoData : public LogRegion {
         for (const std::string& line : lines()) {
             Record one;
             std::string value(3, '\0');
-            long time = 0;
+            long long time = 0;
             int end = 0;
             const int read =
-                std::sscanf(line.c_str(), "%10ld:%c:user%1d[%2d]%c<%2[-0-9]>%n", &time, &one.kind,
+                std::sscanf(line.c_str(), "%10lld:%c:user%1d[%2d]%c<%2[-0-9]>%n", &time, &one.kind,
                             &one.user, &one.command, &one.detail, value.data(), &end);
             EXPECT_TRUE(read == 6 && static_cast<std::size_t>(end) == line.size()) << line;
             one.time = time;

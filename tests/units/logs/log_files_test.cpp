@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <cstdlib>
 #include <ctime>
 #include <limits>
@@ -116,7 +117,8 @@ TEST(QueryPeriod, HasAsManyDaysAsAreAskedFor) {
 
 TEST(TimeTexts, LookLikeTheCLibrarysOwn) {
     const TimeZone zone("UTC");
-    for (const std::time_t time : {0L, 1794787199L, 951782400L, 4102444800L}) {
+    constexpr std::array<std::time_t, 4> times = {0, 1794787199, 951782400, 4102444800};
+    for (const std::time_t time : times) {
         std::string expected = std::asctime(std::gmtime(&time));
         expected.pop_back();
         EXPECT_EQ(time_text(time), expected);

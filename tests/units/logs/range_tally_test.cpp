@@ -70,8 +70,9 @@ std::string random_log(std::mt19937& random, std::size_t lines, std::size_t long
 }
 
 /// Returns how many records were counted.
-long expect_the_same_for_any_threads(std::mt19937& random, const std::vector<std::string>& texts,
-                                     off_t range_size) {
+std::int64_t expect_the_same_for_any_threads(std::mt19937& random,
+                                             const std::vector<std::string>& texts,
+                                             off_t range_size) {
     const ScratchDirectory directory;
     const std::vector<LogToCount> logs = logs_with(directory, texts);
     const RecordQuery query = query_of(static_cast<int>(1 + random() % 6));
@@ -80,14 +81,14 @@ long expect_the_same_for_any_threads(std::mt19937& random, const std::vector<std
         EXPECT_TRUE(same_counts(tally(query, logs, threads, range_size).tally, plain))
             << threads << " threads, ranges of " << range_size;
     }
-    long counted = 0;
+    std::int64_t counted = 0;
     for (const auto& row : plain.rows) counted += row[ALLOWED] + row[DENIED];
     return counted;
 }
 
 TEST(RangeTally, IsTheSameWhereEveryWordLiesAcrossABorder) {
     std::mt19937 random(13);
-    long counted = 0;
+    std::int64_t counted = 0;
     for (int round = 0; round < 60; ++round) {
         std::vector<std::string> texts(1 + random() % 3);
         for (std::string& text : texts) text = random_log(random, 20, 200);
@@ -98,7 +99,7 @@ TEST(RangeTally, IsTheSameWhereEveryWordLiesAcrossABorder) {
 
 TEST(RangeTally, IsTheSameWhereWordsAreLongerThanRanges) {
     std::mt19937 random(14);
-    long counted = 0;
+    std::int64_t counted = 0;
     for (int round = 0; round < 6; ++round) {
         std::vector<std::string> texts(1 + random() % 4);
         for (std::string& text : texts) text = random_log(random, 200, 100000);

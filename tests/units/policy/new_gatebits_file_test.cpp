@@ -2,13 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <thread>
 
 #include "base/descriptor.h"
+#include "base/platform.h"
 #include "base/run_identity.h"
 #include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
@@ -112,7 +112,7 @@ TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
 TEST_F(NewGatebitsFile, SourceThatSomebodyRewritesIsCopiedWhenThatIsDone) {
     directory.write("source.txt", "half");
     Descriptor theirs(open(path("source.txt").c_str(), O_RDWR | O_CLOEXEC));
-    ASSERT_EQ(flock(theirs.get(), LOCK_EX), 0);
+    ASSERT_EQ(lock_exclusively(theirs.get()), 0);
     std::thread rewriter([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(100));
         directory.write("source.txt", "whole\n");

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "support/failing_sync.h"
+#include "support/needs.h"
 #include "units/pruning/pruning_region.h"
 
 // A system that refuses, or fails, in the middle of a pruning.
@@ -145,6 +146,7 @@ TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
 }
 
 TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     write_log(0, old(1));
     const int other = open(logging_dir.c_str(), O_RDONLY | O_DIRECTORY);
     ASSERT_EQ(flock(other, LOCK_EX), 0);
@@ -182,7 +184,8 @@ TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
 TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
     write_log(3, old(1) + fresh(1));
     before().link = [](const std::string& second) {
-        EXPECT_EQ(syscall(SYS_link, log_file_path(3).c_str(), (logging_dir + "/" + second).c_str()),
+        EXPECT_EQ(syscall(SYS_linkat, AT_FDCWD, log_file_path(3).c_str(), AT_FDCWD,
+                          (logging_dir + "/" + second).c_str(), 0),
                   0);
         return EEXIST;
     };

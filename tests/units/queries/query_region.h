@@ -39,14 +39,14 @@ class QueryRegion : public OnStage {
         options.bit_selected = true;
         options.selected_bit = bit;
     }
-    void command_line_gives_key(long key) {
+    void command_line_gives_key(long long key) {
         options.key_selected = true;
         options.selected_key = key;
     }
 
     /// A log of today's records; each is what stands after the time.
     void logged(const std::vector<std::string>& records) {
-        const long time = set_time_values().end_of_day_time;
+        const std::int64_t time = set_time_values().end_of_day_time;
         std::string log;
         for (const std::string& record : records) log += std::to_string(time) + record + "\n";
         region.write_file("depot/log/logging_0.txt", log);

@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -15,6 +14,7 @@
 #include <thread>
 
 #include "base/descriptor.h"
+#include "base/platform.h"
 #include "dialog/messages.h"
 #include "faults/small_disk.h"
 #include "support/expect_gripe.h"
@@ -205,7 +205,7 @@ TEST_F(PageFile, OnAFullDiskNoHalfPageStays) {
 
 TEST_F(PageFile, APageThatIsTakenBackWhileAnotherWaitsIsMadeAnew) {
     Descriptor first(open(page().c_str(), O_RDWR | O_CREAT, 0600));
-    ASSERT_EQ(flock(first.get(), LOCK_EX), 0);
+    ASSERT_EQ(lock_exclusively(first.get()), 0);
     std::thread second([&] { append_page(page(), "second"); });
     std::this_thread::sleep_for(std::chrono::milliseconds(100));
     fs::remove(page());
@@ -217,7 +217,7 @@ TEST_F(PageFile, APageThatIsTakenBackWhileAnotherWaitsIsMadeAnew) {
 TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
     directory.write("page.html", "before");
     const Descriptor keeper(open(page().c_str(), O_RDWR));
-    ASSERT_EQ(flock(keeper.get(), LOCK_EX), 0);
+    ASSERT_EQ(lock_exclusively(keeper.get()), 0);
     EXPECT_GRIPE(append_soon("page"),
                  unwritten("Another process keeps its lock", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), "before");
