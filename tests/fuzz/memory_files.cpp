@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/types.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -287,10 +286,7 @@ ssize_t __wrap_flistxattr(int descriptor, char* list, std::size_t size) {
 
 int __wrap_unlinkat(int directory, const char* path, int flags) {
     if (!is_ours(path)) return disk_unlink(directory, path, flags);
-    const auto found = files.find(std::string_view(path));
-    if (found == files.end()) return failed(ENOENT);
-    files.erase(found);
-    return 0;
+    return files.erase(path) == 1 ? 0 : failed(ENOENT);
 }
 
 int __wrap_unlink(const char* path) {
@@ -299,11 +295,9 @@ int __wrap_unlink(const char* path) {
 
 int __wrap_renameat(int from_directory, const char* from, int to_directory, const char* to) {
     if (!is_ours(from)) return disk_rename(from_directory, from, to_directory, to);
-    const auto found = files.find(std::string_view(from));
-    if (found == files.end()) return failed(ENOENT);
-    const auto file = found->second;
-    files.erase(found);
-    files[to] = file;
+    const auto file = files.extract(from);
+    if (file.empty()) return failed(ENOENT);
+    files[to] = file.mapped();
     return 0;
 }
 

@@ -61,7 +61,7 @@ void plant_beside(FuzzedDataProvider& data, int number, Kind kind, const std::st
     const std::string log = log_file_path(directory, number);
     const std::string name = data.ConsumeBool() ? pruning_companion_path(directory, number) : log;
     const auto size = data.ConsumeIntegralInRange<std::size_t>(0, 400);
-    switch (data.ConsumeIntegralInRange(0, 4)) {
+    switch (data.ConsumeIntegralInRange(0, 5)) {
         case 0:
             return region->plant(log + ".taken_" + std::to_string(size % 3), kind, text,
                                  is_private);
@@ -73,6 +73,10 @@ void plant_beside(FuzzedDataProvider& data, int number, Kind kind, const std::st
             return region->plant_ready_text(number, size, data.ConsumeBool(),
                                             kind == Kind::WITH_SECOND_NAME ? kind : Kind::FILE,
                                             text, is_private);
+        case 4:
+            return region->plant_name_of_log(number, data.ConsumeBool()
+                                                         ? pruning_companion_path(directory, number)
+                                                         : log + ".old_" + std::to_string(size));
         default:
             std::string rest = data.ConsumeRandomLengthString(40);
             std::erase_if(rest, [](char one) { return one == '/' || one == '\0'; });

@@ -7,13 +7,11 @@
 #include <string>
 #include <vector>
 
+#include "fuzz/region_files.h"
 #include "logs/log_files.h"
 #include "support/scratch_directory.h"
 
 // A region's logs on the disk, and what is to become of them by the plain rule.
-
-/// All words of a log; those that a NUL cuts short are what stands before it.
-std::vector<std::string> words_of(const std::string& text);
 
 /// What is planted under a name. Links lead to the directory beside the logs; second names of files
 /// are there too.
@@ -44,6 +42,9 @@ class PrunedRegion {
     /// (all of them, when it has less), or of a log that differs from it in its first byte.
     void plant_ready_text(int number, std::size_t size, bool is_of_another, Kind kind,
                           const std::string& text, bool is_private);
+
+    /// Makes `path` another name of the log, if there is one, and nothing there.
+    void plant_name_of_log(int number, const std::string& path);
 
     /// Takes everything as it is for what is to be pruned.
     void begin();
@@ -83,8 +84,8 @@ class PrunedRegion {
     struct Log {
         bool is_usable = true;
         bool has_usable_companion = true;
-        /// Not when there are several ready texts: each makes the log another one than that of
-        /// which the next is.
+        /// Not when there are several ready texts, or other names of the log beside one: it makes
+        /// the log another file, and then the rest means something else.
         bool is_certain = true;
         /// The log, or the file that becomes one.
         bool will_be_there = false;
@@ -96,12 +97,12 @@ class PrunedRegion {
         int total = 0;
         int removed = 0;
     };
-    struct LeftOver;
 
     void begin(int number);
-    [[nodiscard]] std::vector<LeftOver> left_overs_of(int number) const;
-    [[nodiscard]] std::size_t replaced_by(const LeftOver& ready, const std::string& log) const;
-    void add_left_overs(const std::vector<LeftOver>& left_overs, const std::string& text,
+    [[nodiscard]] bool is_log(int number, const std::string& path) const;
+    [[nodiscard]] std::vector<FileBesideLog> left_overs_of(int number) const;
+    [[nodiscard]] std::size_t replaced_by(const FileBesideLog& ready, const std::string& log) const;
+    void add_left_overs(const std::vector<FileBesideLog>& left_overs, const std::string& text,
                         Log* log) const;
     [[nodiscard]] bool is_kept(const std::string& word) const;
     void add_words(const std::string& text, Log* log) const;
