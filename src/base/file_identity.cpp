@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <vector>
 
+#include "base/paths.h"
+
 namespace {
 
 /// The names of the file's extended attributes; a file system without any has none. 0 or an errno.
@@ -57,12 +59,6 @@ int carry_over_attributes(int from, int to) {
         if (const int error = carry_over_attribute(from, to, name.c_str())) return error;
     }
     return 0;
-}
-
-std::string directory_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
 }
 
 bool same_owner(const struct stat& one, const struct stat& other) {

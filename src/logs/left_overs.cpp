@@ -12,7 +12,7 @@
 #include <tuple>
 
 #include "base/files.h"
-#include "base/replace_file.h"
+#include "base/whole_file.h"
 #include "messages/log_texts.h"
 
 namespace {

@@ -12,11 +12,11 @@
 
 #include "base/files.h"
 #include "base/filled.h"
-#include "base/replace_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
 #include "base/trusted_links.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/log_rewrite.h"
