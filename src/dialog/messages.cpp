@@ -3,10 +3,11 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/standard_streams.h"
 #include "dialog/clearprompt.h"
+#include "dialog/process_end.h"
 #include "messages/dialog_texts.h"
 #include "messages/identity.h"
 
@@ -60,7 +61,7 @@ void gripe(const std::string& message) {
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(99);
+    clean_exit(STATUS_OF_AN_ERROR);
 }
 
 void gripe(const std::string& message, int error) {

@@ -4,8 +4,8 @@
 
 #include "base/replace_file.h"
 #include "base/temporary_files.h"
-#include "dialog/messages.h"
 #include "faults/in_child.h"
+#include "policy/write_failure.h"
 #include "support/failing_sync.h"
 #include "support/scratch_directory.h"
 
@@ -26,7 +26,8 @@ class FailingDisk : public testing::Test {
             write_file(copy, NEW_TEXT);
             remember_temporary_file(copy);
             good_syncs = good;
-            if (const auto failure = replace_file(file, NEW_TEXT, copy)) gripe(failure->message);
+            if (const auto failure = replace_file(file, NEW_TEXT, copy))
+                gripe_not_replaced(*failure, file, copy);
         });
     }
     [[nodiscard]] std::string told(const std::string& state) const {

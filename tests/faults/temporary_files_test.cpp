@@ -7,10 +7,10 @@
 
 #include <functional>
 
-#include "base/process_end.h"
 #include "base/run_identity.h"
 #include "dialog/answer_file.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/prompts.h"
 #include "dialog/toolkit.h"
 #include "faults/append_only.h"
