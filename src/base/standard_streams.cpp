@@ -9,7 +9,6 @@
 #include <cstring>
 
 #include "base/filled.h"
-#include "messages/identity.h"
 #include "messages/startup_texts.h"
 
 namespace {
@@ -66,6 +65,6 @@ int status_with_output_written(int status) {
     return STATUS_OF_AN_ERROR;
 }
 
-void note(const std::string& text) {
-    write_whole(STDERR_FILENO, filled("%s: %s\n", SELF, text.c_str()));
+void note(const std::string& text, const char* program) {
+    write_whole(STDERR_FILENO, filled("%s: %s\n", program, text.c_str()));
 }
