@@ -34,8 +34,9 @@ std::string target_of(const std::string& path) {
     return target;
 }
 
-Failure failure(const std::string& path, const char* reason, const std::string& state) {
-    return {filled(COULD_NOT_REPLACE, path.c_str(), reason, state.c_str())};
+Failure failure(const std::string& path, const char* reason, const std::string& state,
+                bool is_unchanged = true) {
+    return {filled(COULD_NOT_REPLACE, path.c_str(), reason, state.c_str()), 0, is_unchanged};
 }
 
 Failure left_unchanged(const std::string& path, int error) {
@@ -89,7 +90,8 @@ Attempt put_in_place(int old_file, int new_file, const std::string& new_path,
     }
     forget_temporary_file(new_path);
     if (const int error = sync_directory_of(path)) {
-        return {POSSIBLE, failure(path, std::strerror(error), filled(FILE_IS_NEW, path.c_str()))};
+        return {POSSIBLE,
+                failure(path, std::strerror(error), filled(FILE_IS_NEW, path.c_str()), false)};
     }
     return {POSSIBLE};
 }
@@ -160,7 +162,7 @@ std::optional<Failure> rewrite_in_place(int file, const std::string& path, std::
     if (result.error == 0) return std::nullopt;
     if (!result.begun) return left_unchanged(path, result.error);
     return failure(path, std::strerror(result.error),
-                   filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
+                   filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()), false);
 }
 
 }  // namespace

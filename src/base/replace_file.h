@@ -13,6 +13,8 @@ struct Failure {
     std::string message;
     /// The errno that the message leaves in numbers; 0 when it says the reason in words.
     int error = 0;
+    /// Whether the file holds the text that it held before.
+    bool is_unchanged = true;
 };
 
 /// Replaces the whole of an existing file by `text`, so that whoever looks, whenever the program

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <numeric>
+#include <cstring>
 
 #include "messages/history_texts.h"
 
@@ -19,43 +19,31 @@ std::size_t length_of(std::string_view text) {
     return length;
 }
 
-std::string cut_to(std::string_view text, std::size_t length) {
-    if (length_of(text) <= length) return std::string(text);
+std::string cut_to(std::size_t length, const std::string& text) {
+    if (length_of(text) <= length) return text;
     std::string_view rest = text;
     for (; length > 1; --length) rest.remove_prefix(utf8_size(rest));
-    return std::string(text.substr(0, text.size() - rest.size())) + CUT_HERE;
+    return text.substr(0, text.size() - rest.size()) + CUT_HERE;
 }
 
-std::string padded(std::string_view text, std::size_t length, bool to_the_right = false) {
-    const std::string padding(length - std::min(length_of(text), length), ' ');
-    return to_the_right ? padding + std::string(text) : std::string(text) + padding;
+std::string padding(std::size_t length, const std::string& text) {
+    return std::string(length - std::min(length_of(text), length), ' ');
 }
 
-/// How much of `room` the first of two texts of these lengths gets, which share it.
-std::size_t share_of_first(std::size_t first, std::size_t second, std::size_t room) {
-    const std::size_t left_by_second = room - std::min(second, room);
-    return std::min(first, std::max({room / 2, left_by_second, SHORTEST}));
-}
-
-std::string value_text(const std::optional<std::string>& value) {
-    if (!value) return NO_VALUE;
-    return value->empty() ? EMPTY_VALUE : harmless(*value);
-}
-
-/// "2026-11-22T01:15:30+01:00" without the place's offset.
-std::string time_text(std::string time) {
-    std::replace(time.begin(), time.end(), 'T', ' ');
-    return harmless(time).substr(0, std::string_view("2026-11-22 01:15:30").size());
+std::string value_text(const PastChange& change, const char* member) {
+    if (!change.has(member)) return NO_VALUE;
+    return change.text(member).empty() ? EMPTY_VALUE : harmless(change.text(member));
 }
 
 /// Number, time, operator, action, item.
-constexpr std::size_t ITEM = 4;
-using Columns = std::array<std::string, ITEM + 1>;
+constexpr std::size_t COLUMNS = 5;
 
-Columns columns_of(const PastChange& change) {
-    return {std::to_string(change.number), time_text(change.text("time")),
-            harmless(change.text("operator")), harmless(change.text("action")),
-            harmless(change.text("item"))};
+std::array<std::string, COLUMNS> columns_of(const PastChange& change) {
+    // "2026-11-22T01:15:30+01:00" without the place's offset.
+    std::string time = harmless(change.text("time")).substr(0, std::strlen("2026-11-22T01:15:30"));
+    std::replace(time.begin(), time.end(), 'T', ' ');
+    return {std::to_string(change.number), time, harmless(change.text("operator")),
+            harmless(change.text("action")), harmless(change.text("item"))};
 }
 
 }  // namespace
@@ -65,7 +53,7 @@ std::string harmless(std::string_view text) {
     for (std::size_t size = 0; !text.empty(); text.remove_prefix(size)) {
         size = std::max<std::size_t>(utf8_size(text), 1);
         const std::string_view character = text.substr(0, size);
-        const bool is_control = character < " " || character == "\x7F" ||
+        const bool is_control = (character < " " && character != "\t") || character == "\x7F" ||
                                 (character >= "\xC2\x80" && character < "\xC2\xA0");
         result += is_control || utf8_size(text) == 0 ? "?" : character;
     }
@@ -73,34 +61,30 @@ std::string harmless(std::string_view text) {
 }
 
 std::string list_of(const std::vector<PastChange>& changes, std::size_t width) {
-    std::array<std::size_t, ITEM + 1> widths = {};
-    std::size_t values = 0;
+    std::array<std::size_t, COLUMNS> widths = {};
     for (const PastChange& change : changes) {
-        const Columns columns = columns_of(change);
-        for (std::size_t i = 0; i <= ITEM; ++i) {
+        const auto columns = columns_of(change);
+        for (std::size_t i = 0; i < COLUMNS; ++i) {
             widths[i] = std::max(widths[i], length_of(columns[i]));
         }
-        values = std::max(values, length_of(value_text(change.record.at("from")) + ARROW +
-                                            value_text(change.record.at("to"))));
     }
-    std::size_t room = std::string::npos;
-    if (width > 0) {
-        const std::size_t used = std::accumulate(widths.begin(), widths.end() - 1, 5 * GAP.size());
-        room = width - std::min(used, width);
-        widths[ITEM] = share_of_first(widths[ITEM], values, room);
-        room -= std::min(room, widths[ITEM] + length_of(ARROW));
-    }
+    widths.back() = std::min(widths.back(), width / 2);
     std::string list;
     for (const PastChange& change : changes) {
-        const Columns columns = columns_of(change);
-        for (std::size_t i = 0; i <= ITEM; ++i) {
-            list += padded(cut_to(columns[i], widths[i]), widths[i], i == 0).append(GAP);
+        const auto columns = columns_of(change);
+        std::string line = padding(widths[0], columns[0]);
+        for (std::size_t i = 0; i < COLUMNS; ++i) {
+            const std::string text = cut_to(widths[i], columns[i]);
+            line.append(text).append(i == 0 ? "" : padding(widths[i], text)).append(GAP);
         }
-        const std::string from = value_text(change.record.at("from"));
-        const std::string to = value_text(change.record.at("to"));
-        const std::size_t for_from = share_of_first(length_of(from), length_of(to), room);
-        const std::size_t for_to = share_of_first(length_of(to), length_of(from), room);
-        list.append(cut_to(from, for_from)).append(ARROW).append(cut_to(to, for_to)) += '\n';
+        // The two values share what is left, and what one does not need of its half is the other's.
+        const std::string from = value_text(change, "from");
+        const std::string to = value_text(change, "to");
+        const std::size_t room = width - std::min(width, length_of(line) + length_of(ARROW));
+        const std::size_t room_for_to = std::max(room / 2, room - std::min(room, length_of(from)));
+        const std::size_t room_for_from = std::max(room / 2, room - std::min(room, length_of(to)));
+        line += cut_to(std::max(room_for_from, SHORTEST), from) + ARROW;
+        list += line + cut_to(std::max(room_for_to, SHORTEST), to) + '\n';
     }
     return list;
 }

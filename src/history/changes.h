@@ -11,9 +11,11 @@ struct PastChange {
     int number;
     JsonObject record;
 
-    /// What a member of the record says; empty for null.
+    /// Whether the record has the member, and does not say null.
+    [[nodiscard]] bool has(const std::string& member) const { return record.contains(member); }
+    /// What the record says there; empty for nothing.
     [[nodiscard]] std::string text(const std::string& member) const {
-        return record.at(member).value_or("");
+        return has(member) ? record.at(member) : "";
     }
 };
 
@@ -21,12 +23,10 @@ struct History {
     std::string directory;
     /// From the first to the last.
     std::vector<PastChange> changes = {};
-    /// The number of the first line that holds no record; 0 when there is none. A last line without
-    /// an end is of a change that has not been made, and left out.
-    int first_other_line = 0;
 };
 
-/// Reads the records in the directory. Gripes when they cannot be read.
+/// Reads the records in the directory. A last line without an end is left out: it is of a change
+/// that has not been made. Gripes when the lines cannot be read, or one holds no record.
 History read_history(const std::string& directory);
 
 /// A text, and the name of the file that it is from.

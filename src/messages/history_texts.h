@@ -2,13 +2,14 @@
 
 // Texts of the history of policy files, and of the program that shows it.
 
-/// Policy file, history, FILE_AND_REASON.
+/// A line of the history: texts as JSON but for the third, which is a number.
+inline constexpr char RECORD[] =
+    "{\"time\":%s,\"operator\":%s,\"uid\":%u,\"host\":%s,\"file\":%s,\"action\":%s,\"item\":%s,"
+    "\"from\":%s,\"to\":%s,\"saved\":%s}\n";
+
+/// File of the history, reason.
 inline constexpr char CANNOT_RECORD[] =
-    "ERROR: The change of (%s) was not made, because it could not be recorded in the history (%s). "
-    " "
-    "%s";
-/// File, reason.
-inline constexpr char FILE_AND_REASON[] = "%s: %s";
+    "ERROR: The change was not made, because it could not be recorded in (%s): %s.";
 inline constexpr char HAS_A_SECOND_NAME[] = "it has a second name";
 
 // A diff, as others write it.
@@ -55,8 +56,8 @@ inline constexpr char NO_SUCH_CHANGE[] = "there is no change %s in (%s)";
 /// History, two files of it.
 inline constexpr char SEVERAL_FILES[] =
     "(%s) holds changes of several policy files, such as (%s) and (%s); name one with -f";
-/// Number, CHANGES_FILE, history.
-inline constexpr char NO_RECORD_IN_LINE[] = "line %d of %s in (%s) holds no record";
+/// Number, file.
+inline constexpr char NO_RECORD_IN_LINE[] = "line %d of (%s) holds no record";
 /// File, reason.
 inline constexpr char CANNOT_READ[] = "(%s) cannot be read: %s";
 /// File, number of the next change.
@@ -64,9 +65,6 @@ inline constexpr char FILE_WAS_GONE[] =
     "what (%s) held afterwards is not known: before change %d there was no file any more";
 /// Number, file.
 inline constexpr char NO_TEXT_BEFORE[] = "before change %d there was no file (%s)";
-/// File, number.
-inline constexpr char HOLDS_IT_ALREADY[] = "(%s) holds what it held before change %d";
-
 /// The name of a text where there was no file.
 inline constexpr char NO_FILE[] = "/dev/null";
 

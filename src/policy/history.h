@@ -8,10 +8,10 @@
 
 #include "base/descriptor.h"
 
-// The history of policy files: a directory with one line of JSON for each change, and with each
-// text that a change has replaced in a file of its own.
+// The history of policy files, where one is kept: a directory with a line of JSON for each change,
+// and with each text that a change has replaced in a file of its own.
 
-/// The file with the lines, in the history's directory.
+/// The file with the lines.
 inline constexpr char CHANGES_FILE[] = "changes.jsonl";
 
 /// How long another process may keep the lock of the lines.
@@ -24,35 +24,32 @@ struct RecordedChange {
     /// What changes, in the operator's words.
     std::string item;
     /// The old value; nothing for what is added.
-    std::optional<std::string> from;
+    std::optional<std::string> from = std::nullopt;
     /// The new value; nothing for what is deleted.
-    std::optional<std::string> to;
+    std::optional<std::string> to = std::nullopt;
 };
 
-/// The absolute path of a file, whatever links lead to it; of one that is not there, that of its
-/// directory and its name.
-std::string absolute_path(const std::string& path);
-
-/// One record, of a change that is made while this object lives: it holds the lock of the lines, so
-/// that the record can still be taken back.
-class HistoryEntry {
-  public:
-    /// Puts the record of a change of `policy_file`, and `old_text`, the text that is replaced
-    /// (nothing where there is no file yet), into the directory and brings them to the disk. Empty
-    /// when that is done; else which file of the history is the fault, and why, and then nothing of
-    /// the record is left at the end of the process.
-    [[nodiscard]] std::string write(const std::string& directory, const std::string& policy_file,
-                                    const std::optional<std::string>& old_text,
-                                    const RecordedChange& change,
-                                    std::chrono::seconds patience = HISTORY_PATIENCE);
-
-    /// Removes the record that was written, because the change could not be made.
-    void take_back();
-
-  private:
-    Descriptor lines_;
-    /// Where the record begins.
-    off_t begin_ = 0;
+/// A record whose change is about to be made. While it lives it has the lock of the lines.
+struct HistoryRecord {
+    /// The file with the lines; none where no history is kept.
+    Descriptor lines = {};
+    /// Where in it the record begins.
+    off_t begin = 0;
     /// The path of the saved text; empty when there is none.
-    std::string saved_;
+    std::string saved = {};
+
+    /// Removes the record, because its change could not be made.
+    void take_back();
 };
+
+/// Puts the record of a change of `policy_file` into the history that ZUL_GATESCOPE_HISTORY names,
+/// with `old_text`, the text that is replaced (nothing where there is no file yet), and brings both
+/// to the disk. Does nothing where the variable is not set. Gripes when it cannot be done; nothing
+/// of the record is left then.
+HistoryRecord record_change(const std::string& policy_file,
+                            const std::optional<std::string>& old_text,
+                            const RecordedChange& change,
+                            std::chrono::seconds patience = HISTORY_PATIENCE);
+
+/// The absolute path of a file, links followed, whether there is a file or not.
+std::string absolute_path(const std::string& path);

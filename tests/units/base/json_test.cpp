@@ -51,45 +51,25 @@ TEST(Json, BytesThatAreNotUtf8AreEscaped) {
     EXPECT_EQ(json_string("\xC3\xBC\xFC"), "\"\xC3\xBC\\u00fc\"");
 }
 
-TEST(Json, WhatIsNotThereIsNull) {
-    EXPECT_EQ(json_value(std::nullopt), "null");
-    EXPECT_EQ(json_value(""), "\"\"");
-}
-
 TEST(Json, ALineIsReadAsItWasWritten) {
     const std::string line = "{\"odd\":" + json_string(all_bytes()) +
                              ",\"utf8\":" + json_string("\xC3\xBC") +
-                             R"(,"uid":1000,"none":null,"empty":""})";
+                             R"(,"uid":1000,"none":null,"word":"null","empty":"",)" +
+                             json_string("a\"},{\\:,") + ":" + json_string("\"},{\\:,") + "}";
     const auto object = read_json_object(line);
     ASSERT_TRUE(object);
     EXPECT_EQ(*object, (JsonObject{{"odd", all_bytes()},
                                    {"utf8", "\xC3\xBC"},
                                    {"uid", "1000"},
-                                   {"none", std::nullopt},
-                                   {"empty", ""}}));
+                                   {"word", "null"},
+                                   {"empty", ""},
+                                   {"a\"},{\\:,", "\"},{\\:,"}}));
 }
 
 TEST(Json, OtherLinesAreNotRead) {
-    for (const char* line : {"",
-                             "{",
-                             "{}",
-                             "null",
-                             "[1]",
-                             R"({"a")",
-                             R"({"a":})",
-                             R"({"a":1)",
-                             R"({"a":1,})",
-                             R"({"a":1}})",
-                             R"({"a":1} )",
-                             R"({"a":"b)",
-                             R"({"a":"\)",
-                             R"({"a":"\n"})",
-                             R"({"a":"\u00f"})",
-                             R"({"a":"\u00fg"})",
-                             R"({"a":"\u0100"})",
-                             R"({"a":true})",
-                             R"({"a":{"b":1}})",
-                             R"({1:2})"}) {
+    for (const char* line :
+         {"", "{", "}", "null", "[1]", R"({"a":1)", R"("a":1})", R"( {"a":1})", R"({"a":1} )",
+          R"({"a":"b)", R"({"a":"b})", R"({"a":"\)", R"({"a":"b\"})", R"({"a":"\u00)"}) {
         EXPECT_FALSE(read_json_object(line)) << line;
     }
 }
