@@ -125,7 +125,9 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     const bool is_same = wanted.text->text() == now.text();
     if (is_same && wanted.result != ChangeResult::WRITTEN) return {wanted.result, now, now};
     need_fit_to_be_read_back(path, now, *wanted.text);
-    write_gatebits(path, now.text(), wanted.text->text(), record, lock.file);
+    RecordedChange made = record;
+    if (wanted.result != ChangeResult::WRITTEN) made.to = made.from;
+    write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }
