@@ -242,6 +242,23 @@ TEST(History, ANewFileAndACopy) {
         << lines[1];
 }
 
+TEST(History, LinesAreJsonWhateverBytesAreInThem) {
+    if (std::system("python3 --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "needs python3";
+    const std::string odd = "\xFF \x01\x7F\t\"\\ \xC3\xA4 \xC3 \xF0\x9F\x98\x80 \xED\xA0\x80/~'";
+    Region east = recorded_region().with_line(7, ";" + odd + ";;");
+    east.set_env("ZUL_GATESCOPE_STRICT_QUOTING", "yes");
+    east.set_env("CLEARCASE_USER", "a\"n\xFF");
+    east.types("new\xFE\xE2\x82\xAC\"").answers_yes();
+    EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
+    east.write_file("look.py", R"(import json
+record, = [json.loads(line) for line in open("history/changes.jsonl", encoding="utf-8")]
+assert record["operator"] == "a\"n\u00ff", record
+assert record["from"] == "\u00ff \x01\x7f\t\"\\ \u00e4 \u00c3 \U0001f600 \u00ed\u00a0\u0080/~'", record
+assert record["to"] == "new\u00fe\u20ac\"", record
+)");
+    EXPECT_EQ(std::system(("cd " + east.path("") + " && python3 look.py").c_str()), 0);
+}
+
 TEST(History, WithoutTheVariableNothingOfItIsTouched) {
     Region east = recorded_region().without_env("ZUL_GATESCOPE_HISTORY");
     east.types("new").answers_yes();
