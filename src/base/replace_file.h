@@ -22,6 +22,11 @@ struct Failure {
     std::string file;
 };
 
+/// Whether the file still holds the text that it held before.
+inline bool is_unchanged(const Failure& failure) {
+    return failure.state != Failure::State::NEW && failure.state != Failure::State::DAMAGED;
+}
+
 /// Replaces the whole of an existing file by `text`, so that whoever looks, whenever the program
 /// is killed, finds the old file or the new one. A symbolic link is followed and stays a link;
 /// owner, group, mode and extended attributes stay.

@@ -60,6 +60,6 @@ int output_error() {
     return output_failure;
 }
 
-void note(const std::string& text) {
-    write_whole(STDERR_FILENO, filled("%s: %s\n", SELF, text.c_str()));
+void note(const std::string& text, const char* program) {
+    write_whole(STDERR_FILENO, filled("%s: %s\n", program, text.c_str()));
 }

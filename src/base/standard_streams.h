@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#include "messages/identity.h"
+
 // The three streams that the program is started with.
 
 /// Opens the null device on whichever of standard input, output and error is closed: a file that
@@ -18,6 +20,6 @@ void write_output(std::string_view text);
 /// was written.
 int output_error();
 
-/// Writes "gatescope: <text>" as a line to standard error, for whoever looks for a reason there.
+/// Writes "<program>: <text>" as a line to standard error, for whoever looks for a reason there.
 /// When that fails there is nobody left to tell.
-void note(const std::string& text);
+void note(const std::string& text, const char* program = SELF);

@@ -7,8 +7,10 @@
 // How the operator is talked to: the same in every function that has something to say, and settled
 // by clean_start before anybody has; so these two are the process's.
 
-/// 1: clearprompt dialogs; 0: standard output.
+/// 1: clearprompt dialogs; 0: standard output; ERRORS_ALONE: gatescope-history, which has nothing
+/// to ask, and whose errors go to standard error and end it with status 2.
 extern int ZUL_PREFER_GUI;
+inline constexpr int ERRORS_ALONE = -1;
 /// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
 

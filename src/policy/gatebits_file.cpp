@@ -53,11 +53,15 @@ void write_scratch_file(const std::string& path, const std::string& text) {
     if (error != 0) gripe_unchanged(path, std::strerror(error));
 }
 
-/// Puts the text in the file's place; `open_file` is that file, where it is open.
-void write_gatebits(const std::string& path, const std::string& text, const Descriptor& open_file) {
+/// Puts the text in the old one's place; `open_file` is that file, where it is open.
+void write_gatebits(const std::string& path, const std::string& old_text, const std::string& text,
+                    const RecordedChange& change, const Descriptor& open_file) {
     write_scratch_file(path, text);
+    HistoryRecord record = record_change(path, old_text, change);
     const auto failure = replace_file(path, text, t_file_name(), open_file);
-    if (failure) gripe_not_replaced(*failure, path, t_file_name());
+    if (!failure) return;
+    if (is_unchanged(*failure)) record.take_back();
+    gripe_not_replaced(*failure, path, t_file_name());
 }
 
 /// All bytes of the open file at `path`.
@@ -96,7 +100,7 @@ std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
 }
 
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
-               std::chrono::seconds patience) {
+               const RecordedChange& record, std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
     const Gatebits now =
         lock.file ? with_lines(bytes_in(lock.file, path), path) : read_gatebits(path);
@@ -105,8 +109,12 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     }
     const Rewrite wanted = edit(now);
     if (!wanted.text) return {wanted.result, now, now};
+    const bool is_same = wanted.text->text() == now.text();
+    if (is_same && wanted.result != ChangeResult::WRITTEN) return {wanted.result, now, now};
     need_fit_to_be_read_back(path, now, *wanted.text);
-    write_gatebits(path, wanted.text->text(), lock.file);
+    RecordedChange made = record;
+    if (wanted.result != ChangeResult::WRITTEN) made.to = made.from;
+    write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }

@@ -66,7 +66,8 @@ int give_name(const std::string& unfinished, const std::string& path) {
 
 }  // namespace
 
-NewFile create_gatebits_file(const std::string& path, const std::string& text) {
+NewFile create_gatebits_file(const std::string& path, const std::string& text,
+                             const RecordedChange& change) {
     const auto place = place_of_new_file(path);
     if (!place) return NewFile::NOT_CREATED;
     const std::string unfinished = unfinished_name(*place);
@@ -75,7 +76,9 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text) {
     if (file == -1) return NewFile::NOT_CREATED;
     int error = write_sync_close(file, text);
     if (error != 0) gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
+    HistoryRecord record = record_change(*place, std::nullopt, change);
     error = give_name(unfinished, *place);
+    if (error != 0) record.take_back();
     remove_temporary_file(unfinished);
     if (error != 0) return error == EEXIST ? NewFile::EXISTS : NewFile::NOT_CREATED;
     error = sync_directory_of(*place);

@@ -89,7 +89,8 @@ TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
                       change(region.gatebits_path(), {Gatebits(std::string()), nothing},
                              [](const Gatebits& now) {
                                  return set_a_field(now, {2, 3, "S"});
-                             });
+                             },
+                             {});
                   }).status,
                   0);
         EXPECT_EQ(region.gatebits(), CHANGED);
