@@ -37,19 +37,11 @@ bool A_27(RegionSettings& region);
 void A_28(const Options& options, RegionInUse& region);
 void A_29(const Options& options, RegionInUse& region);
 
-/// How a guarded action ended.
-struct Guarded {
-    /// Whether the file is no worse than before. Not so when the check could not be run, when
-    /// nothing was written because somebody else has changed the file, or when the path entered
-    /// does not hold.
-    bool holds;
-    LastAnswer last_answer;
-};
-
 /// Runs action n (one that can damage the gatebits file) between two checks of the file, and
 /// again while the file got no better; an operator who leaves it three times in a row without a
-/// change is let go unless the file has more errors than at the start. Gripes for any other number.
-Guarded A_X(const Options& options, RegionInUse& region, int n);
+/// change is let go unless the file has more errors than at the start. What was answered last.
+/// Gripes for any other number.
+LastAnswer A_X(const Options& options, RegionInUse& region, int n);
 
 /// Whether the installer started the program; the operator has then been told that the action of
 /// this title is not available.

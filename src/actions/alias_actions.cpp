@@ -14,6 +14,7 @@
 #include "messages/confirmation_texts.h"
 #include "messages/policy_texts.h"
 #include "policy/aliases.h"
+#include "policy/gatebits_file.h"
 #include "policy/validators.h"
 
 namespace {
@@ -48,10 +49,9 @@ std::string alias_list(const Aliases& aliases,
 }
 
 /// Loads the tables; tells the operator when there is nothing in them.
-bool there_are_aliases(const std::string& gatebits_file, Aliases* aliases) {
+bool there_are_aliases(const Gatebits& gatebits, Aliases* aliases) {
     // The count outlives the last alias, but its name does not.
-    if (build_alias_list(gatebits_file, aliases) != 0 && !aliases->ALIAS_NAME[0].empty())
-        return true;
+    if (build_alias_list(gatebits, aliases) != 0 && !aliases->ALIAS_NAME[0].empty()) return true;
     advise_wait(NO_ALIASES);
     return false;
 }
@@ -78,7 +78,7 @@ std::optional<std::string> prompt_for_value(const std::string& name, const std::
                                             LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_VALUE_PROMPT, name.c_str(), MAX_ALIAS_VALUE), def,
                            [&](const std::string& value) {
-                               *last_answer = value;
+                               *last_answer = {value};
                                return alias_value_is_ok(value);
                            })
         .value;
@@ -87,16 +87,33 @@ std::optional<std::string> prompt_for_value(const std::string& name, const std::
 std::optional<std::string> prompt_for_name(const Aliases& others, LastAnswer* last_answer) {
     return prompt_until_ok(filled(ALIAS_NAME_PROMPT, MAX_ALIAS_NAME), "",
                            [&](const std::string& name) {
-                               *last_answer = name;
+                               *last_answer = {name};
                                return alias_name_is_ok(name, others);
                            })
         .value;
 }
 
+/// Makes the change of an alias that the operator was shown as `shown` has it, and says what became
+/// of the references.
+ChangeResult change_alias(const std::string& gatebits_file, const Gatebits& shown,
+                          const AliasChange& wanted) {
+    const auto rests_on = [&](const Gatebits& gatebits) {
+        return definition_of(wanted.name, gatebits);
+    };
+    const Changed changed = change(gatebits_file, {shown, rests_on}, [&](const Gatebits& now) {
+        return add_change_remove_an_alias(now, wanted);
+    });
+    if (changed.result != ChangeResult::WRITTEN) return changed.result;
+    const std::string report = report_of_alias_change(changed.before, wanted);
+    if (!report.empty()) advise_wait(report);
+    return changed.result;
+}
+
 }  // namespace
 
 LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
-    if (build_alias_list(gatebits_file, &aliases) >= MAX_ALIASES) {
+    const Gatebits shown = read_gatebits(gatebits_file);
+    if (build_alias_list(shown, &aliases) >= MAX_ALIASES) {
         advise(filled(MAXIMUM_OF_ALIASES, MAX_ALIASES));
         return {};
     }
@@ -110,71 +127,71 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result =
-                add_change_remove_an_alias(gatebits_file, ADD_ALIAS, *name, *value, aliases);
+            const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value});
             if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
-            return {value, result};
+            return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
-        return value;
+        return {value};
     }
 }
 
 LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
-    if (!there_are_aliases(gatebits_file, &aliases)) return {};
+    const Gatebits shown = read_gatebits(gatebits_file);
+    if (!there_are_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
-    if (!pick) return UNANSWERED;
+    if (!pick) return {UNANSWERED};
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
-    const auto remove = [&](const char* references) {
-        written_or_told(
-            add_change_remove_an_alias(gatebits_file, REMOVE_ALIAS, name, references, aliases),
-            gatebits_file);
+    const auto remove = [&](AliasMode mode) {
+        written_or_told(change_alias(gatebits_file, shown, {mode, name}), gatebits_file);
     };
-    switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()), "yes", "yes,no,abort")) {
+    switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()))) {
         case YES:
-            remove(REFERENCES_TOO);
+            remove(AliasMode::REMOVE_ALL);
             break;
         case NO:
-            remove(DEFINITION_ONLY);
+            remove(AliasMode::REMOVE);
             break;
         default:
             break;
     }
-    return pick;
+    return {pick};
 }
 
 LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
-    if (!there_are_aliases(gatebits_file, &aliases)) return {};
+    const Gatebits shown = read_gatebits(gatebits_file);
+    if (!there_are_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(aliases, reference_entry));
-    if (!pick) return UNANSWERED;
+    if (!pick) return {UNANSWERED};
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
-    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), "yes", "yes,abort") == YES) {
-        add_change_remove_an_alias(gatebits_file, REMOVE_ALIAS_REFERENCES, reference,
-                                   DEFINITION_ONLY, aliases);
+    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), YES, Buttons::YES_ABORT) ==
+        YES) {
+        change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference});
     }
-    return pick;
+    return {pick};
 }
 
 LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
-    if (!there_are_aliases(gatebits_file, &aliases)) return {};
+    const Gatebits shown = read_gatebits(gatebits_file);
+    if (!there_are_aliases(shown, &aliases)) return {};
     while (the_sun_rises) {
         const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
-        if (!pick) return UNANSWERED;
+        if (!pick) return {UNANSWERED};
         const Picked picked = picked_definition(*pick, INTERNAL_ERROR_A_20);
-        LastAnswer last_answer = pick;
+        LastAnswer last_answer = {pick};
         const auto value = prompt_for_value(picked.name, picked.value, &last_answer);
         if (!value) return last_answer;
-        const Change change = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
+        const Change wanted = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
                                picked.value, *value};
-        const Consent consent = confirm_change(change);
+        const Consent consent = confirm_change(wanted);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result = add_change_remove_an_alias(gatebits_file, CHANGE_ALIAS, picked.name,
-                                                           *value, aliases);
-            if (written_or_told(result, gatebits_file)) change_confirmed(change);
-            return {value, result};
+            const auto result =
+                change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value});
+            if (written_or_told(result, gatebits_file)) change_confirmed(wanted);
+            return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
-        return value;
+        return {value};
     }
 }

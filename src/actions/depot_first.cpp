@@ -5,7 +5,6 @@
 #include "base/filled.h"
 #include "messages/action_texts.h"
 #include "messages/identity.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -24,11 +23,11 @@ std::string question_about(const std::string& depot, const char* entry, const st
 
 }  // namespace
 
-std::string depot_of(const std::string& gatebits_file, const std::string& os) {
-    return field_or_empty(gatebits_file, DEPOT_LINE, os == WINDOWS_OS ? WINDOWS_FIELD : UNIX_FIELD);
+std::string depot_of(const Gatebits& gatebits, const std::string& os) {
+    return field_or_empty(gatebits, DEPOT_LINE, os == WINDOWS_OS ? WINDOWS_FIELD : UNIX_FIELD);
 }
 
-std::string why_depot_comes_first(const std::string& gatebits_file, const std::string& entry,
+std::string why_depot_comes_first(const Gatebits& gatebits, const std::string& entry,
                                   const std::string& os) {
-    return question_about(depot_of(gatebits_file, os), entry.c_str(), os);
+    return question_about(depot_of(gatebits, os), entry.c_str(), os);
 }

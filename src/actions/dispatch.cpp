@@ -1,6 +1,4 @@
-#include <sys/stat.h>
-
-#include <cstring>
+#include <algorithm>
 #include <string>
 
 #include "actions/actions.h"
@@ -12,7 +10,6 @@
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
-#include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
 
@@ -42,21 +39,13 @@ int leave_submenu(const Options& options) {
     return MAIN_MENU;
 }
 
-/// The field that action n enters, when it names a path outside the gatebits file: the checker does
-/// not judge that path, so it is looked at here, and a bad one is not asked for again.
-const FieldEditor* path_field(int number) {
-    for (const FieldEditor& field : field_editors()) {
-        if (field.action == number && field.kind->names_a_path) return &field;
-    }
-    return nullptr;
-}
-
-/// Whether the path holds, or cannot be tested from here.
-bool path_holds(const std::string& gatebits_file, const FieldEditor& field) {
-    const std::string path = field_or_empty(gatebits_file, field.line, field.field);
-    if (path.empty() || std::strcmp(field.subject, THIS_OS) != 0) return true;
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+/// Whether action n enters a path outside the gatebits file: the checker does not judge that, so
+/// the file is not checked again, and a bad path not asked for again.
+bool enters_a_path(int number) {
+    return std::any_of(field_editors().begin(), field_editors().end(),
+                       [&](const FieldEditor& field) {
+                           return field.action == number && field.kind->names_a_path;
+                       });
 }
 
 /// What the checker says of the file before an action.
@@ -67,10 +56,10 @@ struct Before {
 
 Before look_before(RegionSettings* region) {
     Before before;
-    const auto status = perform_cbfile_only_check(CHECK_STATUS, region);
+    const auto status = perform_cbfile_only_check(CheckMode::STATUS, region);
     if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
     before.errors = true;
-    const auto counted = perform_cbfile_only_check(CHECK_COUNT, region);
+    const auto counted = perform_cbfile_only_check(CheckMode::COUNT, region);
     if (counted) before.count = counted->CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS;
     return before;
 }
@@ -100,37 +89,33 @@ int A_2(const Options& options, RegionInUse& region) {
             make_selection(submenu_title(region.settings.ENTERPRIZE_NAME, during_install),
                            submenu_entries(during_install), SINGLE_CHOICE);
         if (!pick) return leave_submenu(options);
-        last_answer = run_submenu_pick(options, region, *pick).value_or(*pick);
+        last_answer = run_submenu_pick(options, region, *pick).text.value_or(*pick);
     }
     return SUBMENU;
 }
 
-Guarded A_X(const Options& options, RegionInUse& region, int n) {
+LastAnswer A_X(const Options& options, RegionInUse& region, int n) {
     Before before = look_before(&region.settings);
     const Before at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     const std::string& gatebits_file = region.settings.ENTERPRIZE_PERMISSION_FILE;
+    const bool is_checked = !enters_a_path(n);
     LastAnswer last_answer;
     for (int times_unchanged = 0;; before = look_before(&region.settings)) {
-        const std::string bytes = read_gatebits_bytes(gatebits_file);
+        const std::string bytes = is_checked ? read_gatebits_bytes(gatebits_file) : "";
         // A run that shows no dialog keeps the answer of the one before.
         const LastAnswer answer = request->handler(options, region, *request).last_answer;
-        if (answer) last_answer = answer;
+        if (answer.text) last_answer = answer;
         // Entering another value would not help.
-        if (last_answer.changed_meanwhile) return {false, last_answer};
+        if (last_answer.changed_meanwhile || !is_checked) return last_answer;
+        const auto after = perform_cbfile_only_check(
+            before.errors ? CheckMode::COUNT : CheckMode::STATUS, &region.settings);
+        if (!after || is_good_enough(*after, before)) return last_answer;
         times_unchanged = read_gatebits_bytes(gatebits_file) != bytes ? 0 : times_unchanged + 1;
-        if (const FieldEditor* field = path_field(n)) {
-            return {path_holds(gatebits_file, *field), last_answer};
-        }
-
-        const auto after =
-            perform_cbfile_only_check(before.errors ? CHECK_COUNT : CHECK_STATUS, &region.settings);
-        if (!after) return {false, last_answer};
-        if (is_good_enough(*after, before)) return {true, last_answer};
         if (times_unchanged >= TIMES_LEFT_UNCHANGED &&
             no_more_errors_than(at_entry, before, *after)) {
-            return {true, last_answer};
+            return last_answer;
         }
         advise_wait(AX_MSG);
     }

@@ -15,36 +15,30 @@ namespace {
 // Validators that need to know less than the notify program's does.
 
 template <Validity (*is_ok)(const std::string& value, const std::string& os)>
-Validity of_path(const std::string& value, const std::string& os, const std::string& /*file*/) {
+Validity of_path(const std::string& value, const std::string& os, const Gatebits&) {
     return is_ok(value, os);
 }
 template <Validity (*is_ok)(const std::string& value)>
-Validity of_text(const std::string& value, const std::string& /*os*/, const std::string& /*file*/) {
+Validity of_text(const std::string& value, const std::string& /*os*/, const Gatebits&) {
     return is_ok(value);
 }
 
-Entered typed_value(const std::string& gatebits_file, const FieldEditor& editor,
+Entered typed_value(const Gatebits& gatebits, const FieldEditor& editor,
                     const std::string& question, const std::string& current) {
     return prompt_until_ok(question, current, [&](const std::string& value) {
-        return editor.kind->is_ok(value, editor.subject, gatebits_file);
+        return editor.kind->is_ok(value, editor.subject, gatebits);
     });
 }
 
 /// A cleared depot takes with it what stands on it.
-std::vector<FieldChange> changes_with_depot(const std::string& gatebits_file,
-                                            const FieldEditor& depot, const std::string& value) {
+std::vector<FieldValue> changes_with_depot(const Gatebits& gatebits, const FieldEditor& depot,
+                                           const std::string& value) {
     if (!value.empty()) return {};
-    const auto to = [&](int line, int field, const std::string& new_value) {
-        return FieldChange{line, field, new_value, field_or_empty(gatebits_file, line, field)};
-    };
-    std::vector<FieldChange> changes = {to(PARENT_LINE, depot.field, ""),
-                                        to(NOTIFY_LINE, depot.field, "")};
-    std::string other_depot;
-    const int other = other_field(depot.field);
-    if (!get_a_field(gatebits_file, DEPOT_LINE, other, &other_depot)) return changes;
-    // It stays as it is, but logging depends on it.
-    changes.push_back({DEPOT_LINE, other, other_depot, other_depot});
-    if (other_depot.empty()) changes.push_back(to(DEPOT_LINE, LOGGING_FIELD, LOGGING_WHEN_EMPTY));
+    std::vector<FieldValue> changes = {{PARENT_LINE, depot.field, ""},
+                                       {NOTIFY_LINE, depot.field, ""}};
+    if (get_a_field(gatebits, DEPOT_LINE, other_field(depot.field)) == "") {
+        changes.push_back({DEPOT_LINE, LOGGING_FIELD, LOGGING_WHEN_EMPTY});
+    }
     return changes;
 }
 
@@ -117,8 +111,8 @@ constexpr FieldKind MOTD_LIST = {
 
 // Picked letters.
 
-Entered picked_letter(const std::string& /*gatebits_file*/, const FieldEditor& editor,
-                      const std::string& title, const std::string&) {
+Entered picked_letter(const Gatebits&, const FieldEditor& editor, const std::string& title,
+                      const std::string&) {
     const auto pick = pick_one(title, editor.example);
     if (!pick) return {};
     return {pick->substr(0, 1), *pick};
@@ -148,8 +142,8 @@ constexpr FieldKind PER_VOB = {
 
 // Picked bits.
 
-Entered picked_bits(const std::string& /*gatebits_file*/, const FieldEditor&,
-                    const std::string& title, const std::string& current) {
+Entered picked_bits(const Gatebits&, const FieldEditor&, const std::string& title,
+                    const std::string& current) {
     const auto picks = make_selection(title, bit_entries(bit_state(current)), MULTIPLE_CHOICE);
     if (!picks) return {};
     return {state_with_only(*picks), *picks};

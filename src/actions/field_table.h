@@ -6,7 +6,7 @@
 
 #include "actions/picks.h"
 #include "policy/change_warnings.h"
-#include "policy/gatebits_file.h"
+#include "policy/gatebits.h"
 #include "policy/validators.h"
 
 // The thirteen fields that can be edited, as data: what the one editor loop needs to know of each.
@@ -22,11 +22,11 @@ struct FieldKind {
     std::string (*question)(const FieldEditor& editor, const std::string& current,
                             const std::string& back_to);
     /// Gets the new value from the operator.
-    Entered (*ask_for)(const std::string& gatebits_file, const FieldEditor& editor,
+    Entered (*ask_for)(const Gatebits& gatebits, const FieldEditor& editor,
                        const std::string& question, const std::string& current);
     /// Typed values: whether the value may stand in the field of that file.
     Validity (*is_ok)(const std::string& value, const std::string& os,
-                      const std::string& gatebits_file) = nullptr;
+                      const Gatebits& gatebits) = nullptr;
     /// Whether the value is the path of a file outside the gatebits file.
     bool names_a_path = false;
     /// The field's name in confirmations.
@@ -35,11 +35,9 @@ struct FieldKind {
     /// that lead back from there; null for fields that need none.
     const char* depot_entry = nullptr;
     const char* back_to = nullptr;
-    /// Fields that change with the value, in the same write, or that must still hold what they held
-    /// when the operator was asked; null when there are none.
-    std::vector<FieldChange> (*further_changes)(const std::string& gatebits_file,
-                                                const FieldEditor& editor,
-                                                const std::string& value) = nullptr;
+    /// Fields that change with the value, in the same write; null when there are none.
+    std::vector<FieldValue> (*further_changes)(const Gatebits& gatebits, const FieldEditor& editor,
+                                               const std::string& value) = nullptr;
     /// Whether the region's settings depend on the field.
     bool changes_settings = false;
 };
@@ -55,7 +53,7 @@ struct FieldEditor {
     /// The example in a prompt, or the entries of a list.
     const char* example;
     /// What the field's confirmation warns of; null where there is nothing.
-    std::string (*warnings)(const std::string& gatebits_file, const NewValue& value);
+    std::string (*warnings)(const Gatebits& gatebits, const NewValue& value);
 };
 
 /// In the order of the actions.

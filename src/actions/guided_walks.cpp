@@ -12,7 +12,7 @@ constexpr int IMPORTANT_FIELDS[] = {4, 5, 6, 7, 16, 23};
 constexpr int ALL_FIELDS[] = {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 22, 23};
 
 /// A step that is cancelled leads to the next one.
-void walk(const Options& options, RegionInUse& region, char settings,
+void walk(const Options& options, RegionInUse& region, SettingsAsked settings,
           std::span<const int> actions) {
     ask_all_configure(settings, &region.settings);
     for (const int number : actions) {
@@ -23,9 +23,9 @@ void walk(const Options& options, RegionInUse& region, char settings,
 }  // namespace
 
 void A_28(const Options& options, RegionInUse& region) {
-    walk(options, region, IMPORTANT_SETTINGS, IMPORTANT_FIELDS);
+    walk(options, region, SettingsAsked::IMPORTANT, IMPORTANT_FIELDS);
 }
 
 void A_29(const Options& options, RegionInUse& region) {
-    walk(options, region, ALL_SETTINGS, ALL_FIELDS);
+    walk(options, region, SettingsAsked::ALL, ALL_FIELDS);
 }

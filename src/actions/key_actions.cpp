@@ -1,5 +1,4 @@
-#include <algorithm>
-#include <limits>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,23 +22,12 @@ namespace {
 /// A key in a list shows this many of its characters.
 constexpr std::size_t LISTED_KEY_CHARACTERS = 46;
 
-/// The command keys of the gatebits file; a key's place is its index, counted from 0.
-std::vector<std::string> command_keys(const std::string& gatebits_file) {
-    std::vector<std::string> keys;
-    std::string line;
-    while (get_a_line(gatebits_file, FIRST_KEY_LINE + static_cast<int>(keys.size()), &line)) {
-        keys.push_back(line);
-    }
-    return keys;
-}
-
 /// Says how many keys of the file a list of these leaves out: those that no line number reaches.
-void note_keys_left_out(const std::string& gatebits_file, const std::vector<std::string>& keys) {
-    const std::vector<std::string> lines = read_gatebits_lines(gatebits_file);
-    const auto in_file = std::count_if(lines.begin(), lines.end(), is_significant) -
-                         static_cast<std::ptrdiff_t>(FIRST_KEY_LINE - 1);
-    const auto left_out = in_file - static_cast<std::ptrdiff_t>(keys.size());
-    if (left_out > 0) note(filled(KEYS_NOT_OFFERED, left_out, in_file, gatebits_file.c_str()));
+void note_keys_left_out(const std::string& gatebits_file, const Gatebits& gatebits,
+                        std::size_t listed) {
+    const std::size_t in_file = number_of_keys(gatebits);
+    if (in_file == listed) return;
+    note(filled(KEYS_NOT_OFFERED, in_file - listed, in_file, gatebits_file.c_str()));
 }
 
 std::string key_list(const std::vector<std::string>& keys) {
@@ -54,51 +42,62 @@ std::string key_list(const std::vector<std::string>& keys) {
 
 struct Key {
     int index;
+    /// The file in which it was read.
+    Gatebits gatebits;
     std::string line;
 };
 
 /// The key that the pick begins with the index of, as it is now; gripes with `fault` when there is
 /// none.
 Key picked_key(const std::string& gatebits_file, const std::string& pick, const char* fault) {
-    const int last_index = std::numeric_limits<int>::max() - FIRST_KEY_LINE;
     const auto index = number_at_front(pick);
-    Key key = {index.value_or(0), ""};
-    if (!index || *index > last_index ||
-        !get_a_line(gatebits_file, FIRST_KEY_LINE + *index, &key.line)) {
-        gripe(fault);
-    }
-    return key;
+    if (!index) gripe(fault);
+    const Gatebits gatebits = read_gatebits(gatebits_file);
+    const std::vector<std::string> keys = command_keys(gatebits);
+    const auto place = static_cast<std::size_t>(*index);
+    if (place >= keys.size()) gripe(fault);
+    return {*index, gatebits, keys[place]};
 }
 
 Answer ask_what_to_do_with(const Key& key, const char* noun) {
     std::string shown = cut_for_dialog(key.line);
     double_amp_string(shown);
-    return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()), "yes", "yes,no,abort");
+    return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()));
+}
+
+/// Writes `text` in the key's place while that is as it was shown.
+ChangeResult write_key(const std::string& gatebits_file, const Key& key, const std::string& text) {
+    const int number = FIRST_KEY_LINE + key.index;
+    const auto rests_on = [&](const Gatebits& gatebits) {
+        const auto line = get_a_line(gatebits, number);
+        return line ? std::vector<std::string>{*line} : std::vector<std::string>();
+    };
+    const auto edit = [&](const Gatebits& now) { return set_a_line(now, number, text); };
+    return change(gatebits_file, {key.gatebits, rests_on}, edit).result;
 }
 
 /// Whether the action goes on with its list: it does not after a cancelled prompt, nor when
-/// somebody else has changed the key.
+/// another process has changed the key.
 bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const auto text = prompt(filled(KEY_PROMPT, key.index), key.line);
     if (!text) return false;
-    *last_answer = text;
-    const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
-    if (confirm_change(change, key_reminder(gatebits_file)) != CONFIRMED) return true;
-    const auto result = set_a_line(gatebits_file, FIRST_KEY_LINE + key.index, *text, key.line);
-    *last_answer = {text, result};
+    *last_answer = {text};
+    const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
+    if (confirm_change(wanted, key_reminder(gatebits_file)) != CONFIRMED) return true;
+    const auto result = write_key(gatebits_file, key, *text);
+    last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
-    change_confirmed(change);
+    change_confirmed(wanted);
     return true;
 }
 
 bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
-    const Change change = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
-    if (confirm_delete(change) != CONFIRMED) return true;
-    const auto result =
-        set_a_line(gatebits_file, FIRST_KEY_LINE + key.index, DELETION_TOKEN, key.line);
-    *last_answer = {*last_answer, result};
+    const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
+    if (confirm_delete(wanted) != CONFIRMED) return true;
+    const auto result = write_key(gatebits_file, key, DELETION_TOKEN);
+    last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
-    delete_confirmed(change);
+    delete_confirmed(wanted);
     return true;
 }
 
@@ -108,14 +107,15 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
     const KeyTexts& texts = edition == 0 ? LITE_KEY_TEXTS : FULL_KEY_TEXTS;
     LastAnswer last_answer;
     while (the_sun_rises) {
-        const std::vector<std::string> keys = command_keys(gatebits_file);
+        const Gatebits gatebits = read_gatebits(gatebits_file);
+        const std::vector<std::string> keys = command_keys(gatebits);
         if (keys.empty()) {
-            ask(texts.none, "abort", "abort");
+            ask(texts.none, ABORT, Buttons::ABORT);
             return last_answer;
         }
-        note_keys_left_out(gatebits_file, keys);
+        note_keys_left_out(gatebits_file, gatebits, keys.size());
         const auto pick = pick_one(texts.title, key_list(keys));
-        last_answer = pick.value_or(UNANSWERED);
+        last_answer = {pick.value_or(UNANSWERED)};
         if (!pick) return last_answer;
         const Key key = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
@@ -127,24 +127,26 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
 LastAnswer A_22(const std::string& gatebits_file) {
     LastAnswer last_answer;
     while (the_sun_rises) {
-        const std::vector<std::string> keys = command_keys(gatebits_file);
+        const Gatebits gatebits = read_gatebits(gatebits_file);
+        const std::vector<std::string> keys = command_keys(gatebits);
         std::string text = DEFAULT_KEY;
         if (!keys.empty()) {
-            note_keys_left_out(gatebits_file, keys);
+            note_keys_left_out(gatebits_file, gatebits, keys.size());
             const auto pick = make_selection(KEY_TEMPLATE_TITLE, key_list(keys), SINGLE_CHOICE);
-            last_answer = pick.value_or(UNANSWERED);
+            last_answer = {pick.value_or(UNANSWERED)};
             if (!pick) return last_answer;
             if (!pick->empty()) text = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_22).line;
         }
         const int index = static_cast<int>(keys.size());
         const auto entered = prompt(filled(NEW_KEY_PROMPT, index), text);
         if (!entered) return last_answer;
-        last_answer = entered;
-        const Change change = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
-        if (confirm_add(change) == CONFIRMED) {
-            set_a_line(gatebits_file, 0, *entered);
+        last_answer = {entered};
+        const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
+        if (confirm_add(wanted) == CONFIRMED) {
+            change(gatebits_file, {gatebits, nothing},
+                   [&](const Gatebits& now) { return set_a_line(now, 0, *entered); });
             // A new key has always been reported as a change.
-            change_confirmed(change);
+            change_confirmed(wanted);
         }
     }
 }

@@ -22,7 +22,7 @@ enum class Step { DONE, AGAIN, GIVEN_UP };
 
 /// Asks whether to try once more.
 Step again_if_wished(const char* question) {
-    return ask(question, "yes", "yes,no") == YES ? Step::AGAIN : Step::GIVEN_UP;
+    return ask(question, YES, Buttons::YES_NO) == YES ? Step::AGAIN : Step::GIVEN_UP;
 }
 
 /// Repeats a step for as long as the operator wants to try again.
@@ -35,7 +35,7 @@ bool done_in_the_end(Repeated step) {
 
 /// What the checker says of the file in use, in words; empty when it could not be run.
 std::string verdict_on_new_file(RegionSettings* region) {
-    const auto check = perform_cbfile_only_check(CHECK_ERRORS, region);
+    const auto check = perform_cbfile_only_check(CheckMode::ERRORS, region);
     if (!check) return "";
     const char* file = region->ENTERPRIZE_PERMISSION_FILE.c_str();
     return check->CURRENT_GATEBITS_FILE_HAS_ERRORS ? filled(LOADED_WITH_ERRORS, file)
@@ -54,7 +54,7 @@ Step switch_file(RegionSettings* region) {
 }
 
 Step use_existing_or_again(const std::string& path, RegionSettings* region) {
-    switch (ask(NEW_OR_EXISTING, "yes", "yes,no,abort")) {
+    switch (ask(NEW_OR_EXISTING)) {
         case YES:
             return Step::AGAIN;
         case NO:
@@ -80,7 +80,7 @@ std::string text_of_new_file(const ToolSettings& in_use) {
 }
 
 void offer_the_walks(const Options& options, RegionInUse& region) {
-    switch (ask(POPULATE_NOW, "yes", "yes,no,abort")) {
+    switch (ask(POPULATE_NOW)) {
         case YES:
             return A_29(options, region);
         case NO:
@@ -91,7 +91,7 @@ void offer_the_walks(const Options& options, RegionInUse& region) {
 }
 
 void use_file(const std::string& path, RegionSettings* region) {
-    *region = interrogate_the_enterprise(path, region->tools);
+    *region = interrogate_the_enterprise(path, read_gatebits(path), region->tools);
 }
 
 Step create_file(const Options& options, RegionInUse& region) {
@@ -168,7 +168,7 @@ void A_23(RegionSettings& region, bool during_install) {
     const std::string command = checker_command(checker, region.ENTERPRIZE_PERMISSION_FILE, CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
-    ask(filled(CHECK_FAILED, status, command.c_str()), "abort", "abort");
+    ask(filled(CHECK_FAILED, status, command.c_str()), ABORT, Buttons::ABORT);
 }
 
 bool A_25(RegionSettings& region) {

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "policy/gatebits_file.h"
+#include "policy/gatebits.h"
 
 // What the operator is told of a confirmed change of the gatebits file that was not made.
 

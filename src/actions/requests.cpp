@@ -62,7 +62,8 @@ Finished guide(const Options& options, RegionInUse& region, const Request&) {
 // Another gatebits file in use makes the region's settings stale.
 
 Finished load_again(RegionSettings& region) {
-    region = interrogate_the_enterprise(region.ENTERPRIZE_PERMISSION_FILE, region.tools);
+    const std::string path = region.ENTERPRIZE_PERMISSION_FILE;
+    region = interrogate_the_enterprise(path, read_gatebits(path), region.tools);
     return {};
 }
 template <auto action>
@@ -121,7 +122,7 @@ constexpr std::array<Request, 34> REQUESTS = {{
 
 Finished Request::execute(const Options& options, RegionInUse& region) const {
     if (refused(*this, options)) return {};
-    if (guarded) return {A_X(options, region, number).last_answer};
+    if (guarded) return {A_X(options, region, number)};
     return handler(options, region, *this);
 }
 

@@ -13,6 +13,7 @@
 #include "logs/log_files.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
+#include "policy/gatebits_file.h"
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 #include "pruning/pruning.h"
@@ -33,22 +34,26 @@ std::string setting_list(const ToolSettings& tools) {
 enum class Next { ASK_AGAIN, GO_ON };
 
 /// Asks for the setting, with `def` to be edited, and writes what is confirmed unless the file no
-/// longer has `stored` for it. `*entered` is what was typed.
-Next ask_for_setting(std::size_t index, const std::string& stored, const std::string& def,
+/// longer has for it what it has in `shown`. `*entered` is what was typed.
+Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string& def,
                      std::string* entered, RegionSettings* region) {
     const auto typed = prompt(filled(SETTING_PROMPT, GS_VAR_NAME[index]), def);
     if (!typed) return Next::GO_ON;
     *entered = *typed;
-    const Change change = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
-    const Consent consent = confirm_add(change, Addition::SETTING);
+    const Change wanted = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
+    const Consent consent = confirm_add(wanted, Addition::SETTING);
     if (consent == DECLINED) return Next::ASK_AGAIN;
     if (consent != CONFIRMED) return Next::GO_ON;
-    const std::string& gatebits_file = region->ENTERPRIZE_PERMISSION_FILE;
-    const auto result =
-        change_a_var(gatebits_file, &region->tools, static_cast<int>(index), *typed, stored);
-    if (!written_or_told(result, gatebits_file)) return Next::GO_ON;
-    add_confirmed(change);
-    *region = interrogate_the_enterprise(gatebits_file, region->tools);
+    const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
+    const auto rests_on = [&](const Gatebits& gatebits) {
+        return std::vector<std::string>{stored_variable(gatebits, index).value_or("")};
+    };
+    const Changed changed = change(path, {shown, rests_on}, [&](const Gatebits& now) {
+        return change_a_var(now, region->tools, index, *typed);
+    });
+    if (!written_or_told(changed.result, path)) return Next::GO_ON;
+    add_confirmed(wanted);
+    *region = interrogate_the_enterprise(path, changed.now, region->tools);
     return Next::GO_ON;
 }
 
@@ -66,9 +71,10 @@ void walk_to_setting(std::size_t index, RegionSettings* region) {
     std::string entered;
     // A declined change goes on from the stored value.
     while (next == Next::ASK_AGAIN) {
-        const auto stored = stored_variable(region->ENTERPRIZE_PERMISSION_FILE, index);
-        next = ask_for_setting(index, stored.value_or(""),
-                               setting_in_use(region->tools, index, stored), &entered, region);
+        const Gatebits gatebits = read_gatebits(region->ENTERPRIZE_PERMISSION_FILE);
+        const auto stored = stored_variable(gatebits, index);
+        next = ask_for_setting(index, gatebits, setting_in_use(region->tools, index, stored),
+                               &entered, region);
     }
 }
 
@@ -79,23 +85,23 @@ void A_1(const RegionSettings& region, bool display) {
 }
 
 void A_24(RegionSettings& region) {
-    build_var_list(region.ENTERPRIZE_PERMISSION_FILE, &region.tools);
+    const Gatebits gatebits = read_gatebits(region.ENTERPRIZE_PERMISSION_FILE);
+    build_var_list(gatebits, &region.tools);
     const auto pick = pick_one(SETTING_TITLE, setting_list(region.tools));
     if (!pick) return;
     const auto index = number_at_front(*pick);
     if (!index || static_cast<std::size_t>(*index) >= GS_VAR_NAME.size())
         gripe(INTERNAL_ERROR_A_24);
-    const std::string stored = region.tools.GS_VAR[static_cast<std::size_t>(*index)];
-    std::string value = stored;
+    std::string value = region.tools.GS_VAR[static_cast<std::size_t>(*index)];
     Next next = Next::ASK_AGAIN;
     // What was entered last is what a declined change goes on from.
     while (next == Next::ASK_AGAIN) {
-        next = ask_for_setting(static_cast<std::size_t>(*index), stored, value, &value, &region);
+        next = ask_for_setting(static_cast<std::size_t>(*index), gatebits, value, &value, &region);
     }
 }
 
-void ask_all_configure(char mode, RegionSettings* region) {
-    if (mode != IMPORTANT_SETTINGS && mode != ALL_SETTINGS) gripe(INTERNAL_ERROR_CONFIGURE);
-    const std::size_t settings = mode == IMPORTANT_SETTINGS ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
+void ask_all_configure(SettingsAsked mode, RegionSettings* region) {
+    const std::size_t settings =
+        mode == SettingsAsked::IMPORTANT ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }

@@ -28,7 +28,9 @@ FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) 
         Descriptor file = open_to_lock(path);
         if (!file) return {};
         const int error = lock_exclusively(file.get());
-        if (error != 0 && error != EWOULDBLOCK && error != EINTR) return {};
+        if (error != 0 && error != EWOULDBLOCK && error != EINTR) {
+            return {LockState::NOT_TO_BE_HAD, std::move(file)};
+        }
         if (error == 0 && is_name_of(path, file.get(), 0))
             return {LockState::HELD, std::move(file)};
         if (std::chrono::steady_clock::now() >= end) return {LockState::KEPT_BY_ANOTHER, {}};

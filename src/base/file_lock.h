@@ -16,6 +16,8 @@ enum class LockState {
 /// ends, however it ends.
 struct FileLock {
     LockState state = LockState::NOT_TO_BE_HAD;
+    /// The file, open for reading and writing; none when another holds the lock, or when it cannot
+    /// be opened so or is no regular file.
     Descriptor file = {};
 };
 

@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "base/descriptor.h"
 #include "base/file_identity.h"
 #include "base/filled.h"
 #include "base/platform.h"
@@ -168,22 +167,25 @@ std::optional<Failure> rewrite_in_place(int file, const std::string& path, std::
 }  // namespace
 
 std::optional<Failure> replace_file(const std::string& path, std::string_view text,
-                                    const std::string& safe_copy) {
+                                    const std::string& safe_copy, const Descriptor& open_file) {
     const std::string target = target_of(path);
-    // A file that was made read-only stays as it is, even where a rename would be allowed.
-    const Descriptor old_file(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-    if (!old_file) return refused(safe_copy, path, errno);
+    Descriptor opened;
+    if (!open_file || !is_name_of(target, open_file.get())) {
+        // A file that was made read-only stays as it is, even where a rename would be allowed.
+        opened = Descriptor(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (!opened) return refused(safe_copy, path, errno);
+    }
+    const int old_file = opened ? opened.get() : open_file.get();
     struct stat status;
-    if (fstat(old_file.get(), &status) != 0) return left_unchanged(target, errno);
+    if (fstat(old_file, &status) != 0) return left_unchanged(target, errno);
     if (!S_ISREG(status.st_mode)) {
         return failure(target, IS_NO_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
     }
     // The system lets root write it all the same.
     if ((status.st_mode & 0222) == 0) return refused(safe_copy, path, EACCES);
-    const Attempt attempt = replace_by_rename(old_file.get(), target, text);
-    const auto why_not = attempt.possible
-                             ? attempt.why_not
-                             : rewrite_in_place(old_file.get(), target, text, safe_copy);
+    const Attempt attempt = replace_by_rename(old_file, target, text);
+    const auto why_not =
+        attempt.possible ? attempt.why_not : rewrite_in_place(old_file, target, text, safe_copy);
     if (!why_not) remove_temporary_file(safe_copy);
     return why_not;
 }

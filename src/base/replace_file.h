@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "base/descriptor.h"
+
 /// Why a file was not replaced.
 struct Failure {
     /// What to tell the operator: the file, the reason and the state in which it and the copy were
@@ -23,11 +25,15 @@ struct Failure {
 /// stays until that is done. For a moment it may then have blank lines at its end, so this is for
 /// texts in which those mean nothing.
 ///
+/// `open_file` is the file, open for reading and writing, where the caller has it so; it is used as
+/// long as `path` names it.
+///
 /// Nothing when it is done. After a failure new files that are not needed any more are still on the
 /// list of temporary files; `safe_copy` is on it too unless it holds the only whole text. Without
 /// one it is removed.
 [[nodiscard]] std::optional<Failure> replace_file(const std::string& path, std::string_view text,
-                                                  const std::string& safe_copy);
+                                                  const std::string& safe_copy,
+                                                  const Descriptor& open_file = Descriptor());
 
 /// Writes all of `text`, brings it to the disk and closes the file. 0, or the errno of the first
 /// that failed.

@@ -18,7 +18,7 @@ Change cut(const Change& change) {
 
 Consent consent_to(std::string question) {
     double_amp_string(question);
-    switch (ask(question, "no", "yes,no,abort")) {
+    switch (ask(question, NO)) {
         case YES:
             return CONFIRMED;
         case NO:
@@ -31,7 +31,7 @@ Consent consent_to(std::string question) {
 void report(std::string text) {
     if (std::getenv(ENV_VERBOSITY) == nullptr) return;
     double_amp_string(text);
-    ask(text, "yes", "yes");
+    ask(text, YES, Buttons::YES);
 }
 
 }  // namespace

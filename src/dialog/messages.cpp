@@ -24,22 +24,16 @@ constexpr char ADVISE_LINE[] = "%s yes_no -mask yes -def yes -pre %s -pro %s%s";
 /// CLEARPROMPT, mask, default, newline option, message.
 constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
 
-/// The answer that the default's first letter stands for.
-Answer preset_answer(const std::string& def) {
-    switch (def.empty() ? '\0' : def.front()) {
-        case 'y':
-            return YES;
-        case 'n':
-            return NO;
-        case 'a':
-            return ABORT;
-        default:
-            gripe_uncoded("ask");
-    }
+const char* word_for(Answer answer) {
+    return ANSWER_WORDS[answer];
 }
 
-bool has_one_button(const std::string& mask) {
-    return mask == "yes" || mask == "no" || mask == "abort";
+const char* words_for(Buttons buttons) {
+    return BUTTON_WORDS[static_cast<std::size_t>(buttons)];
+}
+
+bool has_one_button(Buttons mask) {
+    return mask == Buttons::YES || mask == Buttons::NO || mask == Buttons::ABORT;
 }
 
 /// The shell's status comes unshifted: exit status 1 is 256, and 255 is read as yes.
@@ -98,16 +92,13 @@ void advise_wait(const std::string& message) {
                message, NOT_SHOWN);
 }
 
-Answer ask(const std::string& message, const char* def, const char* mask) {
-    const std::string buttons = mask != nullptr ? mask : default_mask;
-    const std::string chosen = def != nullptr ? def : default_default;
-    const Answer preset = preset_answer(chosen);
-    if (!ZUL_PREFER_GUI && has_one_button(buttons)) {
-        print_stdout(filled(ACCEPTED_LINE, message.c_str(), chosen.c_str()));
-        return preset;
+Answer ask(const std::string& message, Answer def, Buttons mask) {
+    if (!ZUL_PREFER_GUI && has_one_button(mask)) {
+        print_stdout(filled(ACCEPTED_LINE, message.c_str(), word_for(def)));
+        return def;
     }
     return decoded_status(
-        run_dialog(filled(ASK_LINE, CLEARPROMPT, buttons.c_str(), chosen.c_str(),
+        run_dialog(filled(ASK_LINE, CLEARPROMPT, words_for(mask), word_for(def),
                           newline_option(message).c_str(), quoted(message).c_str()),
                    message, NOT_ASKED_SO_ABORT));
 }

@@ -32,11 +32,17 @@ void advise(const std::string& message);
 /// Shows a message and waits until it is dismissed.
 void advise_wait(const std::string& message);
 
-/// Asks a question and returns its Answer. `def` is "yes", "no" or "abort"
-/// (null: "yes"), `mask` the buttons, separated by commas (null: "yes,no,abort"). A dialog that
-/// cannot be started counts as ABORT. Without dialogs a question with a single button is printed
-/// and answered with its default; any other still goes to clearprompt, since it needs an answer.
-Answer ask(const std::string& message, const char* def, const char* mask);
+/// The buttons of a question.
+enum class Buttons { YES, NO, ABORT, YES_NO, YES_ABORT, YES_NO_ABORT };
+
+inline constexpr Answer default_default = YES;
+inline constexpr Buttons default_mask = Buttons::YES_NO_ABORT;
+
+/// Asks a question and returns its Answer. `def` is the button that is preset, `mask` are those
+/// that there are. A dialog that cannot be started counts as ABORT. Without dialogs a question with
+/// a single button is printed and answered with its default; any other still goes to clearprompt,
+/// since it needs an answer.
+Answer ask(const std::string& message, Answer def = default_default, Buttons mask = default_mask);
 
 /// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
 /// stands as it is.

@@ -64,14 +64,31 @@ void test_lists_and_prompts() {
     advise(filled(RESPONSE_REPORT, last.c_str(), code));
 }
 
+struct TestQuestion {
+    const char* text;
+    Answer def;
+};
+constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {{THREE_BUTTONS_ABORT, ABORT},
+                                                   {THREE_BUTTONS_NO, NO},
+                                                   {THREE_BUTTONS_YES, YES},
+                                                   {THREE_BUTTONS_DEFAULT, default_default}};
+
+struct OnlyAnswer {
+    Answer answer;
+    Buttons button;
+};
+constexpr OnlyAnswer ONE_BUTTON_QUESTIONS[] = {
+    {ABORT, Buttons::ABORT}, {YES, Buttons::YES}, {NO, Buttons::NO}};
+
 void test_questions() {
     for (const TestQuestion& question : THREE_BUTTON_QUESTIONS) {
-        const int code = ask(question.text, question.def, question.mask);
+        const int code = ask(question.text, question.def);
         advise(filled(THREE_BUTTON_ANSWER, code));
     }
-    for (const TestQuestion& question : ONE_BUTTON_QUESTIONS) {
-        const int code = ask(question.text, question.def, question.mask);
-        advise(filled(ONLY_ANSWER, question.mask, code));
+    for (const auto& [answer, button] : ONE_BUTTON_QUESTIONS) {
+        const char* word = ANSWER_WORDS[answer];
+        const int code = ask(filled(ONLY_QUESTION, word), answer, button);
+        advise(filled(ONLY_ANSWER, word, code));
     }
 }
 

@@ -3,8 +3,9 @@
 #include <optional>
 #include <string>
 
-// The toolkit: what scripts and programs around this one have always been written with, and this
-// program itself has no use for any more. What it does use stands in src/base.
+// The toolkit: utilities for files, texts, names and dialogs that belong to the system and that
+// this program itself has no use for. They are kept together here, with tests of their own; what
+// the program does use stands where it is used.
 
 // Whole files. The first four end the process through gripe when a file cannot be opened; what they
 // return is the status of the close (0: all written).

@@ -72,12 +72,14 @@ void describe_numbers(QueryResult* result) {
     }
 }
 
-void tell_about_the_data(const RecordTally& tally, const QueryPeriod& period) {
+std::vector<std::string> advice_on(const RecordTally& tally, const QueryPeriod& period) {
+    std::vector<std::string> advice;
     if (tally.earliest <= period.start_of_period_time - WARNING_DISTANCE) {
-        advise(filled(CONSIDER_PRUNING, time_text(tally.earliest).c_str(),
-                      time_text(period.start_of_period_time).c_str()));
+        advice.push_back(filled(CONSIDER_PRUNING, time_text(tally.earliest).c_str(),
+                                time_text(period.start_of_period_time).c_str()));
     }
-    if (!tally.data_seen) advise(NO_DATA);
+    if (!tally.data_seen) advice.emplace_back(NO_DATA);
+    return advice;
 }
 
 }  // namespace
@@ -96,6 +98,6 @@ QueryResult get_query_data(const RecordQuery& query, const std::string& logging_
     } else {
         describe_numbers(&result);
     }
-    tell_about_the_data(tally, query.period);
+    result.advice = advice_on(tally, query.period);
     return result;
 }

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "logs/log_files.h"
 #include "logs/record_rule.h"
@@ -35,8 +36,11 @@ struct QueryResult {
     std::int64_t earliest_read_time = std::numeric_limits<std::int64_t>::max();
     /// Labels: one per day (time queries), or the first and last date of the period (bar queries).
     std::array<std::string, QUERY_DAYS> cell_time;
+
+    /// What the operator should be told before the page is made, in this order: that there are
+    /// records older than the queries reach, and that there was no data at all.
+    std::vector<std::string> advice = {};
 };
 
-/// Reads all log files of the directory. Shows a warning when there are records older than the
-/// queries reach, and a message when there was no data at all. Gripes for any query but 1 to 6.
+/// Reads all log files of the directory. Gripes for any query but 1 to 6.
 QueryResult get_query_data(const RecordQuery& query, const std::string& logging_dir);

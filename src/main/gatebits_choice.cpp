@@ -52,7 +52,7 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     if (options.file_selected) return;
     const char* named = options.selected_file ? nullptr : std::getenv(ENV_GATEBITS_FILE);
     if (take_file_from_environment(named, &file)) return;
-    const Answer answer = ask(gatebits_question(options, named), "yes", "yes,no,abort");
+    const Answer answer = ask(gatebits_question(options, named));
     file.clear();
     if (answer == YES) {
         make_new_gatebits_file(options, region);
@@ -62,5 +62,5 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
         clean_exit(1);
     }
     // Asked once more, but whatever the answer, start-up goes on.
-    if (file.empty()) ask(RETRY_GATEBITS_FILE, "yes", "yes,no,abort");
+    if (file.empty()) ask(RETRY_GATEBITS_FILE);
 }

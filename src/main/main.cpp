@@ -15,6 +15,7 @@
 #include "main/startup.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
+#include "policy/gatebits_file.h"
 #include "policy/region.h"
 
 namespace {
@@ -30,9 +31,10 @@ int run(const std::vector<std::string>& words) {
     RegionInUse region;
     region.settings.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
     choose_gatebits_file(options, region);
-    region.settings = interrogate_the_enterprise(region.settings.ENTERPRIZE_PERMISSION_FILE,
-                                                 region.settings.tools);
-    region.GATEWARDEN_IS = read_edition(region.settings.ENTERPRIZE_PERMISSION_FILE);
+    const std::string path = region.settings.ENTERPRIZE_PERMISSION_FILE;
+    const Gatebits gatebits = read_gatebits(path);
+    region.settings = interrogate_the_enterprise(path, gatebits, region.settings.tools);
+    region.GATEWARDEN_IS = read_edition(gatebits);
     if (options.data_gen_selected) data_gen(region.settings.logging_dir);
     return status_with_output_written(run_requests(options, region));
 }

@@ -150,7 +150,7 @@ inline constexpr KeyTexts LITE_KEY_TEXTS = {"There are no CPDS to view...",
                                             "Select one CPD to view/change/delete:", "CPD"};
 /// On standard error. Keys that the list leaves out, keys of the file, file.
 inline constexpr char KEYS_NOT_OFFERED[] =
-    "%td of %td keys in (%s) are not offered: a line after the 127th significant one cannot be "
+    "%zu of %zu keys in (%s) are not offered: a line after the 127th significant one cannot be "
     "addressed.";
 /// Index, beginning of the key.
 inline constexpr char KEY_ENTRY[] = "%03d %s";
@@ -205,4 +205,3 @@ inline constexpr char SETTING_ENTRY[] = "%02d %s%s";
 /// Prefix of the setting's line.
 inline constexpr char SETTING_PROMPT[] = "Change the value of %s ...";
 inline constexpr char INTERNAL_ERROR_A_24[] = "Internal error in A_24";
-inline constexpr char INTERNAL_ERROR_CONFIGURE[] = "Internal error in ask_all_configure";

@@ -18,8 +18,11 @@ inline constexpr char NOT_SHOWN[] = "shown";
 inline constexpr char NOT_ASKED_SO_ABORT[] = "asked, which counts as abort";
 inline constexpr char NOT_ASKED_SO_CANCELLED[] = "asked, which counts as cancelled";
 
-inline constexpr char default_mask[] = "yes,no,abort";
-inline constexpr char default_default[] = "yes";
+/// What a question can be answered with, and the buttons that it can have; both as clearprompt
+/// knows them, in the order of Answer and of Buttons.
+inline constexpr const char* ANSWER_WORDS[] = {"yes", "no", "abort"};
+inline constexpr const char* BUTTON_WORDS[] = {"yes",    "no",        "abort",
+                                               "yes,no", "yes,abort", "yes,no,abort"};
 /// Message, default.
 inline constexpr char ACCEPTED_LINE[] = "%s\n[%s] accepted\n";
 

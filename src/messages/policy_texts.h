@@ -94,7 +94,6 @@ inline constexpr char PROMPT_06[] = "Select an existing gatebits file to use..."
 
 /// Prefix of the setting, checker, region.
 inline constexpr char CHECKER_NOT_FOUND[] = "%s%s \ndefined in %s could not be found..";
-inline constexpr char UNKNOWN_CHECK_MODE[] = "Internal error perform_cbfile_only_check";
 
 /// File, reason.
 inline constexpr char NEW_FILE_NOT_WRITTEN[] =

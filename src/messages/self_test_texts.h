@@ -27,18 +27,9 @@ inline constexpr char MULTI_SELECTION_ITEMS[] = "this,or that,or the other,some 
 inline constexpr char TEST_PROMPT[] = "Prompt...";
 inline constexpr char TEST_PROMPT_DEFAULT[] = "Default answer";
 
-struct TestQuestion {
-    const char* text;
-    /// Default and mask; null leaves them to the dialog.
-    const char* def;
-    const char* mask;
-};
-inline constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {
-    {"3 button Question (default [abort])...", "abort", "yes,no,abort"},
-    {"3 button Question (default [no])...", "no", "yes,no,abort"},
-    {"3 button Question (default [yes])...", "yes", "yes,no,abort"},
-    {"3 button Question (default [default yes])...", nullptr, nullptr}};
-inline constexpr TestQuestion ONE_BUTTON_QUESTIONS[] = {
-    {"abort only Question...", "abort", "abort"},
-    {"yes only Question...", "yes", "yes"},
-    {"no only Question...", "no", "no"}};
+inline constexpr char THREE_BUTTONS_ABORT[] = "3 button Question (default [abort])...";
+inline constexpr char THREE_BUTTONS_NO[] = "3 button Question (default [no])...";
+inline constexpr char THREE_BUTTONS_YES[] = "3 button Question (default [yes])...";
+inline constexpr char THREE_BUTTONS_DEFAULT[] = "3 button Question (default [default yes])...";
+/// Word.
+inline constexpr char ONLY_QUESTION[] = "%s only Question...";

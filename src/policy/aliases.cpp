@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "base/filled.h"
@@ -12,7 +13,6 @@
 #include "messages/alias_texts.h"
 #include "messages/environment.h"
 #include "messages/policy_texts.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -86,63 +86,28 @@ AliasesRead aliases_in(const std::vector<std::string>& lines) {
     return read;
 }
 
-/// What a mode does with the references to its alias.
-enum class References { LEFT_ALONE, COUNTED, REMOVED };
-
-struct Change {
-    char mode;
-    std::string name;
-    std::string value;
-    References references;
-};
-
-/// The change that the arguments ask for; gripes for an unknown mode.
-Change change_for(char mode, const std::string& name, const std::string& value) {
-    switch (mode) {
-        case ADD_ALIAS:
-            return {mode, name, value, References::LEFT_ALONE};
-        case CHANGE_ALIAS:
-            return {mode, name, value, References::COUNTED};
-        case REMOVE_ALIAS:
-            return {mode, name, value,
-                    value == REFERENCES_TOO ? References::REMOVED : References::COUNTED};
-        case REMOVE_ALIAS_REFERENCES:
-            return {mode, name, value, References::REMOVED};
-        default:
-            gripe_uncoded("add_change_remove_an_alias");
-    }
-}
-
 std::string alias_line(const std::string& name, const std::string& value) {
     return filled(ALIAS_LINE, ALIAS_LOCATER, name.c_str(), value.c_str());
 }
 
-/// What the tables, and so the operator, know of the alias.
-std::optional<std::string> value_shown(const std::string& name, const Aliases& aliases) {
-    const auto begin = aliases.ALIAS_NAME.begin();
-    const auto end = begin + aliases.number_of_aliases;
-    const auto found = std::find(begin, end, name);
-    if (name.empty() || found == end) return std::nullopt;
-    return aliases.ALIAS[static_cast<std::size_t>(found - begin)];
-}
-
 /// The alias lines of the new file.
-std::vector<std::string> alias_lines_after(const Change& change,
+std::vector<std::string> alias_lines_after(const AliasChange& change,
                                            const std::vector<Definition>& definitions) {
+    const bool removes = change.mode == AliasMode::REMOVE || change.mode == AliasMode::REMOVE_ALL;
     std::vector<std::string> lines;
     for (const Definition& alias : definitions) {
         const bool named = alias.name == change.name;
-        if (change.mode == REMOVE_ALIAS && named) continue;
-        const bool changed = change.mode == CHANGE_ALIAS && named;
+        if (removes && named) continue;
+        const bool changed = change.mode == AliasMode::CHANGE && named;
         lines.push_back(alias_line(alias.name, changed ? change.value : alias.value));
     }
-    if (change.mode == ADD_ALIAS) lines.push_back(alias_line(change.name, change.value));
+    if (change.mode == AliasMode::ADD) lines.push_back(alias_line(change.name, change.value));
     return lines;
 }
 
-/// "~name": in mode REMOVE_ALIAS_REFERENCES the caller's text is that already.
-std::string reference_of(const Change& change) {
-    return change.mode == REMOVE_ALIAS_REFERENCES ? change.name : "~" + change.name;
+/// "~name": in REMOVE_REFERENCES the caller's text is that already.
+std::string reference_of(const AliasChange& change) {
+    return change.mode == AliasMode::REMOVE_REFERENCES ? change.name : "~" + change.name;
 }
 
 /// Counts the references in `line` and cuts them out of it. A reference goes with the blank that
@@ -168,19 +133,28 @@ int cut_references(const std::string& reference, std::string* line) {
     return count;
 }
 
-/// Appends the lines of the file but the first `alias_lines` alias lines; the number of references
-/// found in them.
-int append_other_lines(const Change& change, const std::vector<std::string>& file,
-                       std::size_t alias_lines, std::vector<std::string>* lines) {
-    int count = 0;
+/// The lines of the file but the first `alias_lines` alias lines, without the references where they
+/// are removed.
+std::vector<std::string> other_lines_after(const AliasChange& change, const Gatebits& gatebits,
+                                           std::size_t alias_lines) {
+    const bool removes =
+        change.mode == AliasMode::REMOVE_ALL || change.mode == AliasMode::REMOVE_REFERENCES;
+    std::vector<std::string> lines;
     std::size_t passed = 0;
-    for (const std::string& line : file) {
+    for (const std::string& line : gatebits.lines()) {
         if (is_alias_line(line) && ++passed <= alias_lines) continue;
-        std::string kept = line;
-        if (is_significant(line) && change.references != References::LEFT_ALONE) {
-            count += cut_references(reference_of(change), &kept);
+        lines.push_back(line);
+        if (removes && is_significant(line)) {
+            cut_references(reference_of(change), &lines.back());
         }
-        lines->push_back(change.references == References::REMOVED ? kept : line);
+    }
+    return lines;
+}
+
+int count_references(const std::string& reference, const Gatebits& gatebits) {
+    int count = 0;
+    for (std::string line : gatebits.lines()) {
+        if (is_significant(line)) count += cut_references(reference, &line);
     }
     return count;
 }
@@ -194,31 +168,10 @@ std::string reference_sentence(const ReferenceTexts& texts, int count,
                   (reference + " ").c_str(), tail);
 }
 
-/// What the operator is told; empty when nothing.
-std::string report_of(const Change& change, int count) {
-    const std::string reference = reference_of(change);
-    switch (change.mode) {
-        case REMOVE_ALIAS:
-            return filled(DEFINITION_REMOVED, change.name.c_str()) +
-                   reference_sentence(change.references == References::REMOVED
-                                          ? REFERENCES_ALSO_REMOVED
-                                          : REFERENCES_STILL_EXIST,
-                                      count, reference);
-        case REMOVE_ALIAS_REFERENCES:
-            return reference_sentence(REFERENCES_REMOVED, count, reference);
-        case CHANGE_ALIAS:
-            if (std::getenv(ENV_VERBOSITY) == nullptr) return "";
-            return filled(DEFINITION_CHANGED, change.name.c_str()) +
-                   reference_sentence(REFERENCES_EFFECTED, count, reference);
-        default:
-            return "";
-    }
-}
-
 }  // namespace
 
-int build_alias_list(const std::string& gatebits_file, Aliases* aliases) {
-    const AliasesRead read = aliases_in(read_gatebits_lines(gatebits_file));
+int build_alias_list(const Gatebits& gatebits, Aliases* aliases) {
+    const AliasesRead read = aliases_in(gatebits.lines());
     aliases->ALIAS_NAME.fill("");
     aliases->ALIAS.fill("");
     for (std::size_t i = 0; i < read.definitions.size(); ++i) {
@@ -230,24 +183,40 @@ int build_alias_list(const std::string& gatebits_file, Aliases* aliases) {
     return aliases->number_of_aliases;
 }
 
-ChangeResult add_change_remove_an_alias(const std::string& gatebits_file, char mode,
-                                        const std::string& name, const std::string& value,
-                                        const Aliases& shown) {
-    const Change change = change_for(mode, name, value);
-    int count = 0;
-    ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
-    change_gatebits_lines(gatebits_file, [&](std::vector<std::string>* lines) {
-        const AliasesRead now = aliases_in(*lines);
-        if (value_of(name, now.definitions) != value_shown(name, shown)) return false;
-        if (mode == ADD_ALIAS && now.definitions.size() >= MAX_ALIASES) return false;
-        std::vector<std::string> changed = alias_lines_after(change, now.definitions);
-        count = append_other_lines(change, *lines, now.lines, &changed);
-        *lines = changed;
-        result = ChangeResult::WRITTEN;
-        return true;
-    });
-    if (result != ChangeResult::WRITTEN) return result;
-    const std::string report = report_of(change, count);
-    if (!report.empty()) advise_wait(report);
-    return result;
+std::vector<std::string> definition_of(const std::string& name, const Gatebits& gatebits) {
+    const auto value = value_of(name, aliases_in(gatebits.lines()).definitions);
+    return value ? std::vector<std::string>{*value} : std::vector<std::string>();
+}
+
+Rewrite add_change_remove_an_alias(const Gatebits& gatebits, const AliasChange& change) {
+    const AliasesRead now = aliases_in(gatebits.lines());
+    if (change.mode == AliasMode::ADD && now.definitions.size() >= MAX_ALIASES) {
+        return {ChangeResult::CHANGED_MEANWHILE};
+    }
+    std::vector<std::string> lines = alias_lines_after(change, now.definitions);
+    const std::vector<std::string> others = other_lines_after(change, gatebits, now.lines);
+    lines.insert(lines.end(), others.begin(), others.end());
+    return {ChangeResult::WRITTEN, Gatebits(std::move(lines))};
+}
+
+std::string report_of_alias_change(const Gatebits& before, const AliasChange& change) {
+    const std::string reference = reference_of(change);
+    const auto sentence = [&](const ReferenceTexts& texts) {
+        return reference_sentence(texts, count_references(reference, before), reference);
+    };
+    switch (change.mode) {
+        case AliasMode::REMOVE:
+            return filled(DEFINITION_REMOVED, change.name.c_str()) +
+                   sentence(REFERENCES_STILL_EXIST);
+        case AliasMode::REMOVE_ALL:
+            return filled(DEFINITION_REMOVED, change.name.c_str()) +
+                   sentence(REFERENCES_ALSO_REMOVED);
+        case AliasMode::REMOVE_REFERENCES:
+            return sentence(REFERENCES_REMOVED);
+        case AliasMode::CHANGE:
+            if (std::getenv(ENV_VERBOSITY) == nullptr) return "";
+            return filled(DEFINITION_CHANGED, change.name.c_str()) + sentence(REFERENCES_EFFECTED);
+        default:
+            return "";
+    }
 }

@@ -3,8 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <vector>
 
-#include "policy/gatebits_file.h"
+#include "policy/gatebits.h"
 
 // Aliases: named pieces of text, each defined by one line of the gatebits file and referred to
 // from lists and command keys by "~" and its name.
@@ -28,27 +29,34 @@ struct Aliases {
 
 /// Fills the tables anew from the gatebits file and returns number_of_aliases. The first alias line
 /// with a fault is shown to the operator and ends the reading; what was read before it stays.
-int build_alias_list(const std::string& gatebits_file, Aliases* aliases);
+int build_alias_list(const Gatebits& gatebits, Aliases* aliases);
 
-/// Modes of add_change_remove_an_alias.
-inline constexpr char ADD_ALIAS = 'A';
-inline constexpr char CHANGE_ALIAS = 'C';
-inline constexpr char REMOVE_ALIAS = 'R';
-inline constexpr char REMOVE_ALIAS_REFERENCES = 'r';
-/// The value with which REMOVE_ALIAS removes the references too, and the one with which it does
-/// not.
-inline constexpr char REFERENCES_TOO[] = "~";
-inline constexpr char DEFINITION_ONLY[] = " ";
+/// What add_change_remove_an_alias does.
+enum class AliasMode {
+    ADD,                ///< the alias comes last
+    CHANGE,             ///< it gets the value; references are counted
+    REMOVE,             ///< the definition goes; references are counted
+    REMOVE_ALL,         ///< the definition goes, and the references too
+    REMOVE_REFERENCES,  ///< definitions stay, references go
+};
 
-/// Rewrites the gatebits file with all alias lines at its top, changed as `mode` says, and tells
-/// the operator what became of the references. The tables must be what the operator was shown: when
-/// the file has since got another definition of `name`, or has no room for one more, nothing is
-/// written or told.
-///   ADD_ALIAS                the alias `name` with `value` comes last
-///   CHANGE_ALIAS             the alias gets `value`; references are counted
-///   REMOVE_ALIAS             the alias goes; references are removed or counted, as `value` says
-///   REMOVE_ALIAS_REFERENCES  definitions stay, references go; `name` begins with its "~"
-/// Any other mode gripes.
-ChangeResult add_change_remove_an_alias(const std::string& gatebits_file, char mode,
-                                        const std::string& name, const std::string& value,
-                                        const Aliases& shown);
+/// A change of an alias.
+struct AliasChange {
+    AliasMode mode;
+    /// Of REMOVE_REFERENCES the reference: "~" and the name.
+    std::string name;
+    /// Of ADD and CHANGE only.
+    std::string value = {};
+};
+
+/// The definition of the alias in the gatebits file, on which a change of it rests: its value, or
+/// nothing when it is not defined before the first alias line with a fault.
+std::vector<std::string> definition_of(const std::string& name, const Gatebits& gatebits);
+
+/// The gatebits file with all alias lines at its top, changed. The result is CHANGED_MEANWHILE when
+/// there is no room for one more alias.
+Rewrite add_change_remove_an_alias(const Gatebits& gatebits, const AliasChange& change);
+
+/// What the operator is told of a change that was made to the gatebits file as it stood `before`;
+/// empty when nothing.
+std::string report_of_alias_change(const Gatebits& before, const AliasChange& change);

@@ -7,7 +7,6 @@
 #include "base/text.h"
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
@@ -22,27 +21,26 @@ std::string bare_item(const NewValue& value) {
     return value.item.substr(0, value.item.find(CUT_MARK));
 }
 
-std::string warning_of_cleared_parent(const std::string& gatebits_file, const NewValue& depot) {
-    const std::string parent = field_or_empty(gatebits_file, PARENT_LINE, depot.field);
+std::string warning_of_cleared_parent(const Gatebits& gatebits, const NewValue& depot) {
+    const std::string parent = field_or_empty(gatebits, PARENT_LINE, depot.field);
     if (parent.empty()) return "";
     return filled(CLEARS_PARENT, bare_item(depot).c_str(), depot.os, parent.c_str());
 }
 
-std::string warning_of_cleared_notify(const std::string& gatebits_file, const NewValue& depot) {
-    const std::string notify = field_or_empty(gatebits_file, NOTIFY_LINE, depot.field);
+std::string warning_of_cleared_notify(const Gatebits& gatebits, const NewValue& depot) {
+    const std::string notify = field_or_empty(gatebits, NOTIFY_LINE, depot.field);
     if (notify.empty()) return "";
     return filled(CLEARS_NOTIFY, bare_item(depot).c_str(), depot.os, notify.c_str());
 }
 
 /// Depends on the header line's third field, although the logging personality stands in the depot
 /// line's: operators know this warning as it is.
-std::string warning_of_cleared_logging(const std::string& gatebits_file, const NewValue& depot) {
-    std::string other_depot;
-    std::string logging;
-    if (!get_a_field(gatebits_file, DEPOT_LINE, other_field(depot.field), &other_depot)) return "";
-    if (!get_a_field(gatebits_file, HEADER_LINE, 3, &logging)) return "";
-    if (!other_depot.empty() || logging.starts_with('O')) return "";
-    return filled(CLEARS_LOGGING, logging.substr(0, 1).c_str());
+std::string warning_of_cleared_logging(const Gatebits& gatebits, const NewValue& depot) {
+    const auto other_depot = get_a_field(gatebits, DEPOT_LINE, other_field(depot.field));
+    const auto logging = get_a_field(gatebits, HEADER_LINE, 3);
+    if (!other_depot || !logging) return "";
+    if (!other_depot->empty() || logging->starts_with('O')) return "";
+    return filled(CLEARS_LOGGING, logging->substr(0, 1).c_str());
 }
 
 /// Whether the new value is a path that cannot be looked at from here.
@@ -52,22 +50,20 @@ bool is_out_of_sight(const NewValue& path) {
 
 /// Numbers, from 1, of the command keys that refer to the notify program. A key too short to say
 /// so ends the search.
-std::vector<int> keys_that_refer(const std::string& gatebits_file) {
+std::vector<int> keys_that_refer(const Gatebits& gatebits) {
     std::vector<int> numbers;
-    std::string field;
-    for (int key = 1;
-         get_a_field(gatebits_file, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD, &field); ++key) {
-        if (!field.starts_with('0')) numbers.push_back(key);
+    for (int key = 1;; ++key) {
+        const auto field = get_a_field(gatebits, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD);
+        if (!field) return numbers;
+        if (!field->starts_with('0')) numbers.push_back(key);
     }
-    return numbers;
 }
 
 /// One line of the list of keys. An '&' after the fifth ';' marks the field that refers to the
 /// notify program. Each '&' of the key itself is doubled here, and once more with the whole
 /// question.
-std::string listed_key(const std::string& gatebits_file, int number) {
-    std::string line;
-    get_a_line(gatebits_file, FIRST_KEY_LINE - 1 + number, &line);
+std::string listed_key(const Gatebits& gatebits, int number) {
+    std::string line = get_a_line(gatebits, FIRST_KEY_LINE - 1 + number).value_or("");
     if (line.size() > LISTED_CHARACTERS) line = line.substr(0, LISTED_CHARACTERS) + CUT_KEY_MARK;
     double_amp_string(line);
     in_string__insert_this_char_after_nth_instance_of_that_char(line, '&', KEY_NOTIFY_FIELD - 1,
@@ -76,18 +72,18 @@ std::string listed_key(const std::string& gatebits_file, int number) {
 }
 
 /// The first three keys, dots for those left out, and the last one.
-std::string list_of_keys(const std::string& gatebits_file, const std::vector<int>& numbers) {
+std::string list_of_keys(const Gatebits& gatebits, const std::vector<int>& numbers) {
     std::string list;
     for (std::size_t i = 0; i < numbers.size() && i < FIRST_KEYS_LISTED; ++i) {
-        list += listed_key(gatebits_file, numbers[i]);
+        list += listed_key(gatebits, numbers[i]);
     }
     if (numbers.size() > FIRST_KEYS_LISTED + 1) list += KEYS_LEFT_OUT;
-    if (numbers.size() > FIRST_KEYS_LISTED) list += listed_key(gatebits_file, numbers.back());
+    if (numbers.size() > FIRST_KEYS_LISTED) list += listed_key(gatebits, numbers.back());
     return list;
 }
 
-std::string warning_of_referring_keys(const std::string& gatebits_file, const NewValue& notify) {
-    const std::vector<int> numbers = keys_that_refer(gatebits_file);
+std::string warning_of_referring_keys(const Gatebits& gatebits, const NewValue& notify) {
+    const std::vector<int> numbers = keys_that_refer(gatebits);
     if (numbers.empty()) return "";
     const int count = static_cast<int>(numbers.size());
     const KeyWords& words = count == 1 ? ONE_KEY : SEVERAL_KEYS;
@@ -95,37 +91,37 @@ std::string warning_of_referring_keys(const std::string& gatebits_file, const Ne
         notify.value.empty()
             ? filled(KEYS_REFERENCES_IGNORED, words.are, count, words.that_refer, words.those_keys)
             : filled(KEYS_WILL_REFER, words.are, count, words.plural, words.those_keys);
-    return warning + list_of_keys(gatebits_file, numbers);
+    return warning + list_of_keys(gatebits, numbers);
 }
 
 }  // namespace
 
-std::string depot_warnings(const std::string& gatebits_file, const NewValue& depot) {
+std::string depot_warnings(const Gatebits& gatebits, const NewValue& depot) {
     if (depot.value.empty()) {
-        return warning_of_cleared_parent(gatebits_file, depot) +
-               warning_of_cleared_notify(gatebits_file, depot) +
-               warning_of_cleared_logging(gatebits_file, depot);
+        return warning_of_cleared_parent(gatebits, depot) +
+               warning_of_cleared_notify(gatebits, depot) +
+               warning_of_cleared_logging(gatebits, depot);
     }
     return is_out_of_sight(depot) ? filled(DEPOT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
-std::string parent_warnings(const std::string& /*gatebits_file*/, const NewValue& parent) {
+std::string parent_warnings(const Gatebits& /*gatebits*/, const NewValue& parent) {
     return is_out_of_sight(parent) ? filled(PARENT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
-std::string notify_warnings(const std::string& gatebits_file, const NewValue& notify) {
-    return warning_of_referring_keys(gatebits_file, notify) +
+std::string notify_warnings(const Gatebits& gatebits, const NewValue& notify) {
+    return warning_of_referring_keys(gatebits, notify) +
            (is_out_of_sight(notify) ? filled(NOTIFY_NOT_VERIFIED, OTHER_OS, THIS_OS) : "");
 }
 
-std::string restricted_warnings(const std::string& /*gatebits_file*/, const NewValue& list) {
+std::string restricted_warnings(const Gatebits& /*gatebits*/, const NewValue& list) {
     return includes_all_cases(list.value) ? filled(EXTREMELY_RESTRICTIVE, WILDCARD_PATTERNS) : "";
 }
 
-std::string special_warnings(const std::string& /*gatebits_file*/, const NewValue& list) {
+std::string special_warnings(const Gatebits& /*gatebits*/, const NewValue& list) {
     return includes_all_cases(list.value) ? filled(EXTREMELY_PERMISSIVE, WILDCARD_PATTERNS) : "";
 }
 
-std::string key_reminder(const std::string& gatebits_file) {
-    return filled(VERIFY_REMINDER, gatebits_file.c_str());
+std::string key_reminder(const std::string& path) {
+    return filled(VERIFY_REMINDER, path.c_str());
 }

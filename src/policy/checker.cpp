@@ -19,19 +19,8 @@ constexpr char CHECKER_LINE[] = "%s %s -%s";
 constexpr char ERROR_ONLY[] = "error_only";
 constexpr char STATUS_ONLY[] = "status_only";
 constexpr char ERROR_COUNT[] = "error_count";
-
-const char* option_word(char mode) {
-    switch (mode) {
-        case CHECK_ERRORS:
-            return ERROR_ONLY;
-        case CHECK_STATUS:
-            return STATUS_ONLY;
-        case CHECK_COUNT:
-            return ERROR_COUNT;
-        default:
-            gripe(UNKNOWN_CHECK_MODE);
-    }
-}
+/// In the order of CheckMode.
+constexpr const char* OPTION_WORDS[] = {ERROR_ONLY, STATUS_ONLY, ERROR_COUNT};
 
 }  // namespace
 
@@ -58,8 +47,8 @@ std::string checker_command(const std::string& checker, const std::string& gateb
     return filled(CHECKER_LINE, quoted(checker).c_str(), one_argument(gatebits_file).c_str(), word);
 }
 
-std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* region) {
-    const char* word = option_word(mode);
+std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region) {
+    const char* word = OPTION_WORDS[static_cast<std::size_t>(mode)];
     const bool found = find_checker(&region->tools);
     const std::string& checker = region->tools.GS_VAR[UNIX_CHECKER];
     if (!found) {
@@ -69,5 +58,5 @@ std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* 
     }
     const int status =
         run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, word));
-    return CheckResult{status != 0, mode == CHECK_COUNT ? status : 0};
+    return CheckResult{status != 0, mode == CheckMode::COUNT ? status : 0};
 }

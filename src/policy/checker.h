@@ -9,9 +9,7 @@
 // The policy engine's own checker, run on a gatebits file.
 
 /// What a checker run is asked for.
-inline constexpr char CHECK_ERRORS = 'E';
-inline constexpr char CHECK_STATUS = 'S';
-inline constexpr char CHECK_COUNT = 'C';
+enum class CheckMode { ERRORS, STATUS, COUNT };
 
 /// The EMERGENCY_CHECKER of a program that was started with this path: everything before the last
 /// 'g' in it, wherever that stands, and the checker's name.
@@ -39,7 +37,6 @@ struct CheckResult {
     int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
 };
 
-/// Runs the checker over the gatebits file in use in one of the three modes. Nothing, after telling
-/// the operator, when it could not be found; the one that was found is stored in `*region`. Any
-/// other mode gripes.
-std::optional<CheckResult> perform_cbfile_only_check(char mode, RegionSettings* region);
+/// Runs the checker over the gatebits file in use. Nothing, after telling the operator, when it
+/// could not be found; the one that was found is stored in `*region`.
+std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region);

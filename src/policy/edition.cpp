@@ -1,11 +1,8 @@
 #include "policy/edition.h"
 
 #include "messages/identity.h"
-#include "policy/gatebits_file.h"
 
-int read_edition(const std::string& gatebits_file) {
-    std::string header;
-    const bool lite =
-        get_a_line(gatebits_file, HEADER_LINE, &header) && header.starts_with(GATEWARDEN_LITE_LIT);
-    return lite ? 0 : 1;
+int read_edition(const Gatebits& gatebits) {
+    const auto header = get_a_line(gatebits, HEADER_LINE);
+    return header && header->starts_with(GATEWARDEN_LITE_LIT) ? 0 : 1;
 }

@@ -8,15 +8,14 @@
 #include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"
-#include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
 
 namespace {
 
 /// Takes the tool variables and returns the significant lines, without their leading blanks.
-std::vector<std::string> scan_the_file(const std::string& path, ToolSettings* tools) {
+std::vector<std::string> scan_the_file(const Gatebits& gatebits, ToolSettings* tools) {
     std::vector<std::string> significant;
-    for (const std::string& line : read_gatebits_lines(path)) {
+    for (const std::string& line : gatebits.lines()) {
         take_tool_variable(line, tools);
         if (is_significant(line)) significant.emplace_back(without_leading_blanks(line));
     }
@@ -53,7 +52,8 @@ std::string blank_when_empty(const std::string& value) {
 }
 
 /// The relocated directory when there is one, else `name` in the depot.
-std::string directory_of(const std::string& relocated, const std::string& depot, const char* name) {
+std::string directory_in_use(const std::string& relocated, const std::string& depot,
+                             const char* name) {
     if (!relocated.empty()) return relocated;
     return filled("%s%c%s", depot.c_str(), DIR_DELIMETER, name);
 }
@@ -61,11 +61,11 @@ std::string directory_of(const std::string& relocated, const std::string& depot,
 }  // namespace
 
 RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
-                                          const ToolSettings& tools) {
+                                          const Gatebits& gatebits, const ToolSettings& tools) {
     RegionSettings region;
     region.ENTERPRIZE_PERMISSION_FILE = ENTERPRIZE_PERMISSION_FILE;
     region.tools = tools;
-    const std::vector<std::string> lines = scan_the_file(ENTERPRIZE_PERMISSION_FILE, &region.tools);
+    const std::vector<std::string> lines = scan_the_file(gatebits, &region.tools);
     if (lines.empty()) gripe(NO_REGION_HEADER);
     const auto depots = fields_of_line(lines, DEPOT_LINE, UNIX_FIELD, MANGLED_DEPOT);
     check_logging(depots, lines[DEPOT_LINE - 1], ENTERPRIZE_PERMISSION_FILE.c_str());
@@ -75,8 +75,8 @@ RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSI
     region.SYSTEM_VARS__SYSTEM_POLICY_DIR = blank_when_empty(depots[UNIX_FIELD - 1]);
     const auto& relocated = region.tools.GS_VAR;
     region.logging_dir =
-        directory_of(relocated[UNIX_LOGGING_DIR], region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");
-    region.results_dir = directory_of(relocated[UNIX_RESULTS_DIR],
-                                      region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
+        directory_in_use(relocated[UNIX_LOGGING_DIR], region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "log");
+    region.results_dir = directory_in_use(relocated[UNIX_RESULTS_DIR],
+                                          region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
     return region;
 }

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "policy/aliases.h"
+#include "policy/gatebits.h"
 #include "policy/tool_variables.h"
 
 /// The gatebits file in use, and the region's settings as that has them. Whoever holds them loads
@@ -32,8 +33,8 @@ struct RegionInUse {
     Aliases aliases = {};
 };
 
-/// Loads the settings of the gatebits file. Every fault of the region block ends the program
-/// through gripe: nothing is done with a damaged gatebits file. Tool variables without a line stay
-/// as they are in `tools`.
+/// Loads the settings of the gatebits file, which stands at ENTERPRIZE_PERMISSION_FILE. Every fault
+/// of the region block ends the program through gripe: nothing is done with a damaged gatebits
+/// file. Tool variables without a line stay as they are in `tools`.
 RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
-                                          const ToolSettings& tools);
+                                          const Gatebits& gatebits, const ToolSettings& tools);

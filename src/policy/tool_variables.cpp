@@ -15,15 +15,6 @@ std::string value_in(std::string_view line) {
     return std::string(line.substr(line.find('=') + 1));
 }
 
-/// The value that the lines set; of several the last one counts.
-std::optional<std::string> value_among(const std::vector<std::string>& lines, std::size_t index) {
-    std::optional<std::string> value;
-    for (const std::string& line : lines) {
-        if (tool_variable_of(line) == index) value = value_in(line);
-    }
-    return value;
-}
-
 /// The lines with the eight settings in front.
 std::vector<std::string> with_settings_on_top(const ToolSettings& tools,
                                               const std::vector<std::string>& lines) {
@@ -47,28 +38,24 @@ void take_tool_variable(std::string_view line, ToolSettings* tools) {
     if (const auto i = tool_variable_of(line)) tools->GS_VAR[*i] = value_in(line);
 }
 
-void build_var_list(const std::string& gatebits_file, ToolSettings* tools) {
+void build_var_list(const Gatebits& gatebits, ToolSettings* tools) {
     tools->GS_VAR.fill("");
-    for (const std::string& line : read_gatebits_lines(gatebits_file))
-        take_tool_variable(line, tools);
+    for (const std::string& line : gatebits.lines()) take_tool_variable(line, tools);
 }
 
-std::optional<std::string> stored_variable(const std::string& gatebits_file, std::size_t index) {
-    return value_among(read_gatebits_lines(gatebits_file), index);
+std::optional<std::string> stored_variable(const Gatebits& gatebits, std::size_t index) {
+    std::optional<std::string> value;
+    for (const std::string& line : gatebits.lines()) {
+        // Of several lines the last one counts.
+        if (tool_variable_of(line) == index) value = value_in(line);
+    }
+    return value;
 }
 
-ChangeResult change_a_var(const std::string& gatebits_file, ToolSettings* tools, int index,
-                          const std::string& value, const std::optional<std::string>& stored) {
-    const auto at = static_cast<std::size_t>(index);
-    ChangeResult result = ChangeResult::CHANGED_MEANWHILE;
-    change_gatebits_lines(gatebits_file, [&](std::vector<std::string>* lines) {
-        if (stored && *stored != value_among(*lines, at).value_or("")) return false;
-        // What another process has set meanwhile must not be undone.
-        for (const std::string& line : *lines) take_tool_variable(line, tools);
-        tools->GS_VAR.at(at) = value;
-        *lines = with_settings_on_top(*tools, *lines);
-        result = ChangeResult::WRITTEN;
-        return true;
-    });
-    return result;
+Rewrite change_a_var(const Gatebits& gatebits, ToolSettings tools, std::size_t index,
+                     const std::string& value) {
+    // What another process has set meanwhile must not be undone.
+    for (const std::string& line : gatebits.lines()) take_tool_variable(line, &tools);
+    tools.GS_VAR.at(index) = value;
+    return {ChangeResult::WRITTEN, Gatebits(with_settings_on_top(tools, gatebits.lines()))};
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "messages/policy_texts.h"
-#include "policy/gatebits_file.h"
+#include "policy/gatebits.h"
 
 // gatescope's own eight settings, kept as comment lines in the gatebits file.
 
@@ -39,15 +39,12 @@ std::vector<std::string> tool_variable_lines(const ToolSettings& tools);
 void take_tool_variable(std::string_view line, ToolSettings* tools);
 
 /// Empties GS_VAR and fills it from the gatebits file, so that a setting without a line is empty.
-void build_var_list(const std::string& gatebits_file, ToolSettings* tools);
+void build_var_list(const Gatebits& gatebits, ToolSettings* tools);
 
 /// The value that the gatebits file has for GS_VAR[index]; nothing when it has no such line.
-std::optional<std::string> stored_variable(const std::string& gatebits_file, std::size_t index);
+std::optional<std::string> stored_variable(const Gatebits& gatebits, std::size_t index);
 
-/// Sets GS_VAR[index] (0 to 7) and writes all eight to the top of the gatebits file, in the order
-/// of the table: the others as the file has them, or as GS_VAR has those that it lacks. With
-/// `stored`, only when that is what the file has for the index (empty for no line), else
-/// CHANGED_MEANWHILE comes back.
-ChangeResult change_a_var(const std::string& gatebits_file, ToolSettings* tools, int index,
-                          const std::string& value,
-                          const std::optional<std::string>& stored = std::nullopt);
+/// The gatebits file with `value` for GS_VAR[index] (0 to 7) and all eight at its top, in the order
+/// of the table: the others as the file has them, or as `tools` has those that it lacks.
+Rewrite change_a_var(const Gatebits& gatebits, ToolSettings tools, std::size_t index,
+                     const std::string& value);

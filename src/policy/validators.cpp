@@ -11,21 +11,21 @@
 #include "messages/identity.h"
 #include "messages/validator_texts.h"
 #include "policy/aliases.h"
-#include "policy/gatebits_file.h"
 
 namespace {
 
 constexpr int MAX_FIELD_VALUE = 256;
 
-struct Entered {
+/// A value that may be rejected.
+struct Proposed {
     std::string value;
     std::string os = {};
-    /// Of the notify program only: where its depot is read.
-    std::string gatebits_file = {};
+    /// Of the notify program only: the UNIX depot.
+    std::string depot = {};
 };
 
 struct Check {
-    Validity (*validity)(const Check& check, const Entered& entered);
+    Validity (*validity)(const Check& check, const Proposed& proposed);
     const char* item = "";
     const char* kind = "";
     int maximum = 0;
@@ -43,62 +43,61 @@ OnDisk what_is_at(const std::string& path) {
     return S_ISDIR(status.st_mode) ? OnDisk::DIRECTORY : OnDisk::OTHER;
 }
 
-Validity length(const Check& check, const Entered& entered) {
-    return item_value_exceeds_max_character_size(check.item, entered.value, check.maximum);
+Validity length(const Check& check, const Proposed& proposed) {
+    return item_value_exceeds_max_character_size(check.item, proposed.value, check.maximum);
 }
 
-Validity path_characters(const Check& check, const Entered& entered) {
-    return value_contains_file_dir_OS_posion(entered.value, check.item, check.kind, entered.os);
+Validity path_characters(const Check& check, const Proposed& proposed) {
+    return value_contains_file_dir_OS_posion(proposed.value, check.item, check.kind, proposed.os);
 }
 
-Validity end_of_path(const Check& check, const Entered& entered) {
-    return value_ends_in_OS_dir_char(entered.value, check.item, entered.os);
+Validity end_of_path(const Check& check, const Proposed& proposed) {
+    return value_ends_in_OS_dir_char(proposed.value, check.item, proposed.os);
 }
 
-Validity comma_or_semi(const Check& check, const Entered& entered) {
-    return value_has_comma_or_semi(entered.value, check.item);
+Validity comma_or_semi(const Check& check, const Proposed& proposed) {
+    return value_has_comma_or_semi(proposed.value, check.item);
 }
 
-Validity directory_is_there(const Check&, const Entered& entered) {
-    if (entered.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(entered.value);
+Validity directory_is_there(const Check&, const Proposed& proposed) {
+    if (proposed.os != THIS_OS) return accepted();
+    const OnDisk found = what_is_at(proposed.value);
     if (found == OnDisk::DIRECTORY) return accepted();
-    const char* path = entered.value.c_str();
+    const char* path = proposed.value.c_str();
     return found == OnDisk::NOTHING ? filled(DEPOT_DOES_NOT_EXIST, path)
                                     : filled(DEPOT_IS_A_FILE, path);
 }
 
-Validity parent_is_there(const Check&, const Entered& entered) {
-    if (entered.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(entered.value);
+Validity parent_is_there(const Check&, const Proposed& proposed) {
+    if (proposed.os != THIS_OS) return accepted();
+    const OnDisk found = what_is_at(proposed.value);
     if (found == OnDisk::OTHER) return accepted();
-    const char* path = entered.value.c_str();
+    const char* path = proposed.value.c_str();
     return found == OnDisk::NOTHING ? filled(PARENT_DOES_NOT_EXIST, path)
                                     : filled(PARENT_IS_A_DIRECTORY, path);
 }
 
-Validity program_is_in_depot(const Check&, const Entered& entered) {
-    if (entered.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(field_or_empty(entered.gatebits_file, DEPOT_LINE, UNIX_FIELD) +
-                                    DIR_DELIMETER + entered.value);
+Validity program_is_in_depot(const Check&, const Proposed& proposed) {
+    if (proposed.os != THIS_OS) return accepted();
+    const OnDisk found = what_is_at(proposed.depot + DIR_DELIMETER + proposed.value);
     if (found == OnDisk::OTHER) return accepted();
-    const char* program = entered.value.c_str();
+    const char* program = proposed.value.c_str();
     return found == OnDisk::NOTHING ? filled(NOTIFY_DOES_NOT_EXIST, program)
                                     : filled(NOTIFY_IS_A_DIRECTORY, program);
 }
 
 /// `check.item` is the message.
-Validity semi(const Check& check, const Entered& entered) {
-    return holds_any_of(entered.value.c_str(), ";") ? Validity(check.item) : accepted();
+Validity semi(const Check& check, const Proposed& proposed) {
+    return holds_any_of(proposed.value.c_str(), ";") ? Validity(check.item) : accepted();
 }
 
 /// `check.item` is the message.
-Validity emptiness(const Check& check, const Entered& entered) {
-    return entered.value.empty() ? Validity(check.item) : accepted();
+Validity emptiness(const Check& check, const Proposed& proposed) {
+    return proposed.value.empty() ? Validity(check.item) : accepted();
 }
 
-Validity name_characters(const Check&, const Entered& entered) {
-    return holds_only(entered.value.c_str(), VALID_ALIAS_NAME_CHAR)
+Validity name_characters(const Check&, const Proposed& proposed) {
+    return holds_only(proposed.value.c_str(), VALID_ALIAS_NAME_CHAR)
                ? accepted()
                : Validity(ALIAS_NAME_CHARACTERS);
 }
@@ -144,18 +143,18 @@ constexpr Check ALIAS_NAME_CHECKS[] = {
     {name_characters},
 };
 
-Validity first_rejection(std::span<const Check> checks, Entered entered) {
-    entered.value = c_text(entered.value);
+Validity first_rejection(std::span<const Check> checks, Proposed proposed) {
+    proposed.value = c_text(proposed.value);
     for (const Check& check : checks) {
-        const Validity validity = check.validity(check, entered);
+        const Validity validity = check.validity(check, proposed);
         if (!validity.accepted()) return validity;
     }
     return accepted();
 }
 
 /// An empty value clears the field, whatever the field holds.
-Validity unless_cleared(std::span<const Check> checks, const Entered& entered) {
-    return c_text(entered.value).empty() ? accepted() : first_rejection(checks, entered);
+Validity unless_cleared(std::span<const Check> checks, const Proposed& proposed) {
+    return c_text(proposed.value).empty() ? accepted() : first_rejection(checks, proposed);
 }
 
 }  // namespace
@@ -195,8 +194,9 @@ Validity region_parent_is_ok(const std::string& value, const std::string& os) {
 }
 
 Validity region_notify_is_ok(const std::string& value, const std::string& os,
-                             const std::string& gatebits_file) {
-    return unless_cleared(NOTIFY_CHECKS, {value, os, gatebits_file});
+                             const Gatebits& gatebits) {
+    return unless_cleared(NOTIFY_CHECKS,
+                          {value, os, field_or_empty(gatebits, DEPOT_LINE, UNIX_FIELD)});
 }
 
 Validity region_list_is_ok(const std::string& value) {

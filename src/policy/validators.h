@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "policy/aliases.h"
+#include "policy/gatebits.h"
 
 // Whether what the operator entered may stand in its field. Lengths are in bytes. An `os` is the
 // name of the field's column; paths of the other system are checked by their form only.
@@ -41,9 +42,9 @@ Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
 
 Validity region_depot_is_ok(const std::string& value, const std::string& os);
 Validity region_parent_is_ok(const std::string& value, const std::string& os);
-/// The program is looked for in the UNIX depot that the gatebits file names now.
+/// The program is looked for in the UNIX depot that the gatebits file names.
 Validity region_notify_is_ok(const std::string& value, const std::string& os,
-                             const std::string& gatebits_file);
+                             const Gatebits& gatebits);
 Validity region_list_is_ok(const std::string& value);
 Validity region_MOTD_is_ok(const std::string& value);
 Validity region_MOTDL_is_ok(const std::string& value);

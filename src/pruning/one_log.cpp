@@ -35,18 +35,17 @@ struct Source {
     Writers writers;
 };
 
-/// Ends the program with a described failure, and says first what it means that the token stays.
-[[noreturn]] void stop(const char* failure, const std::string& name, int error, const Work& work) {
-    const bool stands = work.logs.look(work.token).exists();
-    if (stands) note(filled(TOKEN_STANDS, work.logs.path_of(work.token).c_str()));
-    gripe(failure, work.logs.path_of(name), error);
-}
-
 /// Why a file is not used; empty for a regular one, and for none.
 std::string reason_against(const Directory::Entry& entry) {
     if (entry.exists() && S_ISLNK(entry.status.st_mode)) return IS_A_SYMBOLIC_LINK;
     if (entry.exists() && !entry.is_regular()) return NOT_A_REGULAR_FILE;
     return entry.exists() || entry.error == ENOENT ? "" : std::strerror(entry.error);
+}
+
+/// stop, unless the token is down: then the log is left alone.
+void stop_or_leave(const char* failure, const std::string& name, int error, const Work& work) {
+    if (!work.logs.look(work.token).exists()) need(error, name);
+    stop(failure, name, error, work);
 }
 
 /// Opens a file for reading; nothing is open when there is none.
@@ -57,10 +56,18 @@ Descriptor open_to_read(const std::string& name, const Work& work, Moment deadli
     return file;
 }
 
-/// What `file` holds when nobody writes to it any more. `name` where it is not the log.
-Source settled(Descriptor file, off_t from, Moment deadline, const std::string& name = "") {
-    const Settled state = settle(file, deadline);
+/// What `file` holds when nobody writes to it any more; `name` where it is not the log.
+Source settled(Descriptor file, off_t from, const std::string& name, const Work& work,
+               Moment deadline) {
+    Settled state = settle(file, deadline);
     need(state.error, name);
+    char last = '\n';
+    need(state.size == 0 || pread(file.get(), &last, 1, state.size - 1) != -1 ? 0 : errno, name);
+    // Without the token a record without its end is being written.
+    if (state.writers == Writers::UNKNOWN && !is_white(last) &&
+        !work.logs.look(work.token).exists()) {
+        state.writers = Writers::SOME;
+    }
     if (state.writers == Writers::SOME)
         throw LeftAlone{(name.empty() ? "" : name + ": ") + KEPT_OPEN};
     return {std::move(file), from, state.size, state.writers};
@@ -75,7 +82,7 @@ std::uint64_t fingerprint_of_log(const Descriptor& log, off_t size) {
 /// Makes an empty log, to which everybody can append.
 void make_log(const std::string& name, const Work& work) {
     const Descriptor file = work.logs.open(name, O_WRONLY | O_CREAT | O_EXCL, {});
-    if (!file) stop(NO_LOGGING_FILE, name, errno, work);
+    if (!file) stop_or_leave(NO_LOGGING_FILE, name, errno, work);
     need(fchmod(file.get(), PUBLIC) == 0 ? 0 : errno);
 }
 
@@ -103,16 +110,19 @@ void finish(const LeftOver& ready, const Descriptor& file, const Log& log, const
 /// Renames a file to a taken one.
 void take(const std::string& name, const Log& log, const Work& work) {
     LeftOver taken = left_over(LeftOver::TAKEN, log.name, 0);
-    while (work.logs.look(taken.name).exists()) {
+    int error;
+    while ((error = work.logs.look(taken.name).error) == 0) {
         taken = left_over(LeftOver::TAKEN, log.name, taken.number + 1);
     }
+    need(error == ENOENT ? 0 : error, taken.name);
     need(work.logs.rename(name, taken.name), name);
 }
 
 /// Completes a pruning that was ended after its commit.
 void complete(const LeftOver& ready, const Log& log, const Work& work) {
     // With another name it may be a file that is none of ours.
-    need(work.logs.look(ready.name).status.st_nlink > 1 ? EMLINK : 0, ready.name);
+    const Directory::Entry entry = work.logs.look(ready.name);
+    need(entry.exists() && entry.status.st_nlink > 1 ? EMLINK : entry.error, ready.name);
     const Descriptor file = open_to_read(log.name, work, Moment::clock::now());
     if (file && fingerprint_of_log(file, ready.number) == ready.fingerprint) {
         return finish(ready, file, log, work);
@@ -123,14 +133,18 @@ void complete(const LeftOver& ready, const Log& log, const Work& work) {
 
 /// What is to be added of the left-overs. Those of which nothing is are removed.
 std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline) {
+    const Directory::Entry itself = work.logs.look(log.name);
+    need(itself.error == ENOENT ? 0 : itself.error);
     std::vector<Source> sources;
     for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
         Descriptor file = open_to_read(one.name, work, deadline);
         if (!file) continue;
         const off_t from = one.kind == LeftOver::OLD ? one.number : 0;
-        Source source = settled(std::move(file), from, deadline, one.name);
+        Source source = settled(std::move(file), from, one.name, work, deadline);
+        const Directory::Entry entry = work.logs.look(one.name);
+        need(entry.error, one.name);
         // A run that was killed leaves the log itself under two names.
-        if (source.to <= from || work.logs.is_name_of(log.name, source.file)) {
+        if (source.to <= from || (itself.exists() && id_of(itself.status) == id_of(entry.status))) {
             need(work.logs.unlink(one.name), one.name);
         } else {
             sources.push_back(std::move(source));
@@ -203,7 +217,7 @@ void copy(const Source& source, const TemporaryFile& scratch, KeptRecords* recor
 LeftOver commit(std::vector<Source>* sources, const Log& log, KeptRecords* records, Work* work) {
     Source& old = sources->front();
     TemporaryFile scratch(work->logs, work->scratch, PUBLIC);
-    if (!scratch.file) stop(NO_PRUNING_FILE, work->scratch, errno, *work);
+    if (!scratch.file) stop_or_leave(NO_PRUNING_FILE, work->scratch, errno, *work);
     carry_over_identity(old.file.get(), scratch.file.get());
     need(fchmod(scratch.file.get(), PUBLIC) == 0 ? 0 : errno, work->scratch);
     for (const Source& source : *sources) copy(source, scratch, records, work);
@@ -228,29 +242,34 @@ void count(const KeptRecords& records, Log* log, Work* work) {
     log->is_pruned = true;
 }
 
-/// Renames the companion, if there is one, to a taken file, which no writer opens.
-void take_companion(Log* log, const Work& work) {
-    const Directory::Entry companion = work.logs.look(log->companion);
-    log->companion_reason = reason_against(companion);
-    if (!companion.is_regular()) return;
-    if (!work.logs.look(log->name).exists()) make_log(log->name, work);
-    take(log->companion, *log, work);
-}
-
 }  // namespace
 
+void stop(const char* failure, const std::string& name, int error, const Work& work) {
+    const std::string reason = reason_against(work.logs.look(name));
+    if (!reason.empty()) note(work.logs.path_of(name) + ": " + reason);
+    if (work.logs.look(work.token).exists()) {
+        note(filled(TOKEN_STANDS, work.logs.path_of(work.token).c_str()));
+    }
+    gripe(failure, work.logs.path_of(name), error);
+}
+
 void prepare(Log* log, const Work& work) {
+    const Directory::Entry companion = work.logs.look(log->companion);
     const std::string reason = reason_against(work.logs.look(log->name));
     if (!reason.empty()) {
-        const Directory::Entry companion = work.logs.look(log->companion);
-        if (!companion.is_regular() || companion.status.st_size == 0) throw LeftAlone{reason};
-        note(filled(LOG_LEFT_ALONE, work.logs.path_of(log->name).c_str(), reason.c_str()));
-        stop(NO_LOGGING_FILE, log->name, EEXIST, work);
+        const bool is_needed = companion.is_regular() && companion.status.st_size > 0;
+        if (is_needed && work.logs.look(work.token).exists()) {
+            stop(NO_LOGGING_FILE, log->name, EEXIST, work);
+        }
+        throw LeftAlone{reason};
     }
     for (const LeftOver& one : left_overs_of(log->name, work.logs)) {
         if (one.kind == LeftOver::READY) complete(one, *log, work);
     }
-    take_companion(log, work);
+    log->companion_reason = reason_against(companion);
+    if (!companion.is_regular()) return;
+    if (!work.logs.look(log->name).exists()) make_log(log->name, work);
+    take(log->companion, *log, work);
 }
 
 void rewrite(Log* log, Work* work, Moment deadline) {
@@ -262,7 +281,7 @@ void rewrite(Log* log, Work* work, Moment deadline) {
         make_log(log->name, *work);
         return rewrite(log, work, deadline);
     }
-    sources.insert(sources.begin(), settled(std::move(file), 0, deadline));
+    sources.insert(sources.begin(), settled(std::move(file), 0, "", *work, deadline));
     KeptRecords looked_at(work->cut_off);
     if (sources.size() == 1 && stays_as_it_is(sources.front(), &looked_at, work)) {
         return count(looked_at, log, work);
@@ -270,8 +289,8 @@ void rewrite(Log* log, Work* work, Moment deadline) {
     need_replaceable(log->name, *work);
     KeptRecords records(work->cut_off);
     const LeftOver ready = commit(&sources, *log, &records, work);
-    finish(ready, sources.front().file, *log, *work);
     count(records, log, work);
+    finish(ready, sources.front().file, *log, *work);
 }
 
 bool remove_unchanged_old_files(const Log& log, const Work& work, Moment deadline) {

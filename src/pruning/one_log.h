@@ -14,7 +14,7 @@ struct Log {
     /// Why it is left alone, or its companion; empty otherwise.
     std::string reason = {};
     std::string companion_reason = {};
-    /// Whether in this run all of it has been read, and nothing is in it that is dropped.
+    /// Whether this run has made its whole new text, or found that it needs none.
     bool is_pruned = false;
     /// How many of its words are counted.
     std::int64_t counted = 0;
@@ -33,9 +33,13 @@ struct Work {
     std::int64_t removed = 0;
 };
 
+/// Ends the program with a described failure; says first why the file is not used, and what it
+/// means where the token stays.
+[[noreturn]] void stop(const char* failure, const std::string& name, int error, const Work& work);
+
 // The steps of a pruning on one log. A step that cannot be done throws LeftAlone: then the log is
 // its old text or its new one, whole, and nothing is lost. Where a scratch file or a log cannot be
-// made they end the program through gripe, and leave the token.
+// made while the token stands, they end the program, and leave the token.
 
 /// Completes what an earlier pruning, or an earlier step of this one, has committed, and renames
 /// the companion, if there is one, to a taken file, which no writer opens.

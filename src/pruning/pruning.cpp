@@ -52,26 +52,21 @@ int take_down_token(const Work& work) {
 /// Puts up the token, which diverts the log writers to the companions. Gripes when that fails.
 void put_up_token(const Work& work, Moment deadline) {
     bool is_new = false;
-    const Descriptor token = open_token(work, deadline, &is_new);
-    int error = token ? 0 : errno;
+    int error = would_stay_at(work.logs.path_of(work.token)) ? EPERM : 0;
+    Descriptor token;
+    if (error == 0) token = open_token(work, deadline, &is_new);
     struct stat status;
-    if (error == 0 && fstat(token.get(), &status) != 0) error = errno;
+    if (error == 0 && (!token || fstat(token.get(), &status) != 0)) error = errno;
     // With another name it may be a file that is none of ours.
     if (error == 0 && status.st_nlink > 1) error = EMLINK;
     // The next operator has to append to it if this run is killed.
     if (error == 0 && is_new && fchmod(token.get(), 0666) != 0) error = errno;
-    if (error == 0) {
-        error = write_all(token.get(), filled(TOKEN_TEXT, time_text(work.cut_off).c_str()));
-    }
+    const std::string text = filled(TOKEN_TEXT, time_text(work.cut_off).c_str());
+    if (error == 0) error = write_all(token.get(), text);
     if (error == 0) return;
-    const std::string path = work.logs.path_of(work.token);
-    if (token && is_new) {
-        take_down_token(work);
-    } else if (token) {
-        note(filled(TOKEN_STANDS, path.c_str()));
-    }
+    if (token && is_new) take_down_token(work);
     forget_temporary_file(work.token);
-    gripe(NO_PRUNING_TOKEN, path, error);
+    stop(NO_PRUNING_TOKEN, work.token, error, work);
 }
 
 /// The logs, and the bytes that are to be read of them.
@@ -112,9 +107,6 @@ bool needs_a_round(Log* log, const Work& work, Moment deadline) {
 void merge_the_rest(std::vector<Log>* logs, Work* work, const Patience& patience) {
     std::vector<Log*> rest;
     for (Log& log : *logs) {
-        const Directory::Entry entry = work->logs.look(log.name);
-        // What is no log has been named already.
-        if (entry.exists() && !entry.is_regular()) continue;
         const std::string reason = reason_of([&] {
             prepare(&log, *work);
             if (!left_overs_of(log.name, work->logs).empty()) rest.push_back(&log);
@@ -133,24 +125,22 @@ void merge_the_rest(std::vector<Log>* logs, Work* work, const Patience& patience
 /// A line for each file that was left alone; at once on standard error, for a job's mail.
 std::string left_alone(const std::vector<Log>& logs, const Directory& directory) {
     std::string lines;
-    const auto tell = [&](const std::string& line) {
+    const auto tell = [&](bool is_left_over, const std::string& name, const std::string& reason) {
+        const std::string path = directory.path_of(name);
+        const std::string line = is_left_over
+                                     ? filled(LEFT_OVER_STAYS, path.c_str(), reason.c_str())
+                                     : filled(LOG_LEFT_ALONE, path.c_str(), reason.c_str());
         note(line);
         lines += line + "\n";
     };
-    const auto tell_of = [&](const std::string& name, const std::string& reason) {
-        if (reason.empty()) return;
-        tell(filled(LOG_LEFT_ALONE, directory.path_of(name).c_str(), reason.c_str()));
-    };
     for (const Log& log : logs) {
-        if (!log.is_pruned) tell_of(log.name, log.reason);
-        tell_of(log.companion, log.companion_reason);
         std::vector<LeftOver> left_overs;
         if (!log.reason.empty())
             reason_of([&] { left_overs = left_overs_of(log.name, directory); });
-        for (const LeftOver& one : left_overs) {
-            const std::string path = directory.path_of(one.name);
-            tell(filled(LEFT_OVER_STAYS, path.c_str(), log.reason.c_str()));
-        }
+        const bool is_left_alone = !log.is_pruned || left_overs.empty();
+        if (is_left_alone && !log.reason.empty()) tell(false, log.name, log.reason);
+        if (!log.companion_reason.empty()) tell(false, log.companion, log.companion_reason);
+        for (const LeftOver& one : left_overs) tell(true, one.name, log.reason);
     }
     return lines;
 }

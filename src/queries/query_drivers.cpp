@@ -135,11 +135,11 @@ std::string title_of(const Query& query, std::vector<std::string> values, int ed
 
 /// The lines of the keys that a page lists, up to the highest one counted.
 KeyLines key_lines(const std::string& gatebits_file, int highest_key) {
+    if (highest_key < 1) return {};
+    const Gatebits gatebits = read_gatebits(gatebits_file);
     KeyLines lines;
     for (int key = 1; key <= highest_key; ++key) {
-        std::string line;
-        const bool there = get_a_line(gatebits_file, FIRST_KEY_LINE + key - 1, &line);
-        lines.push_back(there ? std::optional(line) : std::nullopt);
+        lines.push_back(get_a_line(gatebits, FIRST_KEY_LINE + key - 1));
     }
     return lines;
 }
@@ -151,6 +151,7 @@ void run(int number, const Options& options, const QueriedRegion& region) {
     const RecordQuery query =
         record_query(number, region.edition, asked->filters, set_time_values());
     const QueryResult result = get_query_data(query, region.logging_dir);
+    for (const std::string& advice : result.advice) advise(advice);
     const KeyLines keys =
         key_lines(region.page.ENTERPRIZE_PERMISSION_FILE, result.highest_key_read);
     Make_Graph({asked->graph_title, result, keys}, region.page, options.displays());

@@ -20,12 +20,9 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
     ASSERT_EQ(lock_exclusively(theirs.get()), 0);
     const Ended ended = in_child([&] {
         TEMP_DIR = directory / "";
-        change_gatebits_lines(
-            file,
-            [](std::vector<std::string>* lines) {
-                lines->front() = "two;";
-                return true;
-            },
+        change(
+            file, {Gatebits(std::string()), nothing},
+            [](const Gatebits& now) { return set_a_line(now, 1, "two;"); },
             std::chrono::seconds(1));
     });
     EXPECT_EQ(ended.status, 99);

@@ -1,5 +1,6 @@
 #include "base/replace_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -138,6 +139,22 @@ TEST_F(ReplaceFile, HardLinkIsRewrittenInPlaceUnderBothNames) {
         expect_nothing_left({"file", "other"});
         unlink(other.c_str());
     }
+}
+
+// What is written to a file that has no name any more is lost.
+TEST_F(ReplaceFile, OpenFileThatHasLostItsNameIsNotWrittenTo) {
+    const std::string twin = directory / "twin";
+    for (const bool in_place : {false, true}) {
+        const Descriptor open_file(open(file.c_str(), O_RDWR | O_CLOEXEC));
+        std::filesystem::remove(file);
+        write_file(file, OLD);
+        if (in_place) std::filesystem::create_hard_link(file, twin);
+        write_file(copy, NEW);
+        EXPECT_FALSE(replace_file(file, NEW, copy, open_file));
+        EXPECT_EQ(file_text(file), NEW) << in_place;
+    }
+    EXPECT_EQ(file_text(twin), NEW);
+    expect_nothing_left({"file", "twin"});
 }
 
 TEST_F(ReplaceFile, FileThatSomethingIsMountedOnIsRewrittenInPlace) {

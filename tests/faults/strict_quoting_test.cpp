@@ -35,7 +35,7 @@ const std::vector<Kind> KINDS = {
     {"gripe", run_gripe, 1, true},
     {"advise", advise, 1, true},
     {"advise_wait", advise_wait, 1, true},
-    {"ask", [](const std::string& text) { ask(text, "no", "yes,no,abort"); }, 1},
+    {"ask", [](const std::string& text) { ask(text, NO); }, 1},
     {"prompt", [](const std::string& text) { prompt(text, text); }, 2},
     {"prompt_from_file", [](const std::string& text) { prompt_from_file(text, text); }, 1},
     {"show_file", [](const std::string& text) { show_file_with_clearprompt(text, text, false); },

@@ -85,7 +85,13 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
 TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     with_everything_planted_at("t_file_gatescope_77.txt", [&] {
         region.write_file("gatebits.txt", GATEBITS);
-        EXPECT_EQ(run([&] { set_a_field(region.gatebits_path(), {2, 3, "S"}); }).status, 0);
+        EXPECT_EQ(run([&] {
+                      change(region.gatebits_path(), {Gatebits(std::string()), nothing},
+                             [](const Gatebits& now) {
+                                 return set_a_field(now, {2, 3, "S"});
+                             });
+                  }).status,
+                  0);
         EXPECT_EQ(region.gatebits(), CHANGED);
         EXPECT_EQ(left(), FileNames());
     });

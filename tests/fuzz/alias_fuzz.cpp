@@ -8,7 +8,8 @@
 
 namespace {
 
-constexpr char MODES[] = {ADD_ALIAS, CHANGE_ALIAS, REMOVE_ALIAS, REMOVE_ALIAS_REFERENCES, 'x'};
+constexpr AliasMode MODES[] = {AliasMode::ADD, AliasMode::CHANGE, AliasMode::REMOVE,
+                               AliasMode::REMOVE_ALL, AliasMode::REMOVE_REFERENCES};
 
 bool is_comment(const std::string& line) {
     return !is_significant(line) && !without_leading_blanks(line).empty() &&
@@ -20,7 +21,7 @@ std::vector<std::string> comments() {
     std::vector<std::string> lines;
     // Of a file with nothing but references blank lines are left when they are removed.
     if (gatebits().find_first_not_of('\n') == std::string::npos) return lines;
-    must(until_the_end([&] { lines = read_gatebits_lines(gatebits_path()); }) == -1,
+    must(until_the_end([&] { lines = read_gatebits(gatebits_path()).lines(); }) == -1,
          "a written file is read");
     lines.erase(std::remove_if(lines.begin(), lines.end(),
                                [](const std::string& line) { return !is_comment(line); }),
@@ -46,15 +47,15 @@ std::string some_name(FuzzedDataProvider& data, const Aliases& aliases) {
         .ALIAS_NAME[data.ConsumeIntegralInRange<std::size_t>(0, aliases.number_of_aliases - 1U)];
 }
 
-std::string some_value(FuzzedDataProvider& data) {
-    return data.ConsumeBool() ? REFERENCES_TOO : data.ConsumeRandomLengthString(300);
-}
-
 void change_an_alias(FuzzedDataProvider& data, const Aliases& aliases) {
-    const char mode = data.PickValueInArray(MODES);
-    const std::string name =
-        (mode == REMOVE_ALIAS_REFERENCES ? "~" : "") + some_name(data, aliases);
-    add_change_remove_an_alias(gatebits_path(), mode, name, some_value(data), aliases);
+    AliasChange wanted = {data.PickValueInArray(MODES), some_name(data, aliases),
+                          data.ConsumeRandomLengthString(300)};
+    if (wanted.mode == AliasMode::REMOVE_REFERENCES) wanted.name.insert(0, "~");
+    const auto rests_on = [&](const Gatebits& file) { return definition_of(wanted.name, file); };
+    const Changed changed =
+        change(gatebits_path(), {read_gatebits(gatebits_path()), rests_on},
+               [&](const Gatebits& now) { return add_change_remove_an_alias(now, wanted); });
+    report_of_alias_change(changed.before, wanted);
 }
 
 }  // namespace
@@ -65,7 +66,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     Aliases aliases;
     use_gatebits(data.ConsumeRandomLengthString());
     for (int changes = data.ConsumeIntegralInRange(1, 3); changes > 0; --changes) {
-        if (until_the_end([&] { build_alias_list(gatebits_path(), &aliases); }) != -1) return 0;
+        if (until_the_end([&] { build_alias_list(read_gatebits(gatebits_path()), &aliases); }) !=
+            -1)
+            return 0;
         must(aliases.number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
         const std::string old_bytes = gatebits();
         const std::vector<std::string> old_comments = comments();

@@ -17,8 +17,9 @@ constexpr int ACTIONS[] = {2,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14,
 
 void run_actions(FuzzedDataProvider& data, const Options& options) {
     RegionInUse region;
-    region.settings = interrogate_the_enterprise(gatebits_path(), {});
-    region.GATEWARDEN_IS = read_edition(gatebits_path());
+    const Gatebits file = read_gatebits(gatebits_path());
+    region.settings = interrogate_the_enterprise(gatebits_path(), file, {});
+    region.GATEWARDEN_IS = read_edition(file);
     for (int actions = data.ConsumeIntegralInRange(1, 3); actions > 0; --actions) {
         request_numbered(RequestKind::ACTION, data.PickValueInArray(ACTIONS))
             ->execute(options, region);

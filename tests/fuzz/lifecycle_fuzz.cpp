@@ -148,8 +148,8 @@ Trouble some_trouble(FuzzedDataProvider& data, Snapshot* before) {
 std::optional<RegionSettings> loaded(const std::string& path) {
     RegionSettings region;
     region.tools.EMERGENCY_CHECKER = EMERGENCY_CHECKER;
-    const int status =
-        until_the_end([&] { region = interrogate_the_enterprise(path, region.tools); });
+    const int status = until_the_end(
+        [&] { region = interrogate_the_enterprise(path, read_gatebits(path), region.tools); });
     return status == -1 ? std::optional(region) : std::nullopt;
 }
 
@@ -283,7 +283,7 @@ void act_and_check(FuzzedDataProvider& data, const Options& options, std::string
     {
         const ChangesOnlyIn rules(scratch().path(), trouble);
         act.status = until_the_end([&] {
-            region.GATEWARDEN_IS = read_edition(*file_in_use);
+            region.GATEWARDEN_IS = read_edition(read_gatebits(*file_in_use));
             request_numbered(RequestKind::ACTION, act.number)->execute(options, region);
         });
         const bool as_if_killed = ChangesOnlyIn::has_failed() && trouble.for_good;

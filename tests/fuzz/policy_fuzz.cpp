@@ -14,7 +14,7 @@ using Lines = std::vector<std::string>;
 
 Lines lines_now() {
     Lines lines;
-    must(until_the_end([&] { lines = read_gatebits_lines(gatebits_path()); }) == -1,
+    must(until_the_end([&] { lines = read_gatebits(gatebits_path()).lines(); }) == -1,
          "a written file is read");
     return lines;
 }
@@ -36,53 +36,55 @@ int number(FuzzedDataProvider& data) {
 }
 
 void read_something(FuzzedDataProvider& data) {
-    std::string value;
+    const Gatebits file = read_gatebits(gatebits_path());
     ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 4)) {
         case 0:
-            get_a_line(gatebits_path(), number(data), &value);
+            get_a_line(file, number(data));
             break;
         case 1:
-            get_a_field(gatebits_path(), number(data), number(data), &value);
+            get_a_field(file, number(data), number(data));
             break;
         case 2:
-            build_var_list(gatebits_path(), &tools);
+            build_var_list(file, &tools);
             break;
         case 3:
-            interrogate_the_enterprise(gatebits_path(), {});
+            interrogate_the_enterprise(gatebits_path(), file, {});
             break;
         default:
-            read_edition(gatebits_path());
+            read_edition(file);
     }
 }
 
-/// Changes something; no more than `*changed` old lines may be gone afterwards.
-void write_something(FuzzedDataProvider& data, std::size_t* changed) {
+/// Some edit of the file; no more than `*changed` old lines may be gone afterwards.
+Rewrite some_edit(FuzzedDataProvider& data, const Gatebits& now, std::size_t* changed) {
     const int line = number(data);
-    // The counter starts over after 256 lines, so a number may stand for a second line.
-    *changed = 1 + GATEBITS_FILE_LIMIT / 2 / 256;
+    *changed = 1;
     ToolSettings tools;
     switch (data.ConsumeIntegralInRange(0, 3)) {
         case 0:
-            set_a_line(gatebits_path(), line, data.ConsumeRandomLengthString());
-            break;
+            return set_a_line(now, line, data.ConsumeRandomLengthString());
         case 1:
-            set_a_line(gatebits_path(), line, DELETION_TOKEN);
-            break;
+            return set_a_line(now, line, DELETION_TOKEN);
         case 2:
-            set_a_field(gatebits_path(), {line, number(data), data.ConsumeRandomLengthString()});
-            break;
+            return set_a_field(now, {line, number(data), data.ConsumeRandomLengthString()});
         default:
-            build_var_list(gatebits_path(), &tools);
+            build_var_list(now, &tools);
             *changed = GATEBITS_FILE_LIMIT;
-            change_a_var(gatebits_path(), &tools, data.ConsumeIntegralInRange(0, 7),
-                         data.ConsumeRandomLengthString());
+            return change_a_var(now, tools, data.ConsumeIntegralInRange<std::size_t>(0, 7),
+                                data.ConsumeRandomLengthString());
     }
+}
+
+void write_something(FuzzedDataProvider& data, std::size_t* changed) {
+    const Gatebits shown = read_gatebits(gatebits_path());
+    change(gatebits_path(), {shown, nothing},
+           [&](const Gatebits& now) { return some_edit(data, now, changed); });
 }
 
 void check_a_write(FuzzedDataProvider& data) {
     Lines before;
-    if (until_the_end([&] { before = read_gatebits_lines(gatebits_path()); }) != -1) return;
+    if (until_the_end([&] { before = read_gatebits(gatebits_path()).lines(); }) != -1) return;
     const std::string old_bytes = gatebits();
     std::size_t changed = 0;
     if (until_the_end([&] { write_something(data, &changed); }) != -1) {

@@ -73,6 +73,16 @@ TEST_F(FileLocked, OneThatSomebodyKeepsIsGivenUpWhenPatienceEnds) {
     EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
 }
 
+// The papers for administrators say so.
+TEST_F(FileLocked, WhoMayOnlyReadAFileOrDirectoryCanKeepItsLock) {
+    const Descriptor reader(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(reader.get(), LOCK_SH), 0);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+    const Descriptor lister(open(path("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    ASSERT_EQ(flock(lister.get(), LOCK_SH), 0);
+    EXPECT_FALSE(is_free(""));
+}
+
 TEST_F(FileLocked, TheLockIsTheFilesUnderEachOfItsNames) {
     std::filesystem::create_symlink("file", path("link"));
     std::filesystem::create_hard_link(path("file"), path("other"));
@@ -126,7 +136,9 @@ TEST_F(FileLocked, WhereTheFileSystemHasNoLocksNobodyWaits) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
         at_next_flock() = [&] { return error; };
-        EXPECT_EQ(lock_file(path("file"), 1min).state, LockState::NOT_TO_BE_HAD) << error;
+        const FileLock lock = lock_file(path("file"), 1min);
+        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << error;
+        EXPECT_TRUE(lock.file) << error;
     }
 }
 
@@ -139,7 +151,9 @@ TEST_F(FileLocked, AnInterruptedCallIsRepeated) {
 TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
     for (const char* name : {"none", "fifo", ""}) {
-        EXPECT_EQ(lock_file(path(name), 1min).state, LockState::NOT_TO_BE_HAD) << name;
+        const FileLock lock = lock_file(path(name), 1min);
+        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << name;
+        EXPECT_FALSE(lock.file) << name;
     }
 }
 

@@ -5,6 +5,8 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <ctime>
+#include <fstream>
 #include <random>
 #include <thread>
 #include <vector>
@@ -142,6 +144,15 @@ TEST_F(LogReaderOnFiles, ReadingMayStartAnywhere) {
     EXPECT_EQ(words_read(log_file_path(0), 5), (Words{"wo", "three"}));
     EXPECT_EQ(words_read(log_file_path(0), 13), Words{});
     EXPECT_EQ(words_read(log_file_path(0), 100), Words{});
+}
+
+TEST_F(LogReaderOnFiles, ALogMayBeLongerThan32BitsCount) {
+    static_assert(sizeof(off_t) == 8 && sizeof(std::time_t) == 8);
+    constexpr std::uintmax_t FAR = std::uintmax_t{5} << 30;
+    write_log(0, "one");
+    std::filesystem::resize_file(log_file_path(0), FAR);
+    std::ofstream(log_file_path(0), std::ios::app) << " two three";
+    EXPECT_EQ(words_read(log_file_path(0), static_cast<off_t>(FAR)), (Words{"two", "three"}));
 }
 
 TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceWhereverTheyMeet) {

@@ -71,12 +71,15 @@ class LogRegion : public testing::Test {
         return record_at(noon(days_ago), rest) + "\n";
     }
 
-    /// What get_query_data shows; it leaves `result`.
+    /// What get_query_data wants the operator to be told, a message a line; it leaves `result`.
     std::string said_by_query(int query) {
         const RecordQuery asked = record_query(query, GATEWARDEN_IS, filters_, set_time_values());
         testing::internal::CaptureStdout();
         result = get_query_data(asked, logging_dir);
-        return testing::internal::GetCapturedStdout();
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+        std::string said;
+        for (const std::string& advice : result.advice) said += advice + "\n";
+        return said;
     }
 
     static inline std::string logging_dir;

@@ -16,41 +16,43 @@ class AliasTables : public OnStage {
   protected:
     AliasTables() { ZUL_PREFER_GUI = 0; }
 
+    Gatebits gatebits{std::string()};
     Aliases aliases;
     const std::array<std::string, MAX_ALIASES>& ALIAS_NAME = aliases.ALIAS_NAME;
     const std::array<std::string, MAX_ALIASES>& ALIAS = aliases.ALIAS;
     const std::uint8_t& number_of_aliases = aliases.number_of_aliases;
 
+    void use(const std::string& text) { gatebits = Gatebits(text); }
+
     /// Builds the list in silence.
     int built() {
         int count = -1;
-        EXPECT_EQ(printed_by([&] { count = build_alias_list(gatebits_file, &aliases); }), "");
+        EXPECT_EQ(printed_by([&] { count = build_alias_list(gatebits, &aliases); }), "");
         return count;
     }
 
     /// What a fault in `line`, after one good alias, makes the operator read.
     std::string fault(const std::string& line) {
-        use_gatebits(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
+        use(alias_line("good", "x") + line + "\n" + alias_line("later", "y") + BLOCK);
         const std::string said =
-            printed_by([this] { EXPECT_EQ(build_alias_list(gatebits_file, &aliases), 1); });
+            printed_by([this] { EXPECT_EQ(build_alias_list(gatebits, &aliases), 1); });
         EXPECT_EQ(ALIAS_NAME[0], "good");
         EXPECT_EQ(ALIAS_NAME[1], "");
         return said;
     }
 
-    /// Builds the list, runs a change and returns what it said.
-    std::string said_by(char mode, const std::string& name, const std::string& value) {
-        build_alias_list(gatebits_file, &aliases);
-        return printed_by([&] {
-            EXPECT_EQ(add_change_remove_an_alias(gatebits_file, mode, name, value, aliases),
-                      ChangeResult::WRITTEN);
-        });
+    /// Makes a change and returns what is said of it.
+    std::string said_of(const AliasChange& change) {
+        const Gatebits before = gatebits;
+        const Rewrite rewrite = add_change_remove_an_alias(gatebits, change);
+        EXPECT_EQ(rewrite.result, ChangeResult::WRITTEN);
+        if (rewrite.text) use(rewrite.text->text());
+        return report_of_alias_change(before, change);
     }
 };
 
 TEST_F(AliasTables, AreReadInOrderFromAnywhereInTheFile) {
-    use_gatebits("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK +
-                 alias_line("Two_2", "second"));
+    use("# c\n  \t#!gatewarden_alias one first value\n" + BLOCK + alias_line("Two_2", "second"));
     EXPECT_EQ(built(), 2);
     EXPECT_EQ(ALIAS_NAME[0], "one");
     EXPECT_EQ(ALIAS[0], "first value");
@@ -61,39 +63,39 @@ TEST_F(AliasTables, AreReadInOrderFromAnywhereInTheFile) {
 }
 
 TEST_F(AliasTables, HeaderWithoutABlankIsAComment) {
-    use_gatebits("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
+    use("#!gatewarden_alias\n#!gatewarden_aliases x y\n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
-    EXPECT_EQ(said_by('A', "n", "v"), "");
-    EXPECT_EQ(region.gatebits(), alias_line("a", "b") + alias_line("n", "v") +
-                                     "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
+    EXPECT_EQ(said_of({AliasMode::ADD, "n", "v"}), "");
+    EXPECT_EQ(gatebits.text(), alias_line("a", "b") + alias_line("n", "v") +
+                                   "#!gatewarden_alias\n#!gatewarden_aliases x y\n" + BLOCK);
 }
 
 TEST_F(AliasTables, LineWithNothingAfterTheMarkerIsSkipped) {
-    use_gatebits("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
+    use("#!gatewarden_alias  \t \n" + alias_line("a", "b") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "a");
 }
 
 TEST_F(AliasTables, NameWithoutAValueComesBackWithOneBlank) {
-    use_gatebits("#!gatewarden_alias empty\n" + BLOCK);
+    use("#!gatewarden_alias empty\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], "empty");
     EXPECT_EQ(ALIAS[0], "");
-    said_by('A', "n", "v");
-    EXPECT_EQ(region.gatebits(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
+    said_of({AliasMode::ADD, "n", "v"});
+    EXPECT_EQ(gatebits.text(), "#!gatewarden_alias empty \n" + alias_line("n", "v") + BLOCK);
 }
 
 TEST_F(AliasTables, RunsOfBlanksInAValueBecomeOneBlank) {
-    use_gatebits("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
+    use("#!gatewarden_alias \t a\t \tx  y\tz \t\n" + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS[0], "x y z");
-    said_by('A', "n", "v");
-    EXPECT_EQ(region.gatebits(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
+    said_of({AliasMode::ADD, "n", "v"});
+    EXPECT_EQ(gatebits.text(), alias_line("a", "x y z") + alias_line("n", "v") + BLOCK);
 }
 
 TEST_F(AliasTables, NameOfFiftyCharactersIsReadAndOfFiftyOneIsNot) {
     const std::string fifty(50, 'n');
-    use_gatebits(alias_line(fifty, "x") + BLOCK);
+    use(alias_line(fifty, "x") + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS_NAME[0], fifty);
     EXPECT_EQ(
@@ -111,13 +113,13 @@ TEST_F(AliasTables, DuplicateNameEndsTheReadingButAnotherCaseIsAnotherName) {
     EXPECT_EQ(fault("#!gatewarden_alias good z"),
               "ERROR: read alias name (#!gatewarden_alias good z) is a duplicate of another alias "
               "name.  Alias names must be unique.\n\n");
-    use_gatebits(alias_line("good", "x") + alias_line("Good", "y") + BLOCK);
+    use(alias_line("good", "x") + alias_line("Good", "y") + BLOCK);
     EXPECT_EQ(built(), 2);
 }
 
 TEST_F(AliasTables, ValueOf256CharactersIsReadAndOf257IsNot) {
     const std::string value = std::string(128, 'v') + " " + std::string(127, 'w');
-    use_gatebits(alias_line("a", value) + BLOCK);
+    use(alias_line("a", value) + BLOCK);
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(ALIAS[0], value);
     EXPECT_EQ(
@@ -128,174 +130,159 @@ TEST_F(AliasTables, ValueOf256CharactersIsReadAndOf257IsNot) {
 TEST_F(AliasTables, TheEightyFirstEndsTheReading) {
     std::string text;
     for (int i = 1; i <= 80; ++i) text += alias_line("a" + std::to_string(i), "v");
-    use_gatebits(text + "  #!gatewarden_alias last one\n" + BLOCK);
-    EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(gatebits_file, &aliases), 80); }),
+    use(text + "  #!gatewarden_alias last one\n" + BLOCK);
+    EXPECT_EQ(printed_by([this] { EXPECT_EQ(build_alias_list(gatebits, &aliases), 80); }),
               "ERROR: read alias exceeds max of 80 alias definitions: #!gatewarden_alias last "
               "one\n\n");
     EXPECT_EQ(ALIAS_NAME[79], "a80");
 }
 
 TEST_F(AliasTables, AFileWithoutAliasesLeavesTheCountAndEmptiesTheTables) {
-    use_gatebits(alias_line("only", "x") + BLOCK);
+    use(alias_line("only", "x") + BLOCK);
     EXPECT_EQ(built(), 1);
-    EXPECT_EQ(said_by('R', "only", " "), "The alias definition for ( only ) was removed..\n\n\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE, "only"}),
+              "The alias definition for ( only ) was removed..\n\n");
     EXPECT_EQ(built(), 1);
     EXPECT_EQ(number_of_aliases, 1);
     EXPECT_EQ(ALIAS_NAME[0], "");
 }
 
 TEST_F(AliasTables, EntriesWithoutANameAreNotWritten) {
-    use_gatebits(alias_line("only", "x") + BLOCK);
-    said_by('R', "only", " ");
-    EXPECT_EQ(region.gatebits(), BLOCK);
-    said_by('A', "new", "y");
-    EXPECT_EQ(region.gatebits(), alias_line("new", "y") + BLOCK);
+    use(alias_line("only", "x") + BLOCK);
+    said_of({AliasMode::REMOVE, "only"});
+    EXPECT_EQ(gatebits.text(), BLOCK);
+    said_of({AliasMode::ADD, "new", "y"});
+    EXPECT_EQ(gatebits.text(), alias_line("new", "y") + BLOCK);
 }
 
 TEST_F(AliasTables, MoveToTheTopAheadOfToolVariablesOnEveryCall) {
-    use_gatebits("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
-                 "key;\n  #!gatewarden_alias a  1\n# end\n");
-    said_by('A', "c", "3");
-    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + alias_line("a", "1") +
-                                     alias_line("c", "3") + "#!gatescope_unix_browser=b\n# c\n" +
-                                     BLOCK + "key;\n# end\n");
+    use("#!gatescope_unix_browser=b\n# c\n\n" + BLOCK + alias_line("b", "2") +
+        "key;\n  #!gatewarden_alias a  1\n# end\n");
+    said_of({AliasMode::ADD, "c", "3"});
+    EXPECT_EQ(gatebits.text(), alias_line("b", "2") + alias_line("a", "1") + alias_line("c", "3") +
+                                   "#!gatescope_unix_browser=b\n# c\n" + BLOCK + "key;\n# end\n");
 }
 
 TEST_F(AliasTables, ChangeKeepsTheOrderAndTheReferences) {
     const std::string keys = "k;~b ;\nk;~bc;~b;\n";
-    use_gatebits(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
-    EXPECT_EQ(said_by('C', "b", "new value"), "");
-    EXPECT_EQ(region.gatebits(),
-              alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
+    use(alias_line("a", "1") + alias_line("b", "2") + BLOCK + keys);
+    EXPECT_EQ(said_of({AliasMode::CHANGE, "b", "new value"}), "");
+    EXPECT_EQ(gatebits.text(), alias_line("a", "1") + alias_line("b", "new value") + BLOCK + keys);
 }
 
 TEST_F(AliasTables, ChangeReportsTheReferencesOnlyWhenAskedToBeVerbose) {
     setenv("ZUL_GATESCOPE_VERBOSITY", "", 1);
-    use_gatebits(alias_line("b", "2") + BLOCK);
-    EXPECT_EQ(said_by('C', "b", "3"), "The alias definition for ~b was changed..\n\n\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b ;\n");
-    EXPECT_EQ(said_by('C', "b", "3"),
+    use(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_of({AliasMode::CHANGE, "b", "3"}),
+              "The alias definition for ~b was changed..\n\n");
+    use(alias_line("b", "2") + BLOCK + "k;~b ;\n");
+    EXPECT_EQ(said_of({AliasMode::CHANGE, "b", "3"}),
               "The alias definition for ~b was changed..\n\n1 current ~b alias reference was "
-              "effected.\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ~b ;\n");
-    EXPECT_EQ(said_by('C', "b", "3"),
+              "effected.");
+    use(alias_line("b", "2") + BLOCK + "k;~b;~b ~b ;\n");
+    EXPECT_EQ(said_of({AliasMode::CHANGE, "b", "3"}),
               "The alias definition for ~b was changed..\n\n3 current ~b alias references were "
-              "effected.\n");
+              "effected.");
 }
 
 TEST_F(AliasTables, RemovalOfTheDefinitionCountsWhatStillRefers) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;\n");
-    EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 1 ~b alias reference still exists.\n");
-    EXPECT_EQ(region.gatebits(), BLOCK + "k;~b;\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
-    EXPECT_EQ(said_by('R', "b", " "), start + "WARNING: 2 ~b alias references still exist.\n");
-    use_gatebits(alias_line("b", "2") + BLOCK);
-    EXPECT_EQ(said_by('R', "b", " "), start + "\n");
+    use(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE, "b"}),
+              start + "WARNING: 1 ~b alias reference still exists.");
+    EXPECT_EQ(gatebits.text(), BLOCK + "k;~b;\n");
+    use(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE, "b"}),
+              start + "WARNING: 2 ~b alias references still exist.");
+    use(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_of({AliasMode::REMOVE, "b"}), start);
 }
 
 TEST_F(AliasTables, RemovalWithReferencesReportsThem) {
     const std::string start = "The alias definition for ( b ) was removed..\n\n";
-    use_gatebits(alias_line("b", "2") + BLOCK);
-    EXPECT_EQ(said_by('R', "b", "~"), start + "No ~b alias references were found to remove.\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;\n");
-    EXPECT_EQ(said_by('R', "b", "~"), start + "1 ~b alias reference was found and also removed.\n");
-    EXPECT_EQ(region.gatebits(), BLOCK + "k;;\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
-    EXPECT_EQ(said_by('R', "b", "~"),
-              start + "2 ~b alias references were found and also removed.\n");
+    use(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_of({AliasMode::REMOVE_ALL, "b"}),
+              start + "No ~b alias references were found to remove.");
+    use(alias_line("b", "2") + BLOCK + "k;~b;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_ALL, "b"}),
+              start + "1 ~b alias reference was found and also removed.");
+    EXPECT_EQ(gatebits.text(), BLOCK + "k;;\n");
+    use(alias_line("b", "2") + BLOCK + "k;~b;~b ;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_ALL, "b"}),
+              start + "2 ~b alias references were found and also removed.");
 }
 
 TEST_F(AliasTables, RemovalOfReferencesOnlyKeepsTheDefinition) {
-    use_gatebits(alias_line("b", "2") + BLOCK);
-    EXPECT_EQ(said_by('r', "~b", " "), "No ~b alias references were found to remove.\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
-    EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
-    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "k;x y;\n");
-    use_gatebits(alias_line("b", "2") + BLOCK + "k;~b ~b ;\n");
-    EXPECT_EQ(said_by('r', "~b", " "), "2 ~b alias references were found and removed.\n");
-    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "k;;\n");
+    use(alias_line("b", "2") + BLOCK);
+    EXPECT_EQ(said_of({AliasMode::REMOVE_REFERENCES, "~b"}),
+              "No ~b alias references were found to remove.");
+    use(alias_line("b", "2") + BLOCK + "k;x ~b y;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_REFERENCES, "~b"}),
+              "1 ~b alias reference was found and removed.");
+    EXPECT_EQ(gatebits.text(), alias_line("b", "2") + BLOCK + "k;x y;\n");
+    use(alias_line("b", "2") + BLOCK + "k;~b ~b ;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_REFERENCES, "~b"}),
+              "2 ~b alias references were found and removed.");
+    EXPECT_EQ(gatebits.text(), alias_line("b", "2") + BLOCK + "k;;\n");
 }
 
 TEST_F(AliasTables, ReferencesEndInABlankOrASemicolon) {
-    use_gatebits(alias_line("b", "2") + BLOCK +
-                 "between;one ~b two;\n"
-                 "alone;~b;\n"
-                 "both;~b;x ~b ;\n"
-                 "two bare;~b;~b ;\n"
-                 "longer;~bc;~b_ ;~b\n"
-                 "glued;x~b;\n"
-                 "# comment ~b ;\n"
-                 "at the end ~b");
-    EXPECT_EQ(said_by('r', "~b", " "), "7 ~b alias references were found and removed.\n");
-    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK +
-                                     "between;one two;\n"
-                                     "alone;;\n"
-                                     "both;;x ;\n"
-                                     "two bare;;;\n"
-                                     "longer;~bc;~b_ ;~b\n"
-                                     "glued;x;\n"
-                                     "# comment ~b ;\n"
-                                     "at the end ~b\n");
+    use(alias_line("b", "2") + BLOCK +
+        "between;one ~b two;\n"
+        "alone;~b;\n"
+        "both;~b;x ~b ;\n"
+        "two bare;~b;~b ;\n"
+        "longer;~bc;~b_ ;~b\n"
+        "glued;x~b;\n"
+        "# comment ~b ;\n"
+        "at the end ~b");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_REFERENCES, "~b"}),
+              "7 ~b alias references were found and removed.");
+    EXPECT_EQ(gatebits.text(), alias_line("b", "2") + BLOCK +
+                                   "between;one two;\n"
+                                   "alone;;\n"
+                                   "both;;x ;\n"
+                                   "two bare;;;\n"
+                                   "longer;~bc;~b_ ;~b\n"
+                                   "glued;x;\n"
+                                   "# comment ~b ;\n"
+                                   "at the end ~b\n");
 }
 
 TEST_F(AliasTables, ALineThatHeldOnlyAReferenceIsLeftBlank) {
-    use_gatebits(alias_line("b", "2") + BLOCK + "~b \nk;\n");
-    EXPECT_EQ(said_by('r', "~b", " "), "1 ~b alias reference was found and removed.\n");
-    EXPECT_EQ(region.gatebits(), alias_line("b", "2") + BLOCK + "\nk;\n");
+    use(alias_line("b", "2") + BLOCK + "~b \nk;\n");
+    EXPECT_EQ(said_of({AliasMode::REMOVE_REFERENCES, "~b"}),
+              "1 ~b alias reference was found and removed.");
+    EXPECT_EQ(gatebits.text(), alias_line("b", "2") + BLOCK + "\nk;\n");
 }
 
 TEST_F(AliasTables, LinesAfterAFaultyOneAreNotLost) {
     const std::string rest = "#!gatewarden_alias bad-name x\n" + alias_line("later", "y");
-    use_gatebits(alias_line("good", "x") + BLOCK + rest);
-    printed_by([this] { build_alias_list(gatebits_file, &aliases); });
-    EXPECT_EQ(
-        printed_by([this] { add_change_remove_an_alias(gatebits_file, 'A', "new", "z", aliases); }),
-        "");
-    EXPECT_EQ(region.gatebits(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
+    use(alias_line("good", "x") + BLOCK + rest);
+    EXPECT_EQ(said_of({AliasMode::ADD, "new", "z"}), "");
+    EXPECT_EQ(gatebits.text(), alias_line("good", "x") + alias_line("new", "z") + BLOCK + rest);
 }
 
-TEST_F(AliasTables, WhatAnotherProcessHasDefinedMeanwhileStays) {
-    use_gatebits(alias_line("a", "1") + BLOCK);
-    built();
-    use_gatebits(alias_line("a", "1") + alias_line("theirs", "2") + BLOCK);
-    printed_by(
-        [this] { add_change_remove_an_alias(gatebits_file, ADD_ALIAS, "ours", "3", aliases); });
-    EXPECT_EQ(region.gatebits(),
-              alias_line("a", "1") + alias_line("theirs", "2") + alias_line("ours", "3") + BLOCK);
+TEST_F(AliasTables, ADefinitionIsWhatAChangeOfItRestsOn) {
+    use(alias_line("a", "1") + alias_line("e", "") + BLOCK + "#!gatewarden_alias bad-name x\n" +
+        alias_line("later", "y"));
+    EXPECT_EQ(definition_of("a", gatebits), std::vector<std::string>{"1"});
+    EXPECT_EQ(definition_of("e", gatebits), std::vector<std::string>{""});
+    EXPECT_EQ(definition_of("none", gatebits), std::vector<std::string>());
+    EXPECT_EQ(definition_of("later", gatebits), std::vector<std::string>());
+    EXPECT_EQ(definition_of("", gatebits), std::vector<std::string>());
 }
 
-TEST_F(AliasTables, ADefinitionThatIsNoLongerTheOneShownIsLeftAlone) {
-    const auto changed = [this](char mode, const std::string& meanwhile) {
-        use_gatebits(alias_line("a", "1") + BLOCK + "k;~a ;\n");
-        built();
-        use_gatebits(meanwhile + "\n" + BLOCK);
-        EXPECT_EQ(printed_by([&] {
-                      EXPECT_EQ(add_change_remove_an_alias(gatebits_file, mode, "a", REFERENCES_TOO,
-                                                           aliases),
-                                ChangeResult::CHANGED_MEANWHILE);
-                  }),
-                  "");
-        EXPECT_EQ(region.gatebits(), meanwhile + "\n" + BLOCK);
-    };
-    changed(CHANGE_ALIAS, alias_line("a", "2"));
-    changed(CHANGE_ALIAS, "");
-    changed(REMOVE_ALIAS, alias_line("a", "2"));
-    changed(REMOVE_ALIAS, alias_line("b", "1"));
-    use_gatebits(BLOCK);
-    built();
-    use_gatebits(alias_line("new", "theirs") + BLOCK);
-    EXPECT_EQ(add_change_remove_an_alias(gatebits_file, ADD_ALIAS, "new", "ours", aliases),
-              ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(region.gatebits(), alias_line("new", "theirs") + BLOCK);
-}
-
-TEST_F(AliasTables, AnUnknownModeIsAFaultAndWritesNothing) {
-    use_gatebits(alias_line("a", "1") + BLOCK);
-    EXPECT_GRIPE(add_change_remove_an_alias(gatebits_file, 'x', "a", "", aliases),
-                 "Internal Error: Inform ZUL: Unexpected case in "
-                 "gatescope:add_change_remove_an_alias\n");
-    EXPECT_EQ(region.gatebits(), alias_line("a", "1") + BLOCK);
+TEST_F(AliasTables, NoAliasIsAddedToAsManyAsThereMayBe) {
+    std::string text;
+    for (int i = 1; i <= 79; ++i) text += alias_line("a" + std::to_string(i), "v");
+    const AliasChange one_more = {AliasMode::ADD, "new", "v"};
+    const Rewrite last = add_change_remove_an_alias(Gatebits(text + BLOCK), one_more);
+    EXPECT_EQ(last.result, ChangeResult::WRITTEN);
+    const Rewrite too_many =
+        add_change_remove_an_alias(Gatebits(text + alias_line("a80", "v") + BLOCK), one_more);
+    EXPECT_EQ(too_many.result, ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_FALSE(too_many.text);
 }
 
 }  // namespace

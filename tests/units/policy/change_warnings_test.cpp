@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "units/on_stage.h"
-
 namespace {
 
 const std::string KEY_THAT_REFERS = "a;b;c;d;e;1;g;";
@@ -21,26 +19,30 @@ NewValue unix_notify(const std::string& value) {
     return {"UNIX Notify Program...", "UNIX", 2, value};
 }
 
-class ChangeWarnings : public OnStage {
+class ChangeWarnings : public testing::Test {
   protected:
+    void use(const std::string& text) { gatebits = Gatebits(text); }
+
     ChangeWarnings() { region_is("gatewarden;;O;east;", ";;O;", ";;", ";;"); }
 
     void region_is(const std::string& header, const std::string& depot, const std::string& parent,
-                   const std::string& notify, const std::string& keys = "") const {
-        use_gatebits(header + "\n" + depot + "\n" + parent + "\n" + notify +
-                     "\n; ;\n; ;\n;;;\nD;0;\n" + keys);
+                   const std::string& notify, const std::string& keys = "") {
+        use(header + "\n" + depot + "\n" + parent + "\n" + notify + "\n; ;\n; ;\n;;;\nD;0;\n" +
+            keys);
     }
 
-    void keys_are(const std::string& keys) const {
+    void keys_are(const std::string& keys) {
         region_is("gatewarden;;O;east;", ";;O;", ";;", ";;", keys);
     }
+
+    Gatebits gatebits{std::string()};
 };
 
 // Depots.
 
 TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
     region_is("gatewarden;;E;east;", "w;;O;", "wp;up;", "wn;un;");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")),
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
               "Parent Gatebits File) currently set to 'wp'..."
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
@@ -51,7 +53,7 @@ TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
 
 TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
     region_is("gatewarden;;A;east;", ";u;O;", "wp;up;", "wn;un;");
-    EXPECT_EQ(depot_warnings(gatebits_file, unix_depot("")),
+    EXPECT_EQ(depot_warnings(gatebits, unix_depot("")),
               "\n\nWarning:  Clearing the (UNIX Policy Depot) will also clear the (UNIX Parent "
               "Gatebits File) currently set to 'up'..."
               "\n\nWarning:  Clearing the (UNIX Policy Depot) will also clear the (UNIX Region "
@@ -62,24 +64,23 @@ TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
 
 TEST_F(ChangeWarnings, ClearingADepotThatNothingStandsOnWarnsOfNothing) {
     region_is("gatewarden;;E;east;", "w;u;A;", ";up;", ";un;");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
     region_is("gatewarden;;O;east;", "w;;A;", ";", ";");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
 }
 
 TEST_F(ChangeWarnings, LoggingWarningReadsTheHeaderLine) {
     region_is("gatewarden;;Off;east;", "w;;A;", ";;", ";;");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
     region_is("gatewarden;;Sx;east;", "w;;O;", ";;", ";;");
-    EXPECT_NE(depot_warnings(gatebits_file, windows_depot("")).find("from 'S' to"),
-              std::string::npos);
+    EXPECT_NE(depot_warnings(gatebits, windows_depot("")).find("from 'S' to"), std::string::npos);
     region_is("gatewarden;;", "w;;A;", ";;", ";;");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
 }
 
 TEST_F(ChangeWarnings, LoggingWarningIsWholeWhenTheFieldIsEmpty) {
     region_is("gatewarden;;;east;", "w;;A;", "wp;;", ";;");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")),
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
               "Parent Gatebits File) currently set to 'wp'..."
               "\n\nWarning:  This would result in both UNIX and Windows depots being cleared and "
@@ -87,47 +88,45 @@ TEST_F(ChangeWarnings, LoggingWarningIsWholeWhenTheFieldIsEmpty) {
 }
 
 TEST_F(ChangeWarnings, MissingLinesAndFieldsWarnOfNothing) {
-    use_gatebits("# nothing\n");
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("")), "");
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("")), "");
+    use("# nothing\n");
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("")), "");
 }
 
 TEST_F(ChangeWarnings, OnlyTheOtherSystemsPathsAreSaidNotToBeVerified) {
-    EXPECT_EQ(depot_warnings(gatebits_file, windows_depot("d")),
+    EXPECT_EQ(depot_warnings(gatebits, windows_depot("d")),
               "\n\nWarning:  Actual directory verification of the 'Windows Policy Depot' not "
               "performed from the UNIX OS...");
-    EXPECT_EQ(
-        parent_warnings(gatebits_file, {"Windows Parent Gatebits file...", "Windows", 1, "p"}),
-        "\n\nWarning:  Actual file verification of the 'Windows Parent Gatebits file' not "
-        "performed from the UNIX OS...");
-    EXPECT_EQ(notify_warnings(gatebits_file, windows_notify("n")),
+    EXPECT_EQ(parent_warnings(gatebits, {"Windows Parent Gatebits file...", "Windows", 1, "p"}),
+              "\n\nWarning:  Actual file verification of the 'Windows Parent Gatebits file' not "
+              "performed from the UNIX OS...");
+    EXPECT_EQ(notify_warnings(gatebits, windows_notify("n")),
               "\n\nWarning:  Actual file verification of the 'Windows Notify Program' not "
               "performed from the UNIX OS...");
-    EXPECT_EQ(depot_warnings(gatebits_file, unix_depot("x")), "");
-    EXPECT_EQ(parent_warnings(gatebits_file, {"UNIX Parent Gatebits file...", "UNIX", 2, "x"}), "");
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("x")), "");
-    EXPECT_EQ(parent_warnings(gatebits_file, {"Windows Parent Gatebits file...", "Windows", 1, ""}),
-              "");
-    EXPECT_EQ(notify_warnings(gatebits_file, windows_notify("")), "");
+    EXPECT_EQ(depot_warnings(gatebits, unix_depot("x")), "");
+    EXPECT_EQ(parent_warnings(gatebits, {"UNIX Parent Gatebits file...", "UNIX", 2, "x"}), "");
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("x")), "");
+    EXPECT_EQ(parent_warnings(gatebits, {"Windows Parent Gatebits file...", "Windows", 1, ""}), "");
+    EXPECT_EQ(notify_warnings(gatebits, windows_notify("")), "");
 }
 
 // Keys that refer to the notify program.
 
 TEST_F(ChangeWarnings, NoKeyThatRefersNoWarning) {
     keys_are("a;b;c;d;e;0;g;\na;b;c;d;e;01;\n");
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("n")), "");
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("")), "");
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("n")), "");
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("")), "");
 }
 
 TEST_F(ChangeWarnings, OneKeyThatRefers) {
     keys_are("a;b;c;d;e;0;\n" + KEY_THAT_REFERS + "\n");
     const std::string listed = "\n     (002) a;b;c;d;e;&1;g;";
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("n")),
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("n")),
               "\n\nWarning:  There is currently 1 policy key that will refer to the 'Region Notify "
               "Program' that you are adding.  References from that key to this program will be "
               "active...\\n" +
                   listed);
-    EXPECT_EQ(notify_warnings(gatebits_file, unix_notify("")),
+    EXPECT_EQ(notify_warnings(gatebits, unix_notify("")),
               "\n\nWarning:  There is 1 policy key that currently refers to the 'Region Notify "
               "Program' that you are removing.  References from that key to this program will be "
               "ignored...\\n" +
@@ -137,14 +136,14 @@ TEST_F(ChangeWarnings, OneKeyThatRefers) {
 TEST_F(ChangeWarnings, TwoKeysThatReferThenTheVerificationWarning) {
     keys_are(KEY_THAT_REFERS + "\na;b;c;d;e;;\n");
     const std::string listed = "\n     (001) a;b;c;d;e;&1;g;\n     (002) a;b;c;d;e;&;";
-    EXPECT_EQ(notify_warnings(gatebits_file, windows_notify("n")),
+    EXPECT_EQ(notify_warnings(gatebits, windows_notify("n")),
               "\n\nWarning:  There are currently 2 policy keys that will refer to the 'Region "
               "Notify Program' that you are adding.  References from those keys to this program "
               "will be active...\\n" +
                   listed +
                   "\n\nWarning:  Actual file verification of the 'Windows Notify Program' not "
                   "performed from the UNIX OS...");
-    EXPECT_EQ(notify_warnings(gatebits_file, windows_notify("")),
+    EXPECT_EQ(notify_warnings(gatebits, windows_notify("")),
               "\n\nWarning:  There are 2 policy keys that currently refer to the 'Region Notify "
               "Program' that you are removing.  References from those keys to this program will "
               "be ignored...\\n" +
@@ -168,7 +167,7 @@ TEST_F(ChangeWarnings, FourKeysAreAllListedAndOfMoreTheFirstThreeAndTheLast) {
         std::string keys;
         for (int n = 1; n <= count; ++n) keys += KEY_THAT_REFERS + "\n";
         keys_are(keys);
-        return listed_keys(notify_warnings(gatebits_file, unix_notify("n")));
+        return listed_keys(notify_warnings(gatebits, unix_notify("n")));
     };
     const std::string three = "     (001)|     (002)|     (003)|";
     EXPECT_EQ(listed_of(3), three);
@@ -179,16 +178,15 @@ TEST_F(ChangeWarnings, FourKeysAreAllListedAndOfMoreTheFirstThreeAndTheLast) {
 
 TEST_F(ChangeWarnings, AKeyTooShortEndsTheSearch) {
     keys_are(KEY_THAT_REFERS + "\na;b;c;d;e;\n" + KEY_THAT_REFERS + "\n");
-    EXPECT_NE(
-        notify_warnings(gatebits_file, unix_notify("n")).find("There is currently 1 policy key "),
-        std::string::npos);
+    EXPECT_NE(notify_warnings(gatebits, unix_notify("n")).find("There is currently 1 policy key "),
+              std::string::npos);
 }
 
 TEST_F(ChangeWarnings, AListedKeyIsCutAndItsAmpersandsDoubled) {
     const std::string eighty = "a&;;;;;1;" + std::string(71, 'x');
     keys_are(eighty + "\n" + eighty + "x\n" + KEY_THAT_REFERS + "\n");
     const std::string shown = "a&&;;;;;&1;" + std::string(71, 'x');
-    const std::string warning = notify_warnings(gatebits_file, unix_notify("n"));
+    const std::string warning = notify_warnings(gatebits, unix_notify("n"));
     EXPECT_NE(warning.find("\n     (001) " + shown + "\n     (002) " + shown + " ...\n"),
               std::string::npos)
         << warning;
@@ -204,17 +202,17 @@ TEST_F(ChangeWarnings, AListThatMatchesEverybodyIsWarnedOf) {
     const std::string rest =
         " as it contains one or more\\n                 of the wildcard patterns (*), <*>, [*], "
         "{*}, %*%, '*', @*@ ...";
-    EXPECT_EQ(restricted_warnings(gatebits_file, list("a %*% b")),
+    EXPECT_EQ(restricted_warnings(gatebits, list("a %*% b")),
               "\n\nWarning:  The definition is EXTREMELY RESTRICTIVE" + rest);
-    EXPECT_EQ(special_warnings(gatebits_file, list("%*%")),
+    EXPECT_EQ(special_warnings(gatebits, list("%*%")),
               "\n\nWarning:  The definition is EXTREMELY PERMISSIVE" + rest);
-    EXPECT_EQ(restricted_warnings(gatebits_file, list("%a*%")), "");
-    EXPECT_EQ(special_warnings(gatebits_file, list("%a*%")), "");
+    EXPECT_EQ(restricted_warnings(gatebits, list("%a*%")), "");
+    EXPECT_EQ(special_warnings(gatebits, list("%a*%")), "");
 }
 
 TEST_F(ChangeWarnings, AKeyIsRemindedToBeVerified) {
-    EXPECT_EQ(key_reminder(gatebits_file),
-              "\n\nReminder:  Use gatewarden " + region.gatebits_path() + " -check to verify...");
+    EXPECT_EQ(key_reminder("/east/gatebits.txt"),
+              "\n\nReminder:  Use gatewarden /east/gatebits.txt -check to verify...");
 }
 
 }  // namespace

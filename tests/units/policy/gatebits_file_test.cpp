@@ -1,10 +1,12 @@
 #include "policy/gatebits_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "policy/edition.h"
+#include "base/descriptor.h"
 #include "units/on_stage.h"
 
 namespace {
@@ -14,294 +16,126 @@ const std::string DEPOT_BLOCK =
 
 class GatebitsFile : public OnStage {
   protected:
-    std::string line(int n) const {
-        std::string text = "(untouched)";
-        return get_a_line(gatebits_file, n, &text) ? text : "(none)" + text;
+    /// Sets the line whatever the operator was shown.
+    ChangeResult set_line(int n, const std::string& text) const {
+        return change(gatebits_file, {Gatebits(std::string()), nothing},
+                      [&](const Gatebits& now) { return set_a_line(now, n, text); })
+            .result;
     }
-    std::string field(int n, int f) const {
-        std::string text = "(untouched)";
-        return get_a_field(gatebits_file, n, f, &text) ? text : "(none)" + text;
-    }
-    /// The file with `count` significant lines "line 1" and so on.
-    void use_lines(int count) const {
-        std::string text;
-        for (int i = 1; i <= count; ++i) text += "line " + std::to_string(i) + "\n";
-        use_gatebits(text);
+    ChangeResult set_field(const FieldValue& value) const {
+        return change(gatebits_file, {Gatebits(std::string()), nothing},
+                      [&](const Gatebits& now) { return set_a_field(now, value); })
+            .result;
     }
 };
 using GatebitsFileDeathTest = GatebitsFile;
 
-const std::string NONE = "(none)(untouched)";
-
-TEST_F(GatebitsFile, OnlySignificantLinesAreCounted) {
-    use_gatebits(
-        "# comment\n"
-        "#!gatescope_unix_browser=/b\n"
-        "first;\n"
-        "\n\n"
-        "  \t# indented comment\n"
-        "#!gatewarden_alias name value\n"
-        " \t \n"
-        " \tsecond;\n"
-        "#\n"
-        "third");
-    EXPECT_EQ(line(1), "first;");
-    EXPECT_EQ(line(2), " \tsecond;");
-    EXPECT_EQ(line(3), "third");
-    EXPECT_EQ(line(4), NONE);
-    EXPECT_EQ(line(0), NONE);
+/// What line n holds.
+auto line_number(int n) {
+    return [n](const Gatebits& gatebits) {
+        return std::vector<std::string>{get_a_line(gatebits, n).value_or("(none)")};
+    };
 }
 
-TEST_F(GatebitsFile, NumbersUpTo127AddressLinesAndNoOthersDo) {
-    use_lines(300);
-    EXPECT_EQ(line(127), "line 127");
-    EXPECT_EQ(line(128), NONE);
-    EXPECT_EQ(line(129), NONE);
-    EXPECT_EQ(line(257), NONE);
-    EXPECT_EQ(line(300), NONE);
-    EXPECT_EQ(line(1), "line 1");
+TEST_F(GatebitsFile, WhatWasReadIsTheFileAsItWasThen) {
+    use_gatebits("one;\n\ntwo;");
+    const Gatebits gatebits = read_gatebits(gatebits_file);
+    use_gatebits("three;\n");
+    EXPECT_EQ(gatebits.text(), "one;\n\ntwo;");
+    EXPECT_EQ(gatebits.lines(), (std::vector<std::string>{"one;", "two;"}));
+    EXPECT_EQ(read_gatebits(gatebits_file).text(), "three;\n");
 }
 
-TEST_F(GatebitsFile, FieldsAreWhatSemicolonsEnd) {
-    use_gatebits(";;O;\none;two\nno field\n");
-    EXPECT_EQ(field(1, 1), "");
-    EXPECT_EQ(field(1, 2), "");
-    EXPECT_EQ(field(1, 3), "O");
-    EXPECT_EQ(field(1, 4), NONE);
-    EXPECT_EQ(field(1, 0), NONE);
-    EXPECT_EQ(field(2, 1), "one");
-    EXPECT_EQ(field(2, 2), NONE);
-    EXPECT_EQ(field(3, 1), NONE);
-    EXPECT_EQ(field(4, 1), NONE);
-    EXPECT_EQ(field_or_empty(gatebits_file, 1, 3), "O");
-    EXPECT_EQ(field_or_empty(gatebits_file, 1, 4), "");
+TEST_F(GatebitsFile, AnEditIsMadeOfTheFileAsItIsNow) {
+    use_gatebits("one;\ntwo;\n");
+    const Gatebits shown = read_gatebits(gatebits_file);
+    use_gatebits("one;\n\ntwo;\nthree;\n");
+    const Changed changed = change(gatebits_file, {shown, line_number(2)}, [](const Gatebits& now) {
+        return set_a_line(now, 2, DELETION_TOKEN);
+    });
+    EXPECT_EQ(changed.result, ChangeResult::WRITTEN);
+    EXPECT_EQ(changed.before.text(), "one;\n\ntwo;\nthree;\n");
+    EXPECT_EQ(region.gatebits(), "one;\n\nthree;\n");
+    EXPECT_EQ(changed.now.text(), region.gatebits());
+    EXPECT_EQ(changed.now.lines(), (std::vector<std::string>{"one;", "three;"}));
 }
 
-TEST_F(GatebitsFile, LongLinesAreReadAndWrittenWhole) {
-    const std::string text(3000, 'x');
-    use_gatebits(";" + text + ";O;\n");
-    EXPECT_EQ(field(1, 2), text);
-    set_a_field(gatebits_file, {1, 3, "S"});
-    EXPECT_EQ(region.gatebits(), ";" + text + ";S;\n");
+TEST_F(GatebitsFile, NoEditIsMadeWhenWhatWasShownHasChanged) {
+    use_gatebits("one;\ntwo;\n");
+    const Gatebits shown = read_gatebits(gatebits_file);
+    const std::string theirs = "zero;\n\none;\ntwo;\n";
+    use_gatebits(theirs);
+    const Changed changed =
+        change(gatebits_file, {shown, line_number(2)}, [](const Gatebits& now) -> Rewrite {
+            ADD_FAILURE() << "it was asked for an edit";
+            return {ChangeResult::WRITTEN, now};
+        });
+    EXPECT_EQ(changed.result, ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(changed.before.text(), theirs);
+    EXPECT_EQ(changed.now.text(), theirs);
+    EXPECT_EQ(region.gatebits(), theirs);
 }
 
-TEST_F(GatebitsFile, SetALineReplacesThatLineOnly) {
-    use_gatebits("# top\n first;\n\n#!gatewarden_alias a b\nsecond;\n\nthird");
-    EXPECT_EQ(set_a_line(gatebits_file, 2, "new;line;"), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), "# top\n first;\n#!gatewarden_alias a b\nnew;line;\nthird\n");
-}
-
-TEST_F(GatebitsFile, TheDeletionTokenRemovesAKey) {
-    use_gatebits(DEPOT_BLOCK + "# keys\nkey 0;\nkey 1;\n");
-    EXPECT_EQ(set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "# keys\n\nkey 1;\n");
-    EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
-    EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
-}
-
-TEST_F(GatebitsFile, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
-    use_gatebits(DEPOT_BLOCK + "key 0;\nkey 1;\n");
-    set_a_line(gatebits_file, FIRST_KEY_LINE, DELETION_TOKEN);
-    set_a_line(gatebits_file, FIRST_KEY_LINE, "key 2;");
-    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "key 2;\n");
-}
-
-TEST_F(GatebitsFile, AnEmptyTextIsWrittenAsAnEmptyLine) {
-    use_gatebits(DEPOT_BLOCK + "key 0;\nkey 1;\n");
-    set_a_line(gatebits_file, FIRST_KEY_LINE, "");
-    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "\nkey 1;\n");
-    set_a_line(gatebits_file, 0, "");
-    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "key 1;\n\n");
-}
-
-TEST_F(GatebitsFile, OnlyTheExactTokenDeletes) {
-    use_gatebits("one;\n");
-    set_a_line(gatebits_file, 1, std::string(DELETION_TOKEN) + " ");
-    EXPECT_EQ(region.gatebits(), "<[;;;;;deletme;;;;;]> \n");
-}
-
-TEST_F(GatebitsFile, LineZeroAppendsAfterEverything) {
-    use_gatebits(DEPOT_BLOCK + "# the end\n");
-    EXPECT_EQ(set_a_line(gatebits_file, 0, "a key;"), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), DEPOT_BLOCK + "# the end\na key;\n");
-}
-
-TEST_F(GatebitsFile, ANumberAfterTheLastLineOnlyDropsBlankLines) {
-    use_gatebits("one;\n\ntwo;\n\n# three\n");
-    EXPECT_EQ(set_a_line(gatebits_file, 5, "x;"), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(region.gatebits(), "one;\ntwo;\n# three\n");
-}
-
-TEST_F(GatebitsFile, WhereTheCounterStartsOverOnlyTheFirstLineWithTheNumberIsReplaced) {
-    use_lines(600);
-    set_a_line(gatebits_file, 5, "new");
-    std::string expected;
-    for (int i = 1; i <= 600; ++i) {
-        expected += i == 5 ? "new\n" : "line " + std::to_string(i) + "\n";
-    }
-    EXPECT_EQ(region.gatebits(), expected);
-}
-
-TEST_F(GatebitsFile, AFieldOfALongFileIsSetInItsLineOnly) {
-    std::string keys;
-    for (int i = 0; i < 281; ++i) keys += "key " + std::to_string(i) + ";one;two;\n";
-    use_gatebits(DEPOT_BLOCK + keys);
-    EXPECT_EQ(set_a_field(gatebits_file, {MOTD_LINE, 2, "hello"}, {{PARENT_LINE, 1, "p"}}),
-              ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(),
-              "gatewarden;;;east;\n;/depot;O;\np;;\n;;\n; ;\n; ;\n;hello;;\n"
-              "D;000000000000000000000000;\n" +
-                  keys);
-}
-
-TEST_F(GatebitsFile, LinesAfterThe127thAreNotReplaced) {
-    use_lines(200);
-    const std::string before = region.gatebits();
-    set_a_line(gatebits_file, 128, "new");
-    set_a_line(gatebits_file, 200, "new");
-    EXPECT_EQ(region.gatebits(), before);
-}
-
-TEST_F(GatebitsFile, SetAFieldChangesThatFieldOnly) {
-    use_gatebits("#c\n;;O;\nkeep\n");
-    EXPECT_EQ(set_a_field(gatebits_file, {1, 2, "/a/path"}), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), "#c\n;/a/path;O;\nkeep\n");
-    set_a_field(gatebits_file, {1, 1, "C:\\depot"});
-    EXPECT_EQ(line(1), "C:\\depot;/a/path;O;");
-    set_a_field(gatebits_file, {1, 3, ""});
-    EXPECT_EQ(line(1), "C:\\depot;/a/path;;");
-}
-
-TEST_F(GatebitsFile, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
-    use_gatebits("one;two\n");
-    set_a_field(gatebits_file, {1, 1, "new"});
-    EXPECT_EQ(line(1), "new;");
-}
-
-TEST_F(GatebitsFile, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
-    use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, {1, 4, "value"}), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(region.gatebits(), ";;O;\n");
-}
-
-TEST_F(GatebitsFile, AFieldFurtherOutWritesNothing) {
-    use_gatebits(";;O;trailing\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, {1, 5, "value"}), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(region.gatebits(), ";;O;trailing\n\n");
-}
-
-TEST_F(GatebitsFile, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
-    use_gatebits("no field\n\n");
-    EXPECT_EQ(set_a_field(gatebits_file, {1, 1, "value"}), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "value"}), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(region.gatebits(), "no field\n\n");
-}
-
-TEST_F(GatebitsFile, AnAliasReferenceAtAFieldsEndGetsABlank) {
-    use_gatebits("; ;\n");
-    set_a_field(gatebits_file, {1, 2, "(ann) ~team"});
-    EXPECT_EQ(line(1), ";(ann) ~team ;");
-    use_gatebits("; ;\n");
-    set_a_field(gatebits_file, {1, 2, "~team"});
-    EXPECT_EQ(line(1), ";~team ;");
-    use_gatebits("; ;\n");
-    set_a_field(gatebits_file, {1, 2, "~team (ann)"});
-    EXPECT_EQ(line(1), ";~team (ann);");
-    use_gatebits("; ;\n");
-    set_a_field(gatebits_file, {1, 2, "~team "});
-    EXPECT_EQ(line(1), ";~team ;");
-}
-
-TEST_F(GatebitsFile, AReferenceInAnotherFieldGetsItsBlankToo) {
-    use_gatebits(";~team;x;\n");
-    set_a_field(gatebits_file, {1, 3, "y"});
-    EXPECT_EQ(line(1), ";~team ;y;");
-}
-
-TEST_F(GatebitsFile, TheLineAsAWholeDecidesAboutTheBlank) {
-    // No blank after the '~' so far, so each further field gets one until there is.
-    use_gatebits("~a;b;c;\n");
-    set_a_field(gatebits_file, {1, 3, "d"});
-    EXPECT_EQ(line(1), "~a ;b;d;");
-}
-
-TEST_F(GatebitsFile, SeveralFieldsChangeInOneWrite) {
-    use_gatebits("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
-    EXPECT_EQ(
-        set_a_field(gatebits_file, {2, 1, ""}, {{2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
-        ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
-}
-
-TEST_F(GatebitsFile, FieldsThatAreNotThereLeaveTheFileAlone) {
-    use_gatebits("h;\n\nd;u;O;\n");
-    EXPECT_EQ(set_a_field(gatebits_file, {9, 1, "x"}, {{2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 5, "x"}), ChangeResult::NO_SUCH_FIELD);
-    EXPECT_EQ(region.gatebits(), "h;\n\nd;u;O;\n");
-}
-
-TEST_F(GatebitsFile, ALineThatNoLongerHoldsWhatWasShownIsLeftAlone) {
+TEST_F(GatebitsFile, AnEditWithoutATextWritesNothing) {
     const std::string text = "one;\n\ntwo;\n";
     use_gatebits(text);
-    EXPECT_EQ(set_a_line(gatebits_file, 2, "new;", "one;"), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(set_a_line(gatebits_file, 3, "new;", "two;"), ChangeResult::CHANGED_MEANWHILE);
+    EXPECT_EQ(set_field({3, 1, "x"}), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(set_field({1, 5, "x"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(set_a_line(gatebits_file, 2, DELETION_TOKEN, "two;"), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), "one;\n\n");
+    // This one has a text.
+    EXPECT_EQ(set_line(3, "x"), ChangeResult::NO_SUCH_LINE);
+    EXPECT_EQ(region.gatebits(), "one;\ntwo;\n");
 }
 
-TEST_F(GatebitsFile, AllFieldsHaveToHoldWhatWasShown) {
-    const std::string text = "h;\n\nd;u;O;\n";
-    use_gatebits(text);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "x", "d"}, {{2, 2, "y", "v"}}),
-              ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 3, "S", ""}), ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 1, "x", "d"}, {{2, 2, "y", "u"}}),
-              ChangeResult::WRITTEN);
-    EXPECT_EQ(line(2), "x;y;O;");
-    // What does not exist was shown as empty.
-    EXPECT_EQ(set_a_field(gatebits_file, {9, 1, "x", ""}), ChangeResult::NO_SUCH_LINE);
-    EXPECT_EQ(set_a_field(gatebits_file, {2, 4, "x", ""}), ChangeResult::NO_SUCH_FIELD);
-}
-
-TEST_F(GatebitsFile, AValueEndsAtItsNul) {
-    use_gatebits(";;O;\n");
-    set_a_field(gatebits_file, {1, 2, std::string("a\0b", 3)});
-    EXPECT_EQ(region.gatebits(), ";a;O;\n");
-    set_a_line(gatebits_file, 1, std::string("x;\0y", 4));
-    EXPECT_EQ(region.gatebits(), "x;\n");
+TEST_F(GatebitsFile, TheLockIsHeldFromTheReadingToTheWriting) {
+    use_gatebits("one;\n");
+    const auto is_locked = [this] {
+        const Descriptor file(open(gatebits_file.c_str(), O_RDWR | O_CLOEXEC));
+        return flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    };
+    EXPECT_FALSE(is_locked());
+    change(gatebits_file, {Gatebits(std::string()), nothing}, [&](const Gatebits& now) {
+        EXPECT_TRUE(is_locked());
+        return set_a_line(now, 1, "two;");
+    });
+    EXPECT_FALSE(is_locked());
+    EXPECT_EQ(region.gatebits(), "two;\n");
 }
 
 TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
     const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
     use_gatebits(largest);
-    EXPECT_EQ(line(1), largest.substr(0, largest.size() - 1));
-    EXPECT_EQ(set_a_field(gatebits_file, {1, 1, "z"}), ChangeResult::WRITTEN);
+    EXPECT_EQ(read_gatebits(gatebits_file).text(), largest);
+    EXPECT_EQ(set_field({1, 1, "z"}), ChangeResult::WRITTEN);
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
     use_gatebits("x;" + std::string(GATEBITS_FILE_LIMIT - 2, 'y') + "\n");
-    EXPECT_GRIPE(line(1), "ERROR: The enterprise permissions file (" + gatebits_file +
-                              ") is larger than the limit of 30000 bytes.");
+    EXPECT_GRIPE(read_gatebits(gatebits_file), "ERROR: The enterprise permissions file (" +
+                                                   gatebits_file +
+                                                   ") is larger than the limit of 30000 bytes.");
 }
 
 TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
     gatebits_file = region.path("none");
-    EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
-    EXPECT_GRIPE(set_a_line(gatebits_file, 1, "x"),
-                 "ERROR: Can't open the enterprise permissions file.....");
+    const std::string cannot_open = "ERROR: Can't open the enterprise permissions file.....";
+    EXPECT_GRIPE(read_gatebits(gatebits_file), cannot_open);
+    EXPECT_GRIPE(set_line(1, "x"), cannot_open);
     gatebits_file = "";
-    EXPECT_GRIPE(line(1), "ERROR: Can't open the enterprise permissions file.....");
+    EXPECT_GRIPE(read_gatebits(gatebits_file), cannot_open);
     gatebits_file = region.path("depot");
-    EXPECT_GRIPE(line(1), "ERROR: Read failure on enterprise permissions file...");
+    const std::string cannot_read = "ERROR: Read failure on enterprise permissions file...";
+    EXPECT_GRIPE(read_gatebits(gatebits_file), cannot_read);
+    EXPECT_GRIPE(set_line(1, "x"), cannot_read);
 }
 
 TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
     for (const char* empty : {"", "\n\n\n"}) {
         use_gatebits(empty);
-        EXPECT_GRIPE(line(1),
-                     "ERROR: The enterprise permissions file (" + gatebits_file + ") is empty.");
+        const std::string is_empty =
+            "ERROR: The enterprise permissions file (" + gatebits_file + ") is empty.";
+        EXPECT_GRIPE(read_gatebits(gatebits_file), is_empty);
+        EXPECT_GRIPE(set_line(0, "x"), is_empty);
     }
 }
 
@@ -309,22 +143,32 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
     const std::string text = DEPOT_BLOCK + "key;\n";
     use_gatebits(text);
     const std::string too_long = std::to_string(DEPOT_BLOCK.size() + GATEBITS_FILE_LIMIT + 1);
-    EXPECT_GRIPE(set_a_line(gatebits_file, 9, std::string(GATEBITS_FILE_LIMIT, 'x')),
+    EXPECT_GRIPE(set_line(9, std::string(GATEBITS_FILE_LIMIT, 'x')),
                  "ERROR: The change would make the enterprise permissions file (" + gatebits_file +
                      ") " + too_long + " bytes long, but at most 30000 bytes can be read.  " +
                      "The change was not made in (" + gatebits_file + ").");
     const std::string line_break =
         "ERROR: The value entered for the enterprise permissions file (" + gatebits_file +
         ") holds a line break.  The change was not made.";
-    EXPECT_GRIPE(set_a_line(gatebits_file, 9, "two\nlines"), line_break);
-    EXPECT_GRIPE(set_a_field(gatebits_file, {2, 2, "two\nlines"}), line_break);
+    EXPECT_GRIPE(set_line(9, "two\nlines"), line_break);
+    EXPECT_GRIPE(set_field({2, 2, "two\nlines"}), line_break);
+    EXPECT_EQ(region.gatebits(), text);
+}
+
+TEST_F(GatebitsFileDeathTest, AFileThatHoldsANulIsNotChanged) {
+    const std::string text = DEPOT_BLOCK + std::string("\0more;\n", 7);
+    use_gatebits(text);
+    EXPECT_GRIPE(set_line(1, "x"),
+                 "ERROR: The enterprise permissions file (" + gatebits_file +
+                     ") holds a NUL byte, and what follows it would be lost in a change.  The "
+                     "change was not made.");
     EXPECT_EQ(region.gatebits(), text);
 }
 
 TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
     use_gatebits(DEPOT_BLOCK);
     TEMP_DIR = "/no/such/dir";
-    EXPECT_GRIPE(set_a_line(gatebits_file, 1, "x"), "Could not create needed temp file");
+    EXPECT_GRIPE(set_line(1, "x"), "Could not create needed temp file");
     EXPECT_EQ(region.gatebits(), DEPOT_BLOCK);
 }
 
@@ -334,7 +178,7 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
     ASSERT_EQ(symlink("gatebits.txt", region.path("link.txt").c_str()), 0);
     gatebits_file = region.path("link.txt");
     const std::vector<std::string> before = region.files_in(".");
-    set_a_field(gatebits_file, {1, 3, "S"});
+    set_field({1, 3, "S"});
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     struct stat status = {};
     ASSERT_EQ(lstat(region.path("link.txt").c_str(), &status), 0);
@@ -348,32 +192,10 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
 TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(link(region.gatebits_path().c_str(), region.path("other.txt").c_str()), 0);
-    set_a_field(gatebits_file, {1, 3, "S"});
+    set_field({1, 3, "S"});
     EXPECT_EQ(region.file("other.txt"), ";;S;\n");
     EXPECT_EQ(region.gatebits(), ";;S;\n");
     EXPECT_TRUE(region.files_in("tmp").empty());
-}
-
-TEST_F(GatebitsFile, TheEditionIsWhatLineOneBeginsWith) {
-    const std::pair<const char*, int> headers[] = {{"gatewarden;;;x;\n", 1},
-                                                   {"gatewarden_lite;;;x;\n", 0},
-                                                   {"gatewarden_lite 2;;;x;\n", 0},
-                                                   {"gatewarden_lit;;;x;\n", 1},
-                                                   {"GATEWARDEN_LITE;;;x;\n", 1},
-                                                   {"# nothing significant\n", 1},
-                                                   {"#c\ngatewarden_lite;\ngatewarden;\n", 0}};
-    for (const auto& [text, edition] : headers) {
-        use_gatebits(text);
-        EXPECT_EQ(read_edition(gatebits_file), edition) << text;
-    }
-}
-
-TEST(LineCounter, CountsInEightSignedBits) {
-    LineCounter counter;
-    for (int i = 1; i <= 127; ++i) EXPECT_TRUE(counter.counts_as(i, "x"));
-    EXPECT_TRUE(counter.counts_as(-128, "x"));
-    EXPECT_FALSE(counter.counts_as(-127, "# x"));
-    EXPECT_TRUE(counter.counts_as(-127, "x"));
 }
 
 }  // namespace

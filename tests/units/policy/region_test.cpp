@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
 #include "units/on_stage.h"
 
@@ -9,10 +10,13 @@ namespace {
 
 class LoadedRegion : public OnStage {
   protected:
+    RegionSettings loaded(const ToolSettings& tools) const {
+        return interrogate_the_enterprise(gatebits_file, read_gatebits(gatebits_file), tools);
+    }
     /// Loads a region with this depot line and these lines on top.
     void load(const std::string& depot_line, const std::string& on_top = "") {
         use_gatebits(on_top + "gatewarden;a;b;east;\n" + depot_line + "\n" + ";/parent.txt;\n");
-        settings = interrogate_the_enterprise(gatebits_file, settings.tools);
+        settings = loaded(settings.tools);
     }
     RegionSettings settings;
     std::string wrong_logging(const std::string& value, const std::string& letters,
@@ -53,7 +57,7 @@ TEST_F(LoadedRegion, TheThirdFieldMayBeMissing) {
 
 TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
     use_gatebits("gatewarden;;;;\n;;\n;;\n");
-    settings = interrogate_the_enterprise(gatebits_file, settings.tools);
+    settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
     EXPECT_EQ(settings.logging_dir, " /log");
@@ -63,7 +67,7 @@ TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
 TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
     use_gatebits(
         "# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
-    settings = interrogate_the_enterprise(gatebits_file, settings.tools);
+    settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
 }
@@ -110,31 +114,31 @@ TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(load("/depot;"), MANGLED_DEPOT_TEXT);
     EXPECT_GRIPE(load("C:\\depot;/depot"), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;;;east;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_DEPOT_TEXT);
+    EXPECT_GRIPE(loaded({}), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;;;east;\n;;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
     use_gatebits("gatewarden;;;east;\n;;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
 }
 
 TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
     use_gatebits("gatewarden;;;east\n;;\n;;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}),
+    EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing or mangled region header definition - missing data or "
                  "semicolon(s) ';'");
 }
 
 TEST_F(LoadedRegionDeathTest, AFileWithoutASignificantLineHasNoHeader) {
     use_gatebits("# only\n  # comments\n \t\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}),
+    EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing region header definition - no region information line found");
 }
 
 TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
     use_gatebits("gatewarden;\n/depot;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_DEPOT_TEXT);
+    EXPECT_GRIPE(loaded({}), MANGLED_DEPOT_TEXT);
     use_gatebits("gatewarden;\n;;\n/parent;\n");
-    EXPECT_GRIPE(interrogate_the_enterprise(gatebits_file, {}), MANGLED_PARENT_TEXT);
+    EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
 }
 
 }  // namespace

@@ -2,12 +2,19 @@
 
 #include <gtest/gtest.h>
 
-#include "units/on_stage.h"
-
 namespace {
 
-class ToolVariables : public OnStage {
+class ToolVariables : public testing::Test {
   protected:
+    void use(const std::string& text) { gatebits = Gatebits(text); }
+    /// Takes the new text, as readers of the file would see it.
+    void set(ToolVariable index, const std::string& value) {
+        const Rewrite rewrite = change_a_var(gatebits, tools, index, value);
+        EXPECT_EQ(rewrite.result, ChangeResult::WRITTEN);
+        use(rewrite.text->text());
+    }
+
+    Gatebits gatebits{std::string()};
     ToolSettings tools;
 };
 
@@ -23,10 +30,9 @@ const std::string EIGHT_LINES =
 
 TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
     tools.GS_VAR.fill("old");
-    use_gatebits(
-        "x;\n  #!gatescope_unix_browser=/a=b c \n#!gatescope_windows_browser=\n#!gatescope_"
+    use("x;\n  #!gatescope_unix_browser=/a=b c \n#!gatescope_windows_browser=\n#!gatescope_"
         "unknown=1\n");
-    build_var_list(gatebits_file, &tools);
+    build_var_list(gatebits, &tools);
     EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/a=b c ");
     for (const ToolVariable other :
          {UNIX_CHECKER, WINDOWS_CHECKER, WINDOWS_BROWSER, UNIX_LOGGING_DIR, WINDOWS_LOGGING_DIR,
@@ -36,23 +42,22 @@ TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
 }
 
 TEST_F(ToolVariables, APrefixWithoutItsEqualsSignIsAComment) {
-    use_gatebits("x;\n#!gatescope_unix_browser /b\n");
-    build_var_list(gatebits_file, &tools);
+    use("x;\n#!gatescope_unix_browser /b\n");
+    build_var_list(gatebits, &tools);
     EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "");
 }
 
 TEST_F(ToolVariables, EachPrefixHasItsPlace) {
     std::string text;
     for (const char* prefix : GS_VAR_NAME) text += prefix + std::string(prefix + 12) + "\n";
-    use_gatebits(text);
-    build_var_list(gatebits_file, &tools);
+    use(text);
+    build_var_list(gatebits, &tools);
     for (std::size_t i = 0; i < tools.GS_VAR.size(); ++i)
         EXPECT_EQ(tools.GS_VAR[i], GS_VAR_NAME[i] + 12);
 }
 
 TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
-    use_gatebits(
-        "# top\n"
+    use("# top\n"
         "gatewarden;;;east;\n"
         " #!gatescope_unix_browser=/old\n"
         "#!gatescope_foreign=1\n"
@@ -60,50 +65,41 @@ TEST_F(ToolVariables, AChangeBringsAllEightToTheTopAndLeavesForeignOnes) {
         "\n"
         "#!gatescope_unix_gatewarden_check=/c\n"
         "last;\n");
-    build_var_list(gatebits_file, &tools);
-    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b"), ChangeResult::WRITTEN);
-    EXPECT_EQ(region.gatebits(), EIGHT_LINES +
-                                     "# top\n"
-                                     "gatewarden;;;east;\n"
-                                     "#!gatescope_foreign=1\n"
-                                     "#!gatewarden_alias a b\n"
-                                     "last;\n");
-    EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/b");
+    build_var_list(gatebits, &tools);
+    set(UNIX_BROWSER, "/b");
+    EXPECT_EQ(gatebits.text(), EIGHT_LINES +
+                                   "# top\n"
+                                   "gatewarden;;;east;\n"
+                                   "#!gatescope_foreign=1\n"
+                                   "#!gatewarden_alias a b\n"
+                                   "last;\n");
 }
 
 TEST_F(ToolVariables, AChangeOfAFileThatHasNoneAddsThem) {
-    use_gatebits("gatewarden;;;east;\n");
+    use("gatewarden;;;east;\n");
     tools.GS_VAR[UNIX_CHECKER] = "/c";
-    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
-    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
-    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
-    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
+    set(UNIX_BROWSER, "/b");
+    EXPECT_EQ(gatebits.text(), EIGHT_LINES + "gatewarden;;;east;\n");
+    set(UNIX_BROWSER, "/b");
+    EXPECT_EQ(gatebits.text(), EIGHT_LINES + "gatewarden;;;east;\n");
 }
 
 TEST_F(ToolVariables, WhatAnotherProcessHasSetMeanwhileStays) {
-    use_gatebits("gatewarden;;;east;\n");
-    build_var_list(gatebits_file, &tools);
-    use_gatebits("#!gatescope_unix_gatewarden_check=/c\ngatewarden;;;east;\n");
-    change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/b");
-    EXPECT_EQ(region.gatebits(), EIGHT_LINES + "gatewarden;;;east;\n");
-    EXPECT_EQ(tools.GS_VAR[UNIX_CHECKER], "/c");
+    use("gatewarden;;;east;\n");
+    build_var_list(gatebits, &tools);
+    use("#!gatescope_unix_gatewarden_check=/c\ngatewarden;;;east;\n");
+    set(UNIX_BROWSER, "/b");
+    EXPECT_EQ(gatebits.text(), EIGHT_LINES + "gatewarden;;;east;\n");
 }
 
-TEST_F(ToolVariables, AChangeOfOneThatIsNoLongerAsItWasIsNotWritten) {
-    const std::string text = "#!gatescope_unix_browser=/a\n\n#!gatescope_unix_browser=/b\nx;\n";
-    use_gatebits(text);
-    EXPECT_EQ(stored_variable(gatebits_file, UNIX_BROWSER), "/b");
-    EXPECT_FALSE(stored_variable(gatebits_file, WINDOWS_BROWSER).has_value());
-    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/c", "/a"),
-              ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(change_a_var(gatebits_file, &tools, WINDOWS_BROWSER, "/c", "/a"),
-              ChangeResult::CHANGED_MEANWHILE);
-    EXPECT_EQ(region.gatebits(), text);
-    EXPECT_EQ(change_a_var(gatebits_file, &tools, UNIX_BROWSER, "/c", "/b"), ChangeResult::WRITTEN);
-    EXPECT_EQ(change_a_var(gatebits_file, &tools, WINDOWS_BROWSER, "/d", ""),
-              ChangeResult::WRITTEN);
-    EXPECT_EQ(stored_variable(gatebits_file, UNIX_BROWSER), "/c");
-    EXPECT_EQ(stored_variable(gatebits_file, WINDOWS_BROWSER), "/d");
+TEST_F(ToolVariables, TheLastLineOfAVariableCounts) {
+    use("#!gatescope_unix_browser=/a\n\n#!gatescope_unix_browser=/b\nx;\n");
+    EXPECT_EQ(stored_variable(gatebits, UNIX_BROWSER), "/b");
+    EXPECT_FALSE(stored_variable(gatebits, WINDOWS_BROWSER).has_value());
+    set(UNIX_BROWSER, "/c");
+    set(WINDOWS_BROWSER, "/d");
+    EXPECT_EQ(stored_variable(gatebits, UNIX_BROWSER), "/c");
+    EXPECT_EQ(stored_variable(gatebits, WINDOWS_BROWSER), "/d");
 }
 
 TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {

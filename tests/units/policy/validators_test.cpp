@@ -24,9 +24,11 @@ class Validators : public OnStage {
         return made;
     }
 
-    void depot_is(const std::string& depot) const {
-        use_gatebits("gatewarden;;;east;\n;" + depot + ";O;\n;;\n");
+    void depot_is(const std::string& depot) {
+        gatebits = Gatebits("gatewarden;;;east;\n;" + depot + ";O;\n;;\n");
     }
+
+    Gatebits gatebits{std::string()};
 };
 
 std::string verdict(const Validity& validity) {
@@ -37,7 +39,7 @@ TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
     for (const char* os : {"UNIX", "Windows"}) {
         EXPECT_EQ(verdict(region_depot_is_ok("", os)), "accepted");
         EXPECT_EQ(verdict(region_parent_is_ok("", os)), "accepted");
-        EXPECT_EQ(verdict(region_notify_is_ok("", os, gatebits_file)), "accepted");
+        EXPECT_EQ(verdict(region_notify_is_ok("", os, gatebits)), "accepted");
     }
     EXPECT_EQ(verdict(region_list_is_ok("")), "accepted");
     EXPECT_EQ(verdict(region_MOTD_is_ok("")), "accepted");
@@ -90,10 +92,10 @@ TEST_F(Validators, UnixDepotHasToBeADirectory) {
 }
 
 TEST_F(Validators, WindowsPathsAreNeverLookedUp) {
-    use_gatebits("gatewarden;;;east;\n;;O;\n");
+    depot_is("");
     EXPECT_EQ(verdict(region_depot_is_ok("C:\\none", "Windows")), "accepted");
     EXPECT_EQ(verdict(region_parent_is_ok("C:\\none.txt", "Windows")), "accepted");
-    EXPECT_EQ(verdict(region_notify_is_ok("none.bat", "Windows", gatebits_file)), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok("none.bat", "Windows", gatebits)), "accepted");
 }
 
 TEST_F(Validators, ParentMessages) {
@@ -118,7 +120,7 @@ TEST_F(Validators, ParentMessages) {
 TEST_F(Validators, ValueOf256CharactersPassesEveryFormCheck) {
     const std::string value(256, 'x');
     EXPECT_EQ(verdict(region_parent_is_ok(value, "Windows")), "accepted");
-    EXPECT_EQ(verdict(region_notify_is_ok(value, "Windows", gatebits_file)), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok(value, "Windows", gatebits)), "accepted");
     EXPECT_EQ(verdict(region_list_is_ok(value)), "accepted");
     EXPECT_EQ(verdict(region_MOTD_is_ok(value)), "accepted");
     EXPECT_EQ(verdict(region_MOTDL_is_ok(value)), "accepted");
@@ -129,29 +131,29 @@ TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
     std::filesystem::create_directories(path("depot/directory"));
     region.write_file("depot/script.sh", "");
     depot_is(path("depot"));
-    EXPECT_EQ(verdict(region_notify_is_ok("script.sh", "UNIX", gatebits_file)), "accepted");
-    EXPECT_EQ(verdict(region_notify_is_ok("none.sh", "UNIX", gatebits_file)),
+    EXPECT_EQ(verdict(region_notify_is_ok("script.sh", "UNIX", gatebits)), "accepted");
+    EXPECT_EQ(verdict(region_notify_is_ok("none.sh", "UNIX", gatebits)),
               "RETRY: the input notify program (none.sh) does not exist in the depot and is "
               "disallowed");
-    EXPECT_EQ(verdict(region_notify_is_ok("directory", "UNIX", gatebits_file)),
+    EXPECT_EQ(verdict(region_notify_is_ok("directory", "UNIX", gatebits)),
               "RETRY: the input notify program (directory) in the depot, but is actually a "
               "DIRECTORY and is disallowed");
-    EXPECT_FALSE(region_notify_is_ok(path("depot/script.sh"), "UNIX", gatebits_file).accepted());
+    EXPECT_FALSE(region_notify_is_ok(path("depot/script.sh"), "UNIX", gatebits).accepted());
 }
 
 TEST_F(Validators, NotifyProgramWithoutADepotIsLookedForAtTheRoot) {
-    use_gatebits("gatewarden;;;east;\n");
-    EXPECT_EQ(verdict(region_notify_is_ok("etc/passwd", "UNIX", gatebits_file)), "accepted");
+    gatebits = Gatebits(std::string("gatewarden;;;east;\n"));
+    EXPECT_EQ(verdict(region_notify_is_ok("etc/passwd", "UNIX", gatebits)), "accepted");
 }
 
 TEST_F(Validators, NotifyFormMessages) {
-    use_gatebits("gatewarden;;;east;\n");
-    EXPECT_EQ(verdict(region_notify_is_ok(std::string(257, 'x'), "UNIX", gatebits_file)),
+    gatebits = Gatebits(std::string("gatewarden;;;east;\n"));
+    EXPECT_EQ(verdict(region_notify_is_ok(std::string(257, 'x'), "UNIX", gatebits)),
               "RETRY: notify program value value exceeds 256 character max");
-    EXPECT_EQ(verdict(region_notify_is_ok("a\\b", "UNIX", gatebits_file)),
+    EXPECT_EQ(verdict(region_notify_is_ok("a\\b", "UNIX", gatebits)),
               "RETRY: notify program may not contain commas (,) semi-colons (;) or slash (\\) "
               "characters\\nInvalid file 'a\\b' disallowed");
-    EXPECT_EQ(verdict(region_notify_is_ok("a/", "UNIX", gatebits_file)),
+    EXPECT_EQ(verdict(region_notify_is_ok("a/", "UNIX", gatebits)),
               "RETRY: notify program may not end in the (/) character\\nInvalid notify program "
               "'a/' disallowed");
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "base/descriptor.h"
+#include "faults/append_only.h"
 #include "messages/log_texts.h"
 #include "units/pruning/pruning_region.h"
 
@@ -194,6 +195,38 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
         EXPECT_EQ(file_text(path), old(2)) << path;
     }
     logging_dir = directory;
+}
+
+TEST_F(LogsLeftAlone, InADirectoryThatOnlyLetsFilesBeAddedNothingIsBegun) {
+    const AppendOnly guard(logging_dir);
+    if (!guard.is_set()) GTEST_SKIP() << "no append-only directories here";
+    EXPECT_GRIPE(prune(), "Could not create needed pruning token");
+    EXPECT_EQ(all_files(), Files{});
+}
+
+// What came late to a log that was pruned has been named too.
+TEST_F(LogsLeftAlone, ACompanionThatCannotBeTakenAfterTheTokenIsNamed) {
+    if (!is_root()) GTEST_SKIP() << "needs root";
+    patience.longest_write = std::chrono::milliseconds(600);
+    write_log(0, old(1) + fresh(1));
+    give(log_file_path(0), OPERATOR);
+    write_log(1, fresh(1));
+    ASSERT_EQ(chmod(logging_dir.c_str(), 01777), 0);
+    std::string said;
+    {
+        const SlowWriter writer(log_file_path(0));
+        const Later companion([] {
+            write_file(pruning_companion_path(0), fresh(2));
+            ASSERT_EQ(chmod(pruning_companion_path(0).c_str(), 0666), 0);
+        });
+        const Later end([&] {
+            usleep(100'000);
+            writer.end();
+        });
+        said = said_to(OPERATOR);
+    }
+    EXPECT_NE(said.find("logging__0.txt: Operation not permitted"), std::string::npos) << said;
+    EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(2));
 }
 
 TEST_F(LogsLeftAlone, LogsOfOthersAreReplacedToo) {

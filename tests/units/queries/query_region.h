@@ -59,10 +59,8 @@ class QueryRegion : public OnStage {
         if (!asked) return false;
         graph_title = asked->graph_title;
         filters = asked->filters;
-        printed_by([&] {
-            result = get_query_data(record_query(number, GATEWARDEN_IS, filters, set_time_values()),
-                                    path("depot/log"));
-        });
+        result = get_query_data(record_query(number, GATEWARDEN_IS, filters, set_time_values()),
+                                path("depot/log"));
         return true;
     }
 
