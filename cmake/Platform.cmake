@@ -5,11 +5,6 @@ option(GATESCOPE_PLAIN_POSIX "Use nothing but what every POSIX system has" OFF)
 include(CheckCXXSymbolExists)
 include(CheckLinkerFlag)
 
-if(CMAKE_SIZEOF_VOID_P EQUAL 4)
-  # Files may be larger than addresses, and times later.
-  add_compile_definitions(_FILE_OFFSET_BITS=64 _TIME_BITS=64)
-endif()
-
 # gatescope_feature(<name> <header> <symbol>): defines GATESCOPE_HAS_<name> as 1 or 0.
 function(gatescope_feature name header symbol)
   set(found 0)

@@ -18,6 +18,7 @@
 #include "dialog/process_end.h"
 #include "base/replace_file.h"
 #include "base/standard_streams.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "history/change_list.h"
 #include "history/changes.h"
