@@ -3,9 +3,9 @@
 #include <string>
 
 #include "actions/last_answer.h"
-#include "base/options.h"
 #include "policy/aliases.h"
 #include "policy/region.h"
+#include "queries/options.h"
 
 // The configuration actions, named after their menu entries. The walks, the submenu and the guard
 // run other requests, so they are handed all that one of those may need.

@@ -1,5 +1,4 @@
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <vector>
 

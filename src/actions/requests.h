@@ -5,8 +5,8 @@
 #include <string>
 
 #include "actions/last_answer.h"
-#include "base/options.h"
 #include "policy/region.h"
+#include "queries/options.h"
 
 // The table of everything that an operator can ask for: the menus, the command line's limits, the
 // installer's refusals, the dispatch, the manual and the completion all read it.

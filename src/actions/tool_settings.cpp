@@ -10,7 +10,6 @@
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
 #include "dialog/prompts.h"
-#include "logs/log_files.h"
 #include "messages/action_texts.h"
 #include "messages/confirmation_texts.h"
 #include "policy/gatebits_file.h"
@@ -83,10 +82,6 @@ void walk_to_setting(std::size_t index, RegionSettings* region) {
 }
 
 }  // namespace
-
-void A_1(const RegionSettings& region, bool display) {
-    prune_logging_files({region.logging_dir, region.ENTERPRIZE_NAME, display}, QUERY_DAYS);
-}
 
 void A_24(RegionSettings& region) {
     const Gatebits gatebits = read_gatebits(region.ENTERPRIZE_PERMISSION_FILE);

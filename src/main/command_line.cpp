@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "actions/requests.h"
-#include "base/commands.h"
 #include "base/exit_status.h"
 #include "base/filled.h"
 #include "base/standard_streams.h"
@@ -20,6 +19,7 @@
 #include "messages/bit_names.h"
 #include "messages/command_line_texts.h"
 #include "messages/identity.h"
+#include "queries/commands.h"
 
 namespace {
 

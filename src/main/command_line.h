@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "base/options.h"
+#include "queries/options.h"
 
 /// Acts on the options that make sense only as the sole argument (-ver, -help, ...); each of them
 /// ends the process. `arguments` do not include the program's name.

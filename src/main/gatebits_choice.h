@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/options.h"
 #include "policy/region.h"
+#include "queries/options.h"
 
 /// Settles which gatebits file is in use: the readable one that the arguments named, the
 /// environment's, or a new or another one as the operator answers. Ends the process with

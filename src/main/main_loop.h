@@ -1,7 +1,7 @@
 #pragma once
 
-#include "base/options.h"
 #include "policy/region.h"
+#include "queries/options.h"
 
 /// Runs the operator's requests: the one that the command line named first, then what is picked
 /// from the menus. Returns when the repeat flag says so, with STATUS_OF_ONE_REQUEST. A cancelled

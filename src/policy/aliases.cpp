@@ -1,6 +1,5 @@
 #include "policy/aliases.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <optional>
 #include <string_view>

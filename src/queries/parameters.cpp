@@ -3,7 +3,6 @@
 #include <array>
 #include <vector>
 
-#include "base/commands.h"
 #include "base/filled.h"
 #include "base/text.h"
 #include "dialog/messages.h"
@@ -11,6 +10,7 @@
 #include "messages/bit_names.h"
 #include "messages/command_names.h"
 #include "messages/query_texts.h"
+#include "queries/commands.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "base/options.h"
+#include "queries/options.h"
 
 // The parameters of the queries. A value is a text: a command, a user, the decimal number of a
 // bit or key, or "*" for all of them.

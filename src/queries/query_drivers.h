@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "base/options.h"
+#include "queries/options.h"
 #include "report/page_display.h"
 
 /// What a query asks for, in the words of the logs and of its page.

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "base/commands.h"
 #include "fuzz/fuzz_world.h"
 #include "main/command_line.h"
+#include "queries/commands.h"
 
 namespace {
 

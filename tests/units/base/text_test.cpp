@@ -4,7 +4,6 @@
 
 #include <cstring>
 
-#include "base/commands.h"
 #include "base/filled.h"
 #include "dialog/toolkit.h"
 
@@ -188,43 +187,6 @@ TEST(Filled, TakesTextsOfAnyLength) {
 TEST(CText, EndsAtTheFirstNul) {
     EXPECT_EQ(c_text(std::string_view("ab\0cd", 5)), "ab");
     EXPECT_EQ(c_text("ab"), "ab");
-}
-
-TEST(CommandNumber, IsThePlaceInTheList) {
-    EXPECT_EQ(command_number("chbl"), 1);
-    EXPECT_EQ(command_number("checkin"), 2);
-    EXPECT_EQ(command_number("mkbl"), 52);
-    EXPECT_EQ(command_number("mkbl_complete"), 53);
-    EXPECT_EQ(command_number("setactivity_none"), 54);
-}
-
-TEST(CommandNumber, OfAnythingElseIsZero) {
-    for (const char* name : {"", "*", "Checkin", "check", "mkbl_", ",", "setactivity_none,"}) {
-        EXPECT_EQ(command_number(name), 0) << name;
-    }
-}
-
-TEST(CommandNumber, OfTwoNeighboursIsThatOfTheFirst) {
-    EXPECT_EQ(command_number("checkin,checkout"), 2);
-}
-
-TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
-    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS().size(), ALL_TRIGGERABLE_COMMANDS_MAP().size());
-    EXPECT_EQ(
-        ALL_TRIGGERABLE_COMMANDS(),
-        ",chbl,checkin,checkout,chevent,chfolder,chmaster,chproject,chtype,lock,lnname,mkattr,"
-        "mkbranch,mkcomp,mkelem,mkfolder,mkhlink,mklabel,mkproject,mkslink,mktype,mktrigger,"
-        "modtype,protect,reserve,rmattr,rmbl,rmbranch,rmcomp,rmelem,rmfolder,rmhlink,rmlabel,"
-        "rmname,rmproject,rmtrigger,rmtype,rmver,rntype,uncheckout,unlock,unreserve,"
-        "rebase_start,rebase_cancel,rebase_complete,mkactivity,setactivity,chactivity,"
-        "rmactivity,mkstream,chstream,rmstream,mkbl,mkbl_complete,setactivity_none,");
-    int number = 0;
-    const std::string all = ALL_TRIGGERABLE_COMMANDS();
-    for (const std::string& name : pieces(all.substr(1))) {
-        EXPECT_EQ(command_number(name), ++number);
-    }
-    EXPECT_EQ(number, 54);
-    EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS_MAP().substr(0, 16), ",1,,,,2,,,,,,,3,");
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include <string>
 
-#include "base/commands.h"
 #include "base/files.h"
 #include "base/temporary_files.h"
 #include "dialog/process_end.h"

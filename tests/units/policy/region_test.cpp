@@ -2,27 +2,28 @@
 
 #include <gtest/gtest.h>
 
-#include "policy/gatebits_file.h"
 #include "policy/tool_variables.h"
-#include "units/on_stage.h"
+#include "support/expect_gripe.h"
 
 namespace {
 
-class LoadedRegion : public OnStage {
+class LoadedRegion : public testing::Test {
   protected:
+    void use(const std::string& text) { gatebits = Gatebits(text); }
     RegionSettings loaded(const ToolSettings& tools) const {
-        return interrogate_the_enterprise(gatebits_file, read_gatebits(gatebits_file), tools);
+        return interrogate_the_enterprise("/east/gatebits.txt", gatebits, tools);
     }
     /// Loads a region with this depot line and these lines on top.
     void load(const std::string& depot_line, const std::string& on_top = "") {
-        use_gatebits(on_top + "gatewarden;a;b;east;\n" + depot_line + "\n" + ";/parent.txt;\n");
+        use(on_top + "gatewarden;a;b;east;\n" + depot_line + "\n" + ";/parent.txt;\n");
         settings = loaded(settings.tools);
     }
+    Gatebits gatebits{std::string()};
     RegionSettings settings;
     std::string wrong_logging(const std::string& value, const std::string& letters,
                               const std::string& line) const {
         return "ERROR: Invalid Optional Logging Value: value=" + value + " not single char from (" +
-               letters + ") for " + line + "\ngatebits file: " + region.gatebits_path() + ".";
+               letters + ") for " + line + "\ngatebits file: /east/gatebits.txt.";
     }
 };
 using LoadedRegionDeathTest = LoadedRegion;
@@ -56,7 +57,7 @@ TEST_F(LoadedRegion, TheThirdFieldMayBeMissing) {
 }
 
 TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
-    use_gatebits("gatewarden;;;;\n;;\n;;\n");
+    use("gatewarden;;;;\n;;\n;;\n");
     settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, " ");
@@ -65,8 +66,7 @@ TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
 }
 
 TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
-    use_gatebits(
-        "# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
+    use("# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
     settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
@@ -113,31 +113,31 @@ TEST_F(LoadedRegionDeathTest, AThirdFieldOfAnotherLetterNamesOesa) {
 TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(load("/depot;"), MANGLED_DEPOT_TEXT);
     EXPECT_GRIPE(load("C:\\depot;/depot"), MANGLED_DEPOT_TEXT);
-    use_gatebits("gatewarden;;;east;\n");
+    use("gatewarden;;;east;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_DEPOT_TEXT);
-    use_gatebits("gatewarden;;;east;\n;;\n");
+    use("gatewarden;;;east;\n;;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
-    use_gatebits("gatewarden;;;east;\n;;\n/parent;\n");
+    use("gatewarden;;;east;\n;;\n/parent;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
 }
 
 TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
-    use_gatebits("gatewarden;;;east\n;;\n;;\n");
+    use("gatewarden;;;east\n;;\n;;\n");
     EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing or mangled region header definition - missing data or "
                  "semicolon(s) ';'");
 }
 
 TEST_F(LoadedRegionDeathTest, AFileWithoutASignificantLineHasNoHeader) {
-    use_gatebits("# only\n  # comments\n \t\n");
+    use("# only\n  # comments\n \t\n");
     EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing region header definition - no region information line found");
 }
 
 TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
-    use_gatebits("gatewarden;\n/depot;\n/parent;\n");
+    use("gatewarden;\n/depot;\n/parent;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_DEPOT_TEXT);
-    use_gatebits("gatewarden;\n;;\n/parent;\n");
+    use("gatewarden;\n;;\n/parent;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
 }
 

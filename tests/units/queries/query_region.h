@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/options.h"
 #include "logs/query_data.h"
+#include "queries/options.h"
 #include "queries/query_drivers.h"
 #include "units/on_stage.h"
 

@@ -1,4 +1,4 @@
-#include "base/commands.h"
+#include "queries/commands.h"
 
 #include <algorithm>
 
