@@ -93,16 +93,21 @@ std::optional<std::string> prompt_for_name(const Aliases& others, LastAnswer* la
         .value;
 }
 
+/// The whole value of an alias in the list; lists show the beginning of a long one.
+std::string value_of(const std::string& name, const Gatebits& shown) {
+    const std::vector<std::string> value = definition_of(name, shown);
+    return value.empty() ? "" : value.front();
+}
+
 /// Makes the change of an alias that the operator was shown as `shown` has it, and says what became
 /// of the references.
 ChangeResult change_alias(const std::string& gatebits_file, const Gatebits& shown,
-                          const AliasChange& wanted) {
+                          const AliasChange& wanted, const RecordedChange& record) {
     const auto rests_on = [&](const Gatebits& gatebits) {
         return definition_of(wanted.name, gatebits);
     };
-    const Changed changed = change(gatebits_file, {shown, rests_on}, [&](const Gatebits& now) {
-        return add_change_remove_an_alias(now, wanted);
-    });
+    const auto edit = [&](const Gatebits& now) { return add_change_remove_an_alias(now, wanted); };
+    const Changed changed = change(gatebits_file, {shown, rests_on}, edit, record);
     if (changed.result != ChangeResult::WRITTEN) return changed.result;
     const std::string report = report_of_alias_change(changed.before, wanted);
     if (!report.empty()) advise_wait(report);
@@ -127,7 +132,8 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
-            const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value});
+            const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value},
+                                             {"A17", ALIAS_ADDITION, std::nullopt, line});
             if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
             return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
@@ -142,15 +148,17 @@ LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
     if (!pick) return {UNANSWERED};
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
-    const auto remove = [&](AliasMode mode) {
-        written_or_told(change_alias(gatebits_file, shown, {mode, name}), gatebits_file);
+    const auto remove = [&](AliasMode mode, const char* item) {
+        written_or_told(change_alias(gatebits_file, shown, {mode, name},
+                                     {"A18", item, definition(name, value_of(name, shown))}),
+                        gatebits_file);
     };
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()))) {
         case YES:
-            remove(AliasMode::REMOVE_ALL);
+            remove(AliasMode::REMOVE_ALL, ALIAS_WITH_REFERENCES);
             break;
         case NO:
-            remove(AliasMode::REMOVE);
+            remove(AliasMode::REMOVE, ALIAS_ADDITION);
             break;
         default:
             break;
@@ -167,7 +175,8 @@ LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
     if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), YES, Buttons::YES_ABORT) ==
         YES) {
-        change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference});
+        change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference},
+                     {"A19", ALIAS_REFERENCES, reference});
     }
     return {pick};
 }
@@ -188,7 +197,8 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         if (consent == DECLINED) continue;
         if (consent == CONFIRMED) {
             const auto result =
-                change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value});
+                change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value},
+                             {"A20", wanted.item, value_of(picked.name, shown), *value});
             if (written_or_told(result, gatebits_file)) change_confirmed(wanted);
             return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }

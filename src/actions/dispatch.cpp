@@ -5,9 +5,10 @@
 #include "actions/field_table.h"
 #include "actions/menus.h"
 #include "actions/requests.h"
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 #include "policy/checker.h"
@@ -35,7 +36,7 @@ LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
 
 /// The menu that comes after the submenu.
 int leave_submenu(const Options& options) {
-    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(0);
+    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(STATUS_OF_A_WISHED_END);
     return MAIN_MENU;
 }
 

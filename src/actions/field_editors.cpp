@@ -3,8 +3,10 @@
 #include "actions/depot_first.h"
 #include "actions/field_table.h"
 #include "actions/outcome.h"
+#include "base/filled.h"
 #include "dialog/confirmations.h"
 #include "dialog/messages.h"
+#include "messages/confirmation_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
@@ -53,7 +55,9 @@ ChangeResult write_and_report(const FieldEditor& editor, const Change& confirmed
                            further_changes(now, editor, value));
     };
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
-    const Changed changed = change(path, {shown, rests_on}, edit);
+    const Changed changed = change(
+        path, {shown, rests_on}, edit,
+        {filled(ACTION_NUMBER, editor.action), confirmed.item, confirmed.from, confirmed.to});
     if (!field_written_or_told(changed.result, path, confirmed.item, editor.line, editor.field)) {
         return changed.result;
     }

@@ -65,15 +65,18 @@ Answer ask_what_to_do_with(const Key& key, const char* noun) {
     return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()));
 }
 
-/// Writes `text` in the key's place while that is as it was shown.
-ChangeResult write_key(const std::string& gatebits_file, const Key& key, const std::string& text) {
+/// Writes `text` in the key's place while that is as it was shown; `to` is what stands there then.
+ChangeResult write_key(const std::string& gatebits_file, const Key& key, const std::string& text,
+                       const std::optional<std::string>& to) {
     const int number = FIRST_KEY_LINE + key.index;
     const auto rests_on = [&](const Gatebits& gatebits) {
         const auto line = get_a_line(gatebits, number);
         return line ? std::vector<std::string>{*line} : std::vector<std::string>();
     };
     const auto edit = [&](const Gatebits& now) { return set_a_line(now, number, text); };
-    return change(gatebits_file, {key.gatebits, rests_on}, edit).result;
+    return change(gatebits_file, {key.gatebits, rests_on}, edit,
+                  {"A21", filled(KEY_FIELD_NAME, key.index), key.line, to})
+        .result;
 }
 
 /// Whether the action goes on with its list: it does not after a cancelled prompt, nor when
@@ -84,7 +87,7 @@ bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last
     *last_answer = {text};
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
     if (confirm_change(wanted, key_reminder(gatebits_file)) != CONFIRMED) return true;
-    const auto result = write_key(gatebits_file, key, *text);
+    const auto result = write_key(gatebits_file, key, *text, *text);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
     change_confirmed(wanted);
@@ -94,7 +97,7 @@ bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last
 bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
     if (confirm_delete(wanted) != CONFIRMED) return true;
-    const auto result = write_key(gatebits_file, key, DELETION_TOKEN);
+    const auto result = write_key(gatebits_file, key, DELETION_TOKEN, std::nullopt);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
     delete_confirmed(wanted);
@@ -144,7 +147,8 @@ LastAnswer A_22(const std::string& gatebits_file) {
         const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
         if (confirm_add(wanted) == CONFIRMED) {
             change(gatebits_file, {gatebits, nothing},
-                   [&](const Gatebits& now) { return set_a_line(now, 0, *entered); });
+                   [&](const Gatebits& now) { return set_a_line(now, 0, *entered); },
+                   {"A22", wanted.item, std::nullopt, *entered});
             // A new key has always been reported as a change.
             change_confirmed(wanted);
         }

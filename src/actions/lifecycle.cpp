@@ -4,6 +4,7 @@
 #include "base/filled.h"
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
+#include "messages/confirmation_texts.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 #include "policy/checker.h"
@@ -98,7 +99,8 @@ Step create_file(const Options& options, RegionInUse& region) {
     const auto chosen = select_cb_file(region.settings.ENTERPRIZE_PERMISSION_FILE, PROMPT_05);
     if (!chosen) return Step::GIVEN_UP;
     if (this_file_exists(*chosen)) return use_existing_or_again(*chosen, &region.settings);
-    switch (create_gatebits_file(*chosen, text_of_new_file(region.settings.tools))) {
+    switch (create_gatebits_file(*chosen, text_of_new_file(region.settings.tools),
+                                 {"A26", NEW_FILE, std::nullopt, *chosen})) {
         case NewFile::EXISTS:
             return use_existing_or_again(*chosen, &region.settings);
         case NewFile::NOT_CREATED:
@@ -142,7 +144,9 @@ Step copy_the_file(RegionSettings* region) {
         if (!done_in_the_end([&] { return choose_destination(file_in_use, &destination); })) {
             return Step::GIVEN_UP;
         }
-        created = create_gatebits_file(destination, bytes_to_copy(source, destination));
+        created = create_gatebits_file(
+            destination, bytes_to_copy(source, destination),
+            {"A27", filled(COPY_OF_FILE, source.c_str()), std::nullopt, destination});
         // Somebody may have put a file there since it was looked for.
         if (created == NewFile::EXISTS && again_if_wished(RETRY_DESTINATION) == Step::GIVEN_UP) {
             return Step::GIVEN_UP;

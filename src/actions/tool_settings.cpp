@@ -48,9 +48,13 @@ Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string
     const auto rests_on = [&](const Gatebits& gatebits) {
         return std::vector<std::string>{stored_variable(gatebits, index).value_or("")};
     };
-    const Changed changed = change(path, {shown, rests_on}, [&](const Gatebits& now) {
+    auto stored = stored_variable(shown, index);
+    if (stored) stored->insert(0, GS_VAR_NAME[index]);
+    const auto edit = [&](const Gatebits& now) {
         return change_a_var(now, region->tools, index, *typed);
-    });
+    };
+    const Changed changed = change(path, {shown, rests_on}, edit,
+                                   {"A24", wanted.item, stored, GS_VAR_NAME[index] + *typed});
     if (!written_or_told(changed.result, path)) return Next::GO_ON;
     add_confirmed(wanted);
     *region = interrogate_the_enterprise(path, changed.now, region->tools);

@@ -6,13 +6,10 @@
 #include <cerrno>
 #include <vector>
 
-namespace {
+#include "base/paths.h"
+#include "base/platform.h"
 
-std::string directory_of(const std::string& path) {
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
+namespace {
 
 /// Adds the bytes from `from` on to an FNV-1a hash of 64 bits. 0 or an errno.
 int add_bytes(int file, off_t from, std::vector<char>* bytes, std::uint64_t* hash) {

@@ -3,14 +3,13 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
-#include <thread>
+#include <cerrno>
 
 #include "base/file_identity.h"
 #include "base/platform.h"
+#include "base/waiting.h"
 
 namespace {
-
-constexpr std::chrono::milliseconds PAUSE(10);
 
 /// Open for writing: some file systems across a network lock nothing else.
 Descriptor open_to_lock(const std::string& path) {
@@ -22,18 +21,23 @@ Descriptor open_to_lock(const std::string& path) {
 
 }  // namespace
 
+LockState try_lock(const Descriptor& file) {
+    const int error = lock_exclusively(file.get());
+    if (error == 0) return LockState::HELD;
+    return error == EWOULDBLOCK || error == EINTR ? LockState::KEPT_BY_ANOTHER
+                                                  : LockState::NOT_TO_BE_HAD;
+}
+
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) {
-    const auto end = std::chrono::steady_clock::now() + patience;
-    while (true) {
-        Descriptor file = open_to_lock(path);
-        if (!file) return {};
-        const int error = lock_exclusively(file.get());
-        if (error != 0 && error != EWOULDBLOCK && error != EINTR) {
-            return {LockState::NOT_TO_BE_HAD, std::move(file)};
+    FileLock lock;
+    succeeds_within(patience, [&] {
+        lock.file = open_to_lock(path);
+        lock.state = lock.file ? try_lock(lock.file) : LockState::NOT_TO_BE_HAD;
+        if (lock.state == LockState::HELD && !is_name_of(path, lock.file.get(), 0)) {
+            lock.state = LockState::KEPT_BY_ANOTHER;
         }
-        if (error == 0 && is_name_of(path, file.get(), 0))
-            return {LockState::HELD, std::move(file)};
-        if (std::chrono::steady_clock::now() >= end) return {LockState::KEPT_BY_ANOTHER, {}};
-        std::this_thread::sleep_for(PAUSE);
-    }
+        return lock.state != LockState::KEPT_BY_ANOTHER;
+    });
+    if (lock.state == LockState::KEPT_BY_ANOTHER) lock.file.close();
+    return lock;
 }

@@ -21,6 +21,9 @@ struct FileLock {
     Descriptor file = {};
 };
 
+/// Tries to take the lock of an open file.
+LockState try_lock(const Descriptor& file);
+
 /// Waits for the lock of the file that `path` names, for no longer than `patience`. Whoever
 /// changes a file by putting a new one in its place leaves those who wait with the lock of the old
 /// one; so it is looked whether the path still names the file that the lock was got for.

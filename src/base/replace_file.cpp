@@ -7,14 +7,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include "base/file_identity.h"
-#include "base/filled.h"
+#include "base/paths.h"
 #include "base/platform.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
-#include "messages/startup_texts.h"
+#include "base/whole_file.h"
 
 namespace {
 
@@ -26,33 +25,7 @@ struct Attempt {
 };
 constexpr bool POSSIBLE = true;
 constexpr bool NOT_POSSIBLE_HERE = false;
-
-/// The file that `path` names in the end, links followed; `path` itself when it names none.
-std::string target_of(const std::string& path) {
-    char* resolved = realpath(path.c_str(), nullptr);
-    std::string target = resolved != nullptr ? resolved : path;
-    std::free(resolved);
-    return target;
-}
-
-Failure failure(const std::string& path, const char* reason, const std::string& state) {
-    return {filled(COULD_NOT_REPLACE, path.c_str(), reason, state.c_str())};
-}
-
-Failure left_unchanged(const std::string& path, int error) {
-    return failure(path, std::strerror(error), filled(FILE_IS_UNCHANGED, path.c_str()));
-}
-
-Failure refused(const std::string& safe_copy, const std::string& path, int error) {
-    return {filled(COULD_NOT_MOVE_1, safe_copy.c_str(), path.c_str(), error), error};
-}
-
-/// Writes and syncs; 0 or an errno.
-int write_and_sync(int descriptor, std::string_view text) {
-    const int error = write_all(descriptor, text);
-    if (error != 0) return error;
-    return fsync(descriptor) == 0 ? 0 : errno;
-}
+constexpr auto UNCHANGED = Failure::State::UNCHANGED;
 
 /// Creates the new file in the same directory, so that it can be renamed; hidden, and under a name
 /// that nobody can have put anything under. The descriptor, or -1 with errno set.
@@ -62,7 +35,7 @@ int create_beside(const std::string& path, std::string* new_path) {
         errno = EPERM;
         return -1;
     }
-    *new_path = path.substr(0, path.rfind('/') + 1) + ".gatescope_XXXXXX";
+    *new_path = beside(path, ".gatescope_XXXXXX");
     const int descriptor = make_unique_file(new_path);
     if (descriptor != -1) remember_temporary_file(*new_path);
     return descriptor;
@@ -82,28 +55,28 @@ Attempt put_in_place(int old_file, int new_file, const std::string& new_path,
         return {NOT_POSSIBLE_HERE};
     }
     if (const int error = write_sync_close(new_file, text)) {
-        return {POSSIBLE, left_unchanged(path, error)};
+        return {POSSIBLE, Failure{UNCHANGED, error, path}};
     }
     if (rename(new_path.c_str(), path.c_str()) != 0) {
         if (is_refusal(errno)) return {NOT_POSSIBLE_HERE};
-        return {POSSIBLE, left_unchanged(path, errno)};
+        return {POSSIBLE, Failure{UNCHANGED, errno, path}};
     }
     forget_temporary_file(new_path);
     if (const int error = sync_directory_of(path)) {
-        return {POSSIBLE, failure(path, std::strerror(error), filled(FILE_IS_NEW, path.c_str()))};
+        return {POSSIBLE, Failure{Failure::State::NEW, error, path}};
     }
     return {POSSIBLE};
 }
 
 Attempt replace_by_rename(int old_file, const std::string& path, std::string_view text) {
     struct stat status;
-    if (fstat(old_file, &status) != 0) return {POSSIBLE, left_unchanged(path, errno)};
+    if (fstat(old_file, &status) != 0) return {POSSIBLE, Failure{UNCHANGED, errno, path}};
     if (status.st_nlink > 1) return {NOT_POSSIBLE_HERE};
     std::string new_path;
     const int new_file = create_beside(path, &new_path);
     if (new_file == -1) {
         if (is_refusal(errno)) return {NOT_POSSIBLE_HERE};
-        return {POSSIBLE, left_unchanged(path, errno)};
+        return {POSSIBLE, Failure{UNCHANGED, errno, path}};
     }
     const Attempt attempt = put_in_place(old_file, new_file, new_path, path, text);
     if (!attempt.possible) remove_temporary_file(new_path);
@@ -159,50 +132,30 @@ std::optional<Failure> rewrite_in_place(int file, const std::string& path, std::
                                         const std::string& safe_copy) {
     const InPlace result = try_in_place(file, text, safe_copy);
     if (result.error == 0) return std::nullopt;
-    if (!result.begun) return left_unchanged(path, result.error);
-    return failure(path, std::strerror(result.error),
-                   filled(FILE_IS_DAMAGED, path.c_str(), safe_copy.c_str()));
+    if (!result.begun) return Failure{UNCHANGED, result.error, path};
+    return Failure{Failure::State::DAMAGED, result.error, path};
 }
 
 }  // namespace
 
 std::optional<Failure> replace_file(const std::string& path, std::string_view text,
                                     const std::string& safe_copy, const Descriptor& open_file) {
-    const std::string target = target_of(path);
+    const std::string target = end_of_links(path);
     Descriptor opened;
     if (!open_file || !is_name_of(target, open_file.get())) {
         // A file that was made read-only stays as it is, even where a rename would be allowed.
         opened = Descriptor(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (!opened) return refused(safe_copy, path, errno);
+        if (!opened) return Failure{Failure::State::REFUSED, errno, target};
     }
     const int old_file = opened ? opened.get() : open_file.get();
     struct stat status;
-    if (fstat(old_file, &status) != 0) return left_unchanged(target, errno);
-    if (!S_ISREG(status.st_mode)) {
-        return failure(target, IS_NO_REGULAR_FILE, filled(FILE_IS_UNCHANGED, target.c_str()));
-    }
+    if (fstat(old_file, &status) != 0) return Failure{UNCHANGED, errno, target};
+    if (!S_ISREG(status.st_mode)) return Failure{Failure::State::NOT_REGULAR, 0, target};
     // The system lets root write it all the same.
-    if ((status.st_mode & 0222) == 0) return refused(safe_copy, path, EACCES);
+    if ((status.st_mode & 0222) == 0) return Failure{Failure::State::REFUSED, EACCES, target};
     const Attempt attempt = replace_by_rename(old_file, target, text);
     const auto why_not =
         attempt.possible ? attempt.why_not : rewrite_in_place(old_file, target, text, safe_copy);
     if (!why_not) remove_temporary_file(safe_copy);
     return why_not;
-}
-
-int write_sync_close(int descriptor, std::string_view text) {
-    const int error = write_and_sync(descriptor, text);
-    if (close(descriptor) != 0 && error == 0) return errno;
-    return error;
-}
-
-int write_all(int descriptor, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = write(descriptor, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        if (written == 0) return EIO;
-        text.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
 }

@@ -6,14 +6,26 @@
 
 #include "base/descriptor.h"
 
-/// Why a file was not replaced.
+/// Why a file was not replaced, and in what state it was left.
 struct Failure {
-    /// What to tell the operator: the file, the reason and the state in which it and the copy were
-    /// left.
-    std::string message;
-    /// The errno that the message leaves in numbers; 0 when it says the reason in words.
-    int error = 0;
+    enum class State {
+        REFUSED,      ///< unchanged: it may not be written
+        NOT_REGULAR,  ///< unchanged: it is not a regular file
+        UNCHANGED,
+        NEW,     ///< it holds its whole new text, which may not have reached the disk yet
+        DAMAGED  ///< it may be damaged; the safe copy holds the only whole text
+    };
+    State state;
+    /// An errno; 0 of what is not a regular file.
+    int error;
+    /// The file, links followed.
+    std::string file;
 };
+
+/// Whether the file still holds the text that it held before.
+inline bool is_unchanged(const Failure& failure) {
+    return failure.state != Failure::State::NEW && failure.state != Failure::State::DAMAGED;
+}
 
 /// Replaces the whole of an existing file by `text`, so that whoever looks, whenever the program
 /// is killed, finds the old file or the new one. A symbolic link is followed and stays a link;
@@ -34,11 +46,3 @@ struct Failure {
 [[nodiscard]] std::optional<Failure> replace_file(const std::string& path, std::string_view text,
                                                   const std::string& safe_copy,
                                                   const Descriptor& open_file = Descriptor());
-
-/// Writes all of `text`, brings it to the disk and closes the file. 0, or the errno of the first
-/// that failed.
-int write_sync_close(int descriptor, std::string_view text);
-
-/// Writes all of `text` to the descriptor, however often the system takes only a part of it or is
-/// interrupted. 0 or an errno.
-int write_all(int descriptor, std::string_view text);

@@ -6,15 +6,11 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "base/filled.h"
 #include "messages/identity.h"
-#include "messages/startup_texts.h"
 
 namespace {
-
-constexpr int STATUS_OF_AN_ERROR = 99;
 
 /// Why standard output did not take something; 0 as long as it took everything. One a process, as
 /// the stream is.
@@ -43,14 +39,14 @@ int write_whole(int descriptor, std::string_view text) {
 
 }  // namespace
 
-void open_missing_standard_streams() {
+int open_missing_standard_streams() {
     for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
         if (fcntl(number, F_GETFD) != -1) continue;
         // The lowest free number is this one. Children are to find the stream open too.
         if (open("/dev/null", O_RDWR) == number) continue;
-        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(errno)));
-        _exit(STATUS_OF_AN_ERROR);
+        return errno;
     }
+    return 0;
 }
 
 void write_output(std::string_view text) {
@@ -58,14 +54,12 @@ void write_output(std::string_view text) {
     if (output_failure == 0) output_failure = error;
 }
 
-int status_with_output_written(int status) {
+int output_error() {
     // Tests print through the buffered stream as well.
     if (std::fflush(stdout) != 0 && output_failure == 0) output_failure = errno;
-    if (output_failure == 0) return status;
-    note(filled(OUTPUT_NOT_WRITTEN, std::strerror(output_failure)));
-    return STATUS_OF_AN_ERROR;
+    return output_failure;
 }
 
-void note(const std::string& text) {
-    write_whole(STDERR_FILENO, filled("%s: %s\n", SELF, text.c_str()));
+void note(const std::string& text, const char* program) {
+    write_whole(STDERR_FILENO, filled("%s: %s\n", program, text.c_str()));
 }

@@ -4,7 +4,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -13,6 +12,7 @@
 #include "base/run_identity.h"
 #include "base/temporary_files.h"
 #include "base/text.h"
+#include "base/whole_file.h"
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"
 #include "messages/dialog_texts.h"
@@ -30,19 +30,6 @@ int look_for_answer(int descriptor) {
     const bool written =
         S_ISREG(status.st_mode) && (status.st_size != 0 || status.st_mtim.tv_sec != 0);
     return written ? 0 : ENOENT;
-}
-
-/// At most `limit` bytes of the file; 0 or an errno.
-int read_answer(int descriptor, std::size_t limit, std::string* text) {
-    std::array<char, 4096> chunk;
-    while (text->size() < limit) {
-        const std::size_t wanted = std::min(chunk.size(), limit - text->size());
-        const ssize_t got = read(descriptor, chunk.data(), wanted);
-        if (got == 0) return 0;
-        if (got > 0) text->append(chunk.data(), static_cast<std::size_t>(got));
-        if (got < 0 && errno != EINTR) return errno;
-    }
-    return 0;
 }
 
 }  // namespace
@@ -63,7 +50,7 @@ std::optional<std::string> AnswerFile::content(std::size_t limit, bool* failed) 
     int error = descriptor == -1 ? errno : look_for_answer(descriptor);
     const bool answered = error == 0;
     std::string text;
-    if (answered) error = read_answer(descriptor, limit, &text);
+    if (answered) error = read_whole(descriptor, limit, &text);
     if (descriptor != -1) close(descriptor);
     if (failed != nullptr) *failed = error != 0;
     if (error != 0 && error != ENOENT && failed == nullptr) {

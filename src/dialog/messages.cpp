@@ -3,11 +3,13 @@
 #include <cstring>
 #include <string_view>
 
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/standard_streams.h"
 #include "dialog/clearprompt.h"
+#include "dialog/process_end.h"
 #include "messages/dialog_texts.h"
+#include "messages/history_texts.h"
 #include "messages/identity.h"
 
 int ZUL_PREFER_GUI = 1;
@@ -24,6 +26,9 @@ constexpr char ADVISE_LINE[] = "%s yes_no -mask yes -def yes -pre %s -pro %s%s";
 /// CLEARPROMPT, mask, default, newline option, message.
 constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
 
+/// As of diff and grep.
+constexpr int STATUS_OF_TROUBLE = 2;
+
 const char* word_for(Answer answer) {
     return ANSWER_WORDS[answer];
 }
@@ -34,6 +39,13 @@ const char* words_for(Buttons buttons) {
 
 bool has_one_button(Buttons mask) {
     return mask == Buttons::YES || mask == Buttons::NO || mask == Buttons::ABORT;
+}
+
+/// gripe, with `more` on standard error: with the message that goes elsewhere, or in its place.
+[[noreturn]] void gripe_saying_more(const std::string& message, const std::string& more) {
+    if (ZUL_PREFER_GUI == ERRORS_ALONE) gripe(more);
+    note(more);
+    gripe(message);
 }
 
 /// The shell's status comes unshifted: exit status 1 is 256, and 255 is read as yes.
@@ -53,6 +65,10 @@ Answer decoded_status(int status) {
 }  // namespace
 
 void gripe(const std::string& message) {
+    if (ZUL_PREFER_GUI == ERRORS_ALONE) {
+        note(message, HISTORY_PROGRAM);
+        clean_exit(STATUS_OF_TROUBLE);
+    }
     if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
                           quoted(message).c_str()),
@@ -60,18 +76,17 @@ void gripe(const std::string& message) {
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(99);
+    clean_exit(STATUS_OF_AN_ERROR);
 }
 
 void gripe(const std::string& message, int error) {
     const std::string line = message.substr(0, message.find_last_not_of('\n') + 1);
-    note(filled("%s: %s", line.c_str(), std::strerror(error)));
-    gripe(message);
+    gripe_saying_more(message, filled("%s: %s", line.c_str(), std::strerror(error)));
 }
 
 void gripe(const std::string& message, const std::string& path, int error) {
-    note(filled("%s: %s: %s", message.c_str(), path.c_str(), std::strerror(error)));
-    gripe(message);
+    gripe_saying_more(message,
+                      filled("%s: %s: %s", message.c_str(), path.c_str(), std::strerror(error)));
 }
 
 void gripe_uncoded(const std::string& place) {

@@ -7,15 +7,17 @@
 // How the operator is talked to: the same in every function that has something to say, and settled
 // by clean_start before anybody has; so these two are the process's.
 
-/// 1: clearprompt dialogs; 0: standard output.
+/// 1: clearprompt dialogs; 0: standard output; ERRORS_ALONE: gatescope-history, which has nothing
+/// to ask, and whose errors go to standard error and end it with status 2.
 extern int ZUL_PREFER_GUI;
+inline constexpr int ERRORS_ALONE = -1;
 /// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
 
 /// What ask returns.
 enum Answer { YES = 0, NO = 1, ABORT = 2 };
 
-/// Shows an error in the background and ends the process with status 99.
+/// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
 [[noreturn]] void gripe(const std::string& message);
 
 /// gripe for an error whose text leaves out why, or with which file: that goes to standard error,

@@ -4,9 +4,10 @@
 #include <string>
 
 #include "base/child.h"
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/prompts.h"
 #include "messages/command_line_texts.h"
 #include "messages/dialog_texts.h"
@@ -25,7 +26,7 @@ void test_clearprompt() {
     const int status = run_in_shell(filled(USABILITY_LINE, CLEARPROMPT), CLEARPROMPT);
     if (status != 0) {
         print_stdout(filled(CLEARPROMPT_NOT_FOUND, CLEARPROMPT));
-        clean_exit(1);
+        clean_exit(STATUS_WITHOUT_MEANS);
     }
     advise(filled(CLEARPROMPT_RETURN_CODE, CLEARPROMPT, status));
 }
@@ -36,7 +37,7 @@ void test_cleartool() {
     const int status = get_system_rc(CLEARTOOL_LINE);
     if (status != 0) {
         print_stdout(CLEARTOOL_NOT_FOUND);
-        clean_exit(1);
+        clean_exit(STATUS_WITHOUT_MEANS);
     }
     advise(filled(CLEARTOOL_RETURN_CODE, status));
 }
@@ -96,7 +97,7 @@ void test_questions() {
 
 void show_about() {
     advise(filled(ABOUT, SELF, VERSION));
-    clean_exit(0);
+    clean_exit(STATUS_OF_A_WISHED_END);
 }
 
 void general_test() {

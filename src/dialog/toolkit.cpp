@@ -14,11 +14,11 @@
 
 #include "base/files.h"
 #include "base/filled.h"
-#include "base/replace_file.h"
 #include "base/run_identity.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "base/text.h"
+#include "base/whole_file.h"
 #include "dialog/answer_file.h"
 #include "dialog/clearprompt.h"
 #include "dialog/messages.h"

@@ -9,11 +9,12 @@
 #include <cstring>
 #include <string>
 
+#include "base/exit_status.h"
 #include "base/files.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/standard_streams.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
 
@@ -101,5 +102,5 @@ void data_gen(const std::string& logging_dir) {
     show_progress(DEMO_RECORDS);
     written = std::fclose(LOGGING_STREAM) == 0 && written;
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
-    clean_exit(0);
+    clean_exit(STATUS_OF_A_WISHED_END);
 }

@@ -9,11 +9,12 @@
 
 #include "actions/requests.h"
 #include "base/commands.h"
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "base/standard_streams.h"
 #include "base/text.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/self_test.h"
 #include "messages/arguments.h"
 #include "messages/bit_names.h"
@@ -39,11 +40,11 @@ constexpr int ALL_NUMBERS = -1;
 
 [[noreturn]] void show_kudos() {
     advise(filled(KUDOS, SELF));
-    clean_exit(0);
+    clean_exit(STATUS_OF_A_WISHED_END);
 }
 
 [[noreturn]] void say_nothing() {
-    clean_exit(0);
+    clean_exit(STATUS_OF_A_WISHED_END);
 }
 
 struct SoleOption {

@@ -8,9 +8,10 @@
 #include "actions/actions.h"
 #include "actions/requests.h"
 #include "base/descriptor.h"
+#include "base/exit_status.h"
 #include "base/filled.h"
-#include "base/process_end.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
 
@@ -34,13 +35,13 @@ std::string gatebits_question(const Options& options, const char* from_environme
 
 void make_new_gatebits_file(const Options& options, RegionInUse& region) {
     if (refused(*request_numbered(RequestKind::ACTION, 26), options) || !A_26(options, region)) {
-        clean_exit(1);
+        clean_exit(STATUS_WITHOUT_MEANS);
     }
 }
 
 void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
     if (refused(*request_numbered(RequestKind::ACTION, 25), options) || !A_25(region.settings)) {
-        clean_exit(1);
+        clean_exit(STATUS_WITHOUT_MEANS);
     }
 }
 
@@ -59,7 +60,7 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     } else if (answer == NO) {
         open_existing_gatebits_file(options, region);
     } else {
-        clean_exit(1);
+        clean_exit(STATUS_WITHOUT_MEANS);
     }
     // Asked once more, but whatever the answer, start-up goes on.
     if (file.empty()) ask(RETRY_GATEBITS_FILE);

@@ -4,6 +4,6 @@
 #include "policy/region.h"
 
 /// Settles which gatebits file is in use: the readable one that the arguments named, the
-/// environment's, or a new or another one as the operator answers. Ends the process with status 1
-/// when the operator gives up.
+/// environment's, or a new or another one as the operator answers. Ends the process with
+/// STATUS_WITHOUT_MEANS when the operator gives up.
 void choose_gatebits_file(const Options& options, RegionInUse& region);

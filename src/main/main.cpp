@@ -1,18 +1,23 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <new>
 #include <string>
 #include <vector>
 
+#include "base/exit_status.h"
+#include "base/filled.h"
 #include "base/signals.h"
 #include "base/standard_streams.h"
+#include "dialog/process_end.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
 #include "main/gatebits_choice.h"
 #include "main/main_loop.h"
 #include "main/out_of_memory.h"
 #include "main/startup.h"
+#include "messages/startup_texts.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
@@ -42,7 +47,10 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 
 int main(int argument_count, char** argument_vector) {
-    open_missing_standard_streams();
+    if (const int error = open_missing_standard_streams()) {
+        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
+        return STATUS_OF_AN_ERROR;
+    }
     end_in_order_on_signals();
     end_in_order_without_memory();
     try {

@@ -5,8 +5,9 @@
 
 #include "actions/menus.h"
 #include "actions/requests.h"
-#include "base/process_end.h"
+#include "base/exit_status.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/prompts.h"
 #include "messages/command_line_texts.h"
 
@@ -31,7 +32,7 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
                                            main_menu_entries(region.GATEWARDEN_IS), SINGLE_CHOICE)
                           : make_selection(submenu_title(name, during_install),
                                            submenu_entries(during_install), SINGLE_CHOICE);
-    if (!pick && (main_menu || during_install)) clean_exit(0);
+    if (!pick && (main_menu || during_install)) clean_exit(STATUS_OF_A_WISHED_END);
     if (!pick) *chapter = MAIN_MENU;
     return pick;
 }
@@ -40,7 +41,7 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
 const Request* request_from_menu(bool during_install, const RegionInUse& region, int* chapter) {
     while (true) {
         // The installer has no main menu.
-        if (*chapter == MAIN_MENU && during_install) clean_exit(0);
+        if (*chapter == MAIN_MENU && during_install) clean_exit(STATUS_OF_A_WISHED_END);
         const auto pick = show_menu(during_install, region, chapter);
         if (pick && !pick->empty() && !is_separator(*pick)) return request_labelled(*pick);
     }
@@ -61,5 +62,5 @@ int run_requests(const Options& options, RegionInUse& region) {
             chapter = request->execute(options, region).next_menu.value_or(chapter);
         }
     } while (!options.runs_once());
-    return static_cast<unsigned char>(options.selected_repeat.front());
+    return STATUS_OF_ONE_REQUEST;
 }

@@ -7,13 +7,12 @@
 #include <exception>
 #include <new>
 
+#include "base/exit_status.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
 
 namespace {
-
-constexpr int STATUS_OF_AN_ERROR = 99;
 
 /// Needs no memory.
 [[noreturn]] void end_with_the_text_alone() {

@@ -1,28 +1,21 @@
 #include "main/startup.h"
 
-#include <pwd.h>
 #include <strings.h>
 #include <unistd.h>
 
 #include <array>
 #include <cstdlib>
-#include <cstring>
-#include <optional>
 
 #include "base/filled.h"
+#include "base/operator_name.h"
 #include "base/run_identity.h"
 #include "base/temporary_files.h"
-#include "base/text.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
 namespace {
-
-/// Variables that may name the operator, each with "_USER" after it, in the order of their rank.
-constexpr std::array<const char*, 5> LOOK_UNDER = {"CLEARCASE", "AUTH", "LOGON", "REMOTE",
-                                                   "UNMAPPED_REMOTE"};
 
 /// Where the directory for temporary files may come from: the variable's name is read in lower
 /// case, but the messages spell it in upper case.
@@ -31,28 +24,6 @@ struct TempDirSource {
     const char* spelled;
 };
 constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
-
-std::string lower_cased(std::string name) {
-    return STRING_LOWER(name);
-}
-
-/// The text after "user=" in the cookie, up to ";", if anything follows it at all. The plain
-/// search also finds a cookie whose name merely ends so.
-std::optional<std::string> user_in_cookie() {
-    const char* cookie = std::getenv(ENV_COOKIE);
-    const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
-    if (found == nullptr) return std::nullopt;
-    const char* value = found + std::strlen("user=");
-    if (*value == '\0') return std::nullopt;
-    return std::string(value, std::strcspn(value, ";"));
-}
-
-/// What comes after a domain ("DOMAIN\op") or a path ("a/b/op").
-std::string without_domain(const std::string& name) {
-    auto cut = name.rfind('\\');
-    if (cut == std::string::npos) cut = name.rfind('/');
-    return cut == std::string::npos ? name : name.substr(cut + 1);
-}
 
 /// Names of variables as the negated codes of their characters. They are read one by one while the
 /// program runs, so that no compiler puts them together, and no search for text finds them.
@@ -96,25 +67,14 @@ bool temp_dir_is_writable() {
 }  // namespace
 
 Operator clean_start() {
-    const auto user = calculated_user();
+    const auto user = operator_name();
     if (!user) gripe(NO_USER);
-    Operator who = {._CALCULATED_USER = without_domain(*user)};
+    Operator who = {._CALCULATED_USER = *user};
     const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
     look_at_the_client(&who);
     ZUL_REMOTE_CLIENT_USER = who.REAL_ZUL_REMOTE_CLIENT_USER;
     return who;
-}
-
-std::optional<std::string> calculated_user() {
-    for (const char* prefix : LOOK_UNDER) {
-        const char* name = std::getenv(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str());
-        if (name != nullptr) return lower_cased(name);
-    }
-    if (const auto cookie_user = user_in_cookie()) return lower_cased(*cookie_user);
-    const passwd* entry = getpwuid(geteuid());
-    if (entry == nullptr) return std::nullopt;
-    return lower_cased(entry->pw_name);
 }
 
 void verify_set_tempdir() {

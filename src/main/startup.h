@@ -1,6 +1,5 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 // Who the operator is, where temporary files go and how dialogs are shown: settled once, before
@@ -20,10 +19,6 @@ struct Operator {
 /// Finds out who the operator is, and settles how to talk to them. Gripes when no user can be
 /// found.
 Operator clean_start();
-
-/// The operator's name as the environment, or else the password database, has it, lower-cased;
-/// nothing when there is none.
-std::optional<std::string> calculated_user();
 
 /// Settles the process id and the directory for temporary files ("tmp", else "temp", else /tmp);
 /// gripes when that directory is not writable. The first of the variables that is set decides, even

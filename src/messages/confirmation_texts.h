@@ -33,6 +33,14 @@ inline constexpr char SPECIAL_LIST[] = "Region Special Access List";
 inline constexpr char GATESCOPE_VARIABLE[] = "Gatescope Variable";
 inline constexpr char ALIAS_ADDITION[] = "Alias";
 
+/// Names of items that only a history shows. Source of the copy.
+inline constexpr char ALIAS_WITH_REFERENCES[] = "Alias with References";
+inline constexpr char ALIAS_REFERENCES[] = "Alias References";
+inline constexpr char NEW_FILE[] = "Gatebits File";
+inline constexpr char COPY_OF_FILE[] = "Copy of %s";
+/// Number of an action, as the menus show it.
+inline constexpr char ACTION_NUMBER[] = "A%02d";
+
 /// Depot, OS, value that will go.
 inline constexpr char CLEARS_PARENT[] =
     "\n\nWarning:  Clearing the (%s) will also clear the (%s Parent Gatebits File) currently set "

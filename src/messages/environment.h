@@ -10,6 +10,7 @@ inline constexpr char ENV_STRICT_QUOTING[] = "ZUL_GATESCOPE_STRICT_QUOTING";
 inline constexpr char ENV_BROWSER[] = "ZUL_GATESCOPE_BROWSER";
 inline constexpr char ENV_CSV[] = "ZUL_GATESCOPE_CSV";
 inline constexpr char ENV_VERBOSITY[] = "ZUL_GATESCOPE_VERBOSITY";
+inline constexpr char ENV_HISTORY[] = "ZUL_GATESCOPE_HISTORY";
 inline constexpr char ENV_TMP[] = "tmp";
 inline constexpr char ENV_TEMP[] = "temp";
 inline constexpr char ENV_COOKIE[] = "HTTP_COOKIE";
@@ -24,7 +25,7 @@ struct EnvironmentVariable {
 /// The manual is made from this table, and a test holds every getenv in the sources against it.
 /// Only tools and tests may use the table: the names of the client's variables must not stand in
 /// the program file as text.
-inline constexpr std::array<EnvironmentVariable, 18> ENVIRONMENT = {{
+inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {ENV_GATEBITS_FILE, "The gatebits file to use when no F= argument is given"},
     {ENV_PREFER_NO_GUI,
      "When it is \"yes\" (in any case), messages go to standard output and questions with a "
@@ -39,6 +40,10 @@ inline constexpr std::array<EnvironmentVariable, 18> ENVIRONMENT = {{
      "When it is \"yes\" (in any case), each query also writes its numbers beside the page, in a "
      "file of the same name that ends in .csv"},
     {ENV_VERBOSITY, "When it is set, each change made to the gatebits file is reported in a box"},
+    {ENV_HISTORY,
+     "The directory in which each change of a gatebits file is recorded before it is made; a "
+     "change "
+     "that cannot be recorded there is not made"},
     {ENV_TMP, "The directory for temporary files; it must be writable"},
     {ENV_TEMP, "The same, when tmp is not set; without either, it is /tmp"},
     {"CLEARCASE_USER", "The operator's login name; this and the next four are tried in turn"},

@@ -1,12 +1,9 @@
 #include "policy/gatebits_file.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <optional>
 #include <utility>
 
 #include "base/descriptor.h"
@@ -15,10 +12,11 @@
 #include "base/replace_file.h"
 #include "base/run_identity.h"
 #include "base/temporary_files.h"
-#include "base/text.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
+#include "policy/write_failure.h"
 
 namespace {
 
@@ -27,9 +25,7 @@ namespace {
 FileLock lock_gatebits_file(const std::string& path, std::chrono::seconds patience) {
     FileLock lock = lock_file(path, patience);
     if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
-    const int seconds = static_cast<int>(patience.count());
-    gripe(filled(COULD_NOT_REPLACE, path.c_str(), filled(LOCKED_BY_ANOTHER, seconds).c_str(),
-                 filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
+    gripe_unchanged(path, filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count())));
 }
 
 /// Gripes when a reader would not get back from the new text what its lines hold.
@@ -54,34 +50,28 @@ void write_scratch_file(const std::string& path, const std::string& text) {
     const int file = create_temporary_file(scratch);
     if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, scratch, errno);
     const int error = write_sync_close(file, text);
-    if (error == 0) return;
-    gripe(filled(COULD_NOT_REPLACE, path.c_str(), std::strerror(error),
-                 filled(FILE_IS_UNCHANGED, path.c_str()).c_str()));
+    if (error != 0) gripe_unchanged(path, std::strerror(error));
 }
 
-/// Puts the text in the file's place; `open_file` is that file, where it is open.
-void write_gatebits(const std::string& path, const std::string& text, const Descriptor& open_file) {
+/// Puts the text in the old one's place; `open_file` is that file, where it is open.
+void write_gatebits(const std::string& path, const std::string& old_text, const std::string& text,
+                    const RecordedChange& change, const Descriptor& open_file) {
     write_scratch_file(path, text);
+    HistoryRecord record = record_change(path, old_text, change);
     const auto failure = replace_file(path, text, t_file_name(), open_file);
-    if (failure && failure->error != 0) gripe(failure->message, failure->error);
-    if (failure) gripe(failure->message);
+    if (!failure) return;
+    if (is_unchanged(*failure)) record.take_back();
+    gripe_not_replaced(*failure, path, t_file_name());
 }
 
 /// All bytes of the open file at `path`.
 std::string bytes_in(const Descriptor& file, const std::string& path) {
-    std::string bytes(GATEBITS_FILE_LIMIT + 1, '\0');
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const ssize_t got = read(file.get(), bytes.data() + size, bytes.size() - size);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) gripe(CANNOT_READ_GATEBITS, path, errno);
-        if (got == 0) break;
-        size += static_cast<std::size_t>(got);
-    }
-    if (size > GATEBITS_FILE_LIMIT) {
+    std::string bytes;
+    const int error = read_whole(file.get(), GATEBITS_FILE_LIMIT + 1, &bytes);
+    if (error != 0) gripe(CANNOT_READ_GATEBITS, path, error);
+    if (bytes.size() > GATEBITS_FILE_LIMIT) {
         gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
     }
-    bytes.resize(size);
     return bytes;
 }
 
@@ -110,7 +100,7 @@ std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
 }
 
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
-               std::chrono::seconds patience) {
+               const RecordedChange& record, std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
     const Gatebits now =
         lock.file ? with_lines(bytes_in(lock.file, path), path) : read_gatebits(path);
@@ -119,8 +109,12 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     }
     const Rewrite wanted = edit(now);
     if (!wanted.text) return {wanted.result, now, now};
+    const bool is_same = wanted.text->text() == now.text();
+    if (is_same && wanted.result != ChangeResult::WRITTEN) return {wanted.result, now, now};
     need_fit_to_be_read_back(path, now, *wanted.text);
-    write_gatebits(path, wanted.text->text(), lock.file);
+    RecordedChange made = record;
+    if (wanted.result != ChangeResult::WRITTEN) made.to = made.from;
+    write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }

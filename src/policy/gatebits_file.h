@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "policy/gatebits.h"
+#include "policy/history.h"
 
 // The gatebits file on the disk: read as a value, and changed in one place. Nothing is cached: each
 // step of a dialog reads the file anew. What cannot be read or written ends the program through
@@ -53,8 +54,10 @@ struct Changed {
 /// stands there, makes the edit, and replaces the file whole by the new text. No other gatescope
 /// comes between. This is the one way in which this program changes a gatebits file.
 ///
+/// Where a history is kept, what `record` says stands in it before the file is replaced.
+///
 /// Where a file system has no locks, it does without. Gripes, with the file as it was, when another
 /// process keeps the lock for longer than `patience`, or when the new text is not fit to be read
 /// back or cannot be written.
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
-               std::chrono::seconds patience = LOCK_PATIENCE);
+               const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/replace_file.h"
+#include "base/whole_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
@@ -35,11 +35,18 @@ struct Source {
     Writers writers;
 };
 
-/// Why a file is not used; empty for a regular one, and for none.
+/// Why a file of that kind is not used; empty for a regular one, and for none.
 std::string reason_against(const Directory::Entry& entry) {
     if (entry.exists() && S_ISLNK(entry.status.st_mode)) return IS_A_SYMBOLIC_LINK;
     if (entry.exists() && !entry.is_regular()) return NOT_A_REGULAR_FILE;
-    return entry.exists() || entry.error == ENOENT ? "" : std::strerror(entry.error);
+    return "";
+}
+
+/// What stands under a name. Not to know that is no reason to take it for nothing.
+Directory::Entry seen(const std::string& name, const Work& work) {
+    const Directory::Entry entry = work.logs.look(name);
+    need(entry.error == ENOENT ? 0 : entry.error, name);
+    return entry;
 }
 
 /// stop, unless the token is down: then the log is left alone.
@@ -110,19 +117,16 @@ void finish(const LeftOver& ready, const Descriptor& file, const Log& log, const
 /// Renames a file to a taken one.
 void take(const std::string& name, const Log& log, const Work& work) {
     LeftOver taken = left_over(LeftOver::TAKEN, log.name, 0);
-    int error;
-    while ((error = work.logs.look(taken.name).error) == 0) {
+    while (seen(taken.name, work).exists()) {
         taken = left_over(LeftOver::TAKEN, log.name, taken.number + 1);
     }
-    need(error == ENOENT ? 0 : error, taken.name);
     need(work.logs.rename(name, taken.name), name);
 }
 
 /// Completes a pruning that was ended after its commit.
 void complete(const LeftOver& ready, const Log& log, const Work& work) {
     // With another name it may be a file that is none of ours.
-    const Directory::Entry entry = work.logs.look(ready.name);
-    need(entry.exists() && entry.status.st_nlink > 1 ? EMLINK : entry.error, ready.name);
+    need(seen(ready.name, work).status.st_nlink > 1 ? EMLINK : 0, ready.name);
     const Descriptor file = open_to_read(log.name, work, Moment::clock::now());
     if (file && fingerprint_of_log(file, ready.number) == ready.fingerprint) {
         return finish(ready, file, log, work);
@@ -133,16 +137,14 @@ void complete(const LeftOver& ready, const Log& log, const Work& work) {
 
 /// What is to be added of the left-overs. Those of which nothing is are removed.
 std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline) {
-    const Directory::Entry itself = work.logs.look(log.name);
-    need(itself.error == ENOENT ? 0 : itself.error);
+    const Directory::Entry itself = seen(log.name, work);
     std::vector<Source> sources;
     for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
         Descriptor file = open_to_read(one.name, work, deadline);
         if (!file) continue;
         const off_t from = one.kind == LeftOver::OLD ? one.number : 0;
         Source source = settled(std::move(file), from, one.name, work, deadline);
-        const Directory::Entry entry = work.logs.look(one.name);
-        need(entry.error, one.name);
+        const Directory::Entry entry = seen(one.name, work);
         // A run that was killed leaves the log itself under two names.
         if (source.to <= from || (itself.exists() && id_of(itself.status) == id_of(entry.status))) {
             need(work.logs.unlink(one.name), one.name);
@@ -254,8 +256,8 @@ void stop(const char* failure, const std::string& name, int error, const Work& w
 }
 
 void prepare(Log* log, const Work& work) {
-    const Directory::Entry companion = work.logs.look(log->companion);
-    const std::string reason = reason_against(work.logs.look(log->name));
+    const Directory::Entry companion = seen(log->companion, work);
+    const std::string reason = reason_against(seen(log->name, work));
     if (!reason.empty()) {
         const bool is_needed = companion.is_regular() && companion.status.st_size > 0;
         if (is_needed && work.logs.look(work.token).exists()) {
@@ -268,7 +270,7 @@ void prepare(Log* log, const Work& work) {
     }
     log->companion_reason = reason_against(companion);
     if (!companion.is_regular()) return;
-    if (!work.logs.look(log->name).exists()) make_log(log->name, work);
+    if (!seen(log->name, work).exists()) make_log(log->name, work);
     take(log->companion, *log, work);
 }
 

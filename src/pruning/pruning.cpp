@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/replace_file.h"
+#include "base/whole_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"

@@ -12,9 +12,9 @@
 
 #include "base/descriptor.h"
 #include "base/filled.h"
-#include "base/replace_file.h"
 #include "base/signals.h"
 #include "base/temporary_files.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/bit_names.h"
 #include "messages/environment.h"
@@ -111,12 +111,6 @@ Descriptor create_listed(const std::string& path) {
     return file;
 }
 
-/// 0, or an errno.
-int write_to_the_disk(const std::string& path, const std::string& text) {
-    Descriptor file = create_listed(path);
-    return file ? write_sync_close(file.release(), text) : errno;
-}
-
 }  // namespace
 
 bool csv_is_wanted() {
@@ -150,7 +144,8 @@ void store_csv(const std::string& path, const std::string& csv) {
     // Written first to a file of this process alone, in the same directory. That is on the list of
     // temporary files, so it goes whatever happens here.
     const std::string unfinished = path + "." + std::to_string(getpid());
-    int error = write_to_the_disk(unfinished, csv);
+    Descriptor file = create_listed(unfinished);
+    int error = file ? write_sync_close(file.release(), csv) : errno;
     if (error == 0 && std::rename(unfinished.c_str(), path.c_str()) != 0) error = errno;
     if (error != 0) gripe(filled(CANNOT_WRITE_CSV, path.c_str(), std::strerror(error)));
     forget_temporary_file(unfinished);

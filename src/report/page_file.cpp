@@ -6,23 +6,19 @@
 
 #include <cerrno>
 #include <cstring>
-#include <thread>
 
 #include "base/descriptor.h"
+#include "base/file_lock.h"
 #include "base/filled.h"
-#include "base/platform.h"
-#include "base/replace_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
+#include "base/waiting.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/graph_texts.h"
 #include "messages/startup_texts.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
-
-constexpr std::chrono::milliseconds PAUSE(10);
 
 /// How often a file is looked for that appears and goes again.
 constexpr int MOST_TRIES = 100;
@@ -63,7 +59,7 @@ struct Try {
 
 /// 0, or an errno. A file system across a network may say only at a close that its disk is full,
 /// so a second descriptor is closed while there is still one to take the page back with.
-int write_to_the_disk(const Descriptor& file, const std::string& text) {
+int write_and_close_once(const Descriptor& file, const std::string& text) {
     if (const int error = write_all(file.get(), text)) return error;
     Descriptor second(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
     return second ? second.close() : errno;
@@ -82,9 +78,9 @@ Try try_to_append(const std::string& path, const std::string& text, Share share)
     PageFile page = open_page(path, share);
     if (!page.file && errno == EEXIST) return {Tried::NAME_IS_TAKEN};
     if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
-    const int no_lock = lock_exclusively(page.file.get());
-    page.is_locked = no_lock == 0;
-    if (no_lock == EWOULDBLOCK || no_lock == EINTR) return {Tried::TRY_AGAIN};
+    const LockState lock = try_lock(page.file);
+    if (lock == LockState::KEPT_BY_ANOTHER) return {Tried::TRY_AGAIN};
+    page.is_locked = lock == LockState::HELD;
     struct stat before;
     if (fstat(page.file.get(), &before) != 0) {
         const std::string reason = std::strerror(errno);
@@ -96,7 +92,7 @@ Try try_to_append(const std::string& path, const std::string& text, Share share)
     if (before.st_nlink == 0) return {Tried::TRY_AGAIN};
     // Somebody's file may have been given the page's name, as by a link.
     if (before.st_nlink > 1) return {Tried::NOT_OPENED, HAS_ANOTHER_NAME};
-    const int error = write_to_the_disk(page.file, text);
+    const int error = write_and_close_once(page.file, text);
     if (error == 0) return {Tried::DONE};
     return {Tried::NOT_WRITTEN, std::strerror(error), take_back(page, before.st_size, path)};
 }
@@ -114,26 +110,26 @@ Try try_to_append(const std::string& path, const std::string& text, Share share)
 
 void append_page(const std::string& path, const std::string& page,
                  std::chrono::milliseconds patience) {
-    const auto end = Clock::now() + patience;
-    Try one = try_to_append(path, page, Share::WITH_OTHERS);
-    for (; one.end == Tried::TRY_AGAIN; one = try_to_append(path, page, Share::WITH_OTHERS)) {
-        if (Clock::now() >= end) tell({Tried::NOT_WRITTEN, LOCK_IS_KEPT}, path);
-        std::this_thread::sleep_for(PAUSE);
-    }
+    Try one = {};
+    const bool had_its_turn = succeeds_within(patience, [&] {
+        one = try_to_append(path, page, Share::WITH_OTHERS);
+        return one.end != Tried::TRY_AGAIN;
+    });
+    if (!had_its_turn) tell({Tried::NOT_WRITTEN, LOCK_IS_KEPT}, path);
     if (one.end != Tried::DONE) tell(one, path);
 }
 
 void create_page(std::string path, const std::string& page,
                  const std::function<std::string()>& next_path,
                  std::chrono::milliseconds patience) {
-    const auto end = Clock::now() + patience;
-    Try one = try_to_append(path, page, Share::WITH_NONE);
-    // A file that another page was quicker to lock is that one's.
-    while (one.end == Tried::NAME_IS_TAKEN || one.end == Tried::TRY_AGAIN) {
-        if (Clock::now() >= end) tell({Tried::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
-        std::this_thread::sleep_for(PAUSE);
-        path = next_path();
+    Try one = {};
+    int tries = 0;
+    const bool had_a_name = succeeds_within(patience, [&] {
+        if (tries++ > 0) path = next_path();
         one = try_to_append(path, page, Share::WITH_NONE);
-    }
+        // A file that another page was quicker to lock is that one's.
+        return one.end != Tried::NAME_IS_TAKEN && one.end != Tried::TRY_AGAIN;
+    });
+    if (!had_a_name) tell({Tried::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
     if (one.end != Tried::DONE) tell(one, path);
 }

@@ -1,20 +1,25 @@
 #!/usr/bin/env python3
 """Makes two edits of one gatebits file at the same moment, and looks whether one got lost.
 
-    edits_at_once.py GATESCOPE STAND_IN [--pairs N] [--jobs N] [--hard-links]
+    edits_at_once.py GATESCOPE STAND_IN [--pairs N] [--jobs N] [--hard-links | --history]
 
 Both runs are held at their last question until the other one is there too, and are then answered
 together. What an edit does is learnt from a run of its own. Afterwards the file has to show what
 each edit does that was not refused, and nothing else; and an edit may be refused only when the
 other one changes what its operator was shown.
+
+With --history all pairs are of one file, one after the other, and are recorded: the text saved with
+each record has to become the next one's by what the record says.
 """
 
 import argparse
 import collections
 import concurrent.futures
 import itertools
+import json
 import os
 import random
+import shutil
 import subprocess
 import sys
 import tempfile
@@ -131,6 +136,8 @@ class Stage:
         environment = {"PATH": self.path(side + "/bin") + ":/usr/bin:/bin", "tmp": self.path(side),
                        "CLEARCASE_USER": "operator", "OTHER": self.path(other) if other else "",
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.policy}
+        if os.path.exists(self.path("history")):
+            environment["ZUL_GATESCOPE_HISTORY"] = self.path("history")
         return subprocess.Popen([self.gatescope, "A=%d" % action, "R=n"], env=environment,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
@@ -184,6 +191,48 @@ def fault_of(programs, pair, effects, hard_link):
         return None
 
 
+def numbered_edit(kind, number):
+    """An edit that can be made again and again, each time with another result."""
+    word = "number_%d" % number
+    return [(13, [text(word), meet(YES)]),
+            (12, [text("(%s)" % word), meet(YES)]),
+            (22, [text(""), text(word + ";"), meet(YES), CANCEL]),
+            (17, [text(word), text("(e)"), meet(YES)]),
+            (24, [text("03 "), text(word), meet(YES)])][kind]
+
+
+def fault_of_link(record, before, after):
+    """What is wrong when the record's change should have made one text of the other."""
+    gone, come = contents(before) - contents(after), contents(after) - contents(before)
+    values = [[part[-1].strip() if isinstance(part, tuple) else part for part in parts.elements()]
+              for parts in (gone, come)]
+    said = [[] if record[member] is None else [record[member].strip()] for member in ("from", "to")]
+    return None if values == said else "%s: it made %s of %s" % (record, values[1], values[0])
+
+
+def fault_of_history(programs, pairs):
+    """Makes so many pairs of changes of one file. What is wrong with their records, or None."""
+    with tempfile.TemporaryDirectory() as directory:
+        stage = Stage(programs, directory)
+        os.mkdir(stage.path("history"))
+        # Kinds that have nothing in common, so that neither change is refused.
+        kinds = itertools.cycle(itertools.permutations(range(5), 2))
+        for number, (first, second) in enumerate(itertools.islice(kinds, pairs)):
+            for side in ("first", "second"):
+                shutil.rmtree(stage.path(side), ignore_errors=True)
+            runs = [stage.start(numbered_edit(first, 2 * number), "first", "second"),
+                    stage.start(numbered_edit(second, 2 * number + 1), "second", "first")]
+            if [run.wait() for run in runs] != [110, 110]:
+                return "a pair of the kinds %d and %d ended otherwise" % (first, second)
+        with open(stage.path("history/changes.jsonl")) as lines:
+            records = [json.loads(line) for line in lines]
+        texts = [stages.read(stage.path("history/" + record["saved"])) for record in records]
+        if len(records) != 2 * pairs or texts[0] != GATEBITS:
+            return "%d records, the first of %r" % (len(records), texts[0])
+        links = zip(records, texts, texts[1:] + [stages.read(stage.policy)])
+        return next(filter(None, itertools.starmap(fault_of_link, links)), None)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("gatescope")
@@ -192,8 +241,13 @@ def main():
     parser.add_argument("--jobs", type=int, default=2)
     parser.add_argument("--hard-links", action="store_true",
                         help="give the gatebits file a second name, so that it is rewritten in place")
+    parser.add_argument("--history", action="store_true", help="record pairs of changes of one file")
     options = parser.parse_args()
     programs = options.gatescope, options.stand_in
+    if options.history:
+        fault = fault_of_history(programs, options.pairs)
+        print(fault or "%d pairs of changes, and all of their records fit" % options.pairs)
+        return 1 if fault else 0
     # Each kind with each other in turn, in an order that is the same in every run.
     kinds = list(itertools.product(EDITS, EDITS))
     random.Random(1).shuffle(kinds)

@@ -14,6 +14,7 @@ import argparse
 import collections
 import concurrent.futures
 import contextlib
+import json
 import os
 import re
 import shutil
@@ -73,6 +74,10 @@ class Edit:
     long = False
     # Who runs it, when it is not the one who runs this.
     user = None
+    # The status with which it ends when it is done.
+    status = STATUS_OF_A_DONE_EDIT
+    # What its environment has besides.
+    environment = {}
 
     def __init__(self, arguments, answers, result="gatebits.txt", shows="", always=None):
         self.arguments = arguments
@@ -86,6 +91,9 @@ class Edit:
 
     def furnish(self, stage):
         pass
+
+    def command(self, gatescope, stage):
+        return [gatescope, "F=" + os.path.join(stage, "gatebits.txt")] + self.arguments
 
     def state(self, stage):
         """What the edit is about: the bytes of its file, or None when there is none."""
@@ -353,6 +361,85 @@ class Page(Edit):
         return self.fault_of_files(state, new, lambda name, text: self.always and not text)
 
 
+class Recorded(Edit):
+    """An edit with a history: whenever the file is the new one, its record and the old text are
+    there, and each line is JSON."""
+
+    environment = {"ZUL_GATESCOPE_HISTORY": "{stage}/history"}
+
+    def furnish(self, stage):
+        super().furnish(stage)
+        os.mkdir(os.path.join(stage, "history"))
+
+    def records(self, stage):
+        lines = bytes_of(os.path.join(stage, "history", "changes.jsonl")) or b""
+        return [json.loads(line) for line in lines.split(b"\n")[:-1]]
+
+    def fault_of_history(self, stage, old):
+        lines = bytes_of(os.path.join(stage, "history", "changes.jsonl")) or b""
+        if lines and not lines.endswith(b"\n"):
+            return "a line has no end: %r" % lines
+        records = self.records(stage)
+        saved = {record["saved"]: bytes_of(os.path.join(stage, "history", record["saved"]))
+                 for record in records if record["saved"]}
+        if None in saved.values():
+            return "texts of records are missing: %s" % saved
+        if self.state(stage) != old:
+            last = records[-1] if records else None
+            path = os.path.realpath(os.path.join(stage, self.result))
+            if not last or last["file"] != path or saved.get(last["saved"]) != old:
+                return "the file is new, and its last record is %s" % last
+        return None
+
+    def fault_after_kill(self, stage, old, new, gatescope):
+        return (super().fault_after_kill(stage, old, new, gatescope) or
+                self.fault_of_history(stage, old))
+
+    def fault_after_error(self, stage, old, new, run, gatescope):
+        seen = (super().fault_after_error(stage, old, new, run, gatescope) or
+                self.fault_of_history(stage, old))
+        # Where it could be taken back, there is no record of what was not done.
+        may_stay = run.disturbed.startswith("ftruncate") or "may be damaged" in run.said
+        if not seen and self.state(stage) == old and not may_stay:
+            stays = self.records(stage)[self.earlier:]
+            return "a change that was not made stays in the history: %s" % stays if stays else None
+        return seen
+
+    # Records that stand there before.
+    earlier = 0
+
+    def leftovers(self, stage):
+        named = {record["saved"] for record in self.records(stage)}
+        others = [name for name in os.listdir(os.path.join(stage, "history"))
+                  if name != "changes.jsonl" and name not in named]
+        return others + [name for name in super().leftovers(stage) if name != "history"]
+
+
+class RecordedInPlace(Recorded, InPlace):
+    pass
+
+
+class Restored(Recorded):
+    """What gatescope-history puts back."""
+
+    status = 0
+    earlier = 1
+
+    def furnish(self, stage):
+        super().furnish(stage)
+        history = os.path.join(stage, "history")
+        with open(os.path.join(history, "first.txt"), "w") as saved:
+            saved.write(BLOCK.format(stage=stage).replace("old message", "first message"))
+        record = dict.fromkeys(("time", "operator", "host", "action", "item", "from", "to"), "x")
+        record.update(file=os.path.realpath(os.path.join(stage, "gatebits.txt")), uid=0,
+                      saved="first.txt")
+        with open(os.path.join(history, "changes.jsonl"), "w") as lines:
+            lines.write(json.dumps(record, separators=(",", ":")) + "\n")
+
+    def command(self, gatescope, stage):
+        return [gatescope + "-history", "restore", "1"]
+
+
 EDITS = {
     "field": Edit(["A=13", "R=n"], [text("new (message) ~adm"), YES],
                   shows=";new (message) ~adm ;"),
@@ -379,6 +466,16 @@ EDITS = {
                    shows="{region Name}"),
     "copy": Edit(["A=27", "R=n"], [text("{stage}/gatebits.txt"), text("{stage}/copy.txt")],
                  result="copy.txt", shows="old message"),
+    "field_recorded": Recorded(["A=13", "R=n"], [text("new (message) ~adm"), YES],
+                               shows=";new (message) ~adm ;"),
+    "field_in_place_recorded": RecordedInPlace(
+        ["A=13", "R=n"], [text("new (message) ~adm and more of it"), YES],
+        shows=";new (message) ~adm and more of it;"),
+    "alias_deleted_recorded": Recorded(
+        ["A=18", "R=n"], [text("#!gatewarden_alias adm (root)"), YES], shows="; (a) ;"),
+    "create_recorded": Recorded(["A=26", "R=n"], [text("{stage}/new.txt"), CANCEL],
+                                result="new.txt", shows="{region Name}"),
+    "restored": Restored([], [], shows="first message"),
     "page": Page(),
     "page_without_locks": Page(always="flock:error=ENOLCK"),
     "prune": Prune(),
@@ -416,7 +513,8 @@ class Run:
     def __init__(self, gatescope, edit, stage, injection=None, trace=None, meanwhile=None):
         self.seen = None
         injections = [one for one in (injection, edit.always) if one]
-        command = [gatescope, "F=" + os.path.join(stage, "gatebits.txt")] + edit.arguments
+        command = edit.command(gatescope, stage)
+        self.done = edit.status
         if injections or trace:
             # Without -f: the children are left alone.
             strace = ["strace", "-qq", "-o", trace or "/dev/null"]
@@ -430,6 +528,8 @@ class Run:
             "CLEARCASE_USER": "op", "ZUL_PREFER_NO_GUI": "yes", "HOME": stage,
             "ZUL_GATESCOPE_CSV": "yes",
         }
+        environment |= {name: value.replace("{stage}", stage)
+                        for name, value in edit.environment.items()}
         process = subprocess.Popen(command, env=environment, cwd=stage, stdin=subprocess.DEVNULL,
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                    user=edit.user, group=edit.user, extra_groups=[] if edit.user else None)
@@ -470,7 +570,7 @@ class Run:
 
     def told(self):
         """Whether the operator learns that it was not done: by an error, or another question."""
-        return self.status != STATUS_OF_A_DONE_EDIT or self.asks_otherwise
+        return self.status != self.done or self.asks_otherwise
 
 
 def set_the_stage(stage, stand_in, edit):
@@ -563,7 +663,7 @@ def disturbed(gatescope, stand_in, name, edit, expected, free, injection, kind, 
             fault = after(stage, old, new, gatescope)
         else:
             # It came too late, or a call was not repeated exactly.
-            fault = None if run.status == STATUS_OF_A_DONE_EDIT else "it did not end by the signal"
+            fault = None if run.status == edit.status else "it did not end by the signal"
         # What is killed leaves something behind, and what cannot be removed stays.
         left = edit.leftovers(stage)
         if not fault and left and kind != KILL and not injection.startswith("unlink:error"):
@@ -585,7 +685,7 @@ def learn(gatescope, stand_in, name, edit, stage, root):
     run = Run(gatescope, edit, stage, trace=trace)
     edit.asked = run.asked
     new = edit.state(stage)
-    if run.status != STATUS_OF_A_DONE_EDIT or new == old or edit.shows not in repr(new) + run.said:
+    if run.status != edit.status or new == old or edit.shows not in repr(new) + run.said:
         sys.exit("%s, undisturbed, ended with %d, said %r and left %r" %
                  (name, run.status, run.said, new))
     if run.misfits:

@@ -4,8 +4,9 @@
 
 #include "base/replace_file.h"
 #include "base/temporary_files.h"
-#include "dialog/messages.h"
 #include "faults/in_child.h"
+#include "policy/history.h"
+#include "policy/write_failure.h"
 #include "support/failing_sync.h"
 #include "support/scratch_directory.h"
 
@@ -26,7 +27,8 @@ class FailingDisk : public testing::Test {
             write_file(copy, NEW_TEXT);
             remember_temporary_file(copy);
             good_syncs = good;
-            if (const auto failure = replace_file(file, NEW_TEXT, copy)) gripe(failure->message);
+            if (const auto failure = replace_file(file, NEW_TEXT, copy))
+                gripe_not_replaced(*failure, file, copy);
         });
     }
     [[nodiscard]] std::string told(const std::string& state) const {
@@ -76,6 +78,28 @@ TEST_F(FailingDisk, ATextInPlaceThatItDoesNotKeepIsInTheCopy) {
     EXPECT_EQ(ended.said,
               told("(" + file + ") may be damaged.  Its complete new text is in (" + copy + ")."));
     EXPECT_EQ(file_text(copy), NEW_TEXT);
+}
+
+TEST_F(FailingDisk, AChangeWhoseRecordItDoesNotKeepIsNotMade) {
+    std::filesystem::create_directory(directory / "history");
+    setenv("ZUL_GATESCOPE_HISTORY", (directory / "history").c_str(), 1);
+    // The text, the directory and the lines.
+    for (const int good : {0, 1, 2}) {
+        const Ended ended = in_child([&] {
+            good_syncs = good;
+            record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"});
+        });
+        EXPECT_EQ(ended.status, 99) << good;
+        EXPECT_TRUE(ended.said.ends_with("): Input/output error.\n")) << ended.said;
+        EXPECT_EQ(file_text(directory / "history/changes.jsonl"), "") << good;
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(directory / "history"), {}), 1);
+    }
+    EXPECT_EQ(in_child([&] {
+                  good_syncs = 3;
+                  record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"});
+              }).status,
+              0);
+    unsetenv("ZUL_GATESCOPE_HISTORY");
 }
 
 }  // namespace

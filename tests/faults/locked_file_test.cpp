@@ -22,7 +22,7 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
         TEMP_DIR = directory / "";
         change(
             file, {Gatebits(std::string()), nothing},
-            [](const Gatebits& now) { return set_a_line(now, 1, "two;"); },
+            [](const Gatebits& now) { return set_a_line(now, 1, "two;"); }, {},
             std::chrono::seconds(1));
     });
     EXPECT_EQ(ended.status, 99);

@@ -13,11 +13,11 @@
 
 #include "base/signals.h"
 #include "base/temporary_files.h"
-#include "dialog/messages.h"
 #include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "faults/small_disk.h"
 #include "support/needs.h"
+#include "policy/write_failure.h"
 #include "support/scratch_directory.h"
 
 namespace {
@@ -43,7 +43,9 @@ class ReplaceFile : public testing::Test {
     void replace(const std::string& path, const std::string& text) const {
         write_file(copy, text);
         remember_temporary_file(copy);
-        if (const auto failure = replace_file(path, text, copy)) gripe(failure->message);
+        if (const auto failure = replace_file(path, text, copy)) {
+            gripe_not_replaced(*failure, path, copy);
+        }
     }
     Ended replaced(const std::string& text = NEW) const {
         return in_child([&] { replace(file, text); });
@@ -414,7 +416,8 @@ TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
-        if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
+        if (const auto failure = replace_file(file, NEW, copy))
+            gripe_not_replaced(*failure, file, copy);
     });
     expect_says_unchanged(ended, file, EFBIG);
     EXPECT_EQ(file_text(file), OLD);
@@ -428,7 +431,8 @@ TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
-        if (const auto failure = replace_file(file, NEW, copy)) gripe(failure->message);
+        if (const auto failure = replace_file(file, NEW, copy))
+            gripe_not_replaced(*failure, file, copy);
     });
     expect_says_unchanged(ended, file, EFBIG);
     EXPECT_EQ(file_text(file), OLD);

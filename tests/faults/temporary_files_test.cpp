@@ -7,10 +7,10 @@
 
 #include <functional>
 
-#include "base/process_end.h"
 #include "base/run_identity.h"
 #include "dialog/answer_file.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "dialog/prompts.h"
 #include "dialog/toolkit.h"
 #include "faults/append_only.h"
@@ -89,7 +89,8 @@ TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
                       change(region.gatebits_path(), {Gatebits(std::string()), nothing},
                              [](const Gatebits& now) {
                                  return set_a_field(now, {2, 3, "S"});
-                             });
+                             },
+                             {});
                   }).status,
                   0);
         EXPECT_EQ(region.gatebits(), CHANGED);

@@ -54,7 +54,7 @@ void change_an_alias(FuzzedDataProvider& data, const Aliases& aliases) {
     const auto rests_on = [&](const Gatebits& file) { return definition_of(wanted.name, file); };
     const Changed changed =
         change(gatebits_path(), {read_gatebits(gatebits_path()), rests_on},
-               [&](const Gatebits& now) { return add_change_remove_an_alias(now, wanted); });
+               [&](const Gatebits& now) { return add_change_remove_an_alias(now, wanted); }, {});
     report_of_alias_change(changed.before, wanted);
 }
 

@@ -5,7 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
+#include <string>
+#include <string_view>
 
 #include "fuzz/fuzz_world.h"
 
@@ -38,16 +41,30 @@ bool may_change() {
     return next_change() == Change::MADE;
 }
 
-bool may_change(const char* path) {
-    must(only_directory.empty() || std::string_view(path).starts_with(only_directory),
+/// Whether a path that begins at an open directory leads to something in the world's.
+bool is_in_the_world(int directory, std::string_view path) {
+    if (directory == AT_FDCWD || path.starts_with("/")) return path.starts_with(only_directory);
+    char place[PATH_MAX];
+    const std::string name = "/proc/self/fd/" + std::to_string(directory);
+    const ssize_t size = readlink(name.c_str(), place, sizeof(place));
+    if (size <= 0 || path.find('/') != std::string_view::npos) return false;
+    return (std::string(place, static_cast<std::size_t>(size)) + "/").starts_with(only_directory);
+}
+
+bool may_change(int directory, const char* path) {
+    must(only_directory.empty() || is_in_the_world(directory, path),
          "what is changed is in the world's directory");
     return may_change();
 }
 
-bool may_remove(const char* path) {
-    if (may_change(path)) return true;
+bool may_remove(int directory, const char* path) {
+    if (may_change(directory, path)) return true;
     failed_to_remove = true;
     return false;
+}
+
+bool may_look() {
+    return !trouble.of_looks_too || may_change();
 }
 
 }  // namespace
@@ -75,43 +92,48 @@ bool ChangesOnlyIn::has_failed_to_remove() {
 // The linker sends every call of f to __wrap_f, and every call of __real_f to f.
 extern "C" {
 
-int __real_open(const char* path, int flags, mode_t mode);
+int __real_openat(int directory, const char* path, int flags, mode_t mode);
 ssize_t __real_write(int descriptor, const void* bytes, std::size_t size);
 int __real_fsync(int descriptor);
 int __real_ftruncate(int descriptor, off_t size);
 int __real_fchmod(int descriptor, mode_t mode);
 int __real_chmod(const char* path, mode_t mode);
 int __real_futimens(int descriptor, const timespec times[2]);
-int __real_unlink(const char* path);
-int __real_rename(const char* from, const char* to);
+int __real_fstatat(int directory, const char* path, struct stat* status, int flags);
+int __real_unlinkat(int directory, const char* path, int flags);
+int __real_renameat(int from_directory, const char* from, int to_directory, const char* to);
 int __real_mkostemp(char* path, int flags);
 int __real_remove(const char* path);
-int __real_fallocate(int descriptor, int mode, off_t offset, off_t size);
-int __real_link(const char* from, const char* to);
+int __real_linkat(int from_directory, const char* from, int to_directory, const char* to,
+                  int flags);
 int __real_renameat2(int from_directory, const char* from, int to_directory, const char* to,
                      unsigned flags);
 
 // These are of no concern to files in memory.
 
-int __wrap_fallocate(int descriptor, int mode, off_t offset, off_t size) {
-    return may_change() ? __real_fallocate(descriptor, mode, offset, size) : -1;
+int __wrap_linkat(int from_directory, const char* from, int to_directory, const char* to,
+                  int flags) {
+    return may_change(to_directory, to)
+               ? __real_linkat(from_directory, from, to_directory, to, flags)
+               : -1;
 }
 
 int __wrap_link(const char* from, const char* to) {
-    return may_change(to) ? __real_link(from, to) : -1;
+    return __wrap_linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
 int __wrap_renameat2(int from_directory, const char* from, int to_directory, const char* to,
                      unsigned flags) {
-    return may_change(from) && may_change(to)
+    return may_change(from_directory, from) && may_change(to_directory, to)
                ? __real_renameat2(from_directory, from, to_directory, to, flags)
                : -1;
 }
 }
 
-int disk_open(const char* path, int flags, mode_t mode) {
+int disk_open(int directory, const char* path, int flags, mode_t mode) {
     const bool changes_something = (flags & (O_CREAT | O_TRUNC)) != 0;
-    return !changes_something || may_change(path) ? __real_open(path, flags, mode) : -1;
+    const bool may = changes_something ? may_change(directory, path) : may_look();
+    return may ? __real_openat(directory, path, flags, mode) : -1;
 }
 
 ssize_t disk_write(int descriptor, const void* bytes, std::size_t size) {
@@ -141,25 +163,32 @@ int disk_fchmod(int descriptor, mode_t mode) {
 }
 
 int disk_chmod(const char* path, mode_t mode) {
-    return may_change(path) ? __real_chmod(path, mode) : -1;
+    return may_change(AT_FDCWD, path) ? __real_chmod(path, mode) : -1;
 }
 
 int disk_futimens(int descriptor, const timespec times[2]) {
     return may_change() ? __real_futimens(descriptor, times) : -1;
 }
 
-int disk_unlink(const char* path) {
-    return may_remove(path) ? __real_unlink(path) : -1;
+int disk_look(int directory, const char* path, struct stat* status, int flags) {
+    return may_look() ? __real_fstatat(directory, path, status, flags) : -1;
 }
 
-int disk_rename(const char* from, const char* to) {
-    return may_change(to) ? __real_rename(from, to) : -1;
+int disk_unlink(int directory, const char* path, int flags) {
+    return may_remove(directory, path) ? __real_unlinkat(directory, path, flags) : -1;
+}
+
+int disk_rename(int from_directory, const char* from, int to_directory, const char* to) {
+    must(only_directory.empty() || is_in_the_world(from_directory, from),
+         "what is renamed is in the world's directory");
+    return may_change(to_directory, to) ? __real_renameat(from_directory, from, to_directory, to)
+                                        : -1;
 }
 
 int disk_mkostemp(char* path, int flags) {
-    return may_change(path) ? __real_mkostemp(path, flags) : -1;
+    return may_change(AT_FDCWD, path) ? __real_mkostemp(path, flags) : -1;
 }
 
 int disk_remove(const char* path) {
-    return may_remove(path) ? __real_remove(path) : -1;
+    return may_remove(AT_FDCWD, path) ? __real_remove(path) : -1;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstddef>
@@ -22,6 +23,9 @@ struct Trouble {
     bool for_good = true;
     /// Whether a write that it begins with is made by half.
     bool tears = false;
+    /// Whether opening a file and looking at a name in an open directory count as changes, and fail
+    /// like them.
+    bool of_looks_too = false;
     /// The errno of what fails.
     int error = 0;
 };
@@ -40,14 +44,16 @@ class ChangesOnlyIn {
     [[nodiscard]] static bool has_failed_to_remove();
 };
 
-int disk_open(const char* path, int flags, mode_t mode);
+// A relative path begins at the open `directory`.
+int disk_open(int directory, const char* path, int flags, mode_t mode);
 ssize_t disk_write(int descriptor, const void* bytes, std::size_t size);
 int disk_fsync(int descriptor);
 int disk_ftruncate(int descriptor, off_t size);
 int disk_fchmod(int descriptor, mode_t mode);
 int disk_chmod(const char* path, mode_t mode);
 int disk_futimens(int descriptor, const timespec times[2]);
-int disk_unlink(const char* path);
-int disk_rename(const char* from, const char* to);
+int disk_look(int directory, const char* path, struct stat* status, int flags);
+int disk_unlink(int directory, const char* path, int flags);
+int disk_rename(int from_directory, const char* from, int to_directory, const char* to);
 int disk_mkostemp(char* path, int flags);
 int disk_remove(const char* path);

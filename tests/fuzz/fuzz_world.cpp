@@ -5,9 +5,9 @@
 #include <fstream>
 
 #include "base/child.h"
-#include "base/process_end.h"
 #include "base/run_identity.h"
 #include "base/temporary_files.h"
+#include "dialog/process_end.h"
 #include "fuzz/memory_files.h"
 #include "messages/identity.h"
 #include "messages/policy_texts.h"

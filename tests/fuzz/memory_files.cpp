@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/types.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -160,12 +159,21 @@ FILE* __real_fdopen(int descriptor, const char* mode);
 int __real_fileno(FILE* stream);
 int __real_fclose(FILE* stream);
 
+int __wrap_openat(int directory, const char* path, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
+    va_end(rest);
+    return is_ours(path) ? open_in_memory(path, flags, mode)
+                         : disk_open(directory, path, flags, mode);
+}
+
 int __wrap_open(const char* path, int flags, ...) {
     va_list rest;
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return is_ours(path) ? open_in_memory(path, flags, mode) : disk_open(path, flags, mode);
+    return __wrap_openat(AT_FDCWD, path, flags, mode);
 }
 
 int __wrap_close(int descriptor) {
@@ -235,6 +243,10 @@ int __wrap_lstat(const char* path, struct stat* status) {
     return is_ours(path) ? describe(path, status) : __real_lstat(path, status);
 }
 
+int __wrap_fstatat(int directory, const char* path, struct stat* status, int flags) {
+    return is_ours(path) ? describe(path, status) : disk_look(directory, path, status, flags);
+}
+
 int __wrap_fstat(int descriptor, struct stat* status) {
     if (descriptor < FIRST_DESCRIPTOR) return __real_fstat(descriptor, status);
     const OpenFile* const open = open_file(descriptor);
@@ -272,22 +284,25 @@ ssize_t __wrap_flistxattr(int descriptor, char* list, std::size_t size) {
     return open_file(descriptor) == nullptr ? -1 : 0;
 }
 
+int __wrap_unlinkat(int directory, const char* path, int flags) {
+    if (!is_ours(path)) return disk_unlink(directory, path, flags);
+    return files.erase(path) == 1 ? 0 : failed(ENOENT);
+}
+
 int __wrap_unlink(const char* path) {
-    if (!is_ours(path)) return disk_unlink(path);
-    const auto found = files.find(std::string_view(path));
-    if (found == files.end()) return failed(ENOENT);
-    files.erase(found);
+    return __wrap_unlinkat(AT_FDCWD, path, 0);
+}
+
+int __wrap_renameat(int from_directory, const char* from, int to_directory, const char* to) {
+    if (!is_ours(from)) return disk_rename(from_directory, from, to_directory, to);
+    const auto file = files.extract(from);
+    if (file.empty()) return failed(ENOENT);
+    files[to] = file.mapped();
     return 0;
 }
 
 int __wrap_rename(const char* from, const char* to) {
-    if (!is_ours(from)) return disk_rename(from, to);
-    const auto found = files.find(std::string_view(from));
-    if (found == files.end()) return failed(ENOENT);
-    const auto file = found->second;
-    files.erase(found);
-    files[to] = file;
-    return 0;
+    return __wrap_renameat(AT_FDCWD, from, AT_FDCWD, to);
 }
 
 int __wrap_mkostemp(char* path, int flags) {

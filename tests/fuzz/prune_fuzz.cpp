@@ -1,8 +1,8 @@
 // A region's logs in whatever state, pruned: to the end, up to any of its changes, and once more.
 
-#include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "base/temporary_files.h"
@@ -35,62 +35,87 @@ std::string some_text(FuzzedDataProvider& data, std::int64_t cut_off) {
     return result;
 }
 
-/// Names that go on as one of pruning's own might: a 'D' and an 'I' in it become numbers of a log.
-std::string some_left_over_name(FuzzedDataProvider& data, const std::string& log) {
-    struct stat status = {};
-    stat(log.c_str(), &status);
-    std::string name = log;
-    for (const char character : data.ConsumeRandomLengthString(40)) {
-        if (character == 'D') {
-            name += std::to_string(status.st_dev);
-        } else if (character == 'I') {
-            name += std::to_string(status.st_ino);
-        } else if (character != '/' && character != '\0') {
-            name += character;
-        }
+Kind some_kind(FuzzedDataProvider& data) {
+    constexpr Kind KINDS[] = {Kind::FILE,
+                              Kind::FILE,
+                              Kind::FILE,
+                              Kind::FILE,
+                              Kind::FILE,
+                              Kind::FILE,
+                              Kind::FILE,
+                              Kind::WITH_SECOND_NAME,
+                              Kind::LINKED_FILE,
+                              Kind::LINKED_DIRECTORY,
+                              Kind::LINK_TO_NOTHING,
+                              Kind::RING,
+                              Kind::PIPE,
+                              Kind::DIRECTORY};
+    return data.PickValueInArray(KINDS);
+}
+
+/// Something beside a log, or beside a companion, under a name as pruning gives them, or under one
+/// that goes on as it likes.
+void plant_beside(FuzzedDataProvider& data, int number, Kind kind, const std::string& text,
+                  bool is_private, PrunedRegion* region) {
+    const std::string& directory = region->logging_dir();
+    const std::string log = log_file_path(directory, number);
+    const std::string name = data.ConsumeBool() ? pruning_companion_path(directory, number) : log;
+    const auto size = data.ConsumeIntegralInRange<std::size_t>(0, 400);
+    switch (data.ConsumeIntegralInRange(0, 5)) {
+        case 0:
+            return region->plant(log + ".taken_" + std::to_string(size % 3), kind, text,
+                                 is_private);
+        case 1:
+            return region->plant(log + ".old_" + std::to_string(size), kind, text, is_private);
+        case 2:
+        case 3:
+            // Nothing but a file gets a name that tells of the log's bytes.
+            return region->plant_ready_text(number, size, data.ConsumeBool(),
+                                            kind == Kind::WITH_SECOND_NAME ? kind : Kind::FILE,
+                                            text, is_private);
+        case 4:
+            return region->plant_name_of_log(number, data.ConsumeBool()
+                                                         ? pruning_companion_path(directory, number)
+                                                         : log + ".old_" + std::to_string(size));
+        default:
+            std::string rest = data.ConsumeRandomLengthString(40);
+            std::erase_if(rest, [](char one) { return one == '/' || one == '\0'; });
+            return region->plant(name + "." + rest, kind, text, is_private);
     }
-    return name == log ? log + "~" : name;
 }
 
 void plant_something(FuzzedDataProvider& data, std::int64_t cut_off, PrunedRegion* region) {
     const std::string& directory = region->logging_dir();
     const int number = data.PickValueInArray(NUMBERS);
-    constexpr Kind KINDS[] = {Kind::FILE, Kind::FILE,        Kind::FILE,
-                              Kind::FILE, Kind::LINKED_FILE, Kind::RING,
-                              Kind::PIPE, Kind::DIRECTORY,   Kind::LINK_TO_NOTHING};
-    const Kind kind = data.PickValueInArray(KINDS);
+    const Kind kind = some_kind(data);
     const std::string text = some_text(data, cut_off);
     const bool is_private = data.ConsumeBool();
-    const std::string log = log_file_path(directory, number);
-    const std::string companion = pruning_companion_path(directory, number);
-    switch (data.ConsumeIntegralInRange(0, 9)) {
+    switch (data.ConsumeIntegralInRange(0, 12)) {
         case 0:
         case 1:
         case 2:
         case 3:
-            return region->plant(log, kind, text, is_private);
+            return region->plant(log_file_path(directory, number), kind, text, is_private);
         case 4:
         case 5:
         case 6:
-            return region->plant(companion, kind, text, is_private);
+            return region->plant(pruning_companion_path(directory, number), kind, text, is_private);
         case 7:
             return region->plant(pruning_token_path(directory), kind, text, is_private);
         case 8:
             return region->plant(pruning_scratch_path(directory), kind, text, is_private);
         default:
-            // A directory could be in the way of a name that nobody can guess.
-            return region->plant_left_over(
-                some_left_over_name(data, data.ConsumeBool() ? log : companion),
-                kind == Kind::PIPE || kind == Kind::RING ? kind : Kind::FILE, text);
+            return plant_beside(data, number, kind, text, is_private, region);
     }
 }
 
 Trouble some_trouble(FuzzedDataProvider& data) {
     constexpr int ERRORS[] = {EIO, ENOSPC, EACCES, EINVAL, EOPNOTSUPP, EEXIST};
     Trouble trouble;
-    trouble.after = data.ConsumeIntegralInRange(0, 80);
+    trouble.after = data.ConsumeIntegralInRange(0, 160);
     trouble.for_good = data.ConsumeBool();
     trouble.tears = data.ConsumeBool();
+    trouble.of_looks_too = data.ConsumeBool();
     trouble.error = trouble.for_good || trouble.tears ? EIO : data.PickValueInArray(ERRORS);
     return trouble;
 }
@@ -102,7 +127,8 @@ int prune(const PrunedRegion& region, int days, const Trouble& trouble = {}) {
         prune_logging_files({region.logging_dir(), "east"}, static_cast<std::uint8_t>(days));
     });
     // An error leaves it for the end of the process.
-    forget_temporary_file(pruning_token_path(region.logging_dir()));
+    const std::string token = pruning_token_path(region.logging_dir());
+    forget_temporary_file(token.substr(token.rfind('/') + 1));
     return status;
 }
 
@@ -112,16 +138,22 @@ bool was_told(const std::string& text) {
            last_command.find("\n" + text) != std::string::npos;
 }
 
-void must_be_pruned(const PrunedRegion& region, int torn) {
-    for (const std::string& log : region.unusable()) {
-        must(was_told("The log file (" + log + ") was left as it is: "), "a log is named");
+/// Whether something was in the way of the pruning, by what it says.
+bool was_hindered(const PrunedRegion& region) {
+    return std::ranges::any_of(region.obstacles(),
+                               [](const auto& one) { return was_told(one.failure); });
+}
+
+void must_be_pruned(const PrunedRegion& region, bool beside_a_writer) {
+    for (const std::string& path : region.unusable()) {
+        must(was_told("The log file (" + path + ") was left as it is: "), "a log is named");
     }
-    region.check(torn);
+    region.check(beside_a_writer);
 }
 
 /// Prunes a region up to some trouble, or while a log writer comes by, and lets log writers go on
-/// then. `*torn` counts the parts of records that it may have left.
-void prune_in_trouble(FuzzedDataProvider& data, int days, PrunedRegion* region, int* torn) {
+/// then.
+void prune_in_trouble(FuzzedDataProvider& data, int days, PrunedRegion* region) {
     Trouble trouble = some_trouble(data);
     if (data.ConsumeIntegralInRange(0, 3) == 3) {
         const int number = data.PickValueInArray(NUMBERS);
@@ -129,15 +161,27 @@ void prune_in_trouble(FuzzedDataProvider& data, int days, PrunedRegion* region, 
         trouble.meanwhile = [=] { region->write_record(number, is_kept); };
     }
     const int status = prune(*region, days, trouble);
-    if (trouble.meanwhile) {
-        if (status == -1) must_be_pruned(*region, *torn);
-    } else if (trouble.tears) {
-        ++*torn;
-    }
+    region->check_in_between();
+    if (trouble.meanwhile && status == -1 && !was_hindered(*region)) must_be_pruned(*region, true);
     for (int records = data.ConsumeIntegralInRange(0, 2); records > 0; --records) {
         const int number = data.PickValueInArray(NUMBERS);
         region->write_record(number, data.ConsumeBool());
     }
+}
+
+/// Prunes a region, and takes away what it says is in its way. True when nothing was.
+bool prune_to_the_end(int days, PrunedRegion* region) {
+    const int status = prune(*region, days);
+    const auto obstacles = region->obstacles();
+    const bool is_hindered = was_hindered(*region);
+    must(is_hindered || (status == -1 &&
+                         std::ranges::none_of(obstacles, &PrunedRegion::Obstacle::is_always_met)),
+         "pruning comes to its end unless something is in its way, and says what");
+    if (!is_hindered) return true;
+    region->check_in_between();
+    region->remove(obstacles);
+    must(prune(*region, days) == -1, "pruning comes to its end");
+    return false;
 }
 
 /// What was there before anything was opened, for looking at what stays open.
@@ -163,20 +207,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     region.begin();
 
-    int torn = 0;
     const int troubles = data.ConsumeIntegralInRange(0, 2);
-    for (int i = 0; i < troubles; ++i) prune_in_trouble(data, days, &region, &torn);
-    int status = prune(region, days);
-    bool is_first = troubles == 0;
-    if (status != -1 && region.remove_obstacles()) {
-        is_first = false;
-        status = prune(region, days);
-    }
-    must(status == -1, "pruning comes to its end");
-    must_be_pruned(region, torn);
-    if (is_first && region.is_countable()) {
-        must(was_told(region.expected_counts()), "records are counted");
-    }
+    for (int i = 0; i < troubles; ++i) prune_in_trouble(data, days, &region);
+    const bool is_first = prune_to_the_end(days, &region) && troubles == 0;
+    must_be_pruned(region, false);
+    const auto counts = region.expected_counts();
+    if (is_first && counts) must(was_told(*counts), "records are counted");
 
     const PrunedRegion::Snapshot before = region.everything();
     must(prune(region, days) == -1, "pruning again comes to its end");

@@ -1,12 +1,14 @@
 #include "fuzz/pruned_region.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cstdlib>
-#include <numeric>
 #include <string_view>
 
+#include "base/descriptor.h"
+#include "base/file_identity.h"
 #include "fuzz/fuzz_world.h"
 
 namespace fs = std::filesystem;
@@ -19,64 +21,11 @@ const ScratchDirectory& scratch() {
     return directory;
 }
 
-/// What stands at a path behind links.
-struct Place {
-    bool is_usable = true;
-    std::optional<std::string> text;
-};
-
-Place place_at(const std::string& path) {
-    std::error_code error;
-    const fs::file_type type = fs::status(path, error).type();
-    if (type == fs::file_type::regular) return {true, file_text(path)};
-    return {type == fs::file_type::not_found, std::nullopt};
-}
-
-std::string description(const fs::directory_entry& entry) {
-    if (entry.is_symlink()) return "link to " + fs::read_symlink(entry.path()).string();
-    struct stat status;
-    must(lstat(entry.path().c_str(), &status) == 0, "what is listed is there");
-    const std::string node = std::to_string(status.st_mode) + " " + std::to_string(status.st_ino);
-    return entry.is_regular_file() ? node + " " + file_text(entry.path()) : node;
-}
-
-/// Links here lead to no further ones.
-std::string behind_link(const std::string& path) {
-    return fs::is_symlink(path) ? fs::read_symlink(path).string() : path;
-}
-
-bool begins_one_of(const std::multiset<std::string>& words, const std::string& beginning) {
-    // Those that begin with it come first of all that are not before it.
-    const auto found = words.lower_bound(beginning);
-    return found != words.end() && found->starts_with(beginning);
-}
-
-/// What may be added of a left-over: its name says from which byte on, maybe inside a word.
-std::string to_be_added(const std::string& path, const std::string& text) {
-    constexpr std::string_view MARK = ".to_add_";
-    const std::size_t mark = path.rfind(MARK);
-    if (mark == std::string::npos) return text;
-    const std::size_t from = std::strtoull(&path[mark + MARK.size()], nullptr, 10);
-    return text.substr(std::min(from, text.size()));
-}
-
-bool is_white(char character) {
-    return character == ' ' || (character >= '\t' && character <= '\r');
+std::string without(std::size_t bytes, const std::string& text) {
+    return text.substr(std::min(bytes, text.size()));
 }
 
 }  // namespace
-
-std::vector<std::string> words_of(const std::string& text) {
-    std::vector<std::string> words;
-    auto at = text.begin();
-    while (true) {
-        at = std::find_if_not(at, text.end(), is_white);
-        if (at == text.end()) return words;
-        const auto end = std::find_if(at, text.end(), is_white);
-        words.emplace_back(std::string(at, end).c_str());
-        at = end;
-    }
-}
 
 PrunedRegion::PrunedRegion(std::int64_t cut_off)
     : cut_off_(cut_off), logging_dir_(scratch() / "log"), elsewhere_(scratch() / "elsewhere") {
@@ -96,11 +45,17 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
     const std::string target = elsewhere_ + path.substr(path.rfind('/'));
     switch (kind) {
         case Kind::FILE:
+        case Kind::WITH_SECOND_NAME:
             write_file(path, text);
             fs::permissions(path, fs::perms(is_private ? 0600 : 0666));
+            if (kind == Kind::WITH_SECOND_NAME) fs::create_hard_link(path, target);
             break;
         case Kind::LINKED_FILE:
             write_file(target, text);
+            fs::create_symlink(target, path);
+            break;
+        case Kind::LINKED_DIRECTORY:
+            fs::create_directory(target);
             fs::create_symlink(target, path);
             break;
         case Kind::LINK_TO_NOTHING:
@@ -118,18 +73,37 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
     }
 }
 
-void PrunedRegion::plant_left_over(const std::string& path, Kind kind, const std::string& text) {
-    if (left_overs_.contains(path)) return;
-    plant(path, kind, text, false);
-    const std::vector<std::string> words = words_of(to_be_added(path, text));
-    left_overs_[path] = {description(fs::directory_entry(path)), words};
-    left_over_words_.insert(words.begin(), words.end());
+void PrunedRegion::plant_ready_text(int number, std::size_t size, bool is_of_another, Kind kind,
+                                    const std::string& text, bool is_private) {
+    const std::string log = log_file_path(logging_dir_, number);
+    std::string beginning = place_at(log).text.value_or("").substr(0, size);
+    if (is_of_another && !beginning.empty()) beginning[0] ^= 1;
+    const std::string other = scratch() / "beginning";
+    write_file(other, beginning);
+    std::uint64_t fingerprint = 0;
+    const Descriptor file(open(other.c_str(), O_RDONLY | O_CLOEXEC));
+    must(fingerprint_of(file.get(), static_cast<off_t>(beginning.size()), &fingerprint) == 0,
+         "a file has a fingerprint");
+    const std::string path =
+        log + ".ready_" + std::to_string(beginning.size()) + "_" + std::to_string(fingerprint);
+    plant(path, kind, text, is_private);
+    beginnings_.emplace(path, beginning);
+}
+
+void PrunedRegion::plant_name_of_log(int number, const std::string& path) {
+    std::error_code ignored;
+    const std::string log = log_file_path(logging_dir_, number);
+    if (place_at(log).text) fs::create_hard_link(log, path, ignored);
+}
+
+bool PrunedRegion::is_kept(const std::string& word) const {
+    return std::strtoll(word.c_str(), nullptr, 10) >= cut_off_;
 }
 
 void PrunedRegion::add_words(const std::string& text, Log* log) const {
     for (const std::string& word : words_of(text)) {
         ++log->total;
-        if (std::strtoll(word.c_str(), nullptr, 10) >= cut_off_) {
+        if (is_kept(word)) {
             log->kept.insert(word);
         } else {
             ++log->removed;
@@ -138,7 +112,12 @@ void PrunedRegion::add_words(const std::string& text, Log* log) const {
 }
 
 void PrunedRegion::begin() {
+    for (const std::string& path :
+         {pruning_token_path(logging_dir_), pruning_scratch_path(logging_dir_)}) {
+        if (place_at(path).is_usable) rewritten_.insert(path);
+    }
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) begin(number);
+    at_the_beginning_ = everything();
     untouched_ = untouched();
 }
 
@@ -147,157 +126,148 @@ void PrunedRegion::begin(int number) {
     const std::string companion_path = pruning_companion_path(logging_dir_, number);
     const Place file = place_at(path);
     const Place companion = place_at(companion_path);
+    const std::vector<FileBesideLog> left_overs = left_overs_of(number);
+    const auto is_ready = [](const FileBesideLog& one) { return one.kind == FileBesideLog::READY; };
+    const auto is_shared = [](const FileBesideLog& one) {
+        return fs::hard_link_count(one.path) > 1;
+    };
     Log log;
-    log.is_usable = file.is_usable;
-    if (file.is_usable) {
-        rewritten_.insert(behind_link(path));
-        if (companion.is_usable) rewritten_.insert(behind_link(companion_path));
+    const auto ready_texts = std::ranges::count_if(left_overs, is_ready);
+    const bool has_other_names = is_log(number, companion_path) ||
+                                 std::ranges::any_of(left_overs, [&](const FileBesideLog& one) {
+                                     return is_log(number, one.path);
+                                 });
+    log.is_certain = ready_texts == 0 || (ready_texts == 1 && !has_other_names);
+    // A ready text with a second name keeps its log as it is. Of several, another one might be put
+    // in the log's place before.
+    log.is_usable =
+        file.is_usable && std::ranges::none_of(left_overs, [&](const FileBesideLog& one) {
+            if (!is_ready(one) || !is_shared(one)) return false;
+            if (!log.is_certain) fs::remove(elsewhere_ + one.path.substr(one.path.rfind('/')));
+            return is_shared(one);
+        });
+    log.has_usable_companion = companion.is_usable;
+    if (log.is_usable) {
+        rewritten_.insert(path);
+        if (companion.is_usable) rewritten_.insert(companion_path);
+        for (const FileBesideLog& one : left_overs) rewritten_.insert(one.path);
         log.will_be_there = file.text || companion.text;
-        add_words(file.text.value_or(""), &log);
-        add_words(companion.text.value_or(""), &log);
+        if (!is_log(number, companion_path)) add_words(companion.text.value_or(""), &log);
+        add_left_overs(left_overs, file.text.value_or(""), &log);
+        for (const std::string& word : words_of(companion.text.value_or("")))
+            log.known.insert(word);
     }
     logs_[number] = log;
 }
 
-void PrunedRegion::write_record(int number, bool is_kept) {
-    const auto log = logs_.find(number);
-    const std::string companion = pruning_companion_path(logging_dir_, number);
-    if (log == logs_.end() || !log->second.is_usable || !place_at(companion).is_usable) return;
-    const bool diverted = place_at(pruning_token_path(logging_dir_)).text.has_value();
-    const std::string word = std::to_string(is_kept ? cut_off_ : cut_off_ - 1) + ":S:writer" +
-                             std::to_string(writers_++) + "[1]-<->";
-    std::ofstream(diverted ? companion : log_file_path(logging_dir_, number), std::ios::app)
-        // What was planted there may end in the middle of a word.
-        << "\n" + word + "\n";
-    if (is_kept) log->second.kept.insert(word);
-    log->second.will_be_there = true;
+bool PrunedRegion::is_log(int number, const std::string& path) const {
+    std::error_code error;
+    return fs::equivalent(log_file_path(logging_dir_, number), path, error) && !error;
 }
 
-std::vector<std::string> PrunedRegion::obstacles() const {
-    std::vector<std::string> found;
-    for (const std::string& path :
-         {pruning_token_path(logging_dir_), pruning_scratch_path(logging_dir_)}) {
-        const fs::file_type type = fs::symlink_status(path).type();
-        if (type != fs::file_type::regular && type != fs::file_type::not_found) {
-            found.push_back(path);
-        }
-    }
-    for (const auto& [number, log] : logs_) {
-        const bool has_companion =
-            place_at(pruning_companion_path(logging_dir_, number)).text.has_value();
-        if (!log.is_usable && has_companion) found.push_back(log_file_path(logging_dir_, number));
+std::vector<FileBesideLog> PrunedRegion::left_overs_of(int number) const {
+    std::vector<FileBesideLog> found;
+    for (const auto& entry : fs::directory_iterator(logging_dir_)) {
+        auto one = beside_log(log_file_path(logging_dir_, number), entry.path());
+        if (!one || entry.is_symlink() || !entry.is_regular_file()) continue;
+        // What is the log itself adds nothing to it.
+        if (!is_log(number, one->path)) one->text = file_text(one->path);
+        found.push_back(*one);
     }
     return found;
 }
 
-bool PrunedRegion::remove_obstacles() {
-    const std::vector<std::string> found = obstacles();
-    if (found.empty()) return false;
-    for (const std::string& path : found) {
-        fs::remove_all(path);
-        untouched_.erase(path);
+/// How many of the log's bytes a ready text stands for: none where it is of another log.
+std::size_t PrunedRegion::replaced_by(const FileBesideLog& ready, const std::string& log) const {
+    const auto beginning = beginnings_.find(ready.path);
+    return beginning != beginnings_.end() && log.starts_with(beginning->second) ? ready.number : 0;
+}
+
+/// Adds the words of the log itself and of its left-overs. All taken and old files stand in a ready
+/// text already.
+void PrunedRegion::add_left_overs(const std::vector<FileBesideLog>& left_overs,
+                                  const std::string& text, Log* log) const {
+    std::vector<std::string> texts = {text};
+    std::vector<std::size_t> numbers = {0};
+    std::vector<FileBesideLog> added;
+    for (const FileBesideLog& one : left_overs) {
+        texts.push_back(one.text);
+        numbers.push_back(one.number);
+        if (one.kind == FileBesideLog::READY) added.push_back(one);
+    }
+    const std::size_t replaced = added.empty() ? 0 : replaced_by(added.front(), text);
+    if (added.empty()) added = left_overs;
+    add_words(without(replaced, text), log);
+    if (replaced == 0) {
+        for (const std::string& word : words_of(text)) {
+            if (is_kept(word)) log->always_there.insert(word);
+        }
+    }
+    for (const FileBesideLog& one : added) {
+        const std::string what = without(one.kind == FileBesideLog::OLD ? one.number : 0, one.text);
+        add_words(what, log);
+        if (!what.empty()) log->will_be_there = true;
+    }
+    for (const std::string& one : texts) {
+        for (const std::size_t number : numbers) {
+            for (const std::string& word : words_of(without(number, one))) log->known.insert(word);
+        }
+    }
+}
+
+void PrunedRegion::write_record(int number, bool is_kept) {
+    const auto log = logs_.find(number);
+    if (log == logs_.end() || !log->second.is_usable || !log->second.has_usable_companion) return;
+    const bool diverted = place_at(pruning_token_path(logging_dir_)).text.has_value();
+    const std::string path = diverted ? pruning_companion_path(logging_dir_, number)
+                                      : log_file_path(logging_dir_, number);
+    const std::string word = std::to_string(is_kept ? cut_off_ : cut_off_ - 1) + ":S:writer" +
+                             std::to_string(writers_++) + "[1]-<->";
+    const std::string text = place_at(path).text.value_or("");
+    // What was planted there may end in the middle of a word.
+    const bool is_cut = !text.empty() && !text.ends_with("\n");
+    std::ofstream(path, std::ios::app) << (is_cut ? "\n" : "") + word + "\n";
+    (is_kept ? log->second.kept : late_).insert(word);
+    log->second.known.insert(word);
+    log->second.will_be_there = true;
+}
+
+std::vector<PrunedRegion::Obstacle> PrunedRegion::obstacles() const {
+    std::vector<Obstacle> found;
+    const std::string token = pruning_token_path(logging_dir_);
+    const std::string scratch_file = pruning_scratch_path(logging_dir_);
+    const Place token_place = place_at(token);
+    if (!token_place.is_usable || (token_place.text && fs::hard_link_count(token) > 1)) {
+        found.push_back({token, "Could not create needed pruning token", true});
+    }
+    if (!place_at(scratch_file).is_usable) {
+        found.push_back({scratch_file, "Could not create needed pruning file", false});
+    }
+    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+        const std::string log = log_file_path(logging_dir_, number);
+        const Place companion = place_at(pruning_companion_path(logging_dir_, number));
+        if (!place_at(log).is_usable && companion.text && !companion.text->empty()) {
+            found.push_back({log, "Could not create needed logging file", true});
+        }
+        for (const auto& entry : fs::directory_iterator(logging_dir_)) {
+            const auto one = beside_log(log, entry.path());
+            if (one && one->kind == FileBesideLog::OLD && !place_at(one->path).is_usable) {
+                found.push_back(
+                    {one->path, "The log file (" + log + ") was left as it is: ", false});
+            }
+        }
+    }
+    return found;
+}
+
+void PrunedRegion::remove(const std::vector<Obstacle>& obstacles) {
+    for (const Obstacle& obstacle : obstacles) {
+        fs::remove_all(obstacle.path);
+        untouched_.erase(obstacle.path);
+        at_the_beginning_.erase(obstacle.path);
     }
     for (const auto& [number, log] : std::map(logs_)) {
         if (!log.is_usable) begin(number);
     }
     std::erase_if(untouched_, [&](const auto& entry) { return is_rewritten(entry.first); });
-    return true;
-}
-
-std::string PrunedRegion::expected_counts() const {
-    int total = 0;
-    int removed = 0;
-    for (const auto& [number, log] : logs_) {
-        total += log.total;
-        removed += log.removed;
-    }
-    return std::to_string(removed) + " of " + std::to_string(total) + " log entries " +
-           (removed == 1 ? "was" : "were") + " removed from";
-}
-
-std::vector<std::string> PrunedRegion::unusable() const {
-    std::vector<std::string> paths;
-    for (const auto& [number, log] : logs_) {
-        if (!log.is_usable) paths.push_back(log_file_path(logging_dir_, number));
-    }
-    return paths;
-}
-
-PrunedRegion::Snapshot PrunedRegion::everything() const {
-    Snapshot found;
-    for (const std::string& directory : {logging_dir_, elsewhere_}) {
-        for (const auto& entry : fs::directory_iterator(directory)) {
-            found[entry.path()] = description(entry);
-        }
-    }
-    // One that is there already goes as soon as there is a log to rewrite.
-    found.erase(pruning_scratch_path(logging_dir_));
-    return found;
-}
-
-bool PrunedRegion::is_rewritten(const std::string& path) const {
-    return rewritten_.contains(path) || left_overs_.contains(path) ||
-           path == pruning_token_path(logging_dir_);
-}
-
-/// What pruning has no business with.
-PrunedRegion::Snapshot PrunedRegion::untouched() const {
-    Snapshot found = everything();
-    std::erase_if(found, [&](const auto& entry) { return is_rewritten(entry.first); });
-    return found;
-}
-
-/// A log holds what it is to hold, each word on a line of its own, and at most words of `extra`
-/// besides, which are taken out of there, or the beginning of a word for each write that was torn.
-void PrunedRegion::check_log(int number, Words* extra, int* torn) const {
-    const Log& log = logs_.at(number);
-    const std::string path = log_file_path(logging_dir_, number);
-    const auto text = place_at(path).text;
-    // A left-over makes one too.
-    must(text.has_value() == log.will_be_there || (text && !left_overs_.empty()),
-         "a log is there when it was, or had a companion");
-    if (!text) return;
-    must(fs::status(path).permissions() == fs::perms(0666), "everybody can write to a log");
-    std::string lines;
-    Words missing = log.kept;
-    Words added;
-    for (const std::string& word : words_of(*text)) {
-        lines += word + "\n";
-        const auto found = missing.find(word);
-        if (found == missing.end()) {
-            added.insert(word);
-        } else {
-            missing.erase(found);
-        }
-    }
-    must(lines == *text, "each record is on a line of its own");
-    must(missing.empty(), "every kept record is there");
-    for (const std::string& word : added) {
-        const auto found = extra->find(word);
-        if (found != extra->end()) {
-            extra->erase(found);
-            continue;
-        }
-        must((*torn)-- > 0, "nothing is there twice, and nothing else");
-        must(begins_one_of(log.kept, word) || begins_one_of(left_over_words_, word),
-             "a torn word is the beginning of a record");
-    }
-}
-
-void PrunedRegion::check(int torn) const {
-    must(untouched() == untouched_, "nothing else is touched");
-    const Snapshot now = everything();
-    must(!now.contains(pruning_token_path(logging_dir_)), "the token is down");
-    Words extra;
-    for (const auto& [path, planted] : left_overs_) {
-        const auto& [before, words] = planted;
-        const auto found = now.find(path);
-        must(found == now.end() || found->second == before, "a left-over is whole, or gone");
-        if (found == now.end()) extra.insert(words.begin(), words.end());
-    }
-    for (const auto& [number, log] : logs_) {
-        if (log.is_usable) check_log(number, &extra, &torn);
-        const std::string companion = pruning_companion_path(logging_dir_, number);
-        must(!log.is_usable || !place_at(companion).text, "companions are merged");
-    }
 }

@@ -5,19 +5,26 @@
 #include <optional>
 #include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
+#include "fuzz/region_files.h"
 #include "logs/log_files.h"
 #include "support/scratch_directory.h"
 
 // A region's logs on the disk, and what is to become of them by the plain rule.
 
-/// All words of a log; those that a NUL cuts short are what stands before it.
-std::vector<std::string> words_of(const std::string& text);
-
-/// What is planted under a name.
-enum class Kind { FILE, LINKED_FILE, LINK_TO_NOTHING, RING, PIPE, DIRECTORY };
+/// What is planted under a name. Links lead to the directory beside the logs; second names of files
+/// are there too.
+enum class Kind {
+    FILE,
+    WITH_SECOND_NAME,
+    LINKED_FILE,
+    LINKED_DIRECTORY,
+    LINK_TO_NOTHING,
+    RING,
+    PIPE,
+    DIRECTORY
+};
 
 class PrunedRegion {
   public:
@@ -29,63 +36,91 @@ class PrunedRegion {
     /// All that stands below this belongs to the region.
     [[nodiscard]] std::string directory() const;
 
-    /// Puts something there, unless there is something already. Links lead to the directory beside
-    /// the logs.
+    /// Puts something there, unless there is something already.
     void plant(const std::string& path, Kind kind, const std::string& text, bool is_private);
-    /// plant, of something with a name that begins as a log's or a companion's does: pruning may
-    /// take it for its own, and then its words are allowed in the logs.
-    void plant_left_over(const std::string& path, Kind kind, const std::string& text);
+    /// plant, of a ready text in the place of the first `size` bytes of the log as it stands now
+    /// (all of them, when it has less), or of a log that differs from it in its first byte.
+    void plant_ready_text(int number, std::size_t size, bool is_of_another, Kind kind,
+                          const std::string& text, bool is_private);
 
-    /// Takes the logs as they are for what is to be pruned.
+    /// Makes `path` another name of the log, if there is one, and nothing there.
+    void plant_name_of_log(int number, const std::string& path);
+
+    /// Takes everything as it is for what is to be pruned.
     void begin();
     /// A log writer who looks for the token first, and adds a kept record then, or an old one.
     void write_record(int number, bool is_kept);
-    /// Takes away what need not be put up with: directories, pipes and links under the names of the
-    /// token, of the scratch file and of logs with a companion. False when there are none.
-    bool remove_obstacles();
 
-    /// Whether the records can be counted: nothing is there that might be a left-over.
-    [[nodiscard]] bool is_countable() const { return left_overs_.empty(); }
-    /// "2 of 3 log entries were removed from": what the next pruning is to say.
-    [[nodiscard]] std::string expected_counts() const;
-    /// The logs that cannot be used.
+    /// Something that can be in the way of a pruning.
+    struct Obstacle {
+        std::string path;
+        /// How the operator is told of it.
+        std::string failure;
+        /// Whether no pruning gets past it, or else just those that need its name.
+        bool is_always_met;
+    };
+    [[nodiscard]] std::vector<Obstacle> obstacles() const;
+    void remove(const std::vector<Obstacle>& obstacles);
+
+    /// "2 of 3 log entries were removed from": what the next pruning is to say; nothing where the
+    /// rule is not that plain.
+    [[nodiscard]] std::optional<std::string> expected_counts() const;
+    /// The logs and companions that cannot be used.
     [[nodiscard]] std::vector<std::string> unusable() const;
 
-    /// All that is there but the scratch file, with bytes, modes and inodes.
+    /// All that is there, with bytes, modes and inodes.
     using Snapshot = std::map<std::string, std::string>;
     [[nodiscard]] Snapshot everything() const;
 
-    /// Ends the fuzzing unless pruning has come out right. Each of the writes that were torn may
-    /// have left the beginning of a record.
-    void check(int torn) const;
+    /// Ends the fuzzing unless each log is a whole text, old or new, wherever a pruning has ended.
+    void check_in_between() const;
+    /// Ends the fuzzing unless a pruning has come out right; of what a writer added meanwhile, old
+    /// records may still be there.
+    void check(bool beside_a_writer) const;
 
   private:
     using Words = std::multiset<std::string>;
+    /// What is to become of a log.
     struct Log {
         bool is_usable = true;
+        bool has_usable_companion = true;
+        /// Not when there are several ready texts, or other names of the log beside one: it makes
+        /// the log another file, and then the rest means something else.
+        bool is_certain = true;
         /// The log, or the file that becomes one.
         bool will_be_there = false;
         Words kept;
+        /// Those of them that stand in the log at any moment.
+        Words always_there;
+        /// What may stand in the log at some moment.
+        std::set<std::string> known;
         int total = 0;
         int removed = 0;
     };
 
     void begin(int number);
-    [[nodiscard]] std::vector<std::string> obstacles() const;
+    [[nodiscard]] bool is_log(int number, const std::string& path) const;
+    [[nodiscard]] std::vector<FileBesideLog> left_overs_of(int number) const;
+    [[nodiscard]] std::size_t replaced_by(const FileBesideLog& ready, const std::string& log) const;
+    void add_left_overs(const std::vector<FileBesideLog>& left_overs, const std::string& text,
+                        Log* log) const;
+    [[nodiscard]] bool is_kept(const std::string& word) const;
     void add_words(const std::string& text, Log* log) const;
     [[nodiscard]] bool is_rewritten(const std::string& path) const;
     [[nodiscard]] Snapshot untouched() const;
-    void check_log(int number, Words* extra, int* torn) const;
+    void check_log(int number, bool beside_a_writer) const;
 
     std::int64_t cut_off_;
     std::string logging_dir_;
     std::string elsewhere_;
     std::map<int, Log> logs_;
-    /// The real paths of the logs and companions that can be used.
+    /// What pruning may change of what was there when it began.
     std::set<std::string> rewritten_;
-    /// What was planted under each name, and the words that may be added of it.
-    std::map<std::string, std::pair<std::string, std::vector<std::string>>> left_overs_;
-    Words left_over_words_;
+    /// By the path of a ready text: what the log begins with that it is of.
+    std::map<std::string, std::string> beginnings_;
+    Snapshot at_the_beginning_;
     Snapshot untouched_;
+    /// Old records of writers.
+    Words late_;
     int writers_ = 0;
 };

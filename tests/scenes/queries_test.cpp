@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <map>
 #include <sstream>
 
 #include "scenes/region.h"
@@ -79,245 +80,184 @@ bool holds(const std::string& text, const std::string& part) {
     return text.find(part) != std::string::npos;
 }
 
-struct QueryCase {
+std::vector<std::string> split(const std::string& text, char separator) {
+    std::vector<std::string> pieces = {""};
+    for (const char c : text) {
+        if (c == separator) {
+            pieces.emplace_back();
+        } else {
+            pieces.back() += c;
+        }
+    }
+    return pieces;
+}
+
+/// The dialogs of a query by their letters: Command, User, Bit, Key, and CPD as P.
+const std::map<char, Dialog> DIALOGS = {{'C', COMMAND_DIALOG},
+                                        {'U', USER_DIALOG},
+                                        {'B', BIT_DIALOG},
+                                        {'K', KEY_DIALOG},
+                                        {'P', CPD_DIALOG}};
+
+void answer(Region& region, char dialog, const std::string& text) {
+    if (dialog != 'C' && dialog != 'B') {
+        region.types(text);
+    } else if (text.empty()) {
+        region.answers({.kind = "list", .outfile = ""});
+    } else {
+        region.operator_picks(text);
+    }
+}
+
+// What is asked, and what becomes of it. With every parameter given nothing is asked.
+
+constexpr bool LITE = true;
+
+struct Row {
     const char* name;
-    Args args;
-    std::string heading;
+    const char* args;
+    const char* dialogs;
+    /// With a '|' between them.
+    const char* answers;
+    const char* heading;
+    bool lite = false;
 };
 
-// Every parameter given: nothing is asked, and the run ends by itself.
+constexpr Row ROWS[] = {
+    {"OneIsOfOneCommand", "Q=1 C=checkin U=Ann", "", "",
+     "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the user (ann)"},
+    {"OneIsOfAllCommands", "Q=1 C=* U=*", "", "",
+     "ClearCase command success/denied usage for:<br>(all) commands for (all) users"},
+    {"TwoIsOfOneBit", "Q=2 B=5 U=ann", "", "",
+     "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for the user "
+     "(ann)"},
+    {"TwoIsOfAllBits", "Q=2 B=* U=*", "", "",
+     "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users"},
+    {"ThreeIsOfOneKey", "Q=3 K=1 U=ann C=checkin", "", "",
+     "ClearCase Comand Key usage for:<br>key #1 for the user (ann) for the (checkin)"},
+    {"ThreeIsOfAllKeys", "Q=3 K=* U=* C=*", "", "",
+     "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) commands"},
+    {"ThreeIsOfOneCpd", "Q=3 K=7 U=* C=*", "", "",
+     "ClearCase CPD usage for:<br>CPD #7 for (all) users for (all) commands", LITE},
+    {"ThreeIsOfAllCpds", "Q=3 K=* U=* C=*", "", "",
+     "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands", LITE},
+    {"FourIsOfAUser", "Q=4 U=ann", "", "",
+     "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (ann)"},
+    {"FiveIsOfACommand", "Q=5 U=* C=checkin", "", "",
+     "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for the (checkin)"},
+    {"FiveIsOfCpds", "Q=5 U=* C=*", "", "",
+     "ClearCase CPD vs. CPD usage for:<br>(all) CPDs for (all) users for (all) commands", LITE},
+    {"SixIsOfOneCommand", "Q=6 C=checkin U=bob", "", "",
+     "ClearCase command allowed/denied by parent policy for:<br><dd>the (checkin) command for the "
+     "user (bob)"},
+    {"SixIsOfAllCommands", "Q=6 C=* U=*", "", "",
+     "ClearCase command allowed/denied by parent policy for:<br>(all) commands for (all) users"},
+    {"OneAsksForCommandAndUser", "Q=1", "CU", "checkin|Ann",
+     "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the user (Ann)"},
+    {"TwoAsksForBitAndUser", "Q=2", "BU", "05 - BIT__VOB_OWNER_CI_MAIN|*",
+     "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for (all) users"},
+    {"TwoTakesAllBits", "Q=2", "BU", "* - <ALL BITS>|*",
+     "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users"},
+    {"ThreeAsksForKeyUserAndCommand", "Q=3", "KUC", "1|*|*",
+     "ClearCase Comand Key usage for:<br>key #1 for (all) users for (all) commands"},
+    {"ThreeAsksForACpd", "Q=3", "PUC", "*|*|*",
+     "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands", LITE},
+    {"FourAsksForTheUser", "Q=4", "U", "bob",
+     "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (bob)"},
+    {"FiveAsksForUserAndCommand", "Q=5", "UC", "*|*",
+     "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for (all) commands"},
+    {"SixAsksForCommandAndUser", "Q=6", "CU", "setactivity_none|*",
+     "ClearCase command allowed/denied by parent policy for:<br><dd>the (setactivity_none) command "
+     "for (all) users"},
+    {"OnlyAMissingUserIsAskedFor", "Q=1 C=checkin", "U", "*",
+     "ClearCase command success/denied usage for:<br><dd>the (checkin) command for (all) users"},
+    {"OnlyAMissingCommandIsAskedFor", "Q=3 K=* U=*", "C", "*",
+     "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) commands"},
+    {"AnEmptyAnswerIsAskedForAgain", "Q=1", "CCUU", "|*|  |*",
+     "ClearCase command success/denied usage for:<br>(all) commands for (all) users"},
+    {"AKeyThatIsNoNumberIsAskedForAgain", "Q=3", "KKKKKUC", "1a|-1|**|1 2|07|*|*",
+     "ClearCase Comand Key usage for:<br>key #7 for (all) users for (all) commands"},
+};
 
-class GivenQuery : public testing::TestWithParam<QueryCase> {};
+class Query : public testing::TestWithParam<Row> {};
 
-TEST_P(GivenQuery, AsksNothingAndWritesItsPage) {
-    Region east = a_region_with_records().with_env("ZUL_GATESCOPE_BROWSER", "{stage}/bin/browser");
-    Args args = GetParam().args;
+TEST_P(Query, AsksForWhatIsMissingAndWritesItsPage) {
+    const Row& row = GetParam();
+    RegionPlan plan = a_region_with_records();
+    plan.with_env("ZUL_GATESCOPE_BROWSER", "{stage}/bin/browser");
+    Region east(row.lite ? plan.lite() : plan);
+    Args args = split(row.args, ' ');
+    const char number = args.front().back();
     args.insert(args.end(), {"D=n", "R=n"});
+    const std::vector<std::string> answers = split(row.answers, '|');
+    Dialogs expected;
+    for (const char dialog : std::string(row.dialogs)) {
+        answer(east, dialog, answers.at(expected.size()));
+        expected.push_back(DIALOGS.at(dialog));
+    }
     const Result result = east.run(args);
     EXPECT_EQ(result.status, 110);
-    EXPECT_TRUE(result.calls.empty());
-    ASSERT_EQ(east.pages().size(), 1u);
-    EXPECT_TRUE(
-        east.pages().front().ends_with("_Q0" + GetParam().args.front().substr(2) + ".html"));
-    EXPECT_EQ(heading_of(east.page()), GetParam().heading);
+    EXPECT_EQ(result.dialogs(), expected);
+    EXPECT_EQ(result.calls.size(), expected.size());
+    ASSERT_EQ(east.pages().size(), 1U);
+    const std::string page = east.pages().front();
+    EXPECT_TRUE(page.ends_with(std::string("_Q0") + number + ".html")) << page;
+    EXPECT_EQ(heading_of(east.page()), row.heading);
     EXPECT_EQ(result.out, "\n\nGatescope query completed and html page\n(" +
-                              east.path("depot/query_results/" + east.pages().front()) +
+                              east.path("depot/query_results/" + page) +
                               ")\nwas built and stored for the region (east).\n\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Queries, GivenQuery,
-    testing::Values(
-        QueryCase{"Q1",
-                  {"Q=1", "C=checkin", "U=Ann"},
-                  "ClearCase command success/denied usage for:<br><dd>the (checkin) command for "
-                  "the user (ann)"},
-        QueryCase{"Q1All",
-                  {"Q=1", "C=*", "U=*"},
-                  "ClearCase command success/denied usage for:<br>(all) commands for (all) users"},
-        QueryCase{"Q2",
-                  {"Q=2", "B=5", "U=ann"},
-                  "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for "
-                  "the user (ann)"},
-        QueryCase{"Q2All",
-                  {"Q=2", "B=*", "U=*"},
-                  "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users"},
-        QueryCase{"Q3",
-                  {"Q=3", "K=1", "U=ann", "C=checkin"},
-                  "ClearCase Comand Key usage for:<br>key #1 for the user (ann) for the (checkin)"},
-        QueryCase{"Q3All",
-                  {"Q=3", "K=*", "U=*", "C=*"},
-                  "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) "
-                  "commands"},
-        QueryCase{
-            "Q4",
-            {"Q=4", "U=ann"},
-            "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (ann)"},
-        QueryCase{"Q5",
-                  {"Q=5", "U=*", "C=checkin"},
-                  "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for the "
-                  "(checkin)"},
-        QueryCase{"Q6",
-                  {"Q=6", "C=checkin", "U=bob"},
-                  "ClearCase command allowed/denied by parent policy for:<br><dd>the (checkin) "
-                  "command for the user (bob)"},
-        QueryCase{"Q6All",
-                  {"Q=6", "C=*", "U=*"},
-                  "ClearCase command allowed/denied by parent policy for:<br>(all) commands for "
-                  "(all) users"}),
-    [](const testing::TestParamInfo<QueryCase>& row) { return row.param.name; });
-
-TEST(Queries, TheLiteEditionHasItsOwnTitles) {
-    const QueryCase cases[] = {
-        {"",
-         {"Q=3", "K=7", "U=*", "C=*"},
-         "ClearCase CPD usage for:<br>CPD #7 for (all) users for (all) commands"},
-        {"",
-         {"Q=3", "K=*", "U=*", "C=*"},
-         "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands"},
-        {"",
-         {"Q=5", "U=*", "C=*"},
-         "ClearCase CPD vs. CPD usage for:<br>(all) CPDs for (all) users for (all) commands"}};
-    for (const QueryCase& lite : cases) {
-        Region east = a_region_with_records().lite().without_dialogs();
-        Args args = lite.args;
-        args.insert(args.end(), {"D=n", "R=n"});
-        EXPECT_EQ(east.run(args).status, 110);
-        EXPECT_EQ(heading_of(east.page()), lite.heading);
-    }
-}
-
-// Nothing given: the operator is asked for each parameter in turn.
-
-TEST(Queries, OneAsksForCommandAndUser) {
-    Region east = a_region_with_records();
-    east.operator_picks("checkin").types("Ann");
-    const Result result = east.run({"Q=1", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), (Dialogs{COMMAND_DIALOG, USER_DIALOG}));
-    EXPECT_EQ(heading_of(east.page()),
-              "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the "
-              "user (Ann)");
-}
-
-TEST(Queries, TwoAsksForBitAndUser) {
-    Region east = a_region_with_records();
-    east.operator_picks("05 - BIT__VOB_OWNER_CI_MAIN").types("*");
-    const Result result = east.run({"Q=2", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), (Dialogs{BIT_DIALOG, USER_DIALOG}));
-    EXPECT_EQ(heading_of(east.page()),
-              "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for (all) "
-              "users");
-}
-
-TEST(Queries, TwoTakesAllBits) {
-    Region east = a_region_with_records();
-    east.operator_picks("* - <ALL BITS>").types("*");
-    EXPECT_EQ(east.run({"Q=2", "D=n", "R=n"}).status, 110);
-    EXPECT_EQ(heading_of(east.page()),
-              "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users");
-}
-
-TEST(Queries, ThreeAsksForKeyUserAndCommand) {
-    Region east = a_region_with_records();
-    east.types("1").types("*").operator_picks("*");
-    const Result result = east.run({"Q=3", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), (Dialogs{KEY_DIALOG, USER_DIALOG, COMMAND_DIALOG}));
-    EXPECT_EQ(heading_of(east.page()),
-              "ClearCase Comand Key usage for:<br>key #1 for (all) users for (all) commands");
-}
-
-TEST(Queries, ThreeAsksForACpdInTheLiteEdition) {
-    Region east = a_region_with_records().lite();
-    east.types("*").types("*").operator_picks("*");
-    EXPECT_EQ(east.run({"Q=3", "D=n", "R=n"}).dialogs(),
-              (Dialogs{CPD_DIALOG, USER_DIALOG, COMMAND_DIALOG}));
-}
-
-TEST(Queries, FourAsksForTheUser) {
-    Region east = a_region_with_records();
-    east.types("bob");
-    const Result result = east.run({"Q=4", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), Dialogs{USER_DIALOG});
-}
-
-TEST(Queries, FiveAsksForUserAndCommand) {
-    Region east = a_region_with_records();
-    east.types("*").operator_picks("*");
-    const Result result = east.run({"Q=5", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), (Dialogs{USER_DIALOG, COMMAND_DIALOG}));
-}
-
-TEST(Queries, SixAsksForCommandAndUser) {
-    Region east = a_region_with_records();
-    east.operator_picks("setactivity_none").types("*");
-    const Result result = east.run({"Q=6", "D=n", "R=n"});
-    EXPECT_EQ(result.status, 110);
-    EXPECT_EQ(result.dialogs(), (Dialogs{COMMAND_DIALOG, USER_DIALOG}));
-}
-
-TEST(Queries, OnlyWhatIsMissingIsAsked) {
-    Region east = a_region_with_records();
-    east.types("*");
-    EXPECT_EQ(east.run({"Q=1", "C=checkin", "D=n", "R=n"}).dialogs(), Dialogs{USER_DIALOG});
-    east.operator_picks("*");
-    EXPECT_EQ(east.run({"Q=3", "K=*", "U=*", "D=n", "R=n"}).dialogs(), Dialogs{COMMAND_DIALOG});
-}
-
-TEST(Queries, AnEmptyAnswerIsAskedForAgain) {
-    Region east = a_region_with_records();
-    east.answers({.kind = "list", .outfile = ""}).operator_picks("*").types("  ").types("*");
-    EXPECT_EQ(east.run({"Q=1", "D=n", "R=n"}).dialogs(),
-              (Dialogs{COMMAND_DIALOG, COMMAND_DIALOG, USER_DIALOG, USER_DIALOG}));
-}
-
-TEST(Queries, AKeyThatIsNoNumberIsAskedForAgain) {
-    Region east = a_region_with_records();
-    east.types("1a").types("-1").types("**").types("1 2").types("07").types("*").operator_picks(
-        "*");
-    const Result result = east.run({"Q=3", "D=n", "R=n"});
-    EXPECT_EQ(result.dialogs(), (Dialogs{KEY_DIALOG, KEY_DIALOG, KEY_DIALOG, KEY_DIALOG, KEY_DIALOG,
-                                         USER_DIALOG, COMMAND_DIALOG}));
-    EXPECT_TRUE(heading_of(east.page())
-                    .starts_with("ClearCase Comand Key usage for:<br>key #7 for (all) users"))
-        << heading_of(east.page());
-}
-
-// A cancel at each dialog.
-
-struct Cancel {
-    const char* query;
-    std::vector<ScriptedAnswer> before;
-};
+INSTANTIATE_TEST_SUITE_P(Queries, Query, testing::ValuesIn(ROWS),
+                         [](const testing::TestParamInfo<Row>& row) { return row.param.name; });
 
 TEST(Queries, ACancelAtAnyDialogWritesNoPageAndReadsNoLog) {
-    const ScriptedAnswer command = {.kind = "list", .outfile = "checkin"};
-    const ScriptedAnswer bit = {.kind = "list", .outfile = "05 - BIT__VOB_OWNER_CI_MAIN"};
-    const ScriptedAnswer text = {.kind = "text", .outfile = "1"};
-    const std::vector<Cancel> cancels = {
-        {"Q=1", {}}, {"Q=1", {command}}, {"Q=2", {}},           {"Q=2", {bit}},
-        {"Q=3", {}}, {"Q=3", {text}},    {"Q=3", {text, text}}, {"Q=4", {}},
-        {"Q=5", {}}, {"Q=5", {text}},    {"Q=6", {}},           {"Q=6", {command}}};
-    for (const Cancel& cancel : cancels) {
+    struct Cancel {
+        const char* query;
+        const char* answered;
+    };
+    constexpr Cancel CANCELS[] = {{"Q=1", ""}, {"Q=1", "C"}, {"Q=2", ""},   {"Q=2", "B"},
+                                  {"Q=3", ""}, {"Q=3", "K"}, {"Q=3", "KU"}, {"Q=4", ""},
+                                  {"Q=5", ""}, {"Q=5", "U"}, {"Q=6", ""},   {"Q=6", "C"}};
+    const std::map<char, std::string> answers = {
+        {'C', "checkin"}, {'B', "05 - BIT__VOB_OWNER_CI_MAIN"}, {'K', "1"}, {'U', "ann"}};
+    for (const auto& [query, answered] : CANCELS) {
         // Reading a log that holds nothing would be reported.
         Region east = a_region();
-        for (const ScriptedAnswer& answer : cancel.before) east.answers(answer);
+        const std::string before = answered;
+        for (const char dialog : before) answer(east, dialog, answers.at(dialog));
         east.cancels();
-        const Result result = east.run({cancel.query, "R=n"});
-        EXPECT_EQ(result.status, 110) << cancel.query;
-        EXPECT_EQ(result.dialogs().size(), cancel.before.size() + 1) << cancel.query;
-        EXPECT_TRUE(east.pages().empty()) << cancel.query;
+        const Result result = east.run({query, "R=n"});
+        EXPECT_EQ(result.status, 110) << query;
+        EXPECT_EQ(result.dialogs().size(), before.size() + 1) << query;
+        EXPECT_TRUE(east.pages().empty()) << query;
     }
 }
 
-// What is counted.
-
-TEST(Queries, TheBitFilterCountsItsRecordsOnly) {
-    Region east = a_region_with_records().without_dialogs();
-    east.run({"Q=4", "U=*", "D=n", "R=n"});
-    EXPECT_TRUE(holds(east.page(), "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"));
-    EXPECT_TRUE(holds(east.page(), "The BIT__RECURSIVE_CI_CO_UNCO bit was invoked once"));
-
-    Region west = a_region_with_records().without_dialogs();
-    west.run({"Q=4", "U=ANN", "D=n", "R=n"});
-    EXPECT_TRUE(holds(west.page(), "The BIT__VOB_OWNER_CI_MAIN bit was invoked once"));
-    EXPECT_TRUE(holds(west.page(), "The BIT__RECURSIVE_CI_CO_UNCO bit was not invoked"));
-}
-
-TEST(Queries, KeyDenialsAreThoseOfTheEdition) {
-    Region full = a_region_with_records().without_dialogs();
-    full.run({"Q=5", "U=*", "C=*", "D=n", "R=n"});
-    EXPECT_TRUE(holds(full.page(), "Key #1 was invoked 2 times"));
-    EXPECT_FALSE(holds(full.page(), "#7 was invoked"));
-
-    Region lite = a_region_with_records().lite().without_dialogs();
-    lite.run({"Q=5", "U=*", "C=*", "D=n", "R=n"});
-    EXPECT_TRUE(holds(lite.page(), "#7 was invoked once"));
-    EXPECT_FALSE(holds(lite.page(), "#1 was invoked"));
+TEST(Queries, CountTheRecordsOfTheirKindUserAndEdition) {
+    struct Counted {
+        const char* args;
+        bool lite;
+        const char* there;
+        const char* missing = "nothing else is looked for";
+    };
+    constexpr Counted COUNTS[] = {
+        {"Q=4 U=*", !LITE, "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"},
+        {"Q=4 U=*", !LITE, "The BIT__RECURSIVE_CI_CO_UNCO bit was invoked once"},
+        {"Q=4 U=ANN", !LITE, "The BIT__VOB_OWNER_CI_MAIN bit was invoked once"},
+        {"Q=4 U=ANN", !LITE, "The BIT__RECURSIVE_CI_CO_UNCO bit was not invoked"},
+        {"Q=5 U=* C=*", !LITE, "Key #1 was invoked 2 times", "#7 was invoked"},
+        {"Q=5 U=* C=*", LITE, "#7 was invoked once", "#1 was invoked"},
+    };
+    for (const Counted& counted : COUNTS) {
+        RegionPlan plan = a_region_with_records().without_dialogs();
+        Region east(counted.lite ? plan.lite() : plan);
+        Args args = split(counted.args, ' ');
+        args.insert(args.end(), {"D=n", "R=n"});
+        east.run(args);
+        EXPECT_TRUE(holds(east.page(), counted.there)) << counted.there;
+        EXPECT_FALSE(holds(east.page(), counted.missing)) << counted.missing;
+    }
 }
 
 TEST(Queries, WithoutAnyRecordTheOperatorIsToldAndThePageDrawn) {

@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # scripts/demo in a copy of what it needs of the repository, in a directory with blanks and other
 # letters that mean something to a shell: that it comes through, that it keeps what was changed, and
-# that it fails when one of its steps does. And what it and the scripts of the pictures say of
-# themselves.
+# that it fails when one of its steps does.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 : "${GATESCOPE_PROGRAM:?names the program}"
@@ -33,12 +32,6 @@ expect_end 0
 expect_holds "the output" 'Usage: scripts/demo' "$(<out)"
 demo --surprise
 expect_end 2
-
-case_is "the usage of the scripts of the pictures"
-for script in screenshots dialog_picture; do
-    "$source_directory/scripts/$script" --help >out 2>&1 || failed "$script --help ends with $?"
-    expect_holds "the output" "Usage: scripts/$script" "$(<out)"
-done
 
 case_is "a region that was changed since stays until somebody says so"
 printf 'changed' >>"$region/gatebits.txt"

@@ -6,7 +6,7 @@
 set -u
 source_directory=${SOURCE_DIRECTORY:?names the source directory}
 clearprompt=$source_directory/tools/clearprompt
-unset CLEARPROMPT_ANSWERS CLEARPROMPT_TRANSCRIPT DISPLAY WAYLAND_DISPLAY
+unset CLEARPROMPT_ANSWERS DISPLAY WAYLAND_DISPLAY
 unset HISTFILE INPUTRC XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
 # What is looked for on screens holds more than ASCII, whatever locale the tests are started in.
 export LC_ALL=C.UTF-8
@@ -80,61 +80,49 @@ eventually() {
 # --- a dialog of clearprompt's, in the background ---
 
 start_dialog() {
-    rm -f labels labels.rows
-    "$clearprompt" "$@" 2>err &
+    rm -f labels
+    # Without a terminal to fall back on.
+    setsid "$clearprompt" "$@" 2>err </dev/null &
     dialog=$!
 }
 has_ended() { ! kill -0 "$dialog" 2>/dev/null; }
-# Waits for its end: sets `status`.
-dialog_ends() {
+ends_with() { # status
     eventually has_ended || { failed "the dialog is still there" && kill "$dialog"; }
     wait "$dialog"
-    status=$?
+    expect_equal status "$1" $?
     dialog=''
-}
-ends_with() { # status
-    dialog_ends
-    expect_equal status "$1" "$status"
 }
 
 # --- a display of the test's own ---
 
 start_display() {
     needs Xvfb xdotool zenity
-    exec 5> >(cat >"$stage/display")
+    exec 5> >(cat >display)
     setpriv --pdeathsig KILL Xvfb -displayfd 5 -noreset -screen 0 1024x768x24 -nolisten tcp \
         >/dev/null 2>&1 &
     display_server=$!
     exec 5>&-
-    eventually test -s "$stage/display" || give_up "Xvfb does not come up"
-    DISPLAY=:$(<"$stage/display")
+    eventually test -s display || give_up "Xvfb does not come up"
+    DISPLAY=:$(<display)
     export DISPLAY GTK_USE_PORTAL=0 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
-    make_zenity_tell
-}
-# A zenity on the search path that writes down its labels and rows.
-make_zenity_tell() {
-    local zenity
-    zenity=$(command -v zenity)
-    mkdir "$stage/telling"
-    cat >"$stage/telling/zenity" <<END
+    # A zenity on the search path that writes down its labels and rows.
+    mkdir telling
+    cat >telling/zenity <<END
 #!/bin/sh
 WINDOW_LABELS='$stage/labels' LD_PRELOAD='${WINDOW_LABELS_LIBRARY:?names the library}' \\
-    exec '$zenity' "\$@"
+    exec '$(command -v zenity)' "\$@"
 END
-    chmod +x "$stage/telling/zenity"
+    chmod +x telling/zenity
     PATH=$stage/telling:$PATH
 }
-has_window() { # class
-    window=$(xdotool search --onlyvisible --class "$1" 2>/dev/null | head -n 1)
+has_window() {
+    window=$(xdotool search --onlyvisible --class zenity 2>/dev/null | head -n 1)
     [[ -n $window ]] || return 1
     xdotool windowfocus "$window" 2>/dev/null
     [[ $(xdotool getwindowfocus -f 2>/dev/null) == "$window" ]]
 }
-has_no_window() { ! has_window "$1"; }
-window_appears() {
-    eventually has_window zenity || failed "no window appears: $(cat err 2>/dev/null)"
-}
-window_goes() { eventually has_no_window zenity || failed "the window stays"; }
+has_no_window() { ! has_window; }
+window_appears() { eventually has_window || failed "no window appears: $(cat err 2>/dev/null)"; }
 press() { xdotool key --delay 30 "$@"; }
 enter() { xdotool type --delay 15 "$1"; }
 # Sets X, Y, WIDTH and HEIGHT of the window, in pixels.
@@ -148,29 +136,21 @@ click_from_corner() {
     xdotool mousemove $((X + WIDTH - $1)) $((Y + HEIGHT - $2)) click 1
 }
 shows() { start_dialog "$@" && window_appears; }
-has_rows() { [[ -e labels.rows && $(<labels.rows) == "$1" ]]; }
+has_rows() { [[ $(tail -n 1 labels 2>/dev/null) == "rows $1" ]]; }
 shows_rows() { # number of rows, arguments
-    local rows=$1
-    shift
-    shows "$@"
-    eventually has_rows "$rows" || failed "the list has $(<labels.rows) rows, not $rows"
+    shows "${@:2}"
+    eventually has_rows "$1" || failed "the list has not $1 rows: $(<labels)"
 }
 
 # --- a terminal of the test's own ---
 
 tmux_does() { tmux -N -L "$terminal_name" "$@"; }
 start_terminal() { # columns, rows
-    needs tmux whiptail
+    needs tmux
     terminal_name=trying-$$
-    TMUX_TMPDIR=$stage
-    export TMUX_TMPDIR
-    cat >"$stage/tmux.conf" <<'CONF'
-set -g exit-empty off
-set -g default-terminal screen
-set -g status off
-set -s escape-time 0
-CONF
-    setpriv --pdeathsig KILL tmux -L "$terminal_name" -f "$stage/tmux.conf" -D \
+    export TMUX_TMPDIR=$stage
+    printf 'set -g %s\n' 'exit-empty off' 'default-terminal screen' 'status off' >tmux.conf
+    setpriv --pdeathsig KILL tmux -L "$terminal_name" -f tmux.conf -D \
         </dev/null >/dev/null 2>&1 &
     terminal_server=$!
     eventually tmux_does new-session -d -x "$1" -y "$2" \
@@ -180,12 +160,9 @@ CONF
 }
 screen() { tmux_does capture-pane -p; }
 on_screen() { [[ $(screen) == *"$1"* ]]; }
-not_on_screen() { ! on_screen "$1"; }
 keys() { tmux_does send-keys "$@"; }
 types() { tmux_does send-keys -l -- "$1"; }
-appears() {
-    eventually on_screen "$1" || failed "not on the screen: '$1' but: $(screen)"
-}
+appears() { eventually on_screen "$1" || failed "not on the screen: '$1' but: $(screen)"; }
 # Runs a command in the terminal; its status comes to the file `status`.
 in_terminal() {
     rm -f status
@@ -204,30 +181,13 @@ terminal_ends_with() {
     fi
 }
 
-# --- the whole program ---
+# --- the whole program, in the demo's region ---
 
-# Makes a region under `$region` with a record of today in its log.
-make_region() {
-    region=$stage/region
-    gatebits=$region/gatebits.txt
-    mkdir -p "$region/log" "$region/query_results"
-    cat >"$gatebits" <<END
-#!gatescope_unix_gatewarden_check=
-#!gatescope_unix_browser=
-gatewarden;;;trial;
-;$region;A;
-;;
-;;
-; ;
-; ;
-;Welcome to the region.;;
-D;000000000000000000000000;
-pre_checkin;R; ;0;0;0;D; ;N; ;0;;;;;0;E;;;
-END
-    printf '%d:S:anna[2]-<->\n' "$(date +%s)" >"$region/log/logging_0.txt"
-    cp "$gatebits" before
+region=$stage/region
+gatebits=$region/gatebits.txt
+menus() { printf "GATESCOPE_PROGRAM='%s' '%s' %s '%s'" \
+    "${GATESCOPE_PROGRAM:?names the program}" "$source_directory/scripts/demo" "$1" "$region"; }
+expect_change() { # line before, line after
+    expect_equal "the change" "< $1"$'\n'"> $2" "$(diff before "$gatebits" | grep '^[<>]')"
 }
-# The changed lines of the policy file.
-changes() { diff before "$gatebits" | grep '^[<>]'; }
-pages() { find "$region/query_results" -name '*_Q01.html' | wc -l; }
-has_page() { [[ $(pages) == 1 ]]; }
+has_page() { [[ $(find "$region" -name '*_Q01.html' -size +0 | wc -l) == 1 ]]; }

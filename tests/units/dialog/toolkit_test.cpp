@@ -8,8 +8,8 @@
 
 #include "base/commands.h"
 #include "base/files.h"
-#include "base/process_end.h"
 #include "base/temporary_files.h"
+#include "dialog/process_end.h"
 #include "support/limit_file_size.h"
 #include "units/on_stage.h"
 

@@ -3,7 +3,7 @@
 #include <limits>
 #include <numeric>
 
-#include "base/process_end.h"
+#include "dialog/process_end.h"
 #include "log_region.h"
 #include "support/expect_gripe.h"
 

@@ -19,8 +19,9 @@ namespace {
 const fs::path SOURCE = fs::path(SOURCE_DIRECTORY) / "src";
 
 /// A folder is a floor; from the ground up.
-const std::vector<std::string> FLOORS = {"messages", "base",   "dialog",  "policy",  "logs",
-                                         "pruning",  "report", "queries", "actions", "main"};
+const std::vector<std::string> FLOORS = {"messages", "base",    "dialog", "policy",
+                                         "logs",     "pruning", "report", "queries",
+                                         "actions",  "main",    "history"};
 
 /// The floor of a file, given below src/, from 1; 0 when it stands on none.
 int floor_of(const fs::path& file) {

@@ -23,7 +23,7 @@ bool is_elsewhere(const std::string& piece) {
 
 TEST(HiddenNames, TheOptimizerDoesNotPutThemTogether) {
     const std::string bytes = bytes_of(OPTIMIZED_STARTUP);
-    ASSERT_NE(bytes.find("UNMAPPED_REMOTE"), std::string::npos) << "the search finds nothing";
+    ASSERT_NE(bytes.find("junk_test"), std::string::npos) << "the search finds nothing";
     for (const std::string name :
          {"CLEARCASE_VIEW_KIND", "ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
         for (std::size_t at = 0; at + SHORTEST <= name.size(); ++at) {

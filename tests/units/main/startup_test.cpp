@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 
+#include "base/operator_name.h"
 #include "base/run_identity.h"
 #include "base/text.h"
 #include "dialog/messages.h"

@@ -19,12 +19,12 @@ class GatebitsFile : public OnStage {
     /// Sets the line whatever the operator was shown.
     ChangeResult set_line(int n, const std::string& text) const {
         return change(gatebits_file, {Gatebits(std::string()), nothing},
-                      [&](const Gatebits& now) { return set_a_line(now, n, text); })
+                      [&](const Gatebits& now) { return set_a_line(now, n, text); }, {})
             .result;
     }
     ChangeResult set_field(const FieldValue& value) const {
         return change(gatebits_file, {Gatebits(std::string()), nothing},
-                      [&](const Gatebits& now) { return set_a_field(now, value); })
+                      [&](const Gatebits& now) { return set_a_field(now, value); }, {})
             .result;
     }
 };
@@ -50,9 +50,9 @@ TEST_F(GatebitsFile, AnEditIsMadeOfTheFileAsItIsNow) {
     use_gatebits("one;\ntwo;\n");
     const Gatebits shown = read_gatebits(gatebits_file);
     use_gatebits("one;\n\ntwo;\nthree;\n");
-    const Changed changed = change(gatebits_file, {shown, line_number(2)}, [](const Gatebits& now) {
-        return set_a_line(now, 2, DELETION_TOKEN);
-    });
+    const Changed changed =
+        change(gatebits_file, {shown, line_number(2)},
+               [](const Gatebits& now) { return set_a_line(now, 2, DELETION_TOKEN); }, {});
     EXPECT_EQ(changed.result, ChangeResult::WRITTEN);
     EXPECT_EQ(changed.before.text(), "one;\n\ntwo;\nthree;\n");
     EXPECT_EQ(region.gatebits(), "one;\n\nthree;\n");
@@ -65,11 +65,12 @@ TEST_F(GatebitsFile, NoEditIsMadeWhenWhatWasShownHasChanged) {
     const Gatebits shown = read_gatebits(gatebits_file);
     const std::string theirs = "zero;\n\none;\ntwo;\n";
     use_gatebits(theirs);
-    const Changed changed =
-        change(gatebits_file, {shown, line_number(2)}, [](const Gatebits& now) -> Rewrite {
-            ADD_FAILURE() << "it was asked for an edit";
-            return {ChangeResult::WRITTEN, now};
-        });
+    const Changed changed = change(gatebits_file, {shown, line_number(2)},
+                                   [](const Gatebits& now) -> Rewrite {
+                                       ADD_FAILURE() << "it was asked for an edit";
+                                       return {ChangeResult::WRITTEN, now};
+                                   },
+                                   {});
     EXPECT_EQ(changed.result, ChangeResult::CHANGED_MEANWHILE);
     EXPECT_EQ(changed.before.text(), theirs);
     EXPECT_EQ(changed.now.text(), theirs);
@@ -94,10 +95,12 @@ TEST_F(GatebitsFile, TheLockIsHeldFromTheReadingToTheWriting) {
         return flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     };
     EXPECT_FALSE(is_locked());
-    change(gatebits_file, {Gatebits(std::string()), nothing}, [&](const Gatebits& now) {
-        EXPECT_TRUE(is_locked());
-        return set_a_line(now, 1, "two;");
-    });
+    change(gatebits_file, {Gatebits(std::string()), nothing},
+           [&](const Gatebits& now) {
+               EXPECT_TRUE(is_locked());
+               return set_a_line(now, 1, "two;");
+           },
+           {});
     EXPECT_FALSE(is_locked());
     EXPECT_EQ(region.gatebits(), "two;\n");
 }

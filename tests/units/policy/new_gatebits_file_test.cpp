@@ -28,7 +28,7 @@ class NewGatebitsFile : public testing::Test {
 
 TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
     const mode_t mask = umask(027);
-    EXPECT_EQ(create_gatebits_file(path("new.txt"), "a\nb\n"), NewFile::CREATED);
+    EXPECT_EQ(create_gatebits_file(path("new.txt"), "a\nb\n", {}), NewFile::CREATED);
     umask(mask);
     EXPECT_EQ(directory.read("new.txt"), "a\nb\n");
     struct stat status;
@@ -39,7 +39,7 @@ TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
 
 TEST_F(NewGatebitsFile, NeverTakesAnotherFilesPlace) {
     directory.write("taken.txt", "theirs\n");
-    EXPECT_EQ(create_gatebits_file(path("taken.txt"), "ours\n"), NewFile::EXISTS);
+    EXPECT_EQ(create_gatebits_file(path("taken.txt"), "ours\n", {}), NewFile::EXISTS);
     EXPECT_EQ(directory.read("taken.txt"), "theirs\n");
     EXPECT_EQ(files(), std::set<std::string>{"taken.txt"});
 }
@@ -48,7 +48,7 @@ TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
     std::filesystem::create_directory(path("folder"));
     std::filesystem::create_symlink("folder/link.txt", path("first.txt"));
     std::filesystem::create_symlink(path("new.txt"), path("folder/link.txt"));
-    EXPECT_EQ(create_gatebits_file(path("first.txt"), "ours\n"), NewFile::CREATED);
+    EXPECT_EQ(create_gatebits_file(path("first.txt"), "ours\n", {}), NewFile::CREATED);
     EXPECT_TRUE(std::filesystem::is_symlink(path("first.txt")));
     EXPECT_FALSE(std::filesystem::is_symlink(path("new.txt")));
     EXPECT_EQ(directory.read("new.txt"), "ours\n");
@@ -58,10 +58,10 @@ TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
 TEST_F(NewGatebitsFile, LinksThatLeadToAFileOrInACircleCreateNothing) {
     directory.write("taken.txt", "theirs\n");
     std::filesystem::create_symlink("taken.txt", path("link.txt"));
-    EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n"), NewFile::EXISTS);
+    EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n", {}), NewFile::EXISTS);
     EXPECT_EQ(directory.read("taken.txt"), "theirs\n");
     std::filesystem::create_symlink("circle.txt", path("circle.txt"));
-    EXPECT_EQ(create_gatebits_file(path("circle.txt"), "ours\n"), NewFile::NOT_CREATED);
+    EXPECT_EQ(create_gatebits_file(path("circle.txt"), "ours\n", {}), NewFile::NOT_CREATED);
     EXPECT_EQ(files(), (std::set<std::string>{"circle.txt", "link.txt", "taken.txt"}));
 }
 
@@ -70,16 +70,16 @@ TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
     ASSERT_EQ(chmod(path("open").c_str(), 01777), 0);
     std::filesystem::create_symlink(path("new.txt"), path("open/link.txt"));
     if (lchown(path("open/link.txt").c_str(), 65534, 65534) != 0) GTEST_SKIP() << "needs root";
-    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::NOT_CREATED);
+    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n", {}), NewFile::NOT_CREATED);
     EXPECT_EQ(files(), std::set<std::string>{"open"});
     ASSERT_EQ(chmod(path("open").c_str(), 0755), 0);
-    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n"), NewFile::CREATED);
+    EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n", {}), NewFile::CREATED);
 }
 
 TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
     directory.write("victim.txt", "theirs\n");
     std::filesystem::create_symlink(path("victim.txt"), path(".gatescope_new_4711"));
-    EXPECT_EQ(create_gatebits_file(path("new.txt"), "ours\n"), NewFile::CREATED);
+    EXPECT_EQ(create_gatebits_file(path("new.txt"), "ours\n", {}), NewFile::CREATED);
     EXPECT_EQ(directory.read("victim.txt"), "theirs\n");
     EXPECT_EQ(files(), (std::set<std::string>{"new.txt", "victim.txt"}));
 }
@@ -87,7 +87,7 @@ TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
 TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
     for (const std::string& name : {std::string("none/new.txt"), std::string(256, 'n'),
                                     std::string(5000, 'n'), std::string("new.txt/")}) {
-        EXPECT_EQ(create_gatebits_file(path(name), "ours\n"), NewFile::NOT_CREATED) << name;
+        EXPECT_EQ(create_gatebits_file(path(name), "ours\n", {}), NewFile::NOT_CREATED) << name;
     }
     EXPECT_EQ(files(), std::set<std::string>{});
 }
@@ -95,7 +95,7 @@ TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
 TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
     const auto create_with_little_room = [this] {
         limit_file_size(4096);
-        create_gatebits_file(path("new.txt"), std::string(4097, 'x'));
+        create_gatebits_file(path("new.txt"), std::string(4097, 'x'), {});
     };
     EXPECT_GRIPE(create_with_little_room(), "ERROR: Could not write the new gatebits file (" +
                                                 path("new.txt") +

@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "base/process_end.h"
+#include "dialog/process_end.h"
 #include "policy/aliases.h"
 #include "units/on_stage.h"
 

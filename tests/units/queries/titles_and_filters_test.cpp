@@ -27,117 +27,78 @@ class GivenQuery : public QueryRegion {
     }
 };
 
-TEST_F(GivenQuery, OneIsOfOneCommand) {
-    ask(1);
-    EXPECT_EQ(graph_title,
-              "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the "
-              "user (ann)");
-    EXPECT_THAT(filters, ElementsAre("[2]", ":ann[", ":", ":"));
-}
+// "One" is what the fixture gives: checkin, ann, bit 5 and key 7.
+enum class Values { ONE, ALL };
+constexpr auto ONE = Values::ONE;
+constexpr auto ALL_OF_THEM = Values::ALL;
+constexpr int FULL = 1;
+constexpr int LITE = 0;
 
-TEST_F(GivenQuery, OneIsOfAllCommands) {
+struct Given {
+    int query;
+    int edition;
+    Values values;
+    const char* title;
+    /// With a blank between them.
+    const char* filters;
+};
+
+constexpr Given GIVEN[] = {
+    {1, FULL, ONE,
+     "ClearCase command success/denied usage for:<br><dd>the (checkin) command for the user (ann)",
+     "[2] :ann[ : :"},
+    {1, FULL, ALL_OF_THEM,
+     "ClearCase command success/denied usage for:<br>(all) commands for (all) users", "[ : : :"},
+    {2, FULL, ONE,
+     "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for the user (ann)",
+     ":B: <5> :ann[ :"},
+    {2, FULL, ALL_OF_THEM, "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users",
+     ":B: : : :"},
+    {3, FULL, ONE, "ClearCase Comand Key usage for:<br>key #7 for the user (ann) for the (checkin)",
+     "]K< <7> :ann[ [2]"},
+    {3, FULL, ALL_OF_THEM,
+     "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) commands",
+     "]K< : : :"},
+    {3, LITE, ONE, "ClearCase CPD usage for:<br>CPD #7 for the user (ann) for the (checkin)",
+     "]C< <7> :ann[ [2]"},
+    {3, LITE, ALL_OF_THEM,
+     "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands", "]C< : : :"},
+    {4, FULL, ONE,
+     "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (ann)",
+     ":B: :ann[ : :"},
+    {4, FULL, ALL_OF_THEM,
+     "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for (all) users", ":B: : : :"},
+    {5, FULL, ONE,
+     "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for the user (ann) for the (checkin)",
+     "]K< :ann[ [2] :"},
+    {5, FULL, ALL_OF_THEM,
+     "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for (all) commands",
+     "]K< : : :"},
+    {5, LITE, ONE,
+     "ClearCase CPD vs. CPD usage for:<br>(all) CPDs for the user (ann) for the (checkin)",
+     "]C< :ann[ [2] :"},
+    {6, FULL, ONE,
+     "ClearCase command allowed/denied by parent policy for:<br><dd>the (checkin) command for the "
+     "user (ann)",
+     "[2] :ann[ : :"},
+    {6, FULL, ALL_OF_THEM,
+     "ClearCase command allowed/denied by parent policy for:<br>(all) commands for (all) users",
+     "[ : : :"},
+};
+
+TEST_F(GivenQuery, HasItsTitleAndFilters) {
+    const Options one = options;
     all_of_everything();
-    ask(1);
-    EXPECT_EQ(graph_title,
-              "ClearCase command success/denied usage for:<br>(all) commands for (all) users");
-    EXPECT_THAT(filters, ElementsAre("[", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, TwoIsOfOneBit) {
-    ask(2);
-    EXPECT_EQ(graph_title,
-              "ClearCase Functionality Bit usage for:<br>bit #5 (BIT__VOB_OWNER_CI_MAIN) for the "
-              "user (ann)");
-    EXPECT_THAT(filters, ElementsAre(":B:", "<5>", ":ann[", ":"));
-}
-
-TEST_F(GivenQuery, TwoIsOfAllBits) {
-    all_of_everything();
-    ask(2);
-    EXPECT_EQ(graph_title, "ClearCase Functionality Bit usage for:<br>(all) bits for (all) users");
-    EXPECT_THAT(filters, ElementsAre(":B:", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, ThreeIsOfOneKey) {
-    ask(3);
-    EXPECT_EQ(graph_title,
-              "ClearCase Comand Key usage for:<br>key #7 for the user (ann) for the (checkin)");
-    EXPECT_THAT(filters, ElementsAre("]K<", "<7>", ":ann[", "[2]"));
-}
-
-TEST_F(GivenQuery, ThreeIsOfAllKeys) {
-    all_of_everything();
-    ask(3);
-    EXPECT_EQ(graph_title,
-              "ClearCase Command Key denials for:<br>(all) keys for (all) users for (all) "
-              "commands");
-    EXPECT_THAT(filters, ElementsAre("]K<", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, ThreeOfTheLiteEditionIsOfCpds) {
-    GATEWARDEN_IS = 0;
-    ask(3);
-    EXPECT_EQ(graph_title,
-              "ClearCase CPD usage for:<br>CPD #7 for the user (ann) for the (checkin)");
-    EXPECT_THAT(filters, ElementsAre("]C<", "<7>", ":ann[", "[2]"));
-
-    all_of_everything();
-    ask(3);
-    EXPECT_EQ(graph_title,
-              "ClearCase CPD denials for:<br>(all) keys for (all) users for (all) commands");
-    EXPECT_THAT(filters, ElementsAre("]C<", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, FourIsOfAUser) {
-    ask(4);
-    EXPECT_EQ(graph_title,
-              "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for the user (ann)");
-    EXPECT_THAT(filters, ElementsAre(":B:", ":ann[", ":", ":"));
-
-    all_of_everything();
-    ask(4);
-    EXPECT_EQ(graph_title,
-              "ClearCase Functionality Bit Vs. Bit usage for:<br>(all) bits for (all) users");
-    EXPECT_THAT(filters, ElementsAre(":B:", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, FiveIsOfAUserAndACommand) {
-    ask(5);
-    EXPECT_EQ(graph_title,
-              "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for the user (ann) for the "
-              "(checkin)");
-    EXPECT_THAT(filters, ElementsAre("]K<", ":ann[", "[2]", ":"));
-
-    all_of_everything();
-    ask(5);
-    EXPECT_EQ(graph_title,
-              "ClearCase Comand Key vs. Key usage for:<br>(all) Keys for (all) users for (all) "
-              "commands");
-    EXPECT_THAT(filters, ElementsAre("]K<", ":", ":", ":"));
-}
-
-TEST_F(GivenQuery, FiveOfTheLiteEditionIsOfCpds) {
-    GATEWARDEN_IS = 0;
-    ask(5);
-    EXPECT_EQ(graph_title,
-              "ClearCase CPD vs. CPD usage for:<br>(all) CPDs for the user (ann) for the "
-              "(checkin)");
-    EXPECT_THAT(filters, ElementsAre("]C<", ":ann[", "[2]", ":"));
-}
-
-TEST_F(GivenQuery, SixIsOfTheParentPolicy) {
-    ask(6);
-    EXPECT_EQ(graph_title,
-              "ClearCase command allowed/denied by parent policy for:<br><dd>the (checkin) "
-              "command for the user (ann)");
-    EXPECT_THAT(filters, ElementsAre("[2]", ":ann[", ":", ":"));
-
-    all_of_everything();
-    ask(6);
-    EXPECT_EQ(graph_title,
-              "ClearCase command allowed/denied by parent policy for:<br>(all) commands for (all) "
-              "users");
-    EXPECT_THAT(filters, ElementsAre("[", ":", ":", ":"));
+    const Options all = options;
+    for (const Given& given : GIVEN) {
+        options = given.values == ONE ? one : all;
+        GATEWARDEN_IS = given.edition;
+        ask(given.query);
+        EXPECT_EQ(graph_title, given.title);
+        EXPECT_EQ(filters[0] + ' ' + filters[1] + ' ' + filters[2] + ' ' + filters[3],
+                  given.filters)
+            << given.title;
+    }
 }
 
 TEST_F(GivenQuery, TheLastCommandHasTheLastNumber) {

@@ -1,4 +1,4 @@
-#include "base/process_end.h"
+#include "dialog/process_end.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

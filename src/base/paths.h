@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+/// The directory that holds `path`.
+std::string directory_of(const std::string& path);
+
+/// The path of `name` in the directory that holds `path`.
+std::string beside(const std::string& path, const std::string& name);
+
+/// The path that a symbolic link says; nothing when it cannot be read.
+std::optional<std::string> target_of_link(const std::string& link);
+
+/// The file that `path` names in the end, all links followed; `path` itself when it names none.
+std::string end_of_links(const std::string& path);

@@ -1,0 +1,18 @@
+#include <new>
+
+#include "base/signals.h"
+#include "base/standard_streams.h"
+#include "dialog/messages.h"
+#include "history/program.h"
+#include "messages/startup_texts.h"
+
+int main(int argument_count, char** arguments) {
+    open_missing_standard_streams();
+    end_in_order_on_signals();
+    ZUL_PREFER_GUI = ERRORS_ALONE;
+    try {
+        return run_history_program(argument_count, arguments);
+    } catch (const std::bad_alloc&) {
+        gripe(NO_MEMORY);
+    }
+}

@@ -1,0 +1,48 @@
+#include "base/paths.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "support/scratch_directory.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+TEST(Paths, DirectoryIsWhatHoldsTheName) {
+    EXPECT_EQ(directory_of("name"), ".");
+    EXPECT_EQ(directory_of("/name"), "/");
+    EXPECT_EQ(directory_of("a/name"), "a");
+    EXPECT_EQ(directory_of("/a/b/name"), "/a/b");
+    EXPECT_EQ(directory_of("/a/"), "/a");
+}
+
+TEST(Paths, BesideIsInTheSameDirectory) {
+    EXPECT_EQ(beside("name", "other"), "other");
+    EXPECT_EQ(beside("/name", "other"), "/other");
+    EXPECT_EQ(beside("a/b/name", "other"), "a/b/other");
+}
+
+TEST(Paths, LinkSaysAPathFromWhereItStands) {
+    const ScratchDirectory directory;
+    fs::create_symlink("../there", directory / "relative");
+    fs::create_symlink("/there", directory / "absolute");
+    directory.write("file", "");
+    EXPECT_EQ(target_of_link(directory / "relative"), directory / "../there");
+    EXPECT_EQ(target_of_link(directory / "absolute"), "/there");
+    EXPECT_EQ(target_of_link(directory / "file"), std::nullopt);
+    EXPECT_EQ(target_of_link(directory / "none"), std::nullopt);
+}
+
+TEST(Paths, EndOfLinksIsAFileOrThePathItself) {
+    const ScratchDirectory directory;
+    directory.write("file", "");
+    fs::create_symlink("file", directory / "link");
+    fs::create_symlink("link", directory / "link_to_link");
+    fs::create_symlink("none", directory / "dangling");
+    EXPECT_EQ(end_of_links(directory / "link_to_link"), fs::canonical(directory / "file"));
+    EXPECT_EQ(end_of_links(directory / "dangling"), directory / "dangling");
+}
+
+}  // namespace
