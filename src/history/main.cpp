@@ -7,7 +7,10 @@
 #include "messages/startup_texts.h"
 
 int main(int argument_count, char** arguments) {
-    open_missing_standard_streams();
+    if (const int error = open_missing_standard_streams()) {
+        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), HISTORY_PROGRAM);
+        return PROGRAM_ERROR;
+    }
     end_in_order_on_signals();
     ZUL_PREFER_GUI = ERRORS_ALONE;
     try {

@@ -27,8 +27,10 @@ std::function<void()>& after_next_stat() {
 }  // namespace
 
 /// Takes the place of the C library's, which knows no moment between a look and what follows it.
-extern "C" int stat(const char* path, struct stat* status) noexcept {
-    const int result = fstatat(AT_FDCWD, path, status, 0);
+extern "C" int fstatat(int directory, const char* path, struct stat* status, int flags) noexcept {
+    const int no_link = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
+    const Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));
+    const int result = file ? fstat(file.get(), status) : -1;
     const int reason = errno;
     if (const std::function<void()> what = std::exchange(after_next_stat(), nullptr)) what();
     errno = reason;
