@@ -1,5 +1,7 @@
+#include <cstring>
 #include <new>
 
+#include "base/filled.h"
 #include "base/signals.h"
 #include "base/standard_streams.h"
 #include "dialog/messages.h"
@@ -8,8 +10,8 @@
 
 int main(int argument_count, char** arguments) {
     if (const int error = open_missing_standard_streams()) {
-        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), HISTORY_PROGRAM);
-        return PROGRAM_ERROR;
+        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), "gatescope-history");
+        return 2;
     }
     end_in_order_on_signals();
     ZUL_PREFER_GUI = ERRORS_ALONE;

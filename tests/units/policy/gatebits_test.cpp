@@ -6,7 +6,7 @@
 
 namespace {
 
-const std::string DEPOT_BLOCK =
+const std::string KEYLESS_BLOCK =
     "gatewarden;;;east;\n;/depot;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;000000000000000000000000;\n";
 
 class GatebitsText : public testing::Test {
@@ -95,26 +95,26 @@ TEST_F(GatebitsText, SetALineReplacesThatLineOnly) {
 }
 
 TEST_F(GatebitsText, TheDeletionTokenRemovesAKey) {
-    use(DEPOT_BLOCK + "# keys\nkey 0;\nkey 1;\n");
+    use(KEYLESS_BLOCK + "# keys\nkey 0;\nkey 1;\n");
     EXPECT_EQ(set_line(FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
-    EXPECT_EQ(gatebits.text(), DEPOT_BLOCK + "# keys\n\nkey 1;\n");
+    EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "# keys\n\nkey 1;\n");
     EXPECT_EQ(line(FIRST_KEY_LINE), "key 1;");
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
 }
 
 TEST_F(GatebitsText, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
-    use(DEPOT_BLOCK + "key 0;\nkey 1;\n");
+    use(KEYLESS_BLOCK + "key 0;\nkey 1;\n");
     set_line(FIRST_KEY_LINE, DELETION_TOKEN);
     set_line(FIRST_KEY_LINE, "key 2;");
-    EXPECT_EQ(gatebits.text(), DEPOT_BLOCK + "key 2;\n");
+    EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "key 2;\n");
 }
 
 TEST_F(GatebitsText, AnEmptyTextIsWrittenAsAnEmptyLine) {
-    use(DEPOT_BLOCK + "key 0;\nkey 1;\n");
+    use(KEYLESS_BLOCK + "key 0;\nkey 1;\n");
     set_line(FIRST_KEY_LINE, "");
-    EXPECT_EQ(gatebits.text(), DEPOT_BLOCK + "\nkey 1;\n");
+    EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "\nkey 1;\n");
     set_line(0, "");
-    EXPECT_EQ(gatebits.text(), DEPOT_BLOCK + "key 1;\n\n");
+    EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "key 1;\n\n");
 }
 
 TEST_F(GatebitsText, OnlyTheExactTokenDeletes) {
@@ -124,9 +124,9 @@ TEST_F(GatebitsText, OnlyTheExactTokenDeletes) {
 }
 
 TEST_F(GatebitsText, LineZeroAppendsAfterEverything) {
-    use(DEPOT_BLOCK + "# the end\n");
+    use(KEYLESS_BLOCK + "# the end\n");
     EXPECT_EQ(set_line(0, "a key;"), ChangeResult::WRITTEN);
-    EXPECT_EQ(gatebits.text(), DEPOT_BLOCK + "# the end\na key;\n");
+    EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "# the end\na key;\n");
 }
 
 TEST_F(GatebitsText, ANumberAfterTheLastLineOnlyDropsBlankLines) {
@@ -148,7 +148,7 @@ TEST_F(GatebitsText, WhereTheCounterStartsOverOnlyTheFirstLineWithTheNumberIsRep
 TEST_F(GatebitsText, AFieldOfALongFileIsSetInItsLineOnly) {
     std::string keys;
     for (int i = 0; i < 281; ++i) keys += "key " + std::to_string(i) + ";one;two;\n";
-    use(DEPOT_BLOCK + keys);
+    use(KEYLESS_BLOCK + keys);
     EXPECT_EQ(set_field({MOTD_LINE, 2, "hello"}, {{PARENT_LINE, 1, "p"}}), ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(),
               "gatewarden;;;east;\n;/depot;O;\np;;\n;;\n; ;\n; ;\n;hello;;\n"
