@@ -5,7 +5,7 @@ target_link_libraries(fill_templates PRIVATE gatescope_core gatescope_flags)
 
 # The programs that are installed. Each has a page in section 1 of the manual,
 # docs/manual/<program>.1.in, and a template completion/<program>.<shell>.in for each shell.
-set(GATESCOPE_PROGRAMS gatescope)
+set(GATESCOPE_PROGRAMS gatescope gatescope-history)
 set(GATESCOPE_SHELLS bash zsh fish)
 
 # gatescope_completion_path(<program> <shell> <variable>): where below the directory of shared data

@@ -53,11 +53,13 @@ void write_scratch_file(const std::string& path, const std::string& text) {
     if (error != 0) gripe_unchanged(path, std::strerror(error));
 }
 
-/// Puts the text in the old one's place; `open_file` is that file, where it is open.
+/// Puts the text in the old one's place, and has the change recorded unless it is none; `open_file`
+/// is the file, where it is open.
 void write_gatebits(const std::string& path, const std::string& old_text, const std::string& text,
-                    const RecordedChange& change, const Descriptor& open_file) {
+                    const std::optional<RecordedChange>& change, const Descriptor& open_file) {
     write_scratch_file(path, text);
-    HistoryRecord record = record_change(path, old_text, change);
+    HistoryRecord record;
+    if (change) record = record_change(path, old_text, *change);
     const auto failure = replace_file(path, text, t_file_name(), open_file);
     if (!failure) return;
     if (is_unchanged(*failure)) record.take_back();
@@ -109,11 +111,11 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     }
     const Rewrite wanted = edit(now);
     if (!wanted.text) return {wanted.result, now, now};
-    const bool is_same = wanted.text->text() == now.text();
-    if (is_same && wanted.result != ChangeResult::WRITTEN) return {wanted.result, now, now};
     need_fit_to_be_read_back(path, now, *wanted.text);
-    RecordedChange made = record;
-    if (wanted.result != ChangeResult::WRITTEN) made.to = made.from;
+    std::optional<RecordedChange> made = record;
+    // The value was not written, but the file may get another text all the same.
+    if (wanted.result != ChangeResult::WRITTEN) made->to = made->from;
+    if (wanted.result != ChangeResult::WRITTEN && wanted.text->text() == now.text()) made.reset();
     write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};

@@ -15,6 +15,7 @@
 #include <thread>
 
 #include "base/file_identity.h"
+#include "base/files.h"
 #include "base/filled.h"
 #include "base/json.h"
 #include "base/operator_name.h"
@@ -53,9 +54,11 @@ Moment this_moment() {
     gripe(filled(CANNOT_RECORD, path.c_str(), reason.c_str()));
 }
 
-/// Gripes with errno's reason, unless it was done; of a link the system would speak of a ring.
+/// Gripes with errno's reason, unless it was done.
 void need(bool done, const std::string& path) {
-    if (!done) fail(path, errno == ELOOP ? NOT_A_REGULAR_FILE : std::strerror(errno));
+    // Of a link, and of a pipe, the system would speak of something else.
+    const bool is_other = errno == ELOOP || errno == EINVAL;
+    if (!done) fail(path, is_other ? NOT_A_REGULAR_FILE : std::strerror(errno));
 }
 
 /// Tries until it is done, or for too long.
@@ -69,14 +72,11 @@ bool done_in_time(std::chrono::seconds patience, Try done) {
 }
 
 Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds patience) {
-    constexpr int HOW =
-        O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     Descriptor lines;
     const bool has_lock = done_in_time(patience, [&] {
-        lines = Descriptor(open(path.c_str(), HOW, mode));
+        lines = Descriptor(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW));
         struct stat status = {};
         need(lines && fstat(lines.get(), &status) == 0, path);
-        if (!S_ISREG(status.st_mode)) fail(path, NOT_A_REGULAR_FILE);
         // A file of somebody else's may have been given the name.
         if (status.st_nlink > 1) fail(path, HAS_A_SECOND_NAME);
         const bool is_new = status.st_size == 0 && status.st_uid == geteuid();

@@ -20,6 +20,10 @@ contents >"$work/before"
 (umask 077 && cmake --install "$build" --prefix /opt/tools) >"$work/install.log"
 prefix=$root/opt/tools
 for file in bin/gatescope share/man/man1/gatescope.1 share/man/man5/gatescope-files.5 \
+    bin/gatescope-history share/man/man1/gatescope-history.1 \
+    share/bash-completion/completions/gatescope-history \
+    share/zsh/site-functions/_gatescope-history \
+    share/fish/vendor_completions.d/gatescope-history.fish \
     share/bash-completion/completions/gatescope share/zsh/site-functions/_gatescope \
     share/fish/vendor_completions.d/gatescope.fish share/doc/gatescope/README.md \
     share/doc/gatescope/CHANGELOG.md share/doc/gatescope/docs/architecture.md \
@@ -32,7 +36,8 @@ done
 grep -qx 'ExecStart=/opt/tools/bin/gatescope Q=1 .*' \
     "$prefix/share/doc/gatescope/examples/systemd/gatescope-report@.service" ||
     fail "the service does not start what was installed"
-for file in bin/gatescope share/doc/gatescope/examples/gatescope-metrics; do
+for file in bin/gatescope bin/gatescope-history \
+    share/doc/gatescope/examples/gatescope-metrics; do
     [ -x "$prefix/$file" ] || fail "$file cannot be executed"
 done
 for page in README.md CONTRIBUTING.md SECURITY.md; do
@@ -50,8 +55,11 @@ expect_looked_at zsh /usr/local/share/zsh/site-functions
 run_program "$prefix/bin/gatescope" -identify_self_as_gatescope || fail "the program does not run"
 run_program "$prefix/bin/gatescope" -ver | grep -qF "gatescope version ($version)" ||
     fail "the program does not know its version"
+run_program "$prefix/bin/gatescope-history" --version | grep -qx "gatescope-history $version" ||
+    fail "gatescope-history does not know its version"
 
 expect_hidden_names "$prefix/bin/gatescope"
+expect_hidden_names "$prefix/bin/gatescope-history"
 
 # A second installation must not make the first one's record forget anything.
 cmake --install "$build" --prefix /opt/tools >"$work/install.log"

@@ -22,6 +22,7 @@ closed=$(dpkg-deb --contents "$package" | grep -vE '^(drwxr-xr-x|-rw-r--r--|-rwx
 dpkg-deb --extract "$package" "$work/files"
 program=$work/files/usr/bin/gatescope
 expect_packaged "$program"
+expect_packaged "$program-history"
 for completion in bash-completion/completions/gatescope zsh/vendor-completions/_gatescope \
     fish/vendor_completions.d/gatescope.fish; do
     [ -s "$work/files/usr/share/$completion" ] || fail "there is no $completion"
@@ -29,7 +30,7 @@ done
 [ ! -e "$work/files/usr/share/zsh/site-functions" ] || fail "a directory of zsh is left over"
 expect_looked_at zsh /usr/share/zsh/vendor-completions
 expect_looked_at fish /usr/share/fish/vendor_completions.d
-for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
+for page in man1/gatescope.1.gz man1/gatescope-history.1.gz man5/gatescope-files.5.gz; do
     gzip -t "$work/files/usr/share/man/$page" || fail "$page is not a compressed page"
 done
 for file in copyright changelog.gz; do

@@ -86,7 +86,7 @@ mkdir "$root"
 in_root --install "$package" || fail "it does not install: $(cat "$work/rpm.log")"
 program=$root/usr/bin/gatescope
 expect_packaged "$program"
-for page in man1/gatescope.1.gz man5/gatescope-files.5.gz; do
+for page in man1/gatescope.1.gz man1/gatescope-history.1.gz man5/gatescope-files.5.gz; do
     gzip -t "$root/usr/share/man/$page" || fail "$page is not a compressed page"
 done
 grep -qx 'ExecStart=/usr/bin/gatescope Q=1 .*' \
