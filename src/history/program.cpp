@@ -15,11 +15,11 @@
 
 #include "base/filled.h"
 #include "base/operator_name.h"
-#include "dialog/process_end.h"
 #include "base/replace_file.h"
 #include "base/standard_streams.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"
+#include "dialog/process_end.h"
 #include "history/change_list.h"
 #include "history/changes.h"
 #include "history/line_diff.h"

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "base/filled.h"
-#include "base/whole_file.h"
 #include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
+#include "base/whole_file.h"
 #include "base/writers.h"
 #include "dialog/messages.h"
 #include "logs/kept_records.h"

@@ -16,8 +16,8 @@
 #include "faults/append_only.h"
 #include "faults/in_child.h"
 #include "faults/small_disk.h"
-#include "support/needs.h"
 #include "policy/write_failure.h"
+#include "support/needs.h"
 #include "support/scratch_directory.h"
 
 namespace {
