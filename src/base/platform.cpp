@@ -26,7 +26,10 @@
 #if GATESCOPE_HAS_FLOCK
 
 int lock_exclusively(int file) {
-    return flock(file, LOCK_EX | LOCK_NB) == 0 ? 0 : errno;
+    while (flock(file, LOCK_EX | LOCK_NB) != 0) {
+        if (errno != EINTR) return errno;
+    }
+    return 0;
 }
 
 #else

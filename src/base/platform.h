@@ -9,7 +9,7 @@
 // errno.
 
 /// Locks an open file, without waiting, for as long as it is open here, against all who lock it
-/// like this. EWOULDBLOCK when another has locked it; EINTR; or the errno of a file system without
+/// like this. EWOULDBLOCK when another has locked it, or the errno of a file system without
 /// locks. Without flock it is a lock of fcntl, which only takes what is open for writing (EBADF),
 /// and so no directory.
 int lock_exclusively(int file);

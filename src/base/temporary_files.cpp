@@ -100,6 +100,10 @@ void unlink_temporary_files() {
     unlink_all(places_for_signals);
 }
 
+RemovedOnException::~RemovedOnException() {
+    if (std::uncaught_exceptions() > before_) unlink_temporary_files();
+}
+
 int create_temporary_file(const std::string& path, mode_t mode) {
     const SignalsHeld held;
     if (would_stay_at(path)) {

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <sys/types.h>
 
+#include <exception>
 #include <string>
 
 #include "base/descriptor.h"
@@ -28,6 +29,19 @@ void remove_temporary_files();
 /// For signal handlers: removes every file on the list, and leaves the list as it is. Those for
 /// signals only go last.
 void unlink_temporary_files();
+
+/// Removes every file on the list when an exception leaves the block that this stands in: before
+/// the directories are closed that the paths begin at.
+class RemovedOnException {
+  public:
+    RemovedOnException() = default;
+    ~RemovedOnException();
+    RemovedOnException(const RemovedOnException&) = delete;
+    RemovedOnException& operator=(const RemovedOnException&) = delete;
+
+  private:
+    const int before_ = std::uncaught_exceptions();
+};
 
 /// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
 /// never followed. The file is on the list of temporary files from then on. The descriptor, or -1

@@ -157,6 +157,8 @@ std::string prune(const LogsToPrune& region, std::uint8_t days, const Patience& 
     std::vector<Log> logs = find_logs(region.directory, directory, &bytes);
     Work work = {directory, name_of(pruning_scratch_path(region.directory)),
                  name_of(pruning_token_path(region.directory)), cut_off, Progress(bytes)};
+    // The lack of memory is the only one.
+    const RemovedOnException token_and_scratch_file;
     put_up_token(work, Moment::clock::now() + patience.longest_write);
     std::this_thread::sleep_for(patience.pause);
     // Left by a run that was killed. If it stays, making a new one says why.
