@@ -15,7 +15,6 @@
 
 #include "base/filled.h"
 #include "base/operator_name.h"
-#include "base/replace_file.h"
 #include "base/standard_streams.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"

@@ -1,7 +1,6 @@
 #include "policy/history.h"
 
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,9 +18,10 @@
 #include "base/filled.h"
 #include "base/json.h"
 #include "base/operator_name.h"
-#include "base/replace_file.h"
+#include "base/platform.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
 #include "messages/history_texts.h"
@@ -81,8 +81,9 @@ Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds
         if (status.st_nlink > 1) fail(path, HAS_A_SECOND_NAME);
         const bool is_new = status.st_size == 0 && status.st_uid == geteuid();
         need(!is_new || fchmod(lines.get(), mode) == 0, path);
-        const bool locked = flock(lines.get(), LOCK_EX | LOCK_NB) == 0;
-        need(locked || errno == EWOULDBLOCK || errno == EINTR, path);
+        errno = lock_exclusively(lines.get());
+        const bool locked = errno == 0;
+        need(locked || errno == EWOULDBLOCK, path);
         return locked && is_name_of(path, lines.get());
     });
     if (!has_lock) fail(path, filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count())));
