@@ -52,12 +52,12 @@ fi
 
 if command -v zsh >/dev/null; then
     zsh -n "$completions/zsh/site-functions/_gatescope-history" || faults=$((faults + 1))
-    # What the function hands to zsh's own: each specification that _arguments gets.
-    specifications=$(zsh -fc "_arguments() { print -rl -- \"\$@\" } ; compdef() { }
+    # What the function hands to zsh's own: each argument that _arguments gets.
+    given=$(zsh -fc "_arguments() { print -rl -- \"\$@\" } ; compdef() { }
         source '$completions/zsh/site-functions/_gatescope-history'; _gatescope-history")
     for wanted in '(- *)--help[show the usage]' '-d+[the history]:directory:_files -/' \
         '1:command:((list\:"show the changes" diff'; do
-        grep -qF -- "$wanted" <<<"$specifications" || expect "zsh" "$wanted" "$specifications"
+        grep -qF -- "$wanted" <<<"$given" || expect "zsh" "$wanted" "$given"
     done
 fi
 [ "$faults" -eq 0 ]
