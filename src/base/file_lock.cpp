@@ -24,8 +24,7 @@ Descriptor open_to_lock(const std::string& path) {
 LockState try_lock(const Descriptor& file) {
     const int error = lock_exclusively(file.get());
     if (error == 0) return LockState::HELD;
-    return error == EWOULDBLOCK || error == EINTR ? LockState::KEPT_BY_ANOTHER
-                                                  : LockState::NOT_TO_BE_HAD;
+    return error == EWOULDBLOCK ? LockState::KEPT_BY_ANOTHER : LockState::NOT_TO_BE_HAD;
 }
 
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) {

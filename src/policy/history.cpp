@@ -11,7 +11,6 @@
 #include <cstring>
 #include <ctime>
 #include <filesystem>
-#include <thread>
 
 #include "base/file_identity.h"
 #include "base/files.h"
@@ -21,6 +20,7 @@
 #include "base/platform.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
+#include "base/waiting.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/environment.h"
@@ -28,8 +28,6 @@
 #include "messages/startup_texts.h"
 
 namespace {
-
-constexpr std::chrono::milliseconds HISTORY_PAUSE(10);
 
 /// How long a name may be taken that has the second in it.
 constexpr std::chrono::seconds NAME_PATIENCE(2);
@@ -61,19 +59,9 @@ void need(bool done, const std::string& path) {
     if (!done) fail(path, is_other ? NOT_A_REGULAR_FILE : std::strerror(errno));
 }
 
-/// Tries until it is done, or for too long.
-template <typename Try>
-bool done_in_time(std::chrono::seconds patience, Try done) {
-    for (const auto end = std::chrono::steady_clock::now() + patience; !done();) {
-        if (std::chrono::steady_clock::now() >= end) return false;
-        std::this_thread::sleep_for(HISTORY_PAUSE);
-    }
-    return true;
-}
-
 Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds patience) {
     Descriptor lines;
-    const bool has_lock = done_in_time(patience, [&] {
+    const bool has_lock = succeeds_within(patience, [&] {
         lines = Descriptor(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW));
         struct stat status = {};
         need(lines && fstat(lines.get(), &status) == 0, path);
@@ -95,7 +83,7 @@ Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds
 /// the next second is waited for.
 Descriptor create_saved(const std::string& beginning, std::string* path, Moment* moment) {
     Descriptor file;
-    done_in_time(NAME_PATIENCE, [&] {
+    succeeds_within(NAME_PATIENCE, [&] {
         const SignalsHeld held;
         *moment = this_moment();
         *path = filled("%s.%s-%d.txt", beginning.c_str(), moment->utc.c_str(), getpid());
