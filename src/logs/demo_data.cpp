@@ -17,6 +17,7 @@
 #include "dialog/process_end.h"
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {

@@ -10,8 +10,8 @@
 #include <thread>
 
 #include "base/signals.h"
-#include "logs/canonical_records.h"
 #include "logs/shared_log.h"
+#include "records/canonical_records.h"
 
 namespace gatescope {
 namespace {

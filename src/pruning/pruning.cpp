@@ -19,6 +19,7 @@
 #include "messages/log_texts.h"
 #include "pruning/left_overs.h"
 #include "pruning/one_log.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {

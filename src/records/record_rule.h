@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "logs/log_files.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 

@@ -1,11 +1,11 @@
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
+#include "records/words.h"
 
 namespace gatescope {
 namespace {
