@@ -48,7 +48,7 @@ struct FieldEditor {
     /// The action's number.
     int action;
     const FieldKind* kind;
-    RegionLine line;
+    int line;
     int field;
     /// The field's operating system, or the list's name.
     const char* subject;

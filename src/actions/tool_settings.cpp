@@ -42,8 +42,8 @@ Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string
     *entered = *typed;
     const Change wanted = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
     const Consent consent = confirm_add(wanted, Addition::SETTING);
-    if (consent == DECLINED) return Next::ASK_AGAIN;
-    if (consent != CONFIRMED) return Next::GO_ON;
+    if (consent == Consent::DECLINED) return Next::ASK_AGAIN;
+    if (consent != Consent::CONFIRMED) return Next::GO_ON;
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
     const auto rests_on = [&](const Gatebits& gatebits) {
         return std::vector<std::string>{stored_variable(gatebits, index).value_or("")};

@@ -18,10 +18,10 @@ struct Change {
 };
 
 /// What the questions return.
-enum Consent {
-    DECLINED = 0,       ///< ask for the value again
-    CONFIRMED = 1,      ///< write it
-    CHANGE_ABORTED = 2  ///< leave; nothing is to be written
+enum class Consent {
+    DECLINED = 0,   ///< ask for the value again
+    CONFIRMED = 1,  ///< write it
+    ABORTED = 2     ///< leave; nothing is to be written
 };
 
 /// Asks whether the item may change. `warnings` follow the question, unless the values are the

@@ -17,7 +17,7 @@ inline constexpr int ERRORS_ALONE = -1;
 extern int ZUL_REMOTE_CLIENT_USER;
 
 /// What ask returns.
-enum Answer { YES = 0, NO = 1, ABORT = 2 };
+enum class Answer { YES = 0, NO = 1, ABORT = 2 };
 
 /// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
 [[noreturn]] void gripe(const std::string& message);
@@ -39,7 +39,7 @@ void advise_wait(const std::string& message);
 /// The buttons of a question.
 enum class Buttons { YES, NO, ABORT, YES_NO, YES_ABORT, YES_NO_ABORT };
 
-inline constexpr Answer default_default = YES;
+inline constexpr Answer default_default = Answer::YES;
 inline constexpr Buttons default_mask = Buttons::YES_NO_ABORT;
 
 /// Asks a question and returns its Answer. `def` is the button that is preset, `mask` are those

@@ -10,6 +10,7 @@
 #include <thread>
 
 #include "base/signals.h"
+#include "logs/log_reader.h"
 #include "logs/shared_log.h"
 #include "records/canonical_records.h"
 

@@ -56,9 +56,9 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     if (take_file_from_environment(named, &file)) return;
     const Answer answer = ask(gatebits_question(options, named));
     file.clear();
-    if (answer == YES) {
+    if (answer == Answer::YES) {
         make_new_gatebits_file(options, region);
-    } else if (answer == NO) {
+    } else if (answer == Answer::NO) {
         open_existing_gatebits_file(options, region);
     } else {
         clean_exit(STATUS_WITHOUT_MEANS);

@@ -18,7 +18,7 @@ namespace gatescope {
 
 namespace {
 
-enum Fate { KEPT, DROPPED, NOT_PLAIN };
+enum class Fate { KEPT, DROPPED, NOT_PLAIN };
 
 /// Whether the word in [at, end), where `end` is a byte up to a blank, begins with its time and is
 /// nothing out of the ordinary.
@@ -32,8 +32,8 @@ ALWAYS_INLINE bool is_plain(const char* at, const char* end) {
 template <class SET>
 ALWAYS_INLINE Fate fate_of(const char* at, const char* end, std::int64_t cut_off) {
     if (!is_plain<SET>(at, end)) [[unlikely]]
-        return NOT_PLAIN;
-    return SET::time(at) >= cut_off ? KEPT : DROPPED;
+        return Fate::NOT_PLAIN;
+    return SET::time(at) >= cut_off ? Fate::KEPT : Fate::DROPPED;
 }
 
 /// Copying a few bytes too many is quicker than finding out how many there are.
@@ -117,17 +117,17 @@ ALWAYS_INLINE std::string_view KeptRecords::kept_of(std::string_view piece) {
         for (; i < count; ++i) {
             const char* const stop = ends[i];
             const Fate fate = fate_of<SET>(at, stop, cut_off_);
-            if (fate == NOT_PLAIN || !is_white(*stop)) [[unlikely]] {
+            if (fate == Fate::NOT_PLAIN || !is_white(*stop)) [[unlikely]] {
                 const Places places = take_words({at, out}, stop, end);
                 at = places.at;
                 out = places.out;
                 continue;
             }
             ++total;
-            removed += fate == DROPPED;
+            removed += fate == Fate::DROPPED;
             const auto size = static_cast<std::size_t>(stop - at);
             copy_word(out, at, size);
-            out += fate == KEPT ? size + 1 : 0;
+            out += fate == Fate::KEPT ? size + 1 : 0;
             at = std::min(after_line_end(stop), end);
         }
     }

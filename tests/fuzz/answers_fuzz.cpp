@@ -48,7 +48,7 @@ void run_a_dialog(FuzzedDataProvider& data) {
             if (const auto file = select_cb_file(gatebits_path(), text)) must_be_words(*file);
             break;
         case 5:
-            must(ask(text, NO) <= ABORT, "an answer has a name");
+            must(ask(text, Answer::NO) <= Answer::ABORT, "an answer has a name");
             break;
         default:
             show_file_with_clearprompt(text, other, data.ConsumeBool());
