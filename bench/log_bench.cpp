@@ -1,5 +1,4 @@
-// The reader of the logs and the pruner, on records in memory: how many bytes a second they look
-// at, without the system's part of it.
+// Throughput of counting and of pruning on records in memory, without system calls.
 
 #include <benchmark/benchmark.h>
 
@@ -16,12 +15,12 @@ namespace gatescope {
 namespace {
 
 constexpr std::int64_t NOW = 1794787199;
-/// Fits into the cache, as what the reader has just read does.
+/// As large as a read of LogReader, which fits into the cache.
 constexpr std::size_t PIECE_SIZE = 128 * 1024;
-/// So many that no processor learns by heart what comes next.
+/// Too many for a branch predictor to learn their records.
 constexpr std::size_t PIECES = 16;
 
-/// Records in whole lines that end in `line_end`, with the margin after them.
+/// Lines with records that end in `line_end`, and READER_MARGIN bytes.
 std::string made_records(std::size_t size, const std::string& line_end) {
     std::mt19937 random(20);
     std::string made;
@@ -33,7 +32,7 @@ std::string made_records(std::size_t size, const std::string& line_end) {
     return made + std::string(READER_MARGIN, '\0');
 }
 
-/// A piece after the other, over and over again.
+/// Returns the pieces one after the other, in an endless cycle.
 class Pieces {
   public:
     explicit Pieces(const std::string& line_end) {
@@ -69,7 +68,7 @@ RecordQuery query_of(int number, bool filtered) {
     return query;
 }
 
-void say_bytes(benchmark::State& state) {
+void report_bytes(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PIECE_SIZE));
 }
 
@@ -82,7 +81,7 @@ void by_fields(benchmark::State& state, InstructionSet set) {
         query.count(pieces.next(), &tally);
         benchmark::DoNotOptimize(tally);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
 
 void ByFields(benchmark::State& state) {
@@ -90,10 +89,10 @@ void ByFields(benchmark::State& state) {
 }
 BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
 
-void ByFieldsInNarrowVectors(benchmark::State& state) {
+void ByFieldsWithSse2(benchmark::State& state) {
     by_fields(state, InstructionSet::SSE2);
 }
-BENCHMARK(ByFieldsInNarrowVectors)
+BENCHMARK(ByFieldsWithSse2)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0, 1}, {0}});
 
@@ -118,19 +117,19 @@ void ByThePlainRule(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(tally);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
 BENCHMARK(ByThePlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
 
-/// Of a hundred records about so many are dropped.
+/// `dropped` is the percentage of records dropped.
 void Pruning(benchmark::State& state) {
     Pieces pieces(line_end_of(state.range(1)));
-    KeptRecords records_kept(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
+    KeptRecords records(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
     for (auto _ : state) {
-        std::string_view kept = records_kept.of(pieces.next());
+        std::string_view kept = records.of(pieces.next());
         benchmark::DoNotOptimize(kept);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
 BENCHMARK(Pruning)->ArgNames({"dropped", "crlf"})->ArgsProduct({{0, 4, 50, 100}, {0, 1}});
 
