@@ -9,7 +9,7 @@ missing=0
 
 # What backquotes hold in the last column of the tables of promises, one a line.
 named=$(sed -n '/^| Promise /,/^$/p' "$source/docs/promises.md" | sed 's/ |$//; s/.* | //' |
-    grep -o '`[^`]*`' | tr -d '`' | sort -u)
+    awk -F '\140' '{for (field = 2; field <= NF; field += 2) print $field}' | sort -u)
 tests=$(
     ctest --test-dir "$build" --show-only | sed -n 's/^ *Test *#[0-9]*: //p'
     # Not every build has these.
