@@ -196,11 +196,3 @@ TEST(ManualPage, HoldsTheSettingsOfTheFileInTheirOrder) {
     const std::vector<std::string> wanted(GS_VAR_NAME.begin(), GS_VAR_NAME.end());
     EXPECT_EQ(found, wanted);
 }
-
-TEST(ReadMe, HoldsTheExitStatuses) {
-    std::ostringstream text;
-    text << std::ifstream(DOCUMENTS_DIRECTORY "/README.md").rdbuf();
-    for (const char* status : {"| 0 |", "| 1 |", "| 99 |", "| 110 |"}) {
-        EXPECT_NE(text.str().find(status), std::string::npos) << status;
-    }
-}
