@@ -15,6 +15,7 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -195,3 +196,5 @@ TEST(ManualPage, HoldsTheSettingsOfTheFileInTheirOrder) {
     const std::vector<std::string> wanted(GS_VAR_NAME.begin(), GS_VAR_NAME.end());
     EXPECT_EQ(found, wanted);
 }
+
+}  // namespace gatescope

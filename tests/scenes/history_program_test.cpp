@@ -7,6 +7,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -283,3 +284,4 @@ TEST(HistoryProgram, OnATerminalItHasColoursAndCutsLongValues) {
 }
 
 }  // namespace
+}  // namespace gatescope
