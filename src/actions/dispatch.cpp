@@ -38,7 +38,7 @@ LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
 
 /// The menu that comes after the submenu.
 int leave_submenu(const Options& options) {
-    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(STATUS_OF_A_WISHED_END);
+    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(STATUS_SUCCESS);
     return MAIN_MENU;
 }
 

@@ -78,7 +78,7 @@ void gripe(const std::string& message) {
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(STATUS_OF_AN_ERROR);
+    clean_exit(STATUS_ERROR);
 }
 
 void gripe(const std::string& message, int error) {

@@ -19,7 +19,7 @@ extern int ZUL_REMOTE_CLIENT_USER;
 /// What ask returns.
 enum class Answer { YES = 0, NO = 1, ABORT = 2 };
 
-/// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
+/// Shows an error in the background and ends the process with STATUS_ERROR.
 [[noreturn]] void gripe(const std::string& message);
 
 /// gripe for an error whose text leaves out why, or with which file: that goes to standard error,

@@ -27,7 +27,7 @@ void test_clearprompt() {
     const int status = run_in_shell(filled(USABILITY_LINE, CLEARPROMPT), CLEARPROMPT);
     if (status != 0) {
         print_stdout(filled(CLEARPROMPT_NOT_FOUND, CLEARPROMPT));
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
     advise(filled(CLEARPROMPT_RETURN_CODE, CLEARPROMPT, status));
 }
@@ -38,7 +38,7 @@ void test_cleartool() {
     const int status = get_system_rc(CLEARTOOL_LINE);
     if (status != 0) {
         print_stdout(CLEARTOOL_NOT_FOUND);
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
     advise(filled(CLEARTOOL_RETURN_CODE, status));
 }
@@ -98,7 +98,7 @@ void test_questions() {
 
 void show_about() {
     advise(filled(ABOUT, SELF, VERSION));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
 
 void general_test() {

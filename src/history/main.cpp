@@ -14,7 +14,7 @@ int main(int argument_count, char** arguments) {
         note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), "gatescope-history");
         return 2;
     }
-    end_in_order_on_signals();
+    install_signal_cleanup();
     ZUL_PREFER_GUI = ERRORS_ALONE;
     try {
         return run_history_program(argument_count, arguments);

@@ -36,13 +36,13 @@ std::string gatebits_question(const Options& options, const char* from_environme
 
 void make_new_gatebits_file(const Options& options, RegionInUse& region) {
     if (refused(*request_numbered(RequestKind::ACTION, 26), options) || !A_26(options, region)) {
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
 
 void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
     if (refused(*request_numbered(RequestKind::ACTION, 25), options) || !A_25(region.settings)) {
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
 
@@ -61,7 +61,7 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     } else if (answer == Answer::NO) {
         open_existing_gatebits_file(options, region);
     } else {
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
     // Asked once more, but whatever the answer, start-up goes on.
     if (file.empty()) ask(RETRY_GATEBITS_FILE);

@@ -33,7 +33,7 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
                                            main_menu_entries(region.GATEWARDEN_IS), SINGLE_CHOICE)
                           : make_selection(submenu_title(name, during_install),
                                            submenu_entries(during_install), SINGLE_CHOICE);
-    if (!pick && (main_menu || during_install)) clean_exit(STATUS_OF_A_WISHED_END);
+    if (!pick && (main_menu || during_install)) clean_exit(STATUS_SUCCESS);
     if (!pick) *chapter = MAIN_MENU;
     return pick;
 }
@@ -42,7 +42,7 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
 const Request* request_from_menu(bool during_install, const RegionInUse& region, int* chapter) {
     while (true) {
         // The installer has no main menu.
-        if (*chapter == MAIN_MENU && during_install) clean_exit(STATUS_OF_A_WISHED_END);
+        if (*chapter == MAIN_MENU && during_install) clean_exit(STATUS_SUCCESS);
         const auto pick = show_menu(during_install, region, chapter);
         if (pick && !pick->empty() && !is_separator(*pick)) return request_labelled(*pick);
     }
@@ -63,7 +63,7 @@ int run_requests(const Options& options, RegionInUse& region) {
             chapter = request->execute(options, region).next_menu.value_or(chapter);
         }
     } while (!options.runs_once());
-    return STATUS_OF_ONE_REQUEST;
+    return STATUS_SINGLE_REQUEST;
 }
 
 }  // namespace gatescope

@@ -6,7 +6,7 @@
 namespace gatescope {
 
 /// Runs the operator's requests: the one that the command line named first, then what is picked
-/// from the menus. Returns when the repeat flag says so, with STATUS_OF_ONE_REQUEST. A cancelled
+/// from the menus. Returns when the repeat flag says so, with STATUS_SINGLE_REQUEST. A cancelled
 /// main menu ends the process.
 int run_requests(const Options& options, RegionInUse& region);
 

@@ -19,7 +19,7 @@ namespace {
 [[noreturn]] void end_with_the_text_alone() {
     unlink_temporary_files();
     [[maybe_unused]] const ssize_t said = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
-    _exit(STATUS_OF_AN_ERROR);
+    _exit(STATUS_ERROR);
 }
 
 /// An exception that meets a library's noexcept function ends in the terminate handler, which
@@ -39,12 +39,12 @@ void lack_memory() {
 
 }  // namespace
 
-void end_in_order_without_memory() {
+void install_out_of_memory_handlers() {
     std::set_new_handler(lack_memory);
     std::set_terminate(terminated);
 }
 
-void end_without_memory() {
+void gripe_out_of_memory() {
     // Unwinding has freed memory by now. The files that tell others of work going on are removed
     // too, as when a signal ends the program.
     unlink_temporary_files();

@@ -69,7 +69,7 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
         const int status = in_a_child([&] {
             setrlimit(RLIMIT_CORE, &no_core);
             signal(number, SIG_DFL);
-            end_in_order_on_signals();
+            install_signal_cleanup();
             close(create_temporary_file(at("scratch")));
             raise(number);
         });
@@ -88,7 +88,7 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
 TEST_F(ProcessEnd, AHandlerThatWasThereBeforeStays) {
     const int status = in_a_child([&] {
         signal(SIGSEGV, [](int) { _exit(5); });
-        end_in_order_on_signals();
+        install_signal_cleanup();
         raise(SIGSEGV);
     });
     EXPECT_EQ(WEXITSTATUS(status), 5);
@@ -97,7 +97,7 @@ TEST_F(ProcessEnd, AHandlerThatWasThereBeforeStays) {
 TEST_F(ProcessEnd, ManyTemporaryFilesGoWithoutExceptionAndForgottenOnesStay) {
     const auto end = [&](const std::function<void()>& end_of_process) {
         in_a_child([&] {
-            end_in_order_on_signals();
+            install_signal_cleanup();
             for (int i = 0; i < 100; ++i) close(create_temporary_file(at(std::to_string(i))));
             forget_temporary_file(at("50"));
             close(create_temporary_file(at("last")));
@@ -114,7 +114,7 @@ TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
     const auto make = [&] {
         close(create_temporary_file(at("sign")));
         forget_temporary_file(at("sign"));
-        remember_for_signals(at("sign"));
+        remember_file_removed_on_signal(at("sign"));
     };
     in_a_child([&] {
         make();
@@ -122,13 +122,13 @@ TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
     });
     EXPECT_FALSE(region.files_in("tmp").empty());
     in_a_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         make();
         raise(SIGTERM);
     });
     EXPECT_TRUE(region.files_in("tmp").empty());
     in_a_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         make();
         forget_temporary_file(at("sign"));
         raise(SIGTERM);
@@ -139,7 +139,7 @@ TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
 TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
     const int status = in_a_child([&] {
         signal(SIGHUP, SIG_IGN);
-        end_in_order_on_signals();
+        install_signal_cleanup();
         raise(SIGHUP);
         _exit(5);
     });
