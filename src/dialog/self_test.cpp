@@ -47,22 +47,22 @@ void test_cleartool() {
 constexpr int ANSWERED = 0;
 constexpr int CANCELLED = 2;
 
-/// Takes an answer; the code of its dialog. A cancelled one leaves `*last`.
-int code_of(const std::optional<std::string>& answer, std::string* last) {
+/// The code of an answer, which is stored in `*last` unless it was cancelled.
+int store_answer(const std::optional<std::string>& answer, std::string* last) {
     if (answer) *last = *answer;
     return answer ? ANSWERED : CANCELLED;
 }
 
-/// After a cancel the reports show the answer before.
+/// After a cancel the reports show the previous answer.
 void test_lists_and_prompts() {
     std::string last;
-    int code = code_of(
+    int code = store_answer(
         make_selection(SINGLE_SELECTION_TITLE, SINGLE_SELECTION_ITEMS, SINGLE_CHOICE), &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(make_selection(MULTI_SELECTION_TITLE, MULTI_SELECTION_ITEMS, MULTIPLE_CHOICE),
-                   &last);
+    code = store_answer(
+        make_selection(MULTI_SELECTION_TITLE, MULTI_SELECTION_ITEMS, MULTIPLE_CHOICE), &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(prompt(TEST_PROMPT, TEST_PROMPT_DEFAULT), &last);
+    code = store_answer(prompt(TEST_PROMPT, TEST_PROMPT_DEFAULT), &last);
     advise(filled(RESPONSE_REPORT, last.c_str(), code));
 }
 

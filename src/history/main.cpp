@@ -15,7 +15,7 @@ int main(int argument_count, char** arguments) {
         return 2;
     }
     install_signal_cleanup();
-    ZUL_PREFER_GUI = ERRORS_ALONE;
+    ZUL_PREFER_GUI = ERRORS_ON_STDERR;
     try {
         return run_history_program(argument_count, arguments);
     } catch (const std::bad_alloc&) {

@@ -10,9 +10,10 @@ inline constexpr char CLEARPROMPT[] = "clearprompt";
 inline constexpr char UNEXPECTED_CASE[] = "Internal Error: Inform ZUL: Unexpected case in %s:%s\n";
 
 /// For standard error: CLEARPROMPT, why, what became of it, the text that it should have shown.
-inline constexpr char DIALOG_IS_LOST[] = "%s could not be started (%s); this could not be %s:\n%s";
+inline constexpr char DIALOG_NOT_STARTED[] =
+    "%s could not be started (%s); this could not be %s:\n%s";
 /// Why: nothing; the reason of the system; the status.
-inline constexpr char IT_WAS_NOT_FOUND[] = "it was not found";
+inline constexpr char PROGRAM_NOT_FOUND[] = "it was not found";
 inline constexpr char NO_SHELL[] = "no shell could be started: %s";
 inline constexpr char SHELL_ENDED_WITH[] = "the shell ended with status %d";
 /// What became of it.
