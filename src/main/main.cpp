@@ -32,7 +32,7 @@ int run(const std::vector<std::string>& words) {
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();
 
-    obey_sole_option(arguments);
+    run_sole_option(arguments);
     const Options options = parse_arguments(arguments);
     RegionInUse region;
     region.settings.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());

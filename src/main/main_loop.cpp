@@ -14,7 +14,7 @@
 namespace gatescope {
 namespace {
 
-/// The request of the command line; null when it named none. A number without a request is a fault.
+/// The request of the command line, or null. Gripes when its number has no request.
 const Request* request_from_command_line(const Options& options) {
     if (!options.query_selected && !options.action_selected) return nullptr;
     const Request* request = options.query_selected
@@ -24,7 +24,8 @@ const Request* request_from_command_line(const Options& options) {
     return request;
 }
 
-/// Shows the menu that is due once; nothing when the submenu was left, and the main menu is due.
+/// Shows the menu of `*chapter` once. The pick; nothing, with the main menu next, when the submenu
+/// was cancelled.
 std::optional<std::string> show_menu(bool during_install, const RegionInUse& region, int* chapter) {
     const std::string& name = region.settings.ENTERPRIZE_NAME;
     const bool main_menu = *chapter == MAIN_MENU;
@@ -38,7 +39,8 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
     return pick;
 }
 
-/// What the operator picks; null when there is no such request. `*chapter` is the menu that is due.
+/// The request that the operator picks; null when the pick names none. `*chapter` is the menu
+/// shown.
 const Request* request_from_menu(bool during_install, const RegionInUse& region, int* chapter) {
     while (true) {
         // The installer has no main menu.

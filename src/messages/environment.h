@@ -4,7 +4,7 @@
 
 namespace gatescope {
 
-// The environment variables that the program reads, by the names that it reads them under.
+// The environment variables that the program reads.
 
 inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
 inline constexpr char ENV_PREFER_NO_GUI[] = "ZUL_PREFER_NO_GUI";
@@ -25,8 +25,8 @@ struct EnvironmentVariable {
 };
 
 /// The manual is made from this table, and a test holds every getenv in the sources against it.
-/// Only tools and tests may use the table: the names of the client's variables must not stand in
-/// the program file as text.
+/// Only tools and tests may use the table: the program file must not contain the names of the
+/// client's variables as text.
 inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {ENV_GATEBITS_FILE, "The gatebits file to use when no F= argument is given"},
     {ENV_PREFER_NO_GUI,
