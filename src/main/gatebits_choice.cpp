@@ -36,13 +36,15 @@ std::string gatebits_question(const Options& options, const char* from_environme
 }
 
 void make_new_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 26), options) || !A_26(options, region)) {
+    if (refuse_during_install(*request_numbered(RequestKind::ACTION, 26), options) ||
+        !A_26(options, region)) {
         clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
 
 void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), options) || !A_25(region.settings)) {
+    if (refuse_during_install(*request_numbered(RequestKind::ACTION, 25), options) ||
+        !A_25(region.settings)) {
         clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
