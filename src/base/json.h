@@ -7,21 +7,23 @@
 
 namespace gatescope {
 
-// Lines of JSON: objects of strings, numbers and null.
+// Lines of JSON: objects of texts, numbers and null.
 
-/// The size in bytes of the UTF-8 character at the start of `text`; 0 when there is none.
+/// How many bytes the character that `text` begins with has in UTF-8; 0 when it is none, or when
+/// there is nothing.
 std::size_t utf8_size(std::string_view text);
 
-/// `bytes` as a JSON string, with its quotes. A byte that is not part of a UTF-8 character becomes
-/// \u0080 to \u00ff: valid JSON, and readable where the bytes are Latin-1.
+/// `bytes` as a string of JSON, with its quotes. A byte that is no part of a character in UTF-8
+/// becomes its number, from \u0080 to \u00ff: every reader takes that, and bytes of Latin-1 show
+/// what they were meant to.
 std::string json_string(std::string_view bytes);
 
-/// The members of an object that are not null: the bytes of a string, the word of another value.
+/// The members of an object that are not null: of strings the bytes that json_string was given, of
+/// all else the word that stands there.
 using JsonObject = std::map<std::string, std::string>;
 
-/// Reads an object on one line, without blanks between its members and with strings as json_string
-/// writes them; nothing when the line is not an object. Other JSON is read without an error, but
-/// not correctly.
+/// Reads a line without blanks between its members, whose strings are those of json_string; nothing
+/// when it is no object. Of one that was written otherwise it makes what it can.
 std::optional<JsonObject> read_json_object(std::string_view line);
 
 }  // namespace gatescope
