@@ -25,8 +25,8 @@ struct EnvironmentVariable {
 };
 
 /// The manual is made from this table, and a test holds every getenv in the sources against it.
-/// Only tools and tests may use the table: the program file must not contain the names of the
-/// client's variables as text.
+/// Only tools and tests may use the table: the names of the client's variables must not stand in
+/// the program file as text.
 inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {ENV_GATEBITS_FILE, "The gatebits file to use when no F= argument is given"},
     {ENV_PREFER_NO_GUI,
