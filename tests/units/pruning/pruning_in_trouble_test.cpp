@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <cerrno>
@@ -52,8 +53,12 @@ int unlinkat(int directory, const char* name, int flags) noexcept {
                   [&] { return syscall(SYS_unlinkat, directory, name, flags); });
 }
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
+    // The system call has another name, and another result, on each machine of 32 bits.
+    const std::string place =
+        directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
+    const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
     return unless(asked(before().look, name),
-                  [&] { return syscall(SYS_newfstatat, directory, name, status, flags); });
+                  [&] { return look((place + name).c_str(), status); });
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
