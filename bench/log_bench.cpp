@@ -8,10 +8,11 @@
 #include <vector>
 
 #include "log_maker.h"
-#include "logs/canonical_records.h"
-#include "logs/kept_records.h"
-#include "logs/log_reader.h"
+#include "records/canonical_records.h"
+#include "records/kept_records.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t NOW = 1794787199;
@@ -72,10 +73,10 @@ void say_bytes(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PIECE_SIZE));
 }
 
-void by_fields(benchmark::State& state, Lanes lanes) {
+void by_fields(benchmark::State& state, InstructionSet set) {
     Pieces pieces(line_end_of(state.range(2)));
     const CanonicalQuery query(query_of(static_cast<int>(state.range(0)), state.range(1) != 0),
-                               lanes);
+                               set);
     RecordTally tally;
     for (auto _ : state) {
         query.count(pieces.next(), &tally);
@@ -85,19 +86,19 @@ void by_fields(benchmark::State& state, Lanes lanes) {
 }
 
 void ByFields(benchmark::State& state) {
-    by_fields(state, best_lanes());
+    by_fields(state, best_instruction_set());
 }
 BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
 
 void ByFieldsInNarrowVectors(benchmark::State& state) {
-    by_fields(state, Lanes::VECTORS);
+    by_fields(state, InstructionSet::SSE2);
 }
 BENCHMARK(ByFieldsInNarrowVectors)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0, 1}, {0}});
 
 void ByFieldsWithoutVectors(benchmark::State& state) {
-    by_fields(state, Lanes::BYTES);
+    by_fields(state, InstructionSet::SCALAR);
 }
 BENCHMARK(ByFieldsWithoutVectors)
     ->ArgNames({"query", "filtered", "crlf"})
@@ -134,5 +135,7 @@ void Pruning(benchmark::State& state) {
 BENCHMARK(Pruning)->ArgNames({"dropped", "crlf"})->ArgsProduct({{0, 4, 50, 100}, {0, 1}});
 
 }  // namespace
+
+}  // namespace gatescope
 
 BENCHMARK_MAIN();

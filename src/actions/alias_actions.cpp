@@ -17,6 +17,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/validators.h"
 
+namespace gatescope {
 namespace {
 
 /// A definition in a list shows this many characters; what is cut there is also cut from the
@@ -130,8 +131,8 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         if (!value) return last_answer;
         const std::string line = definition(*name, *value);
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
-        if (consent == DECLINED) continue;
-        if (consent == CONFIRMED) {
+        if (consent == Consent::DECLINED) continue;
+        if (consent == Consent::CONFIRMED) {
             const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value},
                                              {"A17", ALIAS_ADDITION, std::nullopt, line});
             if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
@@ -154,10 +155,10 @@ LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
                         gatebits_file);
     };
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()))) {
-        case YES:
+        case Answer::YES:
             remove(AliasMode::REMOVE_ALL, ALIAS_WITH_REFERENCES);
             break;
-        case NO:
+        case Answer::NO:
             remove(AliasMode::REMOVE, ALIAS_ADDITION);
             break;
         default:
@@ -173,8 +174,8 @@ LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
     if (!pick) return {UNANSWERED};
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
-    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), YES, Buttons::YES_ABORT) ==
-        YES) {
+    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), Answer::YES,
+            Buttons::YES_ABORT) == Answer::YES) {
         change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference},
                      {"A19", ALIAS_REFERENCES, reference});
     }
@@ -194,8 +195,8 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         const Change wanted = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
                                picked.value, *value};
         const Consent consent = confirm_change(wanted);
-        if (consent == DECLINED) continue;
-        if (consent == CONFIRMED) {
+        if (consent == Consent::DECLINED) continue;
+        if (consent == Consent::CONFIRMED) {
             const auto result =
                 change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value},
                              {"A20", wanted.item, value_of(picked.name, shown), *value});
@@ -205,3 +206,5 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         return {value};
     }
 }
+
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
 /// How an editor ended.
@@ -87,7 +88,8 @@ DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::stri
                                        Gatebits* gatebits, RegionSettings* region) {
     const std::string question = why_depot_comes_first(*gatebits, entry, os);
     if (question.empty()) return {DepotFirst::IS_THERE, {}};
-    if (ask(question, YES, Buttons::YES_NO) != YES) return {DepotFirst::MISSING, {}};
+    if (ask(question, Answer::YES, Buttons::YES_NO) != Answer::YES)
+        return {DepotFirst::MISSING, {}};
     const Ended depot = view_change_depot(os, region);
     if (depot.how == EditorEnd::LEFT) return {DepotFirst::MISSING, depot.last_answer};
     *gatebits = read_gatebits(region->ENTERPRIZE_PERMISSION_FILE);
@@ -117,8 +119,8 @@ Ended run_editor(const FieldEditor& editor, RegionSettings* region) {
         if (!entered.value) return {EditorEnd::LEFT, {entered.last_answer}};
         const Change wanted = {kind.field_name(editor), current, *entered.value};
         const Consent consent = confirm_change(wanted, warnings_of(gatebits, editor, wanted));
-        if (consent == DECLINED) continue;
-        if (consent != CONFIRMED) return {EditorEnd::LEFT, {entered.last_answer}};
+        if (consent == Consent::DECLINED) continue;
+        if (consent != Consent::CONFIRMED) return {EditorEnd::LEFT, {entered.last_answer}};
         const ChangeResult result = write_and_report(editor, wanted, gatebits, region);
         return {result == ChangeResult::WRITTEN ? EditorEnd::WRITTEN : EditorEnd::LEFT,
                 {entered.last_answer, result == ChangeResult::CHANGED_MEANWHILE}};
@@ -140,3 +142,5 @@ LastAnswer edit_field(int n, RegionSettings* region) {
     }
     gripe_uncoded("edit_field");
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "policy/gatebits.h"
 #include "policy/validators.h"
 
+namespace gatescope {
+
 // The thirteen fields that can be edited, as data: what the one editor loop needs to know of each.
 
 struct FieldEditor;
@@ -46,7 +48,7 @@ struct FieldEditor {
     /// The action's number.
     int action;
     const FieldKind* kind;
-    RegionLine line;
+    int line;
     int field;
     /// The field's operating system, or the list's name.
     const char* subject;
@@ -58,3 +60,5 @@ struct FieldEditor {
 
 /// In the order of the actions.
 std::span<const FieldEditor> field_editors();
+
+}  // namespace gatescope

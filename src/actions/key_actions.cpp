@@ -16,6 +16,7 @@
 #include "policy/change_warnings.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 /// A key in a list shows this many of its characters.
@@ -85,7 +86,7 @@ bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last
     if (!text) return false;
     *last_answer = {text};
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
-    if (confirm_change(wanted, key_reminder(gatebits_file)) != CONFIRMED) return true;
+    if (confirm_change(wanted, key_reminder(gatebits_file)) != Consent::CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, *text, *text);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
@@ -95,7 +96,7 @@ bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last
 
 bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
-    if (confirm_delete(wanted) != CONFIRMED) return true;
+    if (confirm_delete(wanted) != Consent::CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, DELETION_TOKEN, std::nullopt);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
     if (!written_or_told(result, gatebits_file)) return false;
@@ -112,7 +113,7 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
         const Gatebits gatebits = read_gatebits(gatebits_file);
         const std::vector<std::string> keys = command_keys(gatebits);
         if (keys.empty()) {
-            ask(texts.none, ABORT, Buttons::ABORT);
+            ask(texts.none, Answer::ABORT, Buttons::ABORT);
             return last_answer;
         }
         note_keys_left_out(gatebits_file, gatebits, keys.size());
@@ -121,8 +122,10 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
         if (!pick) return last_answer;
         const Key key = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
-        if (answer == NO && !delete_key(gatebits_file, key, &last_answer)) return last_answer;
-        if (answer == YES && !edit_key(gatebits_file, key, &last_answer)) return last_answer;
+        if (answer == Answer::NO && !delete_key(gatebits_file, key, &last_answer))
+            return last_answer;
+        if (answer == Answer::YES && !edit_key(gatebits_file, key, &last_answer))
+            return last_answer;
     }
 }
 
@@ -144,7 +147,7 @@ LastAnswer A_22(const std::string& gatebits_file) {
         if (!entered) return last_answer;
         last_answer = {entered};
         const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
-        if (confirm_add(wanted) == CONFIRMED) {
+        if (confirm_add(wanted) == Consent::CONFIRMED) {
             change(gatebits_file, {gatebits, nothing},
                    [&](const Gatebits& now) { return set_a_line(now, 0, *entered); },
                    {"A22", wanted.item, std::nullopt, *entered});
@@ -153,3 +156,5 @@ LastAnswer A_22(const std::string& gatebits_file) {
         }
     }
 }
+
+}  // namespace gatescope

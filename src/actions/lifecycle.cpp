@@ -14,6 +14,8 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
+
 // Which gatebits file is in use: check it, switch to another, create one, copy one.
 
 namespace {
@@ -23,7 +25,8 @@ enum class Step { DONE, AGAIN, GIVEN_UP };
 
 /// Asks whether to try once more.
 Step again_if_wished(const char* question) {
-    return ask(question, YES, Buttons::YES_NO) == YES ? Step::AGAIN : Step::GIVEN_UP;
+    return ask(question, Answer::YES, Buttons::YES_NO) == Answer::YES ? Step::AGAIN
+                                                                      : Step::GIVEN_UP;
 }
 
 /// Repeats a step for as long as the operator wants to try again.
@@ -56,9 +59,9 @@ Step switch_file(RegionSettings* region) {
 
 Step use_existing_or_again(const std::string& path, RegionSettings* region) {
     switch (ask(NEW_OR_EXISTING)) {
-        case YES:
+        case Answer::YES:
             return Step::AGAIN;
-        case NO:
+        case Answer::NO:
             region->ENTERPRIZE_PERMISSION_FILE = path;
             return Step::DONE;
         default:
@@ -82,9 +85,9 @@ std::string text_of_new_file(const ToolSettings& in_use) {
 
 void offer_the_walks(const Options& options, RegionInUse& region) {
     switch (ask(POPULATE_NOW)) {
-        case YES:
+        case Answer::YES:
             return A_29(options, region);
-        case NO:
+        case Answer::NO:
             return A_28(options, region);
         default:
             return;
@@ -172,7 +175,7 @@ void A_23(RegionSettings& region, bool during_install) {
     const std::string command = checker_command(checker, region.ENTERPRIZE_PERMISSION_FILE, CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
-    ask(filled(CHECK_FAILED, status, command.c_str()), ABORT, Buttons::ABORT);
+    ask(filled(CHECK_FAILED, status, command.c_str()), Answer::ABORT, Buttons::ABORT);
 }
 
 bool A_25(RegionSettings& region) {
@@ -186,3 +189,5 @@ bool A_26(const Options& options, RegionInUse& region) {
 bool A_27(RegionSettings& region) {
     return done_in_the_end([&] { return copy_the_file(&region); });
 }
+
+}  // namespace gatescope

@@ -17,6 +17,7 @@
 #include "policy/tool_variables.h"
 #include "pruning/pruning.h"
 
+namespace gatescope {
 namespace {
 
 std::string setting_list(const ToolSettings& tools) {
@@ -41,8 +42,8 @@ Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string
     *entered = *typed;
     const Change wanted = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
     const Consent consent = confirm_add(wanted, Addition::SETTING);
-    if (consent == DECLINED) return Next::ASK_AGAIN;
-    if (consent != CONFIRMED) return Next::GO_ON;
+    if (consent == Consent::DECLINED) return Next::ASK_AGAIN;
+    if (consent != Consent::CONFIRMED) return Next::GO_ON;
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
     const auto rests_on = [&](const Gatebits& gatebits) {
         return std::vector<std::string>{stored_variable(gatebits, index).value_or("")};
@@ -104,3 +105,5 @@ void ask_all_configure(SettingsAsked mode, RegionSettings* region) {
         mode == SettingsAsked::IMPORTANT ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "base/filled.h"
 
+namespace gatescope {
+
 std::size_t utf8_size(std::string_view text) {
     const auto byte = [&](std::size_t at) -> int {
         return at < text.size() ? static_cast<std::uint8_t>(text[at]) : 0;
@@ -71,3 +73,5 @@ std::optional<JsonObject> read_json_object(std::string_view line) {
     const bool is_object = line.starts_with('{') && line.ends_with('}') && !in_string;
     return is_object ? std::optional(object) : std::nullopt;
 }
+
+}  // namespace gatescope

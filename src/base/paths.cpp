@@ -6,6 +6,8 @@
 #include <climits>
 #include <cstdlib>
 
+namespace gatescope {
+
 std::string directory_of(const std::string& path) {
     const auto slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
@@ -30,3 +32,5 @@ std::string end_of_links(const std::string& path) {
     std::free(resolved);
     return end;
 }
+
+}  // namespace gatescope

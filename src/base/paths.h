@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 /// The directory that holds `path`.
 std::string directory_of(const std::string& path);
 
@@ -14,3 +16,5 @@ std::optional<std::string> target_of_link(const std::string& link);
 
 /// The file that `path` names in the end, all links followed; `path` itself when it names none.
 std::string end_of_links(const std::string& path);
+
+}  // namespace gatescope

@@ -12,6 +12,8 @@
 #include "messages/history_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
+
 int ZUL_PREFER_GUI = 1;
 int ZUL_REMOTE_CLIENT_USER = 0;
 
@@ -30,7 +32,7 @@ constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
 constexpr int STATUS_OF_TROUBLE = 2;
 
 const char* word_for(Answer answer) {
-    return ANSWER_WORDS[answer];
+    return ANSWER_WORDS[static_cast<std::size_t>(answer)];
 }
 
 const char* words_for(Buttons buttons) {
@@ -53,12 +55,12 @@ Answer decoded_status(int status) {
     switch (status) {
         case 0:
         case 255:
-            return YES;
+            return Answer::YES;
         case 1:
         case 256:
-            return NO;
+            return Answer::NO;
         default:
-            return ABORT;
+            return Answer::ABORT;
     }
 }
 
@@ -127,3 +129,5 @@ void print_stdout(const std::string& text) {
     }
     write_output(printed);
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // Messages and questions: every word to the operator that needs no more than a button.
 
 // How the operator is talked to: the same in every function that has something to say, and settled
@@ -15,7 +17,7 @@ inline constexpr int ERRORS_ALONE = -1;
 extern int ZUL_REMOTE_CLIENT_USER;
 
 /// What ask returns.
-enum Answer { YES = 0, NO = 1, ABORT = 2 };
+enum class Answer { YES = 0, NO = 1, ABORT = 2 };
 
 /// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
 [[noreturn]] void gripe(const std::string& message);
@@ -37,7 +39,7 @@ void advise_wait(const std::string& message);
 /// The buttons of a question.
 enum class Buttons { YES, NO, ABORT, YES_NO, YES_ABORT, YES_NO_ABORT };
 
-inline constexpr Answer default_default = YES;
+inline constexpr Answer default_default = Answer::YES;
 inline constexpr Buttons default_mask = Buttons::YES_NO_ABORT;
 
 /// Asks a question and returns its Answer. `def` is the button that is preset, `mask` are those
@@ -49,3 +51,5 @@ Answer ask(const std::string& message, Answer def = default_default, Buttons mas
 /// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
 /// stands as it is.
 void print_stdout(const std::string& text);
+
+}  // namespace gatescope

@@ -14,6 +14,7 @@
 #include "messages/identity.h"
 #include "messages/self_test_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char USABILITY_LINE[] = "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
@@ -69,9 +70,9 @@ struct TestQuestion {
     const char* text;
     Answer def;
 };
-constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {{THREE_BUTTONS_ABORT, ABORT},
-                                                   {THREE_BUTTONS_NO, NO},
-                                                   {THREE_BUTTONS_YES, YES},
+constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {{THREE_BUTTONS_ABORT, Answer::ABORT},
+                                                   {THREE_BUTTONS_NO, Answer::NO},
+                                                   {THREE_BUTTONS_YES, Answer::YES},
                                                    {THREE_BUTTONS_DEFAULT, default_default}};
 
 struct OnlyAnswer {
@@ -79,16 +80,16 @@ struct OnlyAnswer {
     Buttons button;
 };
 constexpr OnlyAnswer ONE_BUTTON_QUESTIONS[] = {
-    {ABORT, Buttons::ABORT}, {YES, Buttons::YES}, {NO, Buttons::NO}};
+    {Answer::ABORT, Buttons::ABORT}, {Answer::YES, Buttons::YES}, {Answer::NO, Buttons::NO}};
 
 void test_questions() {
     for (const TestQuestion& question : THREE_BUTTON_QUESTIONS) {
-        const int code = ask(question.text, question.def);
+        const int code = static_cast<int>(ask(question.text, question.def));
         advise(filled(THREE_BUTTON_ANSWER, code));
     }
     for (const auto& [answer, button] : ONE_BUTTON_QUESTIONS) {
-        const char* word = ANSWER_WORDS[answer];
-        const int code = ask(filled(ONLY_QUESTION, word), answer, button);
+        const char* word = ANSWER_WORDS[static_cast<std::size_t>(answer)];
+        const int code = static_cast<int>(ask(filled(ONLY_QUESTION, word), answer, button));
         advise(filled(ONLY_ANSWER, word, code));
     }
 }
@@ -107,3 +108,5 @@ void general_test() {
     test_questions();
     show_about();
 }
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 #include "messages/startup_texts.h"
 
 int main(int argument_count, char** arguments) {
+    using namespace gatescope;
     if (const int error = open_missing_standard_streams()) {
         note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), "gatescope-history");
         return 2;

@@ -5,9 +5,11 @@
 
 #include "base/filled.h"
 #include "dialog/messages.h"
+#include "logs/log_files.h"
 #include "logs/log_tally.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Records that lie this much before the query period are worth a warning.
@@ -101,3 +103,5 @@ QueryResult get_query_data(const RecordQuery& query, const std::string& logging_
     result.advice = advice_on(tally, query.period);
     return result;
 }
+
+}  // namespace gatescope

@@ -10,9 +10,11 @@
 #include <thread>
 
 #include "base/signals.h"
-#include "logs/canonical_records.h"
+#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/canonical_records.h"
 
+namespace gatescope {
 namespace {
 
 struct Range {
@@ -137,3 +139,5 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     for (const auto& worker : workers) worker->add_to(&all);
     return all;
 }
+
+}  // namespace gatescope

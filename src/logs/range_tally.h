@@ -5,9 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "logs/log_reader.h"
 #include "logs/progress.h"
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
+#include "records/words.h"
+
+namespace gatescope {
 
 // Several threads count the records of several logs together: each takes the next range of bytes
 // that nobody has taken, and has its own reader and its own tally.
@@ -34,3 +36,5 @@ struct RangeTally {
 /// and any size. Signals that end the process come to the calling thread.
 RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                         off_t range_size, Progress* progress);
+
+}  // namespace gatescope

@@ -15,6 +15,7 @@
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 /// Takes the gatebits file that the environment names; false when it names none that opens.
@@ -55,9 +56,9 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     if (take_file_from_environment(named, &file)) return;
     const Answer answer = ask(gatebits_question(options, named));
     file.clear();
-    if (answer == YES) {
+    if (answer == Answer::YES) {
         make_new_gatebits_file(options, region);
-    } else if (answer == NO) {
+    } else if (answer == Answer::NO) {
         open_existing_gatebits_file(options, region);
     } else {
         clean_exit(STATUS_WITHOUT_MEANS);
@@ -65,3 +66,5 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     // Asked once more, but whatever the answer, start-up goes on.
     if (file.empty()) ask(RETRY_GATEBITS_FILE);
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace gatescope {
+
 // The environment variables that the program reads, by the names that it reads them under.
 
 inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
@@ -61,3 +63,5 @@ inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {ENV_PATH,
      "Where clearprompt, cleartool and a checker that is named without a directory are found"},
 }};
+
+}  // namespace gatescope

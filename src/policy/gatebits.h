@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gatescope {
+
 // The text of a gatebits file as a value, with its lines, fields and keys, and edits that make
 // another text of it. Nothing here touches a file. Lines and fields are counted from 1.
 
@@ -14,20 +16,20 @@
 inline constexpr char DELETION_TOKEN[] = "<[;;;;;deletme;;;;;]>";
 
 /// Significant lines of the region block; the lines after it are command keys.
-enum RegionLine {
-    HEADER_LINE = 1,
-    DEPOT_LINE = 2,
-    PARENT_LINE = 3,
-    NOTIFY_LINE = 4,
-    RESTRICTED_LINE = 5,
-    SPECIAL_LINE = 6,
-    MOTD_LINE = 7,
-    BITS_LINE = 8,
-    FIRST_KEY_LINE = 9
-};
+inline constexpr int HEADER_LINE = 1;
+inline constexpr int DEPOT_LINE = 2;
+inline constexpr int PARENT_LINE = 3;
+inline constexpr int NOTIFY_LINE = 4;
+inline constexpr int RESTRICTED_LINE = 5;
+inline constexpr int SPECIAL_LINE = 6;
+inline constexpr int MOTD_LINE = 7;
+inline constexpr int BITS_LINE = 8;
+inline constexpr int FIRST_KEY_LINE = 9;
 
 /// Fields of the depot, parent and notify lines, and one of the depot line alone.
-enum RegionField { WINDOWS_FIELD = 1, UNIX_FIELD = 2, LOGGING_FIELD = 3 };
+inline constexpr int WINDOWS_FIELD = 1;
+inline constexpr int UNIX_FIELD = 2;
+inline constexpr int LOGGING_FIELD = 3;
 
 /// The other operating system's field.
 constexpr int other_field(int field) {
@@ -121,3 +123,5 @@ struct FieldValue {
 /// not exist is passed over.
 Rewrite set_a_field(const Gatebits& gatebits, const FieldValue& field,
                     const std::vector<FieldValue>& further = {});
+
+}  // namespace gatescope

@@ -18,6 +18,7 @@
 #include "messages/startup_texts.h"
 #include "policy/write_failure.h"
 
+namespace gatescope {
 namespace {
 
 /// The lock under which the file is changed; where there is none to be had we do without. Gripes
@@ -120,3 +121,5 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }
+
+}  // namespace gatescope

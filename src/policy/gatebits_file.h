@@ -9,6 +9,8 @@
 #include "policy/gatebits.h"
 #include "policy/history.h"
 
+namespace gatescope {
+
 // The gatebits file on the disk: read as a value, and changed in one place. Nothing is cached: each
 // step of a dialog reads the file anew. What cannot be read or written ends the program through
 // gripe.
@@ -61,3 +63,5 @@ struct Changed {
 /// back or cannot be written.
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);
+
+}  // namespace gatescope

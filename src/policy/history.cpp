@@ -27,6 +27,7 @@
 #include "messages/history_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// How long a name may be taken that has the second in it.
@@ -181,3 +182,5 @@ void HistoryRecord::take_back() {
     if (!saved.empty()) unlink(saved.c_str());
     lines = {};
 }
+
+}  // namespace gatescope

@@ -14,12 +14,13 @@
 #include "base/whole_file.h"
 #include "base/writers.h"
 #include "dialog/messages.h"
-#include "logs/kept_records.h"
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
 #include "messages/startup_texts.h"
 #include "pruning/left_overs.h"
+#include "records/kept_records.h"
 
+namespace gatescope {
 namespace {
 
 constexpr mode_t PUBLIC = 0666;
@@ -302,3 +303,5 @@ bool remove_unchanged_old_files(const Log& log, const Work& work, Moment deadlin
     }
     return added_to.empty();
 }
+
+}  // namespace gatescope

@@ -19,7 +19,9 @@
 #include "messages/log_texts.h"
 #include "pruning/left_overs.h"
 #include "pruning/one_log.h"
+#include "records/query_period.h"
 
+namespace gatescope {
 namespace {
 
 constexpr int MOST_ROUNDS = 3;
@@ -188,3 +190,5 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
         write_output(text);
     }
 }
+
+}  // namespace gatescope

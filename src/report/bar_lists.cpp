@@ -3,9 +3,11 @@
 #include "base/filled.h"
 #include "messages/bar_list_texts.h"
 #include "messages/bit_names.h"
-#include "messages/page_texts.h"
+#include "report/bar_list_html.h"
 #include "report/bars.h"
+#include "report/page_html.h"
 
+namespace gatescope {
 namespace {
 
 void print_list_opening(const QueryResult& result, const char* noun, Page* page) {
@@ -99,3 +101,5 @@ void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines,
     }
     print_list_closing(page);
 }
+
+}  // namespace gatescope

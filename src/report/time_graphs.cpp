@@ -5,11 +5,12 @@
 #include <span>
 #include <string>
 
-#include "messages/page_texts.h"
-#include "messages/time_graph_texts.h"
 #include "report/bars.h"
 #include "report/day_titles.h"
+#include "report/page_html.h"
+#include "report/time_graph_html.h"
 
+namespace gatescope {
 namespace {
 
 /// One bar of a day's column.
@@ -105,3 +106,5 @@ void Display_Graph__success_only(const QueryResult& result, const char* what, Pa
 void Display_Graph__denied_only(const QueryResult& result, const char* what, Page* page) {
     print_single({result, DENIED_BAR, result.cell_denied_max, what, page});
 }
+
+}  // namespace gatescope

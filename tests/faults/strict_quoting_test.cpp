@@ -15,6 +15,7 @@
 #include "policy/gatebits_file.h"
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 /// One kind of dialog, with a text in every place that takes one.
@@ -35,7 +36,7 @@ const std::vector<Kind> KINDS = {
     {"gripe", run_gripe, 1, true},
     {"advise", advise, 1, true},
     {"advise_wait", advise_wait, 1, true},
-    {"ask", [](const std::string& text) { ask(text, NO); }, 1},
+    {"ask", [](const std::string& text) { ask(text, Answer::NO); }, 1},
     {"prompt", [](const std::string& text) { prompt(text, text); }, 2},
     {"prompt_from_file", [](const std::string& text) { prompt_from_file(text, text); }, 1},
     {"show_file", [](const std::string& text) { show_file_with_clearprompt(text, text, false); },
@@ -135,3 +136,4 @@ TEST_F(StrictQuoting, WithoutItOrdinaryTextsComeThroughAllTheSame) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "fuzz/fuzz_world.h"
 #include "policy/file_chooser.h"
 
+namespace gatescope {
 namespace {
 
 /// Words with single blanks between them.
@@ -47,7 +48,7 @@ void run_a_dialog(FuzzedDataProvider& data) {
             if (const auto file = select_cb_file(gatebits_path(), text)) must_be_words(*file);
             break;
         case 5:
-            must(ask(text, NO) <= ABORT, "an answer has a name");
+            must(ask(text, Answer::NO) <= Answer::ABORT, "an answer has a name");
             break;
         default:
             show_file_with_clearprompt(text, other, data.ConsumeBool());
@@ -69,3 +70,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     answer_dialogs_from(nullptr);
     return 0;
 }
+
+}  // namespace gatescope

@@ -8,8 +8,9 @@
 #include <vector>
 
 #include "fuzz/region_files.h"
-#include "logs/log_files.h"
 #include "support/scratch_directory.h"
+
+namespace gatescope {
 
 // A region's logs on the disk, and what is to become of them by the plain rule.
 
@@ -124,3 +125,5 @@ class PrunedRegion {
     Words late_;
     int writers_ = 0;
 };
+
+}  // namespace gatescope

@@ -4,11 +4,12 @@
 #include <numeric>
 
 #include "fuzz/fuzz_world.h"
-#include "logs/canonical_records.h"
-#include "logs/log_files.h"
-#include "logs/log_reader.h"
 #include "logs/query_data.h"
+#include "records/canonical_records.h"
+#include "records/query_period.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
 /// Times that mean something: "T" followed by a digit stands for a moment of this period.
@@ -92,8 +93,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     must(get_file("tmp/logging_0.txt") == first, "reading changes nothing");
     const RecordTally tally_first = counted_by_the_plain_rule(asked, first);
     const RecordTally tally_last = counted_by_the_plain_rule(asked, last);
-    for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-        const CanonicalQuery fast(asked, lanes);
+    for (const InstructionSet set :
+         {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+        const CanonicalQuery fast(asked, set);
         must(same_counts(counted_fast(fast, first), tally_first) &&
                  same_counts(counted_fast(fast, last), tally_last),
              "records of the canonical shape count as the plain rule says");
@@ -105,3 +107,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     return 0;
 }
+
+}  // namespace gatescope

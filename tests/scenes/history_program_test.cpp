@@ -8,6 +8,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -290,3 +291,4 @@ TEST(HistoryProgram, OnATerminalItHasColoursAndCutsLongValues) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Confirmations : public OnStage {
@@ -21,8 +22,11 @@ class Confirmations : public OnStage {
 };
 
 TEST_F(Confirmations, TheThreeAnswersOfEachQuestion) {
-    const int expected[] = {CONFIRMED, DECLINED, CHANGE_ABORTED, CHANGE_ABORTED};
-    static_assert(CONFIRMED == 1 && DECLINED == 0 && CHANGE_ABORTED == 2);
+    const Consent expected[] = {Consent::CONFIRMED, Consent::DECLINED, Consent::ABORTED,
+                                Consent::ABORTED};
+    static_assert(static_cast<int>(Consent::CONFIRMED) == 1 &&
+                  static_cast<int>(Consent::DECLINED) == 0 &&
+                  static_cast<int>(Consent::ABORTED) == 2);
     for (const int status : {0, 1, 2, 3}) {
         for (int i = 0; i < 3; ++i) region.answers({.kind = "yes_no", .status = status});
         EXPECT_EQ(confirm_change({"x", "a", "b"}), expected[status]);
@@ -155,3 +159,4 @@ TEST_F(Confirmations, ReportsCutLikeTheQuestions) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,7 @@
 #include "dialog/clearprompt.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 using Messages = OnStage;
@@ -24,18 +25,19 @@ class MessagesWithoutDialogs : public OnStage {
 
 TEST_F(Messages, AskWithoutMaskAndDefaultOffersAllThree) {
     region.answers_yes();
-    EXPECT_EQ(ask("Sure?"), YES);
+    EXPECT_EQ(ask("Sure?"), Answer::YES);
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", "yes,no,abort")});
 }
 
 TEST_F(Messages, AskHandsMaskAndDefaultOver) {
     region.answers_no();
-    EXPECT_EQ(ask("Sure?", NO, Buttons::YES_NO), NO);
+    EXPECT_EQ(ask("Sure?", Answer::NO, Buttons::YES_NO), Answer::NO);
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "no", "yes,no")});
 }
 
 TEST_F(Messages, AskHasAWordForEachAnswerAndEachSetOfButtons) {
-    const std::pair<Answer, const char*> answers[] = {{YES, "yes"}, {NO, "no"}, {ABORT, "abort"}};
+    const std::pair<Answer, const char*> answers[] = {
+        {Answer::YES, "yes"}, {Answer::NO, "no"}, {Answer::ABORT, "abort"}};
     for (const auto& [def, word] : answers) {
         region.answers_yes();
         ask("Sure?", def);
@@ -46,13 +48,13 @@ TEST_F(Messages, AskHasAWordForEachAnswerAndEachSetOfButtons) {
                                                        {Buttons::YES_NO_ABORT, "yes,no,abort"}};
     for (const auto& [buttons, words] : several) {
         region.answers_yes();
-        ask("Sure?", YES, buttons);
+        ask("Sure?", Answer::YES, buttons);
         EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", words)});
     }
     const std::pair<Buttons, const char*> single[] = {
         {Buttons::YES, "yes"}, {Buttons::NO, "no"}, {Buttons::ABORT, "abort"}};
     for (const auto& [button, word] : single) {
-        ask("Sure?", YES, button);
+        ask("Sure?", Answer::YES, button);
         EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", word)});
     }
 }
@@ -60,14 +62,14 @@ TEST_F(Messages, AskHasAWordForEachAnswerAndEachSetOfButtons) {
 TEST_F(Messages, EveryStatusButYesAndNoIsAnAbort) {
     for (const int status : {2, 3, 10, 99, 126, 127, 255}) {
         region.answers({.kind = "yes_no", .status = status});
-        EXPECT_EQ(ask("Sure?", YES, Buttons::YES_NO), ABORT) << status;
+        EXPECT_EQ(ask("Sure?", Answer::YES, Buttons::YES_NO), Answer::ABORT) << status;
     }
     region.shown_so_far();
 }
 
 TEST_F(Messages, AClearpromptThatIsNotThereIsAnAbort) {
     setenv("PATH", "/nowhere", 1);
-    EXPECT_EQ(ask("Sure?", YES, Buttons::YES_NO), ABORT);
+    EXPECT_EQ(ask("Sure?", Answer::YES, Buttons::YES_NO), Answer::ABORT);
     region.enter();
 }
 
@@ -107,7 +109,7 @@ TEST_F(Messages, AQuoteInAMessageBreaksTheQuoting) {
 TEST_F(Messages, WhatStandsAfterANulIsLostButTheCommandLineIsWhole) {
     advise_wait(std::string("kept\0lost", 9));
     region.answers_yes();
-    ask(std::string("kept\0lost", 9), YES, Buttons::YES_NO);
+    ask(std::string("kept\0lost", 9), Answer::YES, Buttons::YES_NO);
     EXPECT_EQ(region.shown_so_far().dialogs(),
               (Dialogs{advised_and_waited("kept"), asked("kept", "yes", "yes,no")}));
 }
@@ -134,18 +136,20 @@ TEST_F(MessagesWithoutDialogs, MessagesArePrinted) {
 }
 
 TEST_F(MessagesWithoutDialogs, AQuestionWithOneButtonIsAcceptedWithItsDefault) {
-    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", NO, Buttons::NO), NO); }),
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", Answer::NO, Buttons::NO), Answer::NO); }),
               "Sure?\n[no] accepted\n");
-    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", YES, Buttons::YES), YES); }),
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", Answer::YES, Buttons::YES), Answer::YES); }),
               "Sure?\n[yes] accepted\n");
-    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", ABORT, Buttons::ABORT), ABORT); }),
-              "Sure?\n[abort] accepted\n");
+    EXPECT_EQ(
+        printed([] { EXPECT_EQ(ask("Sure?", Answer::ABORT, Buttons::ABORT), Answer::ABORT); }),
+        "Sure?\n[abort] accepted\n");
     EXPECT_TRUE(region.shown_so_far().dialogs().empty());
 }
 
 TEST_F(MessagesWithoutDialogs, AQuestionWithMoreButtonsStillNeedsADialog) {
     region.answers_no();
-    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", YES, Buttons::YES_NO), NO); }), "");
+    EXPECT_EQ(printed([] { EXPECT_EQ(ask("Sure?", Answer::YES, Buttons::YES_NO), Answer::NO); }),
+              "");
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{asked("Sure?", "yes", "yes,no")});
 }
 
@@ -177,3 +181,4 @@ TEST(Quoting, TheNewlineOptionIsForThePairOnly) {
 }
 
 }  // namespace
+}  // namespace gatescope

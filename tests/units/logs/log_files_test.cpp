@@ -8,7 +8,9 @@
 #include <limits>
 
 #include "log_region.h"
+#include "records/query_period.h"
 
+namespace gatescope {
 namespace {
 
 /// Local time is that of `zone` until the end of the scope.
@@ -155,3 +157,4 @@ TEST(TimeTexts, AbsurdYearsDoNotCrash) {
 }
 
 }  // namespace
+}  // namespace gatescope

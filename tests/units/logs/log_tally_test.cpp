@@ -1,11 +1,12 @@
 #include "logs/log_tally.h"
 
 #include "log_region.h"
-#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/words.h"
 #include "support/expect_gripe.h"
 #include "support/few_descriptors.h"
 
+namespace gatescope {
 namespace {
 
 /// The logs of a region, counted by query 1.
@@ -93,3 +94,4 @@ TEST_F(LogTally, SaysNothingOfMissingLogs) {
 }
 
 }  // namespace
+}  // namespace gatescope

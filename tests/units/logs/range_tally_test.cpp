@@ -9,10 +9,12 @@
 #include <random>
 #include <string>
 
+#include "logs/log_reader.h"
 #include "support/few_descriptors.h"
 #include "support/scratch_directory.h"
-#include "units/logs/tallies.h"
+#include "units/records/tallies.h"
 
+namespace gatescope {
 namespace {
 
 RecordQuery query_of(int number) {
@@ -209,3 +211,4 @@ TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
 }
 
 }  // namespace
+}  // namespace gatescope

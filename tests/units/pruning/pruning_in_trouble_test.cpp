@@ -10,6 +10,8 @@
 #include "support/needs.h"
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
+
 // A system that refuses, or fails, in the middle of a pruning.
 
 namespace {
@@ -387,3 +389,4 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
 }
 
 }  // namespace
+}  // namespace gatescope

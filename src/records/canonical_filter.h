@@ -4,12 +4,14 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace gatescope {
+
 /// What the fast path compares in a canonical record.
 struct CanonicalFilter {
     /// The user and the '[' after it are no longer than this.
     static constexpr std::size_t USER_LIMIT = 32;
 
-    /// RecordOutcome by kind and detail letter, as the plain rule has it.
+    /// Outcome by kind and detail letter, as the plain rule has it.
     std::array<std::uint8_t, 32> outcomes = {};
     /// "user[" in lower case, the bytes of it that count, and the bit that tells the cases of a
     /// letter apart where there is a letter.
@@ -26,3 +28,5 @@ struct CanonicalFilter {
     bool has_fields = false;
     bool has_long_user = false;
 };
+
+}  // namespace gatescope
