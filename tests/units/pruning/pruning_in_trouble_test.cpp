@@ -55,7 +55,7 @@ int unlinkat(int directory, const char* name, int flags) noexcept {
                   [&] { return syscall(SYS_unlinkat, directory, name, flags); });
 }
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
-    // The system call has another name, and another result, on each machine of 32 bits.
+    // On machines of 32 bits the system call has another name and another struct.
     const std::string place =
         directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
     const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
