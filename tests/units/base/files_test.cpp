@@ -26,18 +26,21 @@ std::function<void()>& after_next_stat() {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 /// Takes the place of the C library's, which knows no moment between a look and what follows it.
+/// Outside of the namespace, where 32-bit machines have their own name for it.
 extern "C" int fstatat(int directory, const char* path, struct stat* status, int flags) noexcept {
     const int no_link = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
-    const Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));
+    const gatescope::Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));
     const int result = file ? fstat(file.get(), status) : -1;
     const int reason = errno;
-    if (const std::function<void()> what = std::exchange(after_next_stat(), nullptr)) what();
+    if (const auto what = std::exchange(gatescope::after_next_stat(), nullptr)) what();
     errno = reason;
     return result;
 }
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;

@@ -42,8 +42,14 @@ int asked(const std::function<int(const std::string&)>& what, const char* name) 
 }
 
 }  // namespace
+}  // namespace gatescope
 
-// These take the place of the C library's.
+using gatescope::asked;
+using gatescope::before;
+using gatescope::unless;
+
+// These take the place of the C library's, which has other names for some on 32-bit machines: they
+// are known outside of the namespace alone.
 extern "C" {
 
 int linkat(int one, const char* from, int other, const char* to, int flags) noexcept {
@@ -68,6 +74,7 @@ int renameat(int one, const char* from, int other, const char* to) noexcept {
 }
 }
 
+namespace gatescope {
 namespace {
 
 class PruningInTrouble : public Pruning {
