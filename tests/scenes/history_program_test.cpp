@@ -258,8 +258,8 @@ TEST(HistoryProgram, SaysWhatItIs) {
 
 TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
     Region east = region_with_two_changes();
-    const Result result = east.run_program(
-        "/bin/sh", "sh", {"-c", history_program() + " list >/dev/full"});
+    const Result result =
+        east.run_program("/bin/sh", "sh", {"-c", history_program() + " list >/dev/full"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
               "gatescope-history: standard output could not be written: No space left on device\n");
@@ -267,10 +267,9 @@ TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
 
 /// The output of a terminal with 80 columns.
 std::string on_terminal(Region& region, const std::string& command) {
-    region.run_program(
-        "/bin/sh", "sh",
-        {"-c", "script -qec 'stty cols 80 -onlcr; " + history_program() + " " +
-                   command + "' /dev/null >terminal"});
+    region.run_program("/bin/sh", "sh",
+                       {"-c", "script -qec 'stty cols 80 -onlcr; " + history_program() + " " +
+                                  command + "' /dev/null >terminal"});
     return region.file("terminal");
 }
 

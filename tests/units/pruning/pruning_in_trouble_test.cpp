@@ -65,8 +65,7 @@ int fstatat(int directory, const char* name, struct stat* status, int flags) noe
     const std::string place =
         directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
     const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
-    return unless(asked(before().look, name),
-                  [&] { return look((place + name).c_str(), status); });
+    return unless(asked(before().look, name), [&] { return look((place + name).c_str(), status); });
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
