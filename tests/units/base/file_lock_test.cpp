@@ -76,6 +76,7 @@ TEST_F(FileLocked, OneThatSomebodyKeepsIsGivenUpWhenPatienceEnds) {
 
 // The papers for administrators say so.
 TEST_F(FileLocked, WhoMayOnlyReadAFileOrDirectoryCanKeepItsLock) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     const Descriptor reader(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(reader.get(), LOCK_SH), 0);
     EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
