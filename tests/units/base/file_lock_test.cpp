@@ -75,6 +75,7 @@ TEST_F(FileLockTest, IsGivenUpAfterTheWaitForAnotherHolder) {
 
 // SECURITY.md warns of it.
 TEST_F(FileLockTest, CanBeHeldWithReadPermissionAlone) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     const Descriptor reader(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(reader.get(), LOCK_SH), 0);
     EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::HELD_BY_ANOTHER);
