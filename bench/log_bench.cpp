@@ -1,4 +1,6 @@
 // Benchmarks of counting and pruning records in memory, in bytes per second, without system calls.
+// scripts/bench builds this program, but does not run it. It stays because it also measures SSE2
+// and the scalar path on a processor with AVX2.
 
 #include <benchmark/benchmark.h>
 

@@ -132,7 +132,7 @@ class Stage:
 
     def start(self, edit, side, other=None):
         action, answers = edit
-        stages.put_player(self.path(side), self.stand_in, answers)
+        stages.install_stand_in(self.path(side), self.stand_in, answers)
         environment = {"PATH": self.path(side + "/bin") + ":/usr/bin:/bin", "tmp": self.path(side),
                        "CLEARCASE_USER": "operator", "OTHER": self.path(other) if other else "",
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.policy}
@@ -145,12 +145,12 @@ class Stage:
         return contents(stages.read(self.policy))
 
     def is_refused(self, side):
-        return any(REFUSED in argument for call in stages.calls_of_player(self.path(side))
+        return any(REFUSED in argument for call in stages.recorded_calls(self.path(side))
                    for argument in call["argument"])
 
     def mismatches(self, side):
         """Errors of dialogs that do not match their answers."""
-        return [call["error"] for call in stages.calls_of_player(self.path(side))
+        return [call["error"] for call in stages.recorded_calls(self.path(side))
                 if any(call["error"])]
 
 

@@ -47,7 +47,7 @@ class Stage:
         self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
         self.write("gatebits.txt", self.old)
         self.write("depot/log/logging_0.txt", PRUNED + KEPT)
-        stages.put_player(self.path, stand_in, ANSWERS)
+        stages.install_stand_in(self.path, stand_in, ANSWERS)
         os.symlink("/bin/true", self.at("bin/gatewarden"))
         if kind == "field_in_place":
             os.link(self.at("gatebits.txt"), self.at("other_name.txt"))

@@ -537,7 +537,7 @@ class Run:
         self.said = said.decode(errors="replace")
         self.noted = noted.decode(errors="replace")
         self.status = process.returncode
-        calls = stages.calls_of_player(stage)
+        calls = stages.recorded_calls(stage)
         self.mismatches = [call["error"] for call in calls if any(call["error"])]
         # Questions, prompts and lists, without the stage and the process id.
         asked = "".join(" ".join(call["argument"]) + "\n" for call in calls
@@ -576,7 +576,7 @@ def set_the_stage(stage, stand_in, edit):
     for folder in ("tmp", "logs", "depot"):
         os.makedirs(os.path.join(stage, folder))
     stages.write(os.path.join(stage, "gatebits.txt"), BLOCK.format(stage=stage))
-    stages.put_player(stage, stand_in, edit.answers)
+    stages.install_stand_in(stage, stand_in, edit.answers)
     edit.furnish(stage)
 
 

@@ -55,7 +55,7 @@ class Stage:
         self.path = tempfile.mkdtemp()
         os.mkdir(self.path + "/tmp")
         stages.write(self.path + "/gatebits.txt", GATEBITS)
-        stages.put_player(self.path, stand_in, [dialog])
+        stages.install_stand_in(self.path, stand_in, [dialog])
         self.environment = {"PATH": self.path + "/bin:/usr/bin:/bin", "tmp": self.path + "/tmp",
                             "CLEARCASE_USER": "op"}
 
@@ -64,8 +64,8 @@ class Stage:
 
     def dialog(self):
         """Waits until the dialog is open, and returns its process id."""
-        wait_for(lambda: stages.calls_of_player(self.path), "the dialog")
-        return int(stages.calls_of_player(self.path)[0]["pid"][0])
+        wait_for(lambda: stages.recorded_calls(self.path), "the dialog")
+        return int(stages.recorded_calls(self.path)[0]["pid"][0])
 
     def check(self, dialog, status, number):
         assert status == -number, "it ended with %d and not by signal %d" % (status, number)

@@ -37,16 +37,16 @@ def read(path):
     return ""
 
 
-def put_player(stage, stand_in, answers):
+def install_stand_in(stage, stand_in, answers):
     """Creates the stage's directory "bin", with a clearprompt that gives these answers, one per
     dialog; "{stage}" in them is the stage. Boxes with one button need no answer; without an answer
     all other dialogs are aborted."""
     os.makedirs(os.path.join(stage, "bin"))
-    player = os.path.join(stage, "bin", "clearprompt")
+    clearprompt = os.path.join(stage, "bin", "clearprompt")
     try:
-        os.link(stand_in, player)
+        os.link(stand_in, clearprompt)
     except OSError:
-        shutil.copy(stand_in, player)
+        shutil.copy(stand_in, clearprompt)
     script = os.path.join(stage, "script", "clearprompt")
     os.makedirs(script)
     for number, answer in enumerate(answers):
@@ -56,7 +56,7 @@ def put_player(stage, stand_in, answers):
         write(os.path.join(script, "%06d" % number), "".join(lines) + "\n")
 
 
-def calls_of_player(stage):
+def recorded_calls(stage):
     """All dialogs so far, each as the values of the fields of a RecordedCall."""
     calls = []
     for record in read(os.path.join(stage, "journal")).split("\n\n")[:-1]:
