@@ -1,4 +1,6 @@
-// Throughput of counting and of pruning on records in memory, without system calls.
+// Benchmarks of counting and pruning records in memory, in bytes per second, without system calls.
+// scripts/bench builds this program, but does not run it. It stays because it also measures SSE2
+// and the scalar path on a processor with AVX2.
 
 #include <benchmark/benchmark.h>
 
@@ -15,12 +17,12 @@ namespace gatescope {
 namespace {
 
 constexpr std::int64_t NOW = 1794787199;
-/// As large as a read of LogReader, which fits into the cache.
+/// Fits into the cache, like a block that was just read.
 constexpr std::size_t PIECE_SIZE = 128 * 1024;
-/// Too many for a branch predictor to learn their records.
+/// Enough to keep the branch predictor from learning the records.
 constexpr std::size_t PIECES = 16;
 
-/// Lines with records that end in `line_end`, and READER_MARGIN bytes.
+/// Records in lines that end in `line_end`, followed by the reader's margin.
 std::string made_records(std::size_t size, const std::string& line_end) {
     std::mt19937 random(20);
     std::string made;
@@ -32,7 +34,7 @@ std::string made_records(std::size_t size, const std::string& line_end) {
     return made + std::string(READER_MARGIN, '\0');
 }
 
-/// Returns the pieces one after the other, in an endless cycle.
+/// Pieces of records, returned in turn.
 class Pieces {
   public:
     explicit Pieces(const std::string& line_end) {
@@ -72,7 +74,7 @@ void report_bytes(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PIECE_SIZE));
 }
 
-void by_fields(benchmark::State& state, InstructionSet set) {
+void count_with(benchmark::State& state, InstructionSet set) {
     Pieces pieces(line_end_of(state.range(2)));
     const CanonicalQuery query(query_of(static_cast<int>(state.range(0)), state.range(1) != 0),
                                set);
@@ -84,26 +86,26 @@ void by_fields(benchmark::State& state, InstructionSet set) {
     report_bytes(state);
 }
 
-void ByFields(benchmark::State& state) {
-    by_fields(state, best_instruction_set());
+void FastPath(benchmark::State& state) {
+    count_with(state, best_instruction_set());
 }
-BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
+BENCHMARK(FastPath)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
 
-void ByFieldsWithSse2(benchmark::State& state) {
-    by_fields(state, InstructionSet::SSE2);
+void FastPathWithSse2(benchmark::State& state) {
+    count_with(state, InstructionSet::SSE2);
 }
-BENCHMARK(ByFieldsWithSse2)
+BENCHMARK(FastPathWithSse2)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0, 1}, {0}});
 
-void ByFieldsWithoutVectors(benchmark::State& state) {
-    by_fields(state, InstructionSet::SCALAR);
+void FastPathWithoutVectors(benchmark::State& state) {
+    count_with(state, InstructionSet::SCALAR);
 }
-BENCHMARK(ByFieldsWithoutVectors)
+BENCHMARK(FastPathWithoutVectors)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0}, {0, 1}});
 
-void ByThePlainRule(benchmark::State& state) {
+void PlainRule(benchmark::State& state) {
     Pieces pieces("\n");
     const RecordQuery query = query_of(static_cast<int>(state.range(0)), state.range(1) != 0);
     RecordTally tally;
@@ -119,14 +121,14 @@ void ByThePlainRule(benchmark::State& state) {
     }
     report_bytes(state);
 }
-BENCHMARK(ByThePlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
+BENCHMARK(PlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
 
-/// `dropped` is the percentage of records dropped.
+/// The first argument is the percentage of dropped records.
 void Pruning(benchmark::State& state) {
     Pieces pieces(line_end_of(state.range(1)));
-    KeptRecords records(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
+    KeptRecords records_kept(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
     for (auto _ : state) {
-        std::string_view kept = records.of(pieces.next());
+        std::string_view kept = records_kept.of(pieces.next());
         benchmark::DoNotOptimize(kept);
     }
     report_bytes(state);

@@ -30,10 +30,10 @@ std::size_t utf8_size(std::string_view text) {
 std::string json_string(std::string_view bytes) {
     std::string text = "\"";
     for (std::size_t size = 0; !bytes.empty(); bytes.remove_prefix(size)) {
-        const char byte = bytes.front();
+        const std::uint8_t byte = static_cast<std::uint8_t>(bytes.front());
         size = std::max<std::size_t>(utf8_size(bytes), 1);
-        if (utf8_size(bytes) == 0 || (byte >= '\0' && byte < ' ') || byte == '\x7F') {
-            text += filled("\\u%04x", static_cast<std::uint8_t>(byte));
+        if (utf8_size(bytes) == 0 || byte < ' ' || byte == '\x7F') {
+            text += filled("\\u%04x", byte);
         } else {
             if (byte == '"' || byte == '\\') text += '\\';
             text += bytes.substr(0, size);

@@ -45,7 +45,7 @@ bool find_checker(ToolSettings* tools) {
 
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
                             const char* option) {
-    return filled(CHECKER_LINE, quoted(checker).c_str(), one_argument(gatebits_file).c_str(),
+    return filled(CHECKER_LINE, quoted(checker).c_str(), path_argument(gatebits_file).c_str(),
                   option);
 }
 

@@ -82,7 +82,7 @@ AppendResult try_to_append(const std::string& path, const std::string& text, Ope
     if (!page.file && errno == EEXIST) return {AppendStatus::NAME_IS_TAKEN};
     if (!page.file) return {AppendStatus::NOT_OPENED, std::strerror(errno)};
     const LockState lock = try_lock(page.file);
-    if (lock == LockState::KEPT_BY_ANOTHER) return {AppendStatus::TRY_AGAIN};
+    if (lock == LockState::HELD_BY_ANOTHER) return {AppendStatus::TRY_AGAIN};
     page.is_locked = lock == LockState::HELD;
     struct stat before;
     if (fstat(page.file.get(), &before) != 0) {
