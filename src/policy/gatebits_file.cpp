@@ -97,7 +97,7 @@ Gatebits read_gatebits(const std::string& path) {
     return parse_gatebits(read_gatebits_bytes(path), path);
 }
 
-std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
+std::vector<std::string> no_part(const Gatebits& /*gatebits*/) {
     return {};
 }
 

@@ -38,7 +38,7 @@ struct Precondition {
 };
 
 /// For a change that depends on no part of the file.
-std::vector<std::string> nothing(const Gatebits& gatebits);
+std::vector<std::string> no_part(const Gatebits& gatebits);
 
 /// Returns the new text of the file. Has no side effects, so it can be applied to any text.
 using Edit = std::function<Rewrite(const Gatebits& now)>;

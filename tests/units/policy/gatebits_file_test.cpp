@@ -21,12 +21,12 @@ class GatebitsFile : public OnStage {
   protected:
     /// Sets the line without a precondition.
     ChangeResult set_line(int n, const std::string& text) const {
-        return change(gatebits_file, {Gatebits(std::string()), nothing},
+        return change(gatebits_file, {Gatebits(std::string()), no_part},
                       [&](const Gatebits& now) { return set_a_line(now, n, text); }, {})
             .result;
     }
     ChangeResult set_field(const FieldValue& value) const {
-        return change(gatebits_file, {Gatebits(std::string()), nothing},
+        return change(gatebits_file, {Gatebits(std::string()), no_part},
                       [&](const Gatebits& now) { return set_a_field(now, value); }, {})
             .result;
     }
@@ -98,7 +98,7 @@ TEST_F(GatebitsFile, IsLockedFromTheReadToTheWrite) {
         return lock_exclusively(file.get()) == EWOULDBLOCK;
     };
     EXPECT_FALSE(is_locked());
-    change(gatebits_file, {Gatebits(std::string()), nothing},
+    change(gatebits_file, {Gatebits(std::string()), no_part},
            [&](const Gatebits& now) {
                EXPECT_TRUE(is_locked());
                return set_a_line(now, 1, "two;");
