@@ -14,7 +14,7 @@
 namespace gatescope {
 namespace {
 
-// How the rows hand on what each handler takes.
+// Adapters from Request::handler to the queries and actions.
 
 template <auto query>
 Finished run_query(const Options& options, RegionInUse& region, const Request&) {
@@ -32,7 +32,7 @@ Finished prune(const Options& options, RegionInUse& region, const Request&) {
 Finished submenu(const Options& options, RegionInUse& region, const Request&) {
     return {.next_menu = A_2(options, region)};
 }
-/// The editor of the field of the region block that has the request's number.
+/// Runs the editor of the field with the request's number.
 Finished field(const Options&, RegionInUse& region, const Request& request) {
     return {edit_field(request.number, &region.settings)};
 }
@@ -55,24 +55,24 @@ Finished configure(const Options&, RegionInUse& region, const Request&) {
     return {};
 }
 template <auto walk>
-Finished guide(const Options& options, RegionInUse& region, const Request&) {
+Finished walk_through(const Options& options, RegionInUse& region, const Request&) {
     walk(options, region);
     return {};
 }
 
-// Another gatebits file in use makes the region's settings stale.
+// After a switch to another gatebits file its settings are loaded.
 
-Finished load_again(RegionSettings& region) {
+Finished load_settings(RegionSettings& region) {
     const std::string path = region.ENTERPRIZE_PERMISSION_FILE;
     region = interrogate_the_enterprise(path, read_gatebits(path), region.tools);
     return {};
 }
 template <auto action>
 Finished put_in_use(const Options&, RegionInUse& region, const Request&) {
-    return action(region.settings) ? load_again(region.settings) : Finished();
+    return action(region.settings) ? load_settings(region.settings) : Finished();
 }
 Finished create(const Options& options, RegionInUse& region, const Request&) {
-    return A_26(options, region) ? load_again(region.settings) : Finished();
+    return A_26(options, region) ? load_settings(region.settings) : Finished();
 }
 
 constexpr auto QUERY = RequestKind::QUERY;
@@ -115,14 +115,14 @@ constexpr std::array<Request, 34> REQUESTS = {{
     {ACTION, 25, A25, nullptr, put_in_use<A_25>, false, false, APART, HIDDEN},
     {ACTION, 26, A26, nullptr, create, false, false, SHOWN, HIDDEN},
     {ACTION, 27, A27, nullptr, put_in_use<A_27>, false, false, SHOWN, HIDDEN},
-    {ACTION, 28, A28, nullptr, guide<A_28>, false, true, HIDDEN, HIDDEN},
-    {ACTION, 29, A29, nullptr, guide<A_29>, false, true, HIDDEN, HIDDEN},
+    {ACTION, 28, A28, nullptr, walk_through<A_28>, false, true, HIDDEN, HIDDEN},
+    {ACTION, 29, A29, nullptr, walk_through<A_29>, false, true, HIDDEN, HIDDEN},
 }};
 
 }  // namespace
 
 Finished Request::execute(const Options& options, RegionInUse& region) const {
-    if (refused(*this, options)) return {};
+    if (refuse_during_install(*this, options)) return {};
     if (guarded) return {A_X(options, region, number)};
     return handler(options, region, *this);
 }
@@ -154,7 +154,7 @@ const Request* request_labelled(const std::string& label) {
     return nullptr;
 }
 
-bool refused(const Request& request, const Options& options) {
+bool refuse_during_install(const Request& request, const Options& options) {
     if (request.during_install) return false;
     return request.kind == QUERY ? Q_during_install(options.IS_DURING_INSTALL)
                                  : A_during_install(options.IS_DURING_INSTALL, request.label);

@@ -104,7 +104,7 @@ void data_gen(const std::string& logging_dir) {
     show_progress(DEMO_RECORDS);
     written = std::fclose(LOGGING_STREAM) == 0 && written;
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
 
 }  // namespace gatescope

@@ -2,7 +2,7 @@
 
 namespace gatescope {
 
-// What the rows of the bar lists are called, and their titles.
+// Names and titles of the rows of the bar lists.
 
 inline constexpr char KEY_NOUN[] = "Key";
 /// The lite edition's word for a key.

@@ -2,7 +2,7 @@
 
 namespace gatescope {
 
-// Titles of a day's bar; the last place is the day's label. Their spellings stay.
+// Titles of a day's bar; the last argument is the day's label. Misspellings stay.
 
 /// Allowed, its percentage, total.
 inline constexpr char TITLE_ALLOWED[] =

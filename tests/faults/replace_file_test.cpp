@@ -413,7 +413,7 @@ void limit_files_to(rlim_t bytes) {
 
 TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
     const Ended ended = in_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
@@ -428,7 +428,7 @@ TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
 TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     const Ended ended = in_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);

@@ -44,7 +44,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (self_test) return 0;
     Options options;
     const int status = until_the_end([&] {
-        obey_sole_option(arguments);
+        run_sole_option(arguments);
         options = parse_arguments(arguments);
     });
     if (status == -1) must_be_in_range(options);

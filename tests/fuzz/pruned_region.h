@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "fuzz/region_files.h"
+#include "logs/log_files.h"
 #include "support/scratch_directory.h"
 
 namespace gatescope {
