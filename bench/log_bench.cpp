@@ -126,9 +126,9 @@ BENCHMARK(PlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 
 /// The first argument is the percentage of dropped records.
 void Pruning(benchmark::State& state) {
     Pieces pieces(line_end_of(state.range(1)));
-    KeptRecords records(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
+    KeptRecords records_kept(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
     for (auto _ : state) {
-        std::string_view kept = records.of(pieces.next());
+        std::string_view kept = records_kept.of(pieces.next());
         benchmark::DoNotOptimize(kept);
     }
     report_bytes(state);

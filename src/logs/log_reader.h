@@ -52,8 +52,8 @@ class LogReader {
     /// Offset of the next read, and end of the range.
     off_t offset_ = 0;
     off_t to_ = TO_THE_END;
-    /// Number of bytes in the buffer, of first bytes known to contain no white space, and of first
-    /// bytes returned as a piece.
+    /// Number of bytes in the buffer; how many of the first ones are known to contain no white
+    /// space; how many of the first ones were returned as a piece.
     std::size_t size_ = 0;
     std::size_t without_white_ = 0;
     std::size_t returned_ = 0;

@@ -23,7 +23,7 @@ constexpr off_t MIN_BYTES_PER_THREAD = 8 * MEBIBYTE;
 constexpr off_t RANGE_SIZE = 2 * MEBIBYTE;
 constexpr int MAX_THREADS = 16;
 
-/// One thread for each MIN_BYTES_PER_THREAD, up to the number of processors.
+/// One thread for each MIN_BYTES_PER_THREAD, but no more than processors or MAX_THREADS.
 int threads_for(off_t bytes) {
     const off_t threads = bytes / MIN_BYTES_PER_THREAD;
     if (threads < 2) return 1;

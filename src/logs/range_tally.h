@@ -26,9 +26,10 @@ struct RangeTally {
     RecordTally tally;
     /// For each log 0, or the errno with which it could not be opened and was left out.
     std::vector<int> not_opened;
-    /// The first log that could not be read to its end, or could not be opened for lack of a
-    /// resource, and the errno; 0 if there was none.
+    /// Index of the first log that could not be read to its end, or could not be opened for lack of
+    /// a resource.
     std::size_t unread = 0;
+    /// The errno of that log; 0 if there is none.
     int error = 0;
 };
 

@@ -37,7 +37,7 @@ class MakeGraph : public PageText {
         result.asked.query = query;
         Make_Graph({"Title", result, {}}, region, display);
     }
-    std::string said_by_make_graph(int query, bool display = true) {
+    std::string output_of_make_graph(int query, bool display = true) {
         testing::internal::CaptureStdout();
         make_graph(query, display);
         return testing::internal::GetCapturedStdout();
@@ -55,7 +55,7 @@ class MakeGraph : public PageText {
 };
 
 TEST_F(MakeGraph, NamesThePageAfterTheTimeOfTheQuery) {
-    for (int query = 1; query <= 6; ++query) said_by_make_graph(query, false);
+    for (int query = 1; query <= 6; ++query) output_of_make_graph(query, false);
     for (const char* name :
          {"20260107_080905_Q01.html", "20260107_080905_Q02.html", "20260107_080905_Q03.html",
           "20260107_080905_Q04.html", "20260107_080905_Q05.html", "20260107_080905_Q06.html"}) {
@@ -65,7 +65,7 @@ TEST_F(MakeGraph, NamesThePageAfterTheTimeOfTheQuery) {
 
 TEST_F(MakeGraph, WritesTheGraphOfEachQuery) {
     result.first_cell_read = 0;
-    for (int query = 1; query <= 6; ++query) said_by_make_graph(query, false);
+    for (int query = 1; query <= 6; ++query) output_of_make_graph(query, false);
     const auto page = [&](int query) {
         return directory.read("20260107_080905_Q0" + std::to_string(query) + ".html");
     };
@@ -78,9 +78,9 @@ TEST_F(MakeGraph, WritesTheGraphOfEachQuery) {
 }
 
 TEST_F(MakeGraph, AppendsThePageOfTheSameQueryAndSecond) {
-    said_by_make_graph(1, false);
+    output_of_make_graph(1, false);
     const std::string once = directory.read(PAGE_1);
-    said_by_make_graph(1, false);
+    output_of_make_graph(1, false);
     EXPECT_EQ(directory.read(PAGE_1), once + once);
 }
 
@@ -101,7 +101,7 @@ TEST_F(MakeGraph, GivesEachPageWithACsvFileASecondOfItsOwn) {
     std::set<std::string> pages;
     for (unsigned count = 1; count <= 2; ++count) {
         result.cell_success[0] = count;
-        const std::string page = path_in(said_by_make_graph(1, false));
+        const std::string page = path_in(output_of_make_graph(1, false));
         EXPECT_TRUE(pages.insert(page).second) << page;
         EXPECT_THAT(csv_beside(page), testing::EndsWith("," + std::to_string(count) + ",0\r\n"));
         const std::string text = file_text(page);
@@ -117,7 +117,7 @@ TEST_F(MakeGraph, GivesConcurrentJobsCsvFilesOfTheirOwn) {
     for (unsigned job = 1; job <= 3; ++job) {
         if (fork() != 0) continue;
         result.cell_success[0] = job;
-        const std::string page = path_in(said_by_make_graph(1, false));
+        const std::string page = path_in(output_of_make_graph(1, false));
         const bool own = csv_beside(page).ends_with("," + std::to_string(job) + ",0\r\n");
         _exit(own ? 0 : 1);
     }
@@ -131,7 +131,7 @@ TEST_F(MakeGraph, GivesConcurrentJobsCsvFilesOfTheirOwn) {
 
 TEST_F(MakeGraph, PrintsThePathWithoutDisplay) {
     setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
-    EXPECT_EQ(said_by_make_graph(1, false),
+    EXPECT_EQ(output_of_make_graph(1, false),
               "\n\nGatescope query completed and html page\n(" + directory.path(PAGE_1) +
                   ")\nwas built and stored for the region (east).\n\n");
     EXPECT_FALSE(fs::exists(directory.path("shown")));
@@ -139,11 +139,11 @@ TEST_F(MakeGraph, PrintsThePathWithoutDisplay) {
 
 TEST_F(MakeGraph, PrintsPercentSignsUnchanged) {
     region.ENTERPRIZE_NAME = "100%% %s";
-    EXPECT_THAT(said_by_make_graph(1, false), HasSubstr("for the region (100%% %s)."));
+    EXPECT_THAT(output_of_make_graph(1, false), HasSubstr("for the region (100%% %s)."));
 }
 
 TEST_F(MakeGraph, AdvisesThePathWithoutABrowser) {
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
                   ")\nwas built, but there is no browser defined by either\n"
                   "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
@@ -154,7 +154,7 @@ TEST_F(MakeGraph, AdvisesThePathWithoutABrowser) {
 
 TEST_F(MakeGraph, AdvisesOfAMissingBrowserOfTheGatebitsFile) {
     region.browser = directory.path("none");
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
                   ") was built, but Gatescope browser\n(" + directory.path("none") +
                   ") for region (east)\nas defined in the gatebits file (" +
@@ -164,7 +164,7 @@ TEST_F(MakeGraph, AdvisesOfAMissingBrowserOfTheGatebitsFile) {
 TEST_F(MakeGraph, AdvisesOfAMissingBrowserOfTheEnvironment) {
     region.browser = browser_ending_with("0");
     setenv("ZUL_GATESCOPE_BROWSER", directory.path("none").c_str(), 1);
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Gatescope query completed and html page\n(" + directory.path(PAGE_1) +
                   ") was built, but Gatescope browser\n(" + directory.path("none") +
                   ") for region (east)\nas defined by the environmental variable "
@@ -175,13 +175,13 @@ TEST_F(MakeGraph, AdvisesOfAMissingBrowserOfTheEnvironment) {
 TEST_F(MakeGraph, PrefersAnEmptyBrowserVariable) {
     region.browser = browser_ending_with("0");
     setenv("ZUL_GATESCOPE_BROWSER", "", 1);
-    EXPECT_THAT(said_by_make_graph(1),
+    EXPECT_THAT(output_of_make_graph(1),
                 HasSubstr("\n() for region (east)\nas defined by the environmental variable"));
 }
 
 TEST_F(MakeGraph, StartsTheBrowserOnThePage) {
     region.browser = browser_ending_with("0");
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
     EXPECT_EQ(directory.read("shown"), directory.path(PAGE_1) + "\n");
 }
@@ -189,30 +189,30 @@ TEST_F(MakeGraph, StartsTheBrowserOnThePage) {
 TEST_F(MakeGraph, PrefersTheBrowserOfTheEnvironment) {
     region.browser = directory.path("none");
     setenv("ZUL_GATESCOPE_BROWSER", browser_ending_with("0").c_str(), 1);
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n");
     EXPECT_EQ(directory.read("shown"), directory.path(PAGE_1) + "\n");
 }
 
 TEST_F(MakeGraph, TakesAChangedBrowser) {
     region.browser = browser_ending_with("0");
-    said_by_make_graph(1);
+    output_of_make_graph(1);
     region.browser.clear();
-    EXPECT_THAT(said_by_make_graph(1), HasSubstr("no browser defined"));
+    EXPECT_THAT(output_of_make_graph(1), HasSubstr("no browser defined"));
 }
 
 TEST_F(MakeGraph, PassesAPathWithBlanksAsSeveralArguments) {
     fs::create_directory(directory.path("two  words"));
     region.results_dir = directory.path("two  words");
     region.browser = browser_ending_with("0");
-    said_by_make_graph(1);
+    output_of_make_graph(1);
     EXPECT_EQ(directory.read("shown"),
               directory.path("two") + "\nwords/" + std::string(PAGE_1) + "\n");
 }
 
 TEST_F(MakeGraph, WarnsWithTheRawStatusOfABrowserThatFailsAtOnce) {
     region.browser = browser_ending_with("3");
-    EXPECT_EQ(said_by_make_graph(1),
+    EXPECT_EQ(output_of_make_graph(1),
               "Graph (20260107_080905_Q01.html) built.. Displaying graph...\n"
               "Warning: return code=768 returned from " +
                   directory.path("my browser") + "...\n");
@@ -220,14 +220,14 @@ TEST_F(MakeGraph, WarnsWithTheRawStatusOfABrowserThatFailsAtOnce) {
 
 TEST_F(MakeGraph, WarnsIfTheBrowserCannotBeExecuted) {
     region.browser = region.ENTERPRIZE_PERMISSION_FILE;
-    EXPECT_THAT(said_by_make_graph(1), HasSubstr("Warning: return code=32256 returned from " +
-                                                 region.ENTERPRIZE_PERMISSION_FILE + "...\n"));
+    EXPECT_THAT(output_of_make_graph(1), HasSubstr("Warning: return code=32256 returned from " +
+                                                   region.ENTERPRIZE_PERMISSION_FILE + "...\n"));
 }
 
 TEST_F(MakeGraph, IgnoresTheStatusOfABrowserThatRanLonger) {
     directory.write_program("used", "sleep 3\nexit 3\n");
     region.browser = directory.path("used");
-    EXPECT_THAT(said_by_make_graph(1), Not(HasSubstr("Warning")));
+    EXPECT_THAT(output_of_make_graph(1), Not(HasSubstr("Warning")));
 }
 
 /// A death test reads messages from standard error.
