@@ -48,7 +48,8 @@ void Progress::draw(Clock::time_point now) {
 }
 
 void Progress::wipe() {
-    if (drawn_ != 0) write_to_terminal(terminal_, "\r" + std::string(drawn_, ' ') + "\r");
+    const std::string blanks(drawn_, ' ');
+    if (drawn_ != 0) write_to_terminal(terminal_, "\r" + blanks + "\r");
     drawn_ = 0;
 }
 
