@@ -37,6 +37,10 @@ class Directory {
     [[nodiscard]] Entry look(const std::string& name) const;
     /// Whether the name is one of the open file's.
     [[nodiscard]] bool is_name_of(const std::string& name, const Descriptor& file) const;
+    /// Whether the file of that name can get a second one, for which `trial` is used and removed
+    /// again, and the name be given to another file: 0, or the errno that says why not. 0 too where
+    /// there is a file named `trial`.
+    [[nodiscard]] int may_replace(const std::string& name, const std::string& trial) const;
     /// The names that begin with `prefix`.
     int list(const std::string& prefix, std::vector<std::string>* names) const;
 

@@ -6,6 +6,9 @@
 /// The directory that holds `path`.
 std::string directory_of(const std::string& path);
 
+/// The name of the file in that directory: what follows the last slash.
+std::string file_name_of(const std::string& path);
+
 /// The path of `name` in the directory that holds `path`.
 std::string beside(const std::string& path, const std::string& name);
 

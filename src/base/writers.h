@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <chrono>
 
@@ -16,7 +16,8 @@ enum class Writers {
 struct Settled {
     /// 0, or why the file cannot be examined: an errno.
     int error;
-    off_t size;
+    /// All 0 with an error.
+    struct stat status;
     Writers writers;
 };
 

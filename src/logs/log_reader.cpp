@@ -74,9 +74,10 @@ Descriptor open_log(const std::string& path, std::string* reason) {
 LogReader::LogReader()
     : buffer_(std::make_unique_for_overwrite<char[]>(WORD_LIMIT + READ_SIZE + READER_MARGIN)) {}
 
-void LogReader::start(int file, off_t from) {
+void LogReader::start(int file, off_t from, off_t end) {
     start_range(file, from, TO_THE_END);
     place_ = from;
+    end_ = std::max(from, end);
     skipping_ = false;
 }
 
@@ -85,6 +86,7 @@ void LogReader::start_range(int file, off_t from, off_t to) {
     // The byte before tells whether a word begins at the first one.
     place_ = std::max<off_t>(from - 1, 0);
     to_ = to;
+    end_ = TO_THE_END;
     held_ = 0;
     without_white_ = 0;
     handed_out_ = 0;
@@ -115,9 +117,10 @@ bool LogReader::fill() {
     const std::size_t size =
         place_ > to_ ? READ_SIZE
                      : std::min(READ_SIZE, static_cast<std::size_t>(wanted) + TAIL_SIZE);
+    const auto until_end = static_cast<std::size_t>(end_ - place_);
     ssize_t got;
     do {
-        got = pread(file_, buffer_.get() + held_, size, place_);
+        got = pread(file_, buffer_.get() + held_, std::min(size, until_end), place_);
     } while (got == -1 && errno == EINTR);
     if (got == -1) {
         error_ = errno;

@@ -41,16 +41,16 @@ class LogReader {
   public:
     LogReader();
 
-    /// Starts over with all that stands in `file` from its byte `from` on. The caller keeps the
-    /// file open, and closes it.
-    void start(int file, off_t from = 0);
+    /// To the end of the file, wherever that is when it is reached.
+    static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
+
+    /// Starts over with all that stands in `file` from its byte `from` on, as if the file ended
+    /// before its byte `end`. The caller keeps the file open, and closes it.
+    void start(int file, off_t from = 0, off_t end = TO_THE_END);
 
     /// Starts over with the words that begin at `from` or later and before `to`: ranges that
     /// follow each other without a gap hand out each word of a file once.
     void start_range(int file, off_t from, off_t to);
-
-    /// To the end of the file, wherever that is when it is reached.
-    static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
 
     /// The next piece, never empty; it is good until the next call. A word that the end of the
     /// file cuts short is handed out as it stands. False at the end, and when the file cannot be
@@ -66,9 +66,11 @@ class LogReader {
 
     std::unique_ptr<char[]> buffer_;
     int file_ = -1;
-    /// Where the next read starts, and where the first word that is not wanted may begin.
+    /// Where the next read starts, where the first word that is not wanted may begin, and where the
+    /// file counts as ended.
     off_t place_ = 0;
     off_t to_ = TO_THE_END;
+    off_t end_ = TO_THE_END;
     /// The bytes in the buffer, how many of them are known to hold no white space, and how many are
     /// handed out.
     std::size_t held_ = 0;

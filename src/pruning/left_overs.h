@@ -2,12 +2,11 @@
 
 #include <sys/types.h>
 
+#include <compare>
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
-
-#include "base/directory.h"
-#include "pruning/left_alone.h"
 
 // What a pruning may leave beside a log, wherever it is ended. Nothing is ever appended to a log,
 // cut or overwritten: its whole new text is made in the scratch file and renamed over it.
@@ -27,14 +26,14 @@
 
 struct LeftOver {
     enum Kind { TAKEN, OLD, READY } kind;
-    std::string name;
     /// K or F.
     off_t number;
-    /// P.
-    std::uint64_t fingerprint;
+    std::string name;
+    auto operator<=>(const LeftOver&) const = default;
 };
+/// `fingerprint` is P.
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint = 0);
 
-/// The left-overs of a log, by their numbers. What is no regular file is none.
-std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs);
+/// Those of `names` that are left-overs of the log.
+std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::string>& names);

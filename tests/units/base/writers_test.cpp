@@ -25,7 +25,7 @@ class Settling : public Pruning {
 TEST_F(Settling, WithoutAWriterNothingIsWaitedFor) {
     const Settled settled = settle(file_, in(60'000));
     EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.size, 4);
+    EXPECT_EQ(settled.status.st_size, 4);
 }
 
 TEST_F(Settling, AWriterIsWaitedFor) {
@@ -36,14 +36,14 @@ TEST_F(Settling, AWriterIsWaitedFor) {
     });
     const Settled settled = settle(file_, in(60'000));
     EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.size, 8);
+    EXPECT_EQ(settled.status.st_size, 8);
 }
 
 TEST_F(Settling, AWriterThatStaysIsToldOf) {
     const SlowWriter writer(log_file_path(0));
     const Settled settled = settle(file_, in(20));
     EXPECT_EQ(settled.writers, Writers::SOME);
-    EXPECT_EQ(settled.size, 4);
+    EXPECT_EQ(settled.status.st_size, 4);
     writer.end();
 }
 

@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <functional>
 
+#include "messages/log_texts.h"
 #include "support/failing_sync.h"
 #include "support/needs.h"
 #include "units/pruning/pruning_region.h"
@@ -69,12 +70,6 @@ class PruningInTrouble : public Pruning {
         before() = {};
         good_syncs = -1;
         Pruning::TearDown();
-    }
-    static std::string said_with_syncs(int good) {
-        good_syncs = good;
-        std::string said = said_by_pruning();
-        good_syncs = -1;
-        return said;
     }
     /// The only name in the directory that begins so.
     static std::string the_one(const std::string& prefix) {
@@ -145,6 +140,22 @@ TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
     EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
 }
 
+// The first look at it is over by then, and there is no token any more for which to end the
+// program.
+TEST_F(PruningInTrouble, AScratchFileThatBecomesALinkMeanwhileIsNamedAsOne) {
+    write_log(0, fresh(1));
+    before().unlink = [](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        write_file(pruning_companion_path(0), fresh(2));
+        fs::create_symlink("elsewhere", pruning_scratch_path());
+        return 0;
+    };
+    const std::string reason = std::string("pruning_.txt: ") + IS_A_SYMBOLIC_LINK;
+    EXPECT_EQ(said_by_pruning(), stays(taken(0), reason) + result(0, 1));
+    EXPECT_EQ(file_text(taken(0)), fresh(2));
+    EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
+}
+
 TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     write_log(0, old(1));
@@ -207,9 +218,22 @@ TEST_F(PruningInTrouble, WithoutSecondNamesNothingIsBegun) {
 // What may not have reached the disk does not take the place of what has.
 TEST_F(PruningInTrouble, ANewTextThatTheDiskDoesNotKeepDoesNotBecomeTheLog) {
     write_log(0, old(1) + fresh(1));
-    EXPECT_EQ(said_with_syncs(0),
+    good_syncs = 0;
+    before().unlink = [](const std::string& name) {
+        // After each try.
+        if (name == "pruning_.txt") good_syncs = 0;
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(),
               left_alone(log_file_path(0), "pruning_.txt: Input/output error") + result(0, 0));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1) + fresh(1)}}));
+}
+
+TEST_F(PruningInTrouble, WhatFailsOnceIsDoneOnceTheTokenIsDown) {
+    write_log(0, old(1) + fresh(1));
+    good_syncs = 0;
+    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
 // Nothing that the ready text holds is removed before the disk keeps its name.
