@@ -382,23 +382,4 @@ TEST_F(LogsLeftAlone, TheyAreNamedToWhereTheTokenStays) {
     writer.end();
 }
 
-// Waiting is done for all of them together, and once more for all that comes late.
-TEST_F(LogsLeftAlone, WhereTheSystemDoesNotTellManyLogsAreNotWaitedForOneByOne) {
-    if (!is_root()) GTEST_SKIP() << "needs root";
-    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
-    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
-        write_log(number, old(1) + fresh(1));
-        write_file(pruning_companion_path(number), fresh(2));
-        for (const std::string& path : {log_file_path(number), pruning_companion_path(number)}) {
-            ASSERT_EQ(chmod(path.c_str(), 0666), 0);
-            give(path, SOMEBODY_ELSE);
-        }
-    }
-    patience.longest_write = std::chrono::milliseconds(400);
-    const auto begun = std::chrono::steady_clock::now();
-    EXPECT_EQ(said_to(OPERATOR), result(21, 63));
-    // One by one it would be at least 21 times 400 milliseconds.
-    EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::milliseconds(21 * 400));
-}
-
 }  // namespace

@@ -1,8 +1,12 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/syscall.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <functional>
 
 #include "messages/log_texts.h"
@@ -35,6 +39,13 @@ int unless(int error, const Call& call) {
     return -1;
 }
 
+/// Nanoseconds that this process and its children have asked to sleep for.
+std::atomic<long long>& asked_to_sleep() {
+    static void* const shared = mmap(nullptr, sizeof(std::atomic<long long>),
+                                     PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return *static_cast<std::atomic<long long>*>(shared);
+}
+
 int asked(const std::function<int(const std::string&)>& what, const char* name) {
     return what ? what(name) : 0;
 }
@@ -55,6 +66,10 @@ int unlinkat(int directory, const char* name, int flags) noexcept {
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
     return unless(asked(before().look, name),
                   [&] { return syscall(SYS_newfstatat, directory, name, status, flags); });
+}
+int nanosleep(const timespec* wished, timespec* left) {
+    asked_to_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
+    return static_cast<int>(syscall(SYS_nanosleep, wished, left));
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
@@ -373,6 +388,37 @@ TEST_F(PruningInTrouble, ACompanionThatCannotBeTakenStaysOne) {
     EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(2));
     before() = {};
     EXPECT_EQ(said_by_pruning(), result(1, 3));
+}
+
+// They are waited for together: the patience for the logs, and as long once more for companions and
+// replaced logs.
+TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
+    if (!is_root()) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    patience.longest_write = std::chrono::milliseconds(400);
+    const auto plant = [](const std::string& path, const std::string& text) {
+        write_file(path, text);
+        EXPECT_EQ(chmod(path.c_str(), 0666), 0);
+        give(path, SOMEBODY_ELSE);
+    };
+    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+        plant(log_file_path(number), old(1) + fresh(1));
+        plant(pruning_companion_path(number), fresh(2));
+    }
+    // Late ones, too.
+    before().unlink = [&](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+            write_file(pruning_companion_path(number), fresh(3));
+        }
+        return 0;
+    };
+    asked_to_sleep() = 0;
+    EXPECT_EQ(said_to(OPERATOR), result(21, 84));
+    const std::chrono::nanoseconds slept(asked_to_sleep());
+    EXPECT_GE(slept, patience.longest_write);
+    EXPECT_LE(slept, 2 * patience.longest_write + 2 * patience.pause);
+    EXPECT_EQ(all_files().size(), 21u);
 }
 
 // The writer's record stays whole where the system does not tell that it is being written.
