@@ -2,7 +2,6 @@
 
 #include <sys/types.h>
 
-#include <compare>
 #include <cstdint>
 #include <set>
 #include <string>
@@ -29,7 +28,7 @@ struct LeftOver {
     /// K or F.
     off_t number;
     std::string name;
-    auto operator<=>(const LeftOver&) const = default;
+    bool operator<(const LeftOver& other) const { return name < other.name; }
 };
 /// `fingerprint` is P.
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
