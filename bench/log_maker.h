@@ -6,7 +6,7 @@
 
 namespace gatescope {
 
-// The records that the benchmarks read.
+// Makes the records for the benchmarks.
 
 inline constexpr int BENCH_FILES = 21;
 inline constexpr int BENCH_USERS = 500;

@@ -85,7 +85,7 @@ int restore(const History& history, const PastChange& change) {
     verify_set_tempdir();
     setenv(ENV_HISTORY, history.directory.c_str(), 1);
     gatescope::change(
-        file, {Gatebits(before.text), nothing},
+        file, {Gatebits(before.text), no_part},
         [&](const Gatebits& /*now*/) {
             return Rewrite{ChangeResult::WRITTEN, Gatebits(before.text)};
         },

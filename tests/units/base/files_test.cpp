@@ -28,8 +28,8 @@ std::function<void()>& after_next_stat() {
 }  // namespace
 }  // namespace gatescope
 
-/// Replaces the C library's function, so that a test can act between it and the next call. Outside of
-/// the namespace, where 32-bit machines have another symbol for it.
+/// Replaces the C library's function, so that a test can act between it and the next call. Outside
+/// of the namespace, where 32-bit machines have another symbol for it.
 extern "C" int fstatat(int directory, const char* path, struct stat* status, int flags) noexcept {
     const int no_link = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
     const gatescope::Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));

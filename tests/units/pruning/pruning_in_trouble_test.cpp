@@ -184,7 +184,7 @@ TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
     };
     EXPECT_EXIT(
         {
-            hear_standard_output_alone();
+            send_standard_output_to_death_test();
             prune_without_room();
         },
         testing::ExitedWithCode(0),
