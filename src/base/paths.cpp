@@ -14,6 +14,10 @@ std::string directory_of(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
+std::string file_name_of(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
 std::string beside(const std::string& path, const std::string& name) {
     return path.substr(0, path.rfind('/') + 1) + name;
 }

@@ -10,6 +10,7 @@
 #include "base/descriptor.h"
 #include "base/files.h"
 #include "base/filled.h"
+#include "base/paths.h"
 #include "dialog/messages.h"
 #include "messages/history_texts.h"
 #include "policy/gatebits_file.h"
@@ -54,7 +55,7 @@ NamedText text_before(const History& history, const PastChange& change) {
     if (!change.has("saved")) return {NO_FILE, ""};
     // No record that was made here leads to another directory.
     const std::string saved = change.text("saved");
-    return {saved, bytes_of(history.directory + "/" + saved.substr(saved.rfind('/') + 1))};
+    return {saved, bytes_of(history.directory + "/" + file_name_of(saved))};
 }
 
 NamedText text_after(const History& history, const PastChange& change) {

@@ -39,9 +39,10 @@ Descriptor open_log(const std::string& path, std::string* reason) {
 LogReader::LogReader()
     : buffer_(std::make_unique_for_overwrite<char[]>(WORD_LIMIT + READ_SIZE + READER_MARGIN)) {}
 
-void LogReader::start(int file, off_t from) {
+void LogReader::start(int file, off_t from, off_t end) {
     start_range(file, from, TO_THE_END);
     offset_ = from;
+    end_ = std::max(from, end);
     skipping_ = false;
 }
 
@@ -50,6 +51,7 @@ void LogReader::start_range(int file, off_t from, off_t to) {
     // The byte before the range decides whether a word begins at its first byte.
     offset_ = std::max<off_t>(from - 1, 0);
     to_ = to;
+    end_ = TO_THE_END;
     size_ = 0;
     without_white_ = 0;
     returned_ = 0;
@@ -80,9 +82,10 @@ bool LogReader::fill() {
     const std::size_t size =
         offset_ > to_ ? READ_SIZE
                       : std::min(READ_SIZE, static_cast<std::size_t>(wanted) + TAIL_SIZE);
+    const auto until_end = static_cast<std::size_t>(end_ - offset_);
     ssize_t got;
     do {
-        got = pread(file_, buffer_.get() + size_, size, offset_);
+        got = pread(file_, buffer_.get() + size_, std::min(size, until_end), offset_);
     } while (got == -1 && errno == EINTR);
     if (got == -1) {
         error_ = errno;

@@ -26,15 +26,16 @@ class LogReader {
   public:
     LogReader();
 
-    /// Starts with byte `from` of `file`. The caller keeps the file open, and closes it.
-    void start(int file, off_t from = 0);
+    /// As an end: the end of the file at the time when it is reached.
+    static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
+
+    /// Starts with byte `from` of `file`, and reads as if the file ended before byte `end`. The
+    /// caller keeps the file open, and closes it.
+    void start(int file, off_t from = 0, off_t end = TO_THE_END);
 
     /// Starts with the words that begin in the bytes [from, to): adjacent ranges return each word
     /// of a file once.
     void start_range(int file, off_t from, off_t to);
-
-    /// As the end of a range: the end of the file at the time when it is reached.
-    static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
 
     /// The next piece, never empty and valid until the next call. The end of the file ends a word.
     /// False at the end of the range, and if a read fails: then error() is set.
@@ -49,9 +50,10 @@ class LogReader {
 
     std::unique_ptr<char[]> buffer_;
     int file_ = -1;
-    /// Offset of the next read, and end of the range.
+    /// Offset of the next read, end of the range, and where the file counts as ended.
     off_t offset_ = 0;
     off_t to_ = TO_THE_END;
+    off_t end_ = TO_THE_END;
     /// Number of bytes in the buffer; how many of the first ones are known to contain no white
     /// space; how many of the first ones were returned as a piece.
     std::size_t size_ = 0;

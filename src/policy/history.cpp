@@ -17,6 +17,7 @@
 #include "base/filled.h"
 #include "base/json.h"
 #include "base/operator_name.h"
+#include "base/paths.h"
 #include "base/platform.h"
 #include "base/signals_held.h"
 #include "base/temporary_files.h"
@@ -156,13 +157,13 @@ HistoryRecord record_change(const std::string& policy_file,
     const std::string lines = filled("%s/%s", directory, CHANGES_FILE);
     record.lines = lock_lines(lines, mode, patience);
     const std::string file = absolute_path(policy_file);
-    const std::string name = file.substr(file.rfind('/') + 1);
+    const std::string name = file_name_of(file);
     Moment moment = this_moment();
     std::optional<std::string> saved;
     if (old_text) {
         Descriptor text =
             create_saved(filled("%s/%s", directory, name.c_str()), &record.saved, &moment);
-        saved = record.saved.substr(record.saved.rfind('/') + 1);
+        saved = file_name_of(record.saved);
         need(stat(file.c_str(), &status) == 0, file);
         need(fchmod(text.get(), mode & status.st_mode & 0444) == 0, record.saved);
         errno = write_sync_close(text.release(), *old_text);

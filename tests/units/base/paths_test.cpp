@@ -20,6 +20,13 @@ TEST(Paths, DirectoryIsThePathWithoutTheName) {
     EXPECT_EQ(directory_of("/a/"), "/a");
 }
 
+TEST(Paths, FileNameFollowsTheLastSlash) {
+    EXPECT_EQ(file_name_of("name"), "name");
+    EXPECT_EQ(file_name_of("/name"), "name");
+    EXPECT_EQ(file_name_of("a//b/name"), "name");
+    EXPECT_EQ(file_name_of("/a/"), "");
+}
+
 TEST(Paths, BesideIsInTheSameDirectory) {
     EXPECT_EQ(beside("name", "other"), "other");
     EXPECT_EQ(beside("/name", "other"), "/other");

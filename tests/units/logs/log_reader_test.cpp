@@ -98,6 +98,29 @@ TEST_F(LogReaderOnFiles, StartsAtAnyOffset) {
     EXPECT_EQ(words_read(log_file_path(0), 100), Words{});
 }
 
+TEST_F(LogReaderOnFiles, CanEndBeforeTheEndOfTheFile) {
+    // Longer than what is read at once.
+    std::string text;
+    for (int i = 0; text.size() < 300'000; ++i) text += std::to_string(i) + "\n";
+    write_log(0, text);
+    const Descriptor log = opened(log_file_path(0));
+    LogReader reader;
+    for (const off_t end : {0, 1, 2, 64, 131'072, 131'073, 250'001, 299'999}) {
+        for (const off_t from : {0, 1, 2}) {
+            Words words;
+            reader.start(log.get(), from, end);
+            add_words(reader, &words);
+            const auto size = static_cast<std::size_t>(std::max<off_t>(end - from, 0));
+            EXPECT_EQ(words, words_of(text.substr(static_cast<std::size_t>(from), size))) << end;
+        }
+    }
+    // Not so for what is read next.
+    Words words;
+    reader.start(log.get());
+    add_words(reader, &words);
+    EXPECT_EQ(words, words_of(text));
+}
+
 TEST_F(LogReaderOnFiles, ReadsLogsOfMoreThanFourGigabytes) {
     static_assert(sizeof(off_t) == 8 && sizeof(std::time_t) == 8);
     constexpr std::uintmax_t FAR = std::uintmax_t{5} << 30;
