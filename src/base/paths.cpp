@@ -5,11 +5,17 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 std::string directory_of(const std::string& path) {
     const auto slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string name_in(const std::string& path) {
+    return path.substr(path.rfind('/') + 1);
 }
 
 std::string beside(const std::string& path, const std::string& name) {
@@ -29,4 +35,11 @@ std::string end_of_links(const std::string& path) {
     std::string end = resolved != nullptr ? resolved : path;
     std::free(resolved);
     return end;
+}
+
+std::string absolute_path(const std::string& path) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    const auto real = std::filesystem::weakly_canonical(absolute, error);
+    return error ? absolute : real;
 }

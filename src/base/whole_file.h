@@ -11,6 +11,9 @@
 /// to 32 KiB come in one piece, so that nobody finds half of a text that is rewritten in place.
 int read_whole(int descriptor, std::size_t limit, std::string* bytes);
 
+/// The same with a regular file, opened with these flags besides O_RDONLY, and without a limit.
+int read_file(const std::string& path, int flags, std::string* bytes);
+
 /// Writes all of `text`.
 int write_all(int descriptor, std::string_view text);
 

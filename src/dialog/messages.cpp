@@ -6,6 +6,7 @@
 #include "base/exit_status.h"
 #include "base/filled.h"
 #include "base/standard_streams.h"
+#include "base/utf8.h"
 #include "dialog/clearprompt.h"
 #include "dialog/process_end.h"
 #include "messages/dialog_texts.h"
@@ -66,7 +67,7 @@ Answer decoded_status(int status) {
 
 void gripe(const std::string& message) {
     if (ZUL_PREFER_GUI == ERRORS_ALONE) {
-        note(message, HISTORY_PROGRAM);
+        note(harmless(message), HISTORY_PROGRAM);
         clean_exit(STATUS_OF_TROUBLE);
     }
     if (ZUL_PREFER_GUI) {

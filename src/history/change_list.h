@@ -9,6 +9,3 @@
 /// value. Long ones are cut so that a line is no wider than `width` characters. What a terminal
 /// would obey stands there as '?'.
 std::string list_of(const std::vector<PastChange>& changes, std::size_t width);
-
-/// A text with '?' for each byte that is no text, and for each control character but a tab.
-std::string harmless(std::string_view text);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -7,15 +8,16 @@
 
 /// A change that a history has a record of.
 struct PastChange {
-    /// The number of the record's line, from 1.
+    /// The number of the record's line, from 1, and the line.
     int number;
-    JsonObject record;
+    std::string line;
 
-    /// Whether the record has the member, and does not say null.
-    [[nodiscard]] bool has(const std::string& member) const { return record.contains(member); }
-    /// What the record says there; empty for nothing.
+    /// What the record says there; nothing for null.
+    [[nodiscard]] std::optional<std::string> value(const std::string& member) const {
+        return json_text(line, member);
+    }
     [[nodiscard]] std::string text(const std::string& member) const {
-        return has(member) ? record.at(member) : "";
+        return value(member).value_or("");
     }
 };
 
@@ -25,20 +27,15 @@ struct History {
     std::vector<PastChange> changes = {};
 };
 
-/// Reads the records in the directory. A last line without an end is left out: it is of a change
-/// that has not been made. Gripes when the lines cannot be read, or one holds no record.
-History read_history(const std::string& directory);
-
-/// A text, and the name of the file that it is from.
-struct NamedText {
-    std::string name;
-    std::string text;
-};
+/// Reads the records in the directory, of one policy file where that is named. Gripes when the
+/// lines cannot be read. A line that holds no record, or not all of one, is named on standard error
+/// and passed over.
+History read_history(const std::string& directory, const std::optional<std::string>& file);
 
 /// What the policy file held before the change: the saved text, or nothing where there was no file
 /// yet. Gripes when the saved text cannot be read.
-NamedText text_before(const History& history, const PastChange& change);
+std::string text_before(const History& history, const PastChange& change);
 
 /// What it held afterwards: the text that stood before its next change, or stands there now. Gripes
 /// when that cannot be read, or when there was no file any more.
-NamedText text_after(const History& history, const PastChange& change);
+std::string text_after(const History& history, const PastChange& change);

@@ -84,6 +84,11 @@ Gatebits with_lines(std::string bytes, const std::string& path) {
     return gatebits;
 }
 
+/// All bytes of the file at `path`, whose lock was tried for.
+std::string bytes_under(const FileLock& lock, const std::string& path) {
+    return lock.file ? bytes_in(lock.file, path) : read_gatebits_bytes(path);
+}
+
 }  // namespace
 
 std::string read_gatebits_bytes(const std::string& path) {
@@ -104,8 +109,7 @@ std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
-    const Gatebits now =
-        lock.file ? with_lines(bytes_in(lock.file, path), path) : read_gatebits(path);
+    const Gatebits now = with_lines(bytes_under(lock, path), path);
     if (shown.part(now) != shown.part(shown.gatebits)) {
         return {ChangeResult::CHANGED_MEANWHILE, now, now};
     }
@@ -119,4 +123,11 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // As readers see it from now on.
     return {wanted.result, now, Gatebits(wanted.text->text())};
+}
+
+void put_back(const std::string& path, const std::string& text, const RecordedChange& record) {
+    const FileLock lock = lock_gatebits_file(path, LOCK_PATIENCE);
+    const std::string now = bytes_under(lock, path);
+    with_lines(text, path);
+    write_gatebits(path, now, text, record, lock.file);
 }

@@ -52,7 +52,7 @@ struct Changed {
 
 /// Changes the gatebits file: takes its lock, reads it anew, looks whether what was shown still
 /// stands there, makes the edit, and replaces the file whole by the new text. No other gatescope
-/// comes between. This is the one way in which this program changes a gatebits file.
+/// comes between. This and put_back are the only ways in which a gatebits file is changed.
 ///
 /// Where a history is kept, what `record` says stands in it before the file is replaced.
 ///
@@ -61,3 +61,7 @@ struct Changed {
 /// back or cannot be written.
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);
+
+/// Replaces the gatebits file, whatever is in it, by an old text of it, byte for byte: as change
+/// does, with the same lock and record. Gripes as change does, and when no line is in `text`.
+void put_back(const std::string& path, const std::string& text, const RecordedChange& record);

@@ -50,6 +50,3 @@ HistoryRecord record_change(const std::string& policy_file,
                             const std::optional<std::string>& old_text,
                             const RecordedChange& change,
                             std::chrono::seconds patience = HISTORY_PATIENCE);
-
-/// The absolute path of a file, links followed, whether there is a file or not.
-std::string absolute_path(const std::string& path);
