@@ -12,6 +12,7 @@
 #include "logs/kept_records.h"
 #include "logs/log_reader.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t NOW = 1794787199;
@@ -134,5 +135,7 @@ void Pruning(benchmark::State& state) {
 BENCHMARK(Pruning)->ArgNames({"dropped", "crlf"})->ArgsProduct({{0, 4, 50, 100}, {0, 1}});
 
 }  // namespace
+
+}  // namespace gatescope
 
 BENCHMARK_MAIN();

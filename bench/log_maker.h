@@ -4,6 +4,8 @@
 #include <random>
 #include <string>
 
+namespace gatescope {
+
 // The records that the benchmarks read.
 
 inline constexpr int BENCH_FILES = 21;
@@ -31,3 +33,5 @@ inline void append_record(std::mt19937& random, std::int64_t time, std::string* 
             return record('S', "-<->");
     }
 }
+
+}  // namespace gatescope

@@ -11,6 +11,7 @@
 
 #include "log_maker.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t SPAN = BENCH_DAYS * std::int64_t{86400};
@@ -36,8 +37,10 @@ bool make_file(const std::string& path, std::size_t size, bool in_order, std::mt
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     if (argc < 3) {
         std::fprintf(stderr, "usage: make_logs <directory> <megabytes> [in_order]\n");
         return 2;

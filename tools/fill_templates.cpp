@@ -25,6 +25,7 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// The part of a label that comes after its number.
@@ -255,8 +256,10 @@ int complain(const char* about, const std::string& what) {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argument_count, char** arguments) {
+    using namespace gatescope;
     if (argument_count != 3) return complain("usage", "fill_templates TEMPLATE OUTPUT");
     std::ifstream input(arguments[1]);
     if (!input) return complain("cannot read", arguments[1]);

@@ -7,6 +7,8 @@
 #include "policy/region.h"
 #include "queries/options.h"
 
+namespace gatescope {
+
 // The configuration actions, named after their menu entries. The walks, the submenu and the guard
 // run other requests, so they are handed all that one of those may need.
 
@@ -46,3 +48,5 @@ LastAnswer A_X(const Options& options, RegionInUse& region, int n);
 /// Whether the installer started the program; the operator has then been told that the action of
 /// this title is not available.
 bool A_during_install(bool during_install, const char* title);
+
+}  // namespace gatescope

@@ -17,6 +17,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/validators.h"
 
+namespace gatescope {
 namespace {
 
 /// A definition in a list shows this many characters; what is cut there is also cut from the
@@ -205,3 +206,5 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         return {value};
     }
 }
+
+}  // namespace gatescope

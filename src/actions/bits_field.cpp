@@ -8,6 +8,8 @@
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 
+namespace gatescope {
+
 std::string bit_state(std::string field) {
     field.resize(NUMBER_OF_BITS, '0');
     for (char& bit : field) bit = bit == '1' ? '1' : '0';
@@ -36,3 +38,5 @@ std::string state_with_only(const std::string& picks) {
     }
     return state;
 }
+
+}  // namespace gatescope

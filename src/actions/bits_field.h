@@ -5,6 +5,8 @@
 
 #include "messages/bit_names.h"
 
+namespace gatescope {
+
 // The functionality bits of a region as text: one '0' or '1' a bit.
 
 inline constexpr std::size_t NUMBER_OF_BITS = GATEWARDEN_BITS_DESC.size();
@@ -18,3 +20,5 @@ std::string bit_entries(const std::string& state);
 
 /// The state with the bits of the picked entries (separated by commas) on and all others off.
 std::string state_with_only(const std::string& picks);
+
+}  // namespace gatescope

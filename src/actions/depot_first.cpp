@@ -6,6 +6,7 @@
 #include "messages/action_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
 /// What to ask before the depot is defined; empty when it need not be.
@@ -31,3 +32,5 @@ std::string why_depot_comes_first(const Gatebits& gatebits, const std::string& e
                                   const std::string& os) {
     return question_about(depot_of(gatebits, os), entry.c_str(), os);
 }
+
+}  // namespace gatescope

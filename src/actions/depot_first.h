@@ -4,6 +4,8 @@
 
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 /// The policy depot of WINDOWS_OS or UNIX_OS as the gatebits file has it.
 std::string depot_of(const Gatebits& gatebits, const std::string& os);
 
@@ -12,3 +14,5 @@ std::string depot_of(const Gatebits& gatebits, const std::string& os);
 /// whether there is one named; this system's has to be a directory.
 std::string why_depot_comes_first(const Gatebits& gatebits, const std::string& entry,
                                   const std::string& os);
+
+}  // namespace gatescope

@@ -14,6 +14,8 @@
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
+
 // The submenu and the guard: how an action is run, whichever it is.
 
 namespace {
@@ -132,3 +134,5 @@ bool A_during_install(bool during_install, const char* title) {
                              label.substr(dash + std::string(LABEL_DASH).size()).c_str()));
     return true;
 }
+
+}  // namespace gatescope

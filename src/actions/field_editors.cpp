@@ -10,6 +10,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
 /// How an editor ended.
@@ -140,3 +141,5 @@ LastAnswer edit_field(int n, RegionSettings* region) {
     }
     gripe_uncoded("edit_field");
 }
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
 // Typed values.
@@ -178,3 +179,5 @@ constexpr FieldEditor EDITORS[] = {
 std::span<const FieldEditor> field_editors() {
     return EDITORS;
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "policy/gatebits.h"
 #include "policy/validators.h"
 
+namespace gatescope {
+
 // The thirteen fields that can be edited, as data: what the one editor loop needs to know of each.
 
 struct FieldEditor;
@@ -58,3 +60,5 @@ struct FieldEditor {
 
 /// In the order of the actions.
 std::span<const FieldEditor> field_editors();
+
+}  // namespace gatescope

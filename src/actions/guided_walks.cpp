@@ -4,6 +4,7 @@
 #include "actions/requests.h"
 #include "actions/tool_settings.h"
 
+namespace gatescope {
 namespace {
 
 // The actions of each walk after the tool's settings, each run as the menus run it: what is
@@ -29,3 +30,5 @@ void A_28(const Options& options, RegionInUse& region) {
 void A_29(const Options& options, RegionInUse& region) {
     walk(options, region, SettingsAsked::ALL, ALL_FIELDS);
 }
+
+}  // namespace gatescope

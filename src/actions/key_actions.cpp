@@ -16,6 +16,7 @@
 #include "policy/change_warnings.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 /// A key in a list shows this many of its characters.
@@ -153,3 +154,5 @@ LastAnswer A_22(const std::string& gatebits_file) {
         }
     }
 }
+
+}  // namespace gatescope

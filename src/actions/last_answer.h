@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 /// What the operator answered last while a request ran.
 struct LastAnswer {
     /// Empty when a dialog was left without an answer, nothing when none was shown. After an empty
@@ -14,3 +16,5 @@ struct LastAnswer {
 };
 /// The last answer of a request whose last dialog was left without one.
 inline constexpr char UNANSWERED[] = "";
+
+}  // namespace gatescope

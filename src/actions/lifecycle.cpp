@@ -14,6 +14,8 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
+
 // Which gatebits file is in use: check it, switch to another, create one, copy one.
 
 namespace {
@@ -186,3 +188,5 @@ bool A_26(const Options& options, RegionInUse& region) {
 bool A_27(RegionSettings& region) {
     return done_in_the_end([&] { return copy_the_file(&region); });
 }
+
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 #include "dialog/prompts.h"
 #include "messages/menu_labels.h"
 
+namespace gatescope {
 namespace {
 
 const char* label_of(const Request& request, int edition) {
@@ -47,3 +48,5 @@ std::string submenu_title(const std::string& region, bool during_install) {
 bool is_separator(const std::string& pick) {
     return pick.compare(0, 5, std::string(SEPERATOR, 5)) == 0;
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // What the two menus show, all of it from the request table.
 
 /// The menus by number.
@@ -20,3 +22,5 @@ std::string submenu_title(const std::string& region, bool during_install);
 
 /// Whether a pick is one of the lines between the menu's groups.
 bool is_separator(const std::string& pick);
+
+}  // namespace gatescope

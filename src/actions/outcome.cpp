@@ -4,6 +4,8 @@
 #include "dialog/messages.h"
 #include "messages/action_texts.h"
 
+namespace gatescope {
+
 bool written_or_told(ChangeResult result, const std::string& gatebits_file) {
     if (result == ChangeResult::CHANGED_MEANWHILE) {
         advise_wait(filled(CHANGED_BY_ANOTHER, gatebits_file.c_str()));
@@ -24,3 +26,5 @@ bool field_written_or_told(ChangeResult result, const std::string& gatebits_file
     }
     return written_or_told(result, gatebits_file);
 }
+
+}  // namespace gatescope

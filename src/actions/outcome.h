@@ -4,6 +4,8 @@
 
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 // What the operator is told of a confirmed change of the gatebits file that was not made.
 
 /// Whether the change was written. Tells the operator when what they were shown has been changed by
@@ -14,3 +16,5 @@ bool written_or_told(ChangeResult result, const std::string& gatebits_file);
 /// field should be when it is not there.
 bool field_written_or_told(ChangeResult result, const std::string& gatebits_file,
                            const std::string& item, int line, int field);
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 
 #include "policy/validators.h"
 
+namespace gatescope {
+
 // The lists and prompts of the actions, and what comes back from them.
 
 /// What the operator entered.
@@ -27,3 +29,5 @@ std::optional<std::string> pick_one(const std::string& title, const std::string&
 
 /// The decimal number that a pick begins with; nothing when it does not begin with one.
 std::optional<int> number_at_front(const std::string& pick);
+
+}  // namespace gatescope

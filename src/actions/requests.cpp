@@ -11,6 +11,7 @@
 #include "policy/tool_variables.h"
 #include "queries/query_drivers.h"
 
+namespace gatescope {
 namespace {
 
 // How the rows hand on what each handler takes.
@@ -158,3 +159,5 @@ bool refused(const Request& request, const Options& options) {
     return request.kind == QUERY ? Q_during_install(options.IS_DURING_INSTALL)
                                  : A_during_install(options.IS_DURING_INSTALL, request.label);
 }
+
+}  // namespace gatescope

@@ -8,6 +8,8 @@
 #include "policy/region.h"
 #include "queries/options.h"
 
+namespace gatescope {
+
 // The table of everything that an operator can ask for: the menus, the command line's limits, the
 // installer's refusals, the dispatch, the manual and the completion all read it.
 
@@ -59,3 +61,5 @@ const Request* request_labelled(const std::string& label);
 /// Whether the request is refused, after telling the operator so: the installer started the program
 /// and cannot have it.
 bool refused(const Request& request, const Options& options);
+
+}  // namespace gatescope

@@ -17,6 +17,7 @@
 #include "policy/tool_variables.h"
 #include "pruning/pruning.h"
 
+namespace gatescope {
 namespace {
 
 std::string setting_list(const ToolSettings& tools) {
@@ -104,3 +105,5 @@ void ask_all_configure(SettingsAsked mode, RegionSettings* region) {
         mode == SettingsAsked::IMPORTANT ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }
+
+}  // namespace gatescope

@@ -17,6 +17,7 @@
 #include "base/search_path.h"
 #include "base/signals_held.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char SHELL[] = "/bin/sh";
@@ -126,3 +127,5 @@ void end_running_child(int signal_number) {
     kill(child, SIGCONT);
     for (int pauses = 0; pauses < 100 && is_alive(family); ++pauses) poll(nullptr, 0, 10);
 }
+
+}  // namespace gatescope

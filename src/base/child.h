@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// Flushes standard output, so that what the child prints comes after what was printed so far,
 /// runs `command` in the shell, waits for it and returns the status as the shell call gives it
 /// (exit status times 256, or the number of the signal that ended it; -1 when no child could be
@@ -19,3 +21,5 @@ int run_in_shell(const std::string& command, const char* program = nullptr);
 /// is one, and to all that it has started, and waits for their end, though no longer than a
 /// second.
 void end_running_child(int signal_number);
+
+}  // namespace gatescope

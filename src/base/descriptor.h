@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <utility>
 
+namespace gatescope {
+
 /// An open file, closed when its owner goes. Moved, never copied.
 class Descriptor {
   public:
@@ -43,3 +45,5 @@ class Descriptor {
   private:
     int number_ = -1;
 };
+
+}  // namespace gatescope

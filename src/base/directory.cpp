@@ -11,6 +11,8 @@
 #include "base/files.h"
 #include "base/platform.h"
 
+namespace gatescope {
+
 Directory::Directory(const std::string& path)
     : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
@@ -73,3 +75,5 @@ int Directory::unlink(const std::string& name) const {
 int Directory::sync() const {
     return fsync(descriptor()) == 0 || errno == EINVAL ? 0 : errno;
 }
+
+}  // namespace gatescope

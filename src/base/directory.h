@@ -10,6 +10,8 @@
 #include "base/descriptor.h"
 #include "base/file_identity.h"
 
+namespace gatescope {
+
 /// A directory that is held open. What is in it is reached by its name there, and no symbolic link
 /// under such a name is followed: so nothing outside is reached, whatever others do meanwhile to
 /// the names, or to the way to the directory. The calls return 0 or an errno.
@@ -56,3 +58,5 @@ class Directory {
     std::string path_;
     Descriptor descriptor_;
 };
+
+}  // namespace gatescope

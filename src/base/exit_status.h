@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 /// The statuses that the program ends with. Scripts and scheduled jobs know them.
 enum ExitStatus {
     STATUS_OF_A_WISHED_END = 0,
@@ -10,3 +12,5 @@ enum ExitStatus {
     /// The one request of a run that is not repeated has ended: the code of the 'n' that wished so.
     STATUS_OF_ONE_REQUEST = 'n'
 };
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 #include "base/paths.h"
 #include "base/platform.h"
 
+namespace gatescope {
 namespace {
 
 /// Adds the bytes from `from` on to an FNV-1a hash of 64 bits. 0 or an errno.
@@ -76,3 +77,5 @@ int sync_directory_of(const std::string& path) {
 bool would_stay_at(const std::string& path) {
     return takes_files_for_good(directory_of(path));
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+namespace gatescope {
+
 /// Which file it is, under whatever name.
 struct FileId {
     dev_t device = 0;
@@ -33,3 +35,5 @@ int sync_directory_of(const std::string& path);
 /// Whether a file made at `path` could not be removed or renamed again, since its directory only
 /// lets files be added.
 bool would_stay_at(const std::string& path);
+
+}  // namespace gatescope

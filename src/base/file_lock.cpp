@@ -9,6 +9,7 @@
 #include "base/platform.h"
 #include "base/waiting.h"
 
+namespace gatescope {
 namespace {
 
 /// Open for writing: some file systems across a network lock nothing else.
@@ -40,3 +41,5 @@ FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) 
     if (lock.state == LockState::KEPT_BY_ANOTHER) lock.file.close();
     return lock;
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 /// What became of the wait for a lock.
 enum class LockState {
     HELD,
@@ -28,3 +30,5 @@ LockState try_lock(const Descriptor& file);
 /// changes a file by putting a new one in its place leaves those who wait with the lock of the old
 /// one; so it is looked whether the path still names the file that the lock was got for.
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience);
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;
@@ -49,3 +50,5 @@ int open_regular_file(const std::string& path, int flags, int directory,
     }
     return file.release();
 }
+
+}  // namespace gatescope

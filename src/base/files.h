@@ -5,6 +5,8 @@
 #include <chrono>
 #include <string>
 
+namespace gatescope {
+
 /// Whether the path can be examined, whatever kind of file it is.
 bool this_file_exists(const std::string& path);
 
@@ -20,3 +22,5 @@ inline constexpr std::chrono::seconds LEASE_PATIENCE(60);
 int open_regular_file(const std::string& path, int flags, int directory = AT_FDCWD,
                       std::chrono::steady_clock::time_point until =
                           std::chrono::steady_clock::now() + LEASE_PATIENCE);
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 /// Fills a message or command template. The result is C text: it ends where the first NUL would
 /// stand, so an argument of %c must not be one.
 [[gnu::format(printf, 1, 2)]] std::string filled(const char* format, ...);
@@ -13,3 +15,5 @@
 
 /// `bytes` up to its first NUL.
 std::string_view c_text(std::string_view bytes);
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 #include "base/filled.h"
 #include "base/utf8.h"
 
+namespace gatescope {
+
 std::string json_value(std::optional<std::string_view> bytes) {
     if (!bytes) return "null";
     std::string text = "\"";
@@ -47,3 +49,5 @@ std::optional<std::string> json_text(std::string_view line, const std::string& m
     }
     return rest.empty() ? std::nullopt : std::optional(bytes);
 }
+
+}  // namespace gatescope

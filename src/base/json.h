@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 // Values in lines of JSON.
 
 /// `bytes` as a string of JSON, with its quotes; null for nothing. A byte that is no part of a
@@ -15,3 +17,5 @@ std::string json_value(std::optional<std::string_view> bytes);
 /// blanks between its parts; nothing when the member is not there or is no string, or when
 /// json_value would not have written it so.
 std::optional<std::string> json_text(std::string_view line, const std::string& member);
+
+}  // namespace gatescope

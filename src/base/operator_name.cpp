@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 /// Variables that may name the operator, each with "_USER" after it, in the order of their rank.
@@ -56,3 +57,5 @@ std::optional<std::string> operator_name() {
     const auto user = calculated_user();
     return user ? std::optional(without_domain(*user)) : std::nullopt;
 }
+
+}  // namespace gatescope

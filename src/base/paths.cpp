@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <system_error>
 
+namespace gatescope {
+
 std::string directory_of(const std::string& path) {
     const auto slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
@@ -43,3 +45,5 @@ std::string absolute_path(const std::string& path) {
     const auto real = std::filesystem::weakly_canonical(absolute, error);
     return error ? absolute : real;
 }
+
+}  // namespace gatescope

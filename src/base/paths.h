@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 /// The directory that holds `path`.
 std::string directory_of(const std::string& path);
 
@@ -20,3 +22,5 @@ std::string end_of_links(const std::string& path);
 
 /// The absolute path of a file, links followed, whether there is a file or not.
 std::string absolute_path(const std::string& path);
+
+}  // namespace gatescope

@@ -23,6 +23,8 @@
 #include <sys/xattr.h>
 #endif
 
+namespace gatescope {
+
 #if GATESCOPE_HAS_FLOCK
 
 int lock_exclusively(int file) {
@@ -237,3 +239,5 @@ ssize_t read_children(pid_t /*process*/, char* /*list*/, std::size_t /*size*/) {
 }
 
 #endif
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // What not every UNIX system has. cmake/Platform.cmake looks for it; without it, or with
 // GATESCOPE_PLAIN_POSIX, what is said here is done instead. Calls that may fail return 0 or an
 // errno.
@@ -51,3 +53,5 @@ ssize_t read_children(pid_t process, char* list, std::size_t size);
 
 /// Whether control groups are looked at.
 inline constexpr bool HAS_CONTROL_GROUPS = GATESCOPE_HAS_PROC == 1;
+
+}  // namespace gatescope

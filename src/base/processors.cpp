@@ -7,6 +7,7 @@
 
 #include "base/platform.h"
 
+namespace gatescope {
 namespace {
 
 /// Of a machine with more processors than can be told.
@@ -91,3 +92,5 @@ int usable_processors() {
         HAS_CONTROL_GROUPS ? processors_granted("/proc/self/cgroup", "/sys/fs/cgroup") : -1;
     return std::max(1, smaller_limit(processors, granted));
 }
+
+}  // namespace gatescope

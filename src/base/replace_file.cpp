@@ -15,6 +15,7 @@
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
 
+namespace gatescope {
 namespace {
 
 /// What became of an attempt to put a new file in the old one's place.
@@ -159,3 +160,5 @@ std::optional<Failure> replace_file(const std::string& path, std::string_view te
     if (!why_not) remove_temporary_file(safe_copy);
     return why_not;
 }
+
+}  // namespace gatescope

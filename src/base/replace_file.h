@@ -6,6 +6,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 /// Why a file was not replaced, and in what state it was left.
 struct Failure {
     enum class State {
@@ -46,3 +48,5 @@ inline bool is_unchanged(const Failure& failure) {
 [[nodiscard]] std::optional<Failure> replace_file(const std::string& path, std::string_view text,
                                                   const std::string& safe_copy,
                                                   const Descriptor& open_file = Descriptor());
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // What names this run, and where its temporary files are.
 
 /// The character that joins paths.
@@ -19,3 +21,5 @@ std::string make_tfile(const char* tag, const char* part2, const char* part3);
 /// The run's scratch file: a new gatebits file passes through it, and the file chooser answers in
 /// it.
 std::string t_file_name();
+
+}  // namespace gatescope

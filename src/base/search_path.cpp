@@ -7,6 +7,7 @@
 
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 /// What shells take when there is no PATH.
@@ -27,3 +28,5 @@ bool is_on_search_path(const std::string& program, int mode) {
         rest.remove_prefix(colon + 1);
     }
 }
+
+}  // namespace gatescope

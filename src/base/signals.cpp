@@ -7,6 +7,7 @@
 #include "base/child.h"
 #include "base/temporary_files.h"
 
+namespace gatescope {
 namespace {
 
 /// What every dialog understands as the wish that it may end.
@@ -42,3 +43,5 @@ void end_in_order_on_signals() {
     // A handler, not SIG_IGN: that would be handed on to the programs we start.
     signal(SIGXFSZ, go_on);
 }
+
+}  // namespace gatescope

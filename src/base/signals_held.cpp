@@ -2,6 +2,7 @@
 
 #include <array>
 
+namespace gatescope {
 namespace {
 
 /// Those that do not end a process by default, cannot be caught, or are wanted as an error (a file
@@ -26,3 +27,5 @@ SignalsHeld::SignalsHeld() {
 SignalsHeld::~SignalsHeld() {
     sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
+
+}  // namespace gatescope

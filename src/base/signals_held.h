@@ -2,6 +2,8 @@
 
 #include <csignal>
 
+namespace gatescope {
+
 /// Every signal that ends a process by default and can be caught, but for the one of the file size
 /// limit.
 sigset_t ending_signals();
@@ -20,3 +22,5 @@ class SignalsHeld {
   private:
     sigset_t before_;
 };
+
+}  // namespace gatescope

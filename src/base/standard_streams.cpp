@@ -10,6 +10,7 @@
 #include "base/filled.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
 /// Why standard output did not take something; 0 as long as it took everything. One a process, as
@@ -63,3 +64,5 @@ int output_error() {
 void note(const std::string& text, const char* program) {
     write_whole(STDERR_FILENO, filled("%s: %s\n", program, text.c_str()));
 }
+
+}  // namespace gatescope

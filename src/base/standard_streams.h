@@ -5,6 +5,8 @@
 
 #include "messages/identity.h"
 
+namespace gatescope {
+
 // The three streams that the program is started with.
 
 /// Opens the null device on whichever of standard input, output and error is closed: a file that
@@ -23,3 +25,5 @@ int output_error();
 /// Writes "<program>: <text>" as a line to standard error, for whoever looks for a reason there.
 /// When that fails there is nobody left to tell.
 void note(const std::string& text, const char* program = SELF);
+
+}  // namespace gatescope

@@ -13,6 +13,7 @@
 #include "base/file_identity.h"
 #include "base/signals_held.h"
 
+namespace gatescope {
 namespace {
 
 /// A place for a path; free when that is null. A signal handler may only look at lock-free atomics,
@@ -151,3 +152,5 @@ void remove_temporary_file(const std::string& path) {
 void unlink_remove(const std::string& path) {
     if (std::remove(path.c_str()) != 0 && errno == EACCES) unlink(path.c_str());
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "base/descriptor.h"
 #include "base/directory.h"
 
+namespace gatescope {
+
 // Every temporary file of the process is on this list from its creation to its removal, so that
 // no way out of the process, a signal included, leaves one behind. A relative path begins at the
 // open `directory`, which stays open for as long as the path is on the list.
@@ -77,3 +79,5 @@ void remove_temporary_file(const std::string& path);
 /// Removes a file; tries once more in another way when permission is lacking. Failures are
 /// ignored.
 void unlink_remove(const std::string& path);
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gatescope {
+
 // String helpers with the rules that the gatebits file and the dialogs rely on. Letters are
 // ASCII letters; a text ends at its first NUL.
 
@@ -44,3 +46,5 @@ std::string words_joined(std::string_view text);
 /// The decimal number at the start of `text`, stopping at the first character that is no digit;
 /// a sign counts, a missing number is 0, and one that 64 bits do not hold is their limit.
 long long leading_number(const char* text);
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <numeric>
 
+namespace gatescope {
+
 std::size_t utf8_size(std::string_view text) {
     const auto byte = [&](std::size_t at) -> int {
         return at < text.size() ? static_cast<std::uint8_t>(text[at]) : 0;
@@ -38,3 +40,5 @@ std::string harmless(std::string_view text) {
     const auto characters = shown_characters(text);
     return std::accumulate(characters.begin(), characters.end(), std::string());
 }
+
+}  // namespace gatescope

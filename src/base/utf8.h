@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gatescope {
+
 /// How many bytes the character that `text` begins with has in UTF-8; 0 when it is none, or when
 /// there is nothing.
 std::size_t utf8_size(std::string_view text);
@@ -15,3 +17,5 @@ std::vector<std::string> shown_characters(std::string_view text);
 
 /// The same as one text.
 std::string harmless(std::string_view text);
+
+}  // namespace gatescope

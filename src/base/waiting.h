@@ -3,6 +3,8 @@
 #include <chrono>
 #include <thread>
 
+namespace gatescope {
+
 /// Calls `attempt` until it returns true, with a pause after each time that it does not, for no
 /// longer than `patience`; at least once. Whether it did.
 template <typename Attempt>
@@ -15,3 +17,5 @@ bool succeeds_within(std::chrono::milliseconds patience, Attempt attempt) {
     }
     return true;
 }
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 // Open files read and written whole, however often the system takes or gives only a part, or is
 // interrupted. Each returns 0 or an errno.
 
@@ -22,3 +24,5 @@ int write_and_sync(int descriptor, std::string_view text);
 
 /// The same, and closes the file, whatever has failed. The errno is the first one.
 int write_sync_close(int descriptor, std::string_view text);
+
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "base/platform.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::chrono::milliseconds STEP(1);
@@ -34,3 +35,5 @@ Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point dea
         }
     }
 }
+
+}  // namespace gatescope

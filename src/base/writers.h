@@ -6,6 +6,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 /// What the system tells about the processes that have a file open for writing.
 enum class Writers {
     NONE,
@@ -23,3 +25,5 @@ struct Settled {
 /// Waits until no process has `file`, open here for reading only, open for writing, but not beyond
 /// `deadline`. Where the system does not tell, all of that time is waited.
 Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point deadline);
+
+}  // namespace gatescope

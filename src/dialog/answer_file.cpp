@@ -18,6 +18,7 @@
 #include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// A file that nobody has written since its creation carries this time.
@@ -68,3 +69,5 @@ std::optional<std::string> answer_in_words(const std::string& command, const std
     if (run_dialog(command, text, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
     return words_joined(answer.content().value_or(""));
 }
+
+}  // namespace gatescope

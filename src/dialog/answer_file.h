@@ -4,6 +4,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 /// A file that a dialog writes its answer into. It exists, empty, before the dialog starts, so
 /// that nobody else can put one of theirs in its place, and goes with this object.
 class AnswerFile {
@@ -33,3 +35,5 @@ std::string prompt_result_path();
 /// when it was cancelled.
 std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
                                            const AnswerFile& answer);
+
+}  // namespace gatescope

@@ -16,6 +16,7 @@
 #include "messages/dialog_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 // What the shell makes of a program that it cannot start.
@@ -66,3 +67,5 @@ std::string one_argument(const std::string& path) {
 std::string newline_option(const std::string& text) {
     return c_text(text).find("\\n") == std::string_view::npos ? " " : "-newline";
 }
+
+}  // namespace gatescope

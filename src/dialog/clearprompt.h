@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// Runs a dialog's command line; the shell's status. When clearprompt cannot be started, `text`,
 /// which it should have shown, goes to standard error with the reason and with `lost`: one of
 /// NOT_SHOWN, NOT_ASKED_SO_ABORT and NOT_ASKED_SO_CANCELLED.
@@ -22,3 +24,5 @@ std::string one_argument(const std::string& path);
 /// "-newline" when `text` holds the two characters backslash and n, so that clearprompt turns
 /// them into a line break; else a single blank.
 std::string newline_option(const std::string& text);
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "messages/confirmation_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t SHOWN_CHARACTERS = 80;
@@ -81,3 +82,5 @@ void delete_confirmed(const Change& change) {
     const Change shown = cut(change);
     report(filled(DELETED, shown.item.c_str(), shown.from.c_str()));
 }
+
+}  // namespace gatescope

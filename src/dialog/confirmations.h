@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // Consent before a change of the gatebits file, and the report after it. Both show item and values
 // cut to 80 characters, unless it is said otherwise.
 
@@ -50,3 +52,5 @@ void delete_confirmed(const Change& change);
 /// A value as dialogs show it: its first 80 characters, and "..." when it has 80 or more. One of
 /// exactly 80 gets the dots too, although nothing is missing; scripts know it so.
 std::string cut_for_dialog(const std::string& value);
+
+}  // namespace gatescope

@@ -13,6 +13,8 @@
 #include "messages/history_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
+
 int ZUL_PREFER_GUI = 1;
 int ZUL_REMOTE_CLIENT_USER = 0;
 
@@ -128,3 +130,5 @@ void print_stdout(const std::string& text) {
     }
     write_output(printed);
 }
+
+}  // namespace gatescope

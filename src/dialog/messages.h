@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // Messages and questions: every word to the operator that needs no more than a button.
 
 // How the operator is talked to: the same in every function that has something to say, and settled
@@ -49,3 +51,5 @@ Answer ask(const std::string& message, Answer def = default_default, Buttons mas
 /// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
 /// stands as it is.
 void print_stdout(const std::string& text);
+
+}  // namespace gatescope

@@ -18,6 +18,7 @@
 #include "dialog/messages.h"
 #include "messages/dialog_texts.h"
 
+namespace gatescope {
 namespace {
 
 // Command lines; the texts in them come quoted already.
@@ -119,3 +120,5 @@ int get_system_rc(const std::string& command) {
     remove_temporary_file(trash);
     return status;
 }
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 // Text prompts and selection lists. Each returns the operator's answer, which may be empty, or
 // nothing when the dialog was cancelled: every status of it but 0 is a cancel.
 
@@ -26,3 +28,5 @@ std::optional<std::string> make_selection(const std::string& title, const std::s
 
 /// Runs a command with its output thrown away; returns the shell's raw status.
 int get_system_rc(const std::string& command);
+
+}  // namespace gatescope

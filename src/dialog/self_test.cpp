@@ -14,6 +14,7 @@
 #include "messages/identity.h"
 #include "messages/self_test_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char USABILITY_LINE[] = "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
@@ -107,3 +108,5 @@ void general_test() {
     test_questions();
     show_about();
 }
+
+}  // namespace gatescope

@@ -25,6 +25,7 @@
 #include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 // Command lines; the texts in them come quoted already.
@@ -235,3 +236,5 @@ void show_file_with_clearprompt(const std::string& title, const std::string& fil
                       quoted(file).c_str(), quoted(full_title).c_str()),
                filled("%s\n%s", full_title.c_str(), file.c_str()), NOT_SHOWN);
 }
+
+}  // namespace gatescope

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 // The toolkit: utilities for files, texts, names and dialogs that belong to the system and that
 // this program itself has no use for. They are kept together here, with tests of their own; what
 // the program does use stands where it is used.
@@ -66,3 +68,5 @@ std::optional<std::string> prompt_from_file(const std::string& prompt_text,
 /// Shows a file; what the operator types is thrown away. `errors` says whether the title speaks
 /// of errors in it.
 void show_file_with_clearprompt(const std::string& title, const std::string& file, bool errors);
+
+}  // namespace gatescope

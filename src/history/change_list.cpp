@@ -7,6 +7,7 @@
 #include "base/utf8.h"
 #include "messages/history_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// A text as a terminal may show it, character by character.
@@ -74,3 +75,5 @@ std::string list_of(const std::vector<PastChange>& changes, std::size_t width) {
     }
     return list;
 }
+
+}  // namespace gatescope

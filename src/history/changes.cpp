@@ -14,6 +14,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/history.h"
 
+namespace gatescope {
 namespace {
 
 std::string bytes_of(const std::string& path) {
@@ -62,3 +63,5 @@ std::string text_after(const History& history, const PastChange& change) {
     }
     return read_gatebits_bytes(file);
 }
+
+}  // namespace gatescope

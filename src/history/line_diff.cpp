@@ -7,6 +7,7 @@
 #include "base/utf8.h"
 #include "messages/history_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t LINES_AROUND = 3;
@@ -114,3 +115,5 @@ std::string for_terminal(std::string_view diff, bool has_colours) {
     }
     return shown;
 }
+
+}  // namespace gatescope

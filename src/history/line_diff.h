@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gatescope {
+
 /// The lines of a text, with their newlines.
 std::vector<std::string_view> whole_lines(std::string_view text);
 
@@ -15,3 +17,5 @@ std::string unified_diff(std::string_view old_text, std::string_view new_text,
 /// The same diff for a terminal: nothing that it would obey, and, where they are wanted, the
 /// colours that terminals show diffs in.
 std::string for_terminal(std::string_view diff, bool has_colours);
+
+}  // namespace gatescope

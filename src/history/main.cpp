@@ -28,6 +28,7 @@
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 enum Status { FOUND = 0, NOTHING_FOUND = 1, SAME = 0, DIFFERENT = 1, DONE = 0 };
@@ -127,8 +128,10 @@ int run(int argument_count, char** arguments) {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argument_count, char** arguments) {
+    using namespace gatescope;
     ZUL_PREFER_GUI = ERRORS_ALONE;
     const int error = open_missing_standard_streams();
     if (error != 0) gripe(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace gatescope {
+
 /// What the fast path compares in a canonical record.
 struct CanonicalFilter {
     /// The user and the '[' after it are no longer than this.
@@ -26,3 +28,5 @@ struct CanonicalFilter {
     bool has_fields = false;
     bool has_long_user = false;
 };
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "base/filled.h"
 #include "logs/canonical_scan.h"
 
+namespace gatescope {
 namespace {
 
 /// Kind, detail letter.
@@ -121,3 +122,5 @@ void CanonicalQuery::count(std::string_view piece, RecordTally* tally) const {
     // Looks no farther than the first word.
     tally->data_seen = tally->data_seen || !std::all_of(piece.begin(), piece.end(), is_white);
 }
+
+}  // namespace gatescope

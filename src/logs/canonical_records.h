@@ -6,6 +6,8 @@
 #include "logs/lanes.h"
 #include "logs/record_rule.h"
 
+namespace gatescope {
+
 // The fast path of the queries. Almost every record of a log has the exact shape that the policy
 // engine writes; canonical_scan.h says what it is and why it may be counted by its fields.
 // All others take the plain rule, so that the result is the plain rule's for every input.
@@ -32,3 +34,5 @@ class CanonicalQuery {
     CanonicalFilter filter_;
     bool has_fast_path_ = true;
 };
+
+}  // namespace gatescope

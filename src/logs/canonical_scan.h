@@ -12,6 +12,8 @@
 #include "logs/record_rule.h"
 #include "logs/record_scan.h"
 
+namespace gatescope {
+
 // The canonical shape, as the policy engine writes its records:
 //
 //     1794787199:D:ann[2]K<17>
@@ -206,3 +208,5 @@ ALWAYS_INLINE void count_piece(const RecordQuery& query, const CanonicalFilter& 
     while (at < end) at = count_next_word(query, at, end, tally);
     tally->earliest = std::min(tally->earliest, earliest.time);
 }
+
+}  // namespace gatescope

@@ -18,6 +18,7 @@
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 // Records as the policy engine writes them: time, kind, user, command, then detail letter and
@@ -104,3 +105,5 @@ void data_gen(const std::string& logging_dir) {
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
     clean_exit(STATUS_OF_A_WISHED_END);
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "logs/log_reader.h"
 #include "logs/record_scan.h"
 
+namespace gatescope {
+
 // The fast path: a word that begins with ten digits, ':', any character and ':', holds no byte up
 // to a blank and is no longer than a word may be is kept or dropped by its time alone. Where it
 // stands on a line of its own it is written as it stands: neighbours of that kind are copied
@@ -139,3 +141,5 @@ ALWAYS_INLINE std::string_view KeptRecords::kept_of(std::string_view piece) {
     const std::string_view kept(kept_.data(), static_cast<std::size_t>(out - kept_.data()));
     return kept == piece ? piece : kept;
 }
+
+}  // namespace gatescope

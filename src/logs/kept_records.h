@@ -6,6 +6,8 @@
 
 #include "logs/lanes.h"
 
+namespace gatescope {
+
 /// What pruning keeps and drops of a log's words.
 class KeptRecords {
   public:
@@ -42,3 +44,5 @@ class KeptRecords {
     std::int64_t removed_ = 0;
     std::vector<char> kept_;
 };
+
+}  // namespace gatescope

@@ -10,6 +10,8 @@
 #include <sys/platform/x86.h>
 #endif
 
+namespace gatescope {
+
 Lanes best_lanes() {
 #ifdef GATESCOPE_ASKS_THE_PROCESSOR
     const bool wide = CPU_FEATURE_ACTIVE(AVX2) && CPU_FEATURE_ACTIVE(BMI1) &&
@@ -18,3 +20,5 @@ Lanes best_lanes() {
 #endif
     return Lanes::VECTORS;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "base/run_identity.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 // Names of the files in the logging directory: directory, delimiter, then the number where there
@@ -102,3 +103,5 @@ std::string iso_date_text(std::int64_t time) {
     if (!on_the_calendar(time, &local)) return std::to_string(time);
     return filled("%04lld-%02d-%02d", year_of(local), local.tm_mon + 1, local.tm_mday);
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 #include <ctime>
 #include <string>
 
+namespace gatescope {
+
 // Where the region's log files are, and the period of time that the queries look at.
 
 /// Log files are numbered 0 to 20.
@@ -46,3 +48,5 @@ std::string time_text(std::int64_t time);
 /// The same without the clock time: "Sun Nov 15 2026"; and as ISO 8601 has it: "2026-11-15".
 std::string date_text(std::int64_t time);
 std::string iso_date_text(std::int64_t time);
+
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 #include "base/files.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Small enough to stay in the processor's cache between reading and looking. A fuzzer's logs are
@@ -171,3 +172,5 @@ void LogReader::find_end() {
     if (last == read) last = begin;
     handed_out_ = held_ - static_cast<std::size_t>(end - last) % WORD_LIMIT;
 }
+
+}  // namespace gatescope

@@ -10,6 +10,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 // Log bytes in, words out. A word is what stands between white space (blank, \t, \n, \v, \f, \r);
 // one that is longer than WORD_LIMIT is read as several. One word is one record.
 
@@ -80,3 +82,5 @@ class LogReader {
     bool at_end_ = true;
     int error_ = 0;
 };
+
+}  // namespace gatescope

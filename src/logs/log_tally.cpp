@@ -14,6 +14,7 @@
 #include "logs/range_tally.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr off_t MEBIBYTE = 1 << 20;
@@ -65,3 +66,5 @@ RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>&
     name_left_out(logs, all.not_opened);
     return all.tally;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "base/filled.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Between one line and the next.
@@ -51,3 +52,5 @@ void Progress::wipe() {
     if (drawn_ != 0) put(terminal_, "\r" + std::string(drawn_, ' ') + "\r");
     drawn_ = 0;
 }
+
+}  // namespace gatescope

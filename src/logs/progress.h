@@ -7,6 +7,8 @@
 #include <chrono>
 #include <cstddef>
 
+namespace gatescope {
+
 /// How far a long work has come, as one line on a terminal: bytes done of all, seconds left.
 /// Whoever begins the work makes one and hands it down; whoever does the work tells it of the bytes
 /// that are done. Nothing is drawn before the work has lasted a second, nor where standard error
@@ -43,3 +45,5 @@ class Progress {
     /// Characters of the line that is there.
     std::size_t drawn_ = 0;
 };
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "logs/log_tally.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Records that lie this much before the query period are worth a warning.
@@ -101,3 +102,5 @@ QueryResult get_query_data(const RecordQuery& query, const std::string& logging_
     result.advice = advice_on(tally, query.period);
     return result;
 }
+
+}  // namespace gatescope

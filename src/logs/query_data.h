@@ -9,6 +9,8 @@
 #include "logs/log_files.h"
 #include "logs/record_rule.h"
 
+namespace gatescope {
+
 // The reader of the region's log files: filters in, counters out.
 
 /// What the logs hold of a query.
@@ -44,3 +46,5 @@ struct QueryResult {
 
 /// Reads all log files of the directory. Gripes for any query but 1 to 6.
 QueryResult get_query_data(const RecordQuery& query, const std::string& logging_dir);
+
+}  // namespace gatescope

@@ -13,6 +13,7 @@
 #include "logs/canonical_records.h"
 #include "logs/shared_log.h"
 
+namespace gatescope {
 namespace {
 
 struct Range {
@@ -137,3 +138,5 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     for (const auto& worker : workers) worker->add_to(&all);
     return all;
 }
+
+}  // namespace gatescope

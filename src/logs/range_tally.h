@@ -9,6 +9,8 @@
 #include "logs/progress.h"
 #include "logs/record_rule.h"
 
+namespace gatescope {
+
 // Several threads count the records of several logs together: each takes the next range of bytes
 // that nobody has taken, and has its own reader and its own tally.
 
@@ -34,3 +36,5 @@ struct RangeTally {
 /// and any size. Signals that end the process come to the calling thread.
 RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>& logs, int threads,
                         off_t range_size, Progress* progress);
+
+}  // namespace gatescope

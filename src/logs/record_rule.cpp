@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "logs/log_reader.h"
 
+namespace gatescope {
 namespace {
 
 /// A word as the markers and filters see it.
@@ -85,3 +86,5 @@ void count_word(const RecordQuery& query, std::string_view word, RecordTally* ta
         ++tally->rows[static_cast<std::size_t>(number)][outcome_per_number(query, record)];
     }
 }
+
+}  // namespace gatescope

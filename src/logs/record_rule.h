@@ -8,6 +8,8 @@
 
 #include "logs/log_files.h"
 
+namespace gatescope {
+
 // What a query makes of one record: the plain rule, for every word that a log file can hold.
 
 /// A filter that every record passes.
@@ -68,3 +70,5 @@ constexpr std::int64_t day_cell(std::int64_t period_end, std::int64_t time) {
 
 /// Takes one word of a log file, of at most WORD_LIMIT bytes, whatever it holds.
 void count_word(const RecordQuery& query, std::string_view word, RecordTally* tally);
+
+}  // namespace gatescope

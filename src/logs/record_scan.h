@@ -15,6 +15,8 @@
 #include <immintrin.h>
 #endif
 
+namespace gatescope {
+
 // How the fast paths of the queries and of the pruner look at log bytes: 16 or 64 at a time.
 // What is found is exact; the callers decide what it means. Every function may read READER_MARGIN
 // bytes after what it is asked about.
@@ -303,3 +305,5 @@ inline constexpr std::array<std::uint8_t, 256> WHITE_STEP = white_steps();
 ALWAYS_INLINE const char* after_line_end(const char* stop) {
     return stop + 1 + WHITE_STEP[static_cast<std::uint8_t>(stop[1])];
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 
 #include "base/files.h"
 
+namespace gatescope {
+
 int SharedLog::begin_range() {
     const std::lock_guard lock(mutex_);
     if (!tried_) {
@@ -29,3 +31,5 @@ int SharedLog::error() {
 bool is_want(int error) {
     return error == EMFILE || error == ENFILE || error == ENOMEM;
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 /// A log that several threads read by ranges. It is open from its first range to its last: all of
 /// them are read from the same file, whatever takes its name meanwhile, and of many logs few are
 /// open at the same time.
@@ -34,3 +36,5 @@ class SharedLog {
 /// Whether a call failed for want of something that the process or the machine has no more of: that
 /// says nothing of the file.
 bool is_want(int error);
+
+}  // namespace gatescope

@@ -21,6 +21,7 @@
 #include "messages/identity.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
 /// One argument: the whole of it, as messages show it, and what stands after the '='.
@@ -253,3 +254,5 @@ Options parse_arguments(std::vector<std::string> arguments) {
     }
     return options;
 }
+
+}  // namespace gatescope

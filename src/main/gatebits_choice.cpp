@@ -15,6 +15,7 @@
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 /// Takes the gatebits file that the environment names; false when it names none that opens.
@@ -65,3 +66,5 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     // Asked once more, but whatever the answer, start-up goes on.
     if (file.empty()) ask(RETRY_GATEBITS_FILE);
 }
+
+}  // namespace gatescope

@@ -23,6 +23,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
 int run(const std::vector<std::string>& words) {
@@ -45,8 +46,10 @@ int run(const std::vector<std::string>& words) {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argument_count, char** argument_vector) {
+    using namespace gatescope;
     if (const int error = open_missing_standard_streams()) {
         note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
         return STATUS_OF_AN_ERROR;

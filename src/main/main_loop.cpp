@@ -11,6 +11,7 @@
 #include "dialog/prompts.h"
 #include "messages/command_line_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// The request of the command line; null when it named none. A number without a request is a fault.
@@ -64,3 +65,5 @@ int run_requests(const Options& options, RegionInUse& region) {
     } while (!options.runs_once());
     return STATUS_OF_ONE_REQUEST;
 }
+
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Needs no memory.
@@ -49,3 +50,5 @@ void end_without_memory() {
     unlink_temporary_files();
     gripe(NO_MEMORY);
 }
+
+}  // namespace gatescope

@@ -15,6 +15,7 @@
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Where the directory for temporary files may come from: the variable's name is read in lower
@@ -90,3 +91,5 @@ void verify_set_tempdir() {
     if (temp_dir_is_writable()) return;
     gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP), errno);
 }
+
+}  // namespace gatescope

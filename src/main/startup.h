@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 // Who the operator is, where temporary files go and how dialogs are shown: settled once, before
 // any argument is looked at.
 
@@ -24,3 +26,5 @@ Operator clean_start();
 /// gripes when that directory is not writable. The first of the variables that is set decides, even
 /// when its directory is of no use.
 void verify_set_tempdir();
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the configuration actions. Those with a backslash and an n as two characters rely on
 // the dialog to turn them into line breaks. Slips of wording are known to scripts and stay.
 
@@ -205,3 +207,5 @@ inline constexpr char SETTING_ENTRY[] = "%02d %s%s";
 /// Prefix of the setting's line.
 inline constexpr char SETTING_PROMPT[] = "Change the value of %s ...";
 inline constexpr char INTERNAL_ERROR_A_24[] = "Internal error in A_24";
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts around aliases: faults of alias lines, and what a change did to the references. A
 // reference is shown as "~name " with its blank, so no blank stands before the word alias.
 
@@ -44,3 +46,5 @@ inline constexpr ReferenceTexts REFERENCES_REMOVED = {
     "alias references were found and removed."};
 inline constexpr ReferenceTexts REFERENCES_EFFECTED = {
     "", "current ", nullptr, "alias reference was effected.", "alias references were effected."};
+
+}  // namespace gatescope

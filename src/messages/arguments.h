@@ -5,6 +5,8 @@
 
 #include "messages/command_line_texts.h"
 
+namespace gatescope {
+
 enum class ArgumentKind {
     /// A word that stands alone on the command line.
     OPTION,
@@ -44,3 +46,5 @@ inline constexpr std::array<KnownArgument, 16> KNOWN_ARGUMENTS = {{
     {"D=", ArgumentKind::PARAMETER, false, "show the page in a browser"},
     {"R=", ArgumentKind::PARAMETER, false, "come back with the menu"},
 }};
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Pieces of the bar lists: a table with a row for every bit or key and a bar of up to 400 pixels.
 
 inline constexpr char KEY_NOUN[] = "Key";
@@ -75,3 +77,5 @@ inline constexpr char BIT_INVOKED[] = "The %s bit was invoked %u times during th
 inline constexpr char KEY_NOT_INVOKED[] = "%s #%d was not invoked during this period";
 inline constexpr char KEY_INVOKED_ONCE[] = "%s #%d was invoked once during this period";
 inline constexpr char KEY_INVOKED[] = "%s #%d was invoked %u times during this period";
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the command line and of the question which gatebits file to use.
 
 inline constexpr char ARG_VER[] = "-ver";
@@ -97,3 +99,5 @@ inline constexpr char RETRY_GATEBITS_FILE[] =
 
 /// The menus or the command line named a request that no table holds.
 inline constexpr char INCOMPLETE_QUERY_CODING[] = "incomplete query coding in gatescope:main";
+
+}  // namespace gatescope

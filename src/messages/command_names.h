@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+namespace gatescope {
+
 /// The triggerable ClearCase commands. A command's number in the log records is its place in
 /// this table, counted from 1, so the order must never change.
 inline constexpr std::array<std::string_view, 54> TRIGGERABLE_COMMANDS = {
@@ -33,3 +35,5 @@ inline constexpr std::array<std::string_view, 54> TRIGGERABLE_COMMANDS = {
     "mkstream",      "chstream",
     "rmstream",      "mkbl",
     "mkbl_complete", "setactivity_none"};
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the questions before a change and of the reports after it. Where a backslash and an n
 // stand as two characters they stay two characters: they make the dialog turn such pairs into
 // line breaks.
@@ -97,3 +99,5 @@ inline constexpr char EXTREMELY_PERMISSIVE[] =
     "                 of the wildcard patterns %s ...";
 /// Gatebits file.
 inline constexpr char VERIFY_REMINDER[] = "\n\nReminder:  Use gatewarden %s -check to verify...";
+
+}  // namespace gatescope

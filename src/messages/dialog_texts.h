@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Fixed texts of the message boxes, prompts and lists.
 
 inline constexpr char CLEARPROMPT[] = "clearprompt";
@@ -43,3 +45,5 @@ inline constexpr char CANNOT_KEEP_STDERR[] = "_dup( stderr ) failure";
 inline constexpr char CANNOT_OPEN_TRASH_FILE[] = "Can't open file 'data'\n";
 inline constexpr char CANNOT_REDIRECT_STDOUT[] = "Can't _dup2 stdout";
 inline constexpr char CANNOT_REDIRECT_STDERR[] = "Can't _dup2 stderr";
+
+}  // namespace gatescope

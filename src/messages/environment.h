@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace gatescope {
+
 // The environment variables that the program reads, by the names that it reads them under.
 
 inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
@@ -65,3 +67,5 @@ inline constexpr std::array<EnvironmentVariable, 21> ENVIRONMENT = {{
     {ENV_TERM, "The kind of terminal; on a \"dumb\" one gatescope-history shows no colours"},
     {ENV_NO_COLOR, "When it is set and not empty, gatescope-history shows no colours"},
 }};
+
+}  // namespace gatescope

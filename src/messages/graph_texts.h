@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // The page file and its display: names and messages.
 
 /// Path.
@@ -45,3 +47,5 @@ inline constexpr BrowserPlace IN_THE_GATEBITS_FILE = {"in", "the gatebits file"}
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
 /// Raw status, browser.
 inline constexpr char BROWSER_FAILED[] = "Warning: return code=%d returned from %s...";
+
+}  // namespace gatescope

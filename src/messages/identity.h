@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Who this program is, and the names of the operating systems.
 
 inline constexpr char SELF[] = "gatescope";
@@ -15,3 +17,5 @@ inline constexpr char UNIX_OS[] = "UNIX";
 /// The one that this program runs on, and the one whose files it cannot look at.
 inline constexpr const auto& THIS_OS = UNIX_OS;
 inline constexpr const auto& OTHER_OS = WINDOWS_OS;
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the log reader, the pruner and the demo data generator.
 
 /// File, the system's reason.
@@ -65,3 +67,5 @@ inline constexpr char TOKEN_STAYS[] =
 inline constexpr char PRUNING_RESULT[] =
     "%lld of %lld log entries %s removed from the Gatewarden LOGS for the Gatewarden Region "
     "(%s).\n\n%d days of data retained.";
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // What the menus show. Each label is also the key by which a pick is recognised, so a changed
 // letter here changes what scripts and operators have to choose: the slips of wording stay.
 
@@ -47,3 +49,5 @@ inline constexpr char SEPERATOR[] = "------------------------------";
 inline constexpr char MAIN_MENU_TITLE[] = "Select Query or Action for (%s)";
 inline constexpr char SUBMENU_TITLE[] = "Gatebits view/change Action for (%s)";
 inline constexpr char INSTALL_MENU_TITLE[] = "Select Install Action for (%s)";
+
+}  // namespace gatescope

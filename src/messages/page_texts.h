@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace gatescope {
+
 // The frame of every report page: what comes before the graph and after it.
 
 /// Who supplies and supports the program; the packager sets them when it is configured.
@@ -107,3 +109,5 @@ inline constexpr char PAGE_CLOSING[] =
 inline constexpr char DISPLAY_TEXT_WIDGET[] =
     "<pre>     <input type=\"text\" size=120 maxlength=120 id=display_text name=display_text "
     "readonly></pre>";
+
+}  // namespace gatescope

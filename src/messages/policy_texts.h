@@ -3,6 +3,8 @@
 #include <array>
 #include <string_view>
 
+namespace gatescope {
+
 // Texts of the gatebits file: the marks of its lines, the template of a new file, and the faults
 // that stop the program or reject a value.
 
@@ -101,3 +103,5 @@ inline constexpr char NEW_FILE_NOT_WRITTEN[] =
 inline constexpr char NEW_FILE_NOT_SYNCED[] =
     "ERROR: Could not bring the new gatebits file (%s) to the disk: %s.  The file was created and "
     "is complete.";
+
+}  // namespace gatescope

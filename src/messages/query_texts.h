@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Questions and titles of the queries. Their spellings stay: administrators look for
 // old pages by their titles.
 
@@ -47,3 +49,5 @@ inline constexpr char TITLE_FOR_ALL_USERS[] = " for (all) users";
 /// Command.
 inline constexpr char TITLE_FOR_COMMAND[] = " for the (%s)";
 inline constexpr char TITLE_FOR_ALL_COMMANDS[] = " for (all) commands";
+
+}  // namespace gatescope

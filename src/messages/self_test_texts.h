@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // What the self-test prints and asks.
 
 inline constexpr char EXPECTED_OS[] = "Expected OS is UNIX...";
@@ -33,3 +35,5 @@ inline constexpr char THREE_BUTTONS_YES[] = "3 button Question (default [yes])..
 inline constexpr char THREE_BUTTONS_DEFAULT[] = "3 button Question (default [default yes])...";
 /// Word.
 inline constexpr char ONLY_QUESTION[] = "%s only Question...";
+
+}  // namespace gatescope

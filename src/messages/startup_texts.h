@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of process start-up and of the file utilities.
 
 /// Reason. For standard error.
@@ -45,3 +47,5 @@ inline constexpr char LOCKED_BY_ANOTHER[] =
 inline constexpr char IS_NO_REGULAR_FILE[] = "it is not a regular file";
 /// The reason alone, of a log or page.
 inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Pieces of the time graphs: a row of narrow columns made of nested tables, one a day, whose cell
 // heights are the bars. A bar and its filler are 100 pixels together.
 
@@ -114,3 +116,5 @@ inline constexpr char TITLE_INVOKED[] =
     "Matching %s were invoked %u times through Gatewarden policy on %s";
 inline constexpr char TITLE_INVOKED_TO_DENY[] =
     "Matching %s were invoked %u times to deny command usage on %s";
+
+}  // namespace gatescope

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // What the operator reads when a value is turned down. All begin with "RETRY:"; a backslash and
 // an n (two characters) become a line break in the dialog. The doubled and misspelled words have
 // been there for ever and stay.
@@ -64,3 +66,5 @@ inline constexpr char ALIAS_ITEM[] = "alias";
 inline constexpr char ALIAS_NAME_ITEM[] = "alias name";
 inline constexpr char DIRECTORY_KIND[] = "directory";
 inline constexpr char FILE_KIND[] = "file";
+
+}  // namespace gatescope

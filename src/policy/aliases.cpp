@@ -13,6 +13,7 @@
 #include "messages/environment.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// ALIAS_LOCATER, name, value.
@@ -219,3 +220,5 @@ std::string report_of_alias_change(const Gatebits& before, const AliasChange& ch
             return "";
     }
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 // Aliases: named pieces of text, each defined by one line of the gatebits file and referred to
 // from lists and command keys by "~" and its name.
 
@@ -60,3 +62,5 @@ Rewrite add_change_remove_an_alias(const Gatebits& gatebits, const AliasChange& 
 /// What the operator is told of a change that was made to the gatebits file as it stood `before`;
 /// empty when nothing.
 std::string report_of_alias_change(const Gatebits& before, const AliasChange& change);
+
+}  // namespace gatescope

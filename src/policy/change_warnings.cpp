@@ -8,6 +8,7 @@
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
 /// A command key's field that says whether the key refers to the notify program ('0': no).
@@ -125,3 +126,5 @@ std::string special_warnings(const Gatebits& /*gatebits*/, const NewValue& list)
 std::string key_reminder(const std::string& path) {
     return filled(VERIFY_REMINDER, path.c_str());
 }
+
+}  // namespace gatescope

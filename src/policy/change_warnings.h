@@ -4,6 +4,8 @@
 
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 // What else a change of the gatebits file does, in the words that follow the question for consent.
 // They are made from the file as the operator was shown it, and are empty where there is nothing to
 // warn of.
@@ -37,3 +39,5 @@ std::string special_warnings(const Gatebits& gatebits, const NewValue& list);
 /// The reminder to have the gatebits file at `path` checked that goes with every change of a
 /// command key.
 std::string key_reminder(const std::string& path);
+
+}  // namespace gatescope

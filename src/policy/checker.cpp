@@ -11,6 +11,7 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Checker and gatebits file, quoted as is wished; option word.
@@ -60,3 +61,5 @@ std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSetti
         run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, word));
     return CheckResult{status != 0, mode == CheckMode::COUNT ? status : 0};
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
+
 // The policy engine's own checker, run on a gatebits file.
 
 /// What a checker run is asked for.
@@ -40,3 +42,5 @@ struct CheckResult {
 /// Runs the checker over the gatebits file in use. Nothing, after telling the operator, when it
 /// could not be found; the one that was found is stored in `*region`.
 std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region);
+
+}  // namespace gatescope

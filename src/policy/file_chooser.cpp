@@ -8,6 +8,7 @@
 #include "messages/dialog_texts.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// CLEARPROMPT, result file, default option, directory option, its text: the prompt has always
@@ -45,3 +46,5 @@ std::optional<std::string> select_cb_file(const std::string& file_in_use,
     if (POSSIBLE_FILE.empty()) return std::nullopt;
     return POSSIBLE_FILE;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "base/filled.h"
 #include "base/text.h"
 
+namespace gatescope {
 namespace {
 
 std::vector<std::string> lines_of(std::string_view text) {
@@ -146,3 +147,5 @@ Rewrite set_a_field(const Gatebits& gatebits, const FieldValue& field,
     if (!any || result == ChangeResult::NO_SUCH_LINE) return {result};
     return {result, Gatebits(std::move(lines))};
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace gatescope {
+
 // The text of a gatebits file as a value, with its lines, fields and keys, and edits that make
 // another text of it. Nothing here touches a file. Lines and fields are counted from 1.
 
@@ -121,3 +123,5 @@ struct FieldValue {
 /// not exist is passed over.
 Rewrite set_a_field(const Gatebits& gatebits, const FieldValue& field,
                     const std::vector<FieldValue>& further = {});
+
+}  // namespace gatescope

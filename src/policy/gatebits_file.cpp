@@ -18,6 +18,8 @@
 #include "messages/startup_texts.h"
 #include "policy/write_failure.h"
 
+namespace gatescope {
+
 namespace {
 
 /// The lock under which the file is changed; where there is none to be had we do without. Gripes
@@ -131,3 +133,5 @@ void put_back(const std::string& path, const std::string& text, const RecordedCh
     with_lines(text, path);
     write_gatebits(path, now, text, record, lock.file);
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "policy/gatebits.h"
 #include "policy/history.h"
 
+namespace gatescope {
+
 // The gatebits file on the disk: read as a value, and changed in one place. Nothing is cached: each
 // step of a dialog reads the file anew. What cannot be read or written ends the program through
 // gripe.
@@ -65,3 +67,5 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
 /// Replaces the gatebits file, whatever is in it, by an old text of it, byte for byte: as change
 /// does, with the same lock and record. Gripes as change does, and when no line is in `text`.
 void put_back(const std::string& path, const std::string& text, const RecordedChange& record);
+
+}  // namespace gatescope

@@ -29,6 +29,7 @@
 #include "messages/history_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// How long a name may be taken that has the second in it.
@@ -156,3 +157,5 @@ void HistoryRecord::take_back() {
     if (lines && ftruncate(lines.get(), begin) == 0) remove_temporary_file(saved);
     lines = {};
 }
+
+}  // namespace gatescope

@@ -8,6 +8,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 // The history of policy files, where one is kept: a directory with a line of JSON for each change,
 // and with each text that a change has replaced in a file of its own.
 
@@ -50,3 +52,5 @@ HistoryRecord record_change(const std::string& policy_file,
                             const std::optional<std::string>& old_text,
                             const RecordedChange& change,
                             std::chrono::seconds patience = HISTORY_PATIENCE);
+
+}  // namespace gatescope

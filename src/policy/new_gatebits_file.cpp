@@ -21,6 +21,7 @@
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 /// No more links than the system itself would follow.
@@ -97,3 +98,5 @@ std::string bytes_to_copy(const std::string& path, const std::string& destinatio
     }
     return bytes;
 }
+
+}  // namespace gatescope

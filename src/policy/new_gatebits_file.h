@@ -4,6 +4,8 @@
 
 #include "policy/history.h"
 
+namespace gatescope {
+
 /// What became of a new gatebits file.
 enum class NewFile {
     CREATED,
@@ -23,3 +25,5 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text,
 /// All bytes of the gatebits file `path`, when nobody is changing it; gripes with the words of a
 /// copy to `destination` when it cannot be read, or somebody keeps its lock.
 std::string bytes_to_copy(const std::string& path, const std::string& destination);
+
+}  // namespace gatescope

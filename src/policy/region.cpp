@@ -10,6 +10,7 @@
 #include "messages/policy_texts.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
 /// Takes the tool variables and returns the significant lines, without their leading blanks.
@@ -80,3 +81,5 @@ RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSI
                                           region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
     return region;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "policy/gatebits.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
+
 /// The gatebits file in use, and the region's settings as that has them. Whoever holds them loads
 /// them again when another file is in use or a setting in it has changed.
 struct RegionSettings {
@@ -38,3 +40,5 @@ struct RegionInUse {
 /// file. Tool variables without a line stay as they are in `tools`.
 RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
                                           const Gatebits& gatebits, const ToolSettings& tools);
+
+}  // namespace gatescope

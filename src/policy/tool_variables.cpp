@@ -1,5 +1,6 @@
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
 /// Which of the eight settings `line` sets, if any.
@@ -59,3 +60,5 @@ Rewrite change_a_var(const Gatebits& gatebits, ToolSettings tools, std::size_t i
     tools.GS_VAR.at(index) = value;
     return {ChangeResult::WRITTEN, Gatebits(with_settings_on_top(tools, gatebits.lines()))};
 }
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "messages/policy_texts.h"
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 // gatescope's own eight settings, kept as comment lines in the gatebits file.
 
 /// Places in GS_VAR and GS_VAR_NAME.
@@ -48,3 +50,5 @@ std::optional<std::string> stored_variable(const Gatebits& gatebits, std::size_t
 /// of the table: the others as the file has them, or as `tools` has those that it lacks.
 Rewrite change_a_var(const Gatebits& gatebits, ToolSettings tools, std::size_t index,
                      const std::string& value);
+
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include "messages/validator_texts.h"
 #include "policy/aliases.h"
 
+namespace gatescope {
 namespace {
 
 constexpr int MAX_FIELD_VALUE = 256;
@@ -223,3 +224,5 @@ Validity alias_name_is_ok(const std::string& name, const Aliases& others) {
     if (std::find(begin, end, std::string(c_text(name))) == end) return accepted();
     return filled(ALIAS_NAME_EXISTS, name.c_str());
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "policy/aliases.h"
 #include "policy/gatebits.h"
 
+namespace gatescope {
+
 // Whether what the operator entered may stand in its field. Lengths are in bytes. An `os` is the
 // name of the field's column; paths of the other system are checked by their form only.
 
@@ -51,3 +53,5 @@ Validity region_MOTDL_is_ok(const std::string& value);
 Validity alias_value_is_ok(const std::string& value);
 /// Whether the name may be that of a new alias beside the `others`.
 Validity alias_name_is_ok(const std::string& name, const Aliases& others);
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 
 #include "base/replace_file.h"
 
+namespace gatescope {
+
 // What the operator is told when a file could not be written: which, why, and in what state it was
 // left. Both end the program.
 
@@ -13,3 +15,5 @@
 /// For replace_file, which was given `path` and `safe_copy`.
 [[noreturn]] void gripe_not_replaced(const Failure& failure, const std::string& path,
                                      const std::string& safe_copy);
+
+}  // namespace gatescope

@@ -3,6 +3,8 @@
 #include <cstring>
 #include <string>
 
+namespace gatescope {
+
 /// Thrown by the steps on a log that has to stay as it is until the next pruning: why.
 struct LeftAlone {
     std::string reason;
@@ -25,3 +27,5 @@ std::string reason_of(const Step& step) {
         return log.reason;
     }
 }
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <utility>
 
+namespace gatescope {
 namespace {
 
 /// In the order of the kinds.
@@ -40,3 +41,5 @@ std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& log
     std::ranges::sort(found, {}, &LeftOver::number);
     return found;
 }
+
+}  // namespace gatescope

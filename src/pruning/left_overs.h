@@ -9,6 +9,8 @@
 #include "base/directory.h"
 #include "pruning/left_alone.h"
 
+namespace gatescope {
+
 // What a pruning may leave beside a log, wherever it is ended. Nothing is ever appended to a log,
 // cut or overwritten: its whole new text is made in the scratch file and renamed over it.
 //
@@ -38,3 +40,5 @@ LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
 
 /// The left-overs of a log, by their numbers. What is no regular file is none.
 std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs);
+
+}  // namespace gatescope

@@ -20,6 +20,7 @@
 #include "messages/startup_texts.h"
 #include "pruning/left_overs.h"
 
+namespace gatescope {
 namespace {
 
 constexpr mode_t PUBLIC = 0666;
@@ -302,3 +303,5 @@ bool remove_unchanged_old_files(const Log& log, const Work& work, Moment deadlin
     }
     return added_to.empty();
 }
+
+}  // namespace gatescope

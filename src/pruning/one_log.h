@@ -7,6 +7,8 @@
 #include "logs/progress.h"
 #include "pruning/patience.h"
 
+namespace gatescope {
+
 /// A log of the region.
 struct Log {
     std::string name;
@@ -54,3 +56,5 @@ void rewrite(Log* log, Work* work, Moment deadline);
 /// LeftAlone when a process keeps one open, or has added to one where the system does not tell
 /// whether it will again.
 bool remove_unchanged_old_files(const Log& log, const Work& work, Moment deadline);
+
+}  // namespace gatescope

@@ -20,6 +20,7 @@
 #include "pruning/left_overs.h"
 #include "pruning/one_log.h"
 
+namespace gatescope {
 namespace {
 
 constexpr int MOST_ROUNDS = 3;
@@ -188,3 +189,5 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
         write_output(text);
     }
 }
+
+}  // namespace gatescope

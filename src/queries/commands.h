@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// The triggerable commands as one text, each between commas, beginning and ending with one.
 std::string ALL_TRIGGERABLE_COMMANDS();
 /// A text of the same length: where a command's name begins in the other one, its number stands
@@ -12,3 +14,5 @@ std::string ALL_TRIGGERABLE_COMMANDS_MAP();
 /// "*". The search is for the name between commas, so two neighbours of the list, joined by their
 /// comma, count as the first of them.
 int command_number(const std::string& name);
+
+}  // namespace gatescope

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 
+namespace gatescope {
+
 /// What the command line asked for: parse_arguments makes it, and nothing changes it afterwards.
 struct Options {
     /// Whether the argument was given. file_selected also says that the file could be read, and
@@ -42,3 +44,5 @@ struct Options {
     /// Whether the program stops after the first request.
     [[nodiscard]] bool runs_once() const { return selected_repeat.front() == 'n'; }
 };
+
+}  // namespace gatescope

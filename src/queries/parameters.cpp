@@ -12,6 +12,7 @@
 #include "messages/query_texts.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
 // How log records hold a value: the number of a command, a user, a bit or key.
@@ -139,3 +140,5 @@ std::optional<std::string> value_of(Parameter parameter, const Options& options,
 std::string filter_for(Parameter parameter, const std::string& value) {
     return value == ALL ? "" : row_of(parameter).filter(value);
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 
 #include "queries/options.h"
 
+namespace gatescope {
+
 // The parameters of the queries. A value is a text: a command, a user, the decimal number of a
 // bit or key, or "*" for all of them.
 
@@ -16,3 +18,5 @@ std::optional<std::string> value_of(Parameter parameter, const Options& options,
 
 /// What log records of that value hold; empty for "*", which leaves every record in.
 std::string filter_for(Parameter parameter, const std::string& value);
+
+}  // namespace gatescope

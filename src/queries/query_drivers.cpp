@@ -16,6 +16,7 @@
 #include "report/graph.h"
 #include "report/page.h"
 
+namespace gatescope {
 namespace {
 
 constexpr auto COMMAND = Parameter::COMMAND;
@@ -190,3 +191,5 @@ bool Q_during_install(bool during_install) {
     advise_wait(NO_QUERIES_DURING_INSTALL);
     return true;
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 #include "queries/options.h"
 #include "report/page_display.h"
 
+namespace gatescope {
+
 /// What a query asks for, in the words of the logs and of its page.
 struct AskedQuery {
     /// What a record must hold; a slot without a filter has the one that every record passes.
@@ -40,3 +42,5 @@ void Q_6(const Options& options, const QueriedRegion& region);
 /// Whether the installer started the program; the operator has then been told that there is nothing
 /// to query yet.
 bool Q_during_install(bool during_install);
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "messages/page_texts.h"
 #include "report/bars.h"
 
+namespace gatescope {
 namespace {
 
 void print_list_opening(const QueryResult& result, const char* noun, Page* page) {
@@ -99,3 +100,5 @@ void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines,
     }
     print_list_closing(page);
 }
+
+}  // namespace gatescope

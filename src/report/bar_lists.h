@@ -7,6 +7,8 @@
 #include "logs/query_data.h"
 #include "report/page.h"
 
+namespace gatescope {
+
 // The pages of the bar queries: a row with a horizontal bar for every functionality bit or command
 // key.
 
@@ -19,3 +21,5 @@ void Display_Graph__hbars_Bits(const QueryResult& result, Page* page);
 
 /// The keys from 1 to the highest one counted, each described by its line.
 void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines, Page* page);
+
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+namespace gatescope {
 namespace {
 
 /// `count` shown against `scale`, not shorter than one pixel. Both are at most 32 bits, so the
@@ -35,3 +36,5 @@ Percentages percentages(std::uint32_t allowed, std::uint32_t denied) {
     }
     return shares;
 }
+
+}  // namespace gatescope

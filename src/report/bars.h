@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+namespace gatescope {
+
 // How long a bar a count asks for, and the shares of a day. Nothing is divided by a count of 0.
 
 /// Pixels of a full bar: in a time graph (upwards or downwards) and in a bar list.
@@ -26,3 +28,5 @@ struct Percentages {
 /// A point lost by rounding goes to the one that lost more, to the denied ones when both lost the
 /// same.
 Percentages percentages(std::uint32_t allowed, std::uint32_t denied);
+
+}  // namespace gatescope

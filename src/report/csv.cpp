@@ -20,6 +20,7 @@
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::string_view LINE_END = "\r\n";
@@ -150,3 +151,5 @@ void store_csv(const std::string& path, const std::string& csv) {
     if (error != 0) gripe(filled(CANNOT_WRITE_CSV, path.c_str(), std::strerror(error)));
     forget_temporary_file(unfinished);
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 #include "logs/query_data.h"
 #include "report/bar_lists.h"
 
+namespace gatescope {
+
 // The numbers of a page, for programs: a file beside it that spreadsheets and monitoring systems
 // read. It is written where ZUL_GATESCOPE_CSV is "yes" (in any case).
 
@@ -21,3 +23,5 @@ std::string csv_path(const std::string& page_path);
 /// Puts `csv` into a file at `path`, in place of whatever file or link has that name: whole, or not
 /// at all. Gripes, with nothing changed, when that cannot be done.
 void store_csv(const std::string& path, const std::string& csv);
+
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 #include "messages/time_graph_texts.h"
 #include "report/bars.h"
 
+namespace gatescope {
 namespace {
 
 /// What the logs hold of one day.
@@ -47,3 +48,5 @@ std::string title_of_invoked_to_deny(const QueryResult& result, int number, cons
     const Day day(result, number);
     return filled(TITLE_INVOKED_TO_DENY, what, day.denied, day.label);
 }
+
+}  // namespace gatescope

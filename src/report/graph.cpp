@@ -9,6 +9,7 @@
 #include "report/page_file.h"
 #include "report/time_graphs.h"
 
+namespace gatescope {
 namespace {
 
 /// Year, month, day, hour, minute, second, query number.
@@ -76,3 +77,5 @@ void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display)
     if (with_numbers) store_csv(csv_path(stored.path), csv_of(graph.result, graph.key_lines));
     display_page(stored, region, display);
 }
+
+}  // namespace gatescope

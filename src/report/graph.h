@@ -6,6 +6,8 @@
 #include "report/bar_lists.h"
 #include "report/page_display.h"
 
+namespace gatescope {
+
 /// What a query shows.
 struct QueryGraph {
     /// The heading of the page; may hold HTML.
@@ -19,3 +21,5 @@ struct QueryGraph {
 /// are wanted, and shows the page in a browser or, without `display`, names it on standard output.
 /// Gripes when either cannot be written.
 void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display);
+
+}  // namespace gatescope

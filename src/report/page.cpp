@@ -7,6 +7,8 @@
 #include "messages/identity.h"
 #include "messages/page_texts.h"
 
+namespace gatescope {
+
 std::string text_in_page(const std::string& text) {
     std::string escaped;
     for (const char character : text) {
@@ -53,3 +55,5 @@ void Page::print_block_to_file__header() {
 void Page::print_block_to_file__tail() {
     print(PAGE_CLOSING, SUPPLIER_NAME, SUPPLIER_URL, SUPPLIER_URL);
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// `text` as a page shows it: what HTML would take for its own is written as entities.
 std::string text_in_page(const std::string& text);
 
@@ -29,3 +31,5 @@ class Page {
     std::string graph_title_;
     std::string text_;
 };
+
+}  // namespace gatescope

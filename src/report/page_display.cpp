@@ -14,6 +14,7 @@
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// Browser and path of the page, quoted as is wished.
@@ -69,3 +70,5 @@ void display_page(const StoredPage& page, const PageRegion& region, bool display
     advise(filled(DISPLAYING_GRAPH, page.name.c_str()));
     run_browser(browser->path, page.path);
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// The region of a page: where pages go, and how messages about one name it.
 struct PageRegion {
     std::string ENTERPRIZE_NAME;
@@ -21,3 +23,5 @@ struct StoredPage {
 /// Shows a finished page: in the browser, or, without `display`, as a line on standard output that
 /// names it. Whatever goes wrong with the browser is told to the operator; the page stays.
 void display_page(const StoredPage& page, const PageRegion& region, bool display);
+
+}  // namespace gatescope

@@ -18,6 +18,7 @@
 #include "messages/graph_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// How often a file is looked for that appears and goes again.
@@ -133,3 +134,5 @@ void create_page(std::string path, const std::string& page,
     if (!had_a_name) tell({Tried::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
     if (one.end != Tried::DONE) tell(one, path);
 }
+
+}  // namespace gatescope

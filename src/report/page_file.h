@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+namespace gatescope {
+
 /// How long an append waits for another one of the same page.
 inline constexpr std::chrono::seconds PAGE_PATIENCE(5);
 
@@ -23,3 +25,5 @@ inline constexpr std::chrono::seconds NAME_PATIENCE(60);
 void create_page(std::string path, const std::string& page,
                  const std::function<std::string()>& next_path,
                  std::chrono::milliseconds patience = NAME_PATIENCE);
+
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 #include "report/bars.h"
 #include "report/day_titles.h"
 
+namespace gatescope {
 namespace {
 
 /// One bar of a day's column.
@@ -105,3 +106,5 @@ void Display_Graph__success_only(const QueryResult& result, const char* what, Pa
 void Display_Graph__denied_only(const QueryResult& result, const char* what, Page* page) {
     print_single({result, DENIED_BAR, result.cell_denied_max, what, page});
 }
+
+}  // namespace gatescope

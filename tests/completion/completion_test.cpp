@@ -12,6 +12,7 @@
 #include "messages/command_names.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -243,3 +244,5 @@ TEST(Completion, LooksOnlyAtWhatStandsBeforeTheCursor) {
                    " && _gatescope gatescope '' '=' && printf '%s\\n' \"${COMPREPLY[@]}\""),
               (Words{"1", "2", "3", "4", "5", "6"}));
 }
+
+}  // namespace gatescope

@@ -13,6 +13,8 @@
 #include "messages/command_names.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 // What the completions for zsh and fish offer, held against the program's tables. fish is asked
 // itself. Of zsh the functions are run, with the parts of its completion system that they call
 // played here; the system itself is tried in a terminal.
@@ -180,3 +182,4 @@ INSTANTIATE_TEST_SUITE_P(Completion, OtherShells, testing::ValuesIn(SHELLS),
                          });
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include <string>
 
+namespace gatescope {
+
 /// As long as this lives, files can only be added to the directory. It takes root, and a file
 /// system that knows this.
 class AppendOnly {
@@ -31,3 +33,5 @@ class AppendOnly {
     int before_ = 0;
     bool is_set_ = false;
 };
+
+}  // namespace gatescope

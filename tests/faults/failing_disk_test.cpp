@@ -10,6 +10,8 @@
 #include "support/failing_sync.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 // Where the disk takes a text, and fails when it is to be kept.
 
 namespace {
@@ -103,3 +105,4 @@ TEST_F(FailingDisk, AChangeWhoseRecordItDoesNotKeepIsNotMade) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace gatescope {
+
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -66,3 +68,5 @@ void* realloc(void* old, std::size_t size) {
     return fails() ? nullptr : __libc_realloc(old, size);
 }
 }
+
+}  // namespace gatescope

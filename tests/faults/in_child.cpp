@@ -10,6 +10,7 @@
 
 #include "dialog/messages.h"
 
+namespace gatescope {
 namespace {
 
 constexpr unsigned NOBODY = 65534;
@@ -66,3 +67,5 @@ Ended in_child_of_nobody(const std::function<void()>& body) {
 bool can_become_nobody() {
     return geteuid() == 0 && in_child(become_nobody).status == 0;
 }
+
+}  // namespace gatescope

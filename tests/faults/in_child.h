@@ -3,6 +3,8 @@
 #include <functional>
 #include <string>
 
+namespace gatescope {
+
 // Functions that may end the process, or that need other rights, are tried in a child.
 
 struct Ended {
@@ -20,3 +22,5 @@ Ended in_child_of_nobody(const std::function<void()>& body);
 
 /// Whether this process may become another user.
 bool can_become_nobody();
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "policy/gatebits_file.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 // Somebody who has stopped in the middle of a change must not hang the others without a word.
@@ -34,3 +35,4 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
 }
 
 }  // namespace
+}  // namespace gatescope

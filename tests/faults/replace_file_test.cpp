@@ -20,6 +20,7 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 using Names = std::set<std::string>;
@@ -440,3 +441,4 @@ TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
 }
 
 }  // namespace
+}  // namespace gatescope

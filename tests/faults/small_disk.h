@@ -5,6 +5,8 @@
 #include <fstream>
 #include <string>
 
+namespace gatescope {
+
 /// A file system of a few bytes on an existing directory, in memory, for as long as this lives.
 /// It takes the right to mount.
 class SmallDisk {
@@ -31,3 +33,5 @@ inline void fill_up(const std::string& path) {
     while (stream.put('x').flush()) {
     }
 }
+
+}  // namespace gatescope

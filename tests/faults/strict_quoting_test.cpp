@@ -15,6 +15,7 @@
 #include "policy/gatebits_file.h"
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 /// One kind of dialog, with a text in every place that takes one.
@@ -135,3 +136,4 @@ TEST_F(StrictQuoting, WithoutItOrdinaryTextsComeThroughAllTheSame) {
 }
 
 }  // namespace
+}  // namespace gatescope

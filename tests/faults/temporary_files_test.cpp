@@ -20,6 +20,7 @@
 #include "scenes/region.h"
 #include "support/needs.h"
 
+namespace gatescope {
 namespace {
 
 using FileNames = std::vector<std::string>;
@@ -192,3 +193,4 @@ TEST_F(TemporaryFiles, SeveralPicksThatWereNeverWrittenAreAnError) {
 }
 
 }  // namespace
+}  // namespace gatescope

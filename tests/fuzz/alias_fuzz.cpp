@@ -6,6 +6,7 @@
 #include "policy/aliases.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 constexpr AliasMode MODES[] = {AliasMode::ADD, AliasMode::CHANGE, AliasMode::REMOVE,
@@ -80,3 +81,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     return 0;
 }
+
+}  // namespace gatescope

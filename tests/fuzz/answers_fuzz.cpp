@@ -8,6 +8,7 @@
 #include "fuzz/fuzz_world.h"
 #include "policy/file_chooser.h"
 
+namespace gatescope {
 namespace {
 
 /// Words with single blanks between them.
@@ -69,3 +70,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     answer_dialogs_from(nullptr);
     return 0;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "main/command_line.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
 std::vector<std::string> arguments_from(FuzzedDataProvider& data) {
@@ -49,3 +50,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (status == -1) must_be_in_range(options);
     return 0;
 }
+
+}  // namespace gatescope

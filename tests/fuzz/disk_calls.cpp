@@ -12,6 +12,7 @@
 
 #include "fuzz/fuzz_world.h"
 
+namespace gatescope {
 namespace {
 
 /// Empty: there is none.
@@ -192,3 +193,5 @@ int disk_mkostemp(char* path, int flags) {
 int disk_remove(const char* path) {
     return may_remove(AT_FDCWD, path) ? __real_remove(path) : -1;
 }
+
+}  // namespace gatescope

@@ -8,6 +8,8 @@
 #include <functional>
 #include <string>
 
+namespace gatescope {
+
 // The calls of the C library by which the program changes what is on the disk. They come here by
 // way of the linker (see CMakeLists.txt), unless they are about files in memory, so that targets
 // that work on a real directory can keep them in there, and let them fail.
@@ -57,3 +59,5 @@ int disk_unlink(int directory, const char* path, int flags);
 int disk_rename(int from_directory, const char* from, int to_directory, const char* to);
 int disk_mkostemp(char* path, int flags);
 int disk_remove(const char* path);
+
+}  // namespace gatescope

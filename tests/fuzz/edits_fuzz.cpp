@@ -9,6 +9,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
 /// Actions that touch nothing but the gatebits file.
@@ -43,3 +44,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     must(files_in("tmp") == 0, "nothing is left behind");
     return 0;
 }
+
+}  // namespace gatescope

@@ -12,6 +12,8 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
+
 std::string last_command;
 std::string last_answer;
 
@@ -135,3 +137,5 @@ void must(bool holds, const char* what) {
     std::fprintf(stderr, "This does not hold: %s\n", what);
     std::abort();
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 // The world that the program's functions find themselves in under a fuzzer: files in memory
 // instead of a region's, a thrown value instead of the end of the process, and dialogs that are
 // answered from the fuzzer's bytes instead of children.
@@ -49,3 +51,5 @@ extern std::string last_answer;
 
 /// Ends the fuzzing with a finding unless `holds`.
 void must(bool holds, const char* what);
+
+}  // namespace gatescope

@@ -22,6 +22,8 @@
 #include "policy/region.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -314,3 +316,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     answer_dialogs_from(nullptr);
     return 0;
 }
+
+}  // namespace gatescope

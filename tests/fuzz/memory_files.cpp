@@ -16,6 +16,7 @@
 
 #include "fuzz/disk_calls.h"
 
+namespace gatescope {
 namespace {
 
 struct MemoryFile {
@@ -348,3 +349,5 @@ int __wrap_fclose(FILE* stream) {
     return __real_fclose(stream);
 }
 }
+
+}  // namespace gatescope

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 // Files in memory, for executions by the million. The calls of the C library with which the
 // program handles files by descriptor come here by way of the linker (see CMakeLists.txt); what
 // they are told about a path below MEMORY_ROOT is done to strings, the rest goes to the system.
@@ -18,3 +20,5 @@ std::string memory_file(const std::string& path);
 std::size_t memory_files_below(const std::string& start);
 /// Closes what is open.
 void close_memory_files();
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -106,3 +107,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     for (int writes = data.ConsumeIntegralInRange(0, 2); writes > 0; --writes) check_a_write(data);
     return 0;
 }
+
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include "fuzz/pruned_region.h"
 #include "pruning/pruning.h"
 
+namespace gatescope {
 namespace {
 
 /// Few enough to meet each other. There is no log with the last of them.
@@ -221,3 +222,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     must(lowest_free_descriptor() == free_descriptor, "everything is closed");
     return 0;
 }
+
+}  // namespace gatescope

@@ -3,6 +3,7 @@
 
 #include <ctime>
 
+namespace gatescope {
 namespace {
 
 constexpr std::time_t NOON = 1'763'726'400;
@@ -31,3 +32,5 @@ int __wrap_nanosleep(const timespec* wished, timespec*) {
     return 0;
 }
 }
+
+}  // namespace gatescope

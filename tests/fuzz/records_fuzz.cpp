@@ -9,6 +9,7 @@
 #include "logs/log_reader.h"
 #include "logs/query_data.h"
 
+namespace gatescope {
 namespace {
 
 /// Times that mean something: "T" followed by a digit stands for a moment of this period.
@@ -105,3 +106,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     return 0;
 }
+
+}  // namespace gatescope

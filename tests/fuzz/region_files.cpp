@@ -6,6 +6,8 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -61,3 +63,5 @@ std::optional<FileBesideLog> beside_log(const std::string& log, const std::strin
     }
     return std::nullopt;
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 // Files of a region's logs, as the rule for their pruning sees them.
 
 /// All words of a log; those that a NUL cuts short are what stands before it.
@@ -28,3 +30,5 @@ struct FileBesideLog {
 };
 /// What the name of something says; nothing when it is no name of that kind beside the log.
 std::optional<FileBesideLog> beside_log(const std::string& log, const std::string& path);
+
+}  // namespace gatescope

@@ -8,6 +8,8 @@
 
 #include "matches.h"
 
+namespace gatescope {
+
 // The filters of tests that CONTRIBUTING.md gives as examples, tried in the unit program.
 
 namespace {
@@ -32,3 +34,5 @@ TEST(Contributing, ItsExampleOfAFilterRunsTests) {
 TEST(UnitProgram, FailsWhenAFilterMatchesNothing) {
     EXPECT_EQ(unit_program_with_filter("NoSuchSuite.*"), 1);
 }
+
+}  // namespace gatescope

@@ -12,6 +12,8 @@
 
 #include "matches.h"
 
+namespace gatescope {
+
 // What the sources read from the environment, held against the table.
 
 namespace {
@@ -92,3 +94,5 @@ TEST(Environment, KeepsTheNamesOfTheClientsVariablesOutOfTheProgramFile) {
 TEST(Environment, IsReadInNoOtherWay) {
     EXPECT_EQ(matches(all_sources(), "secure_getenv|environ *\\["), std::vector<std::string>{});
 }
+
+}  // namespace gatescope

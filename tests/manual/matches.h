@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 /// Every match of an extended regular expression in `text`, in order: its first group where it has
 /// one, else all of it. The C library's, since the one of the language's library does not compile
 /// without warnings under the sanitizers.
@@ -24,3 +26,5 @@ inline std::vector<std::string> matches(const std::string& text, const std::stri
     regfree(&compiled);
     return found;
 }
+
+}  // namespace gatescope

@@ -16,6 +16,7 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -204,3 +205,5 @@ TEST(ReadMe, HoldsTheExitStatuses) {
         EXPECT_NE(text.str().find(status), std::string::npos) << status;
     }
 }
+
+}  // namespace gatescope

@@ -17,6 +17,7 @@
 #include "logs/query_data.h"
 #include "report/graph.h"
 
+namespace gatescope {
 namespace {
 
 QueryResult no_counts() {
@@ -86,8 +87,10 @@ void make_page(int query, const std::string& title, QueryResult result,
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     if (argc != 2) {
         std::fputs("usage: make_pages DIRECTORY\n", stderr);
         return EXIT_FAILURE;

@@ -5,6 +5,8 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
+
 // What scenes of the configuration actions have in common.
 
 /// `text` with its only `from` replaced; a text that does not hold it exactly once fails the
@@ -22,3 +24,5 @@ Dialog told_to_reenter();
 
 /// Option words of the checker's calls, in order; each call has to be about the gatebits file.
 std::vector<std::string> checks_of(const Region& region, const Result& result);
+
+}  // namespace gatescope

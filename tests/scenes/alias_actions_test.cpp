@@ -6,6 +6,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string HEADER = "#!gatewarden_alias ";
@@ -404,3 +405,4 @@ TEST(UpdateAlias, PickWithoutANameIsAFault) {
 }
 
 }  // namespace
+}  // namespace gatescope

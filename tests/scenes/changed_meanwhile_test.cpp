@@ -7,6 +7,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string ALIAS = "#!gatewarden_alias one x";
@@ -263,3 +264,4 @@ TEST(NotWritten, AnAnswerThatCannotBeReadAfterAnotherWasWritten) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <stdexcept>
 
+namespace gatescope {
 namespace {
 
 constexpr auto PATIENCE = std::chrono::seconds(60);
@@ -141,3 +142,5 @@ bool wait_for_all_descendants() {
     Finished nobody;
     return reap_all(nobody, Clock::now() + PATIENCE);
 }
+
+}  // namespace gatescope

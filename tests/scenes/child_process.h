@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 /// What came of a program and of everything that it started.
 struct Finished {
     /// The exit status; 128 and the signal's number when a signal ended it.
@@ -27,3 +29,5 @@ void adopt_descendants();
 
 /// Waits until this process has no descendants left. False when that takes longer than a minute.
 bool wait_for_all_descendants();
+
+}  // namespace gatescope

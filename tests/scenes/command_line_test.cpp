@@ -2,6 +2,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char USAGE_TEXT[] =
@@ -267,3 +268,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Refusal>& row) { return row.param.name; });
 
 }  // namespace
+}  // namespace gatescope

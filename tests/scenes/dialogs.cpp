@@ -1,5 +1,6 @@
 #include "scenes/dialogs.h"
 
+namespace gatescope {
 namespace {
 
 using Args = std::vector<std::string>;
@@ -93,3 +94,5 @@ Dialog file_dialog_without_directory() {
             true,
             {}};
 }
+
+}  // namespace gatescope

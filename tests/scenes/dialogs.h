@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 // What an operator is shown: dialogs as clearprompt received them, and builders of those that a
 // scene expects. In result files' names "{tmp}" stands for the directory of temporary files and
 // "{pid}" for the program's process id.
@@ -50,3 +52,5 @@ Dialog listed_for_several(const std::string& title, const std::string& items);
 /// The file dialog, begun in a directory (with its last '/'), or without one.
 Dialog file_dialog_in(const std::string& directory);
 Dialog file_dialog_without_directory();
+
+}  // namespace gatescope

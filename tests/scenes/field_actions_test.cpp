@@ -4,6 +4,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NOT_VERIFIED = " not performed from the UNIX OS...";
@@ -640,3 +641,4 @@ TEST(Bits, WhatComesAfterThe24thIsCut) {
 }
 
 }  // namespace
+}  // namespace gatescope

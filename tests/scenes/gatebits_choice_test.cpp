@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string CREATE_OR_OPEN =
@@ -109,3 +110,4 @@ TEST(GatebitsChoice, TheDialogForAnUnreadableFileStartsNowhere) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,7 @@
 #include "messages/menu_labels.h"
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::string_literals;
@@ -347,3 +348,4 @@ TEST(HostileAnswers, BitsWithLineBreaksAndNulsStayBits) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 Result run_script(Region& region, const std::string& script) {
@@ -193,3 +194,4 @@ TEST(Harness, ATemporaryFileLeftBehindFailsTheScene) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -331,3 +332,4 @@ TEST(HistoryProgram, CutsLongValuesAsTheTerminalIsWide) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,6 +11,8 @@
 #include <type_traits>
 #include <vector>
 
+namespace gatescope {
+
 // What a test and its stand-ins tell each other, as text in files: the test leaves one file an
 // answer, a stand-in appends one record a call. Each field is a line, "name value", in which a
 // backslash stands as "\\" and a newline as "\n"; every other byte stands for itself, NUL
@@ -173,3 +175,5 @@ Message take(std::string_view& text) {
     reader.end();
     return message;
 }
+
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string FIRST = "pre_checkin;R;(a) & (b);0;0;0;D; ;N; ;0;;;;;0;E;;;";
@@ -343,3 +344,4 @@ TEST(AddKey, AKeyThatBreaksTheFileIsEditedAgain) {
 }
 
 }  // namespace
+}  // namespace gatescope

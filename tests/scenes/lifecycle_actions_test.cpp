@@ -6,6 +6,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string OTHER_REGION =
@@ -438,3 +439,4 @@ TEST(Walk, ChangesWhatIsConfirmed) {
 }
 
 }  // namespace
+}  // namespace gatescope

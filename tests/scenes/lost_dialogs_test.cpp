@@ -7,6 +7,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NOT_FOUND = "gatescope: clearprompt could not be started (it was not found)";
@@ -125,3 +126,4 @@ TEST(Reasons, OfAPageThatCannotBeMadeIsSaid) {
 }
 
 }  // namespace
+}  // namespace gatescope

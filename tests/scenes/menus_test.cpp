@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string SEPARATOR = "------------------------------";
@@ -189,3 +190,4 @@ TEST(Menus, StrictQuotingHandsTextsOverLetterForLetter) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 /// The lines of the tracer's report that open the gatebits file.
@@ -86,3 +87,4 @@ TEST_F(Openings, DeletingAKeyOfAHundredTakesAtMostTwelve) {
 }
 
 }  // namespace
+}  // namespace gatescope

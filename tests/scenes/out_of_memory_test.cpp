@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NO_MEMORY = "ERROR:  Unable to malloc needed memory.";
@@ -41,3 +42,4 @@ TEST_F(OutOfMemory, IsPrintedWithoutDialogs) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,6 +11,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string PICK = "S - 'S'ucessful attempts only logged";
@@ -133,3 +134,4 @@ INSTANTIATE_TEST_SUITE_P(Planted, PipesAndDevices, testing::Values(PIPE, ZERO),
                          });
 
 }  // namespace
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string BIT_LIST =
@@ -502,3 +503,4 @@ TEST(DemoData, AnUnwritableLogDirectoryIsFatal) {
 }
 
 }  // namespace
+}  // namespace gatescope

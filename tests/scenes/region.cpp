@@ -10,6 +10,8 @@
 
 #include "scenes/child_process.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -400,3 +402,5 @@ std::string Region::page() const {
     EXPECT_EQ(names.size(), 1u);
     return names.empty() ? "" : file("depot/query_results/" + names.front());
 }
+
+}  // namespace gatescope

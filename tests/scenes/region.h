@@ -9,6 +9,8 @@
 #include "scenes/journal.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 // A region on a stage of its own: a directory with its gatebits file, depot, logs and results, a
 // directory for temporary files, and stand-ins for every program that gatescope starts. A scene
 // says what the operator answers, runs the real program, and looks at what was asked, what was
@@ -173,3 +175,5 @@ class Region {
     std::map<std::string, std::string> env_;
     int answers_scripted_ = 0;
 };
+
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 struct Damage {
@@ -104,3 +105,4 @@ TEST(Startup, ARemoteClientsMessagesAreWaitedFor) {
 }
 
 }  // namespace
+}  // namespace gatescope

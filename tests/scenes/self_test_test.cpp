@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 TEST(SelfTest, TriesEveryKindOfDialogInItsOrder) {
@@ -117,3 +118,4 @@ TEST(SelfTest, WithoutDialogsReportsArePrintedInTheOrderOfEvents) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -18,6 +18,8 @@
 #include "scenes/journal.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -131,8 +133,10 @@ int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAns
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     const fs::path self = fs::read_symlink("/proc/self/exe");
     const fs::path stage = self.parent_path().parent_path();
     RecordedCall record;

@@ -13,6 +13,8 @@
 #include "faults/small_disk.h"
 #include "scenes/region.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -158,3 +160,4 @@ TEST(StandardOutput, WhoPrintsNothingDoesNotMind) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -70,3 +72,4 @@ TEST(StrictQuotingOfPaths, WithoutItAProgramIsStartedWhateverBackslashesItsPathH
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string BROWSER = "#!gatescope_unix_browser=";
@@ -191,3 +192,4 @@ TEST(Prune, HoldsNoLockWhileTheResultIsShown) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 
 #include "dialog/messages.h"
 
+namespace gatescope {
+
 /// For EXPECT_GRIPE: leaves a death test only what it prints on standard output to look at.
 inline void hear_standard_output_alone() {
     ZUL_PREFER_GUI = 0;
@@ -25,3 +27,5 @@ inline void hear_standard_output_alone() {
             statement;                    \
         },                                \
         testing::ExitedWithCode(99), testing::Eq(std::string() + (message) + "\n"))
+
+}  // namespace gatescope

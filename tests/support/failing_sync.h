@@ -5,6 +5,8 @@
 
 #include <cerrno>
 
+namespace gatescope {
+
 // A disk that fails when it matters. One file of a test program may include this.
 
 /// How many calls of fsync are good before one fails; a number below 0 stands for all.
@@ -16,3 +18,5 @@ extern "C" int fsync(int file) {
     errno = EIO;
     return -1;
 }
+
+}  // namespace gatescope

@@ -4,6 +4,8 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+namespace gatescope {
+
 /// No more than `free` files can be opened until the end of the scope, besides those that are open.
 class FewDescriptors {
   public:
@@ -21,3 +23,5 @@ class FewDescriptors {
   private:
     rlimit before_ = {};
 };
+
+}  // namespace gatescope

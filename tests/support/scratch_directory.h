@@ -11,6 +11,8 @@
 #include <string_view>
 #include <utility>
 
+namespace gatescope {
+
 // Files of tests: what they hold, and the directory that they are in.
 
 /// All bytes of a file; an empty text when it cannot be read.
@@ -81,3 +83,5 @@ class ScratchDirectory {
   private:
     std::string path_;
 };
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <string>
 
+namespace gatescope {
 namespace {
 
 // What is used of GTK is looked up by name, so that nothing but zenity itself needs it.
@@ -74,3 +75,5 @@ extern "C" void gtk_main() {
     }
     reinterpret_cast<void (*)()>(dlsym(RTLD_NEXT, "gtk_main"))();
 }
+
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 const std::string ALL_OFF(24, '0');
@@ -32,3 +33,4 @@ TEST(BitsField, WhatIsNoBitIsPassedOver) {
 }
 
 }  // namespace
+}  // namespace gatescope

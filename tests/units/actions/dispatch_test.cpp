@@ -4,6 +4,7 @@
 #include "policy/tool_variables.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 /// Nobody answers a dialog, which aborts it.
@@ -54,3 +55,4 @@ TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
 }
 
 }  // namespace
+}  // namespace gatescope

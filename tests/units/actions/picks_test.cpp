@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 TEST(Picks, NumberAtFront) {
@@ -19,3 +20,4 @@ TEST(Picks, WhatDoesNotBeginWithANumber) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "actions/menus.h"
 
+namespace gatescope {
 namespace {
 
 std::set<int> numbers_where(bool (*holds)(const Request& request)) {
@@ -115,3 +116,4 @@ TEST(Menus, ASeparatorIsKnownByItsFirstFiveCharacters) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 bool is_open(int number) {
@@ -54,3 +55,4 @@ TEST(DescriptorTest, TheReasonOfAFailureOutlivesIt) {
 }
 
 }  // namespace
+}  // namespace gatescope

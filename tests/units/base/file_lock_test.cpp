@@ -18,6 +18,7 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 /// What happens just before the next lock is taken; the result is the errno that it fails with, or
@@ -158,3 +159,4 @@ TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
 }
 
 }  // namespace
+}  // namespace gatescope

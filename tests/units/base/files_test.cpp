@@ -16,6 +16,7 @@
 #include "base/descriptor.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 /// What happens when the next file has been looked at by its name.
@@ -97,3 +98,4 @@ TEST_F(OpenRegularFile, OtherKindsOfFilesAreRefused) {
 }
 
 }  // namespace
+}  // namespace gatescope

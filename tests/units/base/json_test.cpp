@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 std::string all_bytes() {
@@ -58,3 +59,4 @@ TEST(Json, OtherTextsAreNotRead) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -68,3 +70,4 @@ TEST(Paths, EndOfLinksIsAFileOrThePathItself) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 /// The files of a system that grants processes a share of its processors.
@@ -82,3 +83,4 @@ TEST(UsableProcessors, AreThoseOfTheAffinity) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 #include "base/filled.h"
 #include "dialog/toolkit.h"
 
+namespace gatescope {
 namespace {
 
 using Pieces = std::vector<std::string>;
@@ -190,3 +191,4 @@ TEST(CText, EndsAtTheFirstNul) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 TEST(Utf8, CharactersHaveTheirSizes) {
@@ -37,3 +38,4 @@ TEST(Utf8, NothingThatATerminalWouldObeyIsShown) {
 }
 
 }  // namespace
+}  // namespace gatescope

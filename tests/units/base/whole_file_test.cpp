@@ -11,6 +11,7 @@
 #include "base/descriptor.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 class WholeFile : public testing::Test {
@@ -70,3 +71,4 @@ TEST_F(WholeFile, FailuresSayWhy) {
 }
 
 }  // namespace
+}  // namespace gatescope

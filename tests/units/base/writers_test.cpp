@@ -5,6 +5,7 @@
 
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
 namespace {
 
 class Settling : public Pruning {
@@ -63,3 +64,4 @@ TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Confirmations : public OnStage {
@@ -155,3 +156,4 @@ TEST_F(Confirmations, ReportsCutLikeTheQuestions) {
 }
 
 }  // namespace
+}  // namespace gatescope

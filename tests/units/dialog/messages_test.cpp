@@ -5,6 +5,7 @@
 #include "dialog/clearprompt.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 using Messages = OnStage;
@@ -177,3 +178,4 @@ TEST(Quoting, TheNewlineOptionIsForThePairOnly) {
 }
 
 }  // namespace
+}  // namespace gatescope

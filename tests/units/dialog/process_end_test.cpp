@@ -21,6 +21,7 @@
 #include "messages/startup_texts.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class ProcessEnd : public OnStage {
@@ -206,3 +207,4 @@ TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {
 }
 
 }  // namespace
+}  // namespace gatescope

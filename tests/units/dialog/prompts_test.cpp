@@ -6,6 +6,7 @@
 #include "dialog/toolkit.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Prompts : public OnStage {
@@ -219,3 +220,4 @@ TEST(Lists, AListHasNoCommaAtItsEnd) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include "support/limit_file_size.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Files : public OnStage {
@@ -179,3 +180,4 @@ TEST_F(Files, IsUcmVobIsNoWithoutCleartool) {
 }
 
 }  // namespace
+}  // namespace gatescope

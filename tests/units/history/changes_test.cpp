@@ -8,6 +8,7 @@
 #include "support/expect_gripe.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -131,3 +132,4 @@ TEST_F(PastChangesDeathTest, ARecordLeadsToNoOtherDirectory) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 const std::string HEAD = "--- old\n+++ new\n";
@@ -122,3 +123,4 @@ TEST(LineDiff, OfThousandsOfLinesThoseThatStayAreFound) {
 }
 
 }  // namespace
+}  // namespace gatescope

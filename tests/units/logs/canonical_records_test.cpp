@@ -8,6 +8,7 @@
 #include "logs/log_reader.h"
 #include "units/logs/tallies.h"
 
+namespace gatescope {
 namespace {
 
 RecordQuery query_of(int number, const std::array<std::string, 4>& filters, int edition = 1) {
@@ -322,3 +323,4 @@ TEST(CanonicalRecords, FiltersThatMatchAcrossFieldsHaveNone) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,6 +11,7 @@
 #include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 
+namespace gatescope {
 namespace {
 
 /// What `rand` returns next, before it goes on at random.
@@ -276,3 +277,4 @@ TEST_F(DemoData, AFullDiskIsAFault) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,6 +11,7 @@
 #include "base/text.h"
 #include "logs/log_reader.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t CUT_OFF = 1700000000;
@@ -144,3 +145,4 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 
 #include "log_region.h"
 
+namespace gatescope {
 namespace {
 
 /// Local time is that of `zone` until the end of the scope.
@@ -155,3 +156,4 @@ TEST(TimeTexts, AbsurdYearsDoNotCrash) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -14,6 +14,7 @@
 #include "log_region.h"
 #include "support/expect_gripe.h"
 
+namespace gatescope {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -309,3 +310,4 @@ TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
 }
 
 }  // namespace
+}  // namespace gatescope

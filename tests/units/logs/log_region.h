@@ -17,6 +17,8 @@
 #include "logs/query_data.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 /// A region with nothing but a logging directory of its own, and messages on standard output.
 class LogRegion : public testing::Test {
   protected:
@@ -32,12 +34,16 @@ class LogRegion : public testing::Test {
         filters_ = {one, two, three, four};
     }
 
-    static std::string log_file_path(int number) { return ::log_file_path(logging_dir, number); }
-    static std::string pruning_companion_path(int number) {
-        return ::pruning_companion_path(logging_dir, number);
+    static std::string log_file_path(int number) {
+        return gatescope::log_file_path(logging_dir, number);
     }
-    static std::string pruning_scratch_path() { return ::pruning_scratch_path(logging_dir); }
-    static std::string pruning_token_path() { return ::pruning_token_path(logging_dir); }
+    static std::string pruning_companion_path(int number) {
+        return gatescope::pruning_companion_path(logging_dir, number);
+    }
+    static std::string pruning_scratch_path() {
+        return gatescope::pruning_scratch_path(logging_dir);
+    }
+    static std::string pruning_token_path() { return gatescope::pruning_token_path(logging_dir); }
 
     /// Whether the system tells who has a file open, which much of what happens beside writers
     /// needs.
@@ -91,3 +97,5 @@ class LogRegion : public testing::Test {
     ScratchDirectory directory_;
     std::array<std::string, 4> filters_;
 };
+
+}  // namespace gatescope

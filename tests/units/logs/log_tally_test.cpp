@@ -6,6 +6,7 @@
 #include "support/expect_gripe.h"
 #include "support/few_descriptors.h"
 
+namespace gatescope {
 namespace {
 
 /// The logs of a region, counted by query 1.
@@ -93,3 +94,4 @@ TEST_F(LogTally, SaysNothingOfMissingLogs) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;
@@ -99,3 +100,4 @@ TEST(ProgressElsewhere, SaysNothing) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 #include "log_region.h"
 #include "support/expect_gripe.h"
 
+namespace gatescope {
 namespace {
 
 class QueryData : public LogRegion {
@@ -402,3 +403,4 @@ TEST_F(QueryData, TheLogsAreOnlyRead) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -13,6 +13,7 @@
 #include "support/scratch_directory.h"
 #include "units/logs/tallies.h"
 
+namespace gatescope {
 namespace {
 
 RecordQuery query_of(int number) {
@@ -209,3 +210,4 @@ TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
 }
 
 }  // namespace
+}  // namespace gatescope

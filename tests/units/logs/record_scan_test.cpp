@@ -8,6 +8,7 @@
 #include <type_traits>
 #include <vector>
 
+namespace gatescope {
 namespace {
 
 /// Bytes that mean something to a scan, and all others.
@@ -177,3 +178,4 @@ TEST(WordEnds, AreWhereRunsOfBlanksBegin) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 #include "support/few_descriptors.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 TEST(SharedLog, IsTheSameOpenFileForAllItsRangesWhateverTakesItsName) {
@@ -57,3 +58,4 @@ TEST(SharedLog, WhatIsNoRegularFileIsNotOpened) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 
 #include "logs/record_rule.h"
 
+namespace gatescope {
+
 /// The last second of the period that these tests count in.
 constexpr std::int64_t PERIOD_END = 1794787199;
 
@@ -19,3 +21,5 @@ inline bool same_counts(const RecordTally& one, const RecordTally& other) {
     }
     return one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
+
+}  // namespace gatescope

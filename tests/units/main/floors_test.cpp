@@ -12,6 +12,8 @@
 #include <utility>
 #include <vector>
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -173,3 +175,4 @@ TEST(Floors, MessagesAreConstants) {
 }
 
 }  // namespace
+}  // namespace gatescope

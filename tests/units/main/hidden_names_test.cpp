@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t SHORTEST = 6;
@@ -34,3 +35,4 @@ TEST(HiddenNames, TheOptimizerDoesNotPutThemTogether) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -15,6 +15,7 @@
 #include "policy/checker.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Startup : public OnStage {
@@ -212,3 +213,4 @@ TEST(EmergencyChecker, StandsBesideTheProgram) {
 }
 
 }  // namespace
+}  // namespace gatescope

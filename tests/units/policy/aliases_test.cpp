@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 const std::string BLOCK = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;;;\nD;0;\n";
@@ -286,3 +287,4 @@ TEST_F(AliasTables, NoAliasIsAddedToAsManyAsThereMayBe) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 const std::string KEY_THAT_REFERS = "a;b;c;d;e;1;g;";
@@ -216,3 +217,4 @@ TEST_F(ChangeWarnings, AKeyIsRemindedToBeVerified) {
 }
 
 }  // namespace
+}  // namespace gatescope

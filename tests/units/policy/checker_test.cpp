@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Checker : public OnStage {
@@ -90,3 +91,4 @@ TEST_F(Checker, ACheckersPathWithBlanksIsQuoted) {
 }
 
 }  // namespace
+}  // namespace gatescope

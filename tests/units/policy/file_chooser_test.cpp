@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 using FileChooser = OnStage;
@@ -66,3 +67,4 @@ TEST_F(FileChooser, TheAnswerFileCountsWhateverTheStatus) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 #include "base/descriptor.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 const std::string DEPOT_BLOCK =
@@ -202,3 +203,4 @@ TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "policy/edition.h"
 
+namespace gatescope {
 namespace {
 
 const std::string KEYLESS_BLOCK =
@@ -271,3 +272,4 @@ TEST(LineCounter, CountsInEightSignedBits) {
 }
 
 }  // namespace
+}  // namespace gatescope

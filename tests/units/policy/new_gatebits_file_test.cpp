@@ -14,6 +14,7 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 class NewGatebitsFile : public testing::Test {
@@ -137,3 +138,4 @@ TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,7 @@
 #include "policy/tool_variables.h"
 #include "support/expect_gripe.h"
 
+namespace gatescope {
 namespace {
 
 class LoadedRegion : public testing::Test {
@@ -142,3 +143,4 @@ TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) 
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 class ToolVariables : public testing::Test {
@@ -113,3 +114,4 @@ TEST_F(ToolVariables, ALineSetsTheVariableThatItBeginsWith) {
 }
 
 }  // namespace
+}  // namespace gatescope

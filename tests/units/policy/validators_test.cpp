@@ -8,6 +8,7 @@
 #include "policy/aliases.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Validators : public OnStage {
@@ -228,3 +229,4 @@ TEST_F(Validators, BlocksSayWhetherTheValueFails) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "base/file_identity.h"
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
+
 // What a pruning that was ended leaves behind, state by state.
 
 namespace {
@@ -213,3 +215,4 @@ TEST_F(LeftOvers, ASparseCompanionTakesNoRoom) {
 }
 
 }  // namespace
+}  // namespace gatescope

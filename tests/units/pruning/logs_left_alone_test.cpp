@@ -7,6 +7,8 @@
 #include "messages/log_texts.h"
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
+
 // Logs and files that are to be left as they are, and that nothing outside of the directory is
 // reached.
 
@@ -177,8 +179,9 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
     logging_dir = directory + "/logs";
     write_log(1, old(1) + fresh(1));
     const std::string other = directory + "/other";
-    for (const std::string& path : {::log_file_path(other, 1), ::pruning_token_path(other),
-                                    ::pruning_scratch_path(other), log_file_path(0)}) {
+    for (const std::string& path :
+         {gatescope::log_file_path(other, 1), gatescope::pruning_token_path(other),
+          gatescope::pruning_scratch_path(other), log_file_path(0)}) {
         write_file(path, old(2));
     }
     const SlowWriter writer(log_file_path(0));
@@ -188,10 +191,11 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
     });
     said_by_pruning();
     writer.end();
-    EXPECT_EQ(file_text(::log_file_path(directory + "/away", 1)), fresh(1));
-    EXPECT_FALSE(fs::exists(::pruning_token_path(directory + "/away")));
+    EXPECT_EQ(file_text(gatescope::log_file_path(directory + "/away", 1)), fresh(1));
+    EXPECT_FALSE(fs::exists(gatescope::pruning_token_path(directory + "/away")));
     for (const std::string& path :
-         {::log_file_path(other, 1), ::pruning_token_path(other), ::pruning_scratch_path(other)}) {
+         {gatescope::log_file_path(other, 1), gatescope::pruning_token_path(other),
+          gatescope::pruning_scratch_path(other)}) {
         EXPECT_EQ(file_text(path), old(2)) << path;
     }
     logging_dir = directory;
@@ -401,3 +405,4 @@ TEST_F(LogsLeftAlone, WhereTheSystemDoesNotTellManyLogsAreNotWaitedForOneByOne) 
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "support/needs.h"
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
+
 // A system that refuses, or fails, in the middle of a pruning.
 
 namespace {
@@ -382,3 +384,4 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
 }
 
 }  // namespace
+}  // namespace gatescope

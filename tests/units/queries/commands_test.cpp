@@ -4,6 +4,7 @@
 
 #include "messages/command_names.h"
 
+namespace gatescope {
 namespace {
 
 TEST(CommandNumber, IsThePlaceInTheList) {
@@ -43,3 +44,4 @@ TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
 }
 
 }  // namespace
+}  // namespace gatescope

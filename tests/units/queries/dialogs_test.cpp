@@ -1,6 +1,8 @@
 #include "queries/commands.h"
 #include "units/queries/query_region.h"
 
+namespace gatescope {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -193,3 +195,4 @@ TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -13,6 +13,8 @@
 #include "queries/query_drivers.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
+
 /// A test with the region "east", options that select no display, and today's log.
 class QueryRegion : public OnStage {
   protected:
@@ -90,3 +92,5 @@ class QueryRegion : public OnStage {
     std::array<std::string, 4> filters;
     QueryResult result;
 };
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include "units/queries/query_region.h"
 
+namespace gatescope {
+
 using testing::ElementsAre;
 using testing::StartsWith;
 
@@ -198,3 +200,4 @@ TEST_F(GivenQuery, ThePageCarriesTheNumberOfTheQuery) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include <limits>
 
+namespace gatescope {
 namespace {
 
 constexpr std::uint32_t LARGEST = std::numeric_limits<std::uint32_t>::max();
@@ -69,3 +70,4 @@ TEST(Percentages, MakeAHundredTogether) {
 }
 
 }  // namespace
+}  // namespace gatescope

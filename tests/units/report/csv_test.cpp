@@ -17,6 +17,8 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 
@@ -209,3 +211,4 @@ TEST_F(CsvFile, ThatDoesNotFitIsNotThereAtAll) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -8,6 +8,8 @@
 #include "support/scratch_directory.h"
 #include "units/report/page_text.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 using testing::ExitedWithCode;
 using testing::HasSubstr;
@@ -258,3 +260,4 @@ TEST_F(MakeGraph, AnotherNumberIsAnInternalFault) {
 }
 
 }  // namespace
+}  // namespace gatescope

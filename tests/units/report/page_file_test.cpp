@@ -21,6 +21,8 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 using testing::Eq;
 using testing::ExitedWithCode;
@@ -224,3 +226,4 @@ TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "logs/query_data.h"
 
+namespace gatescope {
+
 /// A test that begins with what an empty region leaves: no counts, and plain labels.
 class PageText : public testing::Test {
   protected:
@@ -18,3 +20,5 @@ class PageText : public testing::Test {
 
     QueryResult result;
 };
+
+}  // namespace gatescope

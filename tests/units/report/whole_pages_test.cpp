@@ -10,6 +10,8 @@
 #include "support/scratch_directory.h"
 #include "units/report/page_text.h"
 
+namespace gatescope {
+
 // One page of each query, held whole against tests/units/report/expected. There
 // the settings of the build have their names between @ signs; and of the
 // columns of days that differ in their number only the first one stands,
@@ -223,3 +225,4 @@ TEST_F(BarPages, TheLiteEditionCallsKeysCpds) {
 }
 
 }  // namespace
+}  // namespace gatescope
