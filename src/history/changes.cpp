@@ -11,6 +11,7 @@
 #include "dialog/messages.h"
 #include "history/line_diff.h"
 #include "messages/history_texts.h"
+#include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/history.h"
 
@@ -26,8 +27,9 @@ std::string bytes_of(const std::string& path) {
 
 /// Whether all of a record stands there.
 bool is_record(const PastChange& change) {
-    return change.value("file") && (change.line.ends_with("\"saved\":null}\n") ||
-                                    (change.value("saved") && change.line.ends_with("\"}\n")));
+    return change.text("file").starts_with('/') &&
+           (change.line.ends_with("\"saved\":null}\n") ||
+            (change.value("saved") && change.line.ends_with("\"}\n")));
 }
 
 }  // namespace
@@ -49,9 +51,12 @@ History read_history(const std::string& directory, const std::optional<std::stri
 }
 
 std::string text_before(const History& history, const PastChange& change) {
-    const auto saved = change.value("saved");
-    // No record that was made here leads to another directory.
-    return saved ? bytes_of(history.directory + "/" + name_in(*saved)) : "";
+    if (!change.value("saved")) return "";
+    // No record that was made here leads to another directory, or to a text that none could read.
+    const std::string path = history.directory + "/" + name_in(change.text("saved"));
+    const std::string text = bytes_of(path);
+    if (text.size() <= GATEBITS_FILE_LIMIT) return text;
+    gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
 }
 
 std::string text_after(const History& history, const PastChange& change) {

@@ -35,7 +35,7 @@ struct History {
 History read_history(const std::string& directory, const std::optional<std::string>& file);
 
 /// What the policy file held before the change: the saved text, or nothing where there was no file
-/// yet. Gripes when the saved text cannot be read.
+/// yet. Gripes when the saved text cannot be read, or is larger than a policy file may be.
 std::string text_before(const History& history, const PastChange& change);
 
 /// What it held afterwards: the text that stood before its next change, or stands there now. Gripes

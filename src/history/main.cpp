@@ -25,6 +25,7 @@
 #include "messages/environment.h"
 #include "messages/history_texts.h"
 #include "messages/identity.h"
+#include "messages/policy_texts.h"
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 
@@ -91,7 +92,9 @@ Status restore(const History& history, const std::string& number) {
     verify_set_tempdir();
     setenv(ENV_HISTORY, history.directory.c_str(), 1);
     const std::string item = filled(TEXT_BEFORE_CHANGE, change.number);
-    put_back(file, text_before(history, change), {RESTORE_ACTION, item, std::nullopt, saved});
+    const Gatebits text(text_before(history, change));
+    if (text.lines().empty()) gripe(filled(GATEBITS_EMPTY, saved->c_str()));
+    put_back(file, text, {RESTORE_ACTION, item, std::nullopt, saved});
     return DONE;
 }
 

@@ -127,11 +127,9 @@ Changed change(const std::string& path, const WhatWasShown& shown, const Edit& e
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }
 
-void put_back(const std::string& path, const std::string& text, const RecordedChange& record) {
+void put_back(const std::string& path, const Gatebits& text, const RecordedChange& record) {
     const FileLock lock = lock_gatebits_file(path, LOCK_PATIENCE);
-    const std::string now = bytes_under(lock, path);
-    with_lines(text, path);
-    write_gatebits(path, now, text, record, lock.file);
+    write_gatebits(path, bytes_under(lock, path), text.text(), record, lock.file);
 }
 
 }  // namespace gatescope

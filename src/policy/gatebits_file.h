@@ -64,8 +64,8 @@ struct Changed {
 Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);
 
-/// Replaces the gatebits file, whatever is in it, by an old text of it, byte for byte: as change
-/// does, with the same lock and record. Gripes as change does, and when no line is in `text`.
-void put_back(const std::string& path, const std::string& text, const RecordedChange& record);
+/// Replaces the gatebits file by an old text of it, byte for byte: as change does, with the same
+/// lock, record and errors, but also where the file is empty or holds a NUL byte.
+void put_back(const std::string& path, const Gatebits& text, const RecordedChange& record);
 
 }  // namespace gatescope

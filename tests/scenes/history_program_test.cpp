@@ -256,6 +256,19 @@ TEST(HistoryProgram, ALineThatIsNoRecordIsNamedAndTheOthersAreShown) {
         std::string::npos);
 }
 
+TEST(HistoryProgram, PutsBackNoTextThatNoReaderTakes) {
+    Region east = region_with_two_changes();
+    const std::string saved = "history/" + saved_name(east, 1);
+    const std::string before = east.gatebits();
+    fs::remove(east.path(saved));
+    east.write_file(saved, std::string(30001, 'x'));
+    expect_error(east, {"restore", "1"},
+                 "ERROR: The enterprise permissions file (" + east.path(saved) +
+                     ") is larger than the limit of 30000 bytes.");
+    EXPECT_TRUE(east.gatebits() == before);
+    EXPECT_EQ(history(east, {"list"}).out.find("restore"), std::string::npos);
+}
+
 TEST(HistoryProgram, PutsBackATextWhateverStandsInItsPlace) {
     Region east = region_with_two_changes();
     const std::string old = east.file("history/" + saved_name(east, 1));
@@ -264,8 +277,9 @@ TEST(HistoryProgram, PutsBackATextWhateverStandsInItsPlace) {
         EXPECT_EQ(history(east, {"restore", "1"}).status, 0);
         EXPECT_EQ(east.gatebits(), old);
     }
+    const std::string empty = saved_name(east, 3);
     expect_error(east, {"restore", "3"},
-                 "ERROR: The enterprise permissions file (" + east.gatebits_path() + ") is empty.");
+                 "ERROR: The enterprise permissions file (" + empty + ") is empty.");
     EXPECT_EQ(east.gatebits(), old);
 }
 

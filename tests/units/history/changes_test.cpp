@@ -65,9 +65,9 @@ TEST_F(PastChanges, ALineThatHoldsNoWholeRecordIsNamedAndPassedOver) {
     for (const std::string& other : std::vector<std::string>{
              "\n", "no record\n", std::string("\0\0\n", 3), "{}\n",
              whole.substr(0, whole.size() - 1) + "\r\n",
-             "{\"time\": \"t\", \"file\": \"/a\", \"saved\": null}\n", whole.substr(0, 30) + "\n",
-             saved.substr(0, saved.find('}') + 1) + "\n", saved.substr(0, saved.size() - 2) + "\n",
-             "{\"saved\":null}\n"}) {
+             "{\"time\": \"t\", \"file\": \"/a\", \"saved\": null}\n", line("a", "null"),
+             whole.substr(0, 30) + "\n", saved.substr(0, saved.find('}') + 1) + "\n",
+             saved.substr(0, saved.size() - 2) + "\n", "{\"saved\":null}\n"}) {
         use_lines(whole + other + saved);
         EXPECT_EQ(numbers_and_notes(), "1 3 " + note_of(2)) << other;
     }
