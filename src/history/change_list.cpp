@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <numeric>
+#include <vector>
 
 #include "base/utf8.h"
 #include "messages/history_texts.h"
@@ -49,7 +50,7 @@ Characters value_of(const PastChange& change, const char* member) {
 
 }  // namespace
 
-std::string list_of(const std::vector<PastChange>& changes, std::size_t width) {
+std::string list_of(const PastChanges& changes, std::size_t width) {
     std::vector<Columns> rows;
     std::array<std::size_t, COLUMNS> widths = {};
     for (const PastChange& change : changes) {

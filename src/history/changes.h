@@ -10,6 +10,8 @@ namespace gatescope {
 
 /// A change that a history has a record of.
 struct PastChange {
+    /// Of the history.
+    std::string directory;
     /// The number of the record's line, from 1, and the line.
     int number;
     std::string line;
@@ -23,23 +25,20 @@ struct PastChange {
     }
 };
 
-struct History {
-    std::string directory;
-    /// From the first to the last.
-    std::vector<PastChange> changes = {};
-};
+/// From the first to the last.
+using PastChanges = std::vector<PastChange>;
 
 /// Reads the records in the directory, of one policy file where that is named. Gripes when the
 /// lines cannot be read. A line that holds no record, or not all of one, is named on standard error
 /// and passed over.
-History read_history(const std::string& directory, const std::optional<std::string>& file);
+PastChanges read_history(const std::string& directory, const std::optional<std::string>& file);
 
 /// What the policy file held before the change: the saved text, or nothing where there was no file
 /// yet. Gripes when the saved text cannot be read, or is larger than a policy file may be.
-std::string text_before(const History& history, const PastChange& change);
+std::string text_before(const PastChange& change);
 
 /// What it held afterwards: the text that stood before its next change, or stands there now. Gripes
 /// when that cannot be read, or when there was no file any more.
-std::string text_after(const History& history, const PastChange& change);
+std::string text_after(const PastChange& change, const PastChanges& changes);
 
 }  // namespace gatescope

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <map>
+#include <vector>
 
 #include "base/filled.h"
+#include "base/text.h"
 #include "base/utf8.h"
 #include "messages/history_texts.h"
 
@@ -70,14 +72,6 @@ std::string range(std::size_t before, std::size_t count) {
 }
 
 }  // namespace
-
-std::vector<std::string_view> whole_lines(std::string_view text) {
-    Lines lines;
-    for (; !text.empty(); text.remove_prefix(lines.back().size())) {
-        lines.push_back(text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1));
-    }
-    return lines;
-}
 
 std::string unified_diff(std::string_view old_text, std::string_view new_text,
                          const std::string& head) {

@@ -2,12 +2,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace gatescope {
-
-/// The lines of a text, with their newlines.
-std::vector<std::string_view> whole_lines(std::string_view text);
 
 /// What turns `old_text` into `new_text`, in the form of "diff -u", with three lines around each
 /// change, after the two lines of its head; empty when they are the same.

@@ -55,44 +55,43 @@ bool has_colours() {
            (no_color == nullptr || *no_color == '\0');
 }
 
-const PastChange& change_numbered(const std::string& number, const History& history) {
-    for (const PastChange& change : history.changes) {
+const PastChange& change_numbered(const std::string& number, const PastChanges& changes) {
+    for (const PastChange& change : changes) {
         if (std::to_string(change.number) == number) return change;
     }
-    gripe(filled(NO_SUCH_CHANGE, number.c_str(), history.directory.c_str()));
+    gripe(filled(NO_SUCH_CHANGE, number.c_str(), std::getenv(ENV_HISTORY)));
 }
 
-Status list(const History& history, const std::string& /*number*/) {
-    if (history.changes.empty()) return NOTHING_FOUND;
-    const std::string first = history.changes.front().text("file");
-    for (const PastChange& change : history.changes) {
+Status list(const PastChanges& changes, const std::string& /*number*/) {
+    if (changes.empty()) return NOTHING_FOUND;
+    const std::string first = changes.front().text("file");
+    for (const PastChange& change : changes) {
         const std::string file = change.text("file");
         if (file == first) continue;
-        gripe(filled(SEVERAL_FILES, history.directory.c_str(), first.c_str(), file.c_str()));
+        gripe(filled(SEVERAL_FILES, change.directory.c_str(), first.c_str(), file.c_str()));
     }
-    return print(list_of(history.changes, width_of_output()), FOUND);
+    return print(list_of(changes, width_of_output()), FOUND);
 }
 
-Status show_diff(const History& history, const std::string& number) {
-    const PastChange& change = change_numbered(number, history);
+Status show_diff(const PastChanges& changes, const std::string& number) {
+    const PastChange& change = change_numbered(number, changes);
     const std::string file = harmless(change.text("file"));
     const std::string diff =
-        unified_diff(text_before(history, change), text_after(history, change),
+        unified_diff(text_before(change), text_after(change, changes),
                      filled(DIFF_HEAD, file.c_str(), change.number, file.c_str(), change.number));
     return print(isatty(STDOUT_FILENO) == 1 ? for_terminal(diff, has_colours()) : diff,
                  diff.empty() ? SAME : DIFFERENT);
 }
 
-Status restore(const History& history, const std::string& number) {
-    const PastChange& change = change_numbered(number, history);
+Status restore(const PastChanges& changes, const std::string& number) {
+    const PastChange& change = change_numbered(number, changes);
     const std::string file = change.text("file");
     const auto saved = change.value("saved");
     if (!saved) gripe(filled(NO_TEXT_BEFORE, change.number, file.c_str()));
     if (!operator_name()) gripe(NO_USER);
     verify_set_tempdir();
-    setenv(ENV_HISTORY, history.directory.c_str(), 1);
     const std::string item = filled(TEXT_BEFORE_CHANGE, change.number);
-    const Gatebits text(text_before(history, change));
+    const Gatebits text(text_before(change));
     if (text.lines().empty()) gripe(filled(GATEBITS_EMPTY, saved->c_str()));
     put_back(file, text, {RESTORE_ACTION, item, std::nullopt, saved});
     return DONE;
@@ -101,7 +100,7 @@ Status restore(const History& history, const std::string& number) {
 struct Command {
     const char* name;
     std::size_t words;  ///< with its name
-    Status (*run)(const History& history, const std::string& number);
+    Status (*run)(const PastChanges& changes, const std::string& number);
 };
 constexpr std::array<Command, 3> COMMANDS = {
     {{"list", 1, list}, {"diff", 2, show_diff}, {"restore", 2, restore}}};
@@ -110,20 +109,20 @@ constexpr std::array<option, 3> LONG_OPTIONS = {
     {{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'}, {}}};
 
 int run(int argument_count, char** arguments) {
-    const char* directory = std::getenv(ENV_HISTORY);
     std::optional<std::string> file;
     opterr = 0;
     for (int letter; (letter = getopt_long(argument_count, arguments, "d:f:", LONG_OPTIONS.data(),
                                            nullptr)) != -1;) {
         if (letter == 'h') return print(HISTORY_USAGE, DONE);
         if (letter == 'v') return print(filled(HISTORY_VERSION, HISTORY_PROGRAM, VERSION), DONE);
-        if (letter == 'd') directory = optarg;
+        if (letter == 'd') setenv(ENV_HISTORY, optarg, 1);
         if (letter == 'f') file = absolute_path(optarg);
         if (letter == '?') gripe(WRONG_WORDS);
     }
     const std::vector<std::string> words(arguments + optind, arguments + argument_count);
     for (const Command& command : COMMANDS) {
         if (words.size() != command.words || words.front() != command.name) continue;
+        const char* directory = std::getenv(ENV_HISTORY);
         if (directory == nullptr) gripe(filled(NO_HISTORY_NAMED, ENV_HISTORY));
         return command.run(read_history(directory, file), words.back());
     }

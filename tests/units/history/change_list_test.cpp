@@ -12,9 +12,10 @@ PastChange change(int number, const std::optional<std::string>& from,
                   const std::string& name = "ann",
                   const std::string& time = "2026-11-22T01:15:30+01:00",
                   const std::string& action = "A08") {
-    return {number, "{\"time\":" + json_value(time) + ",\"operator\":" + json_value(name) +
-                        ",\"action\":" + json_value(action) + ",\"item\":" + json_value(item) +
-                        ",\"from\":" + json_value(from) + ",\"to\":" + json_value(to) + "}\n"};
+    return {"", number,
+            "{\"time\":" + json_value(time) + ",\"operator\":" + json_value(name) +
+                ",\"action\":" + json_value(action) + ",\"item\":" + json_value(item) +
+                ",\"from\":" + json_value(from) + ",\"to\":" + json_value(to) + "}\n"};
 }
 
 TEST(ChangeList, StandsInColumns) {
