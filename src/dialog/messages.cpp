@@ -67,19 +67,21 @@ Answer decoded_status(int status) {
 
 }  // namespace
 
+int status_of_an_error() {
+    return ZUL_PREFER_GUI == ERRORS_ALONE ? STATUS_OF_TROUBLE : STATUS_OF_AN_ERROR;
+}
+
 void gripe(const std::string& message) {
     if (ZUL_PREFER_GUI == ERRORS_ALONE) {
         note(harmless(message), HISTORY_PROGRAM);
-        clean_exit(STATUS_OF_TROUBLE);
-    }
-    if (ZUL_PREFER_GUI) {
+    } else if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
                           quoted(message).c_str()),
                    message, NOT_SHOWN);
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(STATUS_OF_AN_ERROR);
+    clean_exit(status_of_an_error());
 }
 
 void gripe(const std::string& message, int error) {

@@ -16,10 +16,13 @@ inline constexpr int ERRORS_ALONE = -1;
 /// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
 
+/// The status with which an error ends this program.
+int status_of_an_error();
+
 /// What ask returns.
 enum Answer { YES = 0, NO = 1, ABORT = 2 };
 
-/// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
+/// Shows an error in the background and ends the process with status_of_an_error.
 [[noreturn]] void gripe(const std::string& message);
 
 /// gripe for an error whose text leaves out why, or with which file: that goes to standard error,

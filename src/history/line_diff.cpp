@@ -1,7 +1,7 @@
 #include "history/line_diff.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <vector>
 
 #include "base/filled.h"
@@ -14,8 +14,9 @@ namespace {
 
 constexpr std::size_t LINES_AROUND = 3;
 
-const std::map<char, const char*> COLOURS = {
-    {'@', CYAN}, {'-', RED}, {'+', GREEN}, {' ', PLAIN}, {'\\', PLAIN}};
+/// By what a line begins with, and of all others.
+constexpr std::string_view KINDS = "@-+";
+constexpr std::array<const char*, 4> COLOURS = {CYAN, RED, GREEN, PLAIN};
 
 using Lines = std::vector<std::string_view>;
 
@@ -104,7 +105,8 @@ std::string for_terminal(std::string_view diff, bool has_colours) {
     const Lines lines = whole_lines(diff);
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const std::string text = harmless(lines[i].substr(0, lines[i].size() - 1));
-        const std::string colour = i < 2 ? BOLD : COLOURS.at(text.front());
+        const std::string colour =
+            i < 2 ? BOLD : COLOURS.at(std::min(KINDS.find(text.front()), KINDS.size()));
         shown += (has_colours ? colour + text + PLAIN : text) + '\n';
     }
     return shown;

@@ -21,6 +21,7 @@
 #include "history/change_list.h"
 #include "history/changes.h"
 #include "history/line_diff.h"
+#include "main/out_of_memory.h"
 #include "main/startup.h"
 #include "messages/environment.h"
 #include "messages/history_texts.h"
@@ -138,9 +139,10 @@ int main(int argument_count, char** arguments) {
     const int error = open_missing_standard_streams();
     if (error != 0) gripe(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
     end_in_order_on_signals();
+    end_in_order_without_memory();
     try {
         return run(argument_count, arguments);
     } catch (const std::bad_alloc&) {
-        gripe(NO_MEMORY);
+        end_without_memory();
     }
 }

@@ -7,7 +7,6 @@
 #include <exception>
 #include <new>
 
-#include "base/exit_status.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
@@ -19,7 +18,7 @@ namespace {
 [[noreturn]] void end_with_the_text_alone() {
     unlink_temporary_files();
     [[maybe_unused]] const ssize_t said = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
-    _exit(STATUS_OF_AN_ERROR);
+    _exit(status_of_an_error());
 }
 
 /// An exception that meets a library's noexcept function ends in the terminate handler, which

@@ -1,4 +1,4 @@
-// Preloaded into gatescope, and into it alone, this lets the allocation fail whose number stands in
+// Preloaded into gatescope or gatescope-history, and into them alone, this lets the allocation fail whose number stands in
 // FAIL_ALLOCATION, or with a "+" after the number that one and all after it; and writes at the end
 // into the file ALLOCATIONS how many there were.
 
@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string_view>
 
 namespace gatescope {
 
@@ -36,7 +36,8 @@ bool fails() {
 }
 
 __attribute__((constructor)) void begin() {
-    if (std::strcmp(program_invocation_short_name, "gatescope") != 0) return;
+    const std::string_view program = program_invocation_short_name;
+    if (program != "gatescope" && program != "gatescope-history") return;
     if (const char* number = std::getenv("FAIL_ALLOCATION")) {
         char* end = nullptr;
         failing = std::strtol(number, &end, 10);
