@@ -57,7 +57,7 @@ std::string list_of(const PastChanges& changes, std::size_t width) {
         const Columns& row = rows.emplace_back(columns_of(change));
         for (std::size_t i = 0; i < COLUMNS; ++i) widths[i] = std::max(widths[i], row[i].size());
     }
-    widths.back() = std::min(widths.back(), width / 2);
+    widths.back() = std::min(widths.back(), std::max(width, LEAST_ROOM) / 2);
     const std::size_t taken = std::accumulate(widths.begin(), widths.end(),
                                               COLUMNS * GAP + shown_characters(ARROW).size());
     // The two values share what is left, and what one does not need of its half is the other's.

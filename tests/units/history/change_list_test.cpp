@@ -62,6 +62,11 @@ TEST(ChangeList, ALongItemLeavesRoomForTheValues) {
               "1  2026-11-22 01:15:30  ann  A08  " + item + "  D → A\n");
 }
 
+TEST(ChangeList, SomethingIsSeenOfEachColumnOnATerminalOfOneColumn) {
+    EXPECT_EQ(list_of({change(1, "from a to b", "to b from a", "A long item")}, 1),
+              "1  2026-11-22 01:15:30  ann  A08  A long …  from a … → to b fr…\n");
+}
+
 TEST(ChangeList, CharactersAreCountedAndNotBytes) {
     const std::string umlauts = "ääääääääääääääääääää";
     EXPECT_EQ(values_in(83, umlauts, umlauts), umlauts + " → " + umlauts + "\n");
