@@ -13,7 +13,7 @@ namespace {
 
 // Typed values.
 
-// Validators that need to know less than the notify program's does.
+// Adapters for validators that take fewer arguments than region_notify_is_ok.
 
 template <Validity (*is_ok)(const std::string& value, const std::string& os)>
 Validity of_path(const std::string& value, const std::string& os, const Gatebits&) {
@@ -31,7 +31,7 @@ Entered typed_value(const Gatebits& gatebits, const FieldEditor& editor,
     });
 }
 
-/// A cleared depot takes with it what stands on it.
+/// A cleared depot clears the fields that need it.
 std::vector<FieldValue> changes_with_depot(const Gatebits& gatebits, const FieldEditor& depot,
                                            const std::string& value) {
     if (!value.empty()) return {};

@@ -1,6 +1,6 @@
 #include "actions/actions.h"
-#include "logs/log_files.h"
 #include "pruning/pruning.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 

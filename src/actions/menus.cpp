@@ -14,7 +14,7 @@ const char* label_of(const Request& request, int edition) {
     return request.lite_label != nullptr && edition == 0 ? request.lite_label : request.label;
 }
 
-/// The labels of what `column` shows.
+/// The labels of the requests that `column` shows.
 std::string entries(Shown Request::*column, int edition, bool during_install) {
     std::vector<std::string> labels;
     for (const Request& request : all_requests()) {

@@ -6,15 +6,15 @@
 
 namespace gatescope {
 
-// What the operator is told of a confirmed change of the gatebits file that was not made.
+// Messages about confirmed changes of the gatebits file that were not made.
 
-/// Whether the change was written. Tells the operator when what they were shown has been changed by
-/// somebody else.
-bool written_or_told(ChangeResult result, const std::string& gatebits_file);
+/// Whether the change was written. Advises the operator when another process had changed what they
+/// were shown.
+bool advise_unless_written(ChangeResult result, const std::string& gatebits_file);
 
-/// The same for a field of the region block, called `item` in the question; tells also where the
-/// field should be when it is not there.
-bool field_written_or_told(ChangeResult result, const std::string& gatebits_file,
-                           const std::string& item, int line, int field);
+/// The same for a field of the region block, named `item` in the question; advises also when the
+/// field does not exist.
+bool advise_unless_field_written(ChangeResult result, const std::string& gatebits_file,
+                                 const std::string& item, int line, int field);
 
 }  // namespace gatescope

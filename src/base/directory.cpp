@@ -36,7 +36,7 @@ bool Directory::is_name_of(const std::string& name, const Descriptor& file) cons
 }
 
 int Directory::list(const std::string& prefix, std::vector<std::string>* names) const {
-    // Opened anew: reading moves a descriptor's position, and closedir closes it.
+    // A second descriptor: reading moves its position, and closedir closes it.
     Descriptor again(openat(descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!again) return errno;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(fdopendir(again.get()), closedir);

@@ -4,11 +4,10 @@
 
 namespace gatescope {
 
-/// Every signal that ends a process by default and can be caught, but for the one of the file size
-/// limit.
+/// The signals that end a process by default and can be caught, except SIGXFSZ.
 sigset_t ending_signals();
 
-/// Holds those signals back as long as it lives.
+/// Blocks the ending_signals while it lives.
 class SignalsHeld {
   public:
     SignalsHeld();
@@ -16,7 +15,7 @@ class SignalsHeld {
     SignalsHeld(const SignalsHeld&) = delete;
     SignalsHeld& operator=(const SignalsHeld&) = delete;
 
-    /// What was held back before.
+    /// The signal mask from before.
     [[nodiscard]] const sigset_t& before() const { return before_; }
 
   private:

@@ -5,8 +5,8 @@
 
 namespace gatescope {
 
-/// Calls `attempt` until it returns true, with a pause after each time that it does not, for no
-/// longer than `patience`; at least once. Whether it did.
+/// Calls `attempt` at least once, and again after a pause until it returns true or `patience` is
+/// over. Whether it returned true.
 template <typename Attempt>
 bool succeeds_within(std::chrono::milliseconds patience, Attempt attempt) {
     constexpr std::chrono::milliseconds PAUSE(10);

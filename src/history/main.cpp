@@ -135,14 +135,14 @@ int run(int argument_count, char** arguments) {
 
 int main(int argument_count, char** arguments) {
     using namespace gatescope;
-    ZUL_PREFER_GUI = ERRORS_ALONE;
+    ZUL_PREFER_GUI = ERRORS_ON_STDERR;
     const int error = open_missing_standard_streams();
     if (error != 0) gripe(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
-    end_in_order_on_signals();
-    end_in_order_without_memory();
+    install_signal_cleanup();
+    install_out_of_memory_handlers();
     try {
         return run(argument_count, arguments);
     } catch (const std::bad_alloc&) {
-        end_without_memory();
+        gripe_out_of_memory();
     }
 }

@@ -17,6 +17,7 @@
 #include "dialog/process_end.h"
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {
@@ -103,7 +104,7 @@ void data_gen(const std::string& logging_dir) {
     show_progress(DEMO_RECORDS);
     written = std::fclose(LOGGING_STREAM) == 0 && written;
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
 
 }  // namespace gatescope

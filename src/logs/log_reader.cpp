@@ -23,43 +23,7 @@ constexpr std::size_t READ_SIZE = std::size_t{128} * 1024;
 /// What is read after the end of a range at first: the last word hardly ever goes on for longer.
 constexpr std::size_t TAIL_SIZE = std::min<std::size_t>(READ_SIZE, 4096);
 
-/// Bytes that are looked at at once, which compilers make vector code of. From a loop that may end
-/// at any byte they make none.
-constexpr std::ptrdiff_t LOOKED_AT_ONCE = 64;
-
-bool holds_white(const char* at) {
-    std::uint8_t any = 0;
-    for (std::ptrdiff_t i = 0; i < LOOKED_AT_ONCE; ++i) {
-        const auto after_tab = static_cast<std::uint8_t>(at[i] - '\t');
-        any = at[i] == ' ' ? std::uint8_t{1} : any;
-        any = after_tab <= '\r' - '\t' ? std::uint8_t{1} : any;
-    }
-    return any != 0;
-}
-
-/// The first white space in [begin, end), or `end`.
-const char* find_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(begin)) begin += LOOKED_AT_ONCE;
-    return std::find_if(begin, end, is_white);
-}
-
-/// Where the text after the last white space in [begin, end) begins.
-const char* after_last_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(end - LOOKED_AT_ONCE)) {
-        end -= LOOKED_AT_ONCE;
-    }
-    while (end > begin && !is_white(end[-1])) --end;
-    return end;
-}
-
 }  // namespace
-
-std::string_view next_word(const char** at, const char* end) {
-    const char* start = std::find_if_not(*at, end, is_white);
-    const char* limit = start + std::min<std::ptrdiff_t>(end - start, WORD_LIMIT);
-    *at = find_white(start, limit);
-    return {start, static_cast<std::size_t>(*at - start)};
-}
 
 std::string why_left_out(int error) {
     if (error == ENOENT || error == ENOTDIR) return "";

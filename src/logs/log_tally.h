@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
 namespace gatescope {
 

@@ -5,6 +5,7 @@
 
 #include "base/filled.h"
 #include "dialog/messages.h"
+#include "logs/log_files.h"
 #include "logs/log_tally.h"
 #include "messages/log_texts.h"
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "logs/log_files.h"
-#include "logs/record_rule.h"
+#include "records/query_period.h"
+#include "records/record_rule.h"
 
 namespace gatescope {
 

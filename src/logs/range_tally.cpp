@@ -10,8 +10,9 @@
 #include <thread>
 
 #include "base/signals.h"
-#include "logs/canonical_records.h"
+#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/canonical_records.h"
 
 namespace gatescope {
 namespace {

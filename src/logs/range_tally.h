@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "logs/log_reader.h"
 #include "logs/progress.h"
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
+#include "records/words.h"
 
 namespace gatescope {
 

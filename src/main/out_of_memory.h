@@ -2,11 +2,12 @@
 
 namespace gatescope {
 
-/// From now on an std::bad_alloc that nobody can catch (thrown where nothing may be) ends the
-/// program with status_of_an_error and a text on standard error, and leaves no temporary file.
-void end_in_order_without_memory();
+/// Installs handlers: a std::bad_alloc that cannot be caught, because it leaves a noexcept
+/// function, ends the program with error_status and a text on standard error, and removes temporary
+/// files.
+void install_out_of_memory_handlers();
 
-/// Ends the program with the error text and status_of_an_error, after an std::bad_alloc was caught.
-[[noreturn]] void end_without_memory();
+/// Gripes about a caught std::bad_alloc and ends the program.
+[[noreturn]] void gripe_out_of_memory();
 
 }  // namespace gatescope

@@ -4,7 +4,7 @@
 
 namespace gatescope {
 
-// The environment variables that the program reads, by the names that it reads them under.
+// The environment variables that the program reads.
 
 inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
 inline constexpr char ENV_PREFER_NO_GUI[] = "ZUL_PREFER_NO_GUI";

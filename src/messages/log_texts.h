@@ -14,7 +14,7 @@ inline constexpr char LOG_LEFT_OUT[] = "gatescope: the log file (%s) was left ou
 /// On a terminal, while logs are read or pruned. Megabytes done, megabytes of all, seconds left.
 inline constexpr char PROGRESS_LINE[] = "%lld of %lld MB, %.0f s left";
 
-// Row labels of the day cells: date, then the number of days where there is one.
+// Row labels of the day cells: date, then the number of days, if any.
 inline constexpr char LABEL_TODAY[] = "%s - today";
 inline constexpr char LABEL_YESTERDAY[] = "%s - yesterday";
 inline constexpr char LABEL_DAYS_AGO[] = "%s - %d days ago";

@@ -2,8 +2,8 @@
 
 namespace gatescope {
 
-// What the menus show. Each label is also the key by which a pick is recognised, so a changed
-// letter here changes what scripts and operators have to choose: the slips of wording stay.
+// Labels and titles of the menus. A pick is recognised by its label, so scripts and operators
+// depend on every letter, and misspellings stay.
 
 inline constexpr char Q1[] = "Q01 - Commands/Users (success/denied) over Time";
 inline constexpr char Q2[] = "Q02 - Bits/Users used over Time";

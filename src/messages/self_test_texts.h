@@ -2,7 +2,7 @@
 
 namespace gatescope {
 
-// What the self-test prints and asks.
+// Texts of the self-test.
 
 inline constexpr char EXPECTED_OS[] = "Expected OS is UNIX...";
 /// CLEARPROMPT.

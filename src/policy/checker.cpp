@@ -45,7 +45,8 @@ bool find_checker(ToolSettings* tools) {
 
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
                             const char* word) {
-    return filled(CHECKER_LINE, quoted(checker).c_str(), one_argument(gatebits_file).c_str(), word);
+    return filled(CHECKER_LINE, quoted(checker).c_str(), path_argument(gatebits_file).c_str(),
+                  word);
 }
 
 std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region) {

@@ -16,20 +16,20 @@ namespace gatescope {
 inline constexpr char DELETION_TOKEN[] = "<[;;;;;deletme;;;;;]>";
 
 /// Significant lines of the region block; the lines after it are command keys.
-enum RegionLine {
-    HEADER_LINE = 1,
-    DEPOT_LINE = 2,
-    PARENT_LINE = 3,
-    NOTIFY_LINE = 4,
-    RESTRICTED_LINE = 5,
-    SPECIAL_LINE = 6,
-    MOTD_LINE = 7,
-    BITS_LINE = 8,
-    FIRST_KEY_LINE = 9
-};
+inline constexpr int HEADER_LINE = 1;
+inline constexpr int DEPOT_LINE = 2;
+inline constexpr int PARENT_LINE = 3;
+inline constexpr int NOTIFY_LINE = 4;
+inline constexpr int RESTRICTED_LINE = 5;
+inline constexpr int SPECIAL_LINE = 6;
+inline constexpr int MOTD_LINE = 7;
+inline constexpr int BITS_LINE = 8;
+inline constexpr int FIRST_KEY_LINE = 9;
 
 /// Fields of the depot, parent and notify lines, and one of the depot line alone.
-enum RegionField { WINDOWS_FIELD = 1, UNIX_FIELD = 2, LOGGING_FIELD = 3 };
+inline constexpr int WINDOWS_FIELD = 1;
+inline constexpr int UNIX_FIELD = 2;
+inline constexpr int LOGGING_FIELD = 3;
 
 /// The other operating system's field.
 constexpr int other_field(int field) {

@@ -26,7 +26,7 @@ namespace {
 /// when another process does not let go of it.
 FileLock lock_gatebits_file(const std::string& path, std::chrono::seconds patience) {
     FileLock lock = lock_file(path, patience);
-    if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
+    if (lock.state != LockState::HELD_BY_ANOTHER) return lock;
     gripe_unchanged(path, filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count())));
 }
 

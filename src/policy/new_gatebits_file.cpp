@@ -42,7 +42,7 @@ std::optional<std::string> place_of_new_file(std::string path) {
     for (int links = 0; links < MOST_LINKS; ++links) {
         struct stat status;
         if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
-        const auto target = target_of_link(path);
+        const auto target = link_target(path);
         if (!target || may_be_planted(path, status)) return std::nullopt;
         path = *target;
     }
@@ -57,7 +57,7 @@ std::string unfinished_name(const std::string& path) {
 /// Gives the finished file its name unless that is taken; 0 or an errno. File systems that cannot
 /// rename without replacing can link.
 int give_name(const std::string& unfinished, const std::string& path) {
-    const int error = rename_unless_there(unfinished, path);
+    const int error = rename_without_replacing(unfinished, path);
     if (error == 0) forget_temporary_file(unfinished);
     if (error != EINVAL && error != ENOSYS) return error;
     return link(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
@@ -88,7 +88,7 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text,
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
     // It must not be read while another process rewrites it in place.
     const FileLock lock = lock_file(path, LOCK_PATIENCE);
-    if (lock.state == LockState::KEPT_BY_ANOTHER) {
+    if (lock.state == LockState::HELD_BY_ANOTHER) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), EBUSY), EBUSY);
     }
     std::string bytes;

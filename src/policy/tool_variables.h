@@ -14,16 +14,14 @@ namespace gatescope {
 // gatescope's own eight settings, kept as comment lines in the gatebits file.
 
 /// Places in GS_VAR and GS_VAR_NAME.
-enum ToolVariable {
-    UNIX_CHECKER = 0,
-    WINDOWS_CHECKER = 1,
-    UNIX_BROWSER = 2,
-    WINDOWS_BROWSER = 3,
-    UNIX_LOGGING_DIR = 4,
-    WINDOWS_LOGGING_DIR = 5,
-    UNIX_RESULTS_DIR = 6,
-    WINDOWS_RESULTS_DIR = 7
-};
+inline constexpr std::size_t UNIX_CHECKER = 0;
+inline constexpr std::size_t WINDOWS_CHECKER = 1;
+inline constexpr std::size_t UNIX_BROWSER = 2;
+inline constexpr std::size_t WINDOWS_BROWSER = 3;
+inline constexpr std::size_t UNIX_LOGGING_DIR = 4;
+inline constexpr std::size_t WINDOWS_LOGGING_DIR = 5;
+inline constexpr std::size_t UNIX_RESULTS_DIR = 6;
+inline constexpr std::size_t WINDOWS_RESULTS_DIR = 7;
 
 /// The eight values, and what stands in for one of them. Whoever holds the region's settings holds
 /// these with them.

@@ -14,11 +14,11 @@
 #include "base/whole_file.h"
 #include "base/writers.h"
 #include "dialog/messages.h"
-#include "logs/kept_records.h"
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
 #include "messages/startup_texts.h"
 #include "pruning/left_overs.h"
+#include "records/kept_records.h"
 
 namespace gatescope {
 namespace {

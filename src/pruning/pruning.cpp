@@ -19,6 +19,7 @@
 #include "messages/log_texts.h"
 #include "pruning/left_overs.h"
 #include "pruning/one_log.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {
@@ -38,7 +39,7 @@ Descriptor open_token(const Work& work, Moment deadline, bool* is_new) {
     // In a step of its own: in a sticky directory the system may make nothing where another user's
     // file is.
     if (*is_new) token = work.logs.open(work.token, FLAGS | O_CREAT | O_EXCL, deadline);
-    if (token) remember_for_signals(work.token, work.logs.descriptor());
+    if (token) remember_file_removed_on_signal(work.token, work.logs.descriptor());
     return token;
 }
 
@@ -53,7 +54,7 @@ int take_down_token(const Work& work) {
 /// Puts up the token, which diverts the log writers to the companions. Gripes when that fails.
 void put_up_token(const Work& work, Moment deadline) {
     bool is_new = false;
-    int error = would_stay_at(work.logs.path_of(work.token)) ? EPERM : 0;
+    int error = is_in_append_only_directory(work.logs.path_of(work.token)) ? EPERM : 0;
     Descriptor token;
     if (error == 0) token = open_token(work, deadline, &is_new);
     struct stat status;

@@ -3,8 +3,9 @@
 #include "base/filled.h"
 #include "messages/bar_list_texts.h"
 #include "messages/bit_names.h"
-#include "messages/page_texts.h"
+#include "report/bar_list_html.h"
 #include "report/bars.h"
+#include "report/page_html.h"
 
 namespace gatescope {
 namespace {

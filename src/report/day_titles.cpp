@@ -1,7 +1,7 @@
 #include "report/day_titles.h"
 
 #include "base/filled.h"
-#include "messages/time_graph_texts.h"
+#include "messages/day_title_texts.h"
 #include "report/bars.h"
 
 namespace gatescope {

@@ -5,7 +5,7 @@
 
 #include "base/filled.h"
 #include "messages/identity.h"
-#include "messages/page_texts.h"
+#include "report/page_html.h"
 
 namespace gatescope {
 

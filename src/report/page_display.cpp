@@ -45,7 +45,7 @@ std::optional<Browser> choose_browser(const PageRegion& region) {
 void run_browser(const std::string& browser, const std::string& page) {
     const auto start = Clock::now();
     const int status =
-        run_in_shell(filled(BROWSER_LINE, quoted(browser).c_str(), one_argument(page).c_str()));
+        run_in_shell(filled(BROWSER_LINE, quoted(browser).c_str(), path_argument(page).c_str()));
     if (status != 0 && Clock::now() - start <= LONGEST_FAILED_START) {
         advise(filled(BROWSER_FAILED, status, browser.c_str()));
     }

@@ -80,7 +80,7 @@ Try try_to_append(const std::string& path, const std::string& text, Share share)
     if (!page.file && errno == EEXIST) return {Tried::NAME_IS_TAKEN};
     if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
     const LockState lock = try_lock(page.file);
-    if (lock == LockState::KEPT_BY_ANOTHER) return {Tried::TRY_AGAIN};
+    if (lock == LockState::HELD_BY_ANOTHER) return {Tried::TRY_AGAIN};
     page.is_locked = lock == LockState::HELD;
     struct stat before;
     if (fstat(page.file.get(), &before) != 0) {

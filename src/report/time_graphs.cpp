@@ -5,10 +5,10 @@
 #include <span>
 #include <string>
 
-#include "messages/page_texts.h"
-#include "messages/time_graph_texts.h"
 #include "report/bars.h"
 #include "report/day_titles.h"
+#include "report/page_html.h"
+#include "report/time_graph_html.h"
 
 namespace gatescope {
 namespace {

@@ -9,8 +9,8 @@
 
 namespace gatescope {
 
-/// As long as this lives, files can only be added to the directory. It takes root, and a file
-/// system that knows this.
+/// Makes a directory append-only until the end of the scope: files can be added, but not removed.
+/// It needs root and a file system that supports the attribute.
 class AppendOnly {
   public:
     explicit AppendOnly(const std::string& directory)

@@ -22,7 +22,7 @@ void become_nobody() {
     }
 }
 
-std::string all_of(int pipe_end) {
+std::string read_to_end(int pipe_end) {
     std::string text;
     std::array<char, 4096> chunk;
     for (ssize_t got = 0; (got = read(pipe_end, chunk.data(), chunk.size())) > 0;) {
@@ -49,7 +49,7 @@ Ended in_child(const std::function<void()>& body) {
     }
     close(ends[1]);
     Ended ended;
-    ended.said = all_of(ends[0]);
+    ended.said = read_to_end(ends[0]);
     close(ends[0]);
     int status = 0;
     if (waitpid(child, &status, 0) != child) std::abort();

@@ -11,6 +11,7 @@
 #include "fuzz/fuzz_world.h"
 #include "fuzz/pruned_region.h"
 #include "pruning/pruning.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {

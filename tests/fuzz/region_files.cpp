@@ -16,7 +16,7 @@ bool is_white(char character) {
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-/// Takes "_", and a number as it is usually written, from the beginning of a name.
+/// Removes "_" and a decimal number without leading zeros from the start of a name.
 template <typename Number>
 bool take_number(std::string_view* name, Number* number) {
     if (!name->starts_with("_")) return false;

@@ -6,7 +6,7 @@
 
 namespace gatescope {
 
-/// No more than `free` files can be opened until the end of the scope, besides those that are open.
+/// Lets the process open at most `free` more files until the end of the scope.
 class FewDescriptors {
   public:
     explicit FewDescriptors(rlim_t free) {

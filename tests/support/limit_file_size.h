@@ -6,7 +6,7 @@
 
 namespace gatescope {
 
-/// What is written after the limit ends with an error, as on a full disk.
+/// Writing beyond `bytes` fails with EFBIG from now on.
 inline void limit_file_size(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {bytes, bytes};

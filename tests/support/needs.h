@@ -4,8 +4,8 @@
 
 namespace gatescope {
 
-/// Skips the test where the program is built without what the test is about: a GATESCOPE_HAS_...
-/// of cmake/Platform.cmake, and what it stands for.
+/// Skips the test if the program is built without `feature`, a GATESCOPE_HAS_... of
+/// cmake/Platform.cmake; `what` names it.
 #define NEEDS(feature, what) \
     if (!(feature)) GTEST_SKIP() << "built without " what
 

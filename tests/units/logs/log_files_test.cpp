@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "log_region.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 namespace {

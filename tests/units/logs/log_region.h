@@ -15,6 +15,7 @@
 #include "dialog/messages.h"
 #include "logs/log_files.h"
 #include "logs/query_data.h"
+#include "records/query_period.h"
 #include "support/scratch_directory.h"
 
 namespace gatescope {

@@ -1,8 +1,8 @@
 #include "logs/log_tally.h"
 
 #include "log_region.h"
-#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/words.h"
 #include "support/expect_gripe.h"
 #include "support/few_descriptors.h"
 

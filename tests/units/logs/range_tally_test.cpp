@@ -9,9 +9,10 @@
 #include <random>
 #include <string>
 
+#include "logs/log_reader.h"
 #include "support/few_descriptors.h"
 #include "support/scratch_directory.h"
-#include "units/logs/tallies.h"
+#include "units/records/tallies.h"
 
 namespace gatescope {
 namespace {

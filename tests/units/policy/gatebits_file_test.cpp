@@ -2,11 +2,13 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "base/descriptor.h"
+#include "base/platform.h"
 #include "units/on_stage.h"
 
 namespace gatescope {
@@ -93,7 +95,7 @@ TEST_F(GatebitsFile, TheLockIsHeldFromTheReadingToTheWriting) {
     use_gatebits("one;\n");
     const auto is_locked = [this] {
         const Descriptor file(open(gatebits_file.c_str(), O_RDWR | O_CLOEXEC));
-        return flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        return lock_exclusively(file.get()) == EWOULDBLOCK;
     };
     EXPECT_FALSE(is_locked());
     change(gatebits_file, {Gatebits(std::string()), nothing},

@@ -9,7 +9,7 @@ class ToolVariables : public testing::Test {
   protected:
     void use(const std::string& text) { gatebits = Gatebits(text); }
     /// Takes the new text, as readers of the file would see it.
-    void set(ToolVariable index, const std::string& value) {
+    void set(std::size_t index, const std::string& value) {
         const Rewrite rewrite = change_a_var(gatebits, tools, index, value);
         EXPECT_EQ(rewrite.result, ChangeResult::WRITTEN);
         use(rewrite.text->text());
@@ -35,7 +35,7 @@ TEST_F(ToolVariables, BuildVarListEmptiesWhatHasNoLine) {
         "unknown=1\n");
     build_var_list(gatebits, &tools);
     EXPECT_EQ(tools.GS_VAR[UNIX_BROWSER], "/a=b c ");
-    for (const ToolVariable other :
+    for (const std::size_t other :
          {UNIX_CHECKER, WINDOWS_CHECKER, WINDOWS_BROWSER, UNIX_LOGGING_DIR, WINDOWS_LOGGING_DIR,
           UNIX_RESULTS_DIR, WINDOWS_RESULTS_DIR}) {
         EXPECT_EQ(tools.GS_VAR[other], "") << other;

@@ -5,6 +5,7 @@
 #include "base/descriptor.h"
 #include "faults/append_only.h"
 #include "messages/log_texts.h"
+#include "support/needs.h"
 #include "units/pruning/pruning_region.h"
 
 namespace gatescope {
@@ -202,6 +203,7 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
 }
 
 TEST_F(LogsLeftAlone, InADirectoryThatOnlyLetsFilesBeAddedNothingIsBegun) {
+    NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly guard(logging_dir);
     if (!guard.is_set()) GTEST_SKIP() << "no append-only directories here";
     EXPECT_GRIPE(prune(), "Could not create needed pruning token");

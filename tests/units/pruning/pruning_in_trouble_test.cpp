@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <cerrno>
@@ -41,8 +42,14 @@ int asked(const std::function<int(const std::string&)>& what, const char* name) 
 }
 
 }  // namespace
+}  // namespace gatescope
 
-// These take the place of the C library's.
+using gatescope::asked;
+using gatescope::before;
+using gatescope::unless;
+
+// These take the place of the C library's, which has other names for some on 32-bit machines: they
+// are known outside of the namespace alone.
 extern "C" {
 
 int linkat(int one, const char* from, int other, const char* to, int flags) noexcept {
@@ -54,8 +61,11 @@ int unlinkat(int directory, const char* name, int flags) noexcept {
                   [&] { return syscall(SYS_unlinkat, directory, name, flags); });
 }
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
-    return unless(asked(before().look, name),
-                  [&] { return syscall(SYS_newfstatat, directory, name, status, flags); });
+    // On machines of 32 bits the system call has another name and another struct.
+    const std::string place =
+        directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
+    const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
+    return unless(asked(before().look, name), [&] { return look((place + name).c_str(), status); });
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
@@ -63,6 +73,7 @@ int renameat(int one, const char* from, int other, const char* to) noexcept {
 }
 }
 
+namespace gatescope {
 namespace {
 
 class PruningInTrouble : public Pruning {
@@ -173,7 +184,7 @@ TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
     };
     EXPECT_EXIT(
         {
-            hear_standard_output_alone();
+            send_standard_output_to_death_test();
             prune_without_room();
         },
         testing::ExitedWithCode(0),

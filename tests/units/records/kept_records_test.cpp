@@ -1,4 +1,4 @@
-#include "logs/kept_records.h"
+#include "records/kept_records.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
+#include "records/words.h"
 
 namespace gatescope {
 namespace {
@@ -23,9 +23,10 @@ struct Kept {
     bool same_piece = false;
 };
 
-Kept kept_of(const std::string& text, Lanes lanes = best_lanes(), std::int64_t cut_off = CUT_OFF) {
+Kept kept_of(const std::string& text, InstructionSet set = best_instruction_set(),
+             std::int64_t cut_off = CUT_OFF) {
     const std::string with_margin = text + std::string(READER_MARGIN, '\n');
-    KeptRecords records(cut_off, lanes);
+    KeptRecords records(cut_off, set);
     const std::string_view piece(with_margin.data(), text.size());
     const std::string_view kept = records.of(piece);
     return {std::string(kept), records.total(), records.removed(), kept.data() == piece.data()};
@@ -104,8 +105,9 @@ TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
           std::int64_t{1700000050}, std::int64_t{9999999900}, std::int64_t{9999999999},
           std::int64_t{10000000000}, std::int64_t{10000000001}, largest}) {
         const Kept plain = kept_by_the_plain_rule(text, cut_off);
-        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-            EXPECT_EQ(kept_of(text, lanes, cut_off).text, plain.text) << cut_off;
+        for (const InstructionSet set :
+             {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+            EXPECT_EQ(kept_of(text, set, cut_off).text, plain.text) << cut_off;
         }
     }
 }
@@ -131,8 +133,9 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
             if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
         }
         const Kept plain = kept_by_the_plain_rule(text);
-        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-            const Kept kept = kept_of(text, lanes);
+        for (const InstructionSet set :
+             {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+            const Kept kept = kept_of(text, set);
             ASSERT_TRUE(kept.text == plain.text) << "round " << round;
             ASSERT_EQ(kept.total, plain.total);
             ASSERT_EQ(kept.removed, plain.removed);

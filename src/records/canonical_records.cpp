@@ -1,10 +1,10 @@
-#include "logs/canonical_records.h"
+#include "records/canonical_records.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "base/filled.h"
-#include "logs/canonical_scan.h"
+#include "records/canonical_scan.h"
 
 namespace gatescope {
 namespace {
@@ -28,12 +28,13 @@ void take_number(std::string_view text, std::uint32_t* wanted, std::uint32_t* ma
 }
 
 template <bool PER_DAY, bool HAS_FILTERS>
-void count_canonical_piece(Lanes lanes, const RecordQuery& query, const CanonicalFilter& filter,
-                           std::string_view piece, RecordTally* tally) {
+void count_canonical_piece(InstructionSet set, const RecordQuery& query,
+                           const CanonicalFilter& filter, std::string_view piece,
+                           RecordTally* tally) {
     const auto task = [&](auto kind) __attribute__((always_inline)) {
         count_piece<decltype(kind), PER_DAY, HAS_FILTERS>(query, filter, piece, tally);
     };
-    with_lanes(lanes, task);
+    with_instruction_set(set, task);
 }
 
 bool is_about_letters(std::string_view filter) {
@@ -43,8 +44,8 @@ bool is_about_letters(std::string_view filter) {
 
 }  // namespace
 
-CanonicalQuery::CanonicalQuery(const RecordQuery& query, Lanes lanes)
-    : plain_(query), lanes_(lanes) {
+CanonicalQuery::CanonicalQuery(const RecordQuery& query, InstructionSet set)
+    : plain_(query), instruction_set_(set) {
     RecordQuery letters = query;
     for (std::string& filter : letters.filters) {
         if (is_about_letters(filter)) continue;
@@ -118,7 +119,7 @@ void CanonicalQuery::count(std::string_view piece, RecordTally* tally) const {
                                                  : count_canonical_piece<true, false>)
                            : (filter_.has_fields ? count_canonical_piece<false, true>
                                                  : count_canonical_piece<false, false>);
-    count(lanes_, plain_, filter_, piece, tally);
+    count(instruction_set_, plain_, filter_, piece, tally);
     // Looks no farther than the first word.
     tally->data_seen = tally->data_seen || !std::all_of(piece.begin(), piece.end(), is_white);
 }

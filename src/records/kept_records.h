@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "logs/lanes.h"
+#include "records/instruction_set.h"
 
 namespace gatescope {
 
@@ -12,7 +12,7 @@ namespace gatescope {
 class KeptRecords {
   public:
     /// Records of `cut_off` (seconds since the epoch) and later are kept.
-    explicit KeptRecords(std::int64_t cut_off, Lanes lanes = best_lanes());
+    explicit KeptRecords(std::int64_t cut_off, InstructionSet set = best_instruction_set());
 
     /// The kept words of `piece`, each on a line of its own; good until the next call.
     /// READER_MARGIN bytes may be read after the piece. It is the piece itself when the two are
@@ -24,9 +24,9 @@ class KeptRecords {
     std::int64_t removed() const { return removed_; }
 
   private:
-    template <class LANES>
+    template <class SET>
     std::string_view kept_of(std::string_view piece);
-    template <class LANES>
+    template <class SET>
     bool stays(const char* at, const char* end) const;
     char* copied(std::string_view piece, const char* until);
     /// Where the reading and the writing go on.
@@ -39,7 +39,7 @@ class KeptRecords {
     std::int64_t cut_off_;
     /// Of the cut-off.
     std::uint64_t first_digits_;
-    Lanes lanes_;
+    InstructionSet instruction_set_;
     std::int64_t total_ = 0;
     std::int64_t removed_ = 0;
     std::vector<char> kept_;

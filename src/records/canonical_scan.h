@@ -7,10 +7,10 @@
 #include <limits>
 #include <string_view>
 
-#include "logs/canonical_filter.h"
-#include "logs/log_reader.h"
-#include "logs/record_rule.h"
-#include "logs/record_scan.h"
+#include "records/canonical_filter.h"
+#include "records/record_rule.h"
+#include "records/record_scan.h"
+#include "records/words.h"
 
 namespace gatescope {
 
@@ -88,14 +88,14 @@ ALWAYS_INLINE std::uint8_t code(const Codes& codes, const char* at) {
 
 /// Where the user ends: at '[' in a canonical record; null if nowhere in
 /// CanonicalFilter::USER_LIMIT bytes.
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE const char* user_end(const char* user) {
-    unsigned found = LANES::user_end_bits(user);
+    unsigned found = SET::user_end_bits(user);
     if (found == 0) [[unlikely]] {
-        found = LANES::user_end_bits(user + 16) << 16;
+        found = SET::user_end_bits(user + 16) << 16;
         if (found == 0) return nullptr;
     }
-    return user + LANES::lowest_bit(found);
+    return user + SET::lowest_bit(found);
 }
 
 /// Whether the four bytes at `at` agree with `wanted` where `mask` says so.
@@ -106,11 +106,10 @@ ALWAYS_INLINE bool same_number(const char* at, std::uint32_t wanted, std::uint32
 }
 
 /// Whether the user at `at` and the '[' after it are those of the filter, if it asks for any.
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE bool same_user(const char* at, const CanonicalFilter& filter) {
     const auto same_half = [&](std::size_t i) {
-        return LANES::same_text(at + i, &filter.user[i], &filter.user_mask[i],
-                                &filter.user_case[i]);
+        return SET::same_text(at + i, &filter.user[i], &filter.user_mask[i], &filter.user_case[i]);
     };
     return same_half(0) && (!filter.has_long_user || same_half(16));
 }
@@ -122,13 +121,13 @@ struct Earliest {
 };
 
 /// Counts the record in [at, end), or returns false when that is for the plain rule to do.
-template <class LANES, bool PER_DAY, bool HAS_FILTERS>
+template <class SET, bool PER_DAY, bool HAS_FILTERS>
 ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilter& filter,
                                    const char* at, const char* end, RecordTally* tally,
                                    Earliest* earliest) {
     if (end - at < SHORTEST) [[unlikely]]
         return false;
-    const char* const bracket = user_end<LANES>(at + USER_PLACE);
+    const char* const bracket = user_end<SET>(at + USER_PLACE);
     if (bracket == nullptr) [[unlikely]]
         return false;
 
@@ -137,14 +136,14 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     const std::size_t shape = 2 * (static_cast<std::size_t>(end - bracket) - SHORTEST_TAIL) - wide;
     if (shape >= TAILS.size()) [[unlikely]]
         return false;
-    const unsigned good_bytes = static_cast<unsigned>(LANES::are_in(CANONICAL_HEAD, at)) &
-                                static_cast<unsigned>(LANES::are_in(TAILS[shape], end - 16));
+    const unsigned good_bytes = static_cast<unsigned>(SET::are_in(CANONICAL_HEAD, at)) &
+                                static_cast<unsigned>(SET::are_in(TAILS[shape], end - 16));
     if (good_bytes == 0 || !is_white(*end)) [[unlikely]]
         return false;
 
     const char* const angle = end - 3 - wide;
     const bool passes =
-        !HAS_FILTERS || (same_user<LANES>(at + USER_PLACE, filter) &&
+        !HAS_FILTERS || (same_user<SET>(at + USER_PLACE, filter) &&
                          same_number(bracket, filter.command, filter.command_mask) &&
                          same_number(angle, filter.value, filter.value_mask));
     const std::uint64_t digits = first_digits(at);
@@ -155,7 +154,7 @@ ALWAYS_INLINE bool count_canonical(const RecordQuery& query, const CanonicalFilt
     const unsigned units = code(UNITS, end - 2);
     if (((kind | detail | units) & NOT_CANONICAL) != 0) [[unlikely]]
         return false;
-    const std::int64_t time = LANES::time(at);
+    const std::int64_t time = SET::time(at);
     const std::int64_t age = query.period.end_of_day_time - time;
     if (age < 0) [[unlikely]]
         return true;
@@ -183,7 +182,7 @@ inline const char* count_next_word(const RecordQuery& query, const char* at, con
     return at;
 }
 
-template <class LANES, bool PER_DAY, bool HAS_FILTERS>
+template <class SET, bool PER_DAY, bool HAS_FILTERS>
 ALWAYS_INLINE void count_piece(const RecordQuery& query, const CanonicalFilter& filter,
                                std::string_view piece, RecordTally* tally) {
     const char* const end = piece.data() + piece.size();
@@ -192,11 +191,11 @@ ALWAYS_INLINE void count_piece(const RecordQuery& query, const CanonicalFilter& 
     WordEnds ends;
     for (const char* slice = piece.data(); slice < end; slice += SLICE) {
         const std::size_t size = std::min(SLICE, static_cast<std::size_t>(end - slice));
-        const std::size_t count = find_word_ends<LANES>(slice, size, &ends);
+        const std::size_t count = find_word_ends<SET>(slice, size, &ends);
         for (std::size_t i = 0; i < count; ++i) {
             const char* const stop = ends[i];
-            if (count_canonical<LANES, PER_DAY, HAS_FILTERS>(query, filter, at, stop, tally,
-                                                             &earliest)) {
+            if (count_canonical<SET, PER_DAY, HAS_FILTERS>(query, filter, at, stop, tally,
+                                                           &earliest)) {
                 at = after_line_end(stop);
                 continue;
             }

@@ -1,4 +1,4 @@
-#include "logs/record_scan.h"
+#include "records/record_scan.h"
 
 #include <algorithm>
 #include <cinttypes>

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "logs/canonical_filter.h"
-#include "logs/lanes.h"
-#include "logs/record_rule.h"
+#include "records/canonical_filter.h"
+#include "records/instruction_set.h"
+#include "records/record_rule.h"
 
 namespace gatescope {
 
@@ -15,7 +15,7 @@ namespace gatescope {
 /// A query, prepared for records of the canonical shape.
 class CanonicalQuery {
   public:
-    explicit CanonicalQuery(const RecordQuery& query, Lanes lanes = best_lanes());
+    explicit CanonicalQuery(const RecordQuery& query, InstructionSet set = best_instruction_set());
 
     /// Counts all words of `piece`, after whose end READER_MARGIN bytes may be read.
     void count(std::string_view piece, RecordTally* tally) const;
@@ -30,7 +30,7 @@ class CanonicalQuery {
     void ask_for_outcomes(RecordQuery letters);
 
     RecordQuery plain_;
-    Lanes lanes_;
+    InstructionSet instruction_set_;
     CanonicalFilter filter_;
     bool has_fast_path_ = true;
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "logs/log_files.h"
+#include "records/query_period.h"
 
 namespace gatescope {
 
@@ -39,21 +39,20 @@ constexpr bool counts_per_number(int query) {
     return query == 4 || query == 5;
 }
 
-/// What becomes of a record whose day or number is known.
-enum RecordOutcome : std::uint8_t {
-    /// It does not pass the filters.
-    FILTERED = 0,
-    /// It passes, so its day or number was seen, but it is not of a kind that the query counts.
-    SEEN = 1,
-    /// Counted as allowed; also a use of a bit and, per number, whatever is counted.
-    ALLOWED = 2,
-    DENIED = 3
-};
+// The outcomes of a record whose day or number is known, as places in a row of RecordTally.
+
+/// It does not pass the filters.
+inline constexpr std::uint8_t FILTERED = 0;
+/// It passes, so its day or number was seen, but it is not of a kind that the query counts.
+inline constexpr std::uint8_t SEEN = 1;
+/// Counted as allowed; also a use of a bit and, per number, every record that is counted.
+inline constexpr std::uint8_t ALLOWED = 2;
+inline constexpr std::uint8_t DENIED = 3;
 
 /// Records of one query by day cell (0 is today) or bit or key number, and outcome.
 struct RecordTally {
-    /// The rows from QUERY_DAYS on are never looked at: the fast path sends there what is outside
-    /// the period.
+    /// The rows from QUERY_DAYS on are never read: the fast path counts there what is outside the
+    /// period.
     static constexpr std::size_t ROWS = 128;
     std::array<std::array<std::uint32_t, 4>, ROWS> rows = {};
     /// The smallest record time up to the end of the period; the largest number there is without

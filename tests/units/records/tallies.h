@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
 namespace gatescope {
 

@@ -1,4 +1,4 @@
-#include "logs/kept_records.h"
+#include "records/kept_records.h"
 
 #include <algorithm>
 #include <cstring>
@@ -6,8 +6,8 @@
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
-#include "logs/record_scan.h"
+#include "records/record_scan.h"
+#include "records/words.h"
 
 namespace gatescope {
 
@@ -18,22 +18,22 @@ namespace gatescope {
 
 namespace {
 
-enum Fate { KEPT, DROPPED, NOT_PLAIN };
+enum class Fate { KEPT, DROPPED, NOT_PLAIN };
 
 /// Whether the word in [at, end), where `end` is a byte up to a blank, begins with its time and is
 /// nothing out of the ordinary.
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE bool is_plain(const char* at, const char* end) {
     const auto length = static_cast<std::size_t>(end - at);
-    return length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE && LANES::are_in(CANONICAL_HEAD, at);
+    return length - HEAD_SIZE <= WORD_LIMIT - HEAD_SIZE && SET::are_in(CANONICAL_HEAD, at);
 }
 
 /// What becomes of it.
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE Fate fate_of(const char* at, const char* end, std::int64_t cut_off) {
-    if (!is_plain<LANES>(at, end)) [[unlikely]]
-        return NOT_PLAIN;
-    return LANES::time(at) >= cut_off ? KEPT : DROPPED;
+    if (!is_plain<SET>(at, end)) [[unlikely]]
+        return Fate::NOT_PLAIN;
+    return SET::time(at) >= cut_off ? Fate::KEPT : Fate::DROPPED;
 }
 
 /// Copying a few bytes too many is quicker than finding out how many there are.
@@ -48,15 +48,15 @@ ALWAYS_INLINE void copy_word(char* out, const char* word, std::size_t size) {
 
 }  // namespace
 
-KeptRecords::KeptRecords(std::int64_t cut_off, Lanes lanes)
-    : cut_off_(cut_off), first_digits_(first_digits(cut_off)), lanes_(lanes) {}
+KeptRecords::KeptRecords(std::int64_t cut_off, InstructionSet set)
+    : cut_off_(cut_off), first_digits_(first_digits(cut_off)), instruction_set_(set) {}
 
 std::string_view KeptRecords::of(std::string_view piece) {
     std::string_view kept;
-    const auto task = [&](auto lanes) __attribute__((always_inline)) {
-        kept = kept_of<decltype(lanes)>(piece);
+    const auto task = [&](auto operations) __attribute__((always_inline)) {
+        kept = kept_of<decltype(operations)>(piece);
     };
-    with_lanes(lanes_, task);
+    with_instruction_set(instruction_set_, task);
     return kept;
 }
 
@@ -88,14 +88,14 @@ KeptRecords::Places KeptRecords::take_words(Places places, const char* stop, con
 }
 
 /// Whether the word in [at, end) is kept with its end, as it stands.
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE bool KeptRecords::stays(const char* at, const char* end) const {
     // Most are later than the cut-off by so much that their first digits tell.
-    return *end == '\n' && is_plain<LANES>(at, end) &&
-           (first_digits(at) > first_digits_ || LANES::time(at) >= cut_off_);
+    return *end == '\n' && is_plain<SET>(at, end) &&
+           (first_digits(at) > first_digits_ || SET::time(at) >= cut_off_);
 }
 
-template <class LANES>
+template <class SET>
 ALWAYS_INLINE std::string_view KeptRecords::kept_of(std::string_view piece) {
     const char* const end = piece.data() + piece.size();
     const char* at = piece.data();
@@ -105,29 +105,29 @@ ALWAYS_INLINE std::string_view KeptRecords::kept_of(std::string_view piece) {
     std::int64_t removed = 0;
     WordEnds ends;
     for (const char* slice = piece.data(); slice < end; slice += SLICE) {
-        const std::size_t count = find_word_ends<LANES>(
+        const std::size_t count = find_word_ends<SET>(
             slice, std::min<std::size_t>(SLICE, static_cast<std::size_t>(end - slice)), &ends);
         std::size_t i = 0;
         if (out == nullptr) {
-            for (; i < count && stays<LANES>(at, ends[i]); ++i) at = ends[i] + 1;
+            for (; i < count && stays<SET>(at, ends[i]); ++i) at = ends[i] + 1;
             total += static_cast<std::int64_t>(i);
             if (i == count) continue;
             out = copied(piece, at);
         }
         for (; i < count; ++i) {
             const char* const stop = ends[i];
-            const Fate fate = fate_of<LANES>(at, stop, cut_off_);
-            if (fate == NOT_PLAIN || !is_white(*stop)) [[unlikely]] {
+            const Fate fate = fate_of<SET>(at, stop, cut_off_);
+            if (fate == Fate::NOT_PLAIN || !is_white(*stop)) [[unlikely]] {
                 const Places places = take_words({at, out}, stop, end);
                 at = places.at;
                 out = places.out;
                 continue;
             }
             ++total;
-            removed += fate == DROPPED;
+            removed += fate == Fate::DROPPED;
             const auto size = static_cast<std::size_t>(stop - at);
             copy_word(out, at, size);
-            out += fate == KEPT ? size + 1 : 0;
+            out += fate == Fate::KEPT ? size + 1 : 0;
             at = std::min(after_line_end(stop), end);
         }
     }

@@ -1,12 +1,12 @@
-#include "logs/canonical_records.h"
+#include "records/canonical_records.h"
 
 #include <algorithm>
 #include <random>
 #include <vector>
 
-#include "log_region.h"
-#include "logs/log_reader.h"
-#include "units/logs/tallies.h"
+#include "records/words.h"
+#include "units/logs/log_region.h"
+#include "units/records/tallies.h"
 
 namespace gatescope {
 namespace {
@@ -32,20 +32,21 @@ RecordTally counted_by_the_plain_rule(const RecordQuery& query, std::string_view
 }
 
 /// After the text stands what would change the counts if the fast path believed it.
-RecordTally counted(const RecordQuery& query, const std::string& text, Lanes lanes) {
+RecordTally counted(const RecordQuery& query, const std::string& text, InstructionSet set) {
     const std::string with_margin = text + std::string(READER_MARGIN, '>');
     RecordTally tally;
-    CanonicalQuery(query, lanes).count({with_margin.data(), text.size()}, &tally);
+    CanonicalQuery(query, set).count({with_margin.data(), text.size()}, &tally);
     return tally;
 }
 
-const std::vector<Lanes> ALL_LANES = {best_lanes(), Lanes::VECTORS, Lanes::BYTES};
+const std::vector<InstructionSet> ALL_SETS = {best_instruction_set(), InstructionSet::SSE2,
+                                              InstructionSet::SCALAR};
 
 /// Whether all fast paths count what the plain rule counts.
 bool same_counts_on_all_paths(const RecordQuery& query, const std::string& text) {
     const RecordTally plain = counted_by_the_plain_rule(query, text);
-    return std::all_of(ALL_LANES.begin(), ALL_LANES.end(), [&](Lanes lanes) {
-        return same_counts(plain, counted(query, text, lanes));
+    return std::all_of(ALL_SETS.begin(), ALL_SETS.end(), [&](InstructionSet set) {
+        return same_counts(plain, counted(query, text, set));
     });
 }
 

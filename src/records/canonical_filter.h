@@ -11,7 +11,7 @@ struct CanonicalFilter {
     /// The user and the '[' after it are no longer than this.
     static constexpr std::size_t USER_LIMIT = 32;
 
-    /// RecordOutcome by kind and detail letter, as the plain rule has it.
+    /// Outcome by kind and detail letter, as the plain rule has it.
     std::array<std::uint8_t, 32> outcomes = {};
     /// "user[" in lower case, the bytes of it that count, and the bit that tells the cases of a
     /// letter apart where there is a letter.

@@ -1,11 +1,11 @@
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
+#include "records/words.h"
 
 namespace gatescope {
 namespace {
@@ -36,7 +36,7 @@ bool passes(const RecordQuery& query, const Record& record) {
 }
 
 /// The markers are tried in this order, and the first that is there decides.
-RecordOutcome outcome_per_day(int query, const Record& record) {
+std::uint8_t outcome_per_day(int query, const Record& record) {
     const bool commands = query == 1 || query == 3;
     if (record.holds(":p:")) {
         if (query != 6) return SEEN;
@@ -49,7 +49,7 @@ RecordOutcome outcome_per_day(int query, const Record& record) {
     return SEEN;
 }
 
-RecordOutcome outcome_per_number(const RecordQuery& query, const Record& record) {
+std::uint8_t outcome_per_number(const RecordQuery& query, const Record& record) {
     if (query.query == 4) return record.holds(":b:") ? ALLOWED : SEEN;
     const bool counted =
         (query.edition == 1 && record.holds("]k<")) || (query.edition == 0 && record.holds("]c<"));
