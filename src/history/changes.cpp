@@ -25,7 +25,7 @@ std::string bytes_of(const std::string& path) {
     return bytes;
 }
 
-/// Whether all of a record stands there.
+/// Whether the line is a complete record: a torn one may end anywhere.
 bool is_record(const PastChange& change) {
     return change.text("file").starts_with('/') &&
            (change.line.ends_with("\"saved\":null}\n") ||
@@ -42,7 +42,7 @@ PastChanges read_history(const std::string& directory, const std::optional<std::
     for (const std::string_view line : whole_lines(bytes)) {
         const PastChange change = {directory, ++number, std::string(line)};
         if (!is_record(change)) {
-            note(filled(NO_WHOLE_RECORD, number, path.c_str()), HISTORY_PROGRAM);
+            note(filled(NOT_A_COMPLETE_RECORD, number, path.c_str()), HISTORY_PROGRAM);
         } else if (!file || change.text("file") == *file) {
             changes.push_back(change);
         }

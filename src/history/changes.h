@@ -29,8 +29,8 @@ struct PastChange {
 using PastChanges = std::vector<PastChange>;
 
 /// Reads the records in the directory, of one policy file where that is named. Gripes when the
-/// lines cannot be read. A line that holds no record, or not all of one, is named on standard error
-/// and passed over.
+/// lines cannot be read. A line that is not a complete record is reported on standard error and
+/// skipped.
 PastChanges read_history(const std::string& directory, const std::optional<std::string>& file);
 
 /// What the policy file held before the change: the saved text, or nothing where there was no file

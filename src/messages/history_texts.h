@@ -59,7 +59,7 @@ inline constexpr char NO_SUCH_CHANGE[] = "there is no change %s in (%s)";
 inline constexpr char SEVERAL_FILES[] =
     "(%s) holds changes of several policy files, such as (%s) and (%s); name one with -f";
 /// Number, file.
-inline constexpr char NO_WHOLE_RECORD[] = "line %d of (%s) holds no whole record";
+inline constexpr char NOT_A_COMPLETE_RECORD[] = "line %d of (%s) is not a complete record";
 /// File, reason.
 inline constexpr char CANNOT_READ[] = "(%s) cannot be read: %s";
 /// File, number of the next change.

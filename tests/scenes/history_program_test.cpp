@@ -247,7 +247,7 @@ TEST(HistoryProgram, WithoutAHistoryItSaysSo) {
                  "(none/changes.jsonl) cannot be read: No such file or directory");
 }
 
-TEST(HistoryProgram, ALineThatIsNoRecordIsNamedAndTheOthersAreShown) {
+TEST(HistoryProgram, ReportsALineWithoutACompleteRecordAndShowsTheOthers) {
     Region east = region_with_two_changes();
     const std::string list = history(east, {"list"}).out;
     east.write_file("history/changes.jsonl",
@@ -256,14 +256,14 @@ TEST(HistoryProgram, ALineThatIsNoRecordIsNamedAndTheOthersAreShown) {
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.out, list);
     EXPECT_EQ(result.err, "gatescope-history: line 3 of (" + east.path("history/changes.jsonl") +
-                              ") holds no whole record\n");
+                              ") is not a complete record\n");
     EXPECT_EQ(history(east, {"restore", "1"}).status, 0);
     EXPECT_TRUE(
         list_without_times(history(east, {"list"}).out).find("4  TIME  operator  restore  ") !=
         std::string::npos);
 }
 
-TEST(HistoryProgram, PutsBackNoTextThatNoReaderTakes) {
+TEST(HistoryProgram, RefusesToPutBackATextOfMoreThan30000Bytes) {
     Region east = region_with_two_changes();
     const std::string saved = "history/" + saved_name(east, 1);
     const std::string before = east.gatebits();
@@ -276,7 +276,7 @@ TEST(HistoryProgram, PutsBackNoTextThatNoReaderTakes) {
     EXPECT_EQ(history(east, {"list"}).out.find("restore"), std::string::npos);
 }
 
-TEST(HistoryProgram, PutsBackATextWhateverStandsInItsPlace) {
+TEST(HistoryProgram, PutsBackATextAlsoOverAnEmptyFileOrNulBytes) {
     Region east = region_with_two_changes();
     const std::string old = east.file("history/" + saved_name(east, 1));
     for (const std::string& ruined : {std::string(), std::string("\n"), std::string("a\0b", 3)}) {

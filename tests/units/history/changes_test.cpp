@@ -35,7 +35,7 @@ class ChangesTest : public testing::Test {
     }
     std::string note_of(int number) const {
         return "gatescope-history: line " + std::to_string(number) + " of (" +
-               stage / "changes.jsonl" + ") holds no whole record\n";
+               stage / "changes.jsonl" + ") is not a complete record\n";
     }
 
     ScratchDirectory stage;
@@ -58,7 +58,7 @@ TEST_F(ChangesTest, AreNumberedByTheirLines) {
     EXPECT_EQ(of_one[0].number, 2);
 }
 
-TEST_F(ChangesTest, ALineThatHoldsNoWholeRecordIsNamedAndPassedOver) {
+TEST_F(ChangesTest, SkipsALineWithoutACompleteRecordAndReportsIt) {
     const std::string whole = line("/a", "null");
     const std::string saved = line("/a", "\"a}b\"");
     // Other texts, other forms of JSON, and what a line may end in when it was not finished.

@@ -180,7 +180,7 @@ TEST_F(HistoryTest, AnOldTextIsNotOpenToMoreThanThePolicyFile) {
     EXPECT_EQ(mode_of(directory + "/" + saved_names().at(0)), 0440u);
 }
 
-TEST_F(HistoryTest, NothingIsGluedToALineThatWasNotFinished) {
+TEST_F(HistoryTest, ARecordIsNotAppendedToATornLine) {
     record();
     const std::string torn = file_text(changes) + "{\"time\":\"2026-11";
     write_file(changes, torn);
