@@ -149,7 +149,7 @@ LastAnswer A_22(const std::string& gatebits_file) {
         last_answer = {entered};
         const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
         if (confirm_add(wanted) == Consent::CONFIRMED) {
-            change(gatebits_file, {gatebits, nothing},
+            change(gatebits_file, {gatebits, no_part},
                    [&](const Gatebits& now) { return set_a_line(now, 0, *entered); },
                    {"A22", wanted.item, std::nullopt, *entered});
             // A new key has always been reported as a change.

@@ -10,6 +10,7 @@
 
 #include "base/files.h"
 #include "base/platform.h"
+#include "base/signals_held.h"
 
 namespace gatescope {
 
@@ -33,6 +34,21 @@ bool Directory::is_name_of(const std::string& name, const Descriptor& file) cons
     const Entry entry = look(name);
     return entry.exists() && fstat(file.get(), &opened) == 0 &&
            id_of(entry.status) == id_of(opened);
+}
+
+int Directory::may_replace(const std::string& name, const std::string& trial) const {
+    struct stat directory;
+    if (fstat(descriptor(), &directory) != 0) return errno;
+    const Entry entry = look(name);
+    const uid_t self = geteuid();
+    // In a sticky directory names belong to the owners of their files.
+    const bool may = self == 0 || (directory.st_mode & S_ISVTX) == 0 || self == directory.st_uid ||
+                     self == entry.status.st_uid;
+    if (!may) return EPERM;
+    const SignalsHeld held;
+    const int error = link(name, trial);
+    if (error != 0) return error == EEXIST ? 0 : error;
+    return unlink(trial);
 }
 
 int Directory::list(const std::string& prefix, std::vector<std::string>* names) const {

@@ -16,7 +16,7 @@ std::string directory_of(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-std::string name_in(const std::string& path) {
+std::string file_name_of(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 

@@ -8,8 +8,8 @@ namespace gatescope {
 /// The directory of `path`.
 std::string directory_of(const std::string& path);
 
-/// The name of `path` in its directory.
-std::string name_in(const std::string& path);
+/// The last component of `path`.
+std::string file_name_of(const std::string& path);
 
 /// The path of `name` in the directory of `path`.
 std::string beside(const std::string& path, const std::string& name);

@@ -1,7 +1,5 @@
 #include "base/writers.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <thread>
 
@@ -23,9 +21,9 @@ Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point dea
         struct stat status = {};
         const int error = fstat(file.get(), &status) == 0 ? 0 : errno;
         if (leased) release_lease(file.get());
-        if (error != 0 || leased) return {error, status.st_size, Writers::NONE};
+        if (error != 0 || leased) return {error, status, Writers::NONE};
         if (std::chrono::steady_clock::now() >= deadline) {
-            return {0, status.st_size, has_open_writer ? Writers::SOME : Writers::UNKNOWN};
+            return {0, status, has_open_writer ? Writers::SOME : Writers::UNKNOWN};
         }
         if (has_open_writer) {
             std::this_thread::sleep_for(STEP);

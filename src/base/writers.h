@@ -1,6 +1,6 @@
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <chrono>
 
@@ -18,7 +18,8 @@ enum class Writers {
 struct Settled {
     /// 0 or an errno of fstat.
     int error;
-    off_t size;
+    /// All 0 with an error.
+    struct stat status;
     Writers writers;
 };
 

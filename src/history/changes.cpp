@@ -53,7 +53,7 @@ PastChanges read_history(const std::string& directory, const std::optional<std::
 std::string text_before(const PastChange& change) {
     if (!change.value("saved")) return "";
     // No record that was made here leads to another directory, or to a text that none could read.
-    const std::string path = change.directory + "/" + name_in(change.text("saved"));
+    const std::string path = change.directory + "/" + file_name_of(change.text("saved"));
     const std::string text = bytes_of(path);
     if (text.size() <= GATEBITS_FILE_LIMIT) return text;
     gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));

@@ -2,12 +2,11 @@
 
 #include "base/filled.h"
 #include "base/run_identity.h"
-#include "messages/log_texts.h"
 
 namespace gatescope {
 namespace {
 
-// Names of the files in the logging directory: directory, delimiter, then the number where there
+// Paths in the logging directory: directory, delimiter, and the number where there
 // is one.
 constexpr char LOGGING_NORMAL_PATTERN[] = "%s%clogging_%d.txt";
 constexpr char LOGGING_PRUNING_PATTERN[] = "%s%clogging__%d.txt";

@@ -28,7 +28,7 @@ int SharedLog::error() {
     return error_;
 }
 
-bool is_want(int error) {
+bool is_resource_shortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOMEM;
 }
 

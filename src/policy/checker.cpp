@@ -14,19 +14,19 @@
 namespace gatescope {
 namespace {
 
-/// Checker and gatebits file, quoted as is wished; option word.
+/// Quoted checker, gatebits file, option.
 constexpr char CHECKER_LINE[] = "%s %s -%s";
 
 constexpr char ERROR_ONLY[] = "error_only";
 constexpr char STATUS_ONLY[] = "status_only";
 constexpr char ERROR_COUNT[] = "error_count";
 /// In the order of CheckMode.
-constexpr const char* OPTION_WORDS[] = {ERROR_ONLY, STATUS_ONLY, ERROR_COUNT};
+constexpr const char* MODE_OPTIONS[] = {ERROR_ONLY, STATUS_ONLY, ERROR_COUNT};
 
 }  // namespace
 
 std::string emergency_checker(const std::string& program_path) {
-    // The last such letter anywhere in the path counts, wherever the program's name begins.
+    // The last such letter may be in the name of a directory.
     const auto cut = program_path.rfind(SELF[0]);
     return (cut == std::string::npos ? "" : program_path.substr(0, cut)) + GATEWARDEN_LIT;
 }
@@ -44,13 +44,13 @@ bool find_checker(ToolSettings* tools) {
 }
 
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
-                            const char* word) {
+                            const char* option) {
     return filled(CHECKER_LINE, quoted(checker).c_str(), path_argument(gatebits_file).c_str(),
-                  word);
+                  option);
 }
 
 std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region) {
-    const char* word = OPTION_WORDS[static_cast<std::size_t>(mode)];
+    const char* option = MODE_OPTIONS[static_cast<std::size_t>(mode)];
     const bool found = find_checker(&region->tools);
     const std::string& checker = region->tools.GS_VAR[UNIX_CHECKER];
     if (!found) {
@@ -59,7 +59,7 @@ std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSetti
         return std::nullopt;
     }
     const int status =
-        run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, word));
+        run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, option));
     return CheckResult{status != 0, mode == CheckMode::COUNT ? status : 0};
 }
 

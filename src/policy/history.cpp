@@ -140,9 +140,9 @@ HistoryRecord record_change(const std::string& policy_file,
     std::optional<std::string> saved;
     if (old_text) {
         need(stat(file.c_str(), &status) == 0, file);
-        record.saved =
-            save_text(beside(lines, name_in(file)), *old_text, mode & status.st_mode & 0444, &now);
-        saved = name_in(record.saved);
+        record.saved = save_text(beside(lines, file_name_of(file)), *old_text,
+                                 mode & status.st_mode & 0444, &now);
+        saved = file_name_of(record.saved);
     }
     errno = sync_directory_of(lines);
     need(errno == 0, directory);

@@ -1,6 +1,5 @@
 #include "pruning/left_overs.h"
 
-#include <algorithm>
 #include <array>
 #include <cinttypes>
 #include <cstdio>
@@ -18,27 +17,21 @@ LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint) {
     std::string name = log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
     if (kind == LeftOver::READY) name += "_" + std::to_string(fingerprint);
-    return {kind, name, number, fingerprint};
+    return {kind, number, name};
 }
 
-std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs) {
-    std::vector<std::string> names;
-    need(logs.list(log + ".", &names));
-    std::vector<LeftOver> found;
+std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::string>& names) {
+    std::set<LeftOver> found;
     for (const std::string& name : names) {
-        const std::size_t numbers = std::min(name.find('_', log.size()), name.size());
+        if (!name.starts_with(log)) continue;
         long long number = -1;
         std::uint64_t fingerprint = 0;
-        std::sscanf(&name[numbers], "_%lld_%" SCNu64, &number, &fingerprint);
-        // One that cannot be examined now is found out when it is opened.
-        const Directory::Entry entry = logs.look(name);
-        if (number < 0 || (entry.exists() && !entry.is_regular())) continue;
+        std::sscanf(&name[log.size()], ".%*[a-z]_%lld_%" SCNu64, &number, &fingerprint);
         for (const LeftOver::Kind kind : {LeftOver::TAKEN, LeftOver::OLD, LeftOver::READY}) {
             LeftOver one = left_over(kind, log, number, fingerprint);
-            if (one.name == name) found.push_back(std::move(one));
+            if (number >= 0 && one.name == name) found.insert(std::move(one));
         }
     }
-    std::ranges::sort(found, {}, &LeftOver::number);
     return found;
 }
 

@@ -3,11 +3,9 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <set>
 #include <string>
 #include <vector>
-
-#include "base/directory.h"
-#include "pruning/left_alone.h"
 
 namespace gatescope {
 
@@ -29,16 +27,16 @@ namespace gatescope {
 
 struct LeftOver {
     enum Kind { TAKEN, OLD, READY } kind;
-    std::string name;
     /// K or F.
     off_t number;
-    /// P.
-    std::uint64_t fingerprint;
+    std::string name;
+    bool operator<(const LeftOver& other) const { return name < other.name; }
 };
+/// `fingerprint` is P.
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint = 0);
 
-/// The left-overs of a log, by their numbers. What is no regular file is none.
-std::vector<LeftOver> left_overs_of(const std::string& log, const Directory& logs);
+/// Those of `names` that are left-overs of the log.
+std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::string>& names);
 
 }  // namespace gatescope

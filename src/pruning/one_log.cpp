@@ -5,10 +5,8 @@
 
 #include <cerrno>
 #include <utility>
-#include <vector>
 
 #include "base/filled.h"
-#include "base/signals_held.h"
 #include "base/standard_streams.h"
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
@@ -17,23 +15,23 @@
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
 #include "messages/startup_texts.h"
-#include "pruning/left_overs.h"
+#include "pruning/left_alone.h"
 #include "records/kept_records.h"
 
 namespace gatescope {
 namespace {
 
+using enum LeftOver::Kind;
+
 constexpr mode_t PUBLIC = 0666;
-/// How often the copy of a log that grows is brought up to date; each time takes a fraction of the
-/// time before.
-constexpr int MOST_UPDATES = 5;
 
 /// A file of which the words from byte `from` up to byte `to` become the log's.
 struct Source {
+    std::string name;
     Descriptor file;
     off_t from;
     off_t to;
-    Writers writers;
+    struct stat status;
 };
 
 /// Why a file of that kind is not used; empty for a regular one, and for none.
@@ -43,96 +41,94 @@ std::string reason_against(const Directory::Entry& entry) {
     return "";
 }
 
-/// What stands under a name. Not to know that is no reason to take it for nothing.
+/// What stands under a name. A name that cannot be looked at is not taken for a free one.
 Directory::Entry seen(const std::string& name, const Work& work) {
     const Directory::Entry entry = work.logs.look(name);
-    need(entry.error == ENOENT ? 0 : entry.error, name);
+    leave_alone_on(entry.error == ENOENT ? 0 : entry.error, name);
     return entry;
 }
 
-/// stop, unless the token is down: then the log is left alone.
-void stop_or_leave(const char* failure, const std::string& name, int error, const Work& work) {
-    if (!work.logs.look(work.token).exists()) need(error, name);
-    stop(failure, name, error, work);
+/// Whether there is a regular file of that name. Why another kind of file is not used is noted.
+bool is_usable(const std::string& name, Work* work) {
+    const Directory::Entry entry = seen(name, *work);
+    const std::string reason = reason_against(entry);
+    if (!reason.empty()) work->unused[name] = reason;
+    return entry.is_regular();
 }
 
 /// Opens a file for reading; nothing is open when there is none.
 Descriptor open_to_read(const std::string& name, const Work& work, Moment deadline) {
     Descriptor file = work.logs.open(name, O_RDONLY, deadline);
-    if (!file && errno == EWOULDBLOCK) throw LeftAlone{KEPT_OPEN};
-    need(file || errno == ENOENT ? 0 : errno);
+    leave_alone_on(file || errno == ENOENT ? 0 : errno, name);
     return file;
 }
 
-/// What `file` holds when nobody writes to it any more; `name` where it is not the log.
-Source settled(Descriptor file, off_t from, const std::string& name, const Work& work,
+/// `file` from its byte `from` on, when no process writes to it any more.
+Source settled(const std::string& name, Descriptor file, off_t from, const Work& work,
                Moment deadline) {
-    Settled state = settle(file, deadline);
-    need(state.error, name);
+    const Settled state = settle(file, deadline);
+    leave_alone_on(state.error, name);
+    const off_t size = state.status.st_size;
     char last = '\n';
-    need(state.size == 0 || pread(file.get(), &last, 1, state.size - 1) != -1 ? 0 : errno, name);
+    leave_alone_on(size == 0 || pread(file.get(), &last, 1, size - 1) != -1 ? 0 : errno, name);
     // Without the token a record without its end is being written.
-    if (state.writers == Writers::UNKNOWN && !is_white(last) &&
-        !work.logs.look(work.token).exists()) {
-        state.writers = Writers::SOME;
-    }
-    if (state.writers == Writers::SOME)
-        throw LeftAlone{(name.empty() ? "" : name + ": ") + KEPT_OPEN};
-    return {std::move(file), from, state.size, state.writers};
+    const bool is_torn = state.writers == Writers::UNKNOWN && !work.has_token && !is_white(last);
+    if (is_torn || state.writers == Writers::SOME) throw LeftAlone{name, KEPT_OPEN};
+    return {name, std::move(file), from, size, state.status};
 }
 
-std::uint64_t fingerprint_of_log(const Descriptor& log, off_t size) {
+/// The name of the complete new text that stands for the first `size` bytes of the open log.
+LeftOver ready_text(const Log& log, const Descriptor& file, off_t size) {
     std::uint64_t fingerprint;
-    need(fingerprint_of(log.get(), size, &fingerprint));
-    return fingerprint;
+    leave_alone_on(fingerprint_of(file.get(), size, &fingerprint), log.name);
+    return left_over(READY, log.name, size, fingerprint);
 }
 
-/// Makes an empty log, to which everybody can append.
-void make_log(const std::string& name, const Work& work) {
-    const Descriptor file = work.logs.open(name, O_WRONLY | O_CREAT | O_EXCL, {});
-    if (!file) stop_or_leave(NO_LOGGING_FILE, name, errno, work);
-    need(fchmod(file.get(), PUBLIC) == 0 ? 0 : errno);
+/// Makes an empty log, to which everybody can append, and opens it for reading.
+Descriptor make_log(const std::string& name, Work* work) {
+    Descriptor file = work->logs.open(name, O_RDONLY | O_CREAT | O_EXCL, {});
+    if (!file) stop(NO_LOGGING_FILE, name, errno, work);
+    leave_alone_on(fchmod(file.get(), PUBLIC) == 0 ? 0 : errno, name);
+    return file;
 }
 
-/// Removes what a ready text holds: the taken and old files.
+/// Removes what stands in a ready text, once the disk keeps its name: the taken and old files.
 void remove_what_is_added(const Log& log, const Work& work) {
-    for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
-        if (one.kind != LeftOver::READY) need(work.logs.unlink(one.name), one.name);
+    leave_alone_on(work.logs.sync(), log.name);
+    for (const LeftOver& one : log.left_overs) {
+        if (one.kind != READY) leave_alone_on(work.logs.unlink(one.name), one.name);
     }
 }
 
 /// Puts a ready text in the place of the log, which is open.
-void finish(const LeftOver& ready, const Descriptor& file, const Log& log, const Work& work) {
-    need(work.logs.sync());
-    remove_what_is_added(log, work);
-    const LeftOver old = left_over(LeftOver::OLD, log.name, ready.number);
-    need(work.logs.link(log.name, old.name), old.name);
-    if (!work.logs.is_name_of(old.name, file)) {
-        work.logs.unlink(old.name);
-        throw LeftAlone{REPLACED_MEANWHILE};
-    }
-    need(work.logs.rename(ready.name, log.name), ready.name);
-    need(work.logs.sync());
+void finish(const LeftOver& ready, const Descriptor& file, Log* log, const Work& work) {
+    remove_what_is_added(*log, work);
+    const LeftOver old = left_over(OLD, log->name, ready.number);
+    leave_alone_on(work.logs.link(log->name, old.name), old.name);
+    log->left_overs.insert(old);
+    // Else it is a second name of the file that took the log's place, which the next step removes.
+    if (!work.logs.is_name_of(old.name, file)) throw LeftAlone{log->name, REPLACED_MEANWHILE};
+    leave_alone_on(work.logs.rename(ready.name, log->name), ready.name);
+    leave_alone_on(work.logs.sync(), log->name);
 }
 
 /// Renames a file to a taken one.
-void take(const std::string& name, const Log& log, const Work& work) {
-    LeftOver taken = left_over(LeftOver::TAKEN, log.name, 0);
-    while (seen(taken.name, work).exists()) {
-        taken = left_over(LeftOver::TAKEN, log.name, taken.number + 1);
-    }
-    need(work.logs.rename(name, taken.name), name);
+void take(const std::string& name, Log* log, const Work& work) {
+    LeftOver taken = left_over(TAKEN, log->name, 0);
+    while (seen(taken.name, work).exists()) taken = left_over(TAKEN, log->name, taken.number + 1);
+    leave_alone_on(work.logs.rename(name, taken.name), name);
+    log->left_overs.insert(taken);
 }
 
 /// Completes a pruning that was ended after its commit.
-void complete(const LeftOver& ready, const Log& log, const Work& work) {
-    // With another name it may be a file that is none of ours.
-    need(seen(ready.name, work).status.st_nlink > 1 ? EMLINK : 0, ready.name);
-    const Descriptor file = open_to_read(log.name, work, Moment::clock::now());
-    if (file && fingerprint_of_log(file, ready.number) == ready.fingerprint) {
+void complete(const LeftOver& ready, Log* log, const Work& work) {
+    // With a second name it may be a file from outside of the directory.
+    leave_alone_on(seen(ready.name, work).status.st_nlink > 1 ? EMLINK : 0, ready.name);
+    const Descriptor file = open_to_read(log->name, work, Moment::clock::now());
+    if (file && ready_text(*log, file, ready.number).name == ready.name) {
         return finish(ready, file, log, work);
     }
-    remove_what_is_added(log, work);
+    remove_what_is_added(*log, work);
     take(ready.name, log, work);
 }
 
@@ -140,18 +136,15 @@ void complete(const LeftOver& ready, const Log& log, const Work& work) {
 std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline) {
     const Directory::Entry itself = seen(log.name, work);
     std::vector<Source> sources;
-    for (const LeftOver& one : left_overs_of(log.name, work.logs)) {
+    for (const LeftOver& one : log.left_overs) {
         Descriptor file = open_to_read(one.name, work, deadline);
         if (!file) continue;
-        const off_t from = one.kind == LeftOver::OLD ? one.number : 0;
-        Source source = settled(std::move(file), from, one.name, work, deadline);
-        const Directory::Entry entry = seen(one.name, work);
+        const off_t from = one.kind == OLD ? one.number : 0;
+        Source source = settled(one.name, std::move(file), from, work, deadline);
         // A run that was killed leaves the log itself under two names.
-        if (source.to <= from || (itself.exists() && id_of(itself.status) == id_of(entry.status))) {
-            need(work.logs.unlink(one.name), one.name);
-        } else {
-            sources.push_back(std::move(source));
-        }
+        const bool is_new = source.to > from && id_of(itself.status) != id_of(source.status);
+        if (!is_new) leave_alone_on(work.logs.unlink(one.name), one.name);
+        if (is_new) sources.push_back(std::move(source));
     }
     return sources;
 }
@@ -160,148 +153,112 @@ std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline
 template <typename Take>
 void read_pieces(const Source& source, Progress* progress, const Take& take) {
     LogReader reader;
-    reader.start(source.file.get(), source.from);
-    off_t from = source.from;
-    bool goes_on = true;
-    for (std::string_view piece; goes_on && from < source.to && reader.next(&piece);) {
-        // What was appended after the end meanwhile is not looked at here.
-        piece = piece.substr(0, static_cast<std::size_t>(source.to - from));
-        from += static_cast<off_t>(piece.size());
-        goes_on = take(piece);
+    reader.start(source.file.get(), source.from, source.to);
+    for (std::string_view piece; reader.next(&piece) && take(piece);) {
         progress->advance(static_cast<off_t>(piece.size()));
     }
-    progress->wipe();
-    need(reader.error());
+    leave_alone_on(reader.error(), source.name);
 }
 
-/// Whether all of the log is kept as it stands, and everybody can append to it.
-bool stays_as_it_is(const Source& log, KeptRecords* records, Work* work) {
-    struct stat status;
-    need(fstat(log.file.get(), &status) == 0 ? 0 : errno);
-    // With other names it may be a file that is none of ours.
-    bool stays = (status.st_mode & 07777) == PUBLIC || status.st_nlink > 1;
+void count(const KeptRecords& records, Log* log, Work* work) {
+    work->total += records.total() - log->kept.value_or(0);
+    work->removed += records.removed();
+    log->kept = records.total() - records.removed();
+}
+
+/// Whether all of the log is kept as it stands, and everybody can append to it; counts its words
+/// then.
+bool stays_as_it_is(const Source& file, Log* log, Work* work) {
+    // The mode of a log with a second name, which may be a file from outside, is not changed.
+    bool stays = (file.status.st_mode & 07777) == PUBLIC || file.status.st_nlink > 1;
     if (!stays) return false;
-    read_pieces(log, &work->progress, [&](std::string_view piece) {
-        stays = records->of(piece).data() == piece.data();
+    KeptRecords records(work->cut_off);
+    read_pieces(file, &work->progress, [&](std::string_view piece) {
+        stays = records.of(piece).data() == piece.data();
         return stays;
     });
+    if (stays) count(records, log, work);
     return stays;
-}
-
-/// Throws LeftAlone where the log cannot be replaced, or have a second name, before anything is
-/// done.
-void need_replaceable(const std::string& log, const Work& work) {
-    struct stat directory;
-    need(fstat(work.logs.descriptor(), &directory) == 0 ? 0 : errno);
-    const uid_t self = geteuid();
-    // In a sticky directory names belong to the owners of their files.
-    const bool is_ours = self == 0 || (directory.st_mode & S_ISVTX) == 0 ||
-                         self == directory.st_uid || self == work.logs.look(log).status.st_uid;
-    need(is_ours ? 0 : EPERM);
-    const SignalsHeld held;
-    const int error = work.logs.link(log, work.scratch);
-    if (error == EEXIST) return;  // making the scratch file says so
-    need(error);
-    need(work.logs.unlink(work.scratch));
 }
 
 /// Appends what is kept of a source to the scratch file, and brings that to the disk.
 void copy(const Source& source, const TemporaryFile& scratch, KeptRecords* records, Work* work) {
-    int error = 0;
     read_pieces(source, &work->progress, [&](std::string_view piece) {
-        error = write_all(scratch.file.get(), records->of(piece));
-        return error == 0;
+        leave_alone_on(write_all(scratch.file.get(), records->of(piece)), work->scratch);
+        return true;
     });
-    if (error == 0 && fsync(scratch.file.get()) != 0) error = errno;
-    need(error, work->scratch);
+    leave_alone_on(fsync(scratch.file.get()) == 0 ? 0 : errno, work->scratch);
 }
 
-/// Makes the ready text of what is kept of the sources, of which the log is the first.
-LeftOver commit(std::vector<Source>* sources, const Log& log, KeptRecords* records, Work* work) {
+/// Replaces the log, which is the first of the sources, by what is kept of all of them, and counts
+/// their words.
+void replace(std::vector<Source>* sources, Log* log, Work* work) {
     Source& old = sources->front();
     TemporaryFile scratch(work->logs, work->scratch, PUBLIC);
-    if (!scratch.file) stop_or_leave(NO_PRUNING_FILE, work->scratch, errno, *work);
+    if (!scratch.file) stop(NO_PRUNING_FILE, work->scratch, errno, work);
     carry_over_identity(old.file.get(), scratch.file.get());
-    need(fchmod(scratch.file.get(), PUBLIC) == 0 ? 0 : errno, work->scratch);
-    for (const Source& source : *sources) copy(source, scratch, records, work);
+    leave_alone_on(fchmod(scratch.file.get(), PUBLIC) == 0 ? 0 : errno, work->scratch);
+    KeptRecords records(work->cut_off);
+    for (const Source& source : *sources) copy(source, scratch, &records, work);
     // Where no token diverts the writers, the log has grown meanwhile.
-    for (int update = 0; update < MOST_UPDATES; ++update) {
-        const Settled now = settle(old.file, Moment::clock::now());
-        if (now.error != 0 || now.writers != Writers::NONE || now.size <= old.to) break;
-        old.from = std::exchange(old.to, now.size);
-        copy(old, scratch, records, work);
+    const Settled now = settle(old.file, Moment::clock::now());
+    if (now.writers == Writers::NONE && now.status.st_size > old.to) {
+        old.from = std::exchange(old.to, now.status.st_size);
+        copy(old, scratch, &records, work);
     }
-    need(scratch.file.close(), work->scratch);
-    LeftOver ready =
-        left_over(LeftOver::READY, log.name, old.to, fingerprint_of_log(old.file, old.to));
-    need(scratch.rename_to(ready.name), ready.name);
-    return ready;
-}
-
-void count(const KeptRecords& records, Log* log, Work* work) {
-    work->total += records.total() - log->counted;
-    work->removed += records.removed();
-    log->counted = records.total() - records.removed();
-    log->is_pruned = true;
+    leave_alone_on(scratch.file.close(), work->scratch);
+    const LeftOver ready = ready_text(*log, old.file, old.to);
+    leave_alone_on(scratch.rename_to(ready.name), ready.name);
+    log->left_overs.insert(ready);
+    log->is_replaced = true;
+    count(records, log, work);
+    finish(ready, old.file, log, *work);
 }
 
 }  // namespace
 
-void stop(const char* failure, const std::string& name, int error, const Work& work) {
-    const std::string reason = reason_against(work.logs.look(name));
-    if (!reason.empty()) note(work.logs.path_of(name) + ": " + reason);
-    if (work.logs.look(work.token).exists()) {
-        note(filled(TOKEN_STANDS, work.logs.path_of(work.token).c_str()));
-    }
-    gripe(failure, work.logs.path_of(name), error);
+void stop(const char* failure, const std::string& name, int error, Work* work) {
+    const std::string reason = reason_against(work->logs.look(name));
+    if (!work->has_token) throw LeftAlone{name, reason.empty() ? std::strerror(error) : reason};
+    work->progress.wipe();
+    if (!reason.empty()) note(work->logs.path_of(name) + ": " + reason);
+    const std::string token = work->logs.path_of(work->token);
+    if (work->logs.look(work->token).exists()) note(filled(TOKEN_STANDS, token.c_str()));
+    gripe(failure, work->logs.path_of(name), error);
 }
 
-void prepare(Log* log, const Work& work) {
-    const Directory::Entry companion = seen(log->companion, work);
-    const std::string reason = reason_against(seen(log->name, work));
+void prepare(Log* log, const std::vector<std::string>& names, Work* work) {
+    log->reason.clear();
+    log->is_replaced = false;
+    log->left_overs = left_overs_of(log->name, names);
+    std::erase_if(log->left_overs, [&](const LeftOver& one) { return !is_usable(one.name, work); });
+    const Directory::Entry companion = seen(log->companion, *work);
+    const std::string reason = reason_against(seen(log->name, *work));
     if (!reason.empty()) {
         const bool is_needed = companion.is_regular() && companion.status.st_size > 0;
-        if (is_needed && work.logs.look(work.token).exists()) {
-            stop(NO_LOGGING_FILE, log->name, EEXIST, work);
-        }
-        throw LeftAlone{reason};
+        if (is_needed) stop(NO_LOGGING_FILE, log->name, EEXIST, work);
+        throw LeftAlone{log->name, reason};
     }
-    for (const LeftOver& one : left_overs_of(log->name, work.logs)) {
-        if (one.kind == LeftOver::READY) complete(one, *log, work);
+    const std::set<LeftOver> found = log->left_overs;
+    for (const LeftOver& one : found) {
+        if (one.kind == READY) complete(one, log, *work);
     }
-    log->companion_reason = reason_against(companion);
-    if (!companion.is_regular()) return;
-    if (!seen(log->name, work).exists()) make_log(log->name, work);
-    take(log->companion, *log, work);
+    if (is_usable(log->companion, work)) take(log->companion, log, *work);
 }
 
-void rewrite(Log* log, Work* work, Moment deadline) {
+bool rewrite(Log* log, Work* work, Moment deadline) {
     std::vector<Source> sources = sources_of(*log, *work, deadline);
-    if (sources.empty() && log->is_pruned) return;
+    if (sources.empty() && log->kept) return false;
+    const bool is_late = log->is_replaced && Moment::clock::now() >= deadline;
+    if (is_late) throw LeftAlone{log->name, LATE_RECORDS};
     Descriptor file = open_to_read(log->name, *work, deadline);
-    if (!file && sources.empty()) return;
-    if (!file) {
-        make_log(log->name, *work);
-        return rewrite(log, work, deadline);
-    }
-    sources.insert(sources.begin(), settled(std::move(file), 0, "", *work, deadline));
-    KeptRecords looked_at(work->cut_off);
-    if (sources.size() == 1 && stays_as_it_is(sources.front(), &looked_at, work)) {
-        return count(looked_at, log, work);
-    }
-    need_replaceable(log->name, *work);
-    KeptRecords records(work->cut_off);
-    const LeftOver ready = commit(&sources, *log, &records, work);
-    count(records, log, work);
-    finish(ready, sources.front().file, *log, *work);
-}
-
-bool remove_unchanged_old_files(const Log& log, const Work& work, Moment deadline) {
-    const std::vector<Source> added_to = sources_of(log, work, deadline);
-    for (const Source& old : added_to) {
-        if (old.writers == Writers::UNKNOWN) throw LeftAlone{LATE_RECORDS};
-    }
-    return added_to.empty();
+    if (!file && log->left_overs.empty()) return false;
+    if (!file) file = make_log(log->name, work);
+    sources.insert(sources.begin(), settled(log->name, std::move(file), 0, *work, deadline));
+    if (sources.size() == 1 && stays_as_it_is(sources.front(), log, work)) return false;
+    leave_alone_on(work->logs.may_replace(log->name, work->scratch), log->name);
+    replace(&sources, log, work);
+    return true;
 }
 
 }  // namespace gatescope

@@ -8,26 +8,26 @@
 
 namespace gatescope {
 
-// The fast path of the queries. Almost every record of a log has the exact shape that the policy
-// engine writes; canonical_scan.h says what it is and why it may be counted by its fields.
-// All others take the plain rule, so that the result is the plain rule's for every input.
+// The fast path of the queries, for records of the exact shape that the policy engine writes:
+// canonical_scan.h defines it and explains why comparing single fields is enough. All other words
+// take the plain rule. The result is that of the plain rule for every input.
 
 /// A query, prepared for records of the canonical shape.
 class CanonicalQuery {
   public:
     explicit CanonicalQuery(const RecordQuery& query, InstructionSet set = best_instruction_set());
 
-    /// Counts all words of `piece`, after whose end READER_MARGIN bytes may be read.
+    /// Counts all words of `piece`. READER_MARGIN bytes may be read after the piece.
     void count(std::string_view piece, RecordTally* tally) const;
 
-    /// Whether each filter is one that a canonical record can be asked field by field. If not,
-    /// count uses the plain rule throughout.
+    /// Whether each filter can be compared with one field of a canonical record. If not, count()
+    /// applies the plain rule to every word.
     bool has_fast_path() const { return has_fast_path_; }
 
   private:
-    bool take_filter(std::string_view filter);
-    bool take_user(std::string_view user_and_bracket);
-    void ask_for_outcomes(RecordQuery letters);
+    bool add_filter(std::string_view filter);
+    bool add_user_filter(std::string_view user_and_bracket);
+    void find_outcomes(RecordQuery letters);
 
     RecordQuery plain_;
     InstructionSet instruction_set_;

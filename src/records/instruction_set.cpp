@@ -1,11 +1,11 @@
 #include "records/instruction_set.h"
 
 // The C library executes CPUID once, at program start; a second time is slow under a hypervisor.
-// __x86_64__ is asked too because a cross compiler may find the header of the build machine.
+// __x86_64__ is tested too because a cross compiler may find the header of the build machine.
 #if defined(__x86_64__) && __has_include(<sys/platform/x86.h>)
 #define GATESCOPE_ASKS_THE_PROCESSOR
 #if defined(__clang__)
-#define _Bool bool  // the header uses C's name, which clang++ does not know
+#define _Bool bool  // the header uses C's name, which clang++ does not define
 #endif
 #include <sys/platform/x86.h>
 #endif

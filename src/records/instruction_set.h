@@ -4,15 +4,15 @@ namespace gatescope {
 
 /// The instructions that the fast paths use. The results are the same with each.
 enum class InstructionSet {
-    /// AVX2, BMI1, BMI2 and POPCNT. As SCALAR where the processor is not x86-64.
+    /// AVX2, BMI1, BMI2 and POPCNT. As SCALAR on processors other than x86-64.
     AVX2,
-    /// What every x86-64 has. As SCALAR on other processors.
+    /// Part of every x86-64. As SCALAR on other processors.
     SSE2,
-    /// One byte after the other.
+    /// No vector instructions.
     SCALAR
 };
 
-/// The fastest set that the processor has.
+/// The fastest set that the processor supports.
 InstructionSet best_instruction_set();
 
 }  // namespace gatescope

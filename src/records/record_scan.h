@@ -29,16 +29,16 @@ ALWAYS_INLINE std::uint64_t first_digits(const char* at) {
     return std::endian::native == std::endian::little ? __builtin_bswap64(number) : number;
 }
 
-/// The same for a time; the smallest or largest value if it has fewer or more digits.
+/// The same for a time in seconds; the smallest or largest value if it has fewer or more digits.
 std::uint64_t first_digits(std::int64_t time);
 
 /// Bytes that one call of find_word_ends searches, and bytes that one step of it loads.
 constexpr std::size_t SLICE = 4096;
 constexpr std::size_t BLOCK = 64;
-/// At the usual length of records, rarely more of them end in one block.
-constexpr int STORED_AT_ONCE = 3;
-/// One place for each byte of a slice, and STORED_AT_ONCE that are written but never read.
-using WordEnds = std::array<const char*, SLICE + STORED_AT_ONCE>;
+/// Word ends stored per block without a branch. More of them are rare at the usual record length.
+constexpr int STORES_PER_BLOCK = 3;
+/// An element for each byte of a slice, and STORES_PER_BLOCK that are written but never read.
+using WordEnds = std::array<const char*, SLICE + STORES_PER_BLOCK>;
 
 constexpr std::size_t TIME_DIGITS = 10;
 /// "1794787199:D:" comes before the user.
@@ -50,8 +50,8 @@ struct Ranges {
     alignas(16) std::array<std::uint8_t, 16> span = {};
 };
 
-/// The ranges of a pattern, in which '0' stands for any digit, '*' for any byte, and all else for
-/// itself. Anything may come before a pattern that is shorter than sixteen bytes.
+/// The ranges of a pattern, in which '0' matches any digit, '*' any byte, and any other byte
+/// itself. A pattern shorter than sixteen bytes matches the last ones.
 constexpr Ranges ranges_of(std::string_view pattern) {
     Ranges ranges;
     ranges.span.fill(0xFF);
@@ -65,7 +65,7 @@ constexpr Ranges ranges_of(std::string_view pattern) {
     }
     return ranges;
 }
-/// The head of a record, and three bytes more.
+/// The head of a record and any three bytes.
 inline constexpr Ranges CANONICAL_HEAD = ranges_of("0000000000:*:***");
 
 /// The operations of InstructionSet::SCALAR. Those of the other sets return the same.
@@ -122,7 +122,7 @@ struct Scalar {
         return static_cast<std::uint64_t>(std::countr_zero(number | TOP));
     }
 
-    /// The number of set bits. POPCNT is no part of every x86-64.
+    /// The number of set bits. Not every x86-64 has POPCNT.
     ALWAYS_INLINE static std::ptrdiff_t number_of_bits(std::uint64_t number) {
         number -= number >> 1 & 0x5555555555555555;
         number = (number & 0x3333333333333333) + (number >> 2 & 0x3333333333333333);
@@ -189,8 +189,8 @@ struct Sse2 : Scalar {
     }
 };
 
-/// The operations with AVX2. Compilers inline them only into functions with the same target, which
-/// with_avx2 is.
+/// The operations with AVX2. Compilers inline them only into functions with the same target, such
+/// as with_avx2.
 #define FOR_AVX2 [[gnu::target("avx2,bmi,bmi2,popcnt")]]
 struct Avx2 : Sse2 {
     FOR_AVX2 static std::uint32_t half_of_blank_bits(const char* at) {
@@ -204,7 +204,8 @@ struct Avx2 : Sse2 {
     }
 
     FOR_AVX2 static unsigned user_end_bits(const char* at) {
-        // A shuffle uses a byte's lower four bits as the index: '[', ':' and '<' find themselves.
+        // The shuffle's index is the lower four bits of each byte: '[', ':' and '<' yield
+        // themselves.
         const __m128i ends =
             _mm_setr_epi8(-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, ':', '[', '<', -1, -1, -1);
         const __m128i text = sixteen(at);
@@ -248,7 +249,7 @@ void with_instruction_set(InstructionSet set, const Task& task) {
 
 /// Finds candidates for word ends in `slice` (at most SLICE bytes, BLOCK more may be read): the
 /// first byte of each run of blanks and control characters. Not every candidate ends a word: a run
-/// may have begun before the slice, and a control character may be no white space. Stores the
+/// may have begun before the slice, and not every control character is white space. Stores the
 /// positions in `*ends` and returns their number.
 template <class SET>
 ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, WordEnds* ends) {
@@ -263,13 +264,13 @@ ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, Wo
         const char** const next_block = next + SET::number_of_bits(found);
         // A fixed number of stores avoids a branch that is hard to predict.
 #pragma GCC unroll 3
-        for (int i = 0; i < STORED_AT_ONCE; ++i) {
+        for (int i = 0; i < STORES_PER_BLOCK; ++i) {
             next[i] = block + SET::lowest_bit(found);
             found &= found - 1;
             // Keeps the compiler from combining the stores in a vector, which is slower.
             std::atomic_signal_fence(std::memory_order_acq_rel);
         }
-        for (next += STORED_AT_ONCE; found != 0; found &= found - 1) {
+        for (next += STORES_PER_BLOCK; found != 0; found &= found - 1) {
             *next++ = block + SET::lowest_bit(found);
         }
         next = next_block;
@@ -277,13 +278,13 @@ ALWAYS_INLINE std::size_t find_word_ends(const char* slice, std::size_t size, Wo
     return static_cast<std::size_t>(next - ends->data());
 }
 
-/// The first byte in [at, end) that is no white space, or the end.
-ALWAYS_INLINE const char* after_white(const char* at, const char* end) {
+/// The first byte in [at, end) that is not white space, or `end`.
+ALWAYS_INLINE const char* skip_white(const char* at, const char* end) {
     while (at < end && is_white(*at)) ++at;
     return at;
 }
 
-/// 1 for white space, and 0 for all else.
+/// 1 for white space, 0 for other bytes.
 constexpr std::array<std::uint8_t, 256> white_steps() {
     std::array<std::uint8_t, 256> steps = {};
     for (std::size_t c = 0; c < steps.size(); ++c) steps[c] = is_white(static_cast<char>(c));
@@ -291,8 +292,8 @@ constexpr std::array<std::uint8_t, 256> white_steps() {
 }
 inline constexpr std::array<std::uint8_t, 256> WHITE_STEP = white_steps();
 
-/// Where the next word begins if `stop` ends one and at most one more byte of white space follows,
-/// as in "\r\n". Without a branch: a log may mix both kinds of lines.
+/// The beginning of the next word if the white space at `stop` is one byte or two, as in "\r\n".
+/// Branch-free: a log may mix lines of both kinds.
 ALWAYS_INLINE const char* after_line_end(const char* stop) {
     return stop + 1 + WHITE_STEP[static_cast<std::uint8_t>(stop[1])];
 }

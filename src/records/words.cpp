@@ -6,13 +6,13 @@
 namespace gatescope {
 namespace {
 
-/// Bytes that are looked at at once, which compilers make vector code of. From a loop that may end
-/// at any byte they make none.
-constexpr std::ptrdiff_t LOOKED_AT_ONCE = 64;
+/// Bytes tested in one step. Compilers vectorise a loop of fixed length, but not one that may end
+/// at any byte.
+constexpr std::ptrdiff_t SEARCH_STEP = 64;
 
-bool holds_white(const char* at) {
+bool contains_white(const char* at) {
     std::uint8_t any = 0;
-    for (std::ptrdiff_t i = 0; i < LOOKED_AT_ONCE; ++i) {
+    for (std::ptrdiff_t i = 0; i < SEARCH_STEP; ++i) {
         const auto after_tab = static_cast<std::uint8_t>(at[i] - '\t');
         any = at[i] == ' ' ? std::uint8_t{1} : any;
         any = after_tab <= '\r' - '\t' ? std::uint8_t{1} : any;
@@ -23,13 +23,13 @@ bool holds_white(const char* at) {
 }  // namespace
 
 const char* find_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(begin)) begin += LOOKED_AT_ONCE;
+    while (end - begin >= SEARCH_STEP && !contains_white(begin)) begin += SEARCH_STEP;
     return std::find_if(begin, end, is_white);
 }
 
 const char* after_last_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(end - LOOKED_AT_ONCE)) {
-        end -= LOOKED_AT_ONCE;
+    while (end - begin >= SEARCH_STEP && !contains_white(end - SEARCH_STEP)) {
+        end -= SEARCH_STEP;
     }
     while (end > begin && !is_white(end[-1])) --end;
     return end;

@@ -35,7 +35,7 @@ inline constexpr char LIST_MIXED_CONTENTS[] =
     "\t   <td height=12 class=\"cell_extra\" >:%u</td>\n"
     "       <td width=%d class=\"cell_extra\" ></td>\n"
     "     </tr>\n    </table>\n   </td>\n";
-/// Count. It carries no title of its own; the row's shows.
+/// Count. Without a title of its own, so that of the row is shown.
 inline constexpr char LIST_MAX_CONTENTS[] =
     "\n   <td colspan=2 class=\"cell_extra\" >\n"
     "    <table class=\"tight\">\n"

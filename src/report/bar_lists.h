@@ -12,8 +12,7 @@ namespace gatescope {
 // The pages of the bar queries: a row with a horizontal bar for every functionality bit or command
 // key.
 
-/// The lines of the gatebits file that hold the command keys, the first one's first; nothing for a
-/// key that is not there.
+/// The lines of the command keys in the gatebits file, in order; nothing for a missing key.
 using KeyLines = std::vector<std::optional<std::string>>;
 
 /// All 24 bits, used or not.

@@ -17,12 +17,12 @@
 namespace gatescope {
 namespace {
 
-/// Browser and path of the page, quoted as is wished.
+/// Quoted browser, path of the page.
 constexpr char BROWSER_LINE[] = "%s %s";
 
 using Clock = std::chrono::steady_clock;
 
-/// A browser that ran longer than this has been used, so its status means nothing.
+/// A browser that ran longer than this has started, so its status is ignored.
 constexpr std::chrono::seconds LONGEST_FAILED_START{2};
 
 /// A browser, and the variable or file that defines it.
@@ -32,11 +32,11 @@ struct Browser {
     std::string source;
 };
 
-/// The environment's, even if it is empty there, or else the gatebits file's; nothing when neither
-/// defines one.
+/// The browser of the environment, even if that is empty, else of the gatebits file; nothing if
+/// neither defines one.
 std::optional<Browser> choose_browser(const PageRegion& region) {
-    if (const char* wish = std::getenv(ENV_BROWSER)) {
-        return Browser{wish, BY_THE_ENVIRONMENT, ENV_BROWSER};
+    if (const char* browser = std::getenv(ENV_BROWSER)) {
+        return Browser{browser, BY_THE_ENVIRONMENT, ENV_BROWSER};
     }
     if (region.browser.empty()) return std::nullopt;
     return Browser{region.browser, IN_THE_GATEBITS_FILE, region.ENTERPRIZE_PERMISSION_FILE};

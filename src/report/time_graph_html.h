@@ -23,7 +23,7 @@ inline constexpr char CELL_PART[] =
 inline constexpr char ROW_PENCIL[] =
     "         <tr class=\"hot_row\" ><td class=\"bottom_line_pencil\" width=6 height=2 "
     "></td></tr>\n";
-/// Its class has no style rule; the row stays without a colour.
+/// Its class has no style rule, so the row has no colour.
 inline constexpr char ROW_SPACE[] =
     "         <tr class=\"hot_row\" ><td class=\"bottom_space_pencil\" width=6 height=1 "
     "></td></tr>\n";
@@ -71,8 +71,7 @@ inline constexpr char TOP_TWIST_GRAPH[] =
     "   <td class=\"bottom_line_pencil\" height=100 width=2 ></td>\n";
 
 /// Closing of every time graph. Label of the oldest day, label of today, text widget. The style
-/// attributes hold names of classes and so do nothing; the cells stay as plain as they always
-/// were.
+/// attributes contain class names, so they have no effect.
 inline constexpr char BOTTOM_TIME_GRAPH[] =
     "\n</tr>\n<tr>\n"
     "   <td style=\"cell_left\" ></td>\n"

@@ -22,7 +22,7 @@ TEST(LockedGatebitsFile, ReportsFileLockedForTooLong) {
     const Ended ended = in_child([&] {
         TEMP_DIR = directory / "";
         change(
-            file, {Gatebits(std::string()), nothing},
+            file, {Gatebits(std::string()), no_part},
             [](const Gatebits& now) { return set_a_line(now, 1, "two;"); }, {},
             std::chrono::seconds(1));
     });

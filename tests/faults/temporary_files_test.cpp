@@ -87,7 +87,7 @@ TEST_F(TemporaryFiles, ReplaceFilePlantedUnderNameOfScratchFile) {
     with_each_kind_planted("t_file_gatescope_77.txt", [&] {
         region.write_file("gatebits.txt", GATEBITS);
         EXPECT_EQ(run([&] {
-                      change(region.gatebits_path(), {Gatebits(std::string()), nothing},
+                      change(region.gatebits_path(), {Gatebits(std::string()), no_part},
                              [](const Gatebits& now) {
                                  return set_a_field(now, {2, 3, "S"});
                              },

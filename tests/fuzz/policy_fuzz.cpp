@@ -79,7 +79,7 @@ Rewrite some_edit(FuzzedDataProvider& data, const Gatebits& now, std::size_t* ch
 
 void write_something(FuzzedDataProvider& data, std::size_t* changed) {
     const Gatebits shown = read_gatebits(gatebits_path());
-    change(gatebits_path(), {shown, nothing},
+    change(gatebits_path(), {shown, no_part},
            [&](const Gatebits& now) { return some_edit(data, now, changed); }, {});
 }
 

@@ -86,13 +86,26 @@ void plant_beside(FuzzedDataProvider& data, int number, Kind kind, const std::st
     }
 }
 
+/// What a run leaves that was killed right after it had taken a companion, and a writer that has
+/// seen its token since.
+void plant_taken_file_and_companion(FuzzedDataProvider& data, int number, const std::string& text,
+                                    std::int64_t cut_off, PrunedRegion* region) {
+    const std::string log = log_file_path(region->logging_dir(), number);
+    if (data.ConsumeBool()) {
+        region->plant(log, Kind::FILE, some_text(data, cut_off), data.ConsumeBool());
+    }
+    region->plant(log + ".taken_0", Kind::FILE, text, false);
+    region->plant(pruning_companion_path(region->logging_dir(), number), Kind::FILE,
+                  some_text(data, cut_off), false);
+}
+
 void plant_something(FuzzedDataProvider& data, std::int64_t cut_off, PrunedRegion* region) {
     const std::string& directory = region->logging_dir();
     const int number = data.PickValueInArray(NUMBERS);
     const Kind kind = some_kind(data);
     const std::string text = some_text(data, cut_off);
     const bool is_private = data.ConsumeBool();
-    switch (data.ConsumeIntegralInRange(0, 12)) {
+    switch (data.ConsumeIntegralInRange(0, 13)) {
         case 0:
         case 1:
         case 2:
@@ -106,6 +119,8 @@ void plant_something(FuzzedDataProvider& data, std::int64_t cut_off, PrunedRegio
             return region->plant(pruning_token_path(directory), kind, text, is_private);
         case 8:
             return region->plant(pruning_scratch_path(directory), kind, text, is_private);
+        case 13:
+            return plant_taken_file_and_companion(data, number, text, cut_off, region);
         default:
             return plant_beside(data, number, kind, text, is_private, region);
     }

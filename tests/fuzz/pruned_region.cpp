@@ -153,7 +153,7 @@ void PrunedRegion::begin(int number) {
         rewritten_.insert(path);
         if (companion.is_usable) rewritten_.insert(companion_path);
         for (const FileBesideLog& one : left_overs) rewritten_.insert(one.path);
-        log.will_be_there = file.text || companion.text;
+        log.will_be_there = file.text || companion.text || !left_overs.empty();
         if (!is_log(number, companion_path)) add_words(companion.text.value_or(""), &log);
         add_left_overs(left_overs, file.text.value_or(""), &log);
         for (const std::string& word : words_of(companion.text.value_or("")))
@@ -179,10 +179,9 @@ std::vector<FileBesideLog> PrunedRegion::left_overs_of(int number) const {
     return found;
 }
 
-/// How many of the log's bytes a ready text stands for: none where it is of another log.
-std::size_t PrunedRegion::replaced_by(const FileBesideLog& ready, const std::string& log) const {
+bool PrunedRegion::takes_place_of(const FileBesideLog& ready, const std::string& log) const {
     const auto beginning = beginnings_.find(ready.path);
-    return beginning != beginnings_.end() && log.starts_with(beginning->second) ? ready.number : 0;
+    return beginning != beginnings_.end() && log.starts_with(beginning->second);
 }
 
 /// Adds the words of the log itself and of its left-overs. All taken and old files stand in a ready
@@ -197,10 +196,11 @@ void PrunedRegion::add_left_overs(const std::vector<FileBesideLog>& left_overs,
         numbers.push_back(one.number);
         if (one.kind == FileBesideLog::READY) added.push_back(one);
     }
-    const std::size_t replaced = added.empty() ? 0 : replaced_by(added.front(), text);
+    const bool is_replaced = !added.empty() && takes_place_of(added.front(), text);
+    add_words(without(is_replaced ? added.front().number : 0, text), log);
     if (added.empty()) added = left_overs;
-    add_words(without(replaced, text), log);
-    if (replaced == 0) {
+    // What was appended to it since is not in the ready text, which takes its place first.
+    if (!is_replaced) {
         for (const std::string& word : words_of(text)) {
             if (is_kept(word)) log->always_there.insert(word);
         }
@@ -208,7 +208,6 @@ void PrunedRegion::add_left_overs(const std::vector<FileBesideLog>& left_overs,
     for (const FileBesideLog& one : added) {
         const std::string what = without(one.kind == FileBesideLog::OLD ? one.number : 0, one.text);
         add_words(what, log);
-        if (!what.empty()) log->will_be_there = true;
     }
     for (const std::string& one : texts) {
         for (const std::size_t number : numbers) {
@@ -229,6 +228,12 @@ void PrunedRegion::write_record(int number, bool is_kept) {
     // What was planted there may end in the middle of a word.
     const bool is_cut = !text.empty() && !text.ends_with("\n");
     std::ofstream(path, std::ios::app) << (is_cut ? "\n" : "") + word + "\n";
+    // It shows in other names of the file, too.
+    const Snapshot now = everything();
+    std::error_code error;
+    for (auto& [other, description] : untouched_) {
+        if (fs::equivalent(path, other, error)) description = now.at(other);
+    }
     (is_kept ? log->second.kept : late_).insert(word);
     log->second.known.insert(word);
     log->second.will_be_there = true;

@@ -67,7 +67,7 @@ class PrunedRegion {
     /// "2 of 3 log entries were removed from": what the next pruning is to say; nothing where the
     /// rule is not that plain.
     [[nodiscard]] std::optional<std::string> expected_counts() const;
-    /// The logs and companions that cannot be used.
+    /// The logs, companions and left-overs that cannot be used.
     [[nodiscard]] std::vector<std::string> unusable() const;
 
     /// All that is there, with bytes, modes and inodes.
@@ -103,7 +103,8 @@ class PrunedRegion {
     void begin(int number);
     [[nodiscard]] bool is_log(int number, const std::string& path) const;
     [[nodiscard]] std::vector<FileBesideLog> left_overs_of(int number) const;
-    [[nodiscard]] std::size_t replaced_by(const FileBesideLog& ready, const std::string& log) const;
+    /// Whether a ready text is of that log.
+    [[nodiscard]] bool takes_place_of(const FileBesideLog& ready, const std::string& log) const;
     void add_left_overs(const std::vector<FileBesideLog>& left_overs, const std::string& text,
                         Log* log) const;
     [[nodiscard]] bool is_kept(const std::string& word) const;

@@ -36,6 +36,12 @@ std::optional<std::string> PrunedRegion::expected_counts() const {
 
 std::vector<std::string> PrunedRegion::unusable() const {
     std::vector<std::string> paths;
+    for (const auto& entry : fs::directory_iterator(logging_dir_)) {
+        const bool is_left_over = std::ranges::any_of(logs_, [&](const auto& one) {
+            return beside_log(log_file_path(logging_dir_, one.first), entry.path()).has_value();
+        });
+        if (is_left_over && !place_at(entry.path()).is_usable) paths.push_back(entry.path());
+    }
     for (const auto& [number, log] : logs_) {
         if (!log.is_usable) {
             paths.push_back(log_file_path(logging_dir_, number));

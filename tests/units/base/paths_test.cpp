@@ -20,13 +20,6 @@ TEST(Paths, DirectoryIsThePathWithoutTheName) {
     EXPECT_EQ(directory_of("/a/"), "/a");
 }
 
-TEST(Paths, NameIsWhatStandsInTheDirectory) {
-    EXPECT_EQ(name_in("name"), "name");
-    EXPECT_EQ(name_in("/a/name"), "name");
-    EXPECT_EQ(name_in("../.."), "..");
-    EXPECT_EQ(name_in("/a/"), "");
-}
-
 TEST(Paths, RelativePathsAreMadeAbsolute) {
     const ScratchDirectory directory;
     directory.write("file", "");
@@ -40,6 +33,13 @@ TEST(Paths, RelativePathsAreMadeAbsolute) {
     EXPECT_EQ(absolute_path("folder/../new"), real / "new");
     EXPECT_EQ(absolute_path("new"), real / "new");
     fs::current_path(before);
+}
+
+TEST(Paths, FileNameFollowsTheLastSlash) {
+    EXPECT_EQ(file_name_of("name"), "name");
+    EXPECT_EQ(file_name_of("/name"), "name");
+    EXPECT_EQ(file_name_of("a//b/name"), "name");
+    EXPECT_EQ(file_name_of("/a/"), "");
 }
 
 TEST(Paths, BesideIsInTheSameDirectory) {

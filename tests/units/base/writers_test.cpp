@@ -26,7 +26,7 @@ class Settling : public Pruning {
 TEST_F(Settling, ReturnsAtOnceWithoutAWriter) {
     const Settled settled = settle(file_, in(60'000));
     EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.size, 4);
+    EXPECT_EQ(settled.status.st_size, 4);
 }
 
 TEST_F(Settling, WaitsForAWriterToClose) {
@@ -37,14 +37,14 @@ TEST_F(Settling, WaitsForAWriterToClose) {
     });
     const Settled settled = settle(file_, in(60'000));
     EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.size, 8);
+    EXPECT_EQ(settled.status.st_size, 8);
 }
 
 TEST_F(Settling, ReportsAWriterAtTheDeadline) {
     const SlowWriter writer(log_file_path(0));
     const Settled settled = settle(file_, in(20));
     EXPECT_EQ(settled.writers, Writers::SOME);
-    EXPECT_EQ(settled.size, 4);
+    EXPECT_EQ(settled.status.st_size, 4);
     writer.end();
 }
 

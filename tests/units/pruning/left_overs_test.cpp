@@ -4,6 +4,7 @@
 
 #include "base/descriptor.h"
 #include "base/file_identity.h"
+#include "messages/log_texts.h"
 #include "units/pruning/pruning_region.h"
 
 namespace gatescope {
@@ -130,7 +131,7 @@ TEST_F(LeftOvers, AReadyTextThatIsASecondNameIsRefused) {
     fs::create_hard_link(ready, logging_dir + "/outside");
     const std::string reason = ready.substr(ready.rfind('/') + 1) + ": Too many links";
     EXPECT_EQ(said_by_pruning(),
-              left_alone(log_file_path(0), reason) + stays(ready, reason) + result(0, 0));
+              stays(ready, reason) + left_alone(log_file_path(0), reason) + result(0, 0));
     EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
     EXPECT_EQ(file_text(logging_dir + "/outside"), fresh(2));
 }
@@ -159,6 +160,23 @@ TEST_F(LeftOvers, FilesWithOtherNamesAreNotTheirs) {
     ASSERT_EQ(chmod(log_file_path(0).c_str(), 0666), 0);
     EXPECT_EQ(said_by_pruning(), result(0, 1));
     EXPECT_EQ(all_files(), files);
+}
+
+TEST_F(LeftOvers, LinksAndDirectoriesUnderTheirNamesAreNamedAndTheLogIsPruned) {
+    write_log(0, old(1) + fresh(1));
+    write_file(elsewhere("secret"), fresh(2));
+    fs::create_symlink("elsewhere/secret", taken(0));
+    fs::create_directory(old_file(0, 3));
+    const std::string ready = log_file_path(0) + ".ready_3_4";
+    fs::create_symlink("nowhere", ready);
+    write_file(pruning_companion_path(0), fresh(3));
+    EXPECT_EQ(said_by_pruning(), left_alone(old_file(0, 3), "Not a regular file") +
+                                     left_alone(ready, IS_A_SYMBOLIC_LINK) +
+                                     left_alone(taken(0), IS_A_SYMBOLIC_LINK) + result(1, 3));
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(1) + fresh(3));
+    EXPECT_EQ(file_text(elsewhere("secret")), fresh(2));
+    EXPECT_TRUE(fs::is_symlink(taken(0)));
+    EXPECT_TRUE(fs::is_symlink(ready));
 }
 
 TEST_F(LeftOvers, OfALogThatIsALinkStayUntouched) {
@@ -193,8 +211,9 @@ TEST_F(LeftOvers, InAStickyDirectoryThoseOfOthersStayAndTheRestIsDone) {
     }
     give(log_file_path(4), OPERATOR);
     write_file(taken(3), fresh(2));
-    EXPECT_EQ(said_to(OPERATOR), left_alone(log_file_path(3), "Operation not permitted") +
-                                     stays(taken(3), "Operation not permitted") + result(1, 2));
+    EXPECT_EQ(said_to(OPERATOR), stays(taken(3), "Operation not permitted") +
+                                     left_alone(log_file_path(3), "Operation not permitted") +
+                                     result(1, 2));
     EXPECT_EQ(file_text(log_file_path(4)), fresh(1));
     EXPECT_FALSE(fs::exists(pruning_token_path()));
     EXPECT_EQ(file_text(taken(3)), fresh(2));

@@ -1,11 +1,16 @@
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
+#include <atomic>
 #include <cerrno>
+#include <chrono>
+#include <ctime>
 #include <functional>
 
+#include "messages/log_texts.h"
 #include "support/failing_sync.h"
 #include "support/needs.h"
 #include "units/pruning/pruning_region.h"
@@ -37,6 +42,13 @@ int unless(int error, const Call& call) {
     return -1;
 }
 
+/// Nanoseconds that this process and its children have asked to sleep for.
+std::atomic<long long>& asked_to_sleep() {
+    static void* const shared = mmap(nullptr, sizeof(std::atomic<long long>),
+                                     PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
+    return *static_cast<std::atomic<long long>*>(shared);
+}
+
 int asked(const std::function<int(const std::string&)>& what, const char* name) {
     return what ? what(name) : 0;
 }
@@ -45,6 +57,7 @@ int asked(const std::function<int(const std::string&)>& what, const char* name) 
 }  // namespace gatescope
 
 using gatescope::asked;
+using gatescope::asked_to_sleep;
 using gatescope::before;
 using gatescope::unless;
 
@@ -67,6 +80,10 @@ int fstatat(int directory, const char* name, struct stat* status, int flags) noe
     const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
     return unless(asked(before().look, name), [&] { return look((place + name).c_str(), status); });
 }
+int nanosleep(const timespec* wished, timespec* left) {
+    asked_to_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
+    return static_cast<int>(syscall(SYS_nanosleep, wished, left));
+}
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
                   [&] { return syscall(SYS_renameat2, one, from, other, to, 0); });
@@ -82,12 +99,6 @@ class PruningInTrouble : public Pruning {
         before() = {};
         good_syncs = -1;
         Pruning::TearDown();
-    }
-    static std::string said_with_syncs(int good) {
-        good_syncs = good;
-        std::string said = said_by_pruning();
-        good_syncs = -1;
-        return said;
     }
     /// The only name in the directory that begins so.
     static std::string the_one(const std::string& prefix) {
@@ -158,6 +169,22 @@ TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
     EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
 }
 
+// The first look at it is over by then, and there is no token any more for which to end the
+// program.
+TEST_F(PruningInTrouble, AScratchFileThatBecomesALinkMeanwhileIsNamedAsOne) {
+    write_log(0, fresh(1));
+    before().unlink = [](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        write_file(pruning_companion_path(0), fresh(2));
+        fs::create_symlink("elsewhere", pruning_scratch_path());
+        return 0;
+    };
+    const std::string reason = std::string("pruning_.txt: ") + IS_A_SYMBOLIC_LINK;
+    EXPECT_EQ(said_by_pruning(), stays(taken(0), reason) + result(0, 1));
+    EXPECT_EQ(file_text(taken(0)), fresh(2));
+    EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
+}
+
 TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     write_log(0, old(1));
@@ -220,9 +247,22 @@ TEST_F(PruningInTrouble, WithoutSecondNamesNothingIsBegun) {
 // What may not have reached the disk does not take the place of what has.
 TEST_F(PruningInTrouble, ANewTextThatTheDiskDoesNotKeepDoesNotBecomeTheLog) {
     write_log(0, old(1) + fresh(1));
-    EXPECT_EQ(said_with_syncs(0),
+    good_syncs = 0;
+    before().unlink = [](const std::string& name) {
+        // After each try.
+        if (name == "pruning_.txt") good_syncs = 0;
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(),
               left_alone(log_file_path(0), "pruning_.txt: Input/output error") + result(0, 0));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1) + fresh(1)}}));
+}
+
+TEST_F(PruningInTrouble, WhatFailsOnceIsDoneOnceTheTokenIsDown) {
+    write_log(0, old(1) + fresh(1));
+    good_syncs = 0;
+    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
 // Nothing that the ready text holds is removed before the disk keeps its name.
@@ -362,6 +402,37 @@ TEST_F(PruningInTrouble, ACompanionThatCannotBeTakenStaysOne) {
     EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(2));
     before() = {};
     EXPECT_EQ(said_by_pruning(), result(1, 3));
+}
+
+// They are waited for together: the patience for the logs, and as long once more for companions and
+// replaced logs.
+TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
+    if (!is_root()) GTEST_SKIP() << "needs root";
+    ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
+    patience.longest_write = std::chrono::milliseconds(400);
+    const auto plant = [](const std::string& path, const std::string& text) {
+        write_file(path, text);
+        EXPECT_EQ(chmod(path.c_str(), 0666), 0);
+        give(path, SOMEBODY_ELSE);
+    };
+    for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+        plant(log_file_path(number), old(1) + fresh(1));
+        plant(pruning_companion_path(number), fresh(2));
+    }
+    // Late ones, too.
+    before().unlink = [&](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
+            write_file(pruning_companion_path(number), fresh(3));
+        }
+        return 0;
+    };
+    asked_to_sleep() = 0;
+    EXPECT_EQ(said_to(OPERATOR), result(21, 84));
+    const std::chrono::nanoseconds slept(asked_to_sleep());
+    EXPECT_GE(slept, patience.longest_write);
+    EXPECT_LE(slept, 2 * patience.longest_write + 2 * patience.pause);
+    EXPECT_EQ(all_files().size(), 21u);
 }
 
 // The writer's record stays whole where the system does not tell that it is being written.

@@ -51,33 +51,33 @@ Kept kept_by_the_plain_rule(const std::string& text, std::int64_t cut_off = CUT_
     return kept;
 }
 
-TEST(KeptRecordsOf, KeepTheCutOffItself) {
+TEST(KeptRecords, KeepsARecordOfTheCutOffTime) {
     const Kept kept = kept_of("1700000000:S:a[1]-<->\n1699999999:S:a[1]-<->\n");
     EXPECT_EQ(kept.text, "1700000000:S:a[1]-<->\n");
     EXPECT_EQ(kept.total, 2);
     EXPECT_EQ(kept.removed, 1);
 }
 
-TEST(KeptRecordsOf, DropWordsWithoutANumber) {
+TEST(KeptRecords, DropsWordsWithoutANumber) {
     const Kept kept = kept_of("rubbish :S:a[1]-<->\n1700000001\n");
     EXPECT_EQ(kept.text, "1700000001\n");
     EXPECT_EQ(kept.total, 3);
     EXPECT_EQ(kept.removed, 2);
 }
 
-TEST(KeptRecordsOf, PutEachWordOnALineOfItsOwn) {
+TEST(KeptRecords, PutsEachWordOnALineOfItsOwn) {
     EXPECT_EQ(kept_of(" 1700000001:a\t1700000002:b\r\n\n1700000003:c").text,
               "1700000001:a\n1700000002:b\n1700000003:c\n");
 }
 
-TEST(KeptRecordsOf, ArePieceItselfWhenNothingChanges) {
+TEST(KeptRecords, ReturnsThePieceItselfWhenNothingChanges) {
     const std::string text = "1700000001:S:a[1]-<->\n1700000002:D:b[1]K<7>\n1800000000:odd\n";
     EXPECT_TRUE(kept_of(text).same_piece);
     EXPECT_EQ(kept_of(text).text, text);
     EXPECT_FALSE(kept_of(text + "1").same_piece);
 }
 
-TEST(KeptRecordsOf, EndInALineEndAlone) {
+TEST(KeptRecords, ReplacesCrLfByLf) {
     const std::string kept = "1700000001:S:a[1]-<->";
     const std::string dropped = "1699999999:S:a[1]-<->";
     EXPECT_EQ(kept_of(kept + "\r\n" + dropped + "\r\n" + kept + "\r\n").text,
@@ -85,7 +85,7 @@ TEST(KeptRecordsOf, EndInALineEndAlone) {
     EXPECT_FALSE(kept_of(kept + "\r\n").same_piece);
 }
 
-TEST(KeptRecordsOf, AreWholeHoweverLong) {
+TEST(KeptRecords, KeepsLongRecordsWhole) {
     const std::string user(5000, 'u');
     const std::string kept = "1700000001:S:" + user + "[1]-<->\n";
     const std::string dropped = "1699999999:S:" + user + "1700000001:S:ann[1]-<->\n";
@@ -93,7 +93,7 @@ TEST(KeptRecordsOf, AreWholeHoweverLong) {
     EXPECT_EQ(kept_of(kept + dropped + kept).total, 3);
 }
 
-TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
+TEST(KeptRecords, AppliesAnyCutOff) {
     const std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     std::string text;
     for (const char* time : {"0000000000", "0000000001", "0000000150", "1700000000", "1700000099",
@@ -112,7 +112,7 @@ TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
     }
 }
 
-TEST(KeptRecordsOf, AgreeWithThePlainRule) {
+TEST(KeptRecords, KeepsRandomWordsLikeThePlainRule) {
     std::mt19937 random(3);
     const auto draw = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
     const auto byte = [&] { return " \n\r\t\x01:[]<>-019aS!\xff\0"[draw(18)]; };

@@ -11,7 +11,7 @@
 namespace gatescope {
 namespace {
 
-/// Bytes that mean something to a scan, and all others.
+/// Bytes of which two thirds have a meaning in a scan.
 std::string random_bytes(std::mt19937& random, std::size_t size) {
     std::string bytes(size, '\0');
     for (char& byte : bytes) {
@@ -21,15 +21,15 @@ std::string random_bytes(std::mt19937& random, std::size_t size) {
     return bytes;
 }
 
-/// Whether the operations of each instruction set give what the scalar ones do.
-template <class Question>
-bool all_agree(const Question& question) {
-    const auto answer = question(Scalar());
-    return question(Sse2()) == answer &&
-           (best_instruction_set() != InstructionSet::AVX2 || question(Avx2()) == answer);
+/// Whether the operations of each instruction set return the same as the scalar ones.
+template <class Function>
+bool all_agree(const Function& function) {
+    const auto expected = function(Scalar());
+    return function(Sse2()) == expected &&
+           (best_instruction_set() != InstructionSet::AVX2 || function(Avx2()) == expected);
 }
 
-TEST(InstructionSet, FindTheSameBlanks) {
+TEST(InstructionSet, AllSetsFindTheSameBlanks) {
     std::mt19937 random(4);
     for (int round = 0; round < 20000; ++round) {
         const std::string bytes = random_bytes(random, BLOCK);
@@ -38,7 +38,7 @@ TEST(InstructionSet, FindTheSameBlanks) {
     }
 }
 
-TEST(InstructionSet, FindTheSameEndsOfUsers) {
+TEST(InstructionSet, AllSetsFindTheSameUserEnds) {
     for (int byte = 0; byte < 256; ++byte) {
         const std::string bytes(16, static_cast<char>(byte));
         const bool is_end = byte == ':' || byte == '[' || byte == '<';
@@ -54,7 +54,7 @@ TEST(InstructionSet, FindTheSameEndsOfUsers) {
     }
 }
 
-TEST(InstructionSet, CompareTextsAlike) {
+TEST(InstructionSet, AllSetsCompareTextsAlike) {
     std::mt19937 random(6);
     int same = 0;
     for (int round = 0; round < 20000; ++round) {
@@ -76,7 +76,7 @@ TEST(InstructionSet, CompareTextsAlike) {
     EXPECT_LT(same, 15000);
 }
 
-TEST(InstructionSet, CountAndFindBitsAlike) {
+TEST(InstructionSet, AllSetsCountAndFindBitsAlike) {
     std::mt19937_64 random(9);
     for (int round = 0; round < 2000; ++round) {
         const std::uint64_t number = random() & random() << random() % 64;
@@ -86,7 +86,7 @@ TEST(InstructionSet, CountAndFindBitsAlike) {
     }
 }
 
-TEST(InstructionSet, KnowRangesAlike) {
+TEST(InstructionSet, AllSetsMatchRangesAlike) {
     const Ranges ranges = ranges_of("[0]*<00>");
     const auto are_in = [&](const std::string& text) {
         EXPECT_TRUE(
@@ -107,7 +107,7 @@ TEST(InstructionSet, KnowRangesAlike) {
     }
 }
 
-TEST(InstructionSet, ReadHeadsAlike) {
+TEST(InstructionSet, AllSetsReadRecordHeadsAlike) {
     std::mt19937 random(7);
     int heads = 0;
     for (int round = 0; round < 20000; ++round) {
@@ -127,7 +127,7 @@ TEST(InstructionSet, ReadHeadsAlike) {
     EXPECT_LT(heads, 19000);
 }
 
-TEST(FirstDigits, AreInTheOrderOfTimes) {
+TEST(FirstDigits, GrowWithTheTime) {
     EXPECT_LT(first_digits("1699999999"), first_digits("1700000000"));
     EXPECT_LT(first_digits("0999999999"), first_digits("1000000000"));
     EXPECT_EQ(first_digits(std::int64_t{-1}), first_digits("0000000000"));
@@ -135,26 +135,26 @@ TEST(FirstDigits, AreInTheOrderOfTimes) {
 }
 
 #if defined(__x86_64__)
-TEST(InstructionSet, AreOfThreeKindsHere) {
+TEST(InstructionSet, SetsAreDistinctOnX8664) {
     EXPECT_FALSE((std::is_same_v<Sse2, Scalar>));
     EXPECT_FALSE((std::is_same_v<Avx2, Sse2>));
 }
 
-TEST(InstructionSet, AreWideWhereTheProcessorIsThatNew) {
+TEST(InstructionSet, BestSetIsAvx2IfTheProcessorSupportsIt) {
     std::ifstream processors("/proc/cpuinfo");
     std::string flags;
     while (std::getline(processors, flags) && flags.rfind("flags", 0) != 0) flags.clear();
     if (flags.empty()) GTEST_SKIP() << "/proc/cpuinfo names no flags";
     flags += ' ';
-    bool wide = true;
+    bool has_avx2 = true;
     for (const char* needed : {" avx2 ", " bmi1 ", " bmi2 ", " popcnt "}) {
-        wide = wide && flags.find(needed) != std::string::npos;
+        has_avx2 = has_avx2 && flags.find(needed) != std::string::npos;
     }
-    EXPECT_EQ(best_instruction_set(), wide ? InstructionSet::AVX2 : InstructionSet::SSE2);
+    EXPECT_EQ(best_instruction_set(), has_avx2 ? InstructionSet::AVX2 : InstructionSet::SSE2);
 }
 #endif
 
-TEST(WordEnds, AreWhereRunsOfBlanksBegin) {
+TEST(WordEnds, AreTheFirstBytesOfRunsOfBlanks) {
     std::mt19937 random(8);
     for (const std::size_t size : {1U, 63U, 64U, 65U, 128U, 200U, 4096U}) {
         for (int round = 0; round < 50; ++round) {

@@ -9,7 +9,7 @@
 
 namespace gatescope {
 
-/// A test that begins with what an empty region leaves: no counts, and plain labels.
+/// A test with a result without counts, and plain labels.
 class PageText : public testing::Test {
   protected:
     PageText() {
