@@ -1,5 +1,6 @@
-// The reader of the logs and the pruner, on records in memory: how many bytes a second they look
-// at, without the system's part of it.
+// Benchmarks of counting and pruning records in memory, in bytes per second, without system calls.
+// scripts/bench builds this program, but does not run it. It stays because it also measures SSE2
+// and the scalar path on a processor with AVX2.
 
 #include <benchmark/benchmark.h>
 
@@ -8,19 +9,20 @@
 #include <vector>
 
 #include "log_maker.h"
-#include "logs/canonical_records.h"
-#include "logs/kept_records.h"
-#include "logs/log_reader.h"
+#include "records/canonical_records.h"
+#include "records/kept_records.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t NOW = 1794787199;
-/// Fits into the cache, as what the reader has just read does.
+/// Fits into the cache, like a block that was just read.
 constexpr std::size_t PIECE_SIZE = 128 * 1024;
-/// So many that no processor learns by heart what comes next.
+/// Enough to keep the branch predictor from learning the records.
 constexpr std::size_t PIECES = 16;
 
-/// Records in whole lines that end in `line_end`, with the margin after them.
+/// Records in lines that end in `line_end`, followed by the reader's margin.
 std::string made_records(std::size_t size, const std::string& line_end) {
     std::mt19937 random(20);
     std::string made;
@@ -32,7 +34,7 @@ std::string made_records(std::size_t size, const std::string& line_end) {
     return made + std::string(READER_MARGIN, '\0');
 }
 
-/// A piece after the other, over and over again.
+/// Pieces of records, returned in turn.
 class Pieces {
   public:
     explicit Pieces(const std::string& line_end) {
@@ -68,42 +70,42 @@ RecordQuery query_of(int number, bool filtered) {
     return query;
 }
 
-void say_bytes(benchmark::State& state) {
+void report_bytes(benchmark::State& state) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(PIECE_SIZE));
 }
 
-void by_fields(benchmark::State& state, Lanes lanes) {
+void count_with(benchmark::State& state, InstructionSet set) {
     Pieces pieces(line_end_of(state.range(2)));
     const CanonicalQuery query(query_of(static_cast<int>(state.range(0)), state.range(1) != 0),
-                               lanes);
+                               set);
     RecordTally tally;
     for (auto _ : state) {
         query.count(pieces.next(), &tally);
         benchmark::DoNotOptimize(tally);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
 
-void ByFields(benchmark::State& state) {
-    by_fields(state, best_lanes());
+void FastPath(benchmark::State& state) {
+    count_with(state, best_instruction_set());
 }
-BENCHMARK(ByFields)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
+BENCHMARK(FastPath)->ArgNames({"query", "filtered", "crlf"})->ArgsProduct({{1, 4}, {0, 1}, {0, 1}});
 
-void ByFieldsInNarrowVectors(benchmark::State& state) {
-    by_fields(state, Lanes::VECTORS);
+void FastPathWithSse2(benchmark::State& state) {
+    count_with(state, InstructionSet::SSE2);
 }
-BENCHMARK(ByFieldsInNarrowVectors)
+BENCHMARK(FastPathWithSse2)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0, 1}, {0}});
 
-void ByFieldsWithoutVectors(benchmark::State& state) {
-    by_fields(state, Lanes::BYTES);
+void FastPathWithoutVectors(benchmark::State& state) {
+    count_with(state, InstructionSet::SCALAR);
 }
-BENCHMARK(ByFieldsWithoutVectors)
+BENCHMARK(FastPathWithoutVectors)
     ->ArgNames({"query", "filtered", "crlf"})
     ->ArgsProduct({{1}, {0}, {0, 1}});
 
-void ByThePlainRule(benchmark::State& state) {
+void PlainRule(benchmark::State& state) {
     Pieces pieces("\n");
     const RecordQuery query = query_of(static_cast<int>(state.range(0)), state.range(1) != 0);
     RecordTally tally;
@@ -117,11 +119,11 @@ void ByThePlainRule(benchmark::State& state) {
         }
         benchmark::DoNotOptimize(tally);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
-BENCHMARK(ByThePlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
+BENCHMARK(PlainRule)->ArgNames({"query", "filtered"})->ArgsProduct({{1, 4}, {0, 1}});
 
-/// Of a hundred records about so many are dropped.
+/// The first argument is the percentage of dropped records.
 void Pruning(benchmark::State& state) {
     Pieces pieces(line_end_of(state.range(1)));
     KeptRecords records_kept(NOW - BENCH_DAYS * SECONDS_A_DAY * (100 - state.range(0)) / 100);
@@ -129,10 +131,12 @@ void Pruning(benchmark::State& state) {
         std::string_view kept = records_kept.of(pieces.next());
         benchmark::DoNotOptimize(kept);
     }
-    say_bytes(state);
+    report_bytes(state);
 }
 BENCHMARK(Pruning)->ArgNames({"dropped", "crlf"})->ArgsProduct({{0, 4, 50, 100}, {0, 1}});
 
 }  // namespace
+
+}  // namespace gatescope
 
 BENCHMARK_MAIN();

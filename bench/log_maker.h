@@ -4,7 +4,9 @@
 #include <random>
 #include <string>
 
-// The records that the benchmarks read.
+namespace gatescope {
+
+// Makes the records for the benchmarks.
 
 inline constexpr int BENCH_FILES = 21;
 inline constexpr int BENCH_USERS = 500;
@@ -31,3 +33,5 @@ inline void append_record(std::mt19937& random, std::int64_t time, std::string* 
             return record('S', "-<->");
     }
 }
+
+}  // namespace gatescope

@@ -1,5 +1,5 @@
-// Makes the log files that the benchmarks read, with times in no order or, with a third argument,
-// in the order in which they are written: make_logs <directory> <megabytes> [in_order].
+// Makes the log files for the benchmarks, with random times or, with a third argument, in
+// ascending order of time: make_logs <directory> <megabytes> [in_order].
 
 #include <cstdint>
 #include <cstdio>
@@ -11,11 +11,12 @@
 
 #include "log_maker.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t SPAN = BENCH_DAYS * std::int64_t{86400};
 
-/// How long ago the record after the first `done` of `size` bytes was.
+/// The age in seconds of the record at offset `done` of a log of `size` bytes.
 std::int64_t age(std::mt19937& random, bool in_order, std::size_t done, std::size_t size) {
     if (!in_order) return static_cast<std::int64_t>(random() % SPAN);
     return SPAN - SPAN * static_cast<std::int64_t>(done) / static_cast<std::int64_t>(size);
@@ -36,8 +37,10 @@ bool make_file(const std::string& path, std::size_t size, bool in_order, std::mt
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     if (argc < 3) {
         std::fprintf(stderr, "usage: make_logs <directory> <megabytes> [in_order]\n");
         return 2;

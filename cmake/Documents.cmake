@@ -1,4 +1,4 @@
-# Manual pages and completion, filled from the program's own tables by a program that links them.
+# Manual pages and completions, filled from the program's tables by fill_templates.
 
 add_executable(fill_templates ${PROJECT_SOURCE_DIR}/tools/fill_templates.cpp)
 target_link_libraries(fill_templates PRIVATE gatescope_core gatescope_flags)
@@ -8,8 +8,8 @@ target_link_libraries(fill_templates PRIVATE gatescope_core gatescope_flags)
 set(GATESCOPE_PROGRAMS gatescope gatescope-history)
 set(GATESCOPE_SHELLS bash zsh fish)
 
-# gatescope_completion_path(<program> <shell> <variable>): where below the directory of shared data
-# the shell looks for the program's completion.
+# gatescope_completion_path(<program> <shell> <variable>): the path of the program's completion for the
+# shell, relative to the directory of shared data.
 function(gatescope_completion_path program shell variable)
   set(bash bash-completion/completions/${program})
   set(zsh zsh/site-functions/_${program})
@@ -19,7 +19,7 @@ endfunction()
 
 set(GATESCOPE_DOCUMENTS "")
 
-# gatescope_document(<template> <output>): makes <output>, a path in the build tree.
+# gatescope_document(<template> <output>): fills the template; <output> is a path in the build tree.
 function(gatescope_document template output)
   set(source ${PROJECT_SOURCE_DIR}/${template})
   set(result ${PROJECT_BINARY_DIR}/${output})

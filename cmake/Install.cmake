@@ -1,13 +1,13 @@
-# What "cmake --install" puts where, and the target that takes it away again.
+# Installation, and the target "uninstall".
 
 include(GNUInstallDirs)
 
 set(GATESCOPE_EXAMPLES_DIR ${CMAKE_INSTALL_DOCDIR}/examples)
-# Beside the program's own directory of documents: what is put where others put theirs, too.
+# Directories with files of other programs too.
 set(GATESCOPE_SHARED_DIRS ${CMAKE_INSTALL_BINDIR} ${CMAKE_INSTALL_MANDIR}/man1
   ${CMAKE_INSTALL_MANDIR}/man5)
 
-# Whatever the umask of whoever installs.
+# Independent of the umask.
 set(CMAKE_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
 
@@ -17,8 +17,9 @@ foreach(shell IN LISTS GATESCOPE_SHELLS)
   list(APPEND GATESCOPE_SHARED_DIRS ${CMAKE_INSTALL_DATADIR}/${folder})
 endforeach()
 
-# The directories are made first, and those that were not there are written down: uninstalling
-# removes these, once they are empty, and none that stood there before.
+# Directories are created first, since CMake would apply the umask to them. The record of files and
+# created directories is needed to uninstall: CMake's manifest lists no directories, and each
+# installation replaces it, also those of cpack and of the tests.
 set(GATESCOPE_RECORD_DIR ${PROJECT_BINARY_DIR}/installed)
 install(CODE "
   set(default_record \"${GATESCOPE_RECORD_DIR}\")
@@ -41,7 +42,7 @@ install(FILES ${PROJECT_BINARY_DIR}/manual/gatescope-files.5
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
               ${PROJECT_SOURCE_DIR}/CONTRIBUTING.md ${PROJECT_SOURCE_DIR}/SECURITY.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
-# In the same places beside each other as in the sources, so that their links lead somewhere.
+# In the same tree as in the sources, so that links between documents work.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs DESTINATION ${CMAKE_INSTALL_DOCDIR}
         FILES_MATCHING PATTERN *.md PATTERN *.png
         PATTERN manual EXCLUDE)
@@ -50,7 +51,7 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples/ DESTINATION ${GATESCOPE_EXAMPL
         PATTERN gatescope-metrics EXCLUDE)
 install(PROGRAMS ${PROJECT_SOURCE_DIR}/examples/gatescope-metrics
         DESTINATION ${GATESCOPE_EXAMPLES_DIR})
-# systemd wants the program's whole path.
+# systemd needs the program's absolute path.
 install(CODE "
   set(service \"${PROJECT_SOURCE_DIR}/examples/systemd/gatescope-report@.service\")
   set(work_directory \"${PROJECT_BINARY_DIR}/examples\")

@@ -1,9 +1,9 @@
-# "cpack -G DEB" in the build directory makes a package for Debian and its relatives, "cpack -G RPM"
+# In the build directory, "cpack -G DEB" makes a package for Debian and its derivatives, "cpack -G RPM"
 # one for Red Hat, SUSE and theirs.
 
 set(GATESCOPE_MAINTAINER "the gatescope team <gatescope@example.com>" CACHE STRING
     "Maintainer of the package, as 'name <address>'")
-# Part of the changelog, so it must not change from one packaging to the next.
+# Part of the changelog; fixed, so that the same sources make the same package.
 set(GATESCOPE_PACKAGE_DATE "Sat, 21 Nov 2026 12:00:00 +0000" CACHE STRING
     "Date of this release of the package")
 
@@ -42,10 +42,10 @@ set(CPACK_RPM_PACKAGE_LICENSE "None chosen yet; all rights reserved")
 set(CPACK_RPM_PACKAGE_GROUP "Applications/System")
 set(CPACK_RPM_PACKAGE_URL "${GATESCOPE_SUPPLIER_URL}")
 set(CPACK_RPM_CHANGELOG_FILE ${PROJECT_BINARY_DIR}/packaging/changelog.rpm)
-# The job names the program where the package puts it.
+# The systemd service has the absolute path of the program.
 set(CPACK_PACKAGE_RELOCATABLE OFF)
-# cpack knows not how to ask rpm whether it has "Suggests". The same sources make the same package,
-# where SOURCE_DATE_EPOCH says how old it is to be.
+# "Suggests" is here, since cpack does not detect that rpm supports it. With SOURCE_DATE_EPOCH the same
+# sources make the same package.
 set(CPACK_RPM_SPEC_MORE_DEFINE
     "Suggests: bash-completion
 %define packager ${GATESCOPE_MAINTAINER}
@@ -53,7 +53,7 @@ set(CPACK_RPM_SPEC_MORE_DEFINE
 %define use_source_date_epoch_as_buildtime 1
 %define clamp_mtime_to_source_date_epoch 1
 %define _build_id_links none")
-# Directories that hold what others install, too, with all above them, belong to none of these.
+# The package does not own the directories that it shares with others, nor their parents.
 foreach(folder IN LISTS GATESCOPE_SHARED_DIRS)
   set(folder ${CPACK_PACKAGING_INSTALL_PREFIX}/${folder})
   while(NOT folder STREQUAL CPACK_PACKAGING_INSTALL_PREFIX)
@@ -66,7 +66,7 @@ endforeach()
 string(REGEX REPLACE "^(...), ([0-9]+) (...) ([0-9]+) .*" "\\1 \\3 \\2 \\4" GATESCOPE_RPM_DATE
        "${GATESCOPE_PACKAGE_DATE}")
 
-# What one kind of packages has and the other has not, or not there.
+# Files and settings that differ between the kinds of packages.
 foreach(file copyright changelog changelog.rpm finish_package.cmake for_generator.cmake)
   configure_file(${PROJECT_SOURCE_DIR}/packaging/${file}.in ${PROJECT_BINARY_DIR}/packaging/${file}
                  @ONLY)

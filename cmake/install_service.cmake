@@ -1,7 +1,7 @@
-# Installs the example service with the path under which the program was installed.
+# Installs the example service with the path of the installed program.
 # Uses the variables service, work_directory, program_path and destination.
 
-# As systemd reads it: a path with a blank stands in quotes, and a '%' is doubled.
+# systemd's syntax: a path with a blank is quoted, and a '%' is doubled.
 string(REPLACE "%" "%%" word "${program_path}")
 if(word MATCHES "[ \t]")
   set(word "\"${word}\"")

@@ -1,6 +1,5 @@
-# Part of the installation: makes the directories "folders" (relative to the prefix, or absolute)
-# with all above them, open to everybody whatever the umask, and writes down in
-# <record>/directories.txt which of them were not there.
+# Part of the installation: creates the directories "folders" (relative to the prefix, or absolute) and
+# their parents with mode 0755, and records the new ones in <record>/directories.txt.
 
 include(${CMAKE_CURRENT_LIST_DIR}/record.cmake)
 if(recording)

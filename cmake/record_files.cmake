@@ -1,4 +1,4 @@
-# Part of the installation: adds every file that it has put somewhere to <record>/files.txt.
+# Part of the installation: adds the installed files to <record>/files.txt.
 
 include(${CMAKE_CURRENT_LIST_DIR}/record.cmake)
 if(recording)

@@ -1,6 +1,6 @@
-# Removes what was installed from this build tree, wherever that was: the files, and the
-# directories that were made for them where nothing else has come to stand in them since.
-# "default_record" is the directory in which installations from this tree write both down.
+# Removes everything that was installed from this build tree, with any prefix: the files, and the
+# directories created for them unless they contain other files now. "default_record" is the directory
+# of the record.
 
 include(${CMAKE_CURRENT_LIST_DIR}/record.cmake)
 
@@ -28,9 +28,9 @@ endforeach()
 # The deepest first.
 list(SORT directories ORDER DESCENDING)
 foreach(directory IN LISTS directories)
-  file(GLOB inhabitants "${directory}/*" "${directory}/.*")
-  list(FILTER inhabitants EXCLUDE REGEX "/\\.\\.?$")
-  if(IS_DIRECTORY "${directory}" AND NOT inhabitants)
+  file(GLOB entries "${directory}/*" "${directory}/.*")
+  list(FILTER entries EXCLUDE REGEX "/\\.\\.?$")
+  if(IS_DIRECTORY "${directory}" AND NOT entries)
     message(STATUS "Removing: ${directory}")
     file(REMOVE_RECURSE "${directory}")
   endif()

@@ -1,1 +1,1 @@
-// Nothing but the headers that all tests use, read once for all of them.
+// The target of the precompiled headers that all tests share.

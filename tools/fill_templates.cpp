@@ -1,10 +1,10 @@
-// Fills the templates of the manual pages and of the completion from the program's own tables, so
-// that neither can say anything that the program does not do.
+// Fills the templates of the manual pages and the completions from the program's own tables, so
+// that they always agree with the program.
 //
 // Usage: fill_templates TEMPLATE OUTPUT
 //
-// A line of the template that ends with "@@name@@" gives way to the block of that name, each line
-// of it after what stood before the mark; "@NAME@" inside a line gives way to the text of that
+// A line of the template that ends with "@@name@@" is replaced by the lines of the block of that
+// name, each after the text before the mark; "@NAME@" inside a line is replaced by the text of that
 // name.
 
 #include <array>
@@ -25,9 +25,10 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// The part of a label that comes after its number.
+/// The part of a label after its number.
 std::string title_of(std::string_view label) {
     constexpr std::string_view MARK = " - ";
     const auto mark = label.find(MARK);
@@ -35,7 +36,7 @@ std::string title_of(std::string_view label) {
 }
 
 /// A text as a line of a manual page.
-std::string in_manual(std::string_view text) {
+std::string manual_line(std::string_view text) {
     std::string result;
     for (const char character : text) {
         result += character == '\\' ? "\\e" : std::string(1, character);
@@ -49,10 +50,10 @@ std::string manual_requests(RequestKind kind, char letter) {
     for (const Request& request : all_requests()) {
         if (request.kind != kind) continue;
         block += filled(".It Cm %c=%d\n%s\n", letter, request.number,
-                        in_manual(title_of(request.label)).c_str());
+                        manual_line(title_of(request.label)).c_str());
         if (request.lite_label != nullptr) {
             block +=
-                filled(".Pq lite edition: %s\n", in_manual(title_of(request.lite_label)).c_str());
+                filled(".Pq lite edition: %s\n", manual_line(title_of(request.lite_label)).c_str());
         }
     }
     return block;
@@ -87,7 +88,7 @@ std::string manual_commands() {
 std::string manual_environment() {
     std::string block;
     for (const EnvironmentVariable& variable : ENVIRONMENT) {
-        block += filled(".It Ev %s\n%s.\n", variable.name, in_manual(variable.meaning).c_str());
+        block += filled(".It Ev %s\n%s.\n", variable.name, manual_line(variable.meaning).c_str());
     }
     return block;
 }
@@ -99,19 +100,19 @@ std::string manual_settings() {
 }
 
 /// A text as one word of the shell.
-std::string in_shell(std::string_view text) {
+std::string shell_word(std::string_view text) {
     std::string word = "'";
     for (const char character : text)
         word += character == '\'' ? "'\\''" : std::string(1, character);
     return word + "'";
 }
 
-/// A word a line.
+/// A quoted word on a line.
 std::string shell_line(std::string_view text) {
-    return in_shell(text) + "\n";
+    return shell_word(text) + "\n";
 }
 
-/// A word with what it means, as all tables for the shells have it.
+/// A word and its meaning, in the format of all tables for the shells.
 std::string shell_line(std::string_view word, std::string_view meaning) {
     return shell_line(std::string(word).append(" - ").append(meaning));
 }
@@ -148,7 +149,7 @@ std::string shell_commands() {
     return block;
 }
 
-/// The arguments that an operator may type.
+/// The arguments for operators, without those for the installer.
 std::string shell_arguments(ArgumentKind kind) {
     std::string block;
     for (const KnownArgument& argument : KNOWN_ARGUMENTS) {
@@ -188,7 +189,7 @@ constexpr std::array<Block, 13> BLOCKS = {{{"@@manual_queries@@", manual_queries
                                            {"@@shell_switches@@", shell_switches},
                                            {"@@shell_parameters@@", shell_parameters}}};
 
-/// The numbers of the actions that run between two checks, as a sentence lists them.
+/// The numbers of the guarded actions, as a list in a sentence.
 std::string guarded_actions() {
     std::string list;
     std::string last;
@@ -215,7 +216,7 @@ std::array<Text, 7> texts() {
              {"@GUARDED_ACTIONS@", guarded_actions()}}};
 }
 
-/// Whether a capitalised name stands between two '@'.
+/// Whether the line contains a name in capitals between two '@'.
 bool names_a_text(std::string_view line) {
     constexpr std::string_view LETTERS = "ABCDEFGHIJKLMNOPQRSTUVWXYZ_";
     for (auto at = line.find('@'); at != std::string_view::npos; at = line.find('@', at + 1)) {
@@ -233,7 +234,7 @@ std::string each_after(std::string_view start, const std::string& block) {
     return result;
 }
 
-/// A line with its texts filled in; nothing when it names a block or a text that does not exist.
+/// A line with its texts filled in; nullopt if it names an unknown block or text.
 std::optional<std::string> filled_line(const std::string& line) {
     for (const Block& block : BLOCKS) {
         if (!line.ends_with(block.name)) continue;
@@ -255,8 +256,10 @@ int complain(const char* about, const std::string& what) {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argument_count, char** arguments) {
+    using namespace gatescope;
     if (argument_count != 3) return complain("usage", "fill_templates TEMPLATE OUTPUT");
     std::ifstream input(arguments[1]);
     if (!input) return complain("cannot read", arguments[1]);

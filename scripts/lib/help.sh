@@ -1,6 +1,5 @@
 # shellcheck shell=bash
-# To be sourced: a script's help is the comment that it begins with, and what it does not know it
-# refuses with that.
+# To be sourced: prints a script's first comment as its usage, for --help and after wrong arguments.
 
 help_text() {
     sed -n '2,/^[^#]/s/^# \{0,1\}//p' "${BASH_SOURCE[-1]}" | sed 's|^  scripts/|Usage: scripts/|'
@@ -23,7 +22,7 @@ wrong_arguments() {
     exit 2
 }
 
-# refuse_options ARGUMENT...: to be called when those are left that are no options.
+# refuse_options ARGUMENT...: refuses any option among the remaining arguments.
 refuse_options() {
     local argument
     for argument in "$@"; do
@@ -35,6 +34,6 @@ refuse_options() {
 refuse_unless_number() {
     local argument
     for argument in "$@"; do
-        if [[ ! "$argument" =~ ^[0-9]+$ ]]; then wrong_arguments "$argument is no number."; fi
+        if [[ ! "$argument" =~ ^[0-9]+$ ]]; then wrong_arguments "$argument is not a number."; fi
     done
 }

@@ -1,19 +1,19 @@
 # shellcheck shell=bash
-# To be sourced: installs what the scripts need, on Debian and its kin.
+# To be sourced: installs packages that the scripts need, on Debian and its derivatives.
 
-# Whether a command or a path (with wildcards) is there.
-is_there() {
+# Whether a command or a path (with wildcards) exists.
+exists() {
     case "$1" in
         /*) compgen -G "$1" > /dev/null ;;
         *) command -v "$1" > /dev/null ;;
     esac
 }
 
-# The packages of a group that are missing, one a line.
+# The missing packages of a group, one per line.
 missing_packages() {
     local group proof package
     while read -r group proof package; do
-        if [[ "$group" == "$1" ]] && ! is_there "$proof"; then echo "$package"; fi
+        if [[ "$group" == "$1" ]] && ! exists "$proof"; then echo "$package"; fi
     done < "$(dirname "${BASH_SOURCE[0]}")/packages"
 }
 
@@ -21,21 +21,22 @@ as_root() {
     if [[ "$(id -u)" == 0 ]]; then "$@"; else sudo "$@"; fi
 }
 
-# Ends the script, naming the packages, where they cannot be installed.
+# Ends the script and names the packages if they cannot be installed.
 can_install_or_end() {
     local reason=''
-    if ! is_there apt-get; then
-        reason='there is no apt-get here'
-    elif [[ "$(id -u)" != 0 ]] && ! is_there sudo; then
-        reason='that takes root or sudo'
+    if ! exists apt-get; then
+        reason='there is no apt-get'
+    elif [[ "$(id -u)" != 0 ]] && ! exists sudo; then
+        reason='it needs root or sudo'
     fi
     if [[ -z "$reason" ]]; then return; fi
-    echo "Missing here, by the names of Debian's packages: $*" >&2
-    echo "They cannot be installed ($reason). Have them installed, and start this again." >&2
+    echo "Missing packages (Debian's names): $*" >&2
+    echo "They cannot be installed ($reason). Install them and start this again." >&2
     exit 1
 }
 
-# install_missing GROUP...: says nothing and does nothing when everything is there.
+# install_missing GROUP...: installs the missing packages of the groups; prints nothing if there are
+# none.
 install_missing() {
     local group packages=()
     for group in "$@"; do

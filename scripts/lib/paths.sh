@@ -1,8 +1,8 @@
 # shellcheck shell=bash
-# To be sourced: paths that the scripts work with.
+# To be sourced: a check of paths.
 
-# refuse_odd_paths PATH...: ends the script when CMake, a policy file or a shell would take a part of
-# a path for something else.
+# refuse_odd_paths PATH...: ends the script if a path has characters that are special in CMake, a policy
+# file or a shell.
 refuse_odd_paths() {
     local path
     for path in "$@"; do

@@ -1,14 +1,14 @@
 """Sums up runs of ctest: sum_up_tests.py MAY_SKIP REPORT...
 
-Names each test that was skipped, with its reason. Ends with 1 when a test failed, or when of a whole
-kind of tests none was run that MAY_SKIP, a list with blanks, does not name.
+Lists the skipped tests with their reasons. Ends with 1 if a test failed, or if no test of a kind was
+run, except for the kinds in MAY_SKIP, a list with blanks.
 """
 
 import re
 import sys
 import xml.etree.ElementTree
 
-# What the tests are labelled with, and how their names begin; all others are units.
+# The labels of tests by the first part of their names; all others are units.
 KINDS = {"scenes": "scene", "faults": "fault", "fuzz": "fuzz", "pages": "page",
          "packaging": "packaging", "manual": "packaging", "completion": "packaging",
          "trying": "trying"}
@@ -19,7 +19,7 @@ def kind_of(name):
 
 
 def reason_of(test):
-    """What a skipped test says: after Google Test's mark, or in the last line of a script."""
+    """The reason of a skipped test: the text after Google Test's mark, or a script's last line."""
     said = test.findtext("system-out", "").strip()
     marked = re.search(r": Skipped\n(.*)", said)
     if marked:
@@ -40,7 +40,7 @@ def main():
             message = "".join(left.get("message", "") for left in test.iter("skipped"))
             if test.get("status") == "run":
                 passed.append(name)
-            # Ctest writes a test whose program is missing down as one that was not run.
+            # ctest also reports a test whose program is missing as not run.
             elif message.startswith("SKIP_") or test.get("status") == "disabled":
                 skipped.append(name)
                 print(f"skipped: {name}: {reason_of(test)}")

@@ -1,10 +1,10 @@
-"""Runs clang-tidy on sources, with all sources of a folder and target put into one text: most of what
-a source costs is its headers, and its neighbours include the same. Findings are printed with the file
-and line where they stand.
+"""Runs clang-tidy on sources, with all sources of a folder and target joined into one file: most of
+the time is for headers, which these sources share. Findings are printed with their original file and
+line.
 
     tidy_units.py BUILD_DIRECTORY CHECKS SOURCE...
 
-BUILD_DIRECTORY holds compile_commands.json. The exit status is 1 when there are findings."""
+BUILD_DIRECTORY contains compile_commands.json. The exit status is 1 if there are findings."""
 
 import bisect
 import collections
@@ -18,13 +18,13 @@ import sys
 
 CLANG_TIDY = os.environ.get("CLANG_TIDY", "clang-tidy")
 HEADERS = "/(src|tests|tools)/"
-# Whether a using declaration is used is asked of each source by itself: a neighbour may use the name.
-OF_ONE_SOURCE = "misc-unused-using-decls"
+# This check runs on each source alone: another source of the folder may use the name.
+CHECK_OF_SINGLE_SOURCES = "misc-unused-using-decls"
 USING_DECLARATION = re.compile(r"^\s*using [\w:]+;", re.MULTILINE)
 
 
 def unit_of(entry):
-    """What the sources of a unit have in common: folder, target, and the compiler with its options."""
+    """The common properties of a unit's sources: folder, target, and the compiler with its options."""
     options = [word for word in shlex.split(entry["command"]) if word not in ("-c", entry["file"])]
     output = options.index("-o")
     target = options[output + 1].split(".dir/")[0]
@@ -33,7 +33,7 @@ def unit_of(entry):
 
 
 class Unit:
-    """The text of some sources of a folder, as a file."""
+    """A file with the text of several sources of a folder."""
 
     def __init__(self, path, sources):
         self.path = path
@@ -49,14 +49,14 @@ class Unit:
             file.write(text)
 
     def place(self, line):
-        """The source and its line that the unit's line comes from."""
+        """The source and line of a line of the unit."""
         at = bisect.bisect_right(self.first_lines, line) - 1
         return "%s:%d" % (self.sources[at], line - self.first_lines[at] + 1)
 
 
 def make_units(build, sources):
-    """Units of all the sources that are compiled, with their compile_commands.json; and the sources
-    that are not."""
+    """Writes units of all sources that are compiled, with their compile_commands.json. Returns the
+    units, and the other sources."""
     with open(os.path.join(build, "compile_commands.json"), encoding="utf-8") as file:
         entries = {entry["file"]: entry for entry in reversed(json.load(file))}
     groups = collections.defaultdict(list)
@@ -77,11 +77,11 @@ def make_units(build, sources):
 
 
 def tidy(database, checks, file):
-    """The status of clang-tidy, and what it says of a file."""
+    """The exit status and the output of clang-tidy for a file."""
     run = subprocess.run([CLANG_TIDY, "--quiet", "-p", database, "--checks=" + checks,
                           "--header-filter=" + HEADERS, file],
                          stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, check=False)
-    # Standard error holds the numbers of suppressed warnings, which matter when it fails only.
+    # Standard error lists suppressed warnings; it is returned on failure only.
     return run.returncode, run.stdout + (run.stderr if run.returncode != 0 else "")
 
 
@@ -100,12 +100,12 @@ def main():
     build, checks, *sources = sys.argv[1:]
     sources = [os.path.abspath(source) for source in sources]
     units, others = make_units(os.path.abspath(build), sources)
-    # The longest first, so that none is waited for at the end.
+    # The longest first, so that the last ones to end are short.
     units.sort(key=lambda unit: unit.size, reverse=True)
     with concurrent.futures.ThreadPoolExecutor(len(os.sched_getaffinity(0))) as pool:
-        runs = [pool.submit(tidy_unit, unit, checks + ",-" + OF_ONE_SOURCE) for unit in units]
+        runs = [pool.submit(tidy_unit, unit, checks + ",-" + CHECK_OF_SINGLE_SOURCES) for unit in units]
         runs += [pool.submit(tidy, build, checks, source) for source in others]
-        runs += [pool.submit(tidy, build, "-*," + OF_ONE_SOURCE, source)
+        runs += [pool.submit(tidy, build, "-*," + CHECK_OF_SINGLE_SOURCES, source)
                  for source in sources if source not in others and has_using_declaration(source)]
         status = 0
         for run in runs:

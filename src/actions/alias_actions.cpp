@@ -17,10 +17,10 @@
 #include "policy/gatebits_file.h"
 #include "policy/validators.h"
 
+namespace gatescope {
 namespace {
 
-/// A definition in a list shows this many characters; what is cut there is also cut from the
-/// value that is offered for an update.
+/// Definitions in a list are cut to this many characters; so is the value offered for an update.
 constexpr std::size_t LISTED_ALIAS_CHARACTERS = 100;
 
 std::string definition(const std::string& name, const std::string& value) {
@@ -38,7 +38,7 @@ std::string reference_entry(const Aliases& aliases, std::size_t i) {
     return filled(ALIAS_REFERENCE, aliases.ALIAS_NAME[i].c_str());
 }
 
-/// A list with one entry an alias; the tables may hold entries without a name.
+/// A list of all aliases; entries without a name are skipped.
 std::string alias_list(const Aliases& aliases,
                        std::string (*entry)(const Aliases& aliases, std::size_t i)) {
     std::vector<std::string> entries;
@@ -48,21 +48,21 @@ std::string alias_list(const Aliases& aliases,
     return as_list(entries);
 }
 
-/// Loads the tables; tells the operator when there is nothing in them.
-bool there_are_aliases(const Gatebits& gatebits, Aliases* aliases) {
-    // The count outlives the last alias, but its name does not.
+/// Loads the aliases. False, after telling the operator, when there are none.
+bool load_aliases(const Gatebits& gatebits, Aliases* aliases) {
+    // After the last alias was removed the count may still be 1, but its name is empty.
     if (build_alias_list(gatebits, aliases) != 0 && !aliases->ALIAS_NAME[0].empty()) return true;
     advise_wait(NO_ALIASES);
     return false;
 }
 
-/// A picked definition, taken apart again.
+/// The parts of a picked definition.
 struct Picked {
     std::string name;
     std::string value;
 };
 
-/// Gripes with `fault` when the pick has no name in it.
+/// Gripes with `fault` when the pick has no name.
 Picked picked_definition(const std::string& pick, const char* fault) {
     const auto header_end = pick.find(' ');
     if (header_end == std::string::npos || header_end + 1 == pick.size()) gripe(fault);
@@ -72,7 +72,7 @@ Picked picked_definition(const std::string& pick, const char* fault) {
     return {rest.substr(0, name_end), rest.substr(name_end + 1)};
 }
 
-// Both prompts leave `*last_answer` alone when they are cancelled before anything was answered.
+// Both prompts set `*last_answer` only after an answer, not when they are cancelled at once.
 
 std::optional<std::string> prompt_for_value(const std::string& name, const std::string& def,
                                             LastAnswer* last_answer) {
@@ -93,21 +93,21 @@ std::optional<std::string> prompt_for_name(const Aliases& others, LastAnswer* la
         .value;
 }
 
-/// The whole value of an alias in the list; lists show the beginning of a long one.
+/// The value of an alias, which a list may show cut.
 std::string value_of(const std::string& name, const Gatebits& shown) {
     const std::vector<std::string> value = definition_of(name, shown);
     return value.empty() ? "" : value.front();
 }
 
-/// Makes the change of an alias that the operator was shown as `shown` has it, and says what became
-/// of the references.
+/// Changes an alias unless its definition differs from that in `shown`, and reports the effect on
+/// the references.
 ChangeResult change_alias(const std::string& gatebits_file, const Gatebits& shown,
                           const AliasChange& wanted, const RecordedChange& record) {
-    const auto rests_on = [&](const Gatebits& gatebits) {
+    const auto definition_in = [&](const Gatebits& gatebits) {
         return definition_of(wanted.name, gatebits);
     };
     const auto edit = [&](const Gatebits& now) { return add_change_remove_an_alias(now, wanted); };
-    const Changed changed = change(gatebits_file, {shown, rests_on}, edit, record);
+    const Changed changed = change(gatebits_file, {shown, definition_in}, edit, record);
     if (changed.result != ChangeResult::WRITTEN) return changed.result;
     const std::string report = report_of_alias_change(changed.before, wanted);
     if (!report.empty()) advise_wait(report);
@@ -130,11 +130,11 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
         if (!value) return last_answer;
         const std::string line = definition(*name, *value);
         const Consent consent = confirm_add({ALIAS_ADDITION, line, *value}, Addition::ALIAS);
-        if (consent == DECLINED) continue;
-        if (consent == CONFIRMED) {
+        if (consent == Consent::DECLINED) continue;
+        if (consent == Consent::CONFIRMED) {
             const auto result = change_alias(gatebits_file, shown, {AliasMode::ADD, *name, *value},
                                              {"A17", ALIAS_ADDITION, std::nullopt, line});
-            if (written_or_told(result, gatebits_file)) add_confirmed_alias(line);
+            if (advise_unless_written(result, gatebits_file)) add_confirmed_alias(line);
             return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
         return {value};
@@ -143,21 +143,21 @@ LastAnswer A_17(const std::string& gatebits_file, Aliases& aliases) {
 
 LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
     const Gatebits shown = read_gatebits(gatebits_file);
-    if (!there_are_aliases(shown, &aliases)) return {};
+    if (!load_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
     if (!pick) return {UNANSWERED};
     const std::string name = picked_definition(*pick, INTERNAL_ERROR_A_18).name;
     const std::string reference = filled(ALIAS_REFERENCE, name.c_str());
     const auto remove = [&](AliasMode mode, const char* item) {
-        written_or_told(change_alias(gatebits_file, shown, {mode, name},
-                                     {"A18", item, definition(name, value_of(name, shown))}),
-                        gatebits_file);
+        advise_unless_written(change_alias(gatebits_file, shown, {mode, name},
+                                           {"A18", item, definition(name, value_of(name, shown))}),
+                              gatebits_file);
     };
     switch (ask(filled(REMOVE_REFERENCES_TOO_QUESTION, reference.c_str()))) {
-        case YES:
+        case Answer::YES:
             remove(AliasMode::REMOVE_ALL, ALIAS_WITH_REFERENCES);
             break;
-        case NO:
+        case Answer::NO:
             remove(AliasMode::REMOVE, ALIAS_ADDITION);
             break;
         default:
@@ -168,13 +168,13 @@ LastAnswer A_18(const std::string& gatebits_file, Aliases& aliases) {
 
 LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
     const Gatebits shown = read_gatebits(gatebits_file);
-    if (!there_are_aliases(shown, &aliases)) return {};
+    if (!load_aliases(shown, &aliases)) return {};
     const auto pick = pick_one(REMOVE_REFERENCES_TITLE, alias_list(aliases, reference_entry));
     if (!pick) return {UNANSWERED};
     const std::string reference = pick->substr(0, pick->find(' '));
     if (reference.empty()) gripe(INTERNAL_ERROR_A_19);
-    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), YES, Buttons::YES_ABORT) ==
-        YES) {
+    if (ask(filled(REMOVE_REFERENCES_QUESTION, reference.c_str()), Answer::YES,
+            Buttons::YES_ABORT) == Answer::YES) {
         change_alias(gatebits_file, shown, {AliasMode::REMOVE_REFERENCES, reference},
                      {"A19", ALIAS_REFERENCES, reference});
     }
@@ -183,7 +183,7 @@ LastAnswer A_19(const std::string& gatebits_file, Aliases& aliases) {
 
 LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
     const Gatebits shown = read_gatebits(gatebits_file);
-    if (!there_are_aliases(shown, &aliases)) return {};
+    if (!load_aliases(shown, &aliases)) return {};
     while (the_sun_rises) {
         const auto pick = pick_one(UPDATE_DEFINITION_TITLE, alias_list(aliases, definition_entry));
         if (!pick) return {UNANSWERED};
@@ -194,14 +194,16 @@ LastAnswer A_20(const std::string& gatebits_file, Aliases& aliases) {
         const Change wanted = {filled(ALIAS_FIELD_NAME, ALIAS_HEADER, picked.name.c_str()),
                                picked.value, *value};
         const Consent consent = confirm_change(wanted);
-        if (consent == DECLINED) continue;
-        if (consent == CONFIRMED) {
+        if (consent == Consent::DECLINED) continue;
+        if (consent == Consent::CONFIRMED) {
             const auto result =
                 change_alias(gatebits_file, shown, {AliasMode::CHANGE, picked.name, *value},
                              {"A20", wanted.item, value_of(picked.name, shown), *value});
-            if (written_or_told(result, gatebits_file)) change_confirmed(wanted);
+            if (advise_unless_written(result, gatebits_file)) change_confirmed(wanted);
             return {value, result == ChangeResult::CHANGED_MEANWHILE};
         }
         return {value};
     }
 }
+
+}  // namespace gatescope

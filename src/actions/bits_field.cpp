@@ -8,6 +8,8 @@
 #include "dialog/prompts.h"
 #include "messages/action_texts.h"
 
+namespace gatescope {
+
 std::string bit_state(std::string field) {
     field.resize(NUMBER_OF_BITS, '0');
     for (char& bit : field) bit = bit == '1' ? '1' : '0';
@@ -25,7 +27,7 @@ std::string bit_entries(const std::string& state) {
 
 std::string state_with_only(const std::string& picks) {
     std::string state(NUMBER_OF_BITS, '0');
-    // A delimiter after the last pick keeps it from being dropped.
+    // STRTOK drops a last piece without a delimiter.
     const std::string terminated = picks + ",";
     std::string_view rest = terminated;
     while (const auto pick = STRTOK(&rest, ",")) {
@@ -36,3 +38,5 @@ std::string state_with_only(const std::string& picks) {
     }
     return state;
 }
+
+}  // namespace gatescope

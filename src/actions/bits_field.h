@@ -5,16 +5,20 @@
 
 #include "messages/bit_names.h"
 
-// The functionality bits of a region as text: one '0' or '1' a bit.
+namespace gatescope {
+
+// The functionality bits of a region as text: one '0' or '1' per bit.
 
 inline constexpr std::size_t NUMBER_OF_BITS = GATEWARDEN_BITS_DESC.size();
 
-/// The state that a field stands for: exactly one '0' or '1' a bit. What is neither in the field,
-/// or missing, is '0'; what comes after the last bit is cut.
+/// The state in a field: exactly one '0' or '1' per bit. Other characters and missing ones become
+/// '0'; characters after the last bit are cut.
 std::string bit_state(std::string field);
 
-/// The list to pick bits from, each with its number, its present state and its name.
+/// The list of all bits, each with its number, current state and name.
 std::string bit_entries(const std::string& state);
 
-/// The state with the bits of the picked entries (separated by commas) on and all others off.
+/// The state with only the bits of the picked entries (separated by commas) set.
 std::string state_with_only(const std::string& picks);
+
+}  // namespace gatescope

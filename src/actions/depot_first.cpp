@@ -6,9 +6,10 @@
 #include "messages/action_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
-/// What to ask before the depot is defined; empty when it need not be.
+/// The question whether to define the depot first; empty when it is defined.
 std::string question_about(const std::string& depot, const char* entry, const std::string& os) {
     const char* name = os.c_str();
     if (depot.empty()) return filled(DEPOT_IS_NOT_DEFINED, name, name, entry, name);
@@ -27,7 +28,9 @@ std::string depot_of(const Gatebits& gatebits, const std::string& os) {
     return field_or_empty(gatebits, DEPOT_LINE, os == WINDOWS_OS ? WINDOWS_FIELD : UNIX_FIELD);
 }
 
-std::string why_depot_comes_first(const Gatebits& gatebits, const std::string& entry,
-                                  const std::string& os) {
+std::string question_for_missing_depot(const Gatebits& gatebits, const std::string& entry,
+                                       const std::string& os) {
     return question_about(depot_of(gatebits, os), entry.c_str(), os);
 }
+
+}  // namespace gatescope

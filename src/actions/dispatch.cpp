@@ -14,16 +14,18 @@
 #include "policy/checker.h"
 #include "policy/gatebits_file.h"
 
-// The submenu and the guard: how an action is run, whichever it is.
+namespace gatescope {
+
+// Runs actions from the submenu, and guarded actions.
 
 namespace {
 
-/// How often an operator may leave an action without having written anything before an error that
-/// was in the file all along stops holding them in it.
-constexpr int TIMES_LEFT_UNCHANGED = 3;
+/// After so many runs in a row without a change of the file, an error that was in it before no
+/// longer repeats the action.
+constexpr int MOST_RUNS_UNCHANGED = 3;
 
-/// Runs what was picked. An entry that only the installer is shown does nothing here: the main
-/// loop, which shows the same menu, runs it.
+/// Runs the pick. An entry that only the installer is shown does nothing here: the main loop, which
+/// shows the same menu, runs it.
 LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
                             const std::string& QUERY_OR_ACTION) {
     const Request* request = request_labelled(QUERY_OR_ACTION);
@@ -34,29 +36,29 @@ LastAnswer run_submenu_pick(const Options& options, RegionInUse& region,
     return request->execute(options, region).last_answer;
 }
 
-/// The menu that comes after the submenu.
+/// The menu after the submenu.
 int leave_submenu(const Options& options) {
-    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(STATUS_OF_A_WISHED_END);
+    if (options.runs_once() || options.IS_DURING_INSTALL) clean_exit(STATUS_SUCCESS);
     return MAIN_MENU;
 }
 
-/// Whether action n enters a path outside the gatebits file: the checker does not judge that, so
-/// the file is not checked again, and a bad path not asked for again.
-bool enters_a_path(int number) {
+/// Whether the action edits a path outside the gatebits file. The checker does not examine such
+/// files, so there is no check after the action.
+bool edits_path(int number) {
     return std::any_of(field_editors().begin(), field_editors().end(),
                        [&](const FieldEditor& field) {
                            return field.action == number && field.kind->names_a_path;
                        });
 }
 
-/// What the checker says of the file before an action.
-struct Before {
+/// The result of the check before an action.
+struct CheckBefore {
     bool errors = false;
     int count = 0;
 };
 
-Before look_before(RegionSettings* region) {
-    Before before;
+CheckBefore check_before(RegionSettings* region) {
+    CheckBefore before;
     const auto status = perform_cbfile_only_check(CheckMode::STATUS, region);
     if (!status || !status->CURRENT_GATEBITS_FILE_HAS_ERRORS) return before;
     before.errors = true;
@@ -65,16 +67,17 @@ Before look_before(RegionSettings* region) {
     return before;
 }
 
-/// Whether the second check lets the file pass. One with errors has to get better: as many as
-/// before will not do.
-bool is_good_enough(const CheckResult& after, const Before& before) {
+/// Whether the file passes the second check: without errors before, it must have none; else fewer
+/// than before.
+bool is_good_enough(const CheckResult& after, const CheckBefore& before) {
     return before.errors ? after.CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS < before.count
                          : !after.CURRENT_GATEBITS_FILE_HAS_ERRORS;
 }
 
-/// Whether the errors are no more than those at the start of the action. A file that was without
-/// errors before the last run has got new ones.
-bool no_more_errors_than(const Before& at_entry, const Before& before, const CheckResult& after) {
+/// Whether the file has at most as many errors as at the start of A_X. All errors are new when
+/// there were none before the last run.
+bool has_no_new_errors(const CheckBefore& at_entry, const CheckBefore& before,
+                       const CheckResult& after) {
     return before.errors && after.CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS <= at_entry.count;
 }
 
@@ -82,8 +85,8 @@ bool no_more_errors_than(const Before& at_entry, const Before& before, const Che
 
 int A_2(const Options& options, RegionInUse& region) {
     const bool during_install = options.IS_DURING_INSTALL;
-    // What was answered last while the pick ran decides whether the submenu comes up again here: it
-    // does after an empty answer, and after one that reads like a separator.
+    // The submenu is shown again after an empty last answer, and after one that looks like a
+    // separator.
     std::string last_answer;
     while (last_answer.empty() || is_separator(last_answer)) {
         const auto pick =
@@ -96,16 +99,16 @@ int A_2(const Options& options, RegionInUse& region) {
 }
 
 LastAnswer A_X(const Options& options, RegionInUse& region, int n) {
-    Before before = look_before(&region.settings);
-    const Before at_entry = before;
+    CheckBefore before = check_before(&region.settings);
+    const CheckBefore at_entry = before;
     const Request* request = request_numbered(RequestKind::ACTION, n);
     if (request == nullptr || !request->guarded) gripe(INCOMPLETE_ACTION_CODING);
     const std::string& gatebits_file = region.settings.ENTERPRIZE_PERMISSION_FILE;
-    const bool is_checked = !enters_a_path(n);
+    const bool is_checked = !edits_path(n);
     LastAnswer last_answer;
-    for (int times_unchanged = 0;; before = look_before(&region.settings)) {
+    for (int runs_unchanged = 0;; before = check_before(&region.settings)) {
         const std::string bytes = is_checked ? read_gatebits_bytes(gatebits_file) : "";
-        // A run that shows no dialog keeps the answer of the one before.
+        // After a run without a dialog the previous answer stays.
         const LastAnswer answer = request->handler(options, region, *request).last_answer;
         if (answer.text) last_answer = answer;
         // Entering another value would not help.
@@ -113,9 +116,8 @@ LastAnswer A_X(const Options& options, RegionInUse& region, int n) {
         const auto after = perform_cbfile_only_check(
             before.errors ? CheckMode::COUNT : CheckMode::STATUS, &region.settings);
         if (!after || is_good_enough(*after, before)) return last_answer;
-        times_unchanged = read_gatebits_bytes(gatebits_file) != bytes ? 0 : times_unchanged + 1;
-        if (times_unchanged >= TIMES_LEFT_UNCHANGED &&
-            no_more_errors_than(at_entry, before, *after)) {
+        runs_unchanged = read_gatebits_bytes(gatebits_file) != bytes ? 0 : runs_unchanged + 1;
+        if (runs_unchanged >= MOST_RUNS_UNCHANGED && has_no_new_errors(at_entry, before, *after)) {
             return last_answer;
         }
         advise_wait(AX_MSG);
@@ -132,3 +134,5 @@ bool A_during_install(bool during_install, const char* title) {
                              label.substr(dash + std::string(LABEL_DASH).size()).c_str()));
     return true;
 }
+
+}  // namespace gatescope

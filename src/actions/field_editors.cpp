@@ -10,44 +10,40 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
-/// How an editor ended.
-enum class EditorEnd {
-    WRITTEN,
-    LEFT  ///< cancelled, aborted or refused; nothing was written
-};
-
 struct Ended {
-    EditorEnd how;
+    /// False when the editor was cancelled, aborted or refused.
+    bool written;
     LastAnswer last_answer;
 };
 
 Ended view_change_depot(const std::string& os, RegionSettings* region);
 
-/// What the new value changes elsewhere.
+/// The fields that change with the new value.
 std::vector<FieldValue> further_changes(const Gatebits& gatebits, const FieldEditor& editor,
                                         const std::string& value) {
     if (editor.kind->further_changes == nullptr) return {};
     return editor.kind->further_changes(gatebits, editor, value);
 }
 
-/// What of the gatebits file the change rests on: what the field holds, and those that change with
-/// it.
+/// The values of the field and of those that change with it. The change is made only while they are
+/// as the operator was shown them.
 std::vector<std::string> fields_shown(const Gatebits& gatebits, const FieldEditor& editor,
                                       const std::string& value) {
-    std::vector<std::string> held = {field_or_empty(gatebits, editor.line, editor.field)};
+    std::vector<std::string> values = {field_or_empty(gatebits, editor.line, editor.field)};
     for (const FieldValue& one : further_changes(gatebits, editor, value)) {
-        held.push_back(field_or_empty(gatebits, one.line, one.field));
+        values.push_back(field_or_empty(gatebits, one.line, one.field));
     }
-    return held;
+    return values;
 }
 
 /// `shown` is the gatebits file when the operator was asked.
 ChangeResult write_and_report(const FieldEditor& editor, const Change& confirmed,
                               const Gatebits& shown, RegionSettings* region) {
     const std::string& value = confirmed.to;
-    const auto rests_on = [&](const Gatebits& gatebits) {
+    const auto fields_in = [&](const Gatebits& gatebits) {
         return fields_shown(gatebits, editor, value);
     };
     const auto edit = [&](const Gatebits& now) {
@@ -56,9 +52,10 @@ ChangeResult write_and_report(const FieldEditor& editor, const Change& confirmed
     };
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
     const Changed changed = change(
-        path, {shown, rests_on}, edit,
+        path, {shown, fields_in}, edit,
         {filled(ACTION_NUMBER, editor.action), confirmed.item, confirmed.from, confirmed.to});
-    if (!field_written_or_told(changed.result, path, confirmed.item, editor.line, editor.field)) {
+    if (!advise_unless_field_written(changed.result, path, confirmed.item, editor.line,
+                                     editor.field)) {
         return changed.result;
     }
     change_confirmed(confirmed);
@@ -73,40 +70,39 @@ std::string warnings_of(const Gatebits& gatebits, const FieldEditor& editor, con
     return editor.warnings(gatebits, {wanted.item, editor.subject, editor.field, wanted.to});
 }
 
-/// Whether the depot that a field needs is there.
-enum class DepotFirst { IS_THERE, NOW_DEFINED, MISSING };
+enum class DepotState { DEFINED, NOW_DEFINED, MISSING };
 
-struct DepotNeeded {
-    DepotFirst depot;
+struct DepotFirst {
+    DepotState depot;
     LastAnswer last_answer;
 };
 
-/// Lets the operator define the depot of `os` where `entry` needs it; `*gatebits` is then the file
-/// with it.
-DepotNeeded make_depot_first_if_needed(const std::string& entry, const std::string& os,
-                                       Gatebits* gatebits, RegionSettings* region) {
-    const std::string question = why_depot_comes_first(*gatebits, entry, os);
-    if (question.empty()) return {DepotFirst::IS_THERE, {}};
-    if (ask(question, YES, Buttons::YES_NO) != YES) return {DepotFirst::MISSING, {}};
-    const Ended depot = view_change_depot(os, region);
-    if (depot.how == EditorEnd::LEFT) return {DepotFirst::MISSING, depot.last_answer};
+/// Lets the operator define the depot of `os` first when `entry` needs it and it is missing;
+/// `*gatebits` is then read again.
+DepotFirst define_missing_depot(const std::string& entry, const std::string& os, Gatebits* gatebits,
+                                RegionSettings* region) {
+    const std::string question = question_for_missing_depot(*gatebits, entry, os);
+    if (question.empty()) return {DepotState::DEFINED, {}};
+    if (ask(question, Answer::YES, Buttons::YES_NO) != Answer::YES)
+        return {DepotState::MISSING, {}};
+    const Ended editor = view_change_depot(os, region);
+    if (!editor.written) return {DepotState::MISSING, editor.last_answer};
     *gatebits = read_gatebits(region->ENTERPRIZE_PERMISSION_FILE);
-    return {depot_of(*gatebits, os).empty() ? DepotFirst::MISSING : DepotFirst::NOW_DEFINED,
-            depot.last_answer};
+    return {depot_of(*gatebits, os).empty() ? DepotState::MISSING : DepotState::NOW_DEFINED,
+            editor.last_answer};
 }
 
-/// The loop of all editors: read, ask, confirm, write, report. What is shown, checked and warned of
-/// in one round comes from one reading.
+/// The loop of all editors: read, ask, confirm, write, report. Each round reads the file once.
 Ended run_editor(const FieldEditor& editor, RegionSettings* region) {
     const FieldKind& kind = *editor.kind;
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
     Gatebits gatebits = read_gatebits(path);
     std::string back_to;
     if (kind.depot_entry != nullptr) {
-        const DepotNeeded needed =
-            make_depot_first_if_needed(kind.depot_entry, editor.subject, &gatebits, region);
-        if (needed.depot == DepotFirst::MISSING) return {EditorEnd::LEFT, needed.last_answer};
-        if (needed.depot == DepotFirst::NOW_DEFINED) back_to = kind.back_to;
+        const DepotFirst first =
+            define_missing_depot(kind.depot_entry, editor.subject, &gatebits, region);
+        if (first.depot == DepotState::MISSING) return {false, first.last_answer};
+        if (first.depot == DepotState::NOW_DEFINED) back_to = kind.back_to;
     }
     for (; the_sun_rises; gatebits = read_gatebits(path)) {
         const std::string stored = field_or_empty(gatebits, editor.line, editor.field);
@@ -114,13 +110,13 @@ Ended run_editor(const FieldEditor& editor, RegionSettings* region) {
         const Entered entered =
             kind.ask_for(gatebits, editor, kind.question(editor, current, back_to), current);
         back_to.clear();
-        if (!entered.value) return {EditorEnd::LEFT, {entered.last_answer}};
+        if (!entered.value) return {false, {entered.last_answer}};
         const Change wanted = {kind.field_name(editor), current, *entered.value};
         const Consent consent = confirm_change(wanted, warnings_of(gatebits, editor, wanted));
-        if (consent == DECLINED) continue;
-        if (consent != CONFIRMED) return {EditorEnd::LEFT, {entered.last_answer}};
+        if (consent == Consent::DECLINED) continue;
+        if (consent != Consent::CONFIRMED) return {false, {entered.last_answer}};
         const ChangeResult result = write_and_report(editor, wanted, gatebits, region);
-        return {result == ChangeResult::WRITTEN ? EditorEnd::WRITTEN : EditorEnd::LEFT,
+        return {result == ChangeResult::WRITTEN,
                 {entered.last_answer, result == ChangeResult::CHANGED_MEANWHILE}};
     }
 }
@@ -140,3 +136,5 @@ LastAnswer edit_field(int n, RegionSettings* region) {
     }
     gripe_uncoded("edit_field");
 }
+
+}  // namespace gatescope

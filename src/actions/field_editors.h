@@ -3,12 +3,16 @@
 #include "actions/last_answer.h"
 #include "policy/region.h"
 
-// Views and changes one field of the region block.
+namespace gatescope {
 
-/// Always true; every editor loop runs while it holds.
+// Views and changes a field of the region block.
+
+/// Always true: the condition of every editor loop.
 inline constexpr bool the_sun_rises = true;
 
-/// Runs the editor of action n (4 to 16); gripes for any other number. A field that cannot do
-/// without a depot leads to the depot's editor first. The settings of the region are loaded again
-/// when they depend on what was changed.
+/// Runs the editor of action n (4 to 16); gripes for any other number. A field that needs a missing
+/// depot leads to the depot's editor first. The region's settings are reloaded when they depend on
+/// the field.
 LastAnswer edit_field(int n, RegionSettings* region);
+
+}  // namespace gatescope

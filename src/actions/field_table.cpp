@@ -8,11 +8,12 @@
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
 // Typed values.
 
-// Validators that need to know less than the notify program's does.
+// Adapters for validators that take fewer arguments than region_notify_is_ok.
 
 template <Validity (*is_ok)(const std::string& value, const std::string& os)>
 Validity of_path(const std::string& value, const std::string& os, const Gatebits&) {
@@ -30,7 +31,7 @@ Entered typed_value(const Gatebits& gatebits, const FieldEditor& editor,
     });
 }
 
-/// A cleared depot takes with it what stands on it.
+/// A cleared depot clears the fields that need it.
 std::vector<FieldValue> changes_with_depot(const Gatebits& gatebits, const FieldEditor& depot,
                                            const std::string& value) {
     if (!value.empty()) return {};
@@ -178,3 +179,5 @@ constexpr FieldEditor EDITORS[] = {
 std::span<const FieldEditor> field_editors() {
     return EDITORS;
 }
+
+}  // namespace gatescope

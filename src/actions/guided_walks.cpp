@@ -4,10 +4,11 @@
 #include "actions/requests.h"
 #include "actions/tool_settings.h"
 
+namespace gatescope {
 namespace {
 
-// The actions of each walk after the tool's settings, each run as the menus run it: what is
-// guarded there is guarded here.
+// The actions of each walk after the tool's settings. They are run as from the menus, so guarded
+// actions are guarded here too.
 constexpr int IMPORTANT_FIELDS[] = {4, 5, 6, 7, 16, 23};
 constexpr int ALL_FIELDS[] = {4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 17, 22, 23};
 
@@ -29,3 +30,5 @@ void A_28(const Options& options, RegionInUse& region) {
 void A_29(const Options& options, RegionInUse& region) {
     walk(options, region, SettingsAsked::ALL, ALL_FIELDS);
 }
+
+}  // namespace gatescope

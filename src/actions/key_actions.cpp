@@ -16,12 +16,13 @@
 #include "policy/change_warnings.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
-/// A key in a list shows this many of its characters.
+/// Keys in a list are cut to this many characters.
 constexpr std::size_t LISTED_KEY_CHARACTERS = 46;
 
-/// Says how many keys of the file a list of these leaves out: those that no line number reaches.
+/// Reports how many keys are not in the list, because they have no line number.
 void note_keys_left_out(const std::string& gatebits_file, const Gatebits& gatebits,
                         std::size_t listed) {
     const std::size_t in_file = number_of_keys(gatebits);
@@ -41,12 +42,12 @@ std::string key_list(const std::vector<std::string>& keys) {
 
 struct Key {
     int index;
-    /// The file in which it was read.
+    /// The file from which it was read.
     Gatebits gatebits;
     std::string line;
 };
 
-/// The key that the pick begins with the index of, as it is now; gripes with `fault` when there is
+/// The key with the index at the start of the pick, read again; gripes with `fault` when there is
 /// none.
 Key picked_key(const std::string& gatebits_file, const std::string& pick, const char* fault) {
     const auto index = number_at_front(pick);
@@ -64,41 +65,42 @@ Answer ask_what_to_do_with(const Key& key, const char* noun) {
     return ask(filled(KEY_QUESTION, noun, key.index, shown.c_str()));
 }
 
-/// Writes `text` in the key's place while that is as it was shown; `to` is what stands there then.
+/// Replaces the key by `text` unless its line has changed since it was shown; `to` is the new value
+/// in the history.
 ChangeResult write_key(const std::string& gatebits_file, const Key& key, const std::string& text,
                        const std::optional<std::string>& to) {
     const int number = FIRST_KEY_LINE + key.index;
-    const auto rests_on = [&](const Gatebits& gatebits) {
+    const auto key_in = [&](const Gatebits& gatebits) {
         const auto line = get_a_line(gatebits, number);
         return line ? std::vector<std::string>{*line} : std::vector<std::string>();
     };
     const auto edit = [&](const Gatebits& now) { return set_a_line(now, number, text); };
-    return change(gatebits_file, {key.gatebits, rests_on}, edit,
+    return change(gatebits_file, {key.gatebits, key_in}, edit,
                   {"A21", filled(KEY_FIELD_NAME, key.index), key.line, to})
         .result;
 }
 
-/// Whether the action goes on with its list: it does not after a cancelled prompt, nor when
-/// another process has changed the key.
+/// False, which ends the action, after a cancelled prompt, or when another process has changed the
+/// key.
 bool edit_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const auto text = prompt(filled(KEY_PROMPT, key.index), key.line);
     if (!text) return false;
     *last_answer = {text};
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, *text};
-    if (confirm_change(wanted, key_reminder(gatebits_file)) != CONFIRMED) return true;
+    if (confirm_change(wanted, key_reminder(gatebits_file)) != Consent::CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, *text, *text);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
-    if (!written_or_told(result, gatebits_file)) return false;
+    if (!advise_unless_written(result, gatebits_file)) return false;
     change_confirmed(wanted);
     return true;
 }
 
 bool delete_key(const std::string& gatebits_file, const Key& key, LastAnswer* last_answer) {
     const Change wanted = {filled(KEY_FIELD_NAME, key.index), key.line, ""};
-    if (confirm_delete(wanted) != CONFIRMED) return true;
+    if (confirm_delete(wanted) != Consent::CONFIRMED) return true;
     const auto result = write_key(gatebits_file, key, DELETION_TOKEN, std::nullopt);
     last_answer->changed_meanwhile = result == ChangeResult::CHANGED_MEANWHILE;
-    if (!written_or_told(result, gatebits_file)) return false;
+    if (!advise_unless_written(result, gatebits_file)) return false;
     delete_confirmed(wanted);
     return true;
 }
@@ -112,7 +114,7 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
         const Gatebits gatebits = read_gatebits(gatebits_file);
         const std::vector<std::string> keys = command_keys(gatebits);
         if (keys.empty()) {
-            ask(texts.none, ABORT, Buttons::ABORT);
+            ask(texts.none, Answer::ABORT, Buttons::ABORT);
             return last_answer;
         }
         note_keys_left_out(gatebits_file, gatebits, keys.size());
@@ -121,8 +123,10 @@ LastAnswer A_21(const std::string& gatebits_file, int edition) {
         if (!pick) return last_answer;
         const Key key = picked_key(gatebits_file, *pick, INTERNAL_ERROR_A_21);
         const Answer answer = ask_what_to_do_with(key, texts.noun);
-        if (answer == NO && !delete_key(gatebits_file, key, &last_answer)) return last_answer;
-        if (answer == YES && !edit_key(gatebits_file, key, &last_answer)) return last_answer;
+        if (answer == Answer::NO && !delete_key(gatebits_file, key, &last_answer))
+            return last_answer;
+        if (answer == Answer::YES && !edit_key(gatebits_file, key, &last_answer))
+            return last_answer;
     }
 }
 
@@ -144,8 +148,8 @@ LastAnswer A_22(const std::string& gatebits_file) {
         if (!entered) return last_answer;
         last_answer = {entered};
         const Change wanted = {filled(KEY_FIELD_NAME, index), NEW_KEY_WORD, *entered};
-        if (confirm_add(wanted) == CONFIRMED) {
-            change(gatebits_file, {gatebits, nothing},
+        if (confirm_add(wanted) == Consent::CONFIRMED) {
+            change(gatebits_file, {gatebits, no_part},
                    [&](const Gatebits& now) { return set_a_line(now, 0, *entered); },
                    {"A22", wanted.item, std::nullopt, *entered});
             // A new key has always been reported as a change.
@@ -153,3 +157,5 @@ LastAnswer A_22(const std::string& gatebits_file) {
         }
     }
 }
+
+}  // namespace gatescope

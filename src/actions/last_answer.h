@@ -3,14 +3,17 @@
 #include <optional>
 #include <string>
 
-/// What the operator answered last while a request ran.
+namespace gatescope {
+
+/// The operator's last answer during a request.
 struct LastAnswer {
-    /// Empty when a dialog was left without an answer, nothing when none was shown. After an empty
-    /// one the submenu comes up again at once.
+    /// Nothing when no dialog was shown; empty after a cancelled one, and the submenu is then shown
+    /// again at once.
     std::optional<std::string> text = {};
-    /// The operator was told that another process has changed the file meanwhile, and goes back to
-    /// the menu.
+    /// Whether the request ended because another process has changed the file.
     bool changed_meanwhile = false;
 };
-/// The last answer of a request whose last dialog was left without one.
+/// The last answer after a cancelled dialog.
 inline constexpr char UNANSWERED[] = "";
+
+}  // namespace gatescope

@@ -14,27 +14,29 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
-// Which gatebits file is in use: check it, switch to another, create one, copy one.
+namespace gatescope {
+
+// The gatebits file in use: check it, switch to another, create one, copy one.
 
 namespace {
 
-/// How far a step of an action got.
-enum class Step { DONE, AGAIN, GIVEN_UP };
+/// The outcome of a step of an action.
+enum class Step { DONE, RETRY, GIVEN_UP };
 
-/// Asks whether to try once more.
-Step again_if_wished(const char* question) {
-    return ask(question, YES, Buttons::YES_NO) == YES ? Step::AGAIN : Step::GIVEN_UP;
+Step ask_to_retry(const char* question) {
+    return ask(question, Answer::YES, Buttons::YES_NO) == Answer::YES ? Step::RETRY
+                                                                      : Step::GIVEN_UP;
 }
 
-/// Repeats a step for as long as the operator wants to try again.
+/// Repeats a step while it returns RETRY. Whether it was done.
 template <typename Repeated>
-bool done_in_the_end(Repeated step) {
-    Step result = Step::AGAIN;
-    while (result == Step::AGAIN) result = step();
+bool run_until_done(Repeated step) {
+    Step result = Step::RETRY;
+    while (result == Step::RETRY) result = step();
     return result == Step::DONE;
 }
 
-/// What the checker says of the file in use, in words; empty when it could not be run.
+/// A report of the check of the file in use; empty when the checker could not be run.
 std::string verdict_on_new_file(RegionSettings* region) {
     const auto check = perform_cbfile_only_check(CheckMode::ERRORS, region);
     if (!check) return "";
@@ -46,7 +48,7 @@ std::string verdict_on_new_file(RegionSettings* region) {
 Step switch_file(RegionSettings* region) {
     const auto chosen = select_cb_file(region->ENTERPRIZE_PERMISSION_FILE, PROMPT_06);
     if (!chosen) return Step::GIVEN_UP;
-    if (!this_file_exists(*chosen)) return again_if_wished(RETRY_SWITCH);
+    if (!this_file_exists(*chosen)) return ask_to_retry(RETRY_SWITCH);
     region->ENTERPRIZE_PERMISSION_FILE = *chosen;
     const std::string verdict = verdict_on_new_file(region);
     if (verdict.empty()) return Step::GIVEN_UP;
@@ -54,11 +56,11 @@ Step switch_file(RegionSettings* region) {
     return Step::DONE;
 }
 
-Step use_existing_or_again(const std::string& path, RegionSettings* region) {
+Step ask_to_use_existing(const std::string& path, RegionSettings* region) {
     switch (ask(NEW_OR_EXISTING)) {
-        case YES:
-            return Step::AGAIN;
-        case NO:
+        case Answer::YES:
+            return Step::RETRY;
+        case Answer::NO:
             region->ENTERPRIZE_PERMISSION_FILE = path;
             return Step::DONE;
         default:
@@ -66,7 +68,8 @@ Step use_existing_or_again(const std::string& path, RegionSettings* region) {
     }
 }
 
-/// The checkers of the file in use go into the new one, this system's as long as it is there.
+/// The new file gets the checkers of the file in use, or the emergency checker when this system's
+/// does not exist.
 std::string text_of_new_file(const ToolSettings& in_use) {
     const std::string& checker = in_use.GS_VAR[UNIX_CHECKER];
     ToolSettings tools;
@@ -80,11 +83,11 @@ std::string text_of_new_file(const ToolSettings& in_use) {
     return text + filled(init_file, SELF, VERSION);
 }
 
-void offer_the_walks(const Options& options, RegionInUse& region) {
+void offer_walks(const Options& options, RegionInUse& region) {
     switch (ask(POPULATE_NOW)) {
-        case YES:
+        case Answer::YES:
             return A_29(options, region);
-        case NO:
+        case Answer::NO:
             return A_28(options, region);
         default:
             return;
@@ -98,61 +101,60 @@ void use_file(const std::string& path, RegionSettings* region) {
 Step create_file(const Options& options, RegionInUse& region) {
     const auto chosen = select_cb_file(region.settings.ENTERPRIZE_PERMISSION_FILE, PROMPT_05);
     if (!chosen) return Step::GIVEN_UP;
-    if (this_file_exists(*chosen)) return use_existing_or_again(*chosen, &region.settings);
+    if (this_file_exists(*chosen)) return ask_to_use_existing(*chosen, &region.settings);
     switch (create_gatebits_file(*chosen, text_of_new_file(region.settings.tools),
                                  {"A26", NEW_FILE, std::nullopt, *chosen})) {
         case NewFile::EXISTS:
-            return use_existing_or_again(*chosen, &region.settings);
+            return ask_to_use_existing(*chosen, &region.settings);
         case NewFile::NOT_CREATED:
-            return again_if_wished(RETRY_LOCATION);
+            return ask_to_retry(RETRY_LOCATION);
         case NewFile::CREATED:
             break;
     }
     use_file(*chosen, &region.settings);
-    offer_the_walks(options, region);
+    offer_walks(options, region);
     return Step::DONE;
 }
 
-// Each of these leaves its choice in `*path`.
+// Both store the choice in `*path`.
 
 Step choose_source(const std::string& file_in_use, std::string* path) {
     const auto chosen = select_cb_file(file_in_use, PROMPT_04);
     if (!chosen) return Step::GIVEN_UP;
     *path = *chosen;
-    return this_file_exists(*path) ? Step::DONE : again_if_wished(RETRY_SOURCE);
+    return this_file_exists(*path) ? Step::DONE : ask_to_retry(RETRY_SOURCE);
 }
 
 Step choose_destination(const std::string& file_in_use, std::string* path) {
     const auto chosen = select_cb_file(file_in_use, PROMPT_03);
     if (!chosen) return Step::GIVEN_UP;
     *path = *chosen;
-    return this_file_exists(*path) ? again_if_wished(RETRY_DESTINATION) : Step::DONE;
+    return this_file_exists(*path) ? ask_to_retry(RETRY_DESTINATION) : Step::DONE;
 }
 
-/// The whole action but its refusal: it starts over from the source when the destination cannot be
-/// created.
+/// Starts over from the source when the destination cannot be created.
 Step copy_the_file(RegionSettings* region) {
     std::string source;
     std::string destination;
     const std::string& file_in_use = region->ENTERPRIZE_PERMISSION_FILE;
-    if (!done_in_the_end([&] { return choose_source(file_in_use, &source); })) {
+    if (!run_until_done([&] { return choose_source(file_in_use, &source); })) {
         return Step::GIVEN_UP;
     }
     use_file(source, region);
     NewFile created = NewFile::EXISTS;
     while (created == NewFile::EXISTS) {
-        if (!done_in_the_end([&] { return choose_destination(file_in_use, &destination); })) {
+        if (!run_until_done([&] { return choose_destination(file_in_use, &destination); })) {
             return Step::GIVEN_UP;
         }
         created = create_gatebits_file(
             destination, bytes_to_copy(source, destination),
             {"A27", filled(COPY_OF_FILE, source.c_str()), std::nullopt, destination});
-        // Somebody may have put a file there since it was looked for.
-        if (created == NewFile::EXISTS && again_if_wished(RETRY_DESTINATION) == Step::GIVEN_UP) {
+        // Another process may have created the file meanwhile.
+        if (created == NewFile::EXISTS && ask_to_retry(RETRY_DESTINATION) == Step::GIVEN_UP) {
             return Step::GIVEN_UP;
         }
     }
-    if (created == NewFile::NOT_CREATED) return again_if_wished(RETRY_LOCATION);
+    if (created == NewFile::NOT_CREATED) return ask_to_retry(RETRY_LOCATION);
     use_file(destination, region);
     const std::string verdict = verdict_on_new_file(region);
     if (verdict.empty()) return Step::GIVEN_UP;
@@ -172,17 +174,19 @@ void A_23(RegionSettings& region, bool during_install) {
     const std::string command = checker_command(checker, region.ENTERPRIZE_PERMISSION_FILE, CHECK);
     const int status = run_in_shell(command);
     if (status == 0 || during_install) return;
-    ask(filled(CHECK_FAILED, status, command.c_str()), ABORT, Buttons::ABORT);
+    ask(filled(CHECK_FAILED, status, command.c_str()), Answer::ABORT, Buttons::ABORT);
 }
 
 bool A_25(RegionSettings& region) {
-    return done_in_the_end([&] { return switch_file(&region); });
+    return run_until_done([&] { return switch_file(&region); });
 }
 
 bool A_26(const Options& options, RegionInUse& region) {
-    return done_in_the_end([&] { return create_file(options, region); });
+    return run_until_done([&] { return create_file(options, region); });
 }
 
 bool A_27(RegionSettings& region) {
-    return done_in_the_end([&] { return copy_the_file(&region); });
+    return run_until_done([&] { return copy_the_file(&region); });
 }
+
+}  // namespace gatescope

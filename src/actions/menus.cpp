@@ -7,13 +7,14 @@
 #include "dialog/prompts.h"
 #include "messages/menu_labels.h"
 
+namespace gatescope {
 namespace {
 
 const char* label_of(const Request& request, int edition) {
     return request.lite_label != nullptr && edition == 0 ? request.lite_label : request.label;
 }
 
-/// The labels of what `column` shows.
+/// The labels of the requests that `column` shows.
 std::string entries(Shown Request::*column, int edition, bool during_install) {
     std::vector<std::string> labels;
     for (const Request& request : all_requests()) {
@@ -47,3 +48,5 @@ std::string submenu_title(const std::string& region, bool during_install) {
 bool is_separator(const std::string& pick) {
     return pick.compare(0, 5, std::string(SEPERATOR, 5)) == 0;
 }
+
+}  // namespace gatescope

@@ -4,13 +4,17 @@
 
 #include "policy/gatebits.h"
 
-// What the operator is told of a confirmed change of the gatebits file that was not made.
+namespace gatescope {
 
-/// Whether the change was written. Tells the operator when what they were shown has been changed by
-/// somebody else.
-bool written_or_told(ChangeResult result, const std::string& gatebits_file);
+// Messages about confirmed changes of the gatebits file that were not made.
 
-/// The same for a field of the region block, called `item` in the question; tells also where the
-/// field should be when it is not there.
-bool field_written_or_told(ChangeResult result, const std::string& gatebits_file,
-                           const std::string& item, int line, int field);
+/// Whether the change was written. Advises the operator when another process had changed what they
+/// were shown.
+bool advise_unless_written(ChangeResult result, const std::string& gatebits_file);
+
+/// The same for a field of the region block, named `item` in the question; advises also when the
+/// field does not exist.
+bool advise_unless_field_written(ChangeResult result, const std::string& gatebits_file,
+                                 const std::string& item, int line, int field);
+
+}  // namespace gatescope

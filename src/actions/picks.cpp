@@ -5,6 +5,8 @@
 #include "base/text.h"
 #include "dialog/prompts.h"
 
+namespace gatescope {
+
 Entered prompt_until_ok(std::string question, const std::string& def,
                         const std::function<Validity(const std::string& value)>& is_ok) {
     std::string last_answer;
@@ -31,3 +33,5 @@ std::optional<int> number_at_front(const std::string& pick) {
     if (number > std::numeric_limits<int>::max()) return std::nullopt;
     return static_cast<int>(number);
 }
+
+}  // namespace gatescope

@@ -8,18 +8,20 @@
 #include "policy/region.h"
 #include "queries/options.h"
 
-// The table of everything that an operator can ask for: the menus, the command line's limits, the
-// installer's refusals, the dispatch, the manual and the completion all read it.
+namespace gatescope {
+
+// The table of all queries and actions. The menus, the command line, the dispatch, the manual and
+// the completion read it.
 
 enum class RequestKind { QUERY, ACTION };
 
 /// Whether and how a menu shows a request.
 enum class Shown { NO, YES, AFTER_SEPARATOR, TO_INSTALLER_ONLY };
 
-/// How a request ended.
+/// The result of a request.
 struct Finished {
     LastAnswer last_answer = {};
-    /// The menu that comes next; nothing when the one that was due still is.
+    /// The next menu; nothing for the same menu again.
     std::optional<int> next_menu = {};
 };
 
@@ -27,21 +29,21 @@ struct Request {
     RequestKind kind;
     /// The number of Q= or A=.
     int number;
-    /// What the menus show and what a pick is recognised by.
+    /// The entry in the menus, by which a pick is recognised.
     const char* label;
-    /// The same in the lite edition's wording; null where it does not differ.
+    /// The label of the lite edition; null where it is the same.
     const char* lite_label;
-    /// What does its work, without the guard and the refusal.
+    /// Called by execute or, for guarded requests, by A_X.
     Finished (*handler)(const Options& options, RegionInUse& region, const Request& request);
-    /// Whether the gatebits file is checked before and after (A_X runs the handler).
+    /// Whether the gatebits file is checked before and after.
     bool guarded;
-    /// Whether it does its work when the installer started the program.
+    /// Whether it is available when the installer started the program.
     bool during_install;
     /// Each menu has its entries in the order of the table.
     Shown in_main_menu;
     Shown in_submenu;
 
-    /// Runs the request, with the guard where it has one, unless the installer is refused it.
+    /// Runs the request unless it is refused to the installer.
     Finished execute(const Options& options, RegionInUse& region) const;
 };
 
@@ -53,9 +55,10 @@ int highest_number(RequestKind kind);
 /// The request of that number, or null.
 const Request* request_numbered(RequestKind kind, int number);
 
-/// The request whose label, in either edition's wording, is `label`, or null.
+/// The request with that label in either edition, or null.
 const Request* request_labelled(const std::string& label);
 
-/// Whether the request is refused, after telling the operator so: the installer started the program
-/// and cannot have it.
-bool refused(const Request& request, const Options& options);
+/// Whether the request is refused because the installer started the program; tells the operator so.
+bool refuse_during_install(const Request& request, const Options& options);
+
+}  // namespace gatescope

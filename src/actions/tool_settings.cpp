@@ -17,6 +17,7 @@
 #include "policy/tool_variables.h"
 #include "pruning/pruning.h"
 
+namespace gatescope {
 namespace {
 
 std::string setting_list(const ToolSettings& tools) {
@@ -29,11 +30,11 @@ std::string setting_list(const ToolSettings& tools) {
     return as_list(entries);
 }
 
-/// What one question for a setting leads to.
+/// The next step after the question for a setting.
 enum class Next { ASK_AGAIN, GO_ON };
 
-/// Asks for the setting, with `def` to be edited, and writes what is confirmed unless the file no
-/// longer has for it what it has in `shown`. `*entered` is what was typed.
+/// Asks for the setting with `def` as the default, and writes the confirmed value unless the
+/// setting differs from that in `shown`. `*entered` is the typed value.
 Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string& def,
                      std::string* entered, RegionSettings* region) {
     const auto typed = prompt(filled(SETTING_PROMPT, GS_VAR_NAME[index]), def);
@@ -41,10 +42,10 @@ Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string
     *entered = *typed;
     const Change wanted = {GATESCOPE_VARIABLE, GS_VAR_NAME[index], *typed};
     const Consent consent = confirm_add(wanted, Addition::SETTING);
-    if (consent == DECLINED) return Next::ASK_AGAIN;
-    if (consent != CONFIRMED) return Next::GO_ON;
+    if (consent == Consent::DECLINED) return Next::ASK_AGAIN;
+    if (consent != Consent::CONFIRMED) return Next::GO_ON;
     const std::string path = region->ENTERPRIZE_PERMISSION_FILE;
-    const auto rests_on = [&](const Gatebits& gatebits) {
+    const auto setting_in = [&](const Gatebits& gatebits) {
         return std::vector<std::string>{stored_variable(gatebits, index).value_or("")};
     };
     auto stored = stored_variable(shown, index);
@@ -52,16 +53,16 @@ Next ask_for_setting(std::size_t index, const Gatebits& shown, const std::string
     const auto edit = [&](const Gatebits& now) {
         return change_a_var(now, region->tools, index, *typed);
     };
-    const Changed changed = change(path, {shown, rests_on}, edit,
+    const Changed changed = change(path, {shown, setting_in}, edit,
                                    {"A24", wanted.item, stored, GS_VAR_NAME[index] + *typed});
-    if (!written_or_told(changed.result, path)) return Next::GO_ON;
+    if (!advise_unless_written(changed.result, path)) return Next::GO_ON;
     add_confirmed(wanted);
     *region = interrogate_the_enterprise(path, changed.now, region->tools);
     return Next::GO_ON;
 }
 
-/// The setting as the walks show it: what is in use in place of a checker that is missing, else
-/// what the file has.
+/// The default of a walk's question: the emergency checker when it replaces a missing checker, else
+/// the value in the file.
 std::string setting_in_use(const ToolSettings& tools, std::size_t index,
                            const std::optional<std::string>& stored) {
     const std::string& value = tools.GS_VAR[index];
@@ -72,7 +73,7 @@ std::string setting_in_use(const ToolSettings& tools, std::size_t index,
 void walk_to_setting(std::size_t index, RegionSettings* region) {
     Next next = Next::ASK_AGAIN;
     std::string entered;
-    // A declined change goes on from the stored value.
+    // After a declined change the default is the stored value again.
     while (next == Next::ASK_AGAIN) {
         const Gatebits gatebits = read_gatebits(region->ENTERPRIZE_PERMISSION_FILE);
         const auto stored = stored_variable(gatebits, index);
@@ -93,7 +94,7 @@ void A_24(RegionSettings& region) {
         gripe(INTERNAL_ERROR_A_24);
     std::string value = region.tools.GS_VAR[static_cast<std::size_t>(*index)];
     Next next = Next::ASK_AGAIN;
-    // What was entered last is what a declined change goes on from.
+    // After a declined change the default is the entered value.
     while (next == Next::ASK_AGAIN) {
         next = ask_for_setting(static_cast<std::size_t>(*index), gatebits, value, &value, &region);
     }
@@ -104,3 +105,5 @@ void ask_all_configure(SettingsAsked mode, RegionSettings* region) {
         mode == SettingsAsked::IMPORTANT ? UNIX_CHECKER + 1 : GS_VAR_NAME.size();
     for (std::size_t index = 0; index < settings; ++index) walk_to_setting(index, region);
 }
+
+}  // namespace gatescope

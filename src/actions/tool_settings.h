@@ -2,9 +2,13 @@
 
 #include "policy/region.h"
 
-/// Which of gatescope's own settings the guided walks ask for: the UNIX checker, or all eight.
+namespace gatescope {
+
+/// The settings of gatescope that a guided walk asks for: the UNIX checker, or all eight.
 enum class SettingsAsked { IMPORTANT, ALL };
 
-/// Prompts for them one after the other; a cancelled or aborted one is left as it is. The region's
-/// settings are loaded again after each change.
+/// Prompts for each; a cancelled or aborted one stays unchanged. The region's settings are reloaded
+/// after each change.
 void ask_all_configure(SettingsAsked mode, RegionSettings* region);
+
+}  // namespace gatescope

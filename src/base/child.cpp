@@ -17,19 +17,20 @@
 #include "base/search_path.h"
 #include "base/signals_held.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char SHELL[] = "/bin/sh";
 /// The raw status of a shell that does not find a program.
 constexpr int NOT_FOUND_STATUS = 127 * 256;
 
-/// The child that is being waited for; 0 when there is none. The process's, because a signal
-/// handler ends it, and is told nothing but the number of the signal.
+/// The child that run_in_shell waits for; 0 when there is none. Global, because a signal handler
+/// ends it and receives nothing but the signal's number.
 std::atomic<pid_t> running_child = 0;
 static_assert(std::atomic<pid_t>::is_always_lock_free);
 
-/// Starts the shell with the signals held back that `held` names; its process id, or -1.
-pid_t start_shell(const std::string& command, const sigset_t& held) {
+/// Starts the shell with the signals of `blocked` blocked. Its process id, or -1.
+pid_t start_shell(const std::string& command, const sigset_t& blocked) {
     std::string shell = "sh";
     std::string option = "-c";
     std::string text(c_text(command));
@@ -37,7 +38,7 @@ pid_t start_shell(const std::string& command, const sigset_t& held) {
     posix_spawnattr_t attributes;
     if (posix_spawnattr_init(&attributes) != 0) return -1;
     posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
-    posix_spawnattr_setsigmask(&attributes, &held);
+    posix_spawnattr_setsigmask(&attributes, &blocked);
     pid_t child = -1;
     if (posix_spawn(&child, SHELL, nullptr, &attributes, arguments.data(), environ) != 0) {
         child = -1;
@@ -46,23 +47,23 @@ pid_t start_shell(const std::string& command, const sigset_t& held) {
     return child;
 }
 
-/// Waits until the child has ended, but leaves it there, so that its number stays its own.
-void wait_for_the_end_of(pid_t child) {
+/// Waits until the child has ended but does not reap it, so that its process id stays valid.
+void wait_until_ended(pid_t child) {
     siginfo_t information;
     while (waitid(P_PID, static_cast<id_t>(child), &information, WEXITED | WNOWAIT) != 0) {
         if (errno != EINTR) return;
     }
 }
 
-// What follows is for a signal handler: nothing but system calls, and memory of its own.
+// Called by a signal handler: only async-signal-safe calls, and memory on the stack.
 
-/// A process and all that it has started, itself first.
-struct Family {
+/// A process and its descendants, the process first.
+struct ProcessTree {
     std::array<pid_t, 64> members;
     int size;
 };
 
-void add_children(pid_t process, Family* family) {
+void add_children(pid_t process, ProcessTree* tree) {
     std::array<char, 1024> list;
     const ssize_t size = read_children(process, list.data(), list.size());
     pid_t number = 0;
@@ -70,25 +71,25 @@ void add_children(pid_t process, Family* family) {
         const char c = list[static_cast<std::size_t>(i)];
         if (c >= '0' && c <= '9') {
             number = number * 10 + (c - '0');
-        } else if (family->size < static_cast<int>(family->members.size())) {
-            family->members[static_cast<std::size_t>(family->size++)] = number;
+        } else if (tree->size < static_cast<int>(tree->members.size())) {
+            tree->members[static_cast<std::size_t>(tree->size++)] = number;
             number = 0;
         }
     }
 }
 
-Family family_of(pid_t process) {
-    Family family = {{process}, 1};
-    for (int i = 0; i < family.size; ++i) {
-        add_children(family.members[static_cast<std::size_t>(i)], &family);
+ProcessTree tree_of(pid_t process) {
+    ProcessTree tree = {{process}, 1};
+    for (int i = 0; i < tree.size; ++i) {
+        add_children(tree.members[static_cast<std::size_t>(i)], &tree);
     }
-    return family;
+    return tree;
 }
 
-bool is_alive(const Family& family) {
-    // The first is our own child: once it has ended, it goes as soon as it is asked after.
-    waitpid(family.members.front(), nullptr, WNOHANG);
-    return std::any_of(family.members.begin(), family.members.begin() + family.size,
+bool is_alive(const ProcessTree& tree) {
+    // The first is our own child, which kill still finds after its end unless it is reaped.
+    waitpid(tree.members.front(), nullptr, WNOHANG);
+    return std::any_of(tree.members.begin(), tree.members.begin() + tree.size,
                        [](pid_t member) { return kill(member, 0) == 0; });
 }
 
@@ -97,7 +98,7 @@ bool is_alive(const Family& family) {
 int run_in_shell(const std::string& command, const char* program) {
     std::fflush(stdout);
     if (program != nullptr && !is_on_search_path(program, X_OK)) return NOT_FOUND_STATUS;
-    // Whoever started us may ignore the ends of children; there would be no status to wait for.
+    // An ignored SIGCHLD is inherited, and waitpid would then return no status.
     signal(SIGCHLD, SIG_DFL);
     {
         const SignalsHeld held;
@@ -105,7 +106,7 @@ int run_in_shell(const std::string& command, const char* program) {
     }
     const pid_t child = running_child;
     if (child == -1) return -1;
-    wait_for_the_end_of(child);
+    wait_until_ended(child);
     const SignalsHeld held;
     running_child = 0;
     int status = -1;
@@ -115,14 +116,16 @@ int run_in_shell(const std::string& command, const char* program) {
 void end_running_child(int signal_number) {
     const pid_t child = running_child;
     if (child <= 0) return;
-    // The shell may be about to start the program: it must stand still while we look.
+    // Stopped, so that it starts no further child while the tree is read.
     siginfo_t information;
     kill(child, SIGSTOP);
     waitid(P_PID, static_cast<id_t>(child), &information, WSTOPPED | WEXITED | WNOWAIT);
-    const Family family = family_of(child);
-    for (int i = 0; i < family.size; ++i) {
-        kill(family.members[static_cast<std::size_t>(i)], signal_number);
+    const ProcessTree tree = tree_of(child);
+    for (int i = 0; i < tree.size; ++i) {
+        kill(tree.members[static_cast<std::size_t>(i)], signal_number);
     }
     kill(child, SIGCONT);
-    for (int pauses = 0; pauses < 100 && is_alive(family); ++pauses) poll(nullptr, 0, 10);
+    for (int pauses = 0; pauses < 100 && is_alive(tree); ++pauses) poll(nullptr, 0, 10);
 }
+
+}  // namespace gatescope

@@ -2,20 +2,23 @@
 
 #include <string>
 
-/// Flushes standard output, so that what the child prints comes after what was printed so far,
-/// runs `command` in the shell, waits for it and returns the status as the shell call gives it
-/// (exit status times 256, or the number of the signal that ended it; -1 when no child could be
-/// started). The command ends at its first NUL.
+namespace gatescope {
+
+/// Flushes standard output, so that the child prints after what was printed so far, runs `command`
+/// in the shell and waits for it. Returns the wait status: the exit status times 256, or the number
+/// of the signal that ended the shell; -1 when no child could be started. The command ends at its
+/// first NUL.
 ///
-/// Unlike std::system it leaves the signals alone: whoever interrupts a dialog ends the program
-/// too, and not only the dialog.
+/// Unlike std::system it does not ignore SIGINT and SIGQUIT: an interrupt of a dialog ends the
+/// program too.
 ///
-/// `program`, where it is not null, is what the command starts. When the search path does not hold
-/// it no shell is started, which would only say so in its own words; the status is that of a shell
-/// that does not find it, 127 times 256.
+/// `program`, where it is not null, is what the command starts. When it is not on the search path,
+/// no shell is started, and so none prints its own error message; the status is 127 times 256, as
+/// of a shell that does not find it.
 int run_in_shell(const std::string& command, const char* program = nullptr);
 
-/// For signal handlers: sends the signal to the child that run_in_shell is waiting for, if there
-/// is one, and to all that it has started, and waits for their end, though no longer than a
-/// second.
+/// For signal handlers: sends the signal to the child that run_in_shell waits for, if there is one,
+/// and to its descendants, and waits at most one second for their end.
 void end_running_child(int signal_number);
+
+}  // namespace gatescope

@@ -5,11 +5,13 @@
 #include <cerrno>
 #include <utility>
 
-/// An open file, closed when its owner goes. Moved, never copied.
+namespace gatescope {
+
+/// An open file, closed by the destructor. Movable, not copyable.
 class Descriptor {
   public:
     Descriptor() = default;
-    /// Takes over what a system call has opened; -1 stands for nothing.
+    /// Takes ownership of a descriptor; -1 for none.
     explicit Descriptor(int number) : number_(number) {}
     Descriptor(Descriptor&& other) noexcept : number_(std::exchange(other.number_, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept {
@@ -18,7 +20,7 @@ class Descriptor {
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
-    /// Leaves errno as it is, so that a failure's reason outlives the files of the attempt.
+    /// Leaves errno unchanged, so that a caller can still read why a call failed.
     ~Descriptor() {
         const int reason = errno;
         close();
@@ -27,14 +29,14 @@ class Descriptor {
 
     /// Whether a file is open.
     explicit operator bool() const { return number_ != -1; }
-    /// For system calls; -1 when nothing is open.
+    /// The number for system calls; -1 when no file is open.
     [[nodiscard]] int get() const { return number_; }
 
-    /// Hands it over: the caller closes it.
+    /// Gives up ownership: the caller closes the descriptor.
     [[nodiscard]] int release() { return std::exchange(number_, -1); }
 
-    /// Closes it now. 0, or the errno of a close that failed: some file systems tell only then
-    /// that what was written is not on the disk. Nothing is open afterwards in either case.
+    /// Closes the file now. 0 or the errno of close, by which some file systems report failed
+    /// writes. No file is open afterwards in either case.
     int close() {
         if (number_ == -1) return 0;
         return ::close(std::exchange(number_, -1)) == 0 ? 0 : errno;
@@ -43,3 +45,5 @@ class Descriptor {
   private:
     int number_ = -1;
 };
+
+}  // namespace gatescope

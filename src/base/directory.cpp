@@ -12,6 +12,8 @@
 #include "base/platform.h"
 #include "base/signals_held.h"
 
+namespace gatescope {
+
 Directory::Directory(const std::string& path)
     : path_(path), descriptor_(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {}
 
@@ -50,7 +52,7 @@ int Directory::may_replace(const std::string& name, const std::string& trial) co
 }
 
 int Directory::list(const std::string& prefix, std::vector<std::string>* names) const {
-    // Opened anew: reading moves a descriptor's position, and closedir closes it.
+    // A second descriptor: reading moves its position, and closedir closes it.
     Descriptor again(openat(descriptor(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!again) return errno;
     const std::unique_ptr<DIR, int (*)(DIR*)> stream(fdopendir(again.get()), closedir);
@@ -89,3 +91,5 @@ int Directory::unlink(const std::string& name) const {
 int Directory::sync() const {
     return fsync(descriptor()) == 0 || errno == EINVAL ? 0 : errno;
 }
+
+}  // namespace gatescope

@@ -10,53 +10,57 @@
 #include "base/descriptor.h"
 #include "base/file_identity.h"
 
-/// A directory that is held open. What is in it is reached by its name there, and no symbolic link
-/// under such a name is followed: so nothing outside is reached, whatever others do meanwhile to
-/// the names, or to the way to the directory. The calls return 0 or an errno.
+namespace gatescope {
+
+/// An open directory. Its files are opened, renamed and removed relative to its descriptor, without
+/// following symbolic links. So no file outside is reached, even when another process meanwhile
+/// replaces a name in it or a part of its path. Calls return 0 or an errno.
 class Directory {
   public:
-    /// Not open, with errno set, when it cannot be opened. Links may lead to it.
+    /// Not open, with errno set, when it cannot be opened. Symbolic links in `path` are followed.
     explicit Directory(const std::string& path);
     explicit operator bool() const { return static_cast<bool>(descriptor_); }
     [[nodiscard]] int descriptor() const { return descriptor_.get(); }
-    /// For messages.
+    /// The path of a file in it, for messages.
     [[nodiscard]] std::string path_of(const std::string& name) const { return path_ + "/" + name; }
 
-    /// Keeps others that lock it out for as long as it is open: EWOULDBLOCK when one of them has
-    /// locked it.
+    /// Takes an exclusive lock until the directory is closed: EWOULDBLOCK when another process
+    /// holds it.
     [[nodiscard]] int lock() const;
 
-    /// What stands under a name.
+    /// What lstat says of a name.
     struct Entry {
-        /// 0, ENOENT, or why it cannot be examined.
+        /// 0, ENOENT or another errno.
         int error;
         struct stat status;
         [[nodiscard]] bool exists() const { return error == 0; }
         [[nodiscard]] bool is_regular() const { return exists() && S_ISREG(status.st_mode); }
     };
     [[nodiscard]] Entry look(const std::string& name) const;
-    /// Whether the name is one of the open file's.
+    /// Whether `name` is a hard link of the open file.
     [[nodiscard]] bool is_name_of(const std::string& name, const Descriptor& file) const;
-    /// Whether the file of that name can get a second one, for which `trial` is used and removed
-    /// again, and the name be given to another file: 0, or the errno that says why not. 0 too where
-    /// there is a file named `trial`.
+    /// Whether the file can get a second hard link, which is made as `trial` and removed again, and
+    /// its name be given to another file: 0, or the errno that says why not. 0 also when `trial`
+    /// exists.
     [[nodiscard]] int may_replace(const std::string& name, const std::string& trial) const;
-    /// The names that begin with `prefix`.
+    /// Appends the names that begin with `prefix`.
     int list(const std::string& prefix, std::vector<std::string>* names) const;
 
-    /// open_regular_file of base/files.h.
+    /// open_regular_file of base/files.h in this directory.
     [[nodiscard]] Descriptor open(const std::string& name, int flags,
                                   std::chrono::steady_clock::time_point until) const;
     [[nodiscard]] int rename(const std::string& from, const std::string& to) const;
-    /// That the new name is one of the file's already is no failure: a network file system may
-    /// repeat a call whose answer was lost.
+    /// Makes a hard link. 0 also when `to` is one already: a network file system may repeat a call
+    /// whose reply was lost.
     [[nodiscard]] int link(const std::string& from, const std::string& to) const;
-    /// That there is no such name is no failure.
+    /// Removes a name. 0 also when there is none.
     int unlink(const std::string& name) const;
-    /// Brings its names to the disk; a file system that cannot sync directories counts as done.
+    /// Syncs its names to the disk; 0 also on a file system that cannot sync directories.
     [[nodiscard]] int sync() const;
 
   private:
     std::string path_;
     Descriptor descriptor_;
 };
+
+}  // namespace gatescope

@@ -1,12 +1,15 @@
 #pragma once
 
-/// The statuses that the program ends with. Scripts and scheduled jobs know them.
-enum ExitStatus {
-    STATUS_OF_A_WISHED_END = 0,
-    /// There is no gatebits file, or no program for the dialogs, to work with.
-    STATUS_WITHOUT_MEANS = 1,
-    /// The operator has been told.
-    STATUS_OF_AN_ERROR = 99,
-    /// The one request of a run that is not repeated has ended: the code of the 'n' that wished so.
-    STATUS_OF_ONE_REQUEST = 'n'
-};
+namespace gatescope {
+
+// The exit statuses of the program. Scripts and scheduled jobs depend on them.
+
+inline constexpr int STATUS_SUCCESS = 0;
+/// There is no gatebits file, or a required program cannot be run.
+inline constexpr int STATUS_MISSING_PREREQUISITE = 1;
+/// After an error message.
+inline constexpr int STATUS_ERROR = 99;
+/// The single request of a run without repetition has ended: the code of 'n'.
+inline constexpr int STATUS_SINGLE_REQUEST = 'n';
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 #include "base/paths.h"
 #include "base/platform.h"
 
+namespace gatescope {
 namespace {
 
 /// Adds the bytes from `from` on to an FNV-1a hash of 64 bits. 0 or an errno.
@@ -58,21 +59,22 @@ int carry_over_identity(int from, int to) {
     // An access control list is set before the mode, which would otherwise be masked by it.
     if (const int error = carry_over_attributes(from, to)) return error;
     if (fchmod(to, old_status.st_mode & 07777) != 0 || fstat(to, &new_status) != 0) return errno;
-    // The system may drop a bit of the mode without a word.
+    // The system may drop mode bits and still report success.
     return new_status.st_mode == old_status.st_mode ? 0 : EPERM;
 }
 
 int sync_directory_of(const std::string& path) {
     const std::string directory = directory_of(path);
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    // A directory that may be written but not read cannot be opened; when its entries reach the
-    // disk is up to the file system.
+    // A directory without read permission cannot be opened and so not be synced.
     if (descriptor == -1) return errno == EACCES ? 0 : errno;
     const int result = fsync(descriptor) == 0 || errno == EINVAL ? 0 : errno;
     close(descriptor);
     return result;
 }
 
-bool would_stay_at(const std::string& path) {
-    return takes_files_for_good(directory_of(path));
+bool is_in_append_only_directory(const std::string& path) {
+    return is_append_only_directory(directory_of(path));
 }
+
+}  // namespace gatescope

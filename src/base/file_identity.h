@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <string>
 
-/// Which file it is, under whatever name.
+namespace gatescope {
+
+/// Identifies a file independently of its names.
 struct FileId {
     dev_t device = 0;
     ino_t inode = 0;
@@ -14,22 +16,24 @@ struct FileId {
 };
 FileId id_of(const struct stat& status);
 
-/// Whether `path` is a name of the open file; no link to it counts, unless `flags` are 0.
+/// Whether `path` is a name of the open file. A symbolic link counts only when `flags` are 0.
 bool is_name_of(const std::string& path, int file, int flags = AT_SYMLINK_NOFOLLOW);
 
-/// Sets a fingerprint of the first `size` bytes of an open file, made of some KiB at both ends: it
-/// tells a file from another one, not from a forgery. 0 or an errno.
+/// Sets a fingerprint of the first `size` bytes of an open file, computed from 8 KiB at each end:
+/// enough to tell logs apart, not to detect a forgery. 0 or an errno.
 int fingerprint_of(int file, off_t size, std::uint64_t* fingerprint);
 
 /// Gives the open file `to` the owner, group, mode and extended attributes (access control lists
-/// among them) of the open file `from`, and takes away what that one does not have. 0, or the errno
-/// of the first that could not be carried over.
+/// among them) of the open file `from`, and removes attributes that `from` does not have. 0, or the
+/// errno of the first failure.
 int carry_over_identity(int from, int to);
 
-/// Brings the directory that holds `path` to the disk, so that a rename in it survives a crash.
-/// 0 or an errno; a file system that cannot sync directories counts as done.
+/// Syncs the directory of `path` to the disk, so that a rename in it survives a crash. 0 or an
+/// errno; 0 also on a file system that cannot sync directories.
 int sync_directory_of(const std::string& path);
 
-/// Whether a file made at `path` could not be removed or renamed again, since its directory only
-/// lets files be added.
-bool would_stay_at(const std::string& path);
+/// Whether the directory of `path` is append-only: a file created there could be neither renamed
+/// nor removed.
+bool is_in_append_only_directory(const std::string& path);
+
+}  // namespace gatescope

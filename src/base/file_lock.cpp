@@ -9,9 +9,10 @@
 #include "base/platform.h"
 #include "base/waiting.h"
 
+namespace gatescope {
 namespace {
 
-/// Open for writing: some file systems across a network lock nothing else.
+/// Open for writing: some network file systems lock no other files.
 Descriptor open_to_lock(const std::string& path) {
     Descriptor file(open(path.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
     struct stat status;
@@ -24,19 +25,21 @@ Descriptor open_to_lock(const std::string& path) {
 LockState try_lock(const Descriptor& file) {
     const int error = lock_exclusively(file.get());
     if (error == 0) return LockState::HELD;
-    return error == EWOULDBLOCK ? LockState::KEPT_BY_ANOTHER : LockState::NOT_TO_BE_HAD;
+    return error == EWOULDBLOCK ? LockState::HELD_BY_ANOTHER : LockState::UNAVAILABLE;
 }
 
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience) {
     FileLock lock;
     succeeds_within(patience, [&] {
         lock.file = open_to_lock(path);
-        lock.state = lock.file ? try_lock(lock.file) : LockState::NOT_TO_BE_HAD;
+        lock.state = lock.file ? try_lock(lock.file) : LockState::UNAVAILABLE;
         if (lock.state == LockState::HELD && !is_name_of(path, lock.file.get(), 0)) {
-            lock.state = LockState::KEPT_BY_ANOTHER;
+            lock.state = LockState::HELD_BY_ANOTHER;
         }
-        return lock.state != LockState::KEPT_BY_ANOTHER;
+        return lock.state != LockState::HELD_BY_ANOTHER;
     });
-    if (lock.state == LockState::KEPT_BY_ANOTHER) lock.file.close();
+    if (lock.state == LockState::HELD_BY_ANOTHER) lock.file.close();
     return lock;
 }
+
+}  // namespace gatescope

@@ -5,26 +5,29 @@
 
 #include "base/descriptor.h"
 
-/// What became of the wait for a lock.
+namespace gatescope {
+
+/// The outcome of waiting for a lock.
 enum class LockState {
     HELD,
-    NOT_TO_BE_HAD,   ///< the file cannot be written, or its file system has no locks
-    KEPT_BY_ANOTHER  ///< somebody held it all the time
+    UNAVAILABLE,     ///< the file cannot be written, or its file system has no locks
+    HELD_BY_ANOTHER  ///< another process held it for the whole wait
 };
 
-/// A lock of a file, held while this object lives. The system takes it back when the process
-/// ends, however it ends.
+/// A lock of a file, held while this object lives. The system releases it when the process ends.
 struct FileLock {
-    LockState state = LockState::NOT_TO_BE_HAD;
-    /// The file, open for reading and writing; none when another holds the lock, or when it cannot
-    /// be opened so or is no regular file.
+    LockState state = LockState::UNAVAILABLE;
+    /// The file, open for reading and writing; none when another process holds the lock, or when it
+    /// is not a regular file or cannot be opened.
     Descriptor file = {};
 };
 
 /// Tries to take the lock of an open file.
 LockState try_lock(const Descriptor& file);
 
-/// Waits for the lock of the file that `path` names, for no longer than `patience`. Whoever
-/// changes a file by putting a new one in its place leaves those who wait with the lock of the old
-/// one; so it is looked whether the path still names the file that the lock was got for.
+/// Waits at most `patience` for the lock of the file at `path`. A process that replaces the file by
+/// a rename leaves waiting processes with the lock of the old one; so the path is compared with the
+/// locked file, and the new file locked instead.
 FileLock lock_file(const std::string& path, std::chrono::milliseconds patience);
+
+}  // namespace gatescope

@@ -9,6 +9,7 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;
@@ -30,12 +31,12 @@ bool this_file_exists(const std::string& path) {
 int open_regular_file(const std::string& path, int flags, int directory,
                       std::chrono::steady_clock::time_point until) {
     const auto try_to_open = [&] {
-        // Never one that waits: by then there may be a pipe in the file's place.
+        // Non-blocking: the file may have been replaced by a pipe.
         constexpr int NEVER_WAITS = O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
         return Descriptor(openat(directory, path.c_str(), flags | NEVER_WAITS, 0666));
     };
     Descriptor file = try_to_open();
-    // Somebody has a lease on it, who is told that another waits.
+    // Another process holds a lease; the system asks it to give the lease up.
     while (!file && errno == EWOULDBLOCK && std::chrono::steady_clock::now() < until &&
            is_regular(path, directory)) {
         std::this_thread::sleep_for(LEASE_PAUSE);
@@ -49,3 +50,5 @@ int open_regular_file(const std::string& path, int flags, int directory,
     }
     return file.release();
 }
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <cstdio>
 
+namespace gatescope {
+
 std::string filled_whole(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
@@ -28,3 +30,5 @@ std::string filled(const char* format, ...) {
 std::string_view c_text(std::string_view bytes) {
     return bytes.substr(0, bytes.find('\0'));
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 
 #include "base/filled.h"
 
+namespace gatescope {
+
 std::size_t utf8_size(std::string_view text) {
     const auto byte = [&](std::size_t at) -> int {
         return at < text.size() ? static_cast<std::uint8_t>(text[at]) : 0;
@@ -28,10 +30,10 @@ std::size_t utf8_size(std::string_view text) {
 std::string json_string(std::string_view bytes) {
     std::string text = "\"";
     for (std::size_t size = 0; !bytes.empty(); bytes.remove_prefix(size)) {
-        const char byte = bytes.front();
+        const std::uint8_t byte = static_cast<std::uint8_t>(bytes.front());
         size = std::max<std::size_t>(utf8_size(bytes), 1);
-        if (utf8_size(bytes) == 0 || (byte >= '\0' && byte < ' ') || byte == '\x7F') {
-            text += filled("\\u%04x", static_cast<std::uint8_t>(byte));
+        if (utf8_size(bytes) == 0 || byte < ' ' || byte == '\x7F') {
+            text += filled("\\u%04x", byte);
         } else {
             if (byte == '"' || byte == '\\') text += '\\';
             text += bytes.substr(0, size);
@@ -71,3 +73,5 @@ std::optional<JsonObject> read_json_object(std::string_view line) {
     const bool is_object = line.starts_with('{') && line.ends_with('}') && !in_string;
     return is_object ? std::optional(object) : std::nullopt;
 }
+
+}  // namespace gatescope

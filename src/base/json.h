@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 // Lines of JSON: objects of texts, numbers and null.
 
 /// How many bytes the character that `text` begins with has in UTF-8; 0 when it is none, or when
@@ -23,3 +25,5 @@ using JsonObject = std::map<std::string, std::string>;
 /// Reads a line without blanks between its members, whose strings are those of json_string; nothing
 /// when it is no object. Of one that was written otherwise it makes what it can.
 std::optional<JsonObject> read_json_object(std::string_view line);
+
+}  // namespace gatescope

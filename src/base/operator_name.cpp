@@ -11,9 +11,10 @@
 #include "base/text.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
-/// Variables that may name the operator, each with "_USER" after it, in the order of their rank.
+/// Prefixes of the variables that may name the operator, followed by "_USER"; the first wins.
 constexpr std::array<const char*, 5> LOOK_UNDER = {"CLEARCASE", "AUTH", "LOGON", "REMOTE",
                                                    "UNMAPPED_REMOTE"};
 
@@ -21,8 +22,8 @@ std::string lower_cased(std::string name) {
     return STRING_LOWER(name);
 }
 
-/// The text after "user=" in the cookie, up to ";", if anything follows it at all. The plain
-/// search also finds a cookie whose name merely ends so.
+/// The text after "user=" in the cookie, up to ";"; nothing when the cookie ends there. A cookie
+/// whose name ends in "user" matches too.
 std::optional<std::string> user_in_cookie() {
     const char* cookie = std::getenv(ENV_COOKIE);
     const char* found = cookie != nullptr ? std::strstr(cookie, "user=") : nullptr;
@@ -32,7 +33,7 @@ std::optional<std::string> user_in_cookie() {
     return std::string(value, std::strcspn(value, ";"));
 }
 
-/// What comes after a domain ("DOMAIN\op") or a path ("a/b/op").
+/// The name after a domain ("DOMAIN\op") or a path ("a/b/op").
 std::string without_domain(const std::string& name) {
     auto cut = name.rfind('\\');
     if (cut == std::string::npos) cut = name.rfind('/');
@@ -56,3 +57,5 @@ std::optional<std::string> operator_name() {
     const auto user = calculated_user();
     return user ? std::optional(without_domain(*user)) : std::nullopt;
 }
+
+}  // namespace gatescope

@@ -3,10 +3,13 @@
 #include <optional>
 #include <string>
 
-/// The operator's name as the environment, or else the password database, has it, lower-cased;
-/// nothing when there is none.
+namespace gatescope {
+
+/// The operator's name from the environment, else from the password database, in lower case;
+/// nothing when neither has one.
 std::optional<std::string> calculated_user();
 
-/// The name that the program goes by: what comes after a domain ("DOMAIN\op") or a path ("a/b/op")
-/// in what calculated_user has found; nothing when that is nothing.
+/// calculated_user without its domain ("DOMAIN\op") or path ("a/b/op").
 std::optional<std::string> operator_name();
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include <climits>
 #include <cstdlib>
 
+namespace gatescope {
+
 std::string directory_of(const std::string& path) {
     const auto slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
@@ -20,7 +22,7 @@ std::string beside(const std::string& path, const std::string& name) {
     return path.substr(0, path.rfind('/') + 1) + name;
 }
 
-std::optional<std::string> target_of_link(const std::string& link) {
+std::optional<std::string> link_target(const std::string& link) {
     std::array<char, PATH_MAX> target;
     const ssize_t size = readlink(link.c_str(), target.data(), target.size());
     if (size <= 0 || static_cast<std::size_t>(size) == target.size()) return std::nullopt;
@@ -28,9 +30,11 @@ std::optional<std::string> target_of_link(const std::string& link) {
     return text.front() == '/' ? text : beside(link, text);
 }
 
-std::string end_of_links(const std::string& path) {
+std::string resolved_path(const std::string& path) {
     char* resolved = realpath(path.c_str(), nullptr);
-    std::string end = resolved != nullptr ? resolved : path;
+    std::string result = resolved != nullptr ? resolved : path;
     std::free(resolved);
-    return end;
+    return result;
 }
+
+}  // namespace gatescope

@@ -3,17 +3,21 @@
 #include <optional>
 #include <string>
 
-/// The directory that holds `path`.
+namespace gatescope {
+
+/// The directory of `path`.
 std::string directory_of(const std::string& path);
 
-/// The name of the file in that directory: what follows the last slash.
+/// The name of the file in that directory: the text after the last slash.
 std::string file_name_of(const std::string& path);
 
-/// The path of `name` in the directory that holds `path`.
+/// The path of `name` in the directory of `path`.
 std::string beside(const std::string& path, const std::string& name);
 
-/// The path that a symbolic link says; nothing when it cannot be read.
-std::optional<std::string> target_of_link(const std::string& link);
+/// The path that a symbolic link points to; nothing when it cannot be read.
+std::optional<std::string> link_target(const std::string& link);
 
-/// The file that `path` names in the end, all links followed; `path` itself when it names none.
-std::string end_of_links(const std::string& path);
+/// The canonical path of an existing file, all symbolic links followed; else `path` itself.
+std::string resolved_path(const std::string& path);
+
+}  // namespace gatescope

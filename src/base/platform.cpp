@@ -23,6 +23,8 @@
 #include <sys/xattr.h>
 #endif
 
+namespace gatescope {
+
 #if GATESCOPE_HAS_FLOCK
 
 int lock_exclusively(int file) {
@@ -41,7 +43,7 @@ int lock_exclusively(int file) {
 #ifdef F_OFD_SETLK
     const bool locked = fcntl(file, F_OFD_SETLK, &whole) == 0;
 #else
-    // The process loses it when it closes any descriptor of the file.
+    // The process loses this lock when it closes any descriptor of the file.
     const bool locked = fcntl(file, F_SETLK, &whole) == 0;
 #endif
     if (locked) return 0;
@@ -55,7 +57,7 @@ int lock_exclusively(int file) {
 Lease take_lease(int file) {
     fcntl(file, F_SETSIG, SIGURG);
     if (fcntl(file, F_SETLEASE, F_RDLCK) == 0) return Lease::TAKEN;
-    return errno == EAGAIN ? Lease::REFUSED : Lease::NOT_TO_BE_HAD;
+    return errno == EAGAIN ? Lease::REFUSED : Lease::UNAVAILABLE;
 }
 
 void release_lease(int file) {
@@ -65,7 +67,7 @@ void release_lease(int file) {
 #else
 
 Lease take_lease(int /*file*/) {
-    return Lease::NOT_TO_BE_HAD;
+    return Lease::UNAVAILABLE;
 }
 
 void release_lease(int /*file*/) {}
@@ -74,14 +76,14 @@ void release_lease(int /*file*/) {}
 
 #if GATESCOPE_HAS_RENAME_NOREPLACE
 
-int rename_unless_there(const std::string& from, const std::string& to) {
+int rename_without_replacing(const std::string& from, const std::string& to) {
     const int done = renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
     return done == 0 ? 0 : errno;
 }
 
 #else
 
-int rename_unless_there(const std::string& /*from*/, const std::string& /*to*/) {
+int rename_without_replacing(const std::string& /*from*/, const std::string& /*to*/) {
     return ENOSYS;
 }
 
@@ -97,7 +99,7 @@ int make_unique_file(std::string* path) {
 
 int make_unique_file(std::string* path) {
     const int file = mkstemp(path->data());
-    // No other thread starts a child meanwhile.
+    // Race-free: no other thread starts a child.
     if (file != -1) fcntl(file, F_SETFD, FD_CLOEXEC);
     return file;
 }
@@ -106,7 +108,7 @@ int make_unique_file(std::string* path) {
 
 #if GATESCOPE_HAS_STATX
 
-bool takes_files_for_good(const std::string& directory) {
+bool is_append_only_directory(const std::string& directory) {
     struct statx status;
     return statx(AT_FDCWD, directory.c_str(), 0, STATX_TYPE, &status) == 0 &&
            (status.stx_attributes & STATX_ATTR_APPEND) != 0;
@@ -114,7 +116,7 @@ bool takes_files_for_good(const std::string& directory) {
 
 #else
 
-bool takes_files_for_good(const std::string& /*directory*/) {
+bool is_append_only_directory(const std::string& /*directory*/) {
     return false;
 }
 
@@ -124,7 +126,7 @@ bool takes_files_for_good(const std::string& /*directory*/) {
 
 namespace {
 
-/// The names of the file's extended attributes; a file system without any has none. 0 or an errno.
+/// The names of the file's extended attributes; none on a file system without them. 0 or an errno.
 int attribute_names(int file, std::vector<std::string>* names) {
     const ssize_t size = flistxattr(file, nullptr, 0);
     if (size < 0) return errno == ENOTSUP ? 0 : errno;
@@ -148,8 +150,8 @@ int attribute_value(int file, const char* name, std::vector<char>* value) {
     return 0;
 }
 
-/// Sets it only where it differs: labels that the system gives every file may not be set by
-/// everybody.
+/// Sets an attribute only where it differs: security labels exist on every file, but may need
+/// privileges to be set.
 int carry_over_attribute(int from, int to, const char* name) {
     std::vector<char> value;
     if (const int error = attribute_value(from, name, &value)) return error;
@@ -165,7 +167,7 @@ int carry_over_attributes(int from, int to) {
     std::vector<std::string> present;
     if (const int error = attribute_names(from, &wanted)) return error;
     if (const int error = attribute_names(to, &present)) return error;
-    // A new file takes on its directory's default access control list; the old one may have none.
+    // A new file inherits its directory's default access control list; the old one may have none.
     for (const std::string& name : present) {
         if (std::find(wanted.begin(), wanted.end(), name) != wanted.end()) continue;
         if (fremovexattr(to, name.c_str()) != 0) return errno;
@@ -204,7 +206,7 @@ int processors_allowed() {
 
 namespace {
 
-/// Writes `number` in decimal to `at`; the place after it.
+/// Writes `number` in decimal to `at`; returns the end.
 char* put_number(char* at, pid_t number) {
     char* begin = at;
     for (; number > 0; number /= 10) *at++ = static_cast<char>('0' + number % 10);
@@ -237,3 +239,5 @@ ssize_t read_children(pid_t /*process*/, char* /*list*/, std::size_t /*size*/) {
 }
 
 #endif
+
+}  // namespace gatescope

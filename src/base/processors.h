@@ -2,10 +2,14 @@
 
 #include <string>
 
-/// How many processors this process may keep busy: those that its affinity allows, but no more
-/// than its control groups grant it time on, rounded up. At least 1.
+namespace gatescope {
+
+/// The number of processors that this process may keep busy: as many as its CPU affinity and its
+/// cgroup (version 2) allow, at least 1.
 int usable_processors();
 
-/// What the control groups grant: those named in the file `membership` (as /proc/self/cgroup is
-/// written) and all above them, looked up below `root`. -1 when they set no limit.
+/// The CPU limit, in processors rounded up, of the cgroup in the file `membership` (in the format
+/// of /proc/self/cgroup) and of all cgroups above it, read below `root`. -1 when there is no limit.
 int processors_granted(const std::string& membership, const std::string& root);
+
+}  // namespace gatescope

@@ -15,11 +15,12 @@
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
 
+namespace gatescope {
 namespace {
 
-/// What became of an attempt to put a new file in the old one's place.
+/// The outcome of replacing the file by a rename.
 struct Attempt {
-    /// Whether this is a place where it can be done at all.
+    /// Whether the directory and the file allow it.
     bool possible;
     std::optional<Failure> why_not = std::nullopt;
 };
@@ -27,11 +28,11 @@ constexpr bool POSSIBLE = true;
 constexpr bool NOT_POSSIBLE_HERE = false;
 constexpr auto UNCHANGED = Failure::State::UNCHANGED;
 
-/// Creates the new file in the same directory, so that it can be renamed; hidden, and under a name
-/// that nobody can have put anything under. The descriptor, or -1 with errno set.
+/// Creates the new file in the same directory, so that it can be renamed, under a hidden and unique
+/// name. The descriptor, or -1 with errno set.
 int create_beside(const std::string& path, std::string* new_path) {
     const SignalsHeld held;
-    if (would_stay_at(path)) {
+    if (is_in_append_only_directory(path)) {
         errno = EPERM;
         return -1;
     }
@@ -41,13 +42,13 @@ int create_beside(const std::string& path, std::string* new_path) {
     return descriptor;
 }
 
-/// Whether the directory, and not the disk, is the reason. A file that something is mounted on is
-/// busy or on another device.
+/// Whether the directory, not the disk, is the reason. A file that is a mount point is busy or on
+/// another device.
 bool is_refusal(int error) {
     return error == EACCES || error == EPERM || error == EROFS || error == EBUSY || error == EXDEV;
 }
 
-/// Fills the new file and renames it. The old file is untouched whenever this fails or gives up.
+/// Writes the new file and renames it. After a failure the old file is unchanged.
 Attempt put_in_place(int old_file, int new_file, const std::string& new_path,
                      const std::string& path, std::string_view text) {
     if (carry_over_identity(old_file, new_file) != 0) {
@@ -83,21 +84,20 @@ Attempt replace_by_rename(int old_file, const std::string& path, std::string_vie
     return attempt;
 }
 
-/// Makes the file as long as the new text by blank lines after the old, which mean nothing to
-/// its readers: when the disk is full, we learn it before anything is lost. 0, or an errno, and
-/// the file is then as it was.
+/// Extends the file to the new text's size by blank lines, which its readers ignore: a full disk
+/// shows before old text is overwritten. 0, or an errno, and the file is then unchanged.
 int make_room(int file, std::size_t old_size, std::size_t new_size) {
     if (new_size <= old_size) return 0;
     const auto end = static_cast<off_t>(old_size);
     if (lseek(file, end, SEEK_SET) == -1) return errno;
     const int error = write_and_sync(file, std::string(new_size - old_size, '\n'));
-    // Should cutting back fail too, it still is the old text, with blank lines after it.
+    // Where truncating fails too, the file is the old text with blank lines after it.
     if (error != 0 && ftruncate(file, end) != 0) return error;
     return error;
 }
 
-/// Writes the text over the old one, in one piece and with blank lines over what is left of it, so
-/// that a reader never finds a mixture of the two; then cuts them off. 0 or an errno.
+/// Overwrites the old text in one write, padded with blank lines to its size, so that a reader
+/// never finds a mixture of the two; then truncates the padding. 0 or an errno.
 int overwrite(int file, std::string_view padded, std::size_t size) {
     if (lseek(file, 0, SEEK_SET) == -1) return errno;
     if (const int error = write_all(file, padded)) return error;
@@ -110,18 +110,18 @@ struct InPlace {
     bool begun;
 };
 
-/// No signal may stop this halfway.
+/// Signals are held back until it is done.
 InPlace try_in_place(int file, std::string_view text, const std::string& safe_copy) {
     const SignalsHeld held;
     struct stat status;
     if (fstat(file, &status) != 0) return {errno, false};
     const auto old_size = static_cast<std::size_t>(status.st_size);
-    // Before anything is touched: there may be no memory for it.
+    // Allocated before the file is touched, since it may fail.
     std::string padded(text);
     padded.resize(std::max(text.size(), old_size), '\n');
     if (const int error = sync_directory_of(safe_copy)) return {error, false};
     if (const int error = make_room(file, old_size, text.size())) return {error, false};
-    // From here on the copy is the only whole text until the file is.
+    // The copy is the only complete text until the file is rewritten.
     forget_temporary_file(safe_copy);
     const int error = overwrite(file, padded, text.size());
     if (error == 0) remove_temporary_file(safe_copy);
@@ -140,10 +140,10 @@ std::optional<Failure> rewrite_in_place(int file, const std::string& path, std::
 
 std::optional<Failure> replace_file(const std::string& path, std::string_view text,
                                     const std::string& safe_copy, const Descriptor& open_file) {
-    const std::string target = end_of_links(path);
+    const std::string target = resolved_path(path);
     Descriptor opened;
     if (!open_file || !is_name_of(target, open_file.get())) {
-        // A file that was made read-only stays as it is, even where a rename would be allowed.
+        // A read-only file is not replaced, even where a rename would be allowed.
         opened = Descriptor(open(target.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
         if (!opened) return Failure{Failure::State::REFUSED, errno, target};
     }
@@ -151,7 +151,7 @@ std::optional<Failure> replace_file(const std::string& path, std::string_view te
     struct stat status;
     if (fstat(old_file, &status) != 0) return Failure{UNCHANGED, errno, target};
     if (!S_ISREG(status.st_mode)) return Failure{Failure::State::NOT_REGULAR, 0, target};
-    // The system lets root write it all the same.
+    // Root can open a read-only file for writing.
     if ((status.st_mode & 0222) == 0) return Failure{Failure::State::REFUSED, EACCES, target};
     const Attempt attempt = replace_by_rename(old_file, target, text);
     const auto why_not =
@@ -159,3 +159,5 @@ std::optional<Failure> replace_file(const std::string& path, std::string_view te
     if (!why_not) remove_temporary_file(safe_copy);
     return why_not;
 }
+
+}  // namespace gatescope

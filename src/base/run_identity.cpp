@@ -3,6 +3,8 @@
 #include "base/filled.h"
 #include "messages/identity.h"
 
+namespace gatescope {
+
 std::string GLOBAL_PID_STRING;
 std::string TEMP_DIR;
 
@@ -15,3 +17,5 @@ std::string make_tfile(const char* tag, const char* part2, const char* part3) {
 std::string t_file_name() {
     return make_tfile("t_file", SELF, GLOBAL_PID_STRING.c_str());
 }
+
+}  // namespace gatescope

@@ -7,9 +7,10 @@
 
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
-/// What shells take when there is no PATH.
+/// The default of shells without PATH.
 constexpr char USUAL_PATH[] = "/usr/local/sbin:/usr/local/bin:/usr/sbin:/usr/bin:/sbin:/bin";
 
 }  // namespace
@@ -19,11 +20,13 @@ bool is_on_search_path(const std::string& program, int mode) {
     std::string_view rest = path != nullptr ? path : USUAL_PATH;
     while (true) {
         const auto colon = rest.find(':');
-        // An empty place stands for the directory that we are in.
-        const std::string_view place = rest.substr(0, colon);
-        const std::string directory(place.empty() ? "." : place);
+        // An empty element is the working directory.
+        const std::string_view element = rest.substr(0, colon);
+        const std::string directory(element.empty() ? "." : element);
         if (access((directory + "/" + program).c_str(), mode) == 0) return true;
         if (colon == std::string_view::npos) return false;
         rest.remove_prefix(colon + 1);
     }
 }
+
+}  // namespace gatescope

@@ -2,6 +2,10 @@
 
 #include <string>
 
-/// Whether a directory of the search path (the variable PATH) holds `program`, and lets this
-/// process do with it what `mode` says: F_OK, it is there; X_OK, it can be executed.
+namespace gatescope {
+
+/// Whether a directory of the search path (the variable PATH) has `program` with access `mode` of
+/// access(2): F_OK, it exists; X_OK, it is executable.
 bool is_on_search_path(const std::string& program, int mode);
+
+}  // namespace gatescope

@@ -7,28 +7,30 @@
 #include "base/child.h"
 #include "base/temporary_files.h"
 
+namespace gatescope {
 namespace {
 
-/// What every dialog understands as the wish that it may end.
-constexpr std::array<int, 5> WISHES = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
+/// Signals that end every dialog cleanly.
+constexpr std::array<int, 5> PASSED_ON = {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE};
 
-int as_a_wish(int number) {
-    return std::find(WISHES.begin(), WISHES.end(), number) != WISHES.end() ? number : SIGTERM;
+int signal_for_child(int number) {
+    const bool passed_on = std::find(PASSED_ON.begin(), PASSED_ON.end(), number) != PASSED_ON.end();
+    return passed_on ? number : SIGTERM;
 }
 
 extern "C" void end_by_signal(int number) {
-    // The dialog first: it would otherwise write its answer after the files have been removed.
-    end_running_child(as_a_wish(number));
+    // Before the files are removed: the dialog could create its answer again.
+    end_running_child(signal_for_child(number));
     unlink_temporary_files();
     signal(number, SIG_DFL);
     raise(number);
 }
 
-extern "C" void go_on(int /*number*/) {}
+extern "C" void ignore_signal(int /*number*/) {}
 
 }  // namespace
 
-void end_in_order_on_signals() {
+void install_signal_cleanup() {
     const sigset_t ending = ending_signals();
     for (int number = 1; number <= SIGRTMAX; ++number) {
         struct sigaction action = {};
@@ -39,6 +41,8 @@ void end_in_order_on_signals() {
         action.sa_flags = 0;
         sigaction(number, &action, nullptr);
     }
-    // A handler, not SIG_IGN: that would be handed on to the programs we start.
-    signal(SIGXFSZ, go_on);
+    // A handler, not SIG_IGN, which child processes would inherit.
+    signal(SIGXFSZ, ignore_signal);
 }
+
+}  // namespace gatescope

@@ -2,8 +2,12 @@
 
 #include "base/signals_held.h"
 
-/// From now on each of the ending_signals ends the child that is being waited for, removes the
-/// temporary files, and then ends the process in its own way (with a core, where it leaves one). A
-/// signal that was ignored or handled before stays so. A file size limit becomes an error of the
-/// write that meets it.
-void end_in_order_on_signals();
+namespace gatescope {
+
+/// Installs handlers: each of the ending_signals ends the running child, removes the temporary
+/// files and then ends the process by its default action (a core dump included). A signal that was
+/// ignored or handled before stays so. A write beyond the file size limit fails instead of ending
+/// the process.
+void install_signal_cleanup();
+
+}  // namespace gatescope

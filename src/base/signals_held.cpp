@@ -2,10 +2,11 @@
 
 #include <array>
 
+namespace gatescope {
 namespace {
 
-/// Those that do not end a process by default, cannot be caught, or are wanted as an error (a file
-/// size limit). Every other signal, those of the system's own invention included, ends one.
+/// Signals that do not end a process by default, cannot be caught, or become an error of write (the
+/// file size limit). All others, real-time signals included, end a process.
 constexpr std::array<int, 10> NOT_ENDING = {SIGCHLD, SIGCONT, SIGURG,  SIGWINCH, SIGTSTP,
                                             SIGTTIN, SIGTTOU, SIGKILL, SIGSTOP,  SIGXFSZ};
 
@@ -26,3 +27,5 @@ SignalsHeld::SignalsHeld() {
 SignalsHeld::~SignalsHeld() {
     sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
+
+}  // namespace gatescope

@@ -2,11 +2,12 @@
 
 #include <csignal>
 
-/// Every signal that ends a process by default and can be caught, but for the one of the file size
-/// limit.
+namespace gatescope {
+
+/// The signals that end a process by default and can be caught, except SIGXFSZ.
 sigset_t ending_signals();
 
-/// Holds those signals back as long as it lives.
+/// Blocks the ending_signals while it lives.
 class SignalsHeld {
   public:
     SignalsHeld();
@@ -14,9 +15,11 @@ class SignalsHeld {
     SignalsHeld(const SignalsHeld&) = delete;
     SignalsHeld& operator=(const SignalsHeld&) = delete;
 
-    /// What was held back before.
+    /// The signal mask from before.
     [[nodiscard]] const sigset_t& before() const { return before_; }
 
   private:
     sigset_t before_;
 };
+
+}  // namespace gatescope

@@ -10,13 +10,13 @@
 #include "base/filled.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
-/// Why standard output did not take something; 0 as long as it took everything. One a process, as
-/// the stream is.
+/// The errno of the first failed write to standard output, else 0. Global, as the stream is.
 int output_failure = 0;
 
-/// Waits until a stream that its other users have made non-blocking takes more.
+/// For a stream that another process has made non-blocking.
 void wait_until_writable(int descriptor) {
     pollfd wanted = {descriptor, POLLOUT, 0};
     poll(&wanted, 1, -1);
@@ -42,7 +42,7 @@ int write_whole(int descriptor, std::string_view text) {
 int open_missing_standard_streams() {
     for (int number = STDIN_FILENO; number <= STDERR_FILENO; ++number) {
         if (fcntl(number, F_GETFD) != -1) continue;
-        // The lowest free number is this one. Children are to find the stream open too.
+        // open returns the lowest free number. Without O_CLOEXEC, for children.
         if (open("/dev/null", O_RDWR) == number) continue;
         return errno;
     }
@@ -63,3 +63,5 @@ int output_error() {
 void note(const std::string& text, const char* program) {
     write_whole(STDERR_FILENO, filled("%s: %s\n", program, text.c_str()));
 }
+
+}  // namespace gatescope

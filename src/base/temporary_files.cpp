@@ -13,20 +13,21 @@
 #include "base/file_identity.h"
 #include "base/signals_held.h"
 
+namespace gatescope {
 namespace {
 
-/// A place for a path; free when that is null. A signal handler may only look at lock-free atomics,
-/// so places are added to a list but never taken out of it.
+/// An entry for a path; free when that is null. A signal handler may only read lock-free atomics,
+/// so entries are added to a list but never removed from it.
 struct Place {
     std::atomic<char*> path;
     std::atomic<int> directory;
     Place* next;
 };
 using Places = std::atomic<Place*>;
-/// The lists are the process's, because signal handlers read them, and are told nothing but the
-/// number of the signal.
+/// The lists are global, because signal handlers read them and receive nothing but the signal's
+/// number.
 Places places;
-/// The files that only a signal takes away.
+/// Files that are removed on a signal only.
 Places places_for_signals;
 static_assert(std::atomic<char*>::is_always_lock_free && Places::is_always_lock_free &&
               std::atomic<int>::is_always_lock_free);
@@ -34,7 +35,7 @@ static_assert(std::atomic<char*>::is_always_lock_free && Places::is_always_lock_
 bool add(Places* list, char* path, int directory) {
     for (Place* place = *list; place != nullptr; place = place->next) {
         if (place->path != nullptr) continue;
-        // A handler looks at the directory only where there is a path.
+        // In this order: a handler reads the directory only of an entry with a path.
         place->directory = directory;
         place->path = path;
         return true;
@@ -47,7 +48,7 @@ bool add(Places* list, char* path, int directory) {
 void remember(Places* list, const std::string& path, int directory) {
     char* const copy = strdup(path.c_str());
     if (copy != nullptr && add(list, copy, directory)) return;
-    // Without a place on the list nothing would remove it later.
+    // A file that is not on the list would never be removed.
     std::free(copy);
     unlinkat(directory, path.c_str(), 0);
     throw std::bad_alloc();
@@ -76,7 +77,7 @@ void remember_temporary_file(const std::string& path, int directory) {
     remember(&places, path, directory);
 }
 
-void remember_for_signals(const std::string& path, int directory) {
+void remember_file_removed_on_signal(const std::string& path, int directory) {
     remember(&places_for_signals, path, directory);
 }
 
@@ -96,7 +97,7 @@ void remove_temporary_files() {
 
 void unlink_temporary_files() {
     unlink_all(places);
-    // These tell others that work is going on, so they go after all other files of that work.
+    // Last, because they tell other processes that the work on the other files is not done.
     unlink_all(places_for_signals);
 }
 
@@ -106,7 +107,7 @@ RemovedOnException::~RemovedOnException() {
 
 int create_temporary_file(const std::string& path, mode_t mode) {
     const SignalsHeld held;
-    if (would_stay_at(path)) {
+    if (is_in_append_only_directory(path)) {
         errno = EPERM;
         return -1;
     }
@@ -119,7 +120,7 @@ int create_temporary_file(const std::string& path, mode_t mode) {
 TemporaryFile::TemporaryFile(const Directory& directory, const std::string& name, mode_t mode)
     : directory_(directory), name_(name) {
     const SignalsHeld held;
-    if (would_stay_at(directory.path_of(name))) {
+    if (is_in_append_only_directory(directory.path_of(name))) {
         errno = EPERM;
         return;
     }
@@ -151,3 +152,5 @@ void remove_temporary_file(const std::string& path) {
 void unlink_remove(const std::string& path) {
     if (std::remove(path.c_str()) != 0 && errno == EACCES) unlink(path.c_str());
 }
+
+}  // namespace gatescope

@@ -9,29 +9,30 @@
 #include "base/descriptor.h"
 #include "base/directory.h"
 
-// Every temporary file of the process is on this list from its creation to its removal, so that
-// no way out of the process, a signal included, leaves one behind. A relative path begins at the
-// open `directory`, which stays open for as long as the path is on the list.
+namespace gatescope {
 
-/// Puts `path` on the list. A path may be on it once only. Without the memory for that the file is
-/// removed, and std::bad_alloc thrown.
+// Every temporary file of the process is on this list from its creation to its removal, so that
+// no end of the process, except SIGKILL, leaves one behind. A relative path begins at the open
+// `directory`, which must stay open while the path is on the list.
+
+/// Puts `path` on the list, at most once. Without memory for the entry the file is removed and
+/// std::bad_alloc thrown.
 void remember_temporary_file(const std::string& path, int directory = AT_FDCWD);
 
-/// Puts `path` on the list for signals only: an end by clean_exit leaves the file where it is.
-void remember_for_signals(const std::string& path, int directory = AT_FDCWD);
+/// Puts `path` on a list of its own: a signal removes the file, clean_exit does not.
+void remember_file_removed_on_signal(const std::string& path, int directory = AT_FDCWD);
 
-/// Takes `path` off the list; the file itself is left alone.
+/// Takes `path` off both lists; the file stays.
 void forget_temporary_file(const std::string& path);
 
-/// Removes every file on the list, but those for signals only, and empties it.
+/// Removes every file on the list, except those for signals, and empties it.
 void remove_temporary_files();
 
-/// For signal handlers: removes every file on the list, and leaves the list as it is. Those for
-/// signals only go last.
+/// For signal handlers: removes every file on both lists, those for signals last; the lists stay.
 void unlink_temporary_files();
 
-/// Removes every file on the list when an exception leaves the block that this stands in: before
-/// the directories are closed that the paths begin at.
+/// Removes every file on both lists when an exception leaves its block, before the directories that
+/// the paths are relative to are closed.
 class RemovedOnException {
   public:
     RemovedOnException() = default;
@@ -43,24 +44,23 @@ class RemovedOnException {
     const int before_ = std::uncaught_exceptions();
 };
 
-/// Creates `path` for writing, exclusively, after removing what stood under that name; a link is
+/// Creates `path` for writing, exclusively, after removing a file of that name; a symbolic link is
 /// never followed. The file is on the list of temporary files from then on. The descriptor, or -1
-/// with errno set: EPERM in a directory out of which no file can be removed again.
+/// with errno set: EPERM in an append-only directory, where it could not be removed.
 int create_temporary_file(const std::string& path, mode_t mode = 0600);
 
-/// A temporary file in a directory that is held open. It goes with this object, or with any end of
-/// the process, unless it was given another name.
+/// A temporary file in an open directory. It is removed with this object, or at any end of the
+/// process, unless it was renamed.
 class TemporaryFile {
   public:
-    /// Makes it for writing, exclusively. Nothing is open, with errno set, when that fails: EEXIST
-    /// where something stands under the name, EPERM in a directory out of which no file can be
-    /// removed again.
+    /// Creates it for writing, exclusively. On failure no file is open, and errno is set: EEXIST
+    /// where the name exists, EPERM in an append-only directory, where it could not be removed.
     TemporaryFile(const Directory& directory, const std::string& name, mode_t mode);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-    /// Gives it its lasting name. 0 or an errno.
+    /// Gives it its final name. 0 or an errno.
     [[nodiscard]] int rename_to(const std::string& name);
 
     Descriptor file;
@@ -74,6 +74,7 @@ class TemporaryFile {
 /// Removes a temporary file and takes it off the list.
 void remove_temporary_file(const std::string& path);
 
-/// Removes a file; tries once more in another way when permission is lacking. Failures are
-/// ignored.
+/// Removes a file or empty directory; on EACCES tries unlink once more. Failures are ignored.
 void unlink_remove(const std::string& path);
+
+}  // namespace gatescope

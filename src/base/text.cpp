@@ -7,6 +7,7 @@
 
 #include "base/filled.h"
 
+namespace gatescope {
 namespace {
 
 char lower(char c) {
@@ -87,3 +88,5 @@ std::string words_joined(std::string_view text) {
 long long leading_number(const char* text) {
     return std::strtoll(text, nullptr, 10);
 }
+
+}  // namespace gatescope

@@ -3,8 +3,10 @@
 #include <chrono>
 #include <thread>
 
-/// Calls `attempt` until it returns true, with a pause after each time that it does not, for no
-/// longer than `patience`; at least once. Whether it did.
+namespace gatescope {
+
+/// Calls `attempt` at least once, and again after a pause until it returns true or `patience` is
+/// over. Whether it returned true.
 template <typename Attempt>
 bool succeeds_within(std::chrono::milliseconds patience, Attempt attempt) {
     constexpr std::chrono::milliseconds PAUSE(10);
@@ -15,3 +17,5 @@ bool succeeds_within(std::chrono::milliseconds patience, Attempt attempt) {
     }
     return true;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include <array>
 #include <cerrno>
 
+namespace gatescope {
+
 int read_whole(int descriptor, std::size_t limit, std::string* bytes) {
     std::array<char, 32768> chunk;
     while (limit > 0) {
@@ -40,3 +42,5 @@ int write_sync_close(int descriptor, std::string_view text) {
     if (close(descriptor) != 0 && error == 0) return errno;
     return error;
 }
+
+}  // namespace gatescope

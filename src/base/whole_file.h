@@ -4,18 +4,22 @@
 #include <string>
 #include <string_view>
 
-// Open files read and written whole, however often the system takes or gives only a part, or is
-// interrupted. Each returns 0 or an errno.
+namespace gatescope {
 
-/// Appends what comes from the file until its end, but no more than `limit` bytes, to `*bytes`. Up
-/// to 32 KiB come in one piece, so that nobody finds half of a text that is rewritten in place.
+// Whole reads and writes of open files; partial and interrupted calls are repeated. Each returns 0
+// or an errno.
+
+/// Appends the rest of the file, at most `limit` bytes, to `*bytes`. Up to 32 KiB are read in one
+/// call, so that a text rewritten in place is not read half old and half new.
 int read_whole(int descriptor, std::size_t limit, std::string* bytes);
 
 /// Writes all of `text`.
 int write_all(int descriptor, std::string_view text);
 
-/// Writes all of `text` and brings the file to the disk.
+/// Writes all of `text` and syncs the file to the disk.
 int write_and_sync(int descriptor, std::string_view text);
 
-/// The same, and closes the file, whatever has failed. The errno is the first one.
+/// The same, and always closes the file. The errno is that of the first failure.
 int write_sync_close(int descriptor, std::string_view text);
+
+}  // namespace gatescope

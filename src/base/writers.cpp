@@ -5,6 +5,7 @@
 
 #include "base/platform.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::chrono::milliseconds STEP(1);
@@ -13,22 +14,23 @@ constexpr std::chrono::milliseconds STEP(1);
 
 Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point deadline) {
     while (true) {
-        // A process that opens the file to write waits until the lease is given back, after one
-        // look at the size.
+        // While the lease is held no process can open the file for writing: the size is stable.
         const Lease lease = take_lease(file.get());
-        const bool granted = lease == Lease::TAKEN;
-        const bool is_written = lease == Lease::REFUSED;
+        const bool leased = lease == Lease::TAKEN;
+        const bool has_open_writer = lease == Lease::REFUSED;
         struct stat status = {};
         const int error = fstat(file.get(), &status) == 0 ? 0 : errno;
-        if (granted) release_lease(file.get());
-        if (error != 0 || granted) return {error, status, Writers::NONE};
+        if (leased) release_lease(file.get());
+        if (error != 0 || leased) return {error, status, Writers::NONE};
         if (std::chrono::steady_clock::now() >= deadline) {
-            return {0, status, is_written ? Writers::SOME : Writers::UNKNOWN};
+            return {0, status, has_open_writer ? Writers::SOME : Writers::UNKNOWN};
         }
-        if (is_written) {
+        if (has_open_writer) {
             std::this_thread::sleep_for(STEP);
         } else {
             std::this_thread::sleep_until(deadline);
         }
     }
 }
+
+}  // namespace gatescope

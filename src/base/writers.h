@@ -6,7 +6,9 @@
 
 #include "base/descriptor.h"
 
-/// What the system tells about the processes that have a file open for writing.
+namespace gatescope {
+
+/// Whether processes have a file open for writing.
 enum class Writers {
     NONE,
     UNKNOWN,  ///< the file is another user's, or its file system has no leases
@@ -14,13 +16,15 @@ enum class Writers {
 };
 
 struct Settled {
-    /// 0, or why the file cannot be examined: an errno.
+    /// 0 or an errno of fstat.
     int error;
     /// All 0 with an error.
     struct stat status;
     Writers writers;
 };
 
-/// Waits until no process has `file`, open here for reading only, open for writing, but not beyond
-/// `deadline`. Where the system does not tell, all of that time is waited.
+/// Waits until no process has `file` open for writing, at most until `deadline`; until `deadline`
+/// where leases are unavailable. `file` must be open for reading only.
 Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point deadline);
+
+}  // namespace gatescope

@@ -18,13 +18,14 @@
 #include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// A file that nobody has written since its creation carries this time.
+/// The modification time that marks a file as not written since its creation.
 constexpr std::array<timespec, 2> NEVER_WRITTEN = {{{0, 0}, {0, 0}}};
 
-/// 0 when there is an answer, ENOENT when nobody has written one, or another errno.
-int look_for_answer(int descriptor) {
+/// 0 when the file was written, ENOENT when it was not, or another errno.
+int check_written(int descriptor) {
     struct stat status;
     if (fstat(descriptor, &status) != 0) return errno;
     const bool written =
@@ -47,7 +48,7 @@ AnswerFile::~AnswerFile() {
 
 std::optional<std::string> AnswerFile::content(std::size_t limit, bool* failed) const {
     const int descriptor = open(path_.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    int error = descriptor == -1 ? errno : look_for_answer(descriptor);
+    int error = descriptor == -1 ? errno : check_written(descriptor);
     const bool answered = error == 0;
     std::string text;
     if (answered) error = read_whole(descriptor, limit, &text);
@@ -63,8 +64,10 @@ std::string prompt_result_path() {
     return make_tfile("gatewarden_prompt_result", GLOBAL_PID_STRING.c_str(), nullptr);
 }
 
-std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
-                                           const AnswerFile& answer) {
+std::optional<std::string> ask_for_words(const std::string& command, const std::string& text,
+                                         const AnswerFile& answer) {
     if (run_dialog(command, text, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
     return words_joined(answer.content().value_or(""));
 }
+
+}  // namespace gatescope

@@ -4,8 +4,10 @@
 #include <optional>
 #include <string>
 
-/// A file that a dialog writes its answer into. It exists, empty, before the dialog starts, so
-/// that nobody else can put one of theirs in its place, and goes with this object.
+namespace gatescope {
+
+/// A file for the answer of a dialog. It is created empty before the dialog starts, so that no
+/// other user can create it, and removed by the destructor.
 class AnswerFile {
   public:
     /// Gripes when the file cannot be created.
@@ -16,9 +18,8 @@ class AnswerFile {
 
     [[nodiscard]] const std::string& path() const { return path_; }
 
-    /// What the dialog wrote, at most `limit` bytes of it. Nothing when it did not write the file
-    /// or the file is gone. Half an answer is none: when it cannot be read, `*failed` says so, and
-    /// without `failed` this gripes.
+    /// The first `limit` bytes of what the dialog wrote; nothing when it did not write the file or
+    /// the file is gone. A read error sets `*failed`, or gripes when `failed` is null.
     [[nodiscard]] std::optional<std::string> content(std::size_t limit = std::string::npos,
                                                      bool* failed = nullptr) const;
 
@@ -26,10 +27,12 @@ class AnswerFile {
     std::string path_;
 };
 
-/// Where a text dialog writes its answer.
+/// The path of the answer of a text dialog.
 std::string prompt_result_path();
 
-/// Runs a dialog that shows `text`; what was typed, as its words joined by single blanks. Nothing
-/// when it was cancelled.
-std::optional<std::string> answer_in_words(const std::string& command, const std::string& text,
-                                           const AnswerFile& answer);
+/// Runs a dialog that shows `text`. The words of the answer, joined by single blanks; nothing when
+/// the dialog was cancelled.
+std::optional<std::string> ask_for_words(const std::string& command, const std::string& text,
+                                         const AnswerFile& answer);
+
+}  // namespace gatescope

@@ -16,22 +16,23 @@
 #include "messages/dialog_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
-// What the shell makes of a program that it cannot start.
+// Exit statuses of a shell that cannot start a program.
 constexpr int NOT_EXECUTABLE = 126;
 constexpr int NOT_FOUND = 127;
 
 bool quoting_is_strict() {
-    const char* wish = std::getenv(ENV_STRICT_QUOTING);
-    return wish != nullptr && strcasecmp(wish, "yes") == 0;
+    const char* setting = std::getenv(ENV_STRICT_QUOTING);
+    return setting != nullptr && strcasecmp(setting, "yes") == 0;
 }
 
-/// Why clearprompt did not start; empty when it did. `status` is the shell's, and errno is that of
-/// a shell that did not start. Of a dialog in the background the status says nothing.
+/// Why clearprompt did not start; empty when it did. `status` is the shell's; errno must be that of
+/// a shell that did not start. The status of a dialog in the background is always 0.
 std::string why_not_started(int status) {
     if (status == -1) return filled(NO_SHELL, std::strerror(errno));
-    if (!is_on_search_path(CLEARPROMPT, X_OK)) return IT_WAS_NOT_FOUND;
+    if (!is_on_search_path(CLEARPROMPT, X_OK)) return PROGRAM_NOT_FOUND;
     const int shell_status = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     const bool failed = shell_status == NOT_EXECUTABLE || shell_status == NOT_FOUND;
     return failed ? filled(SHELL_ENDED_WITH, shell_status) : "";
@@ -39,12 +40,12 @@ std::string why_not_started(int status) {
 
 }  // namespace
 
-int run_dialog(const std::string& command, const std::string& text, const char* lost) {
+int run_dialog(const std::string& command, const std::string& text, const char* consequence) {
     errno = 0;
     const int status = run_in_shell(command, CLEARPROMPT);
     const std::string reason = why_not_started(status);
     if (!reason.empty()) {
-        note(filled(DIALOG_IS_LOST, CLEARPROMPT, reason.c_str(), lost, text.c_str()));
+        note(filled(DIALOG_NOT_STARTED, CLEARPROMPT, reason.c_str(), consequence, text.c_str()));
     }
     return status;
 }
@@ -59,10 +60,12 @@ std::string quoted(const std::string& text) {
     return result + '"';
 }
 
-std::string one_argument(const std::string& path) {
+std::string path_argument(const std::string& path) {
     return quoting_is_strict() ? quoted(path) : path;
 }
 
 std::string newline_option(const std::string& text) {
     return c_text(text).find("\\n") == std::string_view::npos ? " " : "-newline";
 }
+
+}  // namespace gatescope

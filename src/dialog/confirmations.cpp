@@ -8,6 +8,7 @@
 #include "messages/confirmation_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t SHOWN_CHARACTERS = 80;
@@ -18,20 +19,20 @@ Change cut(const Change& change) {
 
 Consent consent_to(std::string question) {
     double_amp_string(question);
-    switch (ask(question, NO)) {
-        case YES:
-            return CONFIRMED;
-        case NO:
-            return DECLINED;
+    switch (ask(question, Answer::NO)) {
+        case Answer::YES:
+            return Consent::CONFIRMED;
+        case Answer::NO:
+            return Consent::DECLINED;
         default:
-            return CHANGE_ABORTED;
+            return Consent::ABORTED;
     }
 }
 
 void report(std::string text) {
     if (std::getenv(ENV_VERBOSITY) == nullptr) return;
     double_amp_string(text);
-    ask(text, YES, Buttons::YES);
+    ask(text, Answer::YES, Buttons::YES);
 }
 
 }  // namespace
@@ -81,3 +82,5 @@ void delete_confirmed(const Change& change) {
     const Change shown = cut(change);
     report(filled(DELETED, shown.item.c_str(), shown.from.c_str()));
 }
+
+}  // namespace gatescope

@@ -2,51 +2,55 @@
 
 #include <string>
 
-// Consent before a change of the gatebits file, and the report after it. Both show item and values
-// cut to 80 characters, unless it is said otherwise.
+namespace gatescope {
 
-/// What the operator is asked about, and told about when it is done.
+// Questions before a change of the gatebits file, and reports after it. Both cut item and values by
+// cut_for_dialog unless stated otherwise.
+
+/// A change as questions and reports show it.
 struct Change {
-    /// What changes, in the operator's words.
+    /// The name of what changes.
     std::string item;
-    /// The old value; of an addition the first of the two values shown; of a deletion what goes.
+    /// The old value; for an addition the first of two values, for a deletion the removed value.
     std::string from;
-    /// The new value; of an addition the second of the two values shown; of a deletion nothing.
+    /// The new value; for an addition the second of two values, for a deletion empty.
     std::string to;
 };
 
-/// What the questions return.
-enum Consent {
-    DECLINED = 0,       ///< ask for the value again
-    CONFIRMED = 1,      ///< write it
-    CHANGE_ABORTED = 2  ///< leave; nothing is to be written
+/// The answers of the questions.
+enum class Consent {
+    DECLINED = 0,   ///< ask for the value again
+    CONFIRMED = 1,  ///< write it
+    ABORTED = 2     ///< leave; nothing is to be written
 };
 
-/// Asks whether the item may change. `warnings` follow the question, unless the values are the
-/// same: then it is that which is asked about, and there is nothing to warn of.
+/// Asks whether the item may change. `warnings` follow the question. When both values are the same,
+/// asks whether to go on, without warnings.
 Consent confirm_change(const Change& change, const std::string& warnings = "");
 
-/// How confirm_add words its question.
+/// The wording of confirm_add.
 enum class Addition {
     VALUE,    ///< both values with "=" between them
-    SETTING,  ///< an addition or change; both values as one text
-    ALIAS     ///< the first value alone, a whole definition, not cut
+    SETTING,  ///< addition or change; both values as one text
+    ALIAS     ///< only the first value, the whole definition, not cut
 };
 
-/// Asks whether what the change holds may be added. The item is shown whole.
+/// Asks whether the values may be added. The item is not cut.
 Consent confirm_add(const Change& change, Addition kind = Addition::VALUE);
 
-/// Asks whether `change.from` may be deleted. The item is shown whole.
+/// Asks whether `change.from` may be deleted. The item is not cut.
 Consent confirm_delete(const Change& change);
 
-// Reports. They show nothing unless the environment variable ZUL_GATESCOPE_VERBOSITY is set.
+// Reports, shown only when the environment variable ZUL_GATESCOPE_VERBOSITY is set.
 
 void change_confirmed(const Change& change);
 void add_confirmed(const Change& change);
-/// The definition is shown whole.
+/// The definition is not cut.
 void add_confirmed_alias(const std::string& definition);
 void delete_confirmed(const Change& change);
 
-/// A value as dialogs show it: its first 80 characters, and "..." when it has 80 or more. One of
-/// exactly 80 gets the dots too, although nothing is missing; scripts know it so.
+/// The first 80 characters of a value, followed by "..." when it has 80 or more. Scripts rely on
+/// the dots after exactly 80.
 std::string cut_for_dialog(const std::string& value);
+
+}  // namespace gatescope

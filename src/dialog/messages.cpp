@@ -12,12 +12,14 @@
 #include "messages/history_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
+
 int ZUL_PREFER_GUI = 1;
 int ZUL_REMOTE_CLIENT_USER = 0;
 
 namespace {
 
-// Command lines; the texts in them come quoted already.
+// Command lines; their texts must be quoted.
 
 /// CLEARPROMPT, newline option, message.
 constexpr char GRIPE_LINE[] = "%s yes_no -mask abort -def abort -pre %s -pro %s &";
@@ -26,14 +28,14 @@ constexpr char ADVISE_LINE[] = "%s yes_no -mask yes -def yes -pre %s -pro %s%s";
 /// CLEARPROMPT, mask, default, newline option, message.
 constexpr char ASK_LINE[] = "%s yes_no -mask %s -def %s -pre %s -pro %s";
 
-/// As of diff and grep.
-constexpr int STATUS_OF_TROUBLE = 2;
+/// The status of an error of gatescope-history, as of diff and grep.
+constexpr int STATUS_HISTORY_ERROR = 2;
 
-const char* word_for(Answer answer) {
-    return ANSWER_WORDS[answer];
+const char* answer_word(Answer answer) {
+    return ANSWER_WORDS[static_cast<std::size_t>(answer)];
 }
 
-const char* words_for(Buttons buttons) {
+const char* button_words(Buttons buttons) {
     return BUTTON_WORDS[static_cast<std::size_t>(buttons)];
 }
 
@@ -41,33 +43,33 @@ bool has_one_button(Buttons mask) {
     return mask == Buttons::YES || mask == Buttons::NO || mask == Buttons::ABORT;
 }
 
-/// gripe, with `more` on standard error: with the message that goes elsewhere, or in its place.
-[[noreturn]] void gripe_saying_more(const std::string& message, const std::string& more) {
-    if (ZUL_PREFER_GUI == ERRORS_ALONE) gripe(more);
-    note(more);
+/// gripe, with `details` on standard error; in ERRORS_ON_STDERR mode `details` alone.
+[[noreturn]] void gripe_with_details(const std::string& message, const std::string& details) {
+    if (ZUL_PREFER_GUI == ERRORS_ON_STDERR) gripe(details);
+    note(details);
     gripe(message);
 }
 
-/// The shell's status comes unshifted: exit status 1 is 256, and 255 is read as yes.
+/// `status` is a wait status: exit status 1 is 256. 255 counts as yes.
 Answer decoded_status(int status) {
     switch (status) {
         case 0:
         case 255:
-            return YES;
+            return Answer::YES;
         case 1:
         case 256:
-            return NO;
+            return Answer::NO;
         default:
-            return ABORT;
+            return Answer::ABORT;
     }
 }
 
 }  // namespace
 
 void gripe(const std::string& message) {
-    if (ZUL_PREFER_GUI == ERRORS_ALONE) {
+    if (ZUL_PREFER_GUI == ERRORS_ON_STDERR) {
         note(message, HISTORY_PROGRAM);
-        clean_exit(STATUS_OF_TROUBLE);
+        clean_exit(STATUS_HISTORY_ERROR);
     }
     if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
@@ -76,17 +78,17 @@ void gripe(const std::string& message) {
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(STATUS_OF_AN_ERROR);
+    clean_exit(STATUS_ERROR);
 }
 
 void gripe(const std::string& message, int error) {
     const std::string line = message.substr(0, message.find_last_not_of('\n') + 1);
-    gripe_saying_more(message, filled("%s: %s", line.c_str(), std::strerror(error)));
+    gripe_with_details(message, filled("%s: %s", line.c_str(), std::strerror(error)));
 }
 
 void gripe(const std::string& message, const std::string& path, int error) {
-    gripe_saying_more(message,
-                      filled("%s: %s: %s", message.c_str(), path.c_str(), std::strerror(error)));
+    gripe_with_details(message,
+                       filled("%s: %s: %s", message.c_str(), path.c_str(), std::strerror(error)));
 }
 
 void gripe_uncoded(const std::string& place) {
@@ -109,11 +111,11 @@ void advise_wait(const std::string& message) {
 
 Answer ask(const std::string& message, Answer def, Buttons mask) {
     if (!ZUL_PREFER_GUI && has_one_button(mask)) {
-        print_stdout(filled(ACCEPTED_LINE, message.c_str(), word_for(def)));
+        print_stdout(filled(ACCEPTED_LINE, message.c_str(), answer_word(def)));
         return def;
     }
     return decoded_status(
-        run_dialog(filled(ASK_LINE, CLEARPROMPT, words_for(mask), word_for(def),
+        run_dialog(filled(ASK_LINE, CLEARPROMPT, button_words(mask), answer_word(def),
                           newline_option(message).c_str(), quoted(message).c_str()),
                    message, NOT_ASKED_SO_ABORT));
 }
@@ -127,3 +129,5 @@ void print_stdout(const std::string& text) {
     }
     write_output(printed);
 }
+
+}  // namespace gatescope

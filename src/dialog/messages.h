@@ -2,33 +2,34 @@
 
 #include <string>
 
-// Messages and questions: every word to the operator that needs no more than a button.
+namespace gatescope {
 
-// How the operator is talked to: the same in every function that has something to say, and settled
-// by clean_start before anybody has; so these two are the process's.
+// Messages to the operator, and questions that are answered by a button.
 
-/// 1: clearprompt dialogs; 0: standard output; ERRORS_ALONE: gatescope-history, which has nothing
-/// to ask, and whose errors go to standard error and end it with status 2.
+// Global: clean_start sets both once, before the first message.
+
+/// 1: clearprompt dialogs; 0: standard output; ERRORS_ON_STDERR: gatescope-history, which asks
+/// nothing, writes errors to standard error and ends with status 2 after one.
 extern int ZUL_PREFER_GUI;
-inline constexpr int ERRORS_ALONE = -1;
+inline constexpr int ERRORS_ON_STDERR = -1;
 /// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
 
 /// What ask returns.
-enum Answer { YES = 0, NO = 1, ABORT = 2 };
+enum class Answer { YES = 0, NO = 1, ABORT = 2 };
 
-/// Shows an error in the background and ends the process with STATUS_OF_AN_ERROR.
+/// Shows an error in the background and ends the process with STATUS_ERROR.
 [[noreturn]] void gripe(const std::string& message);
 
-/// gripe for an error whose text leaves out why, or with which file: that goes to standard error,
-/// after the message. `error` is an errno.
+/// gripe for a message without the reason or the file: both are written to standard error, after
+/// the message. `error` is an errno.
 [[noreturn]] void gripe(const std::string& message, int error);
 [[noreturn]] void gripe(const std::string& message, const std::string& path, int error);
 
-/// gripe for a case that cannot happen; `place` is the function's name.
+/// gripe for an internal error; `place` is the function's name.
 [[noreturn]] void gripe_uncoded(const std::string& place);
 
-/// Shows a message and goes on; waits for the dialog only when the operator is a remote client.
+/// Shows a message; waits for the dialog only when the operator is a remote client.
 void advise(const std::string& message);
 
 /// Shows a message and waits until it is dismissed.
@@ -37,15 +38,16 @@ void advise_wait(const std::string& message);
 /// The buttons of a question.
 enum class Buttons { YES, NO, ABORT, YES_NO, YES_ABORT, YES_NO_ABORT };
 
-inline constexpr Answer default_default = YES;
+inline constexpr Answer default_default = Answer::YES;
 inline constexpr Buttons default_mask = Buttons::YES_NO_ABORT;
 
-/// Asks a question and returns its Answer. `def` is the button that is preset, `mask` are those
-/// that there are. A dialog that cannot be started counts as ABORT. Without dialogs a question with
-/// a single button is printed and answered with its default; any other still goes to clearprompt,
-/// since it needs an answer.
+/// Asks a question. `def` is the default button, `mask` the buttons shown. A dialog that cannot be
+/// started counts as ABORT. Without dialogs a question with one button is printed and answered by
+/// its default; any other still needs clearprompt.
 Answer ask(const std::string& message, Answer def = default_default, Buttons mask = default_mask);
 
-/// Prints `text` as a print format without arguments: "%%" prints "%", and any other directive
-/// stands as it is.
+/// Prints `text` like a printf format without arguments: "%%" prints "%"; other directives are
+/// printed unchanged.
 void print_stdout(const std::string& text);
+
+}  // namespace gatescope

@@ -9,6 +9,8 @@
 #include "base/temporary_files.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
+
 void clean_exit(int status) {
     remove_temporary_files();
     std::exit(status_with_output_written(status));
@@ -18,5 +20,7 @@ int status_with_output_written(int status) {
     const int error = output_error();
     if (error == 0) return status;
     note(filled(OUTPUT_NOT_WRITTEN, std::strerror(error)));
-    return STATUS_OF_AN_ERROR;
+    return STATUS_ERROR;
 }
+
+}  // namespace gatescope

@@ -1,11 +1,14 @@
 #pragma once
 
-// The one orderly way out of the process.
+namespace gatescope {
 
-/// Removes the temporary files that are left and ends the process with `status`, or with
-/// STATUS_OF_AN_ERROR when standard output could not be written.
+// The end of the process.
+
+/// Removes the remaining temporary files and ends the process with status_with_output_written.
 [[noreturn]] void clean_exit(int status);
 
-/// `status`; but STATUS_OF_AN_ERROR, after a line on standard error with the reason, when something
-/// that was meant for standard output could not be written.
+/// `status`; or STATUS_ERROR, after a line with the reason on standard error, when writing to
+/// standard output has failed.
 int status_with_output_written(int status);
+
+}  // namespace gatescope

@@ -18,11 +18,12 @@
 #include "dialog/messages.h"
 #include "messages/dialog_texts.h"
 
+namespace gatescope {
 namespace {
 
-// Command lines; the texts in them come quoted already.
+// Command lines; their texts must be quoted.
 
-/// CLEARPROMPT, result file, default, newline option, prompt. The two blanks belong there.
+/// CLEARPROMPT, result file, default, newline option, prompt. Two blanks after the result file.
 constexpr char PROMPT_LINE[] = "%s text -prefer_gui -outfile %s  -default %s %s -prompt %s";
 /// CLEARPROMPT, result file, items, " " or "-choices", title.
 constexpr char LIST_LINE[] = "%s list -prefer_gui -outfile %s -newline -items %s %s -prompt %s";
@@ -30,7 +31,7 @@ constexpr char LIST_LINE[] = "%s list -prefer_gui -outfile %s -newline -items %s
 /// Largest answer of a multiple choice, in bytes.
 constexpr std::size_t LARGEST_SELECTION = 10001;
 
-/// The picks of a multiple choice, one a line in the file, separated by commas.
+/// The picks of a multiple choice, which are lines in the file, separated by commas.
 std::string several_picks(const AnswerFile& answer) {
     bool failed = false;
     const auto content = answer.content(LARGEST_SELECTION + 1, &failed);
@@ -45,7 +46,7 @@ std::string several_picks(const AnswerFile& answer) {
     return picks;
 }
 
-/// One of the two standard streams, pointed at a file while a command runs.
+/// A standard stream that is restored by the destructor.
 class RedirectedStream {
   public:
     RedirectedStream(int stream, const char* duplicate_failure)
@@ -74,7 +75,7 @@ class RedirectedStream {
 
 std::optional<std::string> prompt(const std::string& prompt_text, const std::string& def) {
     const AnswerFile answer(prompt_result_path());
-    return answer_in_words(
+    return ask_for_words(
         filled(PROMPT_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(def).c_str(),
                newline_option(prompt_text).c_str(), quoted(prompt_text).c_str()),
         prompt_text, answer);
@@ -94,7 +95,7 @@ std::optional<std::string> make_selection(const std::string& title, const std::s
     const std::string command =
         filled(LIST_LINE, CLEARPROMPT, quoted(answer.path()).c_str(), quoted(items).c_str(),
                option.c_str(), quoted(title).c_str());
-    if (option == SINGLE_CHOICE) return answer_in_words(command, title, answer);
+    if (option == SINGLE_CHOICE) return ask_for_words(command, title, answer);
     if (run_dialog(command, title, NOT_ASKED_SO_CANCELLED) != 0) return std::nullopt;
     return several_picks(answer);
 }
@@ -119,3 +120,5 @@ int get_system_rc(const std::string& command) {
     remove_temporary_file(trash);
     return status;
 }
+
+}  // namespace gatescope

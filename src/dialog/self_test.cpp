@@ -14,6 +14,7 @@
 #include "messages/identity.h"
 #include "messages/self_test_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char USABILITY_LINE[] = "%s yes_no -mask yes -def yes -pre -pro clearprompt_found_OK";
@@ -26,7 +27,7 @@ void test_clearprompt() {
     const int status = run_in_shell(filled(USABILITY_LINE, CLEARPROMPT), CLEARPROMPT);
     if (status != 0) {
         print_stdout(filled(CLEARPROMPT_NOT_FOUND, CLEARPROMPT));
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
     advise(filled(CLEARPROMPT_RETURN_CODE, CLEARPROMPT, status));
 }
@@ -37,7 +38,7 @@ void test_cleartool() {
     const int status = get_system_rc(CLEARTOOL_LINE);
     if (status != 0) {
         print_stdout(CLEARTOOL_NOT_FOUND);
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
     advise(filled(CLEARTOOL_RETURN_CODE, status));
 }
@@ -46,22 +47,22 @@ void test_cleartool() {
 constexpr int ANSWERED = 0;
 constexpr int CANCELLED = 2;
 
-/// Takes an answer; the code of its dialog. A cancelled one leaves `*last`.
-int code_of(const std::optional<std::string>& answer, std::string* last) {
+/// The code of an answer, which is stored in `*last` unless it was cancelled.
+int store_answer(const std::optional<std::string>& answer, std::string* last) {
     if (answer) *last = *answer;
     return answer ? ANSWERED : CANCELLED;
 }
 
-/// After a cancel the reports show the answer before.
+/// After a cancel the reports show the previous answer.
 void test_lists_and_prompts() {
     std::string last;
-    int code = code_of(
+    int code = store_answer(
         make_selection(SINGLE_SELECTION_TITLE, SINGLE_SELECTION_ITEMS, SINGLE_CHOICE), &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(make_selection(MULTI_SELECTION_TITLE, MULTI_SELECTION_ITEMS, MULTIPLE_CHOICE),
-                   &last);
+    code = store_answer(
+        make_selection(MULTI_SELECTION_TITLE, MULTI_SELECTION_ITEMS, MULTIPLE_CHOICE), &last);
     advise(filled(SELECTION_REPORT, last.c_str(), code));
-    code = code_of(prompt(TEST_PROMPT, TEST_PROMPT_DEFAULT), &last);
+    code = store_answer(prompt(TEST_PROMPT, TEST_PROMPT_DEFAULT), &last);
     advise(filled(RESPONSE_REPORT, last.c_str(), code));
 }
 
@@ -69,9 +70,9 @@ struct TestQuestion {
     const char* text;
     Answer def;
 };
-constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {{THREE_BUTTONS_ABORT, ABORT},
-                                                   {THREE_BUTTONS_NO, NO},
-                                                   {THREE_BUTTONS_YES, YES},
+constexpr TestQuestion THREE_BUTTON_QUESTIONS[] = {{THREE_BUTTONS_ABORT, Answer::ABORT},
+                                                   {THREE_BUTTONS_NO, Answer::NO},
+                                                   {THREE_BUTTONS_YES, Answer::YES},
                                                    {THREE_BUTTONS_DEFAULT, default_default}};
 
 struct OnlyAnswer {
@@ -79,16 +80,16 @@ struct OnlyAnswer {
     Buttons button;
 };
 constexpr OnlyAnswer ONE_BUTTON_QUESTIONS[] = {
-    {ABORT, Buttons::ABORT}, {YES, Buttons::YES}, {NO, Buttons::NO}};
+    {Answer::ABORT, Buttons::ABORT}, {Answer::YES, Buttons::YES}, {Answer::NO, Buttons::NO}};
 
 void test_questions() {
     for (const TestQuestion& question : THREE_BUTTON_QUESTIONS) {
-        const int code = ask(question.text, question.def);
+        const int code = static_cast<int>(ask(question.text, question.def));
         advise(filled(THREE_BUTTON_ANSWER, code));
     }
     for (const auto& [answer, button] : ONE_BUTTON_QUESTIONS) {
-        const char* word = ANSWER_WORDS[answer];
-        const int code = ask(filled(ONLY_QUESTION, word), answer, button);
+        const char* word = ANSWER_WORDS[static_cast<std::size_t>(answer)];
+        const int code = static_cast<int>(ask(filled(ONLY_QUESTION, word), answer, button));
         advise(filled(ONLY_ANSWER, word, code));
     }
 }
@@ -97,7 +98,7 @@ void test_questions() {
 
 void show_about() {
     advise(filled(ABOUT, SELF, VERSION));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
 
 void general_test() {
@@ -107,3 +108,5 @@ void general_test() {
     test_questions();
     show_about();
 }
+
+}  // namespace gatescope

@@ -25,32 +25,33 @@
 #include "messages/dialog_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-// Command lines; the texts in them come quoted already.
+// Command lines; their texts must be quoted.
 
 /// CLEARPROMPT, result file, file with the default, newline option, prompt.
 constexpr char PROMPT_FROM_FILE_LINE[] = "%s text -prefer_gui -outfile %s  -dfile %s %s -prompt %s";
 /// CLEARPROMPT, result file, file to show, title.
 constexpr char SHOW_FILE_LINE[] =
     "%s text -prefer_gui -multi_line -outfile %s -dfile %s -newline -prompt %s";
-/// A text file is copied in pieces of this many bytes.
+/// copy_file copies in pieces of this many bytes.
 constexpr std::size_t COPY_CHUNK = 30000;
 
-/// Writes `text` (may be null) and closes; not 0 when either failed.
+/// Writes `text` (may be null) and closes the stream. 0, or EOF when either failed.
 int write_and_close(FILE* stream, const char* text) {
     const bool written = text == nullptr || std::fputs(text, stream) >= 0;
     return std::fclose(stream) == 0 && written ? 0 : EOF;
 }
 
-/// What the descriptor stands for as a stream; null, with errno set, when it is -1.
+/// A stream of the descriptor; null, with errno unchanged, when it is -1.
 FILE* stream_of(int descriptor, const char* mode) {
     return descriptor == -1 ? nullptr : fdopen(descriptor, mode);
 }
 
 enum class End { DESTINATION, SOURCE };
 
-/// Says which end of a copy failed, with the reason in errno.
+/// Reports which end of a copy failed, with the reason in errno.
 [[noreturn]] void gripe_not_moved(End end, const std::string& source,
                                   const std::string& destination) {
     const int reason = errno;
@@ -72,20 +73,20 @@ char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
-bool is_ours_alone(int file) {
+bool is_private_file(int file) {
     struct stat status;
     return fstat(file, &status) == 0 && S_ISREG(status.st_mode) && status.st_nlink == 1 &&
            status.st_uid == geteuid();
 }
 
-/// Opens the file for appending, creating it where needed; -1 when that cannot be, or when it is
-/// not ours alone.
+/// Opens the file for appending, creating it where needed. -1, with errno set, when that fails;
+/// EEXIST when it is another user's file, has hard links or is not regular.
 int open_default(const std::string& path) {
     const SignalsHeld held;
     const int file = open(
         path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (file == -1) return -1;
-    if (!is_ours_alone(file)) {
+    if (!is_private_file(file)) {
         close(file);
         errno = EEXIST;
         return -1;
@@ -94,8 +95,7 @@ int open_default(const std::string& path) {
     return file;
 }
 
-/// Adds `text` to the file that a prompt takes its default from. What somebody else put there is
-/// not written to.
+/// Appends `text` to the file from which a prompt reads its default; never to another user's file.
 void append_default(const std::string& path, const std::string& text) {
     const int file = open_default(path);
     if (file == -1) gripe(CANNOT_CREATE_TEMP_FILE, path, errno);
@@ -141,7 +141,7 @@ int copy_file(const std::string& source, const std::string& destination) {
 }
 
 void move_file(const std::string& source, const std::string& destination) {
-    // The source may be the only whole copy, so it goes only when the other one is complete.
+    // The source is removed only after a complete copy.
     if (copy_file(source, destination) != 0) gripe_not_moved(End::DESTINATION, source, destination);
     unlink_remove(source);
 }
@@ -218,10 +218,10 @@ std::optional<std::string> prompt_from_file(const std::string& prompt_text,
         make_tfile("gatewarden_prompt_prompt", GLOBAL_PID_STRING.c_str(), nullptr);
     append_default(default_file, default_text);
     auto typed =
-        answer_in_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
-                               quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
-                               quoted(prompt_text).c_str()),
-                        prompt_text, answer);
+        ask_for_words(filled(PROMPT_FROM_FILE_LINE, CLEARPROMPT, quoted(answer.path()).c_str(),
+                             quoted(default_file).c_str(), newline_option(prompt_text).c_str(),
+                             quoted(prompt_text).c_str()),
+                      prompt_text, answer);
     remove_temporary_file(default_file);
     return typed;
 }
@@ -235,3 +235,5 @@ void show_file_with_clearprompt(const std::string& title, const std::string& fil
                       quoted(file).c_str(), quoted(full_title).c_str()),
                filled("%s\n%s", full_title.c_str(), file.c_str()), NOT_SHOWN);
 }
+
+}  // namespace gatescope

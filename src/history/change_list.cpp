@@ -6,6 +6,7 @@
 
 #include "messages/history_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::string_view GAP = "  ";
@@ -88,3 +89,5 @@ std::string list_of(const std::vector<PastChange>& changes, std::size_t width) {
     }
     return list;
 }
+
+}  // namespace gatescope

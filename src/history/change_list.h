@@ -5,6 +5,8 @@
 
 #include "history/changes.h"
 
+namespace gatescope {
+
 /// The changes as a list for people, one a line: number, time, operator, action, item, old and new
 /// value. Long ones are cut so that a line is no wider than `width` characters. What a terminal
 /// would obey stands there as '?'.
@@ -12,3 +14,5 @@ std::string list_of(const std::vector<PastChange>& changes, std::size_t width);
 
 /// A text with '?' for each byte that is no text, and for each control character but a tab.
 std::string harmless(std::string_view text);
+
+}  // namespace gatescope

@@ -16,6 +16,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/history.h"
 
+namespace gatescope {
 namespace {
 
 /// All bytes of a file; gripes when they cannot be read.
@@ -66,3 +67,5 @@ NamedText text_after(const History& history, const PastChange& change) {
     }
     return {file, read_gatebits_bytes(file)};
 }
+
+}  // namespace gatescope

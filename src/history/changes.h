@@ -5,6 +5,8 @@
 
 #include "base/json.h"
 
+namespace gatescope {
+
 /// A change that a history has a record of.
 struct PastChange {
     /// The number of the record's line, from 1.
@@ -42,3 +44,5 @@ NamedText text_before(const History& history, const PastChange& change);
 /// What it held afterwards: the text that stood before its next change, or stands there now. Gripes
 /// when that cannot be read, or when there was no file any more.
 NamedText text_after(const History& history, const PastChange& change);
+
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 #include "history/change_list.h"
 #include "messages/history_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t LINES_AROUND = 3;
@@ -123,3 +124,5 @@ std::string in_colours(std::string_view diff) {
     }
     return coloured;
 }
+
+}  // namespace gatescope

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+namespace gatescope {
+
 /// What turns `old_text` into `new_text`, in the form of "diff -u", with three lines around each
 /// change; empty when they are the same. The names stand at its head.
 std::string unified_diff(std::string_view old_text, std::string_view new_text,
@@ -10,3 +12,5 @@ std::string unified_diff(std::string_view old_text, std::string_view new_text,
 
 /// The same diff in the colours that terminals show those in.
 std::string in_colours(std::string_view diff);
+
+}  // namespace gatescope

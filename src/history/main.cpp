@@ -9,12 +9,13 @@
 #include "messages/startup_texts.h"
 
 int main(int argument_count, char** arguments) {
+    using namespace gatescope;
     if (const int error = open_missing_standard_streams()) {
         note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), "gatescope-history");
         return 2;
     }
-    end_in_order_on_signals();
-    ZUL_PREFER_GUI = ERRORS_ALONE;
+    install_signal_cleanup();
+    ZUL_PREFER_GUI = ERRORS_ON_STDERR;
     try {
         return run_history_program(argument_count, arguments);
     } catch (const std::bad_alloc&) {

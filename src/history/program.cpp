@@ -30,6 +30,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/history.h"
 
+namespace gatescope {
 namespace {
 
 enum Status { FOUND = 0, NOTHING_FOUND = 1, SAME = 0, DIFFERENT = 1, RESTORED = 0 };
@@ -83,8 +84,8 @@ int restore(const History& history, const PastChange& change) {
     const NamedText before = text_before(history, change);
     verify_set_tempdir();
     setenv(ENV_HISTORY, history.directory.c_str(), 1);
-    ::change(
-        file, {Gatebits(before.text), nothing},
+    gatescope::change(
+        file, {Gatebits(before.text), no_part},
         [&](const Gatebits& /*now*/) {
             return Rewrite{ChangeResult::WRITTEN, Gatebits(before.text)};
         },
@@ -135,3 +136,5 @@ int run_history_program(int argument_count, char** arguments) {
     const PastChange& change = change_numbered(words[1], history);
     return say("diff", 2) ? show_diff(history, change) : restore(history, change);
 }
+
+}  // namespace gatescope

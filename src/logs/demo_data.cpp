@@ -17,11 +17,13 @@
 #include "dialog/process_end.h"
 #include "logs/log_files.h"
 #include "messages/log_texts.h"
+#include "records/query_period.h"
 
+namespace gatescope {
 namespace {
 
-// Records as the policy engine writes them: time, kind, user, command, then detail letter and
-// number where they vary.
+// Records as the policy engine writes them: time, kind, user, command, then the detail letter and
+// the number if they vary.
 constexpr char DENIED_RECORD[] = "%lld:%c:%s[%d]%c<%d>\n";
 constexpr char BIT_RECORD[] = "%lld:%c:%s[%d]-<%d>\n";
 constexpr char ALLOWED_RECORD[] = "%lld:%c:%s[%d]-<->\n";
@@ -29,33 +31,33 @@ constexpr char PARENT_RECORD[] = "%lld:%c:%s[%d]%c<->\n";
 
 constexpr int DEMO_RECORDS = 50000;
 constexpr int PROGRESS_STEP = 100;
-/// Only the first three are ever drawn.
+/// Only the first three are drawn.
 constexpr char DENIAL_LETTERS[] = "KBRC";
 constexpr char PARENT_LETTERS[] = "daaa";
 
-/// A fresh draw from 0 to below `limit`. The order of the draws decides what a seed makes, so
-/// no two may stand in one expression.
+/// A random number from 0 to below `limit`. The order of the calls decides which records a seed
+/// yields, so an expression may contain only one.
 int draw(int limit) {
     return std::rand() % limit;
 }
 
-char kind_of_the_last_40_days() {
+char kind_in_last_40_days() {
     const int x = draw(20);
     if (x == 7) return draw(125) == 0 ? 'D' : 'S';
     return x == 8 || x == 9 ? 'B' : 'S';
 }
 
-/// A kind for each draw from 0 to 9.
-char kind_by_tenths(const char (&kinds)[11]) {
+/// One of ten kinds, each with the same probability.
+char one_of_ten(const char (&kinds)[11]) {
     return kinds[draw(10)];
 }
 
-/// By the age of the record: a parent policy and many denials at first, hardly any at the end.
+/// By the age of the record: old ones have a parent policy and many denials, recent ones few.
 char drawn_kind(std::int64_t end_of_day_time, std::int64_t time) {
     const std::int64_t border_40 = end_of_day_time - QUERY_DAYS * SECONDS_A_DAY / 3;
     const std::int64_t border_80 = end_of_day_time - 2 * SECONDS_A_DAY * QUERY_DAYS / 3;
-    if (time >= border_40) return kind_of_the_last_40_days();
-    return time < border_80 ? kind_by_tenths("PSSDDDDBBB") : kind_by_tenths("PSSSSSDDBB");
+    if (time >= border_40) return kind_in_last_40_days();
+    return time < border_80 ? one_of_ten("PSSDDDDBBB") : one_of_ten("PSSSSSDDBB");
 }
 
 std::string drawn_record(std::int64_t end_of_day_time) {
@@ -102,5 +104,7 @@ void data_gen(const std::string& logging_dir) {
     show_progress(DEMO_RECORDS);
     written = std::fclose(LOGGING_STREAM) == 0 && written;
     if (!written) gripe(filled(DEMO_LOG_NOT_WRITTEN, path.c_str(), std::strerror(errno)));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
+
+}  // namespace gatescope

@@ -1,58 +1,17 @@
 #include "logs/log_files.h"
 
-#include <ctime>
-
 #include "base/filled.h"
 #include "base/run_identity.h"
-#include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
-// Names of the files in the logging directory: directory, delimiter, then the number where there
+// Paths in the logging directory: directory, delimiter, and the number where there
 // is one.
 constexpr char LOGGING_NORMAL_PATTERN[] = "%s%clogging_%d.txt";
 constexpr char LOGGING_PRUNING_PATTERN[] = "%s%clogging__%d.txt";
 constexpr char LOGGING_PRUNING_FILE[] = "%s%cpruning_.txt";
 constexpr char LOGGING_PRUNING_TOKEN[] = "%s%clogging_pruning_token.txt";
-
-constexpr std::array<const char*, 7> WEEKDAYS = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-constexpr std::array<const char*, 12> MONTHS = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
-
-/// `time` on the local calendar; false where the calendar cannot express it.
-bool on_the_calendar(std::int64_t time, std::tm* local) {
-    const std::time_t seconds = time;
-    return localtime_r(&seconds, local) != nullptr;
-}
-
-std::size_t index_of(int calendar_field) {
-    return static_cast<std::size_t>(calendar_field);
-}
-
-/// "Sun Nov 15".
-std::string day_text(const std::tm& local) {
-    return filled("%s %s%3d", WEEKDAYS[index_of(local.tm_wday)], MONTHS[index_of(local.tm_mon)],
-                  local.tm_mday);
-}
-
-/// The last second of the day of `now`, which is `local` on the calendar. Where the clock turns
-/// back at midnight there are two seconds of that name; once the first is over, the second is
-/// meant.
-std::int64_t end_of_day(std::int64_t now, const std::tm& local) {
-    std::tm last = local;
-    last.tm_hour = 23;
-    last.tm_min = 59;
-    last.tm_sec = 59;
-    // The day may end in another daylight-saving time than it is in now.
-    last.tm_isdst = -1;
-    const std::int64_t end = std::mktime(&last);
-    if (end >= now) return end;
-    return now + (23 - local.tm_hour) * 3600 + (59 - local.tm_min) * 60 + (59 - local.tm_sec);
-}
-
-long long year_of(const std::tm& local) {
-    return 1900LL + local.tm_year;
-}
 
 }  // namespace
 
@@ -72,33 +31,4 @@ std::string pruning_token_path(const std::string& logging_dir) {
     return filled(LOGGING_PRUNING_TOKEN, logging_dir.c_str(), DIR_DELIMETER);
 }
 
-QueryPeriod set_time_values(int days_to_show, std::int64_t now) {
-    QueryPeriod period;
-    period.days_to_show = days_to_show;
-    std::tm local = {};
-    on_the_calendar(now, &local);
-    period.last_query_time = {local.tm_sec,  local.tm_min, local.tm_hour,
-                              local.tm_mday, local.tm_mon, local.tm_year};
-    period.end_of_day_time = end_of_day(now, local);
-    period.start_of_period_time = period.end_of_day_time - days_to_show * SECONDS_A_DAY;
-    return period;
-}
-
-std::string time_text(std::int64_t time) {
-    std::tm local = {};
-    if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%s %02d:%02d:%02d %lld", day_text(local).c_str(), local.tm_hour, local.tm_min,
-                  local.tm_sec, year_of(local));
-}
-
-std::string date_text(std::int64_t time) {
-    std::tm local = {};
-    if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%s %lld", day_text(local).c_str(), year_of(local));
-}
-
-std::string iso_date_text(std::int64_t time) {
-    std::tm local = {};
-    if (!on_the_calendar(time, &local)) return std::to_string(time);
-    return filled("%04lld-%02d-%02d", year_of(local), local.tm_mon + 1, local.tm_mday);
-}
+}  // namespace gatescope

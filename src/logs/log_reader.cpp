@@ -10,55 +10,20 @@
 #include "base/files.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Small enough to stay in the processor's cache between reading and looking. A fuzzer's logs are
-/// short, so it asks for pieces that are short too.
+/// Small enough to stay in the processor's cache until it is searched. The logs of fuzz targets are
+/// short, and need short pieces.
 #ifdef FUZZED_READ_SIZE
 constexpr std::size_t READ_SIZE = FUZZED_READ_SIZE;
 #else
 constexpr std::size_t READ_SIZE = std::size_t{128} * 1024;
 #endif
-/// What is read after the end of a range at first: the last word hardly ever goes on for longer.
+/// Bytes read at first after the end of a range: the last word rarely ends later.
 constexpr std::size_t TAIL_SIZE = std::min<std::size_t>(READ_SIZE, 4096);
 
-/// Bytes that are looked at at once, which compilers make vector code of. From a loop that may end
-/// at any byte they make none.
-constexpr std::ptrdiff_t LOOKED_AT_ONCE = 64;
-
-bool holds_white(const char* at) {
-    std::uint8_t any = 0;
-    for (std::ptrdiff_t i = 0; i < LOOKED_AT_ONCE; ++i) {
-        const auto after_tab = static_cast<std::uint8_t>(at[i] - '\t');
-        any = at[i] == ' ' ? std::uint8_t{1} : any;
-        any = after_tab <= '\r' - '\t' ? std::uint8_t{1} : any;
-    }
-    return any != 0;
-}
-
-/// The first white space in [begin, end), or `end`.
-const char* find_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(begin)) begin += LOOKED_AT_ONCE;
-    return std::find_if(begin, end, is_white);
-}
-
-/// Where the text after the last white space in [begin, end) begins.
-const char* after_last_white(const char* begin, const char* end) {
-    while (end - begin >= LOOKED_AT_ONCE && !holds_white(end - LOOKED_AT_ONCE)) {
-        end -= LOOKED_AT_ONCE;
-    }
-    while (end > begin && !is_white(end[-1])) --end;
-    return end;
-}
-
 }  // namespace
-
-std::string_view next_word(const char** at, const char* end) {
-    const char* start = std::find_if_not(*at, end, is_white);
-    const char* limit = start + std::min<std::ptrdiff_t>(end - start, WORD_LIMIT);
-    *at = find_white(start, limit);
-    return {start, static_cast<std::size_t>(*at - start)};
-}
 
 std::string why_left_out(int error) {
     if (error == ENOENT || error == ENOTDIR) return "";
@@ -76,20 +41,20 @@ LogReader::LogReader()
 
 void LogReader::start(int file, off_t from, off_t end) {
     start_range(file, from, TO_THE_END);
-    place_ = from;
+    offset_ = from;
     end_ = std::max(from, end);
     skipping_ = false;
 }
 
 void LogReader::start_range(int file, off_t from, off_t to) {
     file_ = file;
-    // The byte before tells whether a word begins at the first one.
-    place_ = std::max<off_t>(from - 1, 0);
+    // The byte before the range decides whether a word begins at its first byte.
+    offset_ = std::max<off_t>(from - 1, 0);
     to_ = to;
     end_ = TO_THE_END;
-    held_ = 0;
+    size_ = 0;
     without_white_ = 0;
-    handed_out_ = 0;
+    returned_ = 0;
     skipping_ = from > 0;
     finished_ = from >= to;
     at_end_ = false;
@@ -97,30 +62,30 @@ void LogReader::start_range(int file, off_t from, off_t to) {
 }
 
 bool LogReader::next(std::string_view* piece) {
-    // What is left over is the beginning of one word, shorter than WORD_LIMIT.
-    held_ -= handed_out_;
-    std::memmove(buffer_.get(), buffer_.get() + handed_out_, held_);
-    handed_out_ = 0;
-    while (handed_out_ == 0 && !finished_ && fill()) {
+    // The rest is the beginning of one word, shorter than WORD_LIMIT.
+    size_ -= returned_;
+    std::memmove(buffer_.get(), buffer_.get() + returned_, size_);
+    returned_ = 0;
+    while (returned_ == 0 && !finished_ && fill()) {
         if (skipping_) skip_to_first_word();
-        find_end();
+        find_piece();
     }
-    *piece = {buffer_.get(), handed_out_};
-    return handed_out_ != 0;
+    *piece = {buffer_.get(), returned_};
+    return returned_ != 0;
 }
 
-/// Reads on; false when that fails.
+/// Reads more bytes into the buffer; false if that fails.
 bool LogReader::fill() {
-    without_white_ = held_;
-    const off_t wanted = std::clamp<off_t>(to_ - place_, 0, READ_SIZE);
-    // A word that goes on after the tail may go on for long.
+    without_white_ = size_;
+    const off_t wanted = std::clamp<off_t>(to_ - offset_, 0, READ_SIZE);
+    // A word that continues after the tail may be very long.
     const std::size_t size =
-        place_ > to_ ? READ_SIZE
-                     : std::min(READ_SIZE, static_cast<std::size_t>(wanted) + TAIL_SIZE);
-    const auto until_end = static_cast<std::size_t>(end_ - place_);
+        offset_ > to_ ? READ_SIZE
+                      : std::min(READ_SIZE, static_cast<std::size_t>(wanted) + TAIL_SIZE);
+    const auto until_end = static_cast<std::size_t>(end_ - offset_);
     ssize_t got;
     do {
-        got = pread(file_, buffer_.get() + held_, std::min(size, until_end), place_);
+        got = pread(file_, buffer_.get() + size_, std::min(size, until_end), offset_);
     } while (got == -1 && errno == EINTR);
     if (got == -1) {
         error_ = errno;
@@ -128,49 +93,50 @@ bool LogReader::fill() {
         return false;
     }
     at_end_ = got == 0;
-    held_ += static_cast<std::size_t>(got);
-    place_ += got;
+    size_ += static_cast<std::size_t>(got);
+    offset_ += got;
     return true;
 }
 
-/// Drops what stands before the first white space. When there is none before the end of the range,
-/// no word begins in it.
+/// Drops the bytes before the first white space. If the range contains none, no word begins in it.
 void LogReader::skip_to_first_word() {
     const char* const begin = buffer_.get();
-    const char* const end = begin + held_;
+    const char* const end = begin + size_;
     const char* const first = find_white(begin, end);
-    const off_t place = place_ - (end - first);
+    const off_t next_word_offset = offset_ - (end - first);
     skipping_ = first == end;
-    finished_ = place >= to_ - 1;
-    held_ = finished_ ? 0 : static_cast<std::size_t>(end - first);
+    finished_ = next_word_offset >= to_ - 1;
+    size_ = finished_ ? 0 : static_cast<std::size_t>(end - first);
     without_white_ = 0;
-    std::memmove(buffer_.get(), first, held_);
+    std::memmove(buffer_.get(), first, size_);
 }
 
-/// Finds out how much of what is held can be handed out: up to where the range ends, or else up to
-/// where the words that are known to be whole end. That is after the last white space, or after
-/// the last full piece of a word that is longer than WORD_LIMIT.
-void LogReader::find_end() {
+/// Determines how much of the buffer can be returned: up to the end of the range, else as many
+/// words as are known to be whole. These end after the last white space, or after the last
+/// WORD_LIMIT bytes of a longer word.
+void LogReader::find_piece() {
     const char* const begin = buffer_.get();
     const char* const read = begin + without_white_;
-    const char* const end = begin + held_;
+    const char* const end = begin + size_;
     if (at_end_) {
         finished_ = true;
-        handed_out_ = held_;
+        returned_ = size_;
         return;
     }
-    if (place_ >= to_) {
-        // The last word of the range is the one that its last byte belongs to.
-        const off_t after_last = place_ - (to_ - 1);
+    if (offset_ >= to_) {
+        // The last word of the range is the one that contains its last byte.
+        const off_t after_last = offset_ - (to_ - 1);
         const char* const last = end - std::min<off_t>(after_last, end - read);
         const char* const stop = find_white(last, end);
         if (stop != end) {
             finished_ = true;
-            handed_out_ = static_cast<std::size_t>(stop - begin) + 1;
+            returned_ = static_cast<std::size_t>(stop - begin) + 1;
             return;
         }
     }
     const char* last = after_last_white(read, end);
     if (last == read) last = begin;
-    handed_out_ = held_ - static_cast<std::size_t>(end - last) % WORD_LIMIT;
+    returned_ = size_ - static_cast<std::size_t>(end - last) % WORD_LIMIT;
 }
+
+}  // namespace gatescope

@@ -9,52 +9,36 @@
 #include <string_view>
 
 #include "base/descriptor.h"
+#include "records/words.h"
 
-// Log bytes in, words out. A word is what stands between white space (blank, \t, \n, \v, \f, \r);
-// one that is longer than WORD_LIMIT is read as several. One word is one record.
+namespace gatescope {
 
-inline constexpr std::size_t WORD_LIMIT = std::size_t{64} * 1024;
-
-/// How many bytes may be looked at after the end of a piece that LogReader hands out: vector
-/// code may read, but not believe, what stands there.
-inline constexpr std::size_t READER_MARGIN = 64;
-
-/// Whether `c` separates words.
-constexpr bool is_white(char c) {
-    return c == ' ' || (c >= '\t' && c <= '\r');
-}
-
-/// The first word in [*at, end), and `*at` moved to its end; empty, with `*at` at the end, when
-/// there is none. NUL bytes are part of a word; what counts of a word is its C text.
-std::string_view next_word(const char** at, const char* end);
-
-/// Why a log is left out that could not be opened, by its errno; empty when there is no such file.
+/// The reason, by the errno of an open, why a log is left out; empty if the file does not exist.
 std::string why_left_out(int error);
 
-/// Opens a log for reading. Nothing is open when it cannot be opened or is no regular file; then
-/// `*reason` says why, and is empty when there is no such file at all.
+/// Opens a log for reading. If it cannot be opened or is not a regular file, the descriptor is
+/// closed and `*reason` is set; it is empty if the file does not exist.
 Descriptor open_log(const std::string& path, std::string* reason);
 
-/// Hands out the words of an open file piece by piece, always whole ones. It moves no file
-/// position, so that several may read the same file at the same time.
+/// Reads the words of an open file in pieces of whole words. The file position does not change, so
+/// several threads may read the same file.
 class LogReader {
   public:
     LogReader();
 
-    /// To the end of the file, wherever that is when it is reached.
+    /// As the end of a range: the end of the file at the time when it is reached.
     static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
 
-    /// Starts over with all that stands in `file` from its byte `from` on, as if the file ended
-    /// before its byte `end`. The caller keeps the file open, and closes it.
+    /// Starts with byte `from` of `file`, which is read as if it ended before its byte `end`. The
+    /// caller keeps the file open, and closes it.
     void start(int file, off_t from = 0, off_t end = TO_THE_END);
 
-    /// Starts over with the words that begin at `from` or later and before `to`: ranges that
-    /// follow each other without a gap hand out each word of a file once.
+    /// Starts with the words that begin in the bytes [from, to): adjacent ranges return each word
+    /// of a file once.
     void start_range(int file, off_t from, off_t to);
 
-    /// The next piece, never empty; it is good until the next call. A word that the end of the
-    /// file cuts short is handed out as it stands. False at the end, and when the file cannot be
-    /// read on: then error() says why.
+    /// The next piece, never empty and valid until the next call. The end of the file ends a word.
+    /// False at the end of the range, and if a read fails: then error() is set.
     bool next(std::string_view* piece);
     /// 0, or the errno of the read that failed.
     int error() const { return error_; }
@@ -62,23 +46,24 @@ class LogReader {
   private:
     bool fill();
     void skip_to_first_word();
-    void find_end();
+    void find_piece();
 
     std::unique_ptr<char[]> buffer_;
     int file_ = -1;
-    /// Where the next read starts, where the first word that is not wanted may begin, and where the
-    /// file counts as ended.
-    off_t place_ = 0;
+    /// Offset of the next read, end of the range, and end of what is read of the file.
+    off_t offset_ = 0;
     off_t to_ = TO_THE_END;
     off_t end_ = TO_THE_END;
-    /// The bytes in the buffer, how many of them are known to hold no white space, and how many are
-    /// handed out.
-    std::size_t held_ = 0;
+    /// Number of bytes in the buffer; how many of the first ones are known to contain no white
+    /// space; how many of the first ones were returned as a piece.
+    std::size_t size_ = 0;
     std::size_t without_white_ = 0;
-    std::size_t handed_out_ = 0;
-    /// Whether what is read belongs to a word that began before the range.
+    std::size_t returned_ = 0;
+    /// Whether a word that begins before the range has not ended yet.
     bool skipping_ = false;
     bool finished_ = true;
     bool at_end_ = true;
     int error_ = 0;
 };
+
+}  // namespace gatescope

@@ -14,23 +14,23 @@
 #include "logs/range_tally.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr off_t MEBIBYTE = 1 << 20;
-/// To count less than this takes less time than to start another thread for it.
-constexpr off_t LEAST_A_THREAD = 8 * MEBIBYTE;
+/// Counting fewer bytes takes less time than starting another thread.
+constexpr off_t MIN_BYTES_PER_THREAD = 8 * MEBIBYTE;
 constexpr off_t RANGE_SIZE = 2 * MEBIBYTE;
-constexpr int MOST_THREADS = 16;
+constexpr int MAX_THREADS = 16;
 
-/// As many as the bytes are worth and the processors can carry.
+/// One thread for each MIN_BYTES_PER_THREAD, but no more than processors or MAX_THREADS.
 int threads_for(off_t bytes) {
-    const off_t worth = bytes / LEAST_A_THREAD;
-    if (worth < 2) return 1;
-    return static_cast<int>(std::min<off_t>(worth, std::min(usable_processors(), MOST_THREADS)));
+    const off_t threads = bytes / MIN_BYTES_PER_THREAD;
+    if (threads < 2) return 1;
+    return static_cast<int>(std::min<off_t>(threads, std::min(usable_processors(), MAX_THREADS)));
 }
 
-/// The logs with the sizes that they have now; how one that cannot be opened is dealt with is not
-/// for here.
+/// The logs with their present sizes, 0 for those without a status.
 std::vector<LogToCount> logs_at(const std::vector<std::string>& paths) {
     std::vector<LogToCount> logs;
     for (const std::string& path : paths) {
@@ -40,7 +40,7 @@ std::vector<LogToCount> logs_at(const std::vector<std::string>& paths) {
     return logs;
 }
 
-void name_left_out(const std::vector<LogToCount>& logs, const std::vector<int>& not_opened) {
+void report_left_out(const std::vector<LogToCount>& logs, const std::vector<int>& not_opened) {
     for (std::size_t i = 0; i < logs.size(); ++i) {
         const std::string reason = not_opened[i] == 0 ? "" : why_left_out(not_opened[i]);
         if (reason.empty()) continue;
@@ -62,6 +62,8 @@ RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>&
     if (all.error != 0) {
         gripe(filled(LOG_READ_FAILURE, paths[all.unread].c_str(), std::strerror(all.error)));
     }
-    name_left_out(logs, all.not_opened);
+    report_left_out(logs, all.not_opened);
     return all.tally;
 }
+
+}  // namespace gatescope

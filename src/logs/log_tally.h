@@ -3,10 +3,14 @@
 #include <string>
 #include <vector>
 
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
-/// Counts what `query` asks for in the logs at `paths`, taken together. A log that is not there is
-/// passed over; one that cannot be opened is left out, and named on standard error. Gripes when one
-/// cannot be read on, or cannot be opened for want of a descriptor or of memory: the counts would
-/// be wrong by nobody knows how much.
+namespace gatescope {
+
+/// Counts the records of all logs at `paths` together. Missing logs are skipped; a log that cannot
+/// be opened is left out and named on standard error. Gripes if a log cannot be read to its end, or
+/// cannot be opened for lack of descriptors or memory: the counts would be wrong by an unknown
+/// number.
 RecordTally tally_logs(const RecordQuery& query, const std::vector<std::string>& paths);
+
+}  // namespace gatescope

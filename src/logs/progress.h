@@ -7,27 +7,26 @@
 #include <chrono>
 #include <cstddef>
 
-/// How far a long work has come, as one line on a terminal: bytes done of all, seconds left.
-/// Whoever begins the work makes one and hands it down; whoever does the work tells it of the bytes
-/// that are done. Nothing is drawn before the work has lasted a second, nor where standard error
-/// is no terminal.
-///
-/// The line stays while the work goes on, and is wiped when the Progress goes. Whoever ends the
-/// program, or says something, before that calls wipe first.
+namespace gatescope {
+
+/// The progress of a long task, as one line on a terminal: bytes done, total bytes, seconds left.
+/// The line appears when the task has taken a second, if standard error is a terminal, and is wiped
+/// by the destructor. Code that prints or ends the program before that must call wipe() first.
 class Progress {
   public:
-    /// `total`: the bytes of the whole work, as far as they are known. The rest is for tests.
+    /// `total` is the number of bytes of the task, as far as it is known. Tests set the terminal
+    /// and the delay of the line.
     explicit Progress(off_t total, int terminal = STDERR_FILENO,
-                      std::chrono::milliseconds patience = std::chrono::seconds(1));
+                      std::chrono::milliseconds delay = std::chrono::seconds(1));
     ~Progress() { wipe(); }
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// So many more bytes are done; draws the line when it is time.
+    /// Adds to the bytes done, and draws the line if it is due.
     void advance(off_t bytes);
-    /// The same without drawing: for all threads but the one that began the work.
+    /// Adds without drawing: for threads other than the one that constructed the object.
     void add(off_t bytes) { done_.fetch_add(bytes, std::memory_order_relaxed); }
-    /// Takes the line away until the next one is due.
+    /// Erases the line until the next one is due.
     void wipe();
 
   private:
@@ -40,6 +39,8 @@ class Progress {
     const Clock::time_point begun_;
     Clock::time_point next_;
     std::atomic<off_t> done_ = 0;
-    /// Characters of the line that is there.
+    /// Length of the line on the terminal.
     std::size_t drawn_ = 0;
 };
+
+}  // namespace gatescope

@@ -5,12 +5,14 @@
 
 #include "base/filled.h"
 #include "dialog/messages.h"
+#include "logs/log_files.h"
 #include "logs/log_tally.h"
 #include "messages/log_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Records that lie this much before the query period are worth a warning.
+/// Records so much older than the query period cause a warning.
 constexpr std::int64_t WARNING_DISTANCE = 10 * SECONDS_A_DAY;
 
 std::string day_label(const QueryPeriod& period, int cell) {
@@ -39,12 +41,12 @@ void set_cells(const RecordTally& tally, QueryResult* result) {
     }
 }
 
-/// The largest day cell is that of the earliest record.
+/// The day cell of the earliest record, which is the largest one.
 std::int32_t first_cell(std::int64_t end_of_day_time, std::int64_t earliest) {
     if (earliest > end_of_day_time) return -1;
     constexpr std::int64_t LARGEST = std::numeric_limits<std::int32_t>::max();
-    const bool countable = earliest > end_of_day_time - LARGEST * SECONDS_A_DAY;
-    return static_cast<std::int32_t>(countable ? day_cell(end_of_day_time, earliest) : LARGEST);
+    const bool is_in_range = earliest > end_of_day_time - LARGEST * SECONDS_A_DAY;
+    return static_cast<std::int32_t>(is_in_range ? day_cell(end_of_day_time, earliest) : LARGEST);
 }
 
 void describe_days(QueryResult* result) {
@@ -101,3 +103,5 @@ QueryResult get_query_data(const RecordQuery& query, const std::string& logging_
     result.advice = advice_on(tally, query.period);
     return result;
 }
+
+}  // namespace gatescope

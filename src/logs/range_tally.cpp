@@ -9,10 +9,12 @@
 #include <system_error>
 #include <thread>
 
-#include "base/signals.h"
-#include "logs/canonical_records.h"
+#include "base/signals_held.h"
+#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/canonical_records.h"
 
+namespace gatescope {
 namespace {
 
 struct Range {
@@ -21,7 +23,7 @@ struct Range {
     off_t to;
 };
 
-/// What all threads share.
+/// Shared by all threads.
 struct SharedWork {
     SharedWork(const RecordQuery& asked, const std::vector<LogToCount>& to_count, off_t range_size)
         : query(asked) {
@@ -40,26 +42,26 @@ struct SharedWork {
     std::deque<SharedLog> logs;
     std::vector<Range> ranges;
     std::atomic<std::size_t> next_range = 0;
-    /// Some thread could not have the memory it needed.
+    /// Whether a memory allocation of a thread has failed.
     std::atomic<bool> out_of_memory = false;
 };
 
-/// What one thread has for itself.
+/// The reader and the tally of one thread.
 class Worker {
   public:
-    /// Takes ranges until there are none left; `tell` hears of the bytes that are done.
-    template <class Tell>
-    void run(SharedWork& work, const Tell& tell) {
+    /// Takes ranges until none is left. `report(bytes)` is called for each piece counted.
+    template <class Report>
+    void run(SharedWork& work, const Report& report) {
         for (std::size_t i = work.next_range++; i < work.ranges.size(); i = work.next_range++) {
             const Range& range = work.ranges[i];
             SharedLog& log = work.logs[range.log];
             const int file = log.begin_range();
-            if (file != -1) error_ = count(work.query, file, range, tell);
-            if (file == -1 && is_want(log.error())) error_ = log.error();
+            if (file != -1) error_ = count(work.query, file, range, report);
+            if (file == -1 && is_resource_shortage(log.error())) error_ = log.error();
             log.end_range();
             if (error_ == 0) continue;
             unread_ = range.log;
-            // The others stop too.
+            // Stops the other threads too.
             work.next_range = work.ranges.size();
         }
     }
@@ -79,13 +81,13 @@ class Worker {
     }
 
   private:
-    /// Returns 0, or the errno when it could not be read on.
-    template <class Tell>
-    int count(const CanonicalQuery& query, int file, const Range& range, const Tell& tell) {
+    /// Returns 0, or the errno of a failed read.
+    template <class Report>
+    int count(const CanonicalQuery& query, int file, const Range& range, const Report& report) {
         reader_.start_range(file, range.from, range.to);
         for (std::string_view piece; reader_.next(&piece);) {
             query.count(piece, &tally_);
-            tell(static_cast<off_t>(piece.size()));
+            report(static_cast<off_t>(piece.size()));
         }
         return reader_.error();
     }
@@ -96,12 +98,12 @@ class Worker {
     int error_ = 0;
 };
 
-/// Starts a thread for each of the workers but the first, or for as many as can be had.
-std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& workers,
-                                  SharedWork* work, Progress* progress) {
+/// Starts a thread for each worker but the first, as far as the system permits.
+std::vector<std::jthread> start_threads(const std::vector<std::unique_ptr<Worker>>& workers,
+                                        SharedWork* work, Progress* progress) {
     std::vector<std::jthread> threads;
     threads.reserve(workers.size());
-    // A thread begins with the signals held back that its maker holds back.
+    // New threads inherit the signal mask.
     const SignalsHeld held;
     try {
         for (std::size_t i = 1; i < workers.size(); ++i) {
@@ -114,7 +116,7 @@ std::vector<std::jthread> started(const std::vector<std::unique_ptr<Worker>>& wo
             });
         }
     } catch (const std::system_error&) {
-        // Those that are there do it all.
+        // The threads started so far do all the work.
     }
     return threads;
 }
@@ -128,7 +130,7 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     workers.reserve(static_cast<std::size_t>(threads));
     for (int i = 0; i < threads; ++i) workers.push_back(std::make_unique<Worker>());
     {
-        const std::vector<std::jthread> others = started(workers, &work, progress);
+        const std::vector<std::jthread> others = start_threads(workers, &work, progress);
         workers.front()->run(work, [progress](off_t bytes) { progress->advance(bytes); });
     }
     if (work.out_of_memory) throw std::bad_alloc();
@@ -137,3 +139,5 @@ RangeTally tally_ranges(const RecordQuery& query, const std::vector<LogToCount>&
     for (const auto& worker : workers) worker->add_to(&all);
     return all;
 }
+
+}  // namespace gatescope

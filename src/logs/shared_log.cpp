@@ -6,6 +6,8 @@
 
 #include "base/files.h"
 
+namespace gatescope {
+
 int SharedLog::begin_range() {
     const std::lock_guard lock(mutex_);
     if (!tried_) {
@@ -26,6 +28,8 @@ int SharedLog::error() {
     return error_;
 }
 
-bool is_want(int error) {
+bool is_resource_shortage(int error) {
     return error == EMFILE || error == ENFILE || error == ENOMEM;
 }
+
+}  // namespace gatescope

@@ -7,19 +7,21 @@
 
 #include "base/descriptor.h"
 
-/// A log that several threads read by ranges. It is open from its first range to its last: all of
-/// them are read from the same file, whatever takes its name meanwhile, and of many logs few are
-/// open at the same time.
+namespace gatescope {
+
+/// A log that several threads read by ranges. It is open from its first range to its last: all
+/// ranges are read from the same file, even if its name is given to another one, and only a few of
+/// many logs are open at the same time.
 class SharedLog {
   public:
     SharedLog(std::string path, std::size_t ranges)
         : path_(std::move(path)), ranges_left_(ranges) {}
 
-    /// The open file; -1 when it could not be opened. Each range is begun once and ended once.
+    /// The open file; -1 if it could not be opened. Each range is begun once and ended once.
     int begin_range();
     void end_range();
 
-    /// Why it could not be opened, an errno; 0 when it was.
+    /// The errno with which it could not be opened; 0 if it was.
     int error();
 
   private:
@@ -31,6 +33,8 @@ class SharedLog {
     int error_ = 0;
 };
 
-/// Whether a call failed for want of something that the process or the machine has no more of: that
-/// says nothing of the file.
-bool is_want(int error);
+/// Whether an errno means that the process or the system lacks descriptors or memory, which is no
+/// fault of the file.
+bool is_resource_shortage(int error);
+
+}  // namespace gatescope

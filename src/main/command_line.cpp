@@ -21,9 +21,10 @@
 #include "messages/identity.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
-/// One argument: the whole of it, as messages show it, and what stands after the '='.
+/// A parameter: the whole argument, for messages, and its value after the '='.
 struct Argument {
     const std::string& whole;
     std::string value;
@@ -40,25 +41,24 @@ constexpr int ALL_NUMBERS = -1;
 
 [[noreturn]] void show_kudos() {
     advise(filled(KUDOS, SELF));
-    clean_exit(STATUS_OF_A_WISHED_END);
+    clean_exit(STATUS_SUCCESS);
 }
 
-[[noreturn]] void say_nothing() {
-    clean_exit(STATUS_OF_A_WISHED_END);
+[[noreturn]] void exit_silently() {
+    clean_exit(STATUS_SUCCESS);
 }
 
 struct SoleOption {
     const char* word;
-    void (*obey)();
+    void (*run)();
 };
-constexpr std::array<SoleOption, 5> SOLE_OPTIONS = {{{ARG_IDENTIFY, say_nothing},
+constexpr std::array<SoleOption, 5> SOLE_OPTIONS = {{{ARG_IDENTIFY, exit_silently},
                                                      {ARG_VER, show_about},
                                                      {ARG_KUDOS, show_kudos},
                                                      {ARG_GENERAL_TEST, general_test},
                                                      {ARG_HELP, show_usage}}};
 
-/// The number at the start of `value`; 0 when it begins with anything but a digit or is above
-/// `limit`.
+/// The number at the start of `value`; 0 when it does not begin with a digit or is above `limit`.
 int number_up_to(const std::string& value, int limit) {
     if (value.find_first_of(DIGITS) != 0) return 0;
     const long long number = leading_number(value.c_str());
@@ -84,7 +84,8 @@ void take_bit(const Argument& argument, Options* options) {
     options->selected_bit = ALL_NUMBERS;
     if (argument.value == EVERYTHING) return;
     if (argument.value.front() == '*') gripe(filled(ERROR_43, whole, HIGHEST_BIT));
-    if (!holds_only(argument.value.c_str(), DIGITS)) gripe(filled(ERROR_43b, whole, HIGHEST_BIT));
+    if (!holds_only(argument.value.c_str(), DIGITS))
+        gripe(filled(ERROR_43_NOT_A_NUMBER, whole, HIGHEST_BIT));
     const long long bit = leading_number(argument.value.c_str());
     if (bit > HIGHEST_BIT) gripe(filled(ERROR_43, whole, HIGHEST_BIT));
     options->selected_bit = static_cast<int>(bit);
@@ -135,21 +136,21 @@ void take_file(const Argument& argument, Options* options) {
     if (file != -1) close(file);
 }
 
-/// A file that could not be read may be named again, so F= keeps its own flag.
+/// F= sets its flag only for a readable file, so that another one may follow an unreadable one.
 constexpr bool Options::*SETS_ITS_OWN_FLAG = nullptr;
 
 struct Parameter {
     char letter;
-    /// Set already: the parameter is a duplicate.
+    /// When it is set, the parameter is a duplicate.
     bool Options::*duplicate_flag;
-    /// Set when the parameter has been taken.
+    /// Is set after `take`.
     bool Options::*taken_flag;
-    /// A duplicate is reported in the words of a bad bit.
+    /// Whether a duplicate is reported as ERROR_43.
     bool duplicate_is_bit_fault;
     void (*take)(const Argument&, Options*);
 };
-// R= has always set D='s flag: a second R= is accepted, and a D= after an R= is a duplicate.
-// Scheduled jobs are written with that in mind.
+// R= sets D='s flag, and scheduled jobs depend on it: a second R= is accepted, and a D= after an R=
+// is a duplicate.
 constexpr std::array<Parameter, 9> PARAMETERS = {{
     {'A', &Options::action_selected, &Options::action_selected, false, take_action},
     {'B', &Options::bit_selected, &Options::bit_selected, true, take_bit},
@@ -169,8 +170,8 @@ constexpr bool is_known_argument(std::string_view spelling) {
                        [=](const KnownArgument& row) { return row.spelling == spelling; });
 }
 
-/// The manual and the completion are made from KNOWN_ARGUMENTS, so it has to hold what is parsed
-/// here, and nothing else.
+/// Whether KNOWN_ARGUMENTS, the source of the manual and the completion, has exactly the arguments
+/// that are parsed here.
 constexpr bool all_arguments_are_known() {
     const bool parameters =
         std::all_of(PARAMETERS.begin(), PARAMETERS.end(), [](const Parameter& parameter) {
@@ -195,7 +196,7 @@ void refuse_duplicate(const Parameter& parameter, const Options& options) {
     gripe(filled(ERROR_39, parameter.letter));
 }
 
-/// The spellings that an operator may type, of parameters or of words, as a sentence lists them.
+/// The spellings of all parameters, or of all words, for operators: "a, b and c".
 std::string spellings(bool of_parameters) {
     std::string list;
     std::string last;
@@ -210,7 +211,7 @@ std::string spellings(bool of_parameters) {
 
 [[noreturn]] void refuse_unknown(const std::string& argument) {
     if (argument.starts_with('-')) {
-        note(filled(ARGUMENTS_THERE_ARE, spellings(false).c_str(), spellings(true).c_str(), SELF));
+        note(filled(VALID_ARGUMENTS, spellings(false).c_str(), spellings(true).c_str(), SELF));
     }
     gripe(filled(ERROR_46, argument.c_str()));
 }
@@ -229,10 +230,10 @@ void take_parameter(const std::string& argument, Options* options) {
 
 }  // namespace
 
-void obey_sole_option(const std::vector<std::string>& arguments) {
+void run_sole_option(const std::vector<std::string>& arguments) {
     if (arguments.size() != 1) return;
-    for (const auto& [word, obey] : SOLE_OPTIONS) {
-        if (arguments.front() == word) obey();
+    for (const auto& [word, run] : SOLE_OPTIONS) {
+        if (arguments.front() == word) run();
     }
 }
 
@@ -253,3 +254,5 @@ Options parse_arguments(std::vector<std::string> arguments) {
     }
     return options;
 }
+
+}  // namespace gatescope

@@ -5,10 +5,13 @@
 
 #include "queries/options.h"
 
-/// Acts on the options that make sense only as the sole argument (-ver, -help, ...); each of them
-/// ends the process. `arguments` do not include the program's name.
-void obey_sole_option(const std::vector<std::string>& arguments);
+namespace gatescope {
 
-/// Checks every argument, in order, and returns what they ask for. The first fault ends the process
-/// through gripe, and nothing is done.
+/// Runs an option that is valid as the only argument (-ver, -help, ...) and ends the process.
+/// `arguments` do not include the program's name.
+void run_sole_option(const std::vector<std::string>& arguments);
+
+/// Parses all arguments in order. Gripes about the first invalid one.
 Options parse_arguments(std::vector<std::string> arguments);
+
+}  // namespace gatescope

@@ -15,16 +15,18 @@
 #include "messages/command_line_texts.h"
 #include "messages/environment.h"
 
+namespace gatescope {
 namespace {
 
-/// Takes the gatebits file that the environment names; false when it names none that opens.
+/// Takes the gatebits file named by the environment; false when there is none or it cannot be
+/// opened.
 bool take_file_from_environment(const char* named, std::string* file) {
     if (named == nullptr) return false;
     *file = named;
     return static_cast<bool>(Descriptor(open(named, O_RDONLY | O_NONBLOCK | O_CLOEXEC)));
 }
 
-/// Why there is no gatebits file yet, and the question what to do about it.
+/// The reason why there is no gatebits file yet, and the question whether to create one.
 std::string gatebits_question(const Options& options, const char* from_environment) {
     if (options.selected_file) return filled(WARN_01, options.selected_file->c_str(), WARN_00);
     if (from_environment != nullptr) {
@@ -34,14 +36,16 @@ std::string gatebits_question(const Options& options, const char* from_environme
 }
 
 void make_new_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 26), options) || !A_26(options, region)) {
-        clean_exit(STATUS_WITHOUT_MEANS);
+    if (refuse_during_install(*request_numbered(RequestKind::ACTION, 26), options) ||
+        !A_26(options, region)) {
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
 
 void open_existing_gatebits_file(const Options& options, RegionInUse& region) {
-    if (refused(*request_numbered(RequestKind::ACTION, 25), options) || !A_25(region.settings)) {
-        clean_exit(STATUS_WITHOUT_MEANS);
+    if (refuse_during_install(*request_numbered(RequestKind::ACTION, 25), options) ||
+        !A_25(region.settings)) {
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
 }
 
@@ -55,13 +59,15 @@ void choose_gatebits_file(const Options& options, RegionInUse& region) {
     if (take_file_from_environment(named, &file)) return;
     const Answer answer = ask(gatebits_question(options, named));
     file.clear();
-    if (answer == YES) {
+    if (answer == Answer::YES) {
         make_new_gatebits_file(options, region);
-    } else if (answer == NO) {
+    } else if (answer == Answer::NO) {
         open_existing_gatebits_file(options, region);
     } else {
-        clean_exit(STATUS_WITHOUT_MEANS);
+        clean_exit(STATUS_MISSING_PREREQUISITE);
     }
-    // Asked once more, but whatever the answer, start-up goes on.
+    // Start-up goes on after any answer.
     if (file.empty()) ask(RETRY_GATEBITS_FILE);
 }
+
+}  // namespace gatescope

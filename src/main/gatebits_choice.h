@@ -3,7 +3,11 @@
 #include "policy/region.h"
 #include "queries/options.h"
 
-/// Settles which gatebits file is in use: the readable one that the arguments named, the
-/// environment's, or a new or another one as the operator answers. Ends the process with
-/// STATUS_WITHOUT_MEANS when the operator gives up.
+namespace gatescope {
+
+/// Chooses the gatebits file: the one in the arguments, if readable, else the environment's, else a
+/// new or existing one by a question. Ends the process with STATUS_MISSING_PREREQUISITE when the
+/// operator aborts.
 void choose_gatebits_file(const Options& options, RegionInUse& region);
+
+}  // namespace gatescope

@@ -23,6 +23,7 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
 int run(const std::vector<std::string>& words) {
@@ -31,7 +32,7 @@ int run(const std::vector<std::string>& words) {
     std::srand(static_cast<unsigned>(getpid()));
     verify_set_tempdir();
 
-    obey_sole_option(arguments);
+    run_sole_option(arguments);
     const Options options = parse_arguments(arguments);
     RegionInUse region;
     region.settings.tools.EMERGENCY_CHECKER = emergency_checker(words.empty() ? "" : words.front());
@@ -45,17 +46,19 @@ int run(const std::vector<std::string>& words) {
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argument_count, char** argument_vector) {
+    using namespace gatescope;
     if (const int error = open_missing_standard_streams()) {
         note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
-        return STATUS_OF_AN_ERROR;
+        return STATUS_ERROR;
     }
-    end_in_order_on_signals();
-    end_in_order_without_memory();
+    install_signal_cleanup();
+    install_out_of_memory_handlers();
     try {
         return run({argument_vector, argument_vector + argument_count});
     } catch (const std::bad_alloc&) {
-        end_without_memory();
+        gripe_out_of_memory();
     }
 }

@@ -11,9 +11,10 @@
 #include "dialog/prompts.h"
 #include "messages/command_line_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// The request of the command line; null when it named none. A number without a request is a fault.
+/// The request of the command line, or null. Gripes when its number has no request.
 const Request* request_from_command_line(const Options& options) {
     if (!options.query_selected && !options.action_selected) return nullptr;
     const Request* request = options.query_selected
@@ -23,7 +24,8 @@ const Request* request_from_command_line(const Options& options) {
     return request;
 }
 
-/// Shows the menu that is due once; nothing when the submenu was left, and the main menu is due.
+/// Shows the menu of `*chapter` once. The pick; nothing, with the main menu next, when the submenu
+/// was cancelled.
 std::optional<std::string> show_menu(bool during_install, const RegionInUse& region, int* chapter) {
     const std::string& name = region.settings.ENTERPRIZE_NAME;
     const bool main_menu = *chapter == MAIN_MENU;
@@ -32,16 +34,17 @@ std::optional<std::string> show_menu(bool during_install, const RegionInUse& reg
                                            main_menu_entries(region.GATEWARDEN_IS), SINGLE_CHOICE)
                           : make_selection(submenu_title(name, during_install),
                                            submenu_entries(during_install), SINGLE_CHOICE);
-    if (!pick && (main_menu || during_install)) clean_exit(STATUS_OF_A_WISHED_END);
+    if (!pick && (main_menu || during_install)) clean_exit(STATUS_SUCCESS);
     if (!pick) *chapter = MAIN_MENU;
     return pick;
 }
 
-/// What the operator picks; null when there is no such request. `*chapter` is the menu that is due.
+/// The request that the operator picks; null when the pick names none. `*chapter` is the menu
+/// shown.
 const Request* request_from_menu(bool during_install, const RegionInUse& region, int* chapter) {
     while (true) {
         // The installer has no main menu.
-        if (*chapter == MAIN_MENU && during_install) clean_exit(STATUS_OF_A_WISHED_END);
+        if (*chapter == MAIN_MENU && during_install) clean_exit(STATUS_SUCCESS);
         const auto pick = show_menu(during_install, region, chapter);
         if (pick && !pick->empty() && !is_separator(*pick)) return request_labelled(*pick);
     }
@@ -62,5 +65,7 @@ int run_requests(const Options& options, RegionInUse& region) {
             chapter = request->execute(options, region).next_menu.value_or(chapter);
         }
     } while (!options.runs_once());
-    return STATUS_OF_ONE_REQUEST;
+    return STATUS_SINGLE_REQUEST;
 }
+
+}  // namespace gatescope

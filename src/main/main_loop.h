@@ -3,7 +3,11 @@
 #include "policy/region.h"
 #include "queries/options.h"
 
-/// Runs the operator's requests: the one that the command line named first, then what is picked
-/// from the menus. Returns when the repeat flag says so, with STATUS_OF_ONE_REQUEST. A cancelled
-/// main menu ends the process.
+namespace gatescope {
+
+/// Runs the request of the command line first, if any, then the picks from the menus. Without
+/// repetition it returns STATUS_SINGLE_REQUEST after one request. A cancelled main menu ends the
+/// process.
 int run_requests(const Options& options, RegionInUse& region);
+
+}  // namespace gatescope

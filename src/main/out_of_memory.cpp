@@ -12,40 +12,41 @@
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Needs no memory.
-[[noreturn]] void end_with_the_text_alone() {
+/// Allocates no memory.
+[[noreturn]] void end_with_text() {
     unlink_temporary_files();
-    [[maybe_unused]] const ssize_t said = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
-    _exit(STATUS_OF_AN_ERROR);
+    [[maybe_unused]] const ssize_t size = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
+    _exit(STATUS_ERROR);
 }
 
-/// An exception that meets a library's noexcept function ends in the terminate handler, which
-/// cannot see what was thrown; so a lack of memory is remembered here. It is the process's, as its
-/// memory is.
-std::atomic<bool> has_lacked_memory = false;
+/// For the terminate handler, which cannot tell why an exception that left a library's noexcept
+/// function was thrown. Global, because handlers take no arguments.
+std::atomic<bool> allocation_failed = false;
 
-void lack_memory() {
-    has_lacked_memory = true;
+void handle_failed_allocation() {
+    allocation_failed = true;
     throw std::bad_alloc();
 }
 
-[[noreturn]] void terminated() {
-    if (has_lacked_memory) end_with_the_text_alone();
+[[noreturn]] void handle_terminate() {
+    if (allocation_failed) end_with_text();
     std::abort();
 }
 
 }  // namespace
 
-void end_in_order_without_memory() {
-    std::set_new_handler(lack_memory);
-    std::set_terminate(terminated);
+void install_out_of_memory_handlers() {
+    std::set_new_handler(handle_failed_allocation);
+    std::set_terminate(handle_terminate);
 }
 
-void end_without_memory() {
-    // Unwinding has freed memory by now. The files that tell others of work going on are removed
-    // too, as when a signal ends the program.
+void gripe_out_of_memory() {
+    // Unwinding has freed memory. Unlike clean_exit this also removes the files for signals.
     unlink_temporary_files();
     gripe(NO_MEMORY);
 }
+
+}  // namespace gatescope

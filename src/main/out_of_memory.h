@@ -1,8 +1,13 @@
 #pragma once
 
-/// From now on an std::bad_alloc that nobody can catch (thrown where nothing may be) ends the
-/// program with STATUS_OF_AN_ERROR and a text on standard error, and leaves no temporary file.
-void end_in_order_without_memory();
+namespace gatescope {
 
-/// Ends the program with the error text and STATUS_OF_AN_ERROR, after an std::bad_alloc was caught.
-[[noreturn]] void end_without_memory();
+/// Installs handlers: a std::bad_alloc that cannot be caught, because it leaves a noexcept
+/// function, ends the program with STATUS_ERROR and a text on standard error, and removes temporary
+/// files.
+void install_out_of_memory_handlers();
+
+/// Gripes about a caught std::bad_alloc and ends the program.
+[[noreturn]] void gripe_out_of_memory();
+
+}  // namespace gatescope

@@ -15,18 +15,19 @@
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Where the directory for temporary files may come from: the variable's name is read in lower
-/// case, but the messages spell it in upper case.
+/// Variables with the directory for temporary files: in lower case for getenv, in upper case for
+/// messages.
 struct TempDirSource {
     const char* variable;
     const char* spelled;
 };
 constexpr std::array<TempDirSource, 2> TEMP_DIR_SOURCES = {{{ENV_TMP, "TMP"}, {ENV_TEMP, "TEMP"}}};
 
-/// Names of variables as the negated codes of their characters. They are read one by one while the
-/// program runs, so that no compiler puts them together, and no search for text finds them.
+/// Names of variables as negated character codes, so that the program file does not contain them as
+/// text. They are read one by one at run time, so that the compiler cannot join them.
 using HiddenCode = const int;
 HiddenCode KIND_OF_VIEW[] = {-'C', -'L', -'E', -'A', -'R', -'C', -'A', -'S', -'E', -'_',
                              -'V', -'I', -'E', -'W', -'_', -'K', -'I', -'N', -'D'};
@@ -42,7 +43,8 @@ const char* hidden_variable(HiddenCode (&codes)[SIZE]) {
     return std::getenv(hidden_e_var_name.c_str());
 }
 
-void look_at_the_client(Operator* who) {
+/// Sets what kind of client the operator uses.
+void detect_client(Operator* who) {
     const char* view_kind = hidden_variable(KIND_OF_VIEW);
     const std::string kind = view_kind != nullptr ? view_kind : "";
     who->ZUL_SNAPSHOT_USER = kind.find("snapshot") != std::string::npos;
@@ -72,7 +74,7 @@ Operator clean_start() {
     Operator who = {._CALCULATED_USER = *user};
     const char* no_gui = std::getenv(ENV_PREFER_NO_GUI);
     ZUL_PREFER_GUI = no_gui == nullptr || strcasecmp(no_gui, "yes") != 0;
-    look_at_the_client(&who);
+    detect_client(&who);
     ZUL_REMOTE_CLIENT_USER = who.REAL_ZUL_REMOTE_CLIENT_USER;
     return who;
 }
@@ -90,3 +92,5 @@ void verify_set_tempdir() {
     if (temp_dir_is_writable()) return;
     gripe(filled(ERROR_USING_SLASH_TMP, SELF, PLEASE_SET_TMP_OR_TEMP), errno);
 }
+
+}  // namespace gatescope

@@ -2,25 +2,27 @@
 
 #include <string>
 
-// Who the operator is, where temporary files go and how dialogs are shown: settled once, before
-// any argument is looked at.
+namespace gatescope {
 
-/// The operator, and what kind of client they are on. All that this program makes of the client is
-/// ZUL_REMOTE_CLIENT_USER: whether messages wait.
+// Start-up before the arguments are parsed: the operator, the way of dialogs, and the directory for
+// temporary files.
+
+/// The operator and their client. Of the client only ZUL_REMOTE_CLIENT_USER is used.
 struct Operator {
-    /// The login name, lower-cased, without a domain.
+    /// The login name in lower case, without a domain.
     std::string _CALCULATED_USER;
-    /// Working in a snapshot view; in the web client; in it or another remote client.
+    /// In a snapshot view; in the web client; in the web client or another remote client.
     bool ZUL_SNAPSHOT_USER = false;
     bool REAL_ZUL_WEB_USER = false;
     bool REAL_ZUL_REMOTE_CLIENT_USER = false;
 };
 
-/// Finds out who the operator is, and settles how to talk to them. Gripes when no user can be
-/// found.
+/// Determines the operator, and sets ZUL_PREFER_GUI and ZUL_REMOTE_CLIENT_USER. Gripes when no user
+/// is found.
 Operator clean_start();
 
-/// Settles the process id and the directory for temporary files ("tmp", else "temp", else /tmp);
-/// gripes when that directory is not writable. The first of the variables that is set decides, even
-/// when its directory is of no use.
+/// Sets GLOBAL_PID_STRING and TEMP_DIR: the variable "tmp" if set, else "temp", else /tmp. Gripes
+/// when that directory is not writable.
 void verify_set_tempdir();
+
+}  // namespace gatescope

@@ -1,9 +1,11 @@
 #pragma once
 
-// Texts of the configuration actions. Those with a backslash and an n as two characters rely on
-// the dialog to turn them into line breaks. Slips of wording are known to scripts and stay.
+namespace gatescope {
 
-// The guarded dispatcher and the installer's refusals.
+// Texts of the configuration actions. The dialog turns a backslash and an n, as two characters,
+// into a line break. Scripts look for the texts, so their misspellings stay.
+
+// Guarded actions, and actions refused during an installation.
 
 inline constexpr char AX_MSG[] =
     "That change would introduced an error in the gatebits file.  Please reenter the value.";
@@ -16,7 +18,7 @@ inline constexpr char NOT_DURING_INSTALL[] =
 inline constexpr char NO_LABEL_DURING_INSTALL[] =
     "This Action is not available during the installation process...";
 
-// Changes that were confirmed and not made.
+// Changes that were confirmed but not made.
 
 /// File.
 inline constexpr char CHANGED_BY_ANOTHER[] =
@@ -61,7 +63,7 @@ inline constexpr char MOTD_EXAMPLE[] = "Any String not containing ';' or empty";
 inline constexpr char LOGGING_TITLE[] = "Select a Region Logging Personality...  Currently = %s";
 inline constexpr char PER_VOB_TITLE[] = "Select Per-VOB Functionality Bits.  Currently = %s";
 inline constexpr char BITS_TITLE[] = "Current bit state: (%s)";
-/// What the titles show for an empty field: the letter O, and the digit 0.
+/// The titles' values of an empty field: the letter O, and the digit 0.
 inline constexpr char LOGGING_WHEN_EMPTY[] = "O";
 inline constexpr char PER_VOB_WHEN_EMPTY[] = "0";
 inline constexpr char LOGGING_CHOICES[] =
@@ -84,7 +86,7 @@ inline constexpr char LOGGING_FIELD_NAME[] = "Region Logging Personality";
 inline constexpr char PER_VOB_FIELD_NAME[] = "Region Per-VOB Functionality Bits Personality";
 inline constexpr char BITS_FIELD_NAME[] = "Functionality Bits";
 
-/// What needs a depot first, as the questions below name it, and the way back to it.
+/// The entries that need a depot first, and what leads back to their prompts.
 inline constexpr char PARENT_ENTRY[] = "Parent Gatebits File";
 inline constexpr char NOTIFY_ENTRY[] = "Region Notify Program";
 inline constexpr char BACK_TO_PARENT[] = "OK, back to Parent Gatebits File\\n";
@@ -138,7 +140,7 @@ inline constexpr char INTERNAL_ERROR_A_20[] = "Internal error A_20";
 
 // Command keys.
 
-/// The three texts that the editions word differently.
+/// The three texts that differ between the editions.
 struct KeyTexts {
     const char* none;
     const char* title;
@@ -148,7 +150,7 @@ inline constexpr KeyTexts FULL_KEY_TEXTS = {"There are no commands keys to view.
                                             "Select one key to view/change/delete:", "Command Key"};
 inline constexpr KeyTexts LITE_KEY_TEXTS = {"There are no CPDS to view...",
                                             "Select one CPD to view/change/delete:", "CPD"};
-/// On standard error. Keys that the list leaves out, keys of the file, file.
+/// On standard error. Number of keys left out of the list, keys of the file, file.
 inline constexpr char KEYS_NOT_OFFERED[] =
     "%zu of %zu keys in (%s) are not offered: a line after the 127th significant one cannot be "
     "addressed.";
@@ -165,7 +167,7 @@ inline constexpr char NEW_KEY_PROMPT[] =
 inline constexpr char KEY_FIELD_NAME[] = "Command Key %03d...";
 inline constexpr char KEY_TEMPLATE_TITLE[] = "Select a key use as a template or none for default:";
 inline constexpr char DEFAULT_KEY[] = "pre_checkin;R; ;0;0;0;D; ;N; ;0;;;;;0;E;;;";
-/// What a new key's confirmation shows before the "=".
+/// The text before the "=" in a new key's confirmation.
 inline constexpr char NEW_KEY_WORD[] = "Key";
 inline constexpr char INTERNAL_ERROR_A_21[] = "Internal error A_21";
 inline constexpr char INTERNAL_ERROR_A_22[] = "Internal error A_22";
@@ -205,3 +207,5 @@ inline constexpr char SETTING_ENTRY[] = "%02d %s%s";
 /// Prefix of the setting's line.
 inline constexpr char SETTING_PROMPT[] = "Change the value of %s ...";
 inline constexpr char INTERNAL_ERROR_A_24[] = "Internal error in A_24";
+
+}  // namespace gatescope

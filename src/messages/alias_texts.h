@@ -1,7 +1,9 @@
 #pragma once
 
-// Texts around aliases: faults of alias lines, and what a change did to the references. A
-// reference is shown as "~name " with its blank, so no blank stands before the word alias.
+namespace gatescope {
+
+// Texts of aliases: faults of alias lines, and what a change did to the references. A reference is
+// shown as "~name " with its blank, so no blank precedes the word alias.
 
 /// Limit, line.
 inline constexpr char TOO_MANY_ALIASES[] =
@@ -19,11 +21,11 @@ inline constexpr char ALIAS_NAME_DUPLICATE[] =
 inline constexpr char ALIAS_VALUE_TOO_LONG[] =
     "ERROR: read alias value exceeds %d characters: %s\n";
 
-/// Openings of the reports of a removed and of a changed definition; name.
+/// First lines of the reports of a removed and of a changed definition; name.
 inline constexpr char DEFINITION_REMOVED[] = "The alias definition for ( %s ) was removed..\n\n";
 inline constexpr char DEFINITION_CHANGED[] = "The alias definition for ~%s was changed..\n\n";
 
-/// What a report says of the references, by their number. A tail of null: nothing is said.
+/// The report on the references, by their number; no report when the tail is null.
 struct ReferenceTexts {
     const char* lead;
     const char* adjective;
@@ -44,3 +46,5 @@ inline constexpr ReferenceTexts REFERENCES_REMOVED = {
     "alias references were found and removed."};
 inline constexpr ReferenceTexts REFERENCES_EFFECTED = {
     "", "current ", nullptr, "alias reference was effected.", "alias references were effected."};
+
+}  // namespace gatescope

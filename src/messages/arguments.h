@@ -5,12 +5,14 @@
 
 #include "messages/command_line_texts.h"
 
+namespace gatescope {
+
 enum class ArgumentKind {
-    /// A word that stands alone on the command line.
+    /// A word that must be the only argument.
     OPTION,
-    /// A word that stands among the others.
+    /// A word that may accompany other arguments.
     SWITCH,
-    /// A letter with its value.
+    /// A letter with a value.
     PARAMETER
 };
 
@@ -18,14 +20,14 @@ struct KnownArgument {
     /// An option's word, or a parameter's letter with its '='.
     std::string_view spelling;
     ArgumentKind kind;
-    /// For Gatewarden's installer: documented, but not offered to an operator who is typing.
+    /// For Gatewarden's installer: documented, but not offered by completion.
     bool for_installer;
-    /// What it does, in some words.
+    /// A short description.
     std::string_view meaning;
 };
 
-/// Every argument that the command line takes. The parser, the manual and the completion are held
-/// against this table.
+/// All arguments of the command line. The parser, the manual and the completion are checked against
+/// this table.
 inline constexpr std::array<KnownArgument, 16> KNOWN_ARGUMENTS = {{
     {ARG_VER, ArgumentKind::OPTION, false, "show the version"},
     {ARG_HELP, ArgumentKind::OPTION, false, "show the usage"},
@@ -44,3 +46,5 @@ inline constexpr std::array<KnownArgument, 16> KNOWN_ARGUMENTS = {{
     {"D=", ArgumentKind::PARAMETER, false, "show the page in a browser"},
     {"R=", ArgumentKind::PARAMETER, false, "come back with the menu"},
 }};
+
+}  // namespace gatescope

@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace gatescope {
+
 /// The largest number of a functionality bit.
 inline constexpr int HIGHEST_BIT = 23;
 
@@ -32,3 +34,5 @@ inline constexpr std::array<const char*, HIGHEST_BIT + 1> GATEWARDEN_BITS_DESC =
     "BIT__WARN_LOST_AND_FOUND",
     "BIT__OWN_LIKE_PARENT_DIR",
     "BIT__FORCE_CHECKOUTS_UNRESERVED"};
+
+}  // namespace gatescope

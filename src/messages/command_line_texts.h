@@ -1,6 +1,8 @@
 #pragma once
 
-// Texts of the command line and of the question which gatebits file to use.
+namespace gatescope {
+
+// Texts of the command line and of the choice of the gatebits file.
 
 inline constexpr char ARG_VER[] = "-ver";
 inline constexpr char ARG_HELP[] = "-help";
@@ -47,7 +49,7 @@ inline constexpr char USAGE[] =
 
 /// The argument's letter.
 inline constexpr char ERROR_39[] = "ERROR: Duplicate parameter '%c' defined.";
-/// The whole argument, here and in every error below; then the limit where there is one.
+/// The whole argument, here and in every error below; then the limit, if any.
 inline constexpr char ERROR_40[] = "ERROR: Incomplete parameter '%s' defined.";
 inline constexpr char ERROR_41[] =
     "ERROR: Query parameter (%s) invalid.  Query parameter must be between 1 and %d inclusive.";
@@ -57,7 +59,7 @@ inline constexpr char ERROR_42[] =
 inline constexpr char ERROR_43[] =
     "ERROR: Bit parameter (%s) invalid.  Bit parameter must be between 0 and %d inclusive or "
     "'*' for all.";
-inline constexpr char ERROR_43b[] =
+inline constexpr char ERROR_43_NOT_A_NUMBER[] =
     "ERROR: Bit parameter (%s) invalid.  Bit value contains illegal characters.  Bit parameter "
     "must be between 0 and %d inclusive or '*' for all.";
 inline constexpr char ERROR_44[] =
@@ -73,8 +75,8 @@ inline constexpr char ERROR_48[] =
 inline constexpr char ERROR_49[] =
     "ERROR: Repeat parameter (%s) invalid.  Repeat must be set to 'y' or 'n'. Default is 'y'";
 
-/// For standard error: the options, the parameters, the program.
-inline constexpr char ARGUMENTS_THERE_ARE[] = "the options are %s, the parameters %s; see %s(1)";
+/// On standard error: the options, the parameters, the program.
+inline constexpr char VALID_ARGUMENTS[] = "the options are %s, the parameters %s; see %s(1)";
 
 inline constexpr char WARN_00[] =
     "\n\nDo you wish to Create a New gatebits file or open an existing one? \n\n"
@@ -95,5 +97,7 @@ inline constexpr char RETRY_GATEBITS_FILE[] =
     "Retry: Do you wish to Create a New gatebits file or open an existing one? \n\n"
     "New (Yes) Existing (No)?";
 
-/// The menus or the command line named a request that no table holds.
+/// The menus or the command line named a request that is not in the table.
 inline constexpr char INCOMPLETE_QUERY_CODING[] = "incomplete query coding in gatescope:main";
+
+}  // namespace gatescope

@@ -3,8 +3,10 @@
 #include <array>
 #include <string_view>
 
-/// The triggerable ClearCase commands. A command's number in the log records is its place in
-/// this table, counted from 1, so the order must never change.
+namespace gatescope {
+
+/// The triggerable ClearCase commands. The log records number them from 1 in this order, so it must
+/// not change.
 inline constexpr std::array<std::string_view, 54> TRIGGERABLE_COMMANDS = {
     "chbl",          "checkin",
     "checkout",      "chevent",
@@ -33,3 +35,5 @@ inline constexpr std::array<std::string_view, 54> TRIGGERABLE_COMMANDS = {
     "mkstream",      "chstream",
     "rmstream",      "mkbl",
     "mkbl_complete", "setactivity_none"};
+
+}  // namespace gatescope

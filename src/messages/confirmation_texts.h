@@ -1,12 +1,13 @@
 #pragma once
 
-// Texts of the questions before a change and of the reports after it. Where a backslash and an n
-// stand as two characters they stay two characters: they make the dialog turn such pairs into
-// line breaks.
+namespace gatescope {
 
-/// What follows a value that was cut.
+// Texts of the questions before a change and of the reports after it. The dialog turns a backslash
+// and an n, as two characters, into a line break.
+
+/// Follows a value that was cut.
 inline constexpr char CUT_MARK[] = "...";
-/// The same for a command key in a list of keys, with its blank.
+/// Follows a cut command key in a list of keys.
 inline constexpr char CUT_KEY_MARK[] = " ...";
 
 inline constexpr char SAME_VALUE[] =
@@ -33,7 +34,7 @@ inline constexpr char SPECIAL_LIST[] = "Region Special Access List";
 inline constexpr char GATESCOPE_VARIABLE[] = "Gatescope Variable";
 inline constexpr char ALIAS_ADDITION[] = "Alias";
 
-/// Names of items that only a history shows. Source of the copy.
+/// Names of items in the history only. Source of the copy.
 inline constexpr char ALIAS_WITH_REFERENCES[] = "Alias with References";
 inline constexpr char ALIAS_REFERENCES[] = "Alias References";
 inline constexpr char NEW_FILE[] = "Gatebits File";
@@ -41,7 +42,7 @@ inline constexpr char COPY_OF_FILE[] = "Copy of %s";
 /// Number of an action, as the menus show it.
 inline constexpr char ACTION_NUMBER[] = "A%02d";
 
-/// Depot, OS, value that will go.
+/// Depot, OS, value that will be cleared.
 inline constexpr char CLEARS_PARENT[] =
     "\n\nWarning:  Clearing the (%s) will also clear the (%s Parent Gatebits File) currently set "
     "to "
@@ -66,7 +67,7 @@ inline constexpr char NOTIFY_NOT_VERIFIED[] =
     "\n\nWarning:  Actual file verification of the '%s Notify Program' not performed from the %s "
     "OS...";
 
-/// Words of the two warnings below, for one key and for several.
+/// Singular and plural words of the two warnings below.
 struct KeyWords {
     const char* are;
     const char* plural;
@@ -97,3 +98,5 @@ inline constexpr char EXTREMELY_PERMISSIVE[] =
     "                 of the wildcard patterns %s ...";
 /// Gatebits file.
 inline constexpr char VERIFY_REMINDER[] = "\n\nReminder:  Use gatewarden %s -check to verify...";
+
+}  // namespace gatescope

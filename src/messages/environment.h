@@ -2,7 +2,9 @@
 
 #include <array>
 
-// The environment variables that the program reads, by the names that it reads them under.
+namespace gatescope {
+
+// The environment variables that the program reads.
 
 inline constexpr char ENV_GATEBITS_FILE[] = "ZUL_GATESCOPE_GATEBITS_FILE";
 inline constexpr char ENV_PREFER_NO_GUI[] = "ZUL_PREFER_NO_GUI";
@@ -61,3 +63,5 @@ inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {ENV_PATH,
      "Where clearprompt, cleartool and a checker that is named without a directory are found"},
 }};
+
+}  // namespace gatescope

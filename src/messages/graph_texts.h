@@ -1,10 +1,12 @@
 #pragma once
 
+namespace gatescope {
+
 // The page file and its display: names and messages.
 
 /// Path.
 inline constexpr char CANNOT_OPEN_PAGE[] = "Could not create/open results file (%s)\n";
-/// Path, reason; for standard error.
+/// On standard error. Path, reason.
 inline constexpr char PATH_AND_REASON[] = "%s: %s";
 /// Path, reason, state.
 inline constexpr char CANNOT_WRITE_PAGE[] =
@@ -29,8 +31,8 @@ inline constexpr char NO_BROWSER_DEFINED[] =
     "was built, but there is no browser defined by either\n"
     "the ZUL_GATESCOPE_BROWSER environmental variable or\n"
     "in the gatebits file (%s)\nfor region (%s)";
-/// Path, browser, region, then where the browser was defined: BrowserPlace's preposition and
-/// kind, and the name of the variable or file.
+/// Path, browser, region; then BrowserPlace's preposition and kind, and the name of the variable or
+/// file that defines the browser.
 inline constexpr char BROWSER_DOES_NOT_EXIST[] =
     "Gatescope query completed and html page\n(%s) was built, but Gatescope browser\n"
     "(%s) for region (%s)\nas defined %s %s (%s) does not exist";
@@ -45,3 +47,5 @@ inline constexpr BrowserPlace IN_THE_GATEBITS_FILE = {"in", "the gatebits file"}
 inline constexpr char DISPLAYING_GRAPH[] = "Graph (%s) built.. Displaying graph...";
 /// Raw status, browser.
 inline constexpr char BROWSER_FAILED[] = "Warning: return code=%d returned from %s...";
+
+}  // namespace gatescope

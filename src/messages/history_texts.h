@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the history of policy files, and of the program that shows it.
 
 /// A line of the history: texts as JSON but for the third, which is a number.
@@ -78,3 +80,5 @@ inline constexpr char NO_VALUE[] = "-";
 inline constexpr char EMPTY_VALUE[] = "\"\"";
 inline constexpr char ARROW[] = " \u2192 ";
 inline constexpr char CUT_HERE[] = "\u2026";
+
+}  // namespace gatescope

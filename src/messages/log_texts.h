@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Texts of the log reader, the pruner and the demo data generator.
 
 /// File, the system's reason.
@@ -12,7 +14,7 @@ inline constexpr char LOG_LEFT_OUT[] = "gatescope: the log file (%s) was left ou
 /// On a terminal, while logs are read or pruned. Megabytes done, megabytes of all, seconds left.
 inline constexpr char PROGRESS_LINE[] = "%lld of %lld MB, %.0f s left";
 
-// Row labels of the day cells: date, then the number of days where there is one.
+// Row labels of the day cells: date, then the number of days, if any.
 inline constexpr char LABEL_TODAY[] = "%s - today";
 inline constexpr char LABEL_YESTERDAY[] = "%s - yesterday";
 inline constexpr char LABEL_DAYS_AGO[] = "%s - %d days ago";
@@ -65,3 +67,5 @@ inline constexpr char TOKEN_STAYS[] =
 inline constexpr char PRUNING_RESULT[] =
     "%lld of %lld log entries %s removed from the Gatewarden LOGS for the Gatewarden Region "
     "(%s).\n\n%d days of data retained.";
+
+}  // namespace gatescope

@@ -1,7 +1,9 @@
 #pragma once
 
-// What the menus show. Each label is also the key by which a pick is recognised, so a changed
-// letter here changes what scripts and operators have to choose: the slips of wording stay.
+namespace gatescope {
+
+// Labels and titles of the menus. A pick is recognised by its label, so scripts and operators
+// depend on every letter, and misspellings stay.
 
 inline constexpr char Q1[] = "Q01 - Commands/Users (success/denied) over Time";
 inline constexpr char Q2[] = "Q02 - Bits/Users used over Time";
@@ -47,3 +49,5 @@ inline constexpr char SEPERATOR[] = "------------------------------";
 inline constexpr char MAIN_MENU_TITLE[] = "Select Query or Action for (%s)";
 inline constexpr char SUBMENU_TITLE[] = "Gatebits view/change Action for (%s)";
 inline constexpr char INSTALL_MENU_TITLE[] = "Select Install Action for (%s)";
+
+}  // namespace gatescope

@@ -3,8 +3,10 @@
 #include <array>
 #include <string_view>
 
-// Texts of the gatebits file: the marks of its lines, the template of a new file, and the faults
-// that stop the program or reject a value.
+namespace gatescope {
+
+// Texts of the gatebits file: the prefixes of its lines, the template of a new file, and the errors
+// that end the program or reject a value.
 
 /// gatescope's own settings; the index is the setting's place in GS_VAR.
 inline constexpr std::array<const char*, 8> GS_VAR_NAME = {
@@ -20,11 +22,11 @@ inline constexpr std::array<const char*, 8> GS_VAR_NAME = {
 inline constexpr char ALIAS_HEADER[] = "#!gatewarden_alias";
 inline constexpr char ALIAS_LOCATER[] = "#!gatewarden_alias ";
 
-/// The browsers that a new file names.
+/// The browsers in a new file.
 inline constexpr char NEW_UNIX_BROWSER[] = "/net/machine/browser";
 inline constexpr char NEW_WINDOWS_BROWSER[] = "C:\\Program Files\\Internet Explorer\\IEXPLORE.EXE";
 
-/// What a new file holds after gatescope's own settings. Program, version.
+/// The text of a new file after gatescope's own settings. Program, version.
 inline constexpr char init_file[] =
     "######################################################\n"
     "# Gatewarden Region Information.\n"
@@ -101,3 +103,5 @@ inline constexpr char NEW_FILE_NOT_WRITTEN[] =
 inline constexpr char NEW_FILE_NOT_SYNCED[] =
     "ERROR: Could not bring the new gatebits file (%s) to the disk: %s.  The file was created and "
     "is complete.";
+
+}  // namespace gatescope

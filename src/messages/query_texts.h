@@ -1,7 +1,9 @@
 #pragma once
 
-// Questions and titles of the queries. Their spellings stay: administrators look for
-// old pages by their titles.
+namespace gatescope {
+
+// Questions and titles of the queries. Misspellings stay, because administrators search old pages
+// by their titles.
 
 inline constexpr char NO_QUERIES_DURING_INSTALL[] =
     "Query functions are not available during the installation process...";
@@ -16,7 +18,7 @@ inline constexpr char PROMPT_INPUT_KEY[] =
 inline constexpr char PROMPT_INPUT_CPD[] =
     "Input CPD Number to display denials for (\"*\" for all CPD):";
 
-/// The answer that stands for everything, and how the lists offer it.
+/// The answer that means everything, and its entry in a list.
 inline constexpr char ALL[] = "*";
 inline constexpr char ALL_BITS_CHOICE[] = "* - <ALL BITS>";
 /// Bit, name.
@@ -47,3 +49,5 @@ inline constexpr char TITLE_FOR_ALL_USERS[] = " for (all) users";
 /// Command.
 inline constexpr char TITLE_FOR_COMMAND[] = " for the (%s)";
 inline constexpr char TITLE_FOR_ALL_COMMANDS[] = " for (all) commands";
+
+}  // namespace gatescope

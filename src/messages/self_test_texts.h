@@ -1,6 +1,8 @@
 #pragma once
 
-// What the self-test prints and asks.
+namespace gatescope {
+
+// Texts of the self-test.
 
 inline constexpr char EXPECTED_OS[] = "Expected OS is UNIX...";
 /// CLEARPROMPT.
@@ -33,3 +35,5 @@ inline constexpr char THREE_BUTTONS_YES[] = "3 button Question (default [yes])..
 inline constexpr char THREE_BUTTONS_DEFAULT[] = "3 button Question (default [default yes])...";
 /// Word.
 inline constexpr char ONLY_QUESTION[] = "%s only Question...";
+
+}  // namespace gatescope

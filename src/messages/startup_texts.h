@@ -1,8 +1,10 @@
 #pragma once
 
-// Texts of process start-up and of the file utilities.
+namespace gatescope {
 
-/// Reason. For standard error.
+// Texts of start-up and of the file functions.
+
+/// On standard error. Reason.
 inline constexpr char CANNOT_OPEN_NULL_DEVICE[] = "the null device cannot be opened: %s";
 inline constexpr char OUTPUT_NOT_WRITTEN[] = "standard output could not be written: %s";
 
@@ -18,10 +20,10 @@ inline constexpr char ERROR_USING_SLASH_TMP[] =
 inline constexpr char PLEASE_SET_TMP_OR_TEMP[] =
     "Please set TMP or TEMP variable to a writable directory exiting";
 
-/// Path, system error number.
+/// Path, errno.
 inline constexpr char COULD_NOT_TOUCH[] = "#1 Could not touch (%s) with %d";
 inline constexpr char COULD_NOT_APPEND[] = "#1 Could not append (%s) with %d";
-/// Source, destination, system error number. They say "move" for a copy too.
+/// Source, destination, errno. Used for copies too.
 inline constexpr char COULD_NOT_MOVE_1[] = "#1 Could not move (%s) to (%s) with %d";
 inline constexpr char COULD_NOT_MOVE_2[] = "#2 Could not move (%s) to (%s) with %d";
 
@@ -32,16 +34,18 @@ inline constexpr char CANNOT_READ_ANSWER[] =
     "ERROR: Could not read the dialog's answer (%s): %s.  What it was for was not done; what was "
     "confirmed before stays done.";
 
-/// File, reason, in what state things were left.
+/// File, reason, state of the file.
 inline constexpr char COULD_NOT_REPLACE[] = "ERROR: Could not write the file (%s): %s.  %s";
-/// What COULD_NOT_REPLACE says of the state: file; file, copy; file.
+/// States in COULD_NOT_REPLACE: file; file, copy; file.
 inline constexpr char FILE_IS_UNCHANGED[] = "(%s) is unchanged.";
 inline constexpr char FILE_IS_DAMAGED[] = "(%s) may be damaged.  Its complete new text is in (%s).";
 inline constexpr char FILE_IS_NEW[] =
     "(%s) holds its complete new text, but may not have reached the disk yet.";
-/// Why COULD_NOT_REPLACE: seconds.
+/// Reasons in COULD_NOT_REPLACE: seconds.
 inline constexpr char LOCKED_BY_ANOTHER[] =
     "another process has held its lock for more than %d seconds";
 inline constexpr char IS_NO_REGULAR_FILE[] = "it is not a regular file";
-/// The reason alone, of a log or page.
+/// The reason for a log or page.
 inline constexpr char NOT_A_REGULAR_FILE[] = "Not a regular file";
+
+}  // namespace gatescope

@@ -1,8 +1,9 @@
 #pragma once
 
-// What the operator reads when a value is turned down. All begin with "RETRY:"; a backslash and
-// an n (two characters) become a line break in the dialog. The doubled and misspelled words have
-// been there for ever and stay.
+namespace gatescope {
+
+// Messages about rejected values. All begin with "RETRY:"; the dialog turns a backslash and an n,
+// as two characters, into a line break. Doubled and misspelled words stay.
 
 /// Item, limit in bytes.
 inline constexpr char VALUE_TOO_LONG[] = "RETRY: %s value exceeds %d character max";
@@ -47,7 +48,7 @@ inline constexpr char ALIAS_NAME_CHARACTERS[] =
 inline constexpr char ALIAS_NAME_EXISTS[] =
     "RETRY: alias name %s already exist.  You should edit that one or input another alias name";
 
-/// The item words, in the order of the validators. "depot alue" is what has always been shown.
+/// Names of the items, in the order of the validators. "depot alue" stays misspelled.
 inline constexpr char DEPOT_SIZE_ITEM[] = "depot alue";
 inline constexpr char DEPOT_ITEM[] = "depot";
 inline constexpr char PARENT_SIZE_ITEM[] = "parent gatebits file value";
@@ -64,3 +65,5 @@ inline constexpr char ALIAS_ITEM[] = "alias";
 inline constexpr char ALIAS_NAME_ITEM[] = "alias name";
 inline constexpr char DIRECTORY_KIND[] = "directory";
 inline constexpr char FILE_KIND[] = "file";
+
+}  // namespace gatescope

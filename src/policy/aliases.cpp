@@ -13,6 +13,7 @@
 #include "messages/environment.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// ALIAS_LOCATER, name, value.
@@ -34,13 +35,13 @@ Definition definition_in(std::string_view line) {
     return {words.substr(0, blank), words.substr(blank + 1)};
 }
 
-/// The aliases of a file up to the first alias line with a fault.
-struct AliasesRead {
+/// The aliases of a file up to the first faulty alias line.
+struct ParsedAliases {
     std::vector<Definition> definitions;
-    /// Alias lines that they stand for. Lines after a faulty one are not among them, so a rewrite
-    /// leaves those where they are instead of losing them.
+    /// Number of alias lines before a faulty one. A rewrite moves these only, so that the lines
+    /// from the faulty one on are kept.
     std::size_t lines = 0;
-    /// What to tell the operator of the faulty line; empty when there is none.
+    /// The message about the faulty line; empty if there is none.
     std::string fault;
 };
 
@@ -52,7 +53,7 @@ std::optional<std::string> value_of(const std::string& name,
     return std::nullopt;
 }
 
-/// What is wrong with the definition that comes after `others`; empty when nothing.
+/// The message about a faulty definition that follows `others`; empty if it is valid.
 std::string fault_of(const Definition& alias, const std::vector<Definition>& others,
                      const char* line) {
     if (others.size() >= MAX_ALIASES) return filled(TOO_MANY_ALIASES, MAX_ALIASES, line);
@@ -69,20 +70,20 @@ std::string fault_of(const Definition& alias, const std::vector<Definition>& oth
     return "";
 }
 
-AliasesRead aliases_in(const std::vector<std::string>& lines) {
-    AliasesRead read;
+ParsedAliases aliases_in(const std::vector<std::string>& lines) {
+    ParsedAliases aliases;
     for (const std::string& line : lines) {
         if (!is_alias_line(line)) continue;
         const std::string text(without_leading_blanks(line));
         const Definition alias = definition_in(text);
         if (!alias.name.empty()) {
-            read.fault = fault_of(alias, read.definitions, text.c_str());
-            if (!read.fault.empty()) return read;
-            read.definitions.push_back(alias);
+            aliases.fault = fault_of(alias, aliases.definitions, text.c_str());
+            if (!aliases.fault.empty()) return aliases;
+            aliases.definitions.push_back(alias);
         }
-        ++read.lines;
+        ++aliases.lines;
     }
-    return read;
+    return aliases;
 }
 
 std::string alias_line(const std::string& name, const std::string& value) {
@@ -95,22 +96,22 @@ std::vector<std::string> alias_lines_after(const AliasChange& change,
     const bool removes = change.mode == AliasMode::REMOVE || change.mode == AliasMode::REMOVE_ALL;
     std::vector<std::string> lines;
     for (const Definition& alias : definitions) {
-        const bool named = alias.name == change.name;
-        if (removes && named) continue;
-        const bool changed = change.mode == AliasMode::CHANGE && named;
-        lines.push_back(alias_line(alias.name, changed ? change.value : alias.value));
+        const bool is_named = alias.name == change.name;
+        if (removes && is_named) continue;
+        const bool is_changed = change.mode == AliasMode::CHANGE && is_named;
+        lines.push_back(alias_line(alias.name, is_changed ? change.value : alias.value));
     }
     if (change.mode == AliasMode::ADD) lines.push_back(alias_line(change.name, change.value));
     return lines;
 }
 
-/// "~name": in REMOVE_REFERENCES the caller's text is that already.
+/// "~name", which the caller passes for REMOVE_REFERENCES.
 std::string reference_of(const AliasChange& change) {
     return change.mode == AliasMode::REMOVE_REFERENCES ? change.name : "~" + change.name;
 }
 
-/// Counts the references in `line` and cuts them out of it. A reference goes with the blank that
-/// ends it; a ';' that ends it also ends the field, and stays.
+/// Removes the references from `line` and returns their number. A blank that ends a reference is
+/// removed with it; a ';' also ends the field, and is kept.
 int cut_references(const std::string& reference, std::string* line) {
     int count = 0;
     std::string rest;
@@ -132,8 +133,8 @@ int cut_references(const std::string& reference, std::string* line) {
     return count;
 }
 
-/// The lines of the file but the first `alias_lines` alias lines, without the references where they
-/// are removed.
+/// The lines of the file except the first `alias_lines` alias lines, without references if the
+/// change removes them.
 std::vector<std::string> other_lines_after(const AliasChange& change, const Gatebits& gatebits,
                                            std::size_t alias_lines) {
     const bool removes =
@@ -170,15 +171,15 @@ std::string reference_sentence(const ReferenceTexts& texts, int count,
 }  // namespace
 
 int build_alias_list(const Gatebits& gatebits, Aliases* aliases) {
-    const AliasesRead read = aliases_in(gatebits.lines());
+    const ParsedAliases parsed = aliases_in(gatebits.lines());
     aliases->ALIAS_NAME.fill("");
     aliases->ALIAS.fill("");
-    for (std::size_t i = 0; i < read.definitions.size(); ++i) {
-        aliases->ALIAS_NAME[i] = read.definitions[i].name;
-        aliases->ALIAS[i] = read.definitions[i].value;
+    for (std::size_t i = 0; i < parsed.definitions.size(); ++i) {
+        aliases->ALIAS_NAME[i] = parsed.definitions[i].name;
+        aliases->ALIAS[i] = parsed.definitions[i].value;
         aliases->number_of_aliases = static_cast<std::uint8_t>(i + 1);
     }
-    if (!read.fault.empty()) advise(read.fault);
+    if (!parsed.fault.empty()) advise(parsed.fault);
     return aliases->number_of_aliases;
 }
 
@@ -188,12 +189,12 @@ std::vector<std::string> definition_of(const std::string& name, const Gatebits& 
 }
 
 Rewrite add_change_remove_an_alias(const Gatebits& gatebits, const AliasChange& change) {
-    const AliasesRead now = aliases_in(gatebits.lines());
-    if (change.mode == AliasMode::ADD && now.definitions.size() >= MAX_ALIASES) {
+    const ParsedAliases parsed = aliases_in(gatebits.lines());
+    if (change.mode == AliasMode::ADD && parsed.definitions.size() >= MAX_ALIASES) {
         return {ChangeResult::CHANGED_MEANWHILE};
     }
-    std::vector<std::string> lines = alias_lines_after(change, now.definitions);
-    const std::vector<std::string> others = other_lines_after(change, gatebits, now.lines);
+    std::vector<std::string> lines = alias_lines_after(change, parsed.definitions);
+    const std::vector<std::string> others = other_lines_after(change, gatebits, parsed.lines);
     lines.insert(lines.end(), others.begin(), others.end());
     return {ChangeResult::WRITTEN, Gatebits(std::move(lines))};
 }
@@ -219,3 +220,5 @@ std::string report_of_alias_change(const Gatebits& before, const AliasChange& ch
             return "";
     }
 }
+
+}  // namespace gatescope

@@ -8,15 +8,16 @@
 #include "messages/confirmation_texts.h"
 #include "messages/identity.h"
 
+namespace gatescope {
 namespace {
 
-/// A command key's field that says whether the key refers to the notify program ('0': no).
+/// The field of a command key that begins with '0' if the key does not refer to the notify program.
 constexpr int KEY_NOTIFY_FIELD = 6;
-/// Keys that a warning lists before it leaves some out, and how much of each.
+/// Keys listed before the dots, and maximum length of each.
 constexpr std::size_t FIRST_KEYS_LISTED = 3;
 constexpr std::size_t LISTED_CHARACTERS = 80;
 
-/// The field's name up to its dots.
+/// The name of the field up to its dots.
 std::string bare_item(const NewValue& value) {
     return value.item.substr(0, value.item.find(CUT_MARK));
 }
@@ -33,8 +34,8 @@ std::string warning_of_cleared_notify(const Gatebits& gatebits, const NewValue& 
     return filled(CLEARS_NOTIFY, bare_item(depot).c_str(), depot.os, notify.c_str());
 }
 
-/// Depends on the header line's third field, although the logging personality stands in the depot
-/// line's: operators know this warning as it is.
+/// Shows the third field of the header line, not of the depot line, which has the logging
+/// personality: the warning must not change.
 std::string warning_of_cleared_logging(const Gatebits& gatebits, const NewValue& depot) {
     const auto other_depot = get_a_field(gatebits, DEPOT_LINE, other_field(depot.field));
     const auto logging = get_a_field(gatebits, HEADER_LINE, 3);
@@ -43,14 +44,14 @@ std::string warning_of_cleared_logging(const Gatebits& gatebits, const NewValue&
     return filled(CLEARS_LOGGING, logging->substr(0, 1).c_str());
 }
 
-/// Whether the new value is a path that cannot be looked at from here.
-bool is_out_of_sight(const NewValue& path) {
+/// Whether the new value is a path of the other system.
+bool is_foreign_path(const NewValue& path) {
     return !path.value.empty() && std::strcmp(path.os, THIS_OS) != 0;
 }
 
-/// Numbers, from 1, of the command keys that refer to the notify program. A key too short to say
-/// so ends the search.
-std::vector<int> keys_that_refer(const Gatebits& gatebits) {
+/// Numbers, from 1, of the command keys that refer to the notify program. A key without that field
+/// ends the search.
+std::vector<int> referring_keys(const Gatebits& gatebits) {
     std::vector<int> numbers;
     for (int key = 1;; ++key) {
         const auto field = get_a_field(gatebits, FIRST_KEY_LINE - 1 + key, KEY_NOTIFY_FIELD);
@@ -59,9 +60,8 @@ std::vector<int> keys_that_refer(const Gatebits& gatebits) {
     }
 }
 
-/// One line of the list of keys. An '&' after the fifth ';' marks the field that refers to the
-/// notify program. Each '&' of the key itself is doubled here, and once more with the whole
-/// question.
+/// One line of the list of keys. An '&' after the fifth ';' marks KEY_NOTIFY_FIELD. Each '&' of the
+/// key is doubled here, and again with the whole question.
 std::string listed_key(const Gatebits& gatebits, int number) {
     std::string line = get_a_line(gatebits, FIRST_KEY_LINE - 1 + number).value_or("");
     if (line.size() > LISTED_CHARACTERS) line = line.substr(0, LISTED_CHARACTERS) + CUT_KEY_MARK;
@@ -71,7 +71,7 @@ std::string listed_key(const Gatebits& gatebits, int number) {
     return filled(LISTED_KEY, number, line.c_str());
 }
 
-/// The first three keys, dots for those left out, and the last one.
+/// The first three keys, dots for the omitted ones, and the last one.
 std::string list_of_keys(const Gatebits& gatebits, const std::vector<int>& numbers) {
     std::string list;
     for (std::size_t i = 0; i < numbers.size() && i < FIRST_KEYS_LISTED; ++i) {
@@ -83,7 +83,7 @@ std::string list_of_keys(const Gatebits& gatebits, const std::vector<int>& numbe
 }
 
 std::string warning_of_referring_keys(const Gatebits& gatebits, const NewValue& notify) {
-    const std::vector<int> numbers = keys_that_refer(gatebits);
+    const std::vector<int> numbers = referring_keys(gatebits);
     if (numbers.empty()) return "";
     const int count = static_cast<int>(numbers.size());
     const KeyWords& words = count == 1 ? ONE_KEY : SEVERAL_KEYS;
@@ -102,16 +102,16 @@ std::string depot_warnings(const Gatebits& gatebits, const NewValue& depot) {
                warning_of_cleared_notify(gatebits, depot) +
                warning_of_cleared_logging(gatebits, depot);
     }
-    return is_out_of_sight(depot) ? filled(DEPOT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
+    return is_foreign_path(depot) ? filled(DEPOT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
 std::string parent_warnings(const Gatebits& /*gatebits*/, const NewValue& parent) {
-    return is_out_of_sight(parent) ? filled(PARENT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
+    return is_foreign_path(parent) ? filled(PARENT_NOT_VERIFIED, OTHER_OS, THIS_OS) : "";
 }
 
 std::string notify_warnings(const Gatebits& gatebits, const NewValue& notify) {
     return warning_of_referring_keys(gatebits, notify) +
-           (is_out_of_sight(notify) ? filled(NOTIFY_NOT_VERIFIED, OTHER_OS, THIS_OS) : "");
+           (is_foreign_path(notify) ? filled(NOTIFY_NOT_VERIFIED, OTHER_OS, THIS_OS) : "");
 }
 
 std::string restricted_warnings(const Gatebits& /*gatebits*/, const NewValue& list) {
@@ -125,3 +125,5 @@ std::string special_warnings(const Gatebits& /*gatebits*/, const NewValue& list)
 std::string key_reminder(const std::string& path) {
     return filled(VERIFY_REMINDER, path.c_str());
 }
+
+}  // namespace gatescope

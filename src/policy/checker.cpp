@@ -11,21 +11,22 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Checker and gatebits file, quoted as is wished; option word.
+/// Quoted checker, gatebits file, option.
 constexpr char CHECKER_LINE[] = "%s %s -%s";
 
 constexpr char ERROR_ONLY[] = "error_only";
 constexpr char STATUS_ONLY[] = "status_only";
 constexpr char ERROR_COUNT[] = "error_count";
 /// In the order of CheckMode.
-constexpr const char* OPTION_WORDS[] = {ERROR_ONLY, STATUS_ONLY, ERROR_COUNT};
+constexpr const char* MODE_OPTIONS[] = {ERROR_ONLY, STATUS_ONLY, ERROR_COUNT};
 
 }  // namespace
 
 std::string emergency_checker(const std::string& program_path) {
-    // The last such letter anywhere in the path counts, wherever the program's name begins.
+    // The last such letter may be in the name of a directory.
     const auto cut = program_path.rfind(SELF[0]);
     return (cut == std::string::npos ? "" : program_path.substr(0, cut)) + GATEWARDEN_LIT;
 }
@@ -43,12 +44,13 @@ bool find_checker(ToolSettings* tools) {
 }
 
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
-                            const char* word) {
-    return filled(CHECKER_LINE, quoted(checker).c_str(), one_argument(gatebits_file).c_str(), word);
+                            const char* option) {
+    return filled(CHECKER_LINE, quoted(checker).c_str(), path_argument(gatebits_file).c_str(),
+                  option);
 }
 
 std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region) {
-    const char* word = OPTION_WORDS[static_cast<std::size_t>(mode)];
+    const char* option = MODE_OPTIONS[static_cast<std::size_t>(mode)];
     const bool found = find_checker(&region->tools);
     const std::string& checker = region->tools.GS_VAR[UNIX_CHECKER];
     if (!found) {
@@ -57,6 +59,8 @@ std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSetti
         return std::nullopt;
     }
     const int status =
-        run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, word));
+        run_in_shell(checker_command(checker, region->ENTERPRIZE_PERMISSION_FILE, option));
     return CheckResult{status != 0, mode == CheckMode::COUNT ? status : 0};
 }
+
+}  // namespace gatescope

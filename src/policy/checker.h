@@ -6,37 +6,40 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
-// The policy engine's own checker, run on a gatebits file.
+namespace gatescope {
 
-/// What a checker run is asked for.
+// Runs the policy engine's checker on a gatebits file.
+
+/// The purpose of a checker run.
 enum class CheckMode { ERRORS, STATUS, COUNT };
 
-/// The EMERGENCY_CHECKER of a program that was started with this path: everything before the last
-/// 'g' in it, wherever that stands, and the checker's name.
+/// The EMERGENCY_CHECKER of a program that was started with this path: the text before the last 'g'
+/// in the path, and the checker's name.
 std::string emergency_checker(const std::string& program_path);
 
-/// Whether there is such a program: a bare name, which the shell looks for on the search path,
-/// exists when it is there.
+/// Whether the checker exists as a file, or, if it is a bare name, on the search path.
 bool checker_exists(const std::string& checker);
 
-/// The gatebits file's checker, or the emergency one where that is empty or missing; the choice
-/// is stored in `*tools`, in memory only. False when neither exists.
+/// Selects the checker of the gatebits file, or the emergency one if that is empty or missing, and
+/// stores the choice in `*tools`. False if neither exists.
 bool find_checker(ToolSettings* tools);
 
-/// The option of a check whose report the operator reads.
+/// The option of a check with a report for the operator.
 inline constexpr char CHECK[] = "check";
 
-/// The command line that runs `checker` over the gatebits file, with `word` as its option.
+/// The command line that runs `checker` on the gatebits file with this option.
 std::string checker_command(const std::string& checker, const std::string& gatebits_file,
-                            const char* word);
+                            const char* option);
 
-/// What a checker run says of the gatebits file.
+/// The result of a checker run.
 struct CheckResult {
     bool CURRENT_GATEBITS_FILE_HAS_ERRORS = false;
-    /// The shell's status, undivided, of a counting run; 0: no errors.
+    /// For CheckMode::COUNT the raw wait status of the shell, else 0.
     int CURRENT_GATEBITS_FILE_HAS_THIS_MANY_ERRORS = 0;
 };
 
-/// Runs the checker over the gatebits file in use. Nothing, after telling the operator, when it
-/// could not be found; the one that was found is stored in `*region`.
+/// Runs the checker on the gatebits file in use, and stores its path in `*region`. If there is
+/// none, tells the operator and returns nothing.
 std::optional<CheckResult> perform_cbfile_only_check(CheckMode mode, RegionSettings* region);
+
+}  // namespace gatescope

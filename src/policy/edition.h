@@ -2,7 +2,10 @@
 
 #include "policy/gatebits.h"
 
-/// The edition of the policy engine that the region header line of the gatebits file names: 1 the
-/// full edition; 0 the lite edition, whose command keys are called CPDs. A file without such a line
-/// is of the full edition.
+namespace gatescope {
+
+/// The edition of the policy engine in the region header line of the gatebits file: 1 for the full
+/// edition, or without such a line; 0 for the lite edition, whose command keys are called CPDs.
 int read_edition(const Gatebits& gatebits);
+
+}  // namespace gatescope

@@ -8,17 +8,18 @@
 #include "messages/dialog_texts.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// CLEARPROMPT, result file, default option, directory option, its text: the prompt has always
-/// shown the directory option, and the caller's text has no place here.
+/// CLEARPROMPT, result file, default option, directory option, its text. The prompt is the
+/// directory option, not the caller's text: the command line must not change.
 constexpr char CLEARPROMPT_NAVIGATE_PATH[] =
     "%s file -prefer_gui -outfile %s  -pattern \"*.txt\" %s %s -prompt %s";
-/// Quoted directory; in the option's text the quotes are the option's own.
+/// Quoted directory; unquoted directory.
 constexpr char DIRECTORY_OPTION[] = "-directory %s";
 constexpr char DIRECTORY_OPTION_TEXT[] = "-directory \"%s\"";
 
-/// The option that makes the dialog start in a directory, and its text; blanks for an empty one.
+/// The option for the first directory of the dialog, and its text; blanks without a directory.
 struct DirectoryOption {
     std::string option = " ";
     std::string text = " ";
@@ -45,3 +46,5 @@ std::optional<std::string> select_cb_file(const std::string& file_in_use,
     if (POSSIBLE_FILE.empty()) return std::nullopt;
     return POSSIBLE_FILE;
 }
+
+}  // namespace gatescope

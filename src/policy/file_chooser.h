@@ -3,8 +3,12 @@
 #include <optional>
 #include <string>
 
-/// Lets the operator choose a file, starting in the directory of `file_in_use`, wherever that is
-/// when it is empty or a bare name. Its path, or nothing when none was chosen. `prompt_text` is
-/// what the choice is for; the dialog has never shown it.
+namespace gatescope {
+
+/// Lets the operator choose a file, starting in the directory of `file_in_use` if that has one.
+/// Returns its path, or nothing if none was chosen. `prompt_text` is the purpose of the choice; the
+/// dialog does not show it.
 std::optional<std::string> select_cb_file(const std::string& file_in_use,
                                           const std::string& prompt_text);
+
+}  // namespace gatescope

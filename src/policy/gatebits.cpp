@@ -6,6 +6,7 @@
 #include "base/filled.h"
 #include "base/text.h"
 
+namespace gatescope {
 namespace {
 
 std::vector<std::string> lines_of(std::string_view text) {
@@ -24,8 +25,7 @@ std::string text_of(const std::vector<std::string>& lines) {
     return text;
 }
 
-/// The line that a number addresses, and no other: where the counter starts over, the number comes
-/// again. The end when there is none.
+/// The first line with a number: the counter may reach it again. The end if there is none.
 template <typename Lines>
 auto line_numbered(int n, Lines& lines) {
     LineCounter counter;
@@ -33,8 +33,8 @@ auto line_numbered(int n, Lines& lines) {
                         [&](const std::string& line) { return counter.counts_as(n, line); });
 }
 
-/// Whether a field that ends in an alias reference needs a blank after it: a reference is ended
-/// by a blank, and the ';' alone would leave it open for the policy engine.
+/// Whether the line ends in an alias reference. That needs a blank before the ';', which does not
+/// end a reference for the policy engine.
 bool ends_in_a_reference(const std::string& line) {
     const auto tilde = line.rfind('~');
     if (tilde == std::string::npos) return false;
@@ -42,7 +42,7 @@ bool ends_in_a_reference(const std::string& line) {
     return blank == std::string::npos || tilde > blank;
 }
 
-/// The line of these fields with the new value.
+/// The line with these fields, and the new value.
 std::string rebuilt_line(const std::vector<std::string>& fields, const FieldValue& changed) {
     std::string rebuilt;
     int number = 1;
@@ -54,16 +54,17 @@ std::string rebuilt_line(const std::vector<std::string>& fields, const FieldValu
     return rebuilt;
 }
 
-/// Rebuilds the line of the field. `*any` becomes true when there is anything to write.
-ChangeResult change_field(const FieldValue& changed, std::vector<std::string>* lines, bool* any) {
+/// Rebuilds the line of the field. Sets `*is_rewritten` if it exists.
+ChangeResult change_field(const FieldValue& changed, std::vector<std::string>* lines,
+                          bool* is_rewritten) {
     const auto line = line_numbered(changed.line, *lines);
     if (line == lines->end()) return ChangeResult::NO_SUCH_LINE;
     const std::vector<std::string> fields = terminated_fields(*line);
     const auto field = static_cast<std::size_t>(changed.field);
-    // A field one past the last passes: the line is then written back as it stands.
+    // A field one past the last is accepted: its line is rewritten without the value.
     if (fields.empty() || field > fields.size() + 1) return ChangeResult::NO_SUCH_FIELD;
     *line = rebuilt_line(fields, changed);
-    *any = true;
+    *is_rewritten = true;
     return field > fields.size() ? ChangeResult::NO_SUCH_FIELD : ChangeResult::WRITTEN;
 }
 
@@ -140,9 +141,11 @@ Rewrite set_a_line(const Gatebits& gatebits, int n, const std::string& text) {
 Rewrite set_a_field(const Gatebits& gatebits, const FieldValue& field,
                     const std::vector<FieldValue>& further) {
     std::vector<std::string> lines = gatebits.lines();
-    bool any = false;
-    const ChangeResult result = change_field(field, &lines, &any);
-    for (const FieldValue& one : further) change_field(one, &lines, &any);
-    if (!any || result == ChangeResult::NO_SUCH_LINE) return {result};
+    bool is_rewritten = false;
+    const ChangeResult result = change_field(field, &lines, &is_rewritten);
+    for (const FieldValue& one : further) change_field(one, &lines, &is_rewritten);
+    if (!is_rewritten || result == ChangeResult::NO_SUCH_LINE) return {result};
     return {result, Gatebits(std::move(lines))};
 }
+
+}  // namespace gatescope

@@ -18,19 +18,19 @@
 #include "messages/startup_texts.h"
 #include "policy/write_failure.h"
 
+namespace gatescope {
 namespace {
 
-/// The lock under which the file is changed; where there is none to be had we do without. Gripes
-/// when another process does not let go of it.
+/// Takes the lock, which is empty on a file system without locks. Gripes if another process keeps
+/// it.
 FileLock lock_gatebits_file(const std::string& path, std::chrono::seconds patience) {
     FileLock lock = lock_file(path, patience);
-    if (lock.state != LockState::KEPT_BY_ANOTHER) return lock;
+    if (lock.state != LockState::HELD_BY_ANOTHER) return lock;
     gripe_unchanged(path, filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count())));
 }
 
-/// Gripes when a reader would not get back from the new text what its lines hold.
-void need_fit_to_be_read_back(const std::string& path, const Gatebits& now,
-                              const Gatebits& wanted) {
+/// Gripes if a reader would not get the same lines from the new text.
+void check_readable(const std::string& path, const Gatebits& now, const Gatebits& wanted) {
     const char* name = path.c_str();
     if (now.text().find('\0') != std::string::npos) gripe(filled(GATEBITS_HOLDS_NUL, name));
     for (const std::string& line : wanted.lines()) {
@@ -44,7 +44,7 @@ void need_fit_to_be_read_back(const std::string& path, const Gatebits& now,
     }
 }
 
-/// Puts the new text of the file at `path` into the run's scratch file, on the disk.
+/// Writes the new text of the file at `path` to the run's scratch file, and syncs it.
 void write_scratch_file(const std::string& path, const std::string& text) {
     const std::string scratch = t_file_name();
     const int file = create_temporary_file(scratch);
@@ -53,8 +53,8 @@ void write_scratch_file(const std::string& path, const std::string& text) {
     if (error != 0) gripe_unchanged(path, std::strerror(error));
 }
 
-/// Puts the text in the old one's place, and has the change recorded unless it is none; `open_file`
-/// is the file, where it is open.
+/// Replaces the old text by `text` and records the change, if there is one. `open_file` is the file
+/// if it is open.
 void write_gatebits(const std::string& path, const std::string& old_text, const std::string& text,
                     const std::optional<RecordedChange>& change, const Descriptor& open_file) {
     write_scratch_file(path, text);
@@ -77,8 +77,8 @@ std::string bytes_in(const Descriptor& file, const std::string& path) {
     return bytes;
 }
 
-/// What the bytes of the file at `path` are, unless there is no line in them.
-Gatebits with_lines(std::string bytes, const std::string& path) {
+/// The text of the file at `path`. Gripes if it has no line.
+Gatebits parse_gatebits(std::string bytes, const std::string& path) {
     Gatebits gatebits(std::move(bytes));
     if (gatebits.lines().empty()) gripe(filled(GATEBITS_EMPTY, path.c_str()));
     return gatebits;
@@ -87,36 +87,38 @@ Gatebits with_lines(std::string bytes, const std::string& path) {
 }  // namespace
 
 std::string read_gatebits_bytes(const std::string& path) {
-    // A pipe without a writer must not keep us waiting.
+    // O_NONBLOCK: the open must not wait for a writer of a FIFO.
     const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     if (!file) gripe(CANNOT_OPEN_GATEBITS, path, errno);
     return bytes_in(file, path);
 }
 
 Gatebits read_gatebits(const std::string& path) {
-    return with_lines(read_gatebits_bytes(path), path);
+    return parse_gatebits(read_gatebits_bytes(path), path);
 }
 
-std::vector<std::string> nothing(const Gatebits& /*gatebits*/) {
+std::vector<std::string> no_part(const Gatebits& /*gatebits*/) {
     return {};
 }
 
-Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
+Changed change(const std::string& path, const Precondition& precondition, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
     const Gatebits now =
-        lock.file ? with_lines(bytes_in(lock.file, path), path) : read_gatebits(path);
-    if (shown.part(now) != shown.part(shown.gatebits)) {
+        lock.file ? parse_gatebits(bytes_in(lock.file, path), path) : read_gatebits(path);
+    if (precondition.part(now) != precondition.part(precondition.gatebits)) {
         return {ChangeResult::CHANGED_MEANWHILE, now, now};
     }
     const Rewrite wanted = edit(now);
     if (!wanted.text) return {wanted.result, now, now};
-    need_fit_to_be_read_back(path, now, *wanted.text);
+    check_readable(path, now, *wanted.text);
     std::optional<RecordedChange> made = record;
-    // The value was not written, but the file may get another text all the same.
+    // Even if the value is not written, the text of the file may change.
     if (wanted.result != ChangeResult::WRITTEN) made->to = made->from;
     if (wanted.result != ChangeResult::WRITTEN && wanted.text->text() == now.text()) made.reset();
     write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
-    // As readers see it from now on.
+    // Parsed again, as readers see the text.
     return {wanted.result, now, Gatebits(wanted.text->text())};
 }
+
+}  // namespace gatescope

@@ -9,55 +9,58 @@
 #include "policy/gatebits.h"
 #include "policy/history.h"
 
-// The gatebits file on the disk: read as a value, and changed in one place. Nothing is cached: each
-// step of a dialog reads the file anew. What cannot be read or written ends the program through
-// gripe.
+namespace gatescope {
 
-/// The policy engine reads no more than this many bytes, so no reader or writer here does.
+// Reads and changes the gatebits file. It is not cached: each step of a dialog reads it again. All
+// functions gripe if the file cannot be read or written.
+
+/// Size limit, in bytes, for reading and writing: the policy engine reads no more.
 inline constexpr std::size_t GATEBITS_FILE_LIMIT = 30000;
 
-/// How long the lock of a gatebits file is waited for: longer than a change takes even on a slow
-/// disk, so a process that keeps it longer is not at work.
+/// Time limit for the lock of a gatebits file. A change takes less time even on a slow disk, so a
+/// process that keeps the lock longer is stuck.
 inline constexpr std::chrono::seconds LOCK_PATIENCE(10);
 
-/// All bytes of the gatebits file. Gripes when it cannot be read or holds more than
-/// GATEBITS_FILE_LIMIT bytes.
+/// All bytes of the gatebits file. Gripes if it cannot be read or has more than GATEBITS_FILE_LIMIT
+/// bytes.
 std::string read_gatebits_bytes(const std::string& path);
 
-/// The gatebits file as it is now. Gripes when it cannot be read, holds more than
-/// GATEBITS_FILE_LIMIT bytes or holds no line.
+/// The gatebits file as it is now. Gripes if it cannot be read, has more than GATEBITS_FILE_LIMIT
+/// bytes or has no line.
 Gatebits read_gatebits(const std::string& path);
 
-/// What the operator was shown before a change.
-struct WhatWasShown {
-    /// The file as it was read for that.
+/// The precondition of a change: what the operator was shown before.
+struct Precondition {
+    /// The file that was read for the dialog.
     Gatebits gatebits;
-    /// What of it the change rests on: a change is made only while this comes out the same.
+    /// The parts of a file that the change depends on. It is made only if they have not changed.
     std::function<std::vector<std::string>(const Gatebits& gatebits)> part;
 };
 
-/// What is shown of a change that rests on nothing.
-std::vector<std::string> nothing(const Gatebits& gatebits);
+/// For a change that depends on no part of the file.
+std::vector<std::string> no_part(const Gatebits& gatebits);
 
-/// Makes another text of the file. It touches nothing else, so it can be made on any text.
+/// Returns the new text of the file. Has no side effects, so it can be applied to any text.
 using Edit = std::function<Rewrite(const Gatebits& now)>;
 
-/// A change that was made, or not.
+/// The result of change().
 struct Changed {
     ChangeResult result;
-    /// The file just before, and as it is now. They are the same when nothing was written.
+    /// The file before the change and after it; the same if nothing was written.
     Gatebits before;
     Gatebits now;
 };
 
-/// Changes the gatebits file: takes its lock, reads it anew, looks whether what was shown still
-/// stands there, makes the edit, and replaces the file whole by the new text. No other gatescope
-/// comes between. This is the one way in which this program changes a gatebits file.
+/// Changes the gatebits file: takes its lock, reads it, checks that the shown parts have not
+/// changed, makes the edit, and replaces the file as a whole. The lock excludes other gatescope
+/// processes. All changes of a gatebits file are made by this function.
 ///
-/// Where a history is kept, what `record` says stands in it before the file is replaced.
+/// If a history is kept, `record` is written to it before the file is replaced.
 ///
-/// Where a file system has no locks, it does without. Gripes, with the file as it was, when another
-/// process keeps the lock for longer than `patience`, or when the new text is not fit to be read
-/// back or cannot be written.
-Changed change(const std::string& path, const WhatWasShown& shown, const Edit& edit,
+/// On a file system without locks, no lock is taken. Gripes, with the file unchanged, if another
+/// process keeps the lock for longer than `patience`, if readers could not read back the new text,
+/// or if it cannot be written.
+Changed change(const std::string& path, const Precondition& precondition, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);
+
+}  // namespace gatescope

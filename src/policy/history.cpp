@@ -28,6 +28,7 @@
 #include "messages/history_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 /// How long a name may be taken that has the second in it.
@@ -182,3 +183,5 @@ void HistoryRecord::take_back() {
     if (!saved.empty()) unlink(saved.c_str());
     lines = {};
 }
+
+}  // namespace gatescope

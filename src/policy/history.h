@@ -8,6 +8,8 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
+
 // The history of policy files, where one is kept: a directory with a line of JSON for each change,
 // and with each text that a change has replaced in a file of its own.
 
@@ -53,3 +55,5 @@ HistoryRecord record_change(const std::string& policy_file,
 
 /// The absolute path of a file, links followed, whether there is a file or not.
 std::string absolute_path(const std::string& path);
+
+}  // namespace gatescope

@@ -23,13 +23,14 @@
 #include "messages/startup_texts.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
-/// No more links than the system itself would follow.
-constexpr int MOST_LINKS = 40;
+/// As many links as the kernel follows.
+constexpr int MAX_LINKS = 40;
 
-/// Somebody may have put a link into a directory that everybody may write, to have a file created
-/// in a place of their choice.
+/// Whether another user may have created the link in a world-writable directory, to have a file
+/// created elsewhere.
 bool may_be_planted(const std::string& path, const struct stat& link) {
     struct stat directory;
     if (stat(directory_of(path).c_str(), &directory) != 0) return true;
@@ -37,28 +38,27 @@ bool may_be_planted(const std::string& path, const struct stat& link) {
            link.st_uid != directory.st_uid;
 }
 
-/// Where a new file goes: to the end of the links at `path`; nowhere when one of them is not
-/// followed.
-std::optional<std::string> place_of_new_file(std::string path) {
-    for (int links = 0; links < MOST_LINKS; ++links) {
+/// The path of a new file: the end of the links at `path`; nothing if one of them is not followed.
+std::optional<std::string> resolved_path(std::string path) {
+    for (int links = 0; links < MAX_LINKS; ++links) {
         struct stat status;
         if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
-        const auto target = target_of_link(path);
+        const auto target = link_target(path);
         if (!target || may_be_planted(path, status)) return std::nullopt;
         path = *target;
     }
     return std::nullopt;
 }
 
-/// In the same directory, so that it can be renamed; hidden, and nobody else's.
+/// A hidden name of this process in the same directory, so that the file can be renamed.
 std::string unfinished_name(const std::string& path) {
     return beside(path, filled(".gatescope_new_%s", GLOBAL_PID_STRING.c_str()));
 }
 
-/// Gives the finished file its name unless that is taken; 0 or an errno. File systems that cannot
-/// rename without replacing can link.
+/// Renames the finished file unless the name exists; 0 or an errno. Uses a hard link on file
+/// systems that cannot rename without replacing.
 int give_name(const std::string& unfinished, const std::string& path) {
-    const int error = rename_unless_there(unfinished, path);
+    const int error = rename_without_replacing(unfinished, path);
     if (error == 0) forget_temporary_file(unfinished);
     if (error != EINVAL && error != ENOSYS) return error;
     return link(unfinished.c_str(), path.c_str()) == 0 ? 0 : errno;
@@ -68,28 +68,28 @@ int give_name(const std::string& unfinished, const std::string& path) {
 
 NewFile create_gatebits_file(const std::string& path, const std::string& text,
                              const RecordedChange& change) {
-    const auto place = place_of_new_file(path);
-    if (!place) return NewFile::NOT_CREATED;
-    const std::string unfinished = unfinished_name(*place);
-    // With the permissions of any new file of the operator's.
+    const auto target = resolved_path(path);
+    if (!target) return NewFile::NOT_CREATED;
+    const std::string unfinished = unfinished_name(*target);
+    // With the operator's default permissions.
     const int file = create_temporary_file(unfinished, 0666);
     if (file == -1) return NewFile::NOT_CREATED;
     int error = write_sync_close(file, text);
     if (error != 0) gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
-    HistoryRecord record = record_change(*place, std::nullopt, change);
-    error = give_name(unfinished, *place);
+    HistoryRecord record = record_change(*target, std::nullopt, change);
+    error = give_name(unfinished, *target);
     if (error != 0) record.take_back();
     remove_temporary_file(unfinished);
     if (error != 0) return error == EEXIST ? NewFile::EXISTS : NewFile::NOT_CREATED;
-    error = sync_directory_of(*place);
+    error = sync_directory_of(*target);
     if (error != 0) gripe(filled(NEW_FILE_NOT_SYNCED, path.c_str(), std::strerror(error)));
     return NewFile::CREATED;
 }
 
 std::string bytes_to_copy(const std::string& path, const std::string& destination) {
-    // It must not be read while another process rewrites it in place.
+    // Another process may be rewriting the file in place.
     const FileLock lock = lock_file(path, LOCK_PATIENCE);
-    if (lock.state == LockState::KEPT_BY_ANOTHER) {
+    if (lock.state == LockState::HELD_BY_ANOTHER) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), EBUSY), EBUSY);
     }
     const Descriptor file(open_regular_file(path, O_RDONLY));
@@ -100,3 +100,5 @@ std::string bytes_to_copy(const std::string& path, const std::string& destinatio
     }
     return bytes;
 }
+
+}  // namespace gatescope

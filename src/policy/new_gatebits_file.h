@@ -4,22 +4,25 @@
 
 #include "policy/history.h"
 
-/// What became of a new gatebits file.
+namespace gatescope {
+
+/// The result of create_gatebits_file.
 enum class NewFile {
     CREATED,
-    EXISTS,       ///< somebody's file stands under that name; it was not touched
-    NOT_CREATED,  ///< there cannot be a file of that name, or not for us
+    EXISTS,       ///< a file of that name exists; it is unchanged
+    NOT_CREATED,  ///< no file of that name can be created, or not by this user
 };
 
-/// Creates the file `path` with `text` in it. It appears under its name whole and on the disk, or
-/// not at all, whatever stops the program, and never takes the place of another file. Where `path`
-/// is a link that leads nowhere, the file that it leads to is created; but a link of somebody else
-/// in a directory that everybody may write is not followed. Gripes, naming the file, the reason and
-/// the state, when the text cannot be written. Where a history is kept, what `change` says stands
-/// in it before the file does.
+/// Creates the file `path` with the content `text`, atomically even if the process is killed: it is
+/// complete and synced, or does not exist. No file is replaced. If `path` is a dangling symbolic
+/// link, its target is created; but another user's link in a world-writable directory is not
+/// followed. Gripes, with the file, the reason and the state, if the text cannot be written. If a
+/// history is kept, `change` is recorded before the file is created.
 NewFile create_gatebits_file(const std::string& path, const std::string& text,
                              const RecordedChange& change);
 
-/// All bytes of the gatebits file `path`, when nobody is changing it; gripes with the words of a
-/// copy to `destination` when it cannot be read, or somebody keeps its lock.
+/// All bytes of the gatebits file `path`, read under its lock. Gripes, with the message of a copy
+/// to `destination`, if it cannot be read, or another process keeps the lock.
 std::string bytes_to_copy(const std::string& path, const std::string& destination);
+
+}  // namespace gatescope

@@ -10,9 +10,10 @@
 #include "messages/policy_texts.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
-/// Takes the tool variables and returns the significant lines, without their leading blanks.
+/// Sets the tool variables, and returns the significant lines without their leading blanks.
 std::vector<std::string> scan_the_file(const Gatebits& gatebits, ToolSettings* tools) {
     std::vector<std::string> significant;
     for (const std::string& line : gatebits.lines()) {
@@ -22,17 +23,17 @@ std::vector<std::string> scan_the_file(const Gatebits& gatebits, ToolSettings* t
     return significant;
 }
 
-/// The fields of significant line n; gripes with `fault` when there are fewer than `least`.
+/// The fields of significant line n; gripes with `fault` if there are fewer than `minimum`.
 std::vector<std::string> fields_of_line(const std::vector<std::string>& lines, int n,
-                                        std::size_t least, const char* fault) {
+                                        std::size_t minimum, const char* fault) {
     const auto index = static_cast<std::size_t>(n) - 1;
     if (index >= lines.size()) gripe(fault);
     std::vector<std::string> fields = terminated_fields(lines[index]);
-    if (fields.size() < least) gripe(fault);
+    if (fields.size() < minimum) gripe(fault);
     return fields;
 }
 
-/// Gripes unless the depot line's third field, where there is one, is a logging personality.
+/// Gripes if the depot line has a third field that is not a logging personality.
 void check_logging(const std::vector<std::string>& depots, const std::string& depot_line,
                    const char* file) {
     if (depots.size() < LOGGING_FIELD) return;
@@ -51,7 +52,7 @@ std::string blank_when_empty(const std::string& value) {
     return value.empty() ? " " : value;
 }
 
-/// The relocated directory when there is one, else `name` in the depot.
+/// The relocated directory if there is one, else `name` in the depot.
 std::string directory_in_use(const std::string& relocated, const std::string& depot,
                              const char* name) {
     if (!relocated.empty()) return relocated;
@@ -80,3 +81,5 @@ RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSI
                                           region.SYSTEM_VARS__SYSTEM_POLICY_DIR, "query_results");
     return region;
 }
+
+}  // namespace gatescope

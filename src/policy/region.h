@@ -6,35 +6,39 @@
 #include "policy/gatebits.h"
 #include "policy/tool_variables.h"
 
-/// The gatebits file in use, and the region's settings as that has them. Whoever holds them loads
-/// them again when another file is in use or a setting in it has changed.
+namespace gatescope {
+
+/// The gatebits file in use, and the region's settings in it. The owner of this object reloads it
+/// when another file is in use or a setting has changed.
 struct RegionSettings {
     /// Path of the gatebits file in use. Set by the choice of the file at start-up and by the
     /// actions that switch, create and copy gatebits files.
     std::string ENTERPRIZE_PERMISSION_FILE;
-    /// The region's name; a single blank when the file has none.
+    /// The region's name; a single blank if the file has none.
     std::string ENTERPRIZE_NAME;
-    /// The UNIX policy depot; a single blank when empty.
+    /// The UNIX policy depot; a single blank if empty.
     std::string SYSTEM_VARS__SYSTEM_POLICY_DIR;
-    /// Directory of the region's log files, without a delimiter at its end.
+    /// Directory of the region's log files, without a trailing delimiter.
     std::string logging_dir;
-    /// Directory where report pages are written, without a delimiter at its end.
+    /// Directory of report pages, without a trailing delimiter.
     std::string results_dir;
     ToolSettings tools = {};
 };
 
-/// The region that a run works on.
+/// The region of this run.
 struct RegionInUse {
-    /// Set by start-up, and by whoever changes one of them or puts another file in use.
+    /// Set at start-up, and by actions that change a setting or use another file.
     RegionSettings settings = {};
-    /// The edition, as read_edition found it at start-up.
+    /// The result of read_edition at start-up.
     int GATEWARDEN_IS = 1;
-    /// As the last action on aliases found them; their count is not forgotten in between.
+    /// The aliases of the last action on aliases. Their count is kept between actions.
     Aliases aliases = {};
 };
 
-/// Loads the settings of the gatebits file, which stands at ENTERPRIZE_PERMISSION_FILE. Every fault
-/// of the region block ends the program through gripe: nothing is done with a damaged gatebits
-/// file. Tool variables without a line stay as they are in `tools`.
+/// The settings of the gatebits file at ENTERPRIZE_PERMISSION_FILE. Gripes for any fault of the
+/// region block, so that a damaged gatebits file is not used. Tool variables without a line keep
+/// their values of `tools`.
 RegionSettings interrogate_the_enterprise(const std::string& ENTERPRIZE_PERMISSION_FILE,
                                           const Gatebits& gatebits, const ToolSettings& tools);
+
+}  // namespace gatescope

@@ -1,8 +1,9 @@
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
-/// Which of the eight settings `line` sets, if any.
+/// The index of the setting that `line` sets, if any.
 std::optional<std::size_t> tool_variable_of(std::string_view line) {
     const std::string_view text = without_leading_blanks(line);
     for (std::size_t i = 0; i < GS_VAR_NAME.size(); ++i) {
@@ -46,7 +47,7 @@ void build_var_list(const Gatebits& gatebits, ToolSettings* tools) {
 std::optional<std::string> stored_variable(const Gatebits& gatebits, std::size_t index) {
     std::optional<std::string> value;
     for (const std::string& line : gatebits.lines()) {
-        // Of several lines the last one counts.
+        // The last of several lines counts.
         if (tool_variable_of(line) == index) value = value_in(line);
     }
     return value;
@@ -54,8 +55,10 @@ std::optional<std::string> stored_variable(const Gatebits& gatebits, std::size_t
 
 Rewrite change_a_var(const Gatebits& gatebits, ToolSettings tools, std::size_t index,
                      const std::string& value) {
-    // What another process has set meanwhile must not be undone.
+    // Keeps the settings that another process has changed in the meantime.
     for (const std::string& line : gatebits.lines()) take_tool_variable(line, &tools);
     tools.GS_VAR.at(index) = value;
     return {ChangeResult::WRITTEN, Gatebits(with_settings_on_top(tools, gatebits.lines()))};
 }
+
+}  // namespace gatescope

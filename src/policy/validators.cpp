@@ -12,20 +12,21 @@
 #include "messages/validator_texts.h"
 #include "policy/aliases.h"
 
+namespace gatescope {
 namespace {
 
 constexpr int MAX_FIELD_VALUE = 256;
 
-/// A value that may be rejected.
-struct Proposed {
+/// A value to be checked.
+struct Candidate {
     std::string value;
     std::string os = {};
-    /// Of the notify program only: the UNIX depot.
+    /// For the notify program only: the UNIX depot.
     std::string depot = {};
 };
 
 struct Check {
-    Validity (*validity)(const Check& check, const Proposed& proposed);
+    Validity (*validity)(const Check& check, const Candidate& candidate);
     const char* item = "";
     const char* kind = "";
     int maximum = 0;
@@ -35,69 +36,69 @@ Validity accepted() {
     return {};
 }
 
-enum class OnDisk { NOTHING, DIRECTORY, OTHER };
+enum class FileKind { NONE, DIRECTORY, OTHER };
 
-OnDisk what_is_at(const std::string& path) {
+FileKind file_kind_at(const std::string& path) {
     struct stat status;
-    if (stat(path.c_str(), &status) != 0) return OnDisk::NOTHING;
-    return S_ISDIR(status.st_mode) ? OnDisk::DIRECTORY : OnDisk::OTHER;
+    if (stat(path.c_str(), &status) != 0) return FileKind::NONE;
+    return S_ISDIR(status.st_mode) ? FileKind::DIRECTORY : FileKind::OTHER;
 }
 
-Validity length(const Check& check, const Proposed& proposed) {
-    return item_value_exceeds_max_character_size(check.item, proposed.value, check.maximum);
+Validity length(const Check& check, const Candidate& candidate) {
+    return item_value_exceeds_max_character_size(check.item, candidate.value, check.maximum);
 }
 
-Validity path_characters(const Check& check, const Proposed& proposed) {
-    return value_contains_file_dir_OS_posion(proposed.value, check.item, check.kind, proposed.os);
+Validity path_characters(const Check& check, const Candidate& candidate) {
+    return value_contains_file_dir_OS_posion(candidate.value, check.item, check.kind, candidate.os);
 }
 
-Validity end_of_path(const Check& check, const Proposed& proposed) {
-    return value_ends_in_OS_dir_char(proposed.value, check.item, proposed.os);
+Validity end_of_path(const Check& check, const Candidate& candidate) {
+    return value_ends_in_OS_dir_char(candidate.value, check.item, candidate.os);
 }
 
-Validity comma_or_semi(const Check& check, const Proposed& proposed) {
-    return value_has_comma_or_semi(proposed.value, check.item);
+Validity comma_or_semi(const Check& check, const Candidate& candidate) {
+    return value_has_comma_or_semi(candidate.value, check.item);
 }
 
-Validity directory_is_there(const Check&, const Proposed& proposed) {
-    if (proposed.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(proposed.value);
-    if (found == OnDisk::DIRECTORY) return accepted();
-    const char* path = proposed.value.c_str();
-    return found == OnDisk::NOTHING ? filled(DEPOT_DOES_NOT_EXIST, path)
-                                    : filled(DEPOT_IS_A_FILE, path);
+Validity directory_is_there(const Check&, const Candidate& candidate) {
+    if (candidate.os != THIS_OS) return accepted();
+    const FileKind found = file_kind_at(candidate.value);
+    if (found == FileKind::DIRECTORY) return accepted();
+    const char* path = candidate.value.c_str();
+    return found == FileKind::NONE ? filled(DEPOT_DOES_NOT_EXIST, path)
+                                   : filled(DEPOT_IS_A_FILE, path);
 }
 
-Validity parent_is_there(const Check&, const Proposed& proposed) {
-    if (proposed.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(proposed.value);
-    if (found == OnDisk::OTHER) return accepted();
-    const char* path = proposed.value.c_str();
-    return found == OnDisk::NOTHING ? filled(PARENT_DOES_NOT_EXIST, path)
-                                    : filled(PARENT_IS_A_DIRECTORY, path);
+Validity parent_is_there(const Check&, const Candidate& candidate) {
+    if (candidate.os != THIS_OS) return accepted();
+    const FileKind found = file_kind_at(candidate.value);
+    if (found == FileKind::OTHER) return accepted();
+    const char* path = candidate.value.c_str();
+    return found == FileKind::NONE ? filled(PARENT_DOES_NOT_EXIST, path)
+                                   : filled(PARENT_IS_A_DIRECTORY, path);
 }
 
-Validity program_is_in_depot(const Check&, const Proposed& proposed) {
-    if (proposed.os != THIS_OS) return accepted();
-    const OnDisk found = what_is_at(proposed.depot + DIR_DELIMETER + proposed.value);
-    if (found == OnDisk::OTHER) return accepted();
-    const char* program = proposed.value.c_str();
-    return found == OnDisk::NOTHING ? filled(NOTIFY_DOES_NOT_EXIST, program)
-                                    : filled(NOTIFY_IS_A_DIRECTORY, program);
-}
-
-/// `check.item` is the message.
-Validity semi(const Check& check, const Proposed& proposed) {
-    return holds_any_of(proposed.value.c_str(), ";") ? Validity(check.item) : accepted();
+Validity program_is_in_depot(const Check&, const Candidate& candidate) {
+    if (candidate.os != THIS_OS) return accepted();
+    const FileKind found = file_kind_at(candidate.depot + DIR_DELIMETER + candidate.value);
+    if (found == FileKind::OTHER) return accepted();
+    const char* program = candidate.value.c_str();
+    return found == FileKind::NONE ? filled(NOTIFY_DOES_NOT_EXIST, program)
+                                   : filled(NOTIFY_IS_A_DIRECTORY, program);
 }
 
 /// `check.item` is the message.
-Validity emptiness(const Check& check, const Proposed& proposed) {
-    return proposed.value.empty() ? Validity(check.item) : accepted();
+Validity semi(const Check& check, const Candidate& candidate) {
+    return holds_any_of(candidate.value.c_str(), ";") ? Validity(check.item) : accepted();
 }
 
-Validity name_characters(const Check&, const Proposed& proposed) {
-    return holds_only(proposed.value.c_str(), VALID_ALIAS_NAME_CHAR)
+/// `check.item` is the message.
+Validity emptiness(const Check& check, const Candidate& candidate) {
+    return candidate.value.empty() ? Validity(check.item) : accepted();
+}
+
+Validity name_characters(const Check&, const Candidate& candidate) {
+    return holds_only(candidate.value.c_str(), VALID_ALIAS_NAME_CHAR)
                ? accepted()
                : Validity(ALIAS_NAME_CHARACTERS);
 }
@@ -143,18 +144,18 @@ constexpr Check ALIAS_NAME_CHECKS[] = {
     {name_characters},
 };
 
-Validity first_rejection(std::span<const Check> checks, Proposed proposed) {
-    proposed.value = c_text(proposed.value);
+Validity first_rejection(std::span<const Check> checks, Candidate candidate) {
+    candidate.value = c_text(candidate.value);
     for (const Check& check : checks) {
-        const Validity validity = check.validity(check, proposed);
+        const Validity validity = check.validity(check, candidate);
         if (!validity.accepted()) return validity;
     }
     return accepted();
 }
 
-/// An empty value clears the field, whatever the field holds.
-Validity unless_cleared(std::span<const Check> checks, const Proposed& proposed) {
-    return c_text(proposed.value).empty() ? accepted() : first_rejection(checks, proposed);
+/// Accepts an empty value, which clears the field.
+Validity empty_or_checked(std::span<const Check> checks, const Candidate& candidate) {
+    return c_text(candidate.value).empty() ? accepted() : first_rejection(checks, candidate);
 }
 
 }  // namespace
@@ -186,29 +187,29 @@ Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
 }
 
 Validity region_depot_is_ok(const std::string& value, const std::string& os) {
-    return unless_cleared(DEPOT_CHECKS, {value, os});
+    return empty_or_checked(DEPOT_CHECKS, {value, os});
 }
 
 Validity region_parent_is_ok(const std::string& value, const std::string& os) {
-    return unless_cleared(PARENT_CHECKS, {value, os});
+    return empty_or_checked(PARENT_CHECKS, {value, os});
 }
 
 Validity region_notify_is_ok(const std::string& value, const std::string& os,
                              const Gatebits& gatebits) {
-    return unless_cleared(NOTIFY_CHECKS,
-                          {value, os, field_or_empty(gatebits, DEPOT_LINE, UNIX_FIELD)});
+    return empty_or_checked(NOTIFY_CHECKS,
+                            {value, os, field_or_empty(gatebits, DEPOT_LINE, UNIX_FIELD)});
 }
 
 Validity region_list_is_ok(const std::string& value) {
-    return unless_cleared(LIST_CHECKS, {value});
+    return empty_or_checked(LIST_CHECKS, {value});
 }
 
 Validity region_MOTD_is_ok(const std::string& value) {
-    return unless_cleared(MOTD_CHECKS, {value});
+    return empty_or_checked(MOTD_CHECKS, {value});
 }
 
 Validity region_MOTDL_is_ok(const std::string& value) {
-    return unless_cleared(MOTD_LIST_CHECKS, {value});
+    return empty_or_checked(MOTD_LIST_CHECKS, {value});
 }
 
 Validity alias_value_is_ok(const std::string& value) {
@@ -223,3 +224,5 @@ Validity alias_name_is_ok(const std::string& name, const Aliases& others) {
     if (std::find(begin, end, std::string(c_text(name))) == end) return accepted();
     return filled(ALIAS_NAME_EXISTS, name.c_str());
 }
+
+}  // namespace gatescope

@@ -6,48 +6,52 @@
 #include "policy/aliases.h"
 #include "policy/gatebits.h"
 
-// Whether what the operator entered may stand in its field. Lengths are in bytes. An `os` is the
-// name of the field's column; paths of the other system are checked by their form only.
+namespace gatescope {
 
-/// What a validator says: the value is accepted, or the message of the first check that it failed.
+// Checks of the values that the operator enters for fields. Lengths are in bytes. `os` is the name
+// of the field's operating system; only the form of the other system's paths is checked.
+
+/// The result of a validator: accepted, or the message of the first failed check.
 class Validity {
   public:
     Validity() = default;
     Validity(std::string message) : message_(std::move(message)) {}
 
     [[nodiscard]] bool accepted() const { return message_.empty(); }
-    /// Why not; empty when it is accepted.
+    /// The message of the failed check; empty if the value is accepted.
     [[nodiscard]] const std::string& message() const { return message_; }
 
   private:
     std::string message_;
 };
 
-// Building blocks. `item` is what the message calls the value.
+// Single checks. `item` is the name of the value in the message.
 
-/// Whether the value has no more than `maximum` bytes.
+/// Accepts values of at most `maximum` bytes.
 Validity item_value_exceeds_max_character_size(const char* item, const std::string& value,
                                                int maximum);
-/// Whether a path is free of the other system's directory separator and of what ends a field or a
-/// list item. `kind` is DIRECTORY_KIND or FILE_KIND.
+/// Accepts paths without commas, semicolons and the other system's directory separator. `kind` is
+/// DIRECTORY_KIND or FILE_KIND.
 Validity value_contains_file_dir_OS_posion(const std::string& value, const char* item,
                                            const char* kind, const std::string& os);
-/// Whether a value is free of what ends a field or a list item.
+/// Accepts values without commas and semicolons.
 Validity value_has_comma_or_semi(const std::string& value, const char* item);
-/// Whether a path ends in anything but a directory separator of its system.
+/// Accepts paths that do not end in a directory separator of their system.
 Validity value_ends_in_OS_dir_char(const std::string& value, const char* item,
                                    const std::string& os);
 
-// Validators. Only the two of aliases reject an empty value.
+// Validators. Only those of aliases reject an empty value.
 
 Validity region_depot_is_ok(const std::string& value, const std::string& os);
 Validity region_parent_is_ok(const std::string& value, const std::string& os);
-/// The program is looked for in the UNIX depot that the gatebits file names.
+/// The program must exist in the UNIX depot of the gatebits file.
 Validity region_notify_is_ok(const std::string& value, const std::string& os,
                              const Gatebits& gatebits);
 Validity region_list_is_ok(const std::string& value);
 Validity region_MOTD_is_ok(const std::string& value);
 Validity region_MOTDL_is_ok(const std::string& value);
 Validity alias_value_is_ok(const std::string& value);
-/// Whether the name may be that of a new alias beside the `others`.
+/// Accepts valid names for a new alias that none of the `others` has.
 Validity alias_name_is_ok(const std::string& name, const Aliases& others);
+
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
 std::string state_of(const Failure& failure, const std::string& safe_copy) {
@@ -41,3 +42,5 @@ void gripe_not_replaced(const Failure& failure, const std::string& path,
     gripe_not_written(failure.file, is_regular ? std::strerror(failure.error) : IS_NO_REGULAR_FILE,
                       state_of(failure, safe_copy));
 }
+
+}  // namespace gatescope

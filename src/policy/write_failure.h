@@ -4,12 +4,15 @@
 
 #include "base/replace_file.h"
 
-// What the operator is told when a file could not be written: which, why, and in what state it was
-// left. Both end the program.
+namespace gatescope {
 
-/// `path` is as it was.
+// End the program after a failed write, with the file, the reason and the state of the file.
+
+/// For a failure that left `path` unchanged.
 [[noreturn]] void gripe_unchanged(const std::string& path, const std::string& reason);
 
-/// For replace_file, which was given `path` and `safe_copy`.
+/// For a failure of replace_file(path, ..., safe_copy).
 [[noreturn]] void gripe_not_replaced(const Failure& failure, const std::string& path,
                                      const std::string& safe_copy);
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 
 #include "messages/log_texts.h"
 
+namespace gatescope {
+
 /// Thrown by the steps on a log that has to stay as it is until the next pruning: the file that is
 /// the cause, and the reason.
 struct LeftAlone {
@@ -17,3 +19,5 @@ struct LeftAlone {
 inline void leave_alone_on(int error, const std::string& name) {
     if (error != 0) throw LeftAlone{name, error == EWOULDBLOCK ? KEPT_OPEN : std::strerror(error)};
 }
+
+}  // namespace gatescope

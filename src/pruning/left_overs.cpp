@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <utility>
 
+namespace gatescope {
 namespace {
 
 /// In the order of the kinds.
@@ -33,3 +34,5 @@ std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::
     }
     return found;
 }
+
+}  // namespace gatescope

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace gatescope {
+
 // What a pruning may leave beside a log, wherever it is ended. Nothing is ever appended to a log,
 // cut or overwritten: its whole new text is made in the scratch file and renamed over it.
 //
@@ -36,3 +38,5 @@ LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
 
 /// Those of `names` that are left-overs of the log.
 std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::string>& names);
+
+}  // namespace gatescope

@@ -12,11 +12,13 @@
 #include "base/whole_file.h"
 #include "base/writers.h"
 #include "dialog/messages.h"
-#include "logs/kept_records.h"
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
 #include "messages/startup_texts.h"
 #include "pruning/left_alone.h"
+#include "records/kept_records.h"
+
+namespace gatescope {
 
 namespace {
 
@@ -259,3 +261,5 @@ bool rewrite(Log* log, Work* work, Moment deadline) {
     replace(&sources, log, work);
     return true;
 }
+
+}  // namespace gatescope

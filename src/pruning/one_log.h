@@ -12,6 +12,8 @@
 #include "pruning/left_overs.h"
 #include "pruning/patience.h"
 
+namespace gatescope {
+
 /// A log of the region.
 struct Log {
     std::string name;
@@ -61,3 +63,5 @@ void prepare(Log* log, const std::vector<std::string>& names, Work* work);
 /// nothing was added to. Processes that have one of the files open for writing are waited for until
 /// `deadline`.
 bool rewrite(Log* log, Work* work, Moment deadline);
+
+}  // namespace gatescope

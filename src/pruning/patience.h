@@ -2,6 +2,8 @@
 
 #include <chrono>
 
+namespace gatescope {
+
 using Moment = std::chrono::steady_clock::time_point;
 
 /// How long log writers are waited for. Each looks for the pruning token, opens a file, appends one
@@ -13,3 +15,5 @@ struct Patience {
     /// A pause for writers that have looked for the token and have not opened a file yet.
     std::chrono::milliseconds pause{5};
 };
+
+}  // namespace gatescope

@@ -21,6 +21,9 @@
 #include "messages/log_texts.h"
 #include "pruning/left_alone.h"
 #include "pruning/one_log.h"
+#include "records/query_period.h"
+
+namespace gatescope {
 
 namespace {
 
@@ -28,11 +31,11 @@ namespace {
 /// errno; `*is_new` says whether this run has made it.
 int write_token(const Work& work, Moment deadline, bool* is_new) {
     constexpr int FLAGS = O_WRONLY | O_APPEND;
-    if (would_stay_at(work.logs.path_of(work.token))) return EPERM;
+    if (is_in_append_only_directory(work.logs.path_of(work.token))) return EPERM;
     Descriptor token = work.logs.open(work.token, FLAGS, deadline);
     const bool is_missing = !token && errno == ENOENT;
     if (!token && !is_missing) return errno;
-    remember_for_signals(work.token, work.logs.descriptor());
+    remember_file_removed_on_signal(work.token, work.logs.descriptor());
     // In a step of its own: in a sticky directory the system may make nothing where another user's
     // file is.
     if (is_missing) token = work.logs.open(work.token, FLAGS | O_CREAT | O_EXCL, deadline);
@@ -174,3 +177,5 @@ void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patie
     if (logs.display) return advise(text);
     write_output(text);
 }
+
+}  // namespace gatescope

@@ -5,6 +5,8 @@
 
 #include "pruning/patience.h"
 
+namespace gatescope {
+
 /// A region's logs, as its pruning needs to know them.
 struct LogsToPrune {
     /// Where they are, without a delimiter at its end.
@@ -23,3 +25,5 @@ struct LogsToPrune {
 /// SIGHUP take the scratch file and the token away. Wherever it is ended, no retained record is
 /// lost or doubled, and the next pruning puts all in order; left_overs.h says how.
 void prune_logging_files(const LogsToPrune& logs, std::uint8_t days, const Patience& patience = {});
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "base/text.h"
 #include "messages/command_names.h"
 
+namespace gatescope {
+
 std::string ALL_TRIGGERABLE_COMMANDS() {
     std::string all = ",";
     for (const auto name : TRIGGERABLE_COMMANDS) all.append(name) += ',';
@@ -29,3 +31,5 @@ int command_number(const std::string& name) {
     if (place == std::string::npos) return 0;
     return static_cast<int>(leading_number(ALL_TRIGGERABLE_COMMANDS_MAP().c_str() + place + 1));
 }
+
+}  // namespace gatescope

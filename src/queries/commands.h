@@ -2,13 +2,17 @@
 
 #include <string>
 
-/// The triggerable commands as one text, each between commas, beginning and ending with one.
+namespace gatescope {
+
+/// The triggerable commands, separated by commas, with a comma before the first and after the last.
 std::string ALL_TRIGGERABLE_COMMANDS();
-/// A text of the same length: where a command's name begins in the other one, its number stands
-/// here in decimal; every other character is a comma.
+/// A text of the same length with the decimal number of each command at the offset of its name, and
+/// commas elsewhere.
 std::string ALL_TRIGGERABLE_COMMANDS_MAP();
 
-/// A command's number, 1 to 54, as log records carry it; 0 when there is no such command, and for
-/// "*". The search is for the name between commas, so two neighbours of the list, joined by their
-/// comma, count as the first of them.
+/// The number of a command in log records, 1 to 54; 0 for "*" and for an unknown command. The name
+/// is searched between commas, so two adjacent commands joined by a comma have the number of the
+/// first.
 int command_number(const std::string& name);
+
+}  // namespace gatescope

@@ -3,10 +3,12 @@
 #include <optional>
 #include <string>
 
-/// What the command line asked for: parse_arguments makes it, and nothing changes it afterwards.
+namespace gatescope {
+
+/// The options of the command line: set by parse_arguments and not changed afterwards.
 struct Options {
-    /// Whether the argument was given. file_selected also says that the file could be read, and
-    /// R= sets display_selected: the command line says why.
+    /// Whether the argument was given. file_selected also requires that the file can be read, and
+    /// R= sets display_selected; see parse_arguments.
     bool file_selected = false;
     bool query_selected = false;
     bool action_selected = false;
@@ -18,7 +20,7 @@ struct Options {
     bool repeat_selected = false;
     bool data_gen_selected = false;
 
-    /// The file of the last F=, whether or not it can be read; nothing without an F=.
+    /// The file of the last F=, readable or not; nothing without an F=.
     std::optional<std::string> selected_file;
     /// 1 to 6 and 1 to 29.
     int selected_query = 0;
@@ -37,8 +39,11 @@ struct Options {
     /// Whether the installer started the program.
     bool IS_DURING_INSTALL = false;
 
-    /// Whether a finished page or pruning is shown, and not only named on standard output.
+    /// Whether a finished page or pruning is shown in a dialog or browser, not only reported on
+    /// standard output.
     [[nodiscard]] bool displays() const { return selected_display != "n"; }
     /// Whether the program stops after the first request.
     [[nodiscard]] bool runs_once() const { return selected_repeat.front() == 'n'; }
 };
+
+}  // namespace gatescope

@@ -12,14 +12,15 @@
 #include "messages/query_texts.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
-// How log records hold a value: the number of a command, a user, a bit or key.
+// A value in a log record: the number of a command, a user, the number of a bit or key.
 constexpr char COMMAND_FILTER[] = "[%d]";
 constexpr char USER_FILTER[] = ":%s[";
 constexpr char NUMBER_FILTER[] = "<%lld>";
 
-// What the command line gave.
+// The values of the command line.
 
 std::string given_command(const Options& options) {
     return options.selected_command;
@@ -67,9 +68,9 @@ Reply input_key(int edition) {
     return prompt(edition == 1 ? PROMPT_INPUT_KEY : PROMPT_INPUT_CPD, ALL);
 }
 
-// The value in an answer; empty when the question has to come again.
+// The value of an answer; empty if the question has to be repeated.
 
-std::string as_answered(const std::string& answer) {
+std::string text_in(const std::string& answer) {
     return answer;
 }
 
@@ -102,8 +103,8 @@ std::string number_filter(const std::string& number) {
 }
 
 struct ParameterRow {
-    /// Whether the command line gave it, and what.
-    bool Options::*given;
+    /// Whether the command line has the parameter, and its value.
+    bool Options::*is_given;
     std::string (*given_value)(const Options& options);
     Reply (*ask_operator)(int edition);
     std::string (*value_in)(const std::string& answer);
@@ -112,8 +113,8 @@ struct ParameterRow {
 
 /// In the order of Parameter.
 constexpr std::array<ParameterRow, 4> PARAMETERS = {{
-    {&Options::command_selected, given_command, pick_command, as_answered, command_filter},
-    {&Options::user_selected, given_user, input_user, as_answered, user_filter},
+    {&Options::command_selected, given_command, pick_command, text_in, command_filter},
+    {&Options::user_selected, given_user, input_user, text_in, user_filter},
     {&Options::bit_selected, given_bit, pick_bit, bit_in, number_filter},
     {&Options::key_selected, given_key, input_key, key_in, number_filter},
 }};
@@ -126,7 +127,7 @@ const ParameterRow& row_of(Parameter parameter) {
 
 std::optional<std::string> value_of(Parameter parameter, const Options& options, int edition) {
     const ParameterRow& row = row_of(parameter);
-    if (options.*row.given) return row.given_value(options);
+    if (options.*row.is_given) return row.given_value(options);
     std::string value;
     while (value.empty()) {
         const Reply reply = row.ask_operator(edition);
@@ -139,3 +140,5 @@ std::optional<std::string> value_of(Parameter parameter, const Options& options,
 std::string filter_for(Parameter parameter, const std::string& value) {
     return value == ALL ? "" : row_of(parameter).filter(value);
 }
+
+}  // namespace gatescope

@@ -16,6 +16,7 @@
 #include "report/graph.h"
 #include "report/page.h"
 
+namespace gatescope {
 namespace {
 
 constexpr auto COMMAND = Parameter::COMMAND;
@@ -23,7 +24,7 @@ constexpr auto USER = Parameter::USER;
 constexpr auto BIT = Parameter::BIT;
 constexpr auto KEY = Parameter::KEY;
 
-// What all log records hold that a query is about.
+// The fixed filters of the queries.
 
 const char* any_command(int /*edition*/) {
     return "[";
@@ -35,7 +36,7 @@ const char* key_denials(int edition) {
     return edition == 1 ? "]K<" : "]C<";
 }
 
-// How the titles begin; `subject` is the value of the parameter that the query is about.
+// The beginnings of the titles; `subject` is the value of the query's first parameter.
 
 std::string title_1(const std::string& subject, int /*edition*/) {
     return subject == ALL ? TITLE_Q1_ALL : filled(TITLE_Q1_ONE, subject.c_str());
@@ -68,18 +69,18 @@ std::string title_6(const std::string& subject, int /*edition*/) {
 
 struct Query {
     std::string (*title)(const std::string& subject, int edition);
-    /// Whether the first parameter is the subject, which the title begins with.
+    /// Whether the beginning of the title names the first parameter.
     bool has_subject;
     /// In the order in which they are asked for.
-    std::array<Parameter, 3> parameters;
+    std::array<Parameter, 3> all_parameters;
     std::size_t number_of_parameters;
-    /// What fills the first filter slot, and the slot (from 0) of the first parameter; where they
-    /// are the same, a value takes the place of the fixed filter.
+    /// The filter in slot 0, and the slot of the first parameter. If that is 0 too, the filter of a
+    /// value replaces the fixed one.
     const char* (*fixed_filter)(int edition);
     std::size_t first_parameter_slot;
 
-    [[nodiscard]] std::span<const Parameter> asked() const {
-        return {parameters.data(), number_of_parameters};
+    [[nodiscard]] std::span<const Parameter> parameters() const {
+        return {all_parameters.data(), number_of_parameters};
     }
 };
 
@@ -93,10 +94,10 @@ constexpr std::array<Query, 6> QUERIES = {{
     {title_6, true, {COMMAND, USER}, 2, any_command, 0},
 }};
 
-/// The values of the query's parameters; empty when the operator cancelled one.
+/// The values of the query's parameters; empty if the operator cancelled a dialog.
 std::vector<std::string> ask_for_values(const Query& query, const Options& options, int edition) {
     std::vector<std::string> values;
-    for (const Parameter parameter : query.asked()) {
+    for (const Parameter parameter : query.parameters()) {
         const auto value = value_of(parameter, options, edition);
         if (!value) return {};
         values.push_back(*value);
@@ -110,7 +111,7 @@ std::array<std::string, 4> filters_of(const Query& query, const std::vector<std:
     filters.fill(ANY_LOG_ENTRY);
     filters[0] = query.fixed_filter(edition);
     for (std::size_t i = 0; i < values.size(); ++i) {
-        const std::string filter = filter_for(query.asked()[i], values[i]);
+        const std::string filter = filter_for(query.parameters()[i], values[i]);
         if (!filter.empty()) filters.at(query.first_parameter_slot + i) = filter;
     }
     return filters;
@@ -123,17 +124,17 @@ std::string title_part(Parameter parameter, const std::string& value) {
     return value == ALL ? TITLE_FOR_ALL_COMMANDS : filled(TITLE_FOR_COMMAND, value.c_str());
 }
 
-/// What operators answer is text in the page, whatever it holds.
+/// The heading of the page; special characters of HTML in the values are escaped.
 std::string title_of(const Query& query, std::vector<std::string> values, int edition) {
     for (std::string& value : values) value = text_in_page(value);
     std::string title = query.title(values.front(), edition);
     for (std::size_t i = query.has_subject ? 1 : 0; i < values.size(); ++i) {
-        title += title_part(query.asked()[i], values[i]);
+        title += title_part(query.parameters()[i], values[i]);
     }
     return title;
 }
 
-/// The lines of the keys that a page lists, up to the highest one counted.
+/// The lines of the command keys up to `highest_key`.
 KeyLines key_lines(const std::string& gatebits_file, int highest_key) {
     if (highest_key < 1) return {};
     const Gatebits gatebits = read_gatebits(gatebits_file);
@@ -144,7 +145,7 @@ KeyLines key_lines(const std::string& gatebits_file, int highest_key) {
     return lines;
 }
 
-/// The operator's answers, the filters, the counts, the page, the display.
+/// Asks for the parameters, counts the records, and makes and shows the page.
 void run(int number, const Options& options, const QueriedRegion& region) {
     const auto asked = ask_for_query(number, options, region.edition);
     if (!asked) return;
@@ -190,3 +191,5 @@ bool Q_during_install(bool during_install) {
     advise_wait(NO_QUERIES_DURING_INSTALL);
     return true;
 }
+
+}  // namespace gatescope

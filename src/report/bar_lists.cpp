@@ -3,9 +3,11 @@
 #include "base/filled.h"
 #include "messages/bar_list_texts.h"
 #include "messages/bit_names.h"
-#include "messages/page_texts.h"
+#include "report/bar_list_html.h"
 #include "report/bars.h"
+#include "report/page_html.h"
 
+namespace gatescope {
 namespace {
 
 void print_list_opening(const QueryResult& result, const char* noun, Page* page) {
@@ -51,7 +53,7 @@ std::string key_title(const char* noun, int key, std::uint32_t count) {
     return filled(KEY_INVOKED, noun, key, count);
 }
 
-/// Only what would open a tag is escaped; the rest of a key's line may be HTML of its own.
+/// Escapes angle brackets only: the line of a key may contain other HTML.
 std::string without_tags(const std::string& line) {
     std::string text;
     for (const char character : line) {
@@ -70,8 +72,8 @@ std::string without_tags(const std::string& line) {
 }
 
 std::string key_description(const KeyLines& lines, std::size_t key) {
-    const bool there = key <= lines.size() && lines[key - 1];
-    return there ? without_tags(*lines[key - 1]) : KEY_NOT_AVAILABLE;
+    const bool exists = key <= lines.size() && lines[key - 1];
+    return exists ? without_tags(*lines[key - 1]) : KEY_NOT_AVAILABLE;
 }
 
 }  // namespace
@@ -99,3 +101,5 @@ void Display_Graph__hbars_Keys(const QueryResult& result, const KeyLines& lines,
     }
     print_list_closing(page);
 }
+
+}  // namespace gatescope

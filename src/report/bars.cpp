@@ -2,10 +2,11 @@
 
 #include <algorithm>
 
+namespace gatescope {
 namespace {
 
-/// `count` shown against `scale`, not shorter than one pixel. Both are at most 32 bits, so the
-/// product cannot overflow.
+/// The share of `count` in `scale` of `full` pixels, at least 1. Count and scale are 32-bit
+/// numbers, so the product cannot overflow.
 int length(std::uint64_t count, std::uint64_t scale, int full) {
     return std::max(static_cast<int>(count * static_cast<std::uint64_t>(full) / scale), 1);
 }
@@ -35,3 +36,5 @@ Percentages percentages(std::uint32_t allowed, std::uint32_t denied) {
     }
     return shares;
 }
+
+}  // namespace gatescope

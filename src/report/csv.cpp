@@ -8,11 +8,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <initializer_list>
 #include <string_view>
+#include <utility>
 
 #include "base/descriptor.h"
 #include "base/filled.h"
-#include "base/signals.h"
+#include "base/signals_held.h"
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"
@@ -20,12 +22,13 @@
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::string_view LINE_END = "\r\n";
 
-/// A field in quotes where it needs them.
-std::string field(const std::string& text) {
+/// The text, in quotes if it contains a delimiter.
+std::string csv_field(const std::string& text) {
     if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
     std::string quoted = "\"";
     for (const char character : text) {
@@ -35,13 +38,13 @@ std::string field(const std::string& text) {
     return quoted + '"';
 }
 
-class Lines {
+class CsvLines {
   public:
-    /// The fields of a line, without the end of the line.
+    /// Adds a line with these fields.
     void add(std::initializer_list<std::string> fields) {
         const char* separator = "";
         for (const std::string& text : fields) {
-            csv_.append(separator).append(field(text));
+            csv_.append(separator).append(csv_field(text));
             separator = ",";
         }
         csv_ += LINE_END;
@@ -52,7 +55,7 @@ class Lines {
     std::string csv_;
 };
 
-/// The cells of the days, the oldest first.
+/// Calls `add_day(date, cell)` for each day cell, the oldest first.
 template <typename AddDay>
 void for_each_day(const QueryPeriod& period, AddDay add_day) {
     for (std::size_t cell = QUERY_DAYS; cell-- > 0;) {
@@ -61,8 +64,8 @@ void for_each_day(const QueryPeriod& period, AddDay add_day) {
     }
 }
 
-std::string both_counts(const QueryResult& result) {
-    Lines lines;
+std::string csv_of_both_counts(const QueryResult& result) {
+    CsvLines lines;
     lines.add({"day", "allowed", "denied"});
     for_each_day(result.asked.period, [&](const std::string& day, std::size_t cell) {
         lines.add({day, std::to_string(result.cell_success[cell]),
@@ -71,9 +74,9 @@ std::string both_counts(const QueryResult& result) {
     return std::move(lines).text();
 }
 
-std::string one_count(const QueryResult& result,
-                      const std::array<std::uint32_t, QUERY_DAYS>& counts) {
-    Lines lines;
+std::string csv_of_counts(const QueryResult& result,
+                          const std::array<std::uint32_t, QUERY_DAYS>& counts) {
+    CsvLines lines;
     lines.add({"day", "count"});
     for_each_day(result.asked.period, [&](const std::string& day, std::size_t cell) {
         lines.add({day, std::to_string(counts[cell])});
@@ -81,8 +84,8 @@ std::string one_count(const QueryResult& result,
     return std::move(lines).text();
 }
 
-std::string bits(const QueryResult& result) {
-    Lines lines;
+std::string csv_of_bits(const QueryResult& result) {
+    CsvLines lines;
     lines.add({"bit", "name", "uses"});
     for (std::size_t bit = 0; bit < GATEWARDEN_BITS_DESC.size(); ++bit) {
         lines.add({std::to_string(bit), GATEWARDEN_BITS_DESC.at(bit),
@@ -91,20 +94,20 @@ std::string bits(const QueryResult& result) {
     return std::move(lines).text();
 }
 
-std::string keys(const QueryResult& result, const KeyLines& key_lines) {
-    Lines lines;
+std::string csv_of_keys(const QueryResult& result, const KeyLines& key_lines) {
+    CsvLines lines;
     lines.add({"key", "line", "denials"});
     for (int key = 1; key <= result.highest_key_read; ++key) {
         const auto index = static_cast<std::size_t>(key);
-        const bool there = index <= key_lines.size() && key_lines[index - 1];
-        lines.add({std::to_string(key), there ? *key_lines[index - 1] : "",
+        const bool exists = index <= key_lines.size() && key_lines[index - 1];
+        lines.add({std::to_string(key), exists ? *key_lines[index - 1] : "",
                    std::to_string(result.cell_success.at(index))});
     }
     return std::move(lines).text();
 }
 
-/// A new file on the list of temporary files, or none with errno set.
-Descriptor create_listed(const std::string& path) {
+/// Creates a file and registers it as temporary; closed, with errno set, if that fails.
+Descriptor create_registered(const std::string& path) {
     const SignalsHeld held;
     Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (file) remember_temporary_file(path);
@@ -113,24 +116,24 @@ Descriptor create_listed(const std::string& path) {
 
 }  // namespace
 
-bool csv_is_wanted() {
-    const char* wish = std::getenv(ENV_CSV);
-    return wish != nullptr && strcasecmp(wish, "yes") == 0;
+bool csv_is_requested() {
+    const char* value = std::getenv(ENV_CSV);
+    return value != nullptr && strcasecmp(value, "yes") == 0;
 }
 
 std::string csv_of(const QueryResult& result, const KeyLines& lines) {
     switch (result.asked.query) {
         case 1:
         case 6:
-            return both_counts(result);
+            return csv_of_both_counts(result);
         case 2:
-            return one_count(result, result.cell_success);
+            return csv_of_counts(result, result.cell_success);
         case 3:
-            return one_count(result, result.cell_denied);
+            return csv_of_counts(result, result.cell_denied);
         case 4:
-            return bits(result);
+            return csv_of_bits(result);
         case 5:
-            return keys(result, lines);
+            return csv_of_keys(result, lines);
         default:
             gripe_uncoded("csv_of");
     }
@@ -141,12 +144,14 @@ std::string csv_path(const std::string& page_path) {
 }
 
 void store_csv(const std::string& path, const std::string& csv) {
-    // Written first to a file of this process alone, in the same directory. That is on the list of
-    // temporary files, so it goes whatever happens here.
+    // Written first to a file with the process id in its name, in the same directory. It is
+    // registered as temporary, so it is removed if the program ends early.
     const std::string unfinished = path + "." + std::to_string(getpid());
-    Descriptor file = create_listed(unfinished);
+    Descriptor file = create_registered(unfinished);
     int error = file ? write_sync_close(file.release(), csv) : errno;
     if (error == 0 && std::rename(unfinished.c_str(), path.c_str()) != 0) error = errno;
     if (error != 0) gripe(filled(CANNOT_WRITE_CSV, path.c_str(), std::strerror(error)));
     forget_temporary_file(unfinished);
 }
+
+}  // namespace gatescope

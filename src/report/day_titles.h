@@ -4,11 +4,14 @@
 
 #include "logs/query_data.h"
 
-// What the text box under a time graph shows for a day's bar, from what the logs hold. `number` is
-// the day cell, 0 being today; `what` names what was counted, for the graphs that count one thing
-// only.
+namespace gatescope {
 
-std::string title_of_allowed(const QueryResult& result, int number, const char* what);
-std::string title_of_denied(const QueryResult& result, int number, const char* what);
-std::string title_of_invoked(const QueryResult& result, int number, const char* what);
-std::string title_of_invoked_to_deny(const QueryResult& result, int number, const char* what);
+// The titles of the bars, which the text box under a time graph shows. `cell` is the day cell, 0
+// being today. `noun` names the things counted, in the graphs with one bar a day.
+
+std::string title_of_allowed(const QueryResult& result, int cell, const char* noun);
+std::string title_of_denied(const QueryResult& result, int cell, const char* noun);
+std::string title_of_invoked(const QueryResult& result, int cell, const char* noun);
+std::string title_of_invoked_to_deny(const QueryResult& result, int cell, const char* noun);
+
+}  // namespace gatescope

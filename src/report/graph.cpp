@@ -9,6 +9,7 @@
 #include "report/page_file.h"
 #include "report/time_graphs.h"
 
+namespace gatescope {
 namespace {
 
 /// Year, month, day, hour, minute, second, query number.
@@ -19,7 +20,7 @@ constexpr char PAGE_FILE_PATH[] = "%s%c%s";
 /// Second, minute, hour, day, month and year, as a QueryPeriod has them.
 using Moment = decltype(QueryPeriod::last_query_time);
 
-/// The page of a query of that moment.
+/// The path and the name of the page of a query of that moment.
 StoredPage page_of(int query, const Moment& moment, const std::string& results_dir) {
     const auto [second, minute, hour, day, month, year] = moment;
     const std::string name =
@@ -27,8 +28,8 @@ StoredPage page_of(int query, const Moment& moment, const std::string& results_d
     return {filled(PAGE_FILE_PATH, results_dir.c_str(), DIR_DELIMETER, name.c_str()), name};
 }
 
-/// Stores the text of a page in a file that is named after the moment of its query. A page of the
-/// same second and query is added to, so nothing that was reported gets lost.
+/// Stores a page under the name of its query's moment. If a page of the same second and query
+/// exists, appends to it, so that no report is lost.
 StoredPage store_page(const RecordQuery& asked, const std::string& results_dir,
                       const std::string& text) {
     StoredPage page = page_of(asked.query, asked.period.last_query_time, results_dir);
@@ -36,9 +37,9 @@ StoredPage store_page(const RecordQuery& asked, const std::string& results_dir,
     return page;
 }
 
-/// The same for a page that numbers go with, which are its own: it gets a second of its own too.
-StoredPage store_page_of_numbers(const RecordQuery& asked, const std::string& results_dir,
-                                 const std::string& text) {
+/// Stores a page that has a CSV file, under the name of the first second that no page has yet.
+StoredPage store_page_with_csv(const RecordQuery& asked, const std::string& results_dir,
+                               const std::string& text) {
     StoredPage page = page_of(asked.query, asked.period.last_query_time, results_dir);
     create_page(page.path, text, [&] {
         page = page_of(asked.query, set_time_values().last_query_time, results_dir);
@@ -70,9 +71,11 @@ void write_page(const QueryGraph& graph, Page* page) {
 void Make_Graph(const QueryGraph& graph, const PageRegion& region, bool display) {
     Page page(graph.graph_title);
     write_page(graph, &page);
-    const bool with_numbers = csv_is_wanted();
-    const StoredPage stored = (with_numbers ? store_page_of_numbers : store_page)(
+    const bool with_csv = csv_is_requested();
+    const StoredPage stored = (with_csv ? store_page_with_csv : store_page)(
         graph.result.asked, region.results_dir, page.text());
-    if (with_numbers) store_csv(csv_path(stored.path), csv_of(graph.result, graph.key_lines));
+    if (with_csv) store_csv(csv_path(stored.path), csv_of(graph.result, graph.key_lines));
     display_page(stored, region, display);
 }
+
+}  // namespace gatescope

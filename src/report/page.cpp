@@ -5,7 +5,9 @@
 
 #include "base/filled.h"
 #include "messages/identity.h"
-#include "messages/page_texts.h"
+#include "report/page_html.h"
+
+namespace gatescope {
 
 std::string text_in_page(const std::string& text) {
     std::string escaped;
@@ -53,3 +55,5 @@ void Page::print_block_to_file__header() {
 void Page::print_block_to_file__tail() {
     print(PAGE_CLOSING, SUPPLIER_NAME, SUPPLIER_URL, SUPPLIER_URL);
 }
+
+}  // namespace gatescope

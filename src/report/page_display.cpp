@@ -14,14 +14,15 @@
 #include "messages/environment.h"
 #include "messages/graph_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// Browser and path of the page, quoted as is wished.
+/// Quoted browser, path of the page.
 constexpr char BROWSER_LINE[] = "%s %s";
 
 using Clock = std::chrono::steady_clock;
 
-/// A browser that ran longer than this has been used, so its status means nothing.
+/// A browser that ran longer than this has started, so its status is ignored.
 constexpr std::chrono::seconds LONGEST_FAILED_START{2};
 
 /// A browser, and the variable or file that defines it.
@@ -31,11 +32,11 @@ struct Browser {
     std::string source;
 };
 
-/// The environment's, even if it is empty there, or else the gatebits file's; nothing when neither
-/// defines one.
+/// The browser of the environment, even if that is empty, else of the gatebits file; nothing if
+/// neither defines one.
 std::optional<Browser> choose_browser(const PageRegion& region) {
-    if (const char* wish = std::getenv(ENV_BROWSER)) {
-        return Browser{wish, BY_THE_ENVIRONMENT, ENV_BROWSER};
+    if (const char* browser = std::getenv(ENV_BROWSER)) {
+        return Browser{browser, BY_THE_ENVIRONMENT, ENV_BROWSER};
     }
     if (region.browser.empty()) return std::nullopt;
     return Browser{region.browser, IN_THE_GATEBITS_FILE, region.ENTERPRIZE_PERMISSION_FILE};
@@ -44,7 +45,7 @@ std::optional<Browser> choose_browser(const PageRegion& region) {
 void run_browser(const std::string& browser, const std::string& page) {
     const auto start = Clock::now();
     const int status =
-        run_in_shell(filled(BROWSER_LINE, quoted(browser).c_str(), one_argument(page).c_str()));
+        run_in_shell(filled(BROWSER_LINE, quoted(browser).c_str(), path_argument(page).c_str()));
     if (status != 0 && Clock::now() - start <= LONGEST_FAILED_START) {
         advise(filled(BROWSER_FAILED, status, browser.c_str()));
     }
@@ -69,3 +70,5 @@ void display_page(const StoredPage& page, const PageRegion& region, bool display
     advise(filled(DISPLAYING_GRAPH, page.name.c_str()));
     run_browser(browser->path, page.path);
 }
+
+}  // namespace gatescope

@@ -2,22 +2,26 @@
 
 #include <string>
 
-/// The region of a page: where pages go, and how messages about one name it.
+namespace gatescope {
+
+/// The region of a page, with the directory of its pages and its name in messages.
 struct PageRegion {
     std::string ENTERPRIZE_NAME;
     std::string ENTERPRIZE_PERMISSION_FILE;
-    /// Directory of the pages, without a delimiter at its end.
+    /// Directory of the pages, without a trailing delimiter.
     std::string results_dir;
     /// The browser that the gatebits file names; may be empty.
     std::string browser;
 };
 
-/// A page on the disk, and the last part of its path.
+/// A page on the disk: its path, and the last component of it.
 struct StoredPage {
     std::string path;
     std::string name;
 };
 
-/// Shows a finished page: in the browser, or, without `display`, as a line on standard output that
-/// names it. Whatever goes wrong with the browser is told to the operator; the page stays.
+/// Shows a finished page in the browser or, without `display`, prints its path on standard output.
+/// Errors of the browser are reported to the operator; the page is kept.
 void display_page(const StoredPage& page, const PageRegion& region, bool display);
+
+}  // namespace gatescope

@@ -18,118 +18,124 @@
 #include "messages/graph_texts.h"
 #include "messages/startup_texts.h"
 
+namespace gatescope {
 namespace {
 
-/// How often a file is looked for that appears and goes again.
-constexpr int MOST_TRIES = 100;
+/// Limit for opening a file that other processes create and remove in turn.
+constexpr int MAX_TRIES = 100;
 
 struct PageFile {
     Descriptor file = {};
     /// Whether this process has just created it.
     bool is_new = false;
-    /// Where the file system has no locks, there is none.
+    /// False on a file system without locks.
     bool is_locked = false;
 };
 
-/// Whether a page may be added to those in a file that is there.
-enum class Share { WITH_OTHERS, WITH_NONE };
+/// Whether an existing file may be appended to.
+enum class OpenMode { APPEND_OR_CREATE, CREATE };
 
-/// The file, or none with errno set.
-PageFile open_page(const std::string& path, Share share) {
-    constexpr int HOW = O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-    for (int tries = 0; tries < MOST_TRIES; ++tries) {
-        Descriptor made(open(path.c_str(), HOW | O_CREAT | O_EXCL, 0666));
-        if (made || errno != EEXIST || share == Share::WITH_NONE) return {std::move(made), true};
-        Descriptor found(open(path.c_str(), HOW));
-        if (found || errno != ENOENT) return {std::move(found), false};
+/// The file; closed, with errno set, if it cannot be opened.
+PageFile open_page(const std::string& path, OpenMode mode) {
+    constexpr int FLAGS = O_RDWR | O_APPEND | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    for (int tries = 0; tries < MAX_TRIES; ++tries) {
+        Descriptor created(open(path.c_str(), FLAGS | O_CREAT | O_EXCL, 0666));
+        if (created || errno != EEXIST || mode == OpenMode::CREATE) {
+            return {std::move(created), true};
+        }
+        Descriptor existing(open(path.c_str(), FLAGS));
+        if (existing || errno != ENOENT) return {std::move(existing), false};
     }
     return {};
 }
 
-/// What came of a try to append a page.
-enum class Tried { DONE, TRY_AGAIN, NAME_IS_TAKEN, NOT_OPENED, NOT_WRITTEN };
+enum class AppendStatus { DONE, TRY_AGAIN, NAME_IS_TAKEN, NOT_OPENED, NOT_WRITTEN };
 
-struct Try {
-    Tried end;
-    /// Why it was not opened or written.
+struct AppendResult {
+    AppendStatus status;
+    /// Why the file was not opened or written.
     std::string reason = {};
-    /// Whether the file then is what it was.
-    bool as_before = true;
+    /// Whether the file is unchanged, if it was not written.
+    bool is_unchanged = true;
 };
 
-/// 0, or an errno. A file system across a network may say only at a close that its disk is full,
-/// so a second descriptor is closed while there is still one to take the page back with.
+/// 0, or an errno. Network file systems may report a full disk only at a close, so a second
+/// descriptor is closed while the first one can still remove the page.
 int write_and_close_once(const Descriptor& file, const std::string& text) {
     if (const int error = write_all(file.get(), text)) return error;
     Descriptor second(fcntl(file.get(), F_DUPFD_CLOEXEC, 0));
     return second ? second.close() : errno;
 }
 
-/// Whether the file is what it was; without a lock, what comes after `size` may be another's.
-bool take_back(const PageFile& page, off_t size, const std::string& path) {
+/// Removes the bytes after `size`, or a file that is new and empty; whether that was done. Without
+/// a lock the bytes may be another process's.
+bool remove_page(const PageFile& page, off_t size, const std::string& path) {
     if (!page.is_locked) return false;
     if (page.is_new && size == 0) return unlink(path.c_str()) == 0;
     return ftruncate(page.file.get(), size) == 0;
 }
 
-/// No signal may leave half a page, or one without anything in it.
-Try try_to_append(const std::string& path, const std::string& text, Share share) {
+/// Signals are blocked, so that none leaves a part of a page or an empty file.
+AppendResult try_to_append(const std::string& path, const std::string& text, OpenMode mode) {
     const SignalsHeld held;
-    PageFile page = open_page(path, share);
-    if (!page.file && errno == EEXIST) return {Tried::NAME_IS_TAKEN};
-    if (!page.file) return {Tried::NOT_OPENED, std::strerror(errno)};
+    PageFile page = open_page(path, mode);
+    if (!page.file && errno == EEXIST) return {AppendStatus::NAME_IS_TAKEN};
+    if (!page.file) return {AppendStatus::NOT_OPENED, std::strerror(errno)};
     const LockState lock = try_lock(page.file);
-    if (lock == LockState::KEPT_BY_ANOTHER) return {Tried::TRY_AGAIN};
+    if (lock == LockState::HELD_BY_ANOTHER) return {AppendStatus::TRY_AGAIN};
     page.is_locked = lock == LockState::HELD;
     struct stat before;
     if (fstat(page.file.get(), &before) != 0) {
         const std::string reason = std::strerror(errno);
-        if (page.is_new) take_back(page, 0, path);
-        return {Tried::NOT_OPENED, reason};
+        if (page.is_new) remove_page(page, 0, path);
+        return {AppendStatus::NOT_OPENED, reason};
     }
-    if (!S_ISREG(before.st_mode)) return {Tried::NOT_OPENED, NOT_A_REGULAR_FILE};
-    // Whoever had the lock before may have taken the file away.
-    if (before.st_nlink == 0) return {Tried::TRY_AGAIN};
-    // Somebody's file may have been given the page's name, as by a link.
-    if (before.st_nlink > 1) return {Tried::NOT_OPENED, HAS_ANOTHER_NAME};
+    if (!S_ISREG(before.st_mode)) return {AppendStatus::NOT_OPENED, NOT_A_REGULAR_FILE};
+    // The previous owner of the lock may have removed the file.
+    if (before.st_nlink == 0) return {AppendStatus::TRY_AGAIN};
+    // The page's name may be a hard link to a file of another user.
+    if (before.st_nlink > 1) return {AppendStatus::NOT_OPENED, HAS_ANOTHER_NAME};
     const int error = write_and_close_once(page.file, text);
-    if (error == 0) return {Tried::DONE};
-    return {Tried::NOT_WRITTEN, std::strerror(error), take_back(page, before.st_size, path)};
+    if (error == 0) return {AppendStatus::DONE};
+    return {AppendStatus::NOT_WRITTEN, std::strerror(error),
+            remove_page(page, before.st_size, path)};
 }
 
-[[noreturn]] void tell(const Try& failed, const std::string& path) {
-    if (failed.end == Tried::NOT_OPENED) {
+[[noreturn]] void gripe_of_page(const AppendResult& failed, const std::string& path) {
+    if (failed.status == AppendStatus::NOT_OPENED) {
         note(filled(PATH_AND_REASON, path.c_str(), failed.reason.c_str()));
         gripe(filled(CANNOT_OPEN_PAGE, path.c_str()));
     }
     gripe(filled(CANNOT_WRITE_PAGE, path.c_str(), failed.reason.c_str(),
-                 failed.as_before ? PAGE_IS_AS_BEFORE : PAGE_IS_INCOMPLETE));
+                 failed.is_unchanged ? PAGE_IS_AS_BEFORE : PAGE_IS_INCOMPLETE));
 }
 
 }  // namespace
 
 void append_page(const std::string& path, const std::string& page,
-                 std::chrono::milliseconds patience) {
-    Try one = {};
-    const bool had_its_turn = succeeds_within(patience, [&] {
-        one = try_to_append(path, page, Share::WITH_OTHERS);
-        return one.end != Tried::TRY_AGAIN;
+                 std::chrono::milliseconds timeout) {
+    AppendResult result = {};
+    const bool had_the_lock = succeeds_within(timeout, [&] {
+        result = try_to_append(path, page, OpenMode::APPEND_OR_CREATE);
+        return result.status != AppendStatus::TRY_AGAIN;
     });
-    if (!had_its_turn) tell({Tried::NOT_WRITTEN, LOCK_IS_KEPT}, path);
-    if (one.end != Tried::DONE) tell(one, path);
+    if (!had_the_lock) gripe_of_page({AppendStatus::NOT_WRITTEN, LOCK_IS_KEPT}, path);
+    if (result.status != AppendStatus::DONE) gripe_of_page(result, path);
 }
 
 void create_page(std::string path, const std::string& page,
-                 const std::function<std::string()>& next_path,
-                 std::chrono::milliseconds patience) {
-    Try one = {};
+                 const std::function<std::string()>& next_path, std::chrono::milliseconds timeout) {
+    AppendResult result = {};
     int tries = 0;
-    const bool had_a_name = succeeds_within(patience, [&] {
+    const bool had_a_name = succeeds_within(timeout, [&] {
         if (tries++ > 0) path = next_path();
-        one = try_to_append(path, page, Share::WITH_NONE);
-        // A file that another page was quicker to lock is that one's.
-        return one.end != Tried::NAME_IS_TAKEN && one.end != Tried::TRY_AGAIN;
+        result = try_to_append(path, page, OpenMode::CREATE);
+        // TRY_AGAIN: another process has locked the new file, and may have written to it.
+        return result.status != AppendStatus::NAME_IS_TAKEN &&
+               result.status != AppendStatus::TRY_AGAIN;
     });
-    if (!had_a_name) tell({Tried::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
-    if (one.end != Tried::DONE) tell(one, path);
+    if (!had_a_name) gripe_of_page({AppendStatus::NOT_WRITTEN, NAMES_ARE_TAKEN}, path);
+    if (result.status != AppendStatus::DONE) gripe_of_page(result, path);
 }
+
+}  // namespace gatescope

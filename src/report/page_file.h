@@ -4,22 +4,24 @@
 #include <functional>
 #include <string>
 
-/// How long an append waits for another one of the same page.
-inline constexpr std::chrono::seconds PAGE_PATIENCE(5);
+namespace gatescope {
 
-/// Appends a page to the file at `path`, creating it where needed: in one piece, however many do so
-/// at once, and never through a link or into anything but a regular file. Gripes when that cannot
-/// be done, with the file as it was before; the reason also goes to standard error.
+/// Time limit for the lock of a page, which another append may have.
+inline constexpr std::chrono::seconds PAGE_TIMEOUT(5);
+
+/// Appends a page to the file at `path`, or creates it. Pages of concurrent processes do not mix.
+/// Symbolic links are not followed, and only regular files with a single name are written. Gripes
+/// if it fails, with the file unchanged; the reason of a failed open also goes to standard error.
 void append_page(const std::string& path, const std::string& page,
-                 std::chrono::milliseconds patience = PAGE_PATIENCE);
+                 std::chrono::milliseconds timeout = PAGE_TIMEOUT);
 
-/// How long a name is looked for that nobody has: as many jobs as may begin in the same second have
-/// a second each by then.
-inline constexpr std::chrono::seconds NAME_PATIENCE(60);
+/// Time limit for finding a free name. Each job of the same second takes another second's name.
+inline constexpr std::chrono::seconds NAME_TIMEOUT(60);
 
-/// Creates the file of a page that shares it with no page that was there before: at `path` or, as
-/// long as that name is taken, at what `next_path` says then. Gripes like append_page, and when
-/// every name was taken for as long as `patience`.
+/// Creates a new file for a page, at `path` or, if that name is taken, at the first free one that
+/// `next_path` returns. Gripes like append_page, and if all names were taken until the timeout.
 void create_page(std::string path, const std::string& page,
                  const std::function<std::string()>& next_path,
-                 std::chrono::milliseconds patience = NAME_PATIENCE);
+                 std::chrono::milliseconds timeout = NAME_TIMEOUT);
+
+}  // namespace gatescope

@@ -5,23 +5,24 @@
 #include <span>
 #include <string>
 
-#include "messages/page_texts.h"
-#include "messages/time_graph_texts.h"
 #include "report/bars.h"
 #include "report/day_titles.h"
+#include "report/page_html.h"
+#include "report/time_graph_html.h"
 
+namespace gatescope {
 namespace {
 
 /// One bar of a day's column.
 struct Bar {
     std::array<std::uint32_t, QUERY_DAYS> QueryResult::*counts;
     const char* bar_class;
-    std::string (*title)(const QueryResult& result, int day, const char* what);
-    /// Whether it hangs from the line above it instead of standing on the one below.
-    bool hangs;
+    std::string (*title)(const QueryResult& result, int day, const char* noun);
+    /// Whether the bar extends downwards from the line above it.
+    bool is_downward;
 };
 
-// From top to bottom. A single bar is red, whatever it counts.
+// From top to bottom. A single bar is red in both graphs.
 constexpr std::array<Bar, 2> TWIST_BARS = {
     {{&QueryResult::cell_success, CELL_SUCCESS, title_of_allowed, false},
      {&QueryResult::cell_denied, CELL_FAILURE, title_of_denied, true}}};
@@ -30,18 +31,18 @@ constexpr std::array<Bar, 1> SUCCESS_BAR = {
 constexpr std::array<Bar, 1> DENIED_BAR = {
     {{&QueryResult::cell_denied, CELL_FAILURE, title_of_invoked_to_deny, false}}};
 
-/// A graph being written.
+/// The parameters of a graph.
 struct TimeGraph {
     const QueryResult& result;
     std::span<const Bar> bars;
     /// The count of a full bar.
     std::uint32_t scale;
-    /// What is counted, in words.
-    const char* what;
+    /// The things counted.
+    const char* noun;
     Page* page;
 };
 
-/// A part without height is left out.
+/// Prints nothing for a height of 0.
 void print_part(Page* page, const char* part_class, int height, const std::string& title) {
     if (height > 0) page->print(CELL_PART, part_class, height, title.c_str());
 }
@@ -49,10 +50,10 @@ void print_part(Page* page, const char* part_class, int height, const std::strin
 void print_bar(const TimeGraph& graph, const Bar& bar, int day) {
     const auto& counts = graph.result.*bar.counts;
     const int height = bar_height(counts.at(static_cast<std::size_t>(day)), graph.scale);
-    const std::string title = bar.title(graph.result, day, graph.what);
-    if (bar.hangs) print_part(graph.page, bar.bar_class, height, title);
+    const std::string title = bar.title(graph.result, day, graph.noun);
+    if (bar.is_downward) print_part(graph.page, bar.bar_class, height, title);
     print_part(graph.page, CELL_EXTRA, DAY_BAR_PIXELS - height, title);
-    if (!bar.hangs) print_part(graph.page, bar.bar_class, height, title);
+    if (!bar.is_downward) print_part(graph.page, bar.bar_class, height, title);
     graph.page->add(ROW_PENCIL);
 }
 
@@ -74,7 +75,7 @@ void print_column(const TimeGraph& graph, int day) {
     if (day % 5 == 0) graph.page->add(ROW_TICK);
 }
 
-/// What comes after the opening of the graph.
+/// Prints all parts after the opening of the graph.
 void print_columns(const TimeGraph& graph) {
     for (int day = QUERY_DAYS - 1; day >= 0; --day) print_column(graph, day);
     const auto& labels = graph.result.cell_time;
@@ -98,10 +99,12 @@ void Display_Graph__twist(const QueryResult& result, Page* page) {
     print_columns({result, TWIST_BARS, scale, "", page});
 }
 
-void Display_Graph__success_only(const QueryResult& result, const char* what, Page* page) {
-    print_single({result, SUCCESS_BAR, result.cell_success_max, what, page});
+void Display_Graph__success_only(const QueryResult& result, const char* noun, Page* page) {
+    print_single({result, SUCCESS_BAR, result.cell_success_max, noun, page});
 }
 
-void Display_Graph__denied_only(const QueryResult& result, const char* what, Page* page) {
-    print_single({result, DENIED_BAR, result.cell_denied_max, what, page});
+void Display_Graph__denied_only(const QueryResult& result, const char* noun, Page* page) {
+    print_single({result, DENIED_BAR, result.cell_denied_max, noun, page});
 }
+
+}  // namespace gatescope

@@ -12,6 +12,7 @@
 #include "messages/command_names.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 using Words = std::vector<std::string>;
@@ -19,12 +20,12 @@ using Words = std::vector<std::string>;
 constexpr char DEFAULT_BREAKS[] = " \t\n\"'><=;|&(:";
 constexpr char BREAKS_WITHOUT_EQUALS[] = " \t\n\"'><;|&(:";
 
-/// Readline's codes for the key that was pressed.
+/// Values of COMP_TYPE: the kind of completion.
 constexpr char TAB[] = "9";
 constexpr char INSERT_ALL[] = "42";
 constexpr char MENU[] = "37";
 
-std::string in_shell(const std::string& text) {
+std::string quoted_for_shell(const std::string& text) {
     std::string word = "'";
     for (const char character : text)
         word += character == '\'' ? "'\\''" : std::string(1, character);
@@ -33,7 +34,7 @@ std::string in_shell(const std::string& text) {
 
 /// Runs a script in bash and returns the lines that it prints.
 Words bash(const std::string& script) {
-    FILE* output = popen(("bash --norc --noprofile -c " + in_shell(script)).c_str(), "r");
+    FILE* output = popen(("bash --norc --noprofile -c " + quoted_for_shell(script)).c_str(), "r");
     std::string text;
     std::array<char, 4096> part{};
     for (std::size_t n = 0; (n = std::fread(part.data(), 1, part.size(), output)) > 0;) {
@@ -55,14 +56,15 @@ struct Setting {
     std::string directory = "/";
 };
 
-/// What Tab offers at the end of `line`.
+/// The completions that Tab offers at the end of `line`.
 Words offered(const std::string& line, const Setting& setting = {}) {
     const auto broken = line.find_last_of(setting.breaks);
     const std::string typed = line.substr(broken + 1);
-    return bash("cd " + in_shell(setting.directory) + " && source " + in_shell(COMPLETION_SCRIPT) +
-                " && COMP_LINE=" + in_shell(line) + " COMP_POINT=" + std::to_string(line.size()) +
-                " COMP_TYPE=" + setting.key + " COMP_WORDBREAKS=" + in_shell(setting.breaks) +
-                " && _gatescope gatescope " + in_shell(typed) +
+    return bash("cd " + quoted_for_shell(setting.directory) + " && source " +
+                quoted_for_shell(COMPLETION_SCRIPT) + " && COMP_LINE=" + quoted_for_shell(line) +
+                " COMP_POINT=" + std::to_string(line.size()) + " COMP_TYPE=" + setting.key +
+                " COMP_WORDBREAKS=" + quoted_for_shell(setting.breaks) +
+                " && _gatescope gatescope " + quoted_for_shell(typed) +
                 " '' && if ((${#COMPREPLY[@]})); then printf '%s\\n' \"${COMPREPLY[@]}\"; fi");
 }
 
@@ -82,7 +84,7 @@ Words commands(const std::string& prefix = "") {
     return words;
 }
 
-/// All that an operator may type first: parameters, switches, options.
+/// All first arguments of an operator: parameters, switches, options.
 Words all_arguments() {
     Words words;
     for (const auto kind : {ArgumentKind::PARAMETER, ArgumentKind::SWITCH, ArgumentKind::OPTION}) {
@@ -124,43 +126,43 @@ TEST(Completion, OffersEveryActionWithItsTitle) {
     EXPECT_EQ(offered("gatescope A="), titled(RequestKind::ACTION));
 }
 
-TEST(Completion, ShowsTheTitlesOfTheActionsThatBeginAlike) {
+TEST(Completion, OffersTitlesOfMatchingActions) {
     const Words offers = offered("gatescope A=2");
     ASSERT_EQ(offers.size(), 11U);
     EXPECT_EQ(offers.front(), "2 - Modify Current Gatebits file... (A03-A23)");
     EXPECT_EQ(offers.back(), "29 - Guide through ALL Gatebits file fields");
 }
 
-TEST(Completion, PutsInTheNumberAloneOnceThereIsNoChoice) {
+TEST(Completion, CompletesToNumberAloneWhenOnlyOneMatches) {
     EXPECT_EQ(offered("gatescope A=13"), Words{"13"});
     EXPECT_EQ(offered("gatescope Q=6"), Words{"6"});
 }
 
-TEST(Completion, OffersNothingForNumbersThatAreNone) {
+TEST(Completion, OffersNothingForInvalidNumbers) {
     EXPECT_EQ(offered("gatescope A=3"), Words{});
     EXPECT_EQ(offered("gatescope Q=7"), Words{});
 }
 
-TEST(Completion, PutsInNumbersWhereEachMatchIsPutIn) {
+TEST(Completion, OffersNumbersWithoutTitlesForInsertAllAndMenu) {
     for (const char* key : {INSERT_ALL, MENU}) {
         EXPECT_EQ(offered("gatescope Q=", {.key = key}), (Words{"1", "2", "3", "4", "5", "6"}));
     }
 }
 
-TEST(Completion, OffersEveryCommandAndAllOfThem) {
+TEST(Completion, OffersEveryCommandAndAsterisk) {
     EXPECT_EQ(offered("gatescope C="), with(commands(), "\\*"));
 }
 
-TEST(Completion, OffersTheCommandsThatBeginAlike) {
+TEST(Completion, OffersMatchingCommands) {
     EXPECT_EQ(offered("gatescope Q=1 C=check"), (Words{"checkin", "checkout"}));
     EXPECT_EQ(offered("gatescope Q=1 C=mkbl"), (Words{"mkbl", "mkbl_complete"}));
 }
 
-TEST(Completion, IsCaseSensitiveAsTheProgramIs) {
+TEST(Completion, IsCaseSensitive) {
     EXPECT_EQ(offered("gatescope C=Check"), Words{});
 }
 
-TEST(Completion, CompletesAnAsteriskSafeFromTheShell) {
+TEST(Completion, QuotesAsterisk) {
     EXPECT_EQ(offered("gatescope C=\\"), with(commands(), "\\*"));
     EXPECT_EQ(offered("gatescope C=\\*"), Words{"\\*"});
     EXPECT_EQ(offered("gatescope K="), Words{"\\*"});
@@ -181,7 +183,7 @@ TEST(Completion, OffersYesAndNo) {
     EXPECT_EQ(offered("gatescope Q=1 R=n"), Words{"n"});
 }
 
-TEST(Completion, OffersUsersOfTheMachine) {
+TEST(Completion, OffersLocalUsers) {
     EXPECT_EQ(offered("gatescope U=roo"), Words{"root"});
 }
 
@@ -213,20 +215,20 @@ TEST(Completion, OffersFiles) {
 TEST(Completion, OffersFilesWithBlanks) {
     const ScratchDirectory directory;
     directory.write("gate keeper.txt", "text\n");
-    // The shell hands the word over from its last break, the quoted blank not being one.
+    // The shell passes the word from its last break; a quoted blank is none.
     Setting setting = {.directory = directory.path()};
     setting.breaks = "=";
     EXPECT_EQ(offered("gatescope F=gate\\ k", setting), Words{"gate keeper.txt"});
     EXPECT_EQ(offered("gatescope F=\"gate k", setting), Words{"gate keeper.txt"});
 }
 
-TEST(Completion, OffersOnlyTheRestOfAFileNameThatBashBreaks) {
+TEST(Completion, OffersRestOfFileNameSplitByBash) {
     const ScratchDirectory directory;
     directory.write("a=b=c.txt", "text\n");
     EXPECT_EQ(offered("gatescope F=a=b", {.directory = directory.path()}), Words{"b=c.txt"});
 }
 
-TEST(Completion, WorksWhereBashDoesNotBreakAtEqualsSigns) {
+TEST(Completion, CompletesWhereBashDoesNotBreakAtEqualsSigns) {
     const ScratchDirectory directory;
     directory.write("gatebits.txt", "text\n");
     Setting setting = {.directory = directory.path()};
@@ -237,9 +239,11 @@ TEST(Completion, WorksWhereBashDoesNotBreakAtEqualsSigns) {
     EXPECT_EQ(offered("gatescope A=", setting), titled(RequestKind::ACTION));
 }
 
-TEST(Completion, LooksOnlyAtWhatStandsBeforeTheCursor) {
-    EXPECT_EQ(bash("source " + in_shell(COMPLETION_SCRIPT) +
+TEST(Completion, IgnoresTextAfterCursor) {
+    EXPECT_EQ(bash("source " + quoted_for_shell(COMPLETION_SCRIPT) +
                    " && COMP_LINE='gatescope Q= R=n' COMP_POINT=12 COMP_TYPE=42"
                    " && _gatescope gatescope '' '=' && printf '%s\\n' \"${COMPREPLY[@]}\""),
               (Words{"1", "2", "3", "4", "5", "6"}));
 }
+
+}  // namespace gatescope

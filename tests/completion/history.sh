@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# What the completions of gatescope-history offer: history.sh COMPLETIONS WORK, in bash, and in zsh and
-# fish where they are.
+# Tests the completions of gatescope-history in bash, and in zsh and fish if they are installed.
+#   history.sh COMPLETIONS WORK
 set -eu
 completions=$1
 work=$2
@@ -18,7 +18,7 @@ expect() {
     fi
 }
 
-# What bash offers for the words given, the last one being completed.
+# The completions of bash for the last of the given words.
 in_bash() {
     # shellcheck source=/dev/null
     source "$completions/bash-completion/completions/gatescope-history"
@@ -52,7 +52,7 @@ fi
 
 if command -v zsh >/dev/null; then
     zsh -n "$completions/zsh/site-functions/_gatescope-history" || faults=$((faults + 1))
-    # What the function hands to zsh's own: each argument that _arguments gets.
+    # The arguments that the function passes to zsh's _arguments.
     given=$(zsh -fc "_arguments() { print -rl -- \"\$@\" } ; compdef() { }
         source '$completions/zsh/site-functions/_gatescope-history'; _gatescope-history")
     for wanted in '(- *)--help[show the usage]' '-d+[the history]:directory:_files -/' \

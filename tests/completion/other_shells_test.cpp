@@ -13,9 +13,10 @@
 #include "messages/command_names.h"
 #include "support/scratch_directory.h"
 
-// What the completions for zsh and fish offer, held against the program's tables. fish is asked
-// itself. Of zsh the functions are run, with the parts of its completion system that they call
-// played here; the system itself is tried in a terminal.
+namespace gatescope {
+
+// Compares the completions for zsh and fish with the program's tables. fish lists them itself. For
+// zsh its function runs with stand-ins for the completion system; terminal.sh uses the real one.
 
 namespace {
 
@@ -23,8 +24,8 @@ using Offers = std::vector<std::string>;
 
 struct Shell {
     const char* name;
-    /// Prints what is offered for the arguments of the script, the last one being completed: a
-    /// line each, with the meaning after a tab.
+    /// Prints the completions of the script's last argument, one per line, with the meaning after a
+    /// tab.
     const char* script;
 };
 
@@ -55,7 +56,7 @@ std::ostream& operator<<(std::ostream& stream, const Shell& shell) {
     return stream << shell.name;
 }
 
-std::string as_word(const std::string& text) {
+std::string quoted_word(const std::string& text) {
     std::string word = "'";
     for (const char character : text)
         word += character == '\'' ? "'\\''" : std::string(1, character);
@@ -81,23 +82,24 @@ Offers lines_of_command(const std::string& command) {
 class OtherShells : public testing::TestWithParam<Shell> {
   protected:
     void SetUp() override {
-        const std::string look = std::string("command -v ") + GetParam().name + " >/dev/null";
-        if (std::system(look.c_str()) != 0) GTEST_SKIP() << GetParam().name << " is not installed";
+        const std::string search = std::string("command -v ") + GetParam().name + " >/dev/null";
+        if (std::system(search.c_str()) != 0)
+            GTEST_SKIP() << GetParam().name << " is not installed";
     }
 
-    /// What is offered to complete the last of the arguments.
+    /// The completions of the last of the arguments.
     static Offers offered(const Offers& arguments) {
         const std::string shell = GetParam().name;
-        // fish makes itself at home even so.
+        // fish writes to its home directory even with --no-config.
         const ScratchDirectory home;
-        std::string command = "HOME=" + as_word(home.path()) + " ";
+        std::string command = "HOME=" + quoted_word(home.path()) + " ";
         command += shell == "zsh" ? "zsh -f -c " : "fish --no-config -c ";
-        command += as_word(GetParam().script);
+        command += quoted_word(GetParam().script);
         // zsh's first argument is the script's name.
         command += shell == "zsh" ? " zsh" : " --";
-        for (const std::string& argument : arguments) command += " " + as_word(argument);
+        for (const std::string& argument : arguments) command += " " + quoted_word(argument);
         Offers offers = lines_of_command(command);
-        // Where nothing begins like the word, fish looks for words that hold it.
+        // If no completion begins with the word, fish offers those that contain it.
         std::erase_if(
             offers, [&](const std::string& offer) { return !offer.starts_with(arguments.back()); });
         return offers;
@@ -155,7 +157,7 @@ TEST_P(OtherShells, OfferEveryQueryActionBitAndCommand) {
     EXPECT_EQ(offered({"C="}), with_all(commands, "C="));
 }
 
-TEST_P(OtherShells, OfferTheOtherValues) {
+TEST_P(OtherShells, OfferValuesOfOtherParameters) {
     EXPECT_EQ(offered({"D="}), (Offers{"D=y", "D=n"}));
     EXPECT_EQ(offered({"R=n"}), Offers{"R=n"});
     EXPECT_EQ(offered({"K="}), with_all({}, "K="));
@@ -163,7 +165,7 @@ TEST_P(OtherShells, OfferTheOtherValues) {
     EXPECT_GT(offered({"U="}).size(), 1U);
 }
 
-TEST_P(OtherShells, OfferWhatMayFollow) {
+TEST_P(OtherShells, OfferOnlyArgumentsAllowedNext) {
     EXPECT_EQ(offered({"-ver", ""}), Offers{});
     EXPECT_EQ(offered({"-data_gen", "-"}), Offers{});
     EXPECT_EQ(offered({"Q=1", "-"}), arguments_with("-data_gen"));
@@ -180,3 +182,4 @@ INSTANTIATE_TEST_SUITE_P(Completion, OtherShells, testing::ValuesIn(SHELLS),
                          });
 
 }  // namespace
+}  // namespace gatescope

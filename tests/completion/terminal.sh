@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Presses Tab in an interactive shell in a terminal (tmux): terminal.sh SHELL COMPLETIONS WORK. The
-# completions stand below COMPLETIONS as they are installed below the directory of shared data. 77
-# where there is no such shell or no tmux.
+# Presses Tab in an interactive shell in a terminal (tmux).
+#   terminal.sh SHELL COMPLETIONS WORK
+# COMPLETIONS has the same tree as the installed directory of shared data. 77 without the shell or tmux.
 set -eu
 shell=$1
 completions=$2
@@ -13,13 +13,13 @@ for program in tmux "$shell"; do
     }
 done
 rm -rf "$work"
-# What the shell remembers, and how somebody likes it, is not the test's affair.
+# No history and no settings of the user.
 unset HISTFILE INPUTRC XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
 export HOME=$work/home TMPDIR=$work
 mkdir -p "$HOME"
 cd "$work"
 touch "gatebits.txt" "gate keeper.txt"
-# Shows what a line came to; stands in for the program.
+# A stand-in for the program that prints its arguments.
 cat >gatescope <<'PROGRAM'
 #!/bin/sh
 printf 'GOT'
@@ -28,8 +28,7 @@ printf '\n'
 PROGRAM
 chmod +x gatescope
 
-# How the shell is started, what it shows for an action and its title, and how often Tab has to be
-# pressed for that.
+# For each shell: its start, its row for an action, and the number of Tabs until it lists the actions.
 titled='13 - View/Change Region MOTD String'
 tabs_for_a_list=(TAB)
 case $shell in
@@ -84,7 +83,7 @@ screen() {
     in_tmux capture-pane -p -J
 }
 
-# Waits until the screen holds "$1".
+# Waits until the screen contains "$1".
 expect() {
     local i
     for ((i = 0; i < 100; i++)); do
@@ -96,7 +95,7 @@ expect() {
     exit 1
 }
 
-# Types "$1" on an empty screen; "TAB" presses that key.
+# Types its arguments on an empty screen; "TAB" presses that key.
 type_keys() {
     local part
     in_tmux send-keys C-u C-l
@@ -106,7 +105,7 @@ type_keys() {
     done
 }
 
-# Presses Return and waits for what the program was given.
+# Presses Return and waits for the arguments of the program.
 expect_got() {
     in_tmux send-keys Enter
     expect "GOT$1"

@@ -7,8 +7,10 @@
 
 #include <string>
 
-/// As long as this lives, files can only be added to the directory. It takes root, and a file
-/// system that knows this.
+namespace gatescope {
+
+/// Makes a directory append-only until the end of the scope: files can be added, but not removed.
+/// It needs root and a file system that supports the attribute.
 class AppendOnly {
   public:
     explicit AppendOnly(const std::string& directory)
@@ -31,3 +33,5 @@ class AppendOnly {
     int before_ = 0;
     bool is_set_ = false;
 };
+
+}  // namespace gatescope

@@ -1,15 +1,15 @@
 #!/usr/bin/env python3
-"""Makes two edits of one gatebits file at the same moment, and looks whether one got lost.
+"""Makes two edits of one gatebits file at the same time, and tests that none is lost.
 
     edits_at_once.py GATESCOPE STAND_IN [--pairs N] [--jobs N] [--hard-links | --history]
 
-Both runs are held at their last question until the other one is there too, and are then answered
-together. What an edit does is learnt from a run of its own. Afterwards the file has to show what
-each edit does that was not refused, and nothing else; and an edit may be refused only when the
-other one changes what its operator was shown.
+Each run waits at its last question until the other run has reached its own; then both are answered.
+The effect of an edit is taken from an undisturbed run. Afterwards the file must have the effects of
+the edits that were not refused, and no other change. An edit may be refused only if the other one
+changes what its operator was shown.
 
-With --history all pairs are of one file, one after the other, and are recorded: the text saved with
-each record has to become the next one's by what the record says.
+With --history all pairs edit one file, one after the other, and are recorded: the text saved with
+each record must become the next record's text by the recorded change.
 """
 
 import argparse
@@ -58,7 +58,7 @@ FIELDS_UP_TO_LINE = 8
 
 REFUSED = "nothing was written"
 
-# The two runs wait for each other before either is answered.
+# The two runs wait for each other before they are answered.
 MEET = """
 : > here
 pauses=0
@@ -73,7 +73,7 @@ def meet(answer):
     return {**answer, "meanwhile": MEET}
 
 
-# What the operators of the two runs do: the action, then the answers.
+# The action and the answers of the two runs.
 EDITS = {
     "field": [(13, [text("first message"), meet(YES)]), (12, [text("(second)"), meet(YES)])],
     "other field": [(14, [text("(first)"), meet(YES)]), (11, [text("(second)"), meet(YES)])],
@@ -97,14 +97,14 @@ EDITS = {
     "setting": [(24, [text("03 "), text("W:browser"), meet(YES)]),
                 (24, [text("05 "), text("W:logs"), meet(YES)])],
 }
-# Pairs of which the second changes what the first operator was shown, or the other way round.
+# Pairs of which one changes what the other's operator was shown.
 CONFLICTS = {("same field", "same field"), ("several fields", "several fields"),
              ("deleted key", "deleted key"), ("deleted alias", "changed alias")}
 
 
 def contents(gatebits):
-    """What a gatebits file says, whatever the order of what has none: fields by their places, and
-    all other lines as they are."""
+    """A gatebits file as a multiset: fields with their places, and all other lines, whose order does
+    not matter."""
     found = collections.Counter()
     number = 0
     for line in filter(None, gatebits.split("\n")):
@@ -132,7 +132,7 @@ class Stage:
 
     def start(self, edit, side, other=None):
         action, answers = edit
-        stages.put_player(self.path(side), self.stand_in, answers)
+        stages.install_stand_in(self.path(side), self.stand_in, answers)
         environment = {"PATH": self.path(side + "/bin") + ":/usr/bin:/bin", "tmp": self.path(side),
                        "CLEARCASE_USER": "operator", "OTHER": self.path(other) if other else "",
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.policy}
@@ -145,17 +145,17 @@ class Stage:
         return contents(stages.read(self.policy))
 
     def is_refused(self, side):
-        return any(REFUSED in argument for call in stages.calls_of_player(self.path(side))
+        return any(REFUSED in argument for call in stages.recorded_calls(self.path(side))
                    for argument in call["argument"])
 
-    def misfits(self, side):
-        """Dialogs that the answers were not meant for."""
-        return [call["error"] for call in stages.calls_of_player(self.path(side))
+    def mismatches(self, side):
+        """Errors of dialogs that do not match their answers."""
+        return [call["error"] for call in stages.recorded_calls(self.path(side))
                 if any(call["error"])]
 
 
 def effect_of(programs, edit):
-    """What the edit takes away, and what it brings, when nobody disturbs it."""
+    """What an undisturbed run of the edit removes and adds."""
     with tempfile.TemporaryDirectory() as directory:
         stage = Stage(programs, directory)
         before = stage.contents()
@@ -163,13 +163,13 @@ def effect_of(programs, edit):
         after = stage.contents()
         if status != 110 or before == after:
             sys.exit("undisturbed, %r changes nothing and ends with %d" % (edit, status))
-        if stage.misfits("first"):
-            sys.exit("undisturbed, %r is asked otherwise: %s" % (edit, stage.misfits("first")))
+        if stage.mismatches("first"):
+            sys.exit("undisturbed, %r asks other questions: %s" % (edit, stage.mismatches("first")))
         return before - after, after - before
 
 
 def fault_of(programs, pair, effects, hard_link):
-    """Makes the two edits at once. What is wrong afterwards, or None."""
+    """Makes the two edits at once. Returns a fault, or None."""
     with tempfile.TemporaryDirectory() as directory:
         stage = Stage(programs, directory, hard_link)
         expected = stage.contents()
@@ -183,8 +183,8 @@ def fault_of(programs, pair, effects, hard_link):
             return "refused: %r" % refused
         for number in (0, 1):
             if not refused[number]:
-                gone, come = effects[pair[number], number]
-                expected = expected - gone + come
+                removed, added = effects[pair[number], number]
+                expected = expected - removed + added
         found = stage.contents()
         if found != expected:
             return "lost %r, in its place %r" % (dict(expected - found), dict(found - expected))
@@ -192,7 +192,7 @@ def fault_of(programs, pair, effects, hard_link):
 
 
 def numbered_edit(kind, number):
-    """An edit that can be made again and again, each time with another result."""
+    """An edit that can be repeated, with another result for each number."""
     word = "number_%d" % number
     return [(13, [text(word), meet(YES)]),
             (12, [text("(%s)" % word), meet(YES)]),
@@ -202,20 +202,20 @@ def numbered_edit(kind, number):
 
 
 def fault_of_link(record, before, after):
-    """What is wrong when the record's change should have made one text of the other."""
-    gone, come = contents(before) - contents(after), contents(after) - contents(before)
+    """The fault if the record's change does not turn `before` into `after`, or None."""
+    removed, added = contents(before) - contents(after), contents(after) - contents(before)
     values = [[part[-1].strip() if isinstance(part, tuple) else part for part in parts.elements()]
-              for parts in (gone, come)]
+              for parts in (removed, added)]
     said = [[] if record[member] is None else [record[member].strip()] for member in ("from", "to")]
     return None if values == said else "%s: it made %s of %s" % (record, values[1], values[0])
 
 
 def fault_of_history(programs, pairs):
-    """Makes so many pairs of changes of one file. What is wrong with their records, or None."""
+    """Makes pairs of changes of one file. Returns a fault of their records, or None."""
     with tempfile.TemporaryDirectory() as directory:
         stage = Stage(programs, directory)
         os.mkdir(stage.path("history"))
-        # Kinds that have nothing in common, so that neither change is refused.
+        # Kinds that change different parts, so that none is refused.
         kinds = itertools.cycle(itertools.permutations(range(5), 2))
         for number, (first, second) in enumerate(itertools.islice(kinds, pairs)):
             for side in ("first", "second"):
@@ -248,7 +248,7 @@ def main():
         fault = fault_of_history(programs, options.pairs)
         print(fault or "%d pairs of changes, and all of their records fit" % options.pairs)
         return 1 if fault else 0
-    # Each kind with each other in turn, in an order that is the same in every run.
+    # All pairs of kinds, in an order that is the same in every run.
     kinds = list(itertools.product(EDITS, EDITS))
     random.Random(1).shuffle(kinds)
     pairs = list(itertools.islice(itertools.cycle(kinds), options.pairs))

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Lets every allocation of a run fail, one after the other, and all after each of them.
+"""Lets every allocation of a run fail, in one run each, alone and with all later ones.
 
     every_allocation.py GATESCOPE STAND_IN FAILING_MALLOC [--sample N]
 
-Whatever the moment: the run ends as always or with status 99, and then says why; the policy file is
-the old one or the new one, whole; no temporary file stays; and no record is lost: a log that was not
-pruned is named, and the next run finds what is left of it and comes out right.
+In each case the run ends normally, or with status 99 and a message; the policy file has the whole old
+or the whole new text; no temporary file stays; and no record is lost: a log that was not pruned is
+reported, and the next run prunes it.
 """
 
 import argparse
@@ -27,7 +27,7 @@ NOW = int(time.time())
 KEPT = "%d:S:ann[2]-<->\n" % NOW
 PRUNED = "%d:S:bob[2]-<->\n" % (NOW - 400 * 86400)
 
-# A pick, and a yes to whatever is asked then.
+# A pick, and yes to all questions after it.
 ANSWERS = [stages.text("S - 'S'ucessful attempts only logged")] + 5 * [stages.YES]
 
 KINDS = {
@@ -47,7 +47,7 @@ class Stage:
         self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
         self.write("gatebits.txt", self.old)
         self.write("depot/log/logging_0.txt", PRUNED + KEPT)
-        stages.put_player(self.path, stand_in, ANSWERS)
+        stages.install_stand_in(self.path, stand_in, ANSWERS)
         os.symlink("/bin/true", self.at("bin/gatewarden"))
         if kind == "field_in_place":
             os.link(self.at("gatebits.txt"), self.at("other_name.txt"))
@@ -108,7 +108,7 @@ class Stage:
             yield "the next run leaves %s" % left
 
 
-def tried(gatescope, stand_in, library, kind, failing):
+def try_allocation(gatescope, stand_in, library, kind, failing):
     stage = Stage(kind, stand_in)
     ended = stage.run(gatescope, library, failing)
     faults = list(stage.faults(ended))
@@ -133,7 +133,7 @@ def main():
                 (options.gatescope, options.stand_in, options.failing_malloc)]
     tries = []
     for kind in KINDS:
-        _, _, count, status, faults = tried(*programs, kind, None)
+        _, _, count, status, faults = try_allocation(*programs, kind, None)
         assert status == 110 and not faults and count > 0, (kind, status, count, faults)
         print("%s: %d allocations" % (kind, count))
         tries += [(kind, "%d%s" % (number, after)) for number in range(1, count + 1)
@@ -142,16 +142,16 @@ def main():
         seed = random.randrange(10**6)
         print("a sample of %d of %d, seed %d" % (options.sample, len(tries), seed))
         tries = random.Random(seed).sample(tries, options.sample)
-    failed = errors = 0
+    wrong = errors = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         for kind, failing, _, status, faults in pool.map(
-                lambda one: tried(*programs, *one), tries):
+                lambda one: try_allocation(*programs, *one), tries):
             errors += status == 99
             if faults:
-                failed += 1
+                wrong += 1
                 print("%s, allocation %s: %s" % (kind, failing, "; ".join(faults)))
-    print("%d runs, %d of them ended with an error, %d wrong" % (len(tries), errors, failed))
-    return 1 if failed or not errors else 0
+    print("%d runs, %d of them ended with an error, %d wrong" % (len(tries), errors, wrong))
+    return 1 if wrong or not errors else 0
 
 
 if __name__ == "__main__":

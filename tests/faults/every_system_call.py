@@ -1,13 +1,12 @@
 #!/usr/bin/env python3
-"""Ends at, or fails, every system call of whole edits and prunes, and looks at what is left.
+"""Kills the program at, or fails, every system call of whole edits and prunes, and checks the files.
 
     every_system_call.py GATESCOPE STAND_IN [--sample RUNS] [--only EDIT] [--jobs N]
 
-Each edit is run once undisturbed, to learn its system calls and its result. Then for each call
-there is one run that is killed when it gets there, one that is sent a signal that it can clean up
-after, and for calls that touch files one run for each error that they can meet. A prune is also
-paused at each, for a late writer. With --sample only about that many runs, evenly spread, take
-place.
+Each edit first runs undisturbed, for its system calls and its result. Then there are runs for each
+call: one that is killed at it, one that gets a signal with a handler, and for calls on files one for
+each error that they can return. A prune is also paused at each call, for a late writer. With --sample
+there are only about that many runs, evenly spread.
 """
 
 import argparse
@@ -27,7 +26,7 @@ import time
 import stages
 from stages import CANCEL, YES, text
 
-# What can go wrong with a call, besides being killed at it.
+# The errors that a call can return.
 DISK = ["ENOSPC", "EIO", "EINTR"]
 REFUSED = ["EACCES", "EIO", "EINTR"]
 ERRORS = {
@@ -43,9 +42,9 @@ ERRORS = {
 }
 
 STATUS_OF_A_DONE_EDIT = 110
-# What a disturbance does.
+# Kinds of disturbances.
 KILL, SIGNAL, FAIL, PAUSE = "kill", "signal", "fail", "pause"
-# Tells ctest that there was nothing to test with.
+# The exit status that ctest takes as skipped.
 SKIPPED = 77
 
 BLOCK = """\
@@ -68,15 +67,15 @@ post_checkin;S; ~adm ;
 
 
 class Edit:
-    """One kind of edit: how it is asked for, what the operator answers, which file it is about."""
+    """One kind of edit: its arguments, the operator's answers, and the file that it changes."""
 
-    # Whether it has so many calls that those without a difference are left out.
+    # Whether it has so many calls that those with the same effect are left out.
     long = False
-    # Who runs it, when it is not the one who runs this.
+    # The user id of the run; None: the user of this script.
     user = None
-    # The status with which it ends when it is done.
+    # The exit status after success.
     status = STATUS_OF_A_DONE_EDIT
-    # What its environment has besides.
+    # Additional variables of its environment.
     environment = {}
 
     def __init__(self, arguments, answers, result="gatebits.txt", shows="", always=None):
@@ -84,9 +83,9 @@ class Edit:
         self.answers = answers
         self.result = result
         self.shows = shows
-        # A call that fails in any case.
+        # An injection for all runs, the undisturbed one included.
         self.always = always
-        # Learnt from the undisturbed run.
+        # The dialogs of the undisturbed run.
         self.asked = ""
 
     def furnish(self, stage):
@@ -96,7 +95,7 @@ class Edit:
         return [gatescope, "F=" + os.path.join(stage, "gatebits.txt")] + self.arguments
 
     def state(self, stage):
-        """What the edit is about: the bytes of its file, or None when there is none."""
+        """The bytes of the edit's file, or None if it does not exist."""
         return bytes_of(os.path.join(stage, self.result))
 
     def fault_after_kill(self, stage, old, new, gatescope):
@@ -113,11 +112,11 @@ class Edit:
         if state not in (old, new):
             return "the file is neither the old nor the new one, but %r" % state
         if state == old and not run.told():
-            return "nothing was written and nothing was said (status %d)" % run.status
+            return "nothing was written and nothing was reported (status %d)" % run.status
         return self.fault_of_the_rest(stage, old)
 
     def fault_of_the_rest(self, stage, old):
-        """The gatebits file in use must be whole, whichever file the edit is about."""
+        """The gatebits file in use must be whole, even if the edit is of another file."""
         if self.result == "gatebits.txt":
             return None
         if bytes_of(os.path.join(stage, "gatebits.txt")) != BLOCK.format(stage=stage).encode():
@@ -299,8 +298,8 @@ def fingerprint(data):
 
 
 class InPlace(Edit):
-    """A field of a file with two names, which cannot be replaced by a rename. Between the old and
-    the new text there may be blank lines at its end; a failed write says where the whole text is."""
+    """A field of a hard-linked file, which is rewritten in place. Between the old and the new text
+    blank lines may be at its end; a failed write names the copy with the whole text."""
 
     def furnish(self, stage):
         os.link(os.path.join(stage, "gatebits.txt"), os.path.join(stage, "depot", "other"))
@@ -317,7 +316,7 @@ class InPlace(Edit):
 
 
 class Page(Edit):
-    """A query's page and its numbers, in files that are named after the moment."""
+    """A query's page and its CSV file, which are named after the time of the query."""
 
     def __init__(self, always=None):
         super().__init__(["Q=1", "C=*", "U=*", "D=n", "R=n"], [], result="results",
@@ -334,14 +333,13 @@ class Page(Edit):
                 for name in os.listdir(results)}
 
     def fault_of_files(self, state, new, allowed):
-        """Files that are there are whole, or what is allowed besides."""
+        """Existing files must be whole, or allowed."""
         wrong = ["%s (%d bytes)" % (name, len(text)) for name, text in state.items()
                  if text != new.get(name) and not allowed(name, text)]
         return "not whole: %s" % wrong if wrong else None
 
     def fault_after_kill(self, stage, old, new, gatescope):
-        # Between two calls nothing is half: there is the page without a byte, and the numbers under
-        # a name of their own.
+        # The page may be empty, and the CSV file may still have its temporary name.
         return self.fault_of_files(self.state(stage), new, lambda name, text: not text or name not in new)
 
     def fault_after_signal(self, stage, old, new, gatescope):
@@ -349,21 +347,21 @@ class Page(Edit):
 
     def fault_after_error(self, stage, old, new, run, gatescope):
         state = self.state(stage)
-        # A log that cannot be read is named, and the page tells of the others.
+        # A log that cannot be read is named, and the page counts the others.
         if "logging_0.txt" in run.noted and state.keys() == new.keys():
             return None
         if state != new and not run.told():
-            return "there is only %s, and nothing was said (status %d)" % (list(state), run.status)
-        # Without a lock nobody knows whose bytes come after those that were there before, nor whose
-        # an empty page is.
+            return "there is only %s, and nothing was reported (status %d)" % (list(state), run.status)
+        # Without a lock the program cannot know which process wrote bytes after the old ones, or
+        # created an empty page.
         if self.always and "is incomplete" in run.said:
             return None
         return self.fault_of_files(state, new, lambda name, text: self.always and not text)
 
 
 class Recorded(Edit):
-    """An edit with a history: whenever the file is the new one, its record and the old text are
-    there, and each line is JSON."""
+    """An edit with a history: if the file has the new text, the record and the old text exist, and
+    each line is JSON."""
 
     environment = {"ZUL_GATESCOPE_HISTORY": "{stage}/history"}
 
@@ -378,7 +376,7 @@ class Recorded(Edit):
     def fault_of_history(self, stage, old):
         lines = bytes_of(os.path.join(stage, "history", "changes.jsonl")) or b""
         if lines and not lines.endswith(b"\n"):
-            return "a line has no end: %r" % lines
+            return "a line has no newline: %r" % lines
         records = self.records(stage)
         saved = {record["saved"]: bytes_of(os.path.join(stage, "history", record["saved"]))
                  for record in records if record["saved"]}
@@ -398,14 +396,14 @@ class Recorded(Edit):
     def fault_after_error(self, stage, old, new, run, gatescope):
         seen = (super().fault_after_error(stage, old, new, run, gatescope) or
                 self.fault_of_history(stage, old))
-        # Where it could be taken back, there is no record of what was not done.
+        # The record of a change that was not made is removed, unless its removal failed.
         may_stay = run.disturbed.startswith("ftruncate") or "may be damaged" in run.said
         if not seen and self.state(stage) == old and not may_stay:
-            stays = self.records(stage)[self.earlier:]
-            return "a change that was not made stays in the history: %s" % stays if stays else None
+            left = self.records(stage)[self.earlier:]
+            return "a change that was not made stays in the history: %s" % left if left else None
         return seen
 
-    # Records that stand there before.
+    # The number of records before the run.
     earlier = 0
 
     def leftovers(self, stage):
@@ -420,7 +418,7 @@ class RecordedInPlace(Recorded, InPlace):
 
 
 class Restored(Recorded):
-    """What gatescope-history puts back."""
+    """A text that gatescope-history restores."""
 
     status = 0
     earlier = 1
@@ -508,7 +506,7 @@ def is_stopped(pid):
 
 
 class Run:
-    """One run of the program on a stage, with one call disturbed as `injection` says."""
+    """One run of the program on a stage, with one call disturbed by `injection`."""
 
     def __init__(self, gatescope, edit, stage, injection=None, trace=None, meanwhile=None):
         self.seen = None
@@ -516,7 +514,7 @@ class Run:
         command = edit.command(gatescope, stage)
         self.done = edit.status
         if injections or trace:
-            # Without -f: the children are left alone.
+            # Without -f, so that children are not traced.
             strace = ["strace", "-qq", "-o", trace or "/dev/null"]
             if injection:
                 strace += ["-e", "trace=" + ",".join(one.split(":")[0] for one in injections)]
@@ -539,28 +537,28 @@ class Run:
         self.said = said.decode(errors="replace")
         self.noted = noted.decode(errors="replace")
         self.status = process.returncode
-        calls = stages.calls_of_player(stage)
-        self.misfits = [call["error"] for call in calls if any(call["error"])]
-        # Questions, prompts and lists, whichever process on whichever stage asked them.
+        calls = stages.recorded_calls(stage)
+        self.mismatches = [call["error"] for call in calls if any(call["error"])]
+        # Questions, prompts and lists, without the stage and the process id.
         asked = "".join(" ".join(call["argument"]) + "\n" for call in calls
                         if call["queue"] != ["box"])
         self.asked = re.sub(r"_\d+_", "_", asked.replace(stage, ""))
-        self.asks_otherwise = not edit.asked.startswith(self.asked)
+        self.asks_other_questions = not edit.asked.startswith(self.asked)
 
     def while_paused(self, strace, meanwhile):
-        """Does it once the program has stopped, and lets that go on, whether it is done by then
-        or not: what it needs may be held by the program."""
-        at_rest = 0
-        while at_rest < 3 and strace.poll() is None:
-            # Another one at first: strace tries out what it can do.
+        """Starts `meanwhile` when the program has stopped, and soon continues the program, even if
+        `meanwhile` is not done: it may wait for a lock of the program."""
+        times_stopped = 0
+        while times_stopped < 3 and strace.poll() is None:
+            # At first the child is one by which strace tests its abilities.
             child = only_child(strace.pid)
-            at_rest = at_rest + 1 if child and is_stopped(child) else 0
+            times_stopped = times_stopped + 1 if child and is_stopped(child) else 0
             time.sleep(0.002)
         work = threading.Thread(target=meanwhile)
         work.start()
         work.join(0.03)
         while strace.poll() is None:
-            # It was paused a moment later, should it only have looked like it.
+            # Repeated, in case that the program is paused only now.
             with contextlib.suppress(ProcessLookupError):
                 child = only_child(strace.pid)
                 if child and is_stopped(child):
@@ -569,8 +567,8 @@ class Run:
         work.join()
 
     def told(self):
-        """Whether the operator learns that it was not done: by an error, or another question."""
-        return self.status != self.done or self.asks_otherwise
+        """Whether the operator learns that it failed: by an error or by another question."""
+        return self.status != self.done or self.asks_other_questions
 
 
 def set_the_stage(stage, stand_in, edit):
@@ -578,12 +576,12 @@ def set_the_stage(stage, stand_in, edit):
     for folder in ("tmp", "logs", "depot"):
         os.makedirs(os.path.join(stage, folder))
     stages.write(os.path.join(stage, "gatebits.txt"), BLOCK.format(stage=stage))
-    stages.put_player(stage, stand_in, edit.answers)
+    stages.install_stand_in(stage, stand_in, edit.answers)
     edit.furnish(stage)
 
 
 def calls_of(trace):
-    """The calls of a run as (name, how many of that name so far)."""
+    """The calls of a run as (name, number among the calls of that name, line of the trace)."""
     count = collections.Counter()
     calls = []
     with open(trace) as file:
@@ -596,40 +594,40 @@ def calls_of(trace):
     return calls
 
 
-LOOKING = {"newfstatat", "read", "pread64", "lseek", "getdents64", "access", "readlink", "fcntl",
+READING = {"newfstatat", "read", "pread64", "lseek", "getdents64", "access", "readlink", "fcntl",
            "mmap", "munmap", "mprotect", "brk", "close", "rt_sigprocmask", "rt_sigaction", "getpid",
            "flistxattr", "fgetxattr", "clock_nanosleep", "geteuid"}
 
 
 def changes_something(name, line):
-    """Whether anybody could see, after the call, that it took place."""
+    """Whether the call has an effect that another process can see."""
     if name == "openat":
         return "O_CREAT" in line or "O_TRUNC" in line
-    return name not in LOOKING
+    return name not in READING
 
 
 def disturbances(calls, long):
-    """Every way to disturb one call: (injection, what it does, what was disturbed)."""
+    """All disturbances of single calls, as (injection, kind, line of the trace)."""
     loaded = 0
     changed = True
     for at, (name, number, line) in enumerate(calls):
-        # Between two calls that change something, it makes no difference where a run ends.
+        # Ends between the same two changing calls have the same effect.
         if changed or not long:
             yield "%s:signal=SIGKILL:when=%d" % (name, number), KILL, line
-            gentle = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
-            yield "%s:signal=%s:when=%d" % (name, gentle, number), SIGNAL, line
+            handled = ("SIGTERM", "SIGINT", "SIGHUP")[at % 3]
+            yield "%s:signal=%s:when=%d" % (name, handled, number), SIGNAL, line
         changed = changes_something(name, line)
-        # The program pauses after the call, so what it has just seen may be out of date then.
-        has_looked = name in ("newfstatat", "read", "pread64") and "ENOENT" not in line
-        if long and loaded >= 2 and (changed or has_looked):
+        # The program pauses after the call, so that its result may then be out of date.
+        has_read = name in ("newfstatat", "read", "pread64") and "ENOENT" not in line
+        if long and loaded >= 2 and (changed or has_read):
             yield "%s:signal=SIGSTOP:when=%d" % (name, number), PAUSE, line
-        # What is not there cannot fail in a way that matters.
+        # For a file that does not exist another error makes no difference.
         if long and "ENOENT" in line:
             continue
-        # Before the gatebits file is loaded the operator is still asked which file to use. The
-        # messages themselves are written to descriptor 1.
+        # Before the gatebits file is loaded an error leads to the question which file to use. The
+        # messages are written to descriptor 1.
         loaded += "gatebits.txt" in line
-        # A checker that cannot be looked at counts as not there, and another one is used.
+        # A checker whose stat fails counts as missing, and another one is used.
         if loaded < 2 or line.startswith("write(1,") or '"/bin/true"' in line:
             continue
         for error in ERRORS.get(name, []):
@@ -637,7 +635,7 @@ def disturbances(calls, long):
 
 
 def disturbed(gatescope, stand_in, name, edit, expected, free, injection, kind, line):
-    """What is wrong after one disturbed run; None when nothing is."""
+    """The fault after one disturbed run, or None."""
     stage = free.pop()
     try:
         set_the_stage(stage, stand_in, edit)
@@ -662,9 +660,9 @@ def disturbed(gatescope, stand_in, name, edit, expected, free, injection, kind, 
             after = edit.fault_after_signal if kind == SIGNAL else edit.fault_after_kill
             fault = after(stage, old, new, gatescope)
         else:
-            # It came too late, or a call was not repeated exactly.
+            # The signal came too late, or a call was not repeated exactly.
             fault = None if run.status == edit.status else "it did not end by the signal"
-        # What is killed leaves something behind, and what cannot be removed stays.
+        # A killed run leaves files behind, and so does a failing unlink.
         left = edit.leftovers(stage)
         if not fault and left and kind != KILL and not injection.startswith("unlink:error"):
             fault = "left behind: %s" % left
@@ -676,11 +674,11 @@ def disturbed(gatescope, stand_in, name, edit, expected, free, injection, kind, 
         free.append(stage)
 
 
-def learn(gatescope, stand_in, name, edit, stage, root):
+def run_undisturbed(gatescope, stand_in, name, edit, stage, root):
     """The calls of an undisturbed run, and its result as a function of the stage."""
     set_the_stage(stage, stand_in, edit)
     old = edit.state(stage)
-    # One of its own: the next kind may be run by somebody else.
+    # One file for each kind, since kinds may run as different users.
     trace = os.path.join(root, "trace_of_" + name)
     run = Run(gatescope, edit, stage, trace=trace)
     edit.asked = run.asked
@@ -688,8 +686,8 @@ def learn(gatescope, stand_in, name, edit, stage, root):
     if run.status != edit.status or new == old or edit.shows not in repr(new) + run.said:
         sys.exit("%s, undisturbed, ended with %d, said %r and left %r" %
                  (name, run.status, run.said, new))
-    if run.misfits:
-        sys.exit("%s, undisturbed, is asked otherwise: %s" % (name, run.misfits))
+    if run.mismatches:
+        sys.exit("%s, undisturbed, asks other questions: %s" % (name, run.mismatches))
     if edit.leftovers(stage):
         sys.exit("%s, undisturbed, left %s behind" % (name, edit.leftovers(stage)))
 
@@ -711,7 +709,7 @@ def main():
     options = options.parse_args()
     programs = os.path.abspath(options.gatescope), os.path.abspath(options.stand_in)
     if not shutil.which("strace") or subprocess.run(["strace", "-o", "/dev/null", "true"]).returncode:
-        print("strace is not there, or may not trace")
+        print("needs strace and the right to trace")
         return SKIPPED
 
     with stages.scratch_directory() as root:
@@ -720,10 +718,10 @@ def main():
         for name, edit in EDITS.items():
             if options.only and name != options.only:
                 continue
-            calls, expected = learn(*programs, name, edit, free[0], root)
+            calls, expected = run_undisturbed(*programs, name, edit, free[0], root)
             ways = [(name, edit, expected) + way for way in disturbances(calls, edit.long)]
             print("%-15s %4d system calls, %4d ways to disturb them" % (name, len(calls), len(ways)))
-            # Those wait for seconds each.
+            # Each run as another user waits for seconds.
             work += ways[::10] if options.sample and edit.user else ways
         if options.sample:
             step = max(1, len(work) // options.sample)

@@ -10,7 +10,9 @@
 #include "support/failing_sync.h"
 #include "support/scratch_directory.h"
 
-// Where the disk takes a text, and fails when it is to be kept.
+namespace gatescope {
+
+// A disk on which writing succeeds and fsync fails.
 
 namespace {
 
@@ -21,7 +23,7 @@ class FailingDisk : public testing::Test {
   protected:
     FailingDisk() { directory.write("file", OLD_TEXT); }
 
-    /// Replaces the file; all syncs but the next `good` fail.
+    /// Replaces the file; the sync after the next `good` fails.
     [[nodiscard]] Ended replaced(int good) const {
         return in_child([&] {
             write_file(copy, NEW_TEXT);
@@ -31,7 +33,7 @@ class FailingDisk : public testing::Test {
                 gripe_not_replaced(*failure, file, copy);
         });
     }
-    [[nodiscard]] std::string told(const std::string& state) const {
+    [[nodiscard]] std::string error_text(const std::string& state) const {
         return "ERROR: Could not write the file (" + file + "): Input/output error.  " + state +
                "\n";
     }
@@ -42,48 +44,49 @@ class FailingDisk : public testing::Test {
     const std::string copy = temporary / "copy";
 };
 
-TEST_F(FailingDisk, ATextThatItDoesNotKeepDoesNotTakeTheOldOnesPlace) {
+TEST_F(FailingDisk, KeepsOldTextWhenNewTextIsNotSynced) {
     const Ended ended = replaced(0);
     EXPECT_EQ(ended.status, 99);
-    EXPECT_EQ(ended.said, told("(" + file + ") is unchanged."));
+    EXPECT_EQ(ended.said, error_text("(" + file + ") is unchanged."));
     EXPECT_EQ(file_text(file), OLD_TEXT);
     EXPECT_EQ(directory.names(), std::set<std::string>{"file"});
     EXPECT_EQ(temporary.names(), std::set<std::string>());
 }
 
-TEST_F(FailingDisk, ANewNameThatItDoesNotKeepIsToldOf) {
+TEST_F(FailingDisk, ReportsDirectoryThatIsNotSynced) {
     const Ended ended = replaced(1);
     EXPECT_EQ(ended.status, 99);
-    EXPECT_EQ(
-        ended.said,
-        told("(" + file + ") holds its complete new text, but may not have reached the disk yet."));
+    EXPECT_EQ(ended.said,
+              error_text("(" + file +
+                         ") holds its complete new text, but may not have reached the disk yet."));
     EXPECT_EQ(file_text(file), NEW_TEXT);
 }
 
-TEST_F(FailingDisk, InPlaceNothingIsTouchedUntilTheCopyIsKept) {
+TEST_F(FailingDisk, KeepsOldTextInPlaceUntilCopyIsSynced) {
     std::filesystem::create_hard_link(file, directory / "other");
     for (const int good : {0, 1}) {
         const Ended ended = replaced(good);
         EXPECT_EQ(ended.status, 99) << good;
-        EXPECT_EQ(ended.said, told("(" + file + ") is unchanged.")) << good;
-        // Room was made, and could not be known to be kept.
+        EXPECT_EQ(ended.said, error_text("(" + file + ") is unchanged.")) << good;
+        // Space was allocated, but its sync failed.
         EXPECT_EQ(file_text(file), OLD_TEXT) << good;
     }
 }
 
-TEST_F(FailingDisk, ATextInPlaceThatItDoesNotKeepIsInTheCopy) {
+TEST_F(FailingDisk, KeepsNewTextInCopyWhenRewriteIsNotSynced) {
     std::filesystem::create_hard_link(file, directory / "other");
     const Ended ended = replaced(2);
     EXPECT_EQ(ended.status, 99);
-    EXPECT_EQ(ended.said,
-              told("(" + file + ") may be damaged.  Its complete new text is in (" + copy + ")."));
+    EXPECT_EQ(
+        ended.said,
+        error_text("(" + file + ") may be damaged.  Its complete new text is in (" + copy + ")."));
     EXPECT_EQ(file_text(copy), NEW_TEXT);
 }
 
-TEST_F(FailingDisk, AChangeWhoseRecordItDoesNotKeepIsNotMade) {
+TEST_F(FailingDisk, RefusesChangeWhoseRecordIsNotSynced) {
     std::filesystem::create_directory(directory / "history");
     setenv("ZUL_GATESCOPE_HISTORY", (directory / "history").c_str(), 1);
-    // The text, the directory and the lines.
+    // The syncs of the text, of the directory and of the lines.
     for (const int good : {0, 1, 2}) {
         const Ended ended = in_child([&] {
             good_syncs = good;
@@ -103,3 +106,4 @@ TEST_F(FailingDisk, AChangeWhoseRecordItDoesNotKeepIsNotMade) {
 }
 
 }  // namespace
+}  // namespace gatescope

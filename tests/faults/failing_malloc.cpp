@@ -1,6 +1,6 @@
-// Preloaded into gatescope, and into it alone, this lets the allocation fail whose number stands in
-// FAIL_ALLOCATION, or with a "+" after the number that one and all after it; and writes at the end
-// into the file ALLOCATIONS how many there were.
+// A library to preload. In gatescope, and in no other program, it lets the allocation fail whose
+// number is in FAIL_ALLOCATION (with a "+" after it, that one and all later ones), and writes the
+// number of allocations to the file ALLOCATIONS at the end.
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 
+namespace gatescope {
+
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -20,15 +22,16 @@ void* __libc_realloc(void* old, std::size_t size);
 namespace {
 
 std::atomic<long> allocations = 0;
-/// 0 until main begins, and in every other program.
+/// 0: none.
 long failing = 0;
-bool all_after = false;
-bool counting = false;
+bool fails_all_later = false;
+/// False before the constructor, after the destructor, and in other programs.
+bool is_counting = false;
 
 bool fails() {
-    if (!counting) return false;
+    if (!is_counting) return false;
     const long number = ++allocations;
-    if (number != failing && !(all_after && number > failing)) return false;
+    if (number != failing && !(fails_all_later && number > failing)) return false;
     errno = ENOMEM;
     return true;
 }
@@ -38,15 +41,15 @@ __attribute__((constructor)) void begin() {
     if (const char* number = std::getenv("FAIL_ALLOCATION")) {
         char* end = nullptr;
         failing = std::strtol(number, &end, 10);
-        all_after = *end == '+';
+        fails_all_later = *end == '+';
     }
-    counting = true;
+    is_counting = true;
 }
 
 __attribute__((destructor)) void end() {
     const char* path = std::getenv("ALLOCATIONS");
-    if (!counting || path == nullptr) return;
-    counting = false;
+    if (!is_counting || path == nullptr) return;
+    is_counting = false;
     const int file = open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     if (file == -1) return;
     dprintf(file, "%ld\n", allocations.load());
@@ -66,3 +69,5 @@ void* realloc(void* old, std::size_t size) {
     return fails() ? nullptr : __libc_realloc(old, size);
 }
 }
+
+}  // namespace gatescope

@@ -15,6 +15,8 @@
 #include "faults/small_disk.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 // Histories that take no record. Each is made by a child, by whose number alone the names of saved
 // texts can be known before.
 
@@ -131,3 +133,4 @@ TEST_F(UnfitHistory, OnAFullDiskNothingOfTheRecordIsLeft) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -10,6 +10,7 @@
 
 #include "dialog/messages.h"
 
+namespace gatescope {
 namespace {
 
 constexpr unsigned NOBODY = 65534;
@@ -21,7 +22,7 @@ void become_nobody() {
     }
 }
 
-std::string all_of(int pipe_end) {
+std::string read_to_end(int pipe_end) {
     std::string text;
     std::array<char, 4096> chunk;
     for (ssize_t got = 0; (got = read(pipe_end, chunk.data(), chunk.size())) > 0;) {
@@ -48,7 +49,7 @@ Ended in_child(const std::function<void()>& body) {
     }
     close(ends[1]);
     Ended ended;
-    ended.said = all_of(ends[0]);
+    ended.said = read_to_end(ends[0]);
     close(ends[0]);
     int status = 0;
     if (waitpid(child, &status, 0) != child) std::abort();
@@ -66,3 +67,5 @@ Ended in_child_of_nobody(const std::function<void()>& body) {
 bool can_become_nobody() {
     return geteuid() == 0 && in_child(become_nobody).status == 0;
 }
+
+}  // namespace gatescope

@@ -8,20 +8,21 @@
 #include "policy/gatebits_file.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
-// Somebody who has stopped in the middle of a change must not hang the others without a word.
-TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
+// A process that is stopped during a change must not block others without a message.
+TEST(LockedGatebitsFile, ReportsFileLockedForTooLong) {
     ASSERT_EQ(LOCK_PATIENCE, std::chrono::seconds(10));
     const ScratchDirectory directory;
     const std::string file = directory / "gatebits.txt";
     write_file(file, "one;\n");
-    const Descriptor theirs(open(file.c_str(), O_RDWR | O_CLOEXEC));
-    ASSERT_EQ(lock_exclusively(theirs.get()), 0);
+    const Descriptor other_process(open(file.c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(lock_exclusively(other_process.get()), 0);
     const Ended ended = in_child([&] {
         TEMP_DIR = directory / "";
         change(
-            file, {Gatebits(std::string()), nothing},
+            file, {Gatebits(std::string()), no_part},
             [](const Gatebits& now) { return set_a_line(now, 1, "two;"); }, {},
             std::chrono::seconds(1));
     });
@@ -34,3 +35,4 @@ TEST(LockedGatebitsFile, IsAnErrorThatNamesItAfterAWhile) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Ends prunes that last in each way, while they read a log that is as good as endless.
+"""Ends long prunes in each way, while they read a log of 1 TiB.
 
     long_prunes.py GATESCOPE
 
-A pruning that lasts shows how far it has come on a terminal. The line is wiped before anything else
-is said, and at the end.
+A long prune shows its progress on a terminal. The line is wiped before any other output, and at the
+end.
 """
 
 import os
@@ -25,7 +25,7 @@ LINE = re.compile(rb"\r(\d+) of 1099511 MB, \d+ s left *\r")
 
 
 class Pruning:
-    """One whose standard output and error are a terminal."""
+    """A prune whose standard output and error are a terminal."""
 
     def __init__(self, gatescope, directory):
         self.logs = directory + "/log"
@@ -37,34 +37,34 @@ class Pruning:
         os.close(terminal)
         self.shown = b""
 
-    def look(self):
+    def read_screen(self):
         if select.select([self.screen], [], [], 0.1)[0]:
             try:
                 self.shown += os.read(self.screen, 4096)
             except OSError:
-                # Nobody has the terminal open any more.
+                # No process has the terminal open.
                 pass
 
     def megabytes_done(self):
         until = time.monotonic() + WAIT
         while not LINE.search(self.shown):
             assert time.monotonic() < until, f"nothing but {self.shown!r} was shown"
-            self.look()
+            self.read_screen()
         return int(LINE.findall(self.shown)[-1])
 
     def end(self):
-        """What stands on the terminal in the end after the line, which must have been wiped."""
+        """The exit status, and the output after the last progress line."""
         until = time.monotonic() + WAIT
         while self.program.poll() is None:
-            assert time.monotonic() < until, f"goes on and on: {self.shown!r}"
-            self.look()
-        self.look()
+            assert time.monotonic() < until, f"does not end: {self.shown!r}"
+            self.read_screen()
+        self.read_screen()
         os.close(self.screen)
         return self.program.returncode, self.shown[list(LINE.finditer(self.shown))[-1].end():]
 
 
 def ends_well(pruning):
-    """The log ends while it is read; the next one is a pipe, which is told."""
+    """The log ends while it is read; the next one is a FIFO, which is reported."""
     os.mkfifo(pruning.logs + "/logging_1.txt")
     pruning.megabytes_done()
     os.truncate(pruning.logs + "/logging_0.txt", 0)
@@ -76,7 +76,7 @@ def ends_well(pruning):
 
 
 def leaves_the_log_alone(pruning):
-    """Not a byte may be written when it comes to a record that is kept, one of which is ahead."""
+    """No byte may be written when the prune reaches a record that is kept, of which one is ahead."""
     done = pruning.megabytes_done()
     resource.prlimit(pruning.program.pid, resource.RLIMIT_FSIZE, (0, 0))
     with open(pruning.logs + "/logging_0.txt", "r+b") as log:

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Ends queries that last by signals, while they read logs that are as good as endless.
+"""Ends long queries by signals, while they read a log of 1 TiB.
 
     long_queries.py GATESCOPE
 
-A query that lasts shows how far it has come on a terminal, and there alone. Whatever the number of
-threads that read, the signal comes to the first of them and ends the program.
+A long query shows its progress on a terminal, and nowhere else. With any number of reading threads,
+the first thread receives the signal and ends the program.
 """
 
 import glob
@@ -66,7 +66,7 @@ def held_back(task):
 
 
 def shows_progress_and_ends(gatescope, gatebits, one):
-    """One thread, so that it is the first that reads."""
+    """On one processor, so that the first thread reads."""
     screen, terminal = pty.openpty()
     query = start(gatescope, gatebits, terminal, one)
     shown = b""

@@ -20,6 +20,7 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 using Names = std::set<std::string>;
@@ -34,12 +35,12 @@ struct stat status_of(const std::string& path) {
     return status;
 }
 
-/// A file with the old text in a directory, and the safe copy in another.
+/// A file with the old text in a directory, and the backup copy in another.
 class ReplaceFile : public testing::Test {
   protected:
     void SetUp() override { write_file(file, OLD); }
 
-    /// What the rewriters do: the safe copy first, then the file.
+    /// Replaces as the program does: writes the copy first, then the file.
     void replace(const std::string& path, const std::string& text) const {
         write_file(copy, text);
         remember_temporary_file(copy);
@@ -54,8 +55,8 @@ class ReplaceFile : public testing::Test {
         return in_child_of_nobody([&] { replace(file, text); });
     }
 
-    /// Gives everything to nobody.
-    void hand_over() const {
+    /// Gives the file and both directories to the user nobody.
+    void give_to_nobody() const {
         for (const std::string& path : {file, directory / "", temporary / ""}) {
             ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
         }
@@ -72,23 +73,23 @@ class ReplaceFile : public testing::Test {
     const std::string copy = temporary / "copy";
 };
 
-/// The same where the user matters.
-class ReplaceFileOfNobody : public ReplaceFile {
+/// The same as the ordinary user nobody.
+class ReplaceFileAsUser : public ReplaceFile {
   protected:
     void SetUp() override {
-        if (!can_become_nobody()) GTEST_SKIP() << "needs root, to become somebody else";
+        if (!can_become_nobody()) GTEST_SKIP() << "needs root, to become another user";
         ReplaceFile::SetUp();
-        hand_over();
+        give_to_nobody();
     }
 };
 
-TEST_F(ReplaceFile, HoldsTheNewTextAndNothingElseIsLeft) {
+TEST_F(ReplaceFile, WritesNewTextAndLeavesNoOtherFile) {
     EXPECT_EQ(replaced().status, 0);
     EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, ReadersOfTheOldFileKeepTheOldText) {
+TEST_F(ReplaceFile, KeepsOldTextForReadersOfOldFile) {
     std::ifstream reader(file);
     EXPECT_EQ(replaced().status, 0);
     std::string line;
@@ -96,7 +97,7 @@ TEST_F(ReplaceFile, ReadersOfTheOldFileKeepTheOldText) {
     EXPECT_EQ(line, "old line one");
 }
 
-TEST_F(ReplaceFile, SymbolicLinkStaysAndItsTargetChanges) {
+TEST_F(ReplaceFile, ReplacesTargetOfSymbolicLink) {
     const std::string link = directory / "link";
     const std::string link_to_link = directory / "link_to_link";
     ASSERT_EQ(symlink("file", link.c_str()), 0);
@@ -109,7 +110,7 @@ TEST_F(ReplaceFile, SymbolicLinkStaysAndItsTargetChanges) {
     expect_nothing_left({"file", "link", "link_to_link"});
 }
 
-TEST_F(ReplaceFile, RelativeNameWithoutADirectory) {
+TEST_F(ReplaceFile, ReplacesFileOfRelativePath) {
     EXPECT_EQ(in_child([&] {
                   ASSERT_EQ(chdir((directory / "").c_str()), 0);
                   replace("file", NEW);
@@ -119,7 +120,7 @@ TEST_F(ReplaceFile, RelativeNameWithoutADirectory) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, NameAsLongAsTheFileSystemTakes) {
+TEST_F(ReplaceFile, ReplacesFileWithNameOf255Characters) {
     const std::string longest = directory / std::string(255, 'n');
     write_file(longest, OLD);
     const auto before = status_of(longest).st_ino;
@@ -128,7 +129,7 @@ TEST_F(ReplaceFile, NameAsLongAsTheFileSystemTakes) {
     EXPECT_NE(status_of(longest).st_ino, before) << "it was not replaced by a rename";
 }
 
-TEST_F(ReplaceFile, HardLinkIsRewrittenInPlaceUnderBothNames) {
+TEST_F(ReplaceFile, RewritesHardLinkedFileInPlace) {
     const std::string other = directory / "other";
     for (const std::string text : {NEW, SHORTER}) {
         write_file(file, OLD);
@@ -143,23 +144,23 @@ TEST_F(ReplaceFile, HardLinkIsRewrittenInPlaceUnderBothNames) {
     }
 }
 
-// What is written to a file that has no name any more is lost.
-TEST_F(ReplaceFile, OpenFileThatHasLostItsNameIsNotWrittenTo) {
-    const std::string twin = directory / "twin";
+// Data written to a file without a name is lost.
+TEST_F(ReplaceFile, WritesToNamedFileNotToUnlinkedOpenFile) {
+    const std::string second_name = directory / "second_name";
     for (const bool in_place : {false, true}) {
         const Descriptor open_file(open(file.c_str(), O_RDWR | O_CLOEXEC));
         std::filesystem::remove(file);
         write_file(file, OLD);
-        if (in_place) std::filesystem::create_hard_link(file, twin);
+        if (in_place) std::filesystem::create_hard_link(file, second_name);
         write_file(copy, NEW);
         EXPECT_FALSE(replace_file(file, NEW, copy, open_file));
         EXPECT_EQ(file_text(file), NEW) << in_place;
     }
-    EXPECT_EQ(file_text(twin), NEW);
-    expect_nothing_left({"file", "twin"});
+    EXPECT_EQ(file_text(second_name), NEW);
+    expect_nothing_left({"file", "second_name"});
 }
 
-TEST_F(ReplaceFile, FileThatSomethingIsMountedOnIsRewrittenInPlace) {
+TEST_F(ReplaceFile, RewritesMountPointInPlace) {
     const std::string place = directory / "place";
     write_file(place, "");
     if (mount(file.c_str(), place.c_str(), nullptr, MS_BIND, nullptr) != 0) {
@@ -172,7 +173,7 @@ TEST_F(ReplaceFile, FileThatSomethingIsMountedOnIsRewrittenInPlace) {
     expect_nothing_left({"file", "place"});
 }
 
-TEST_F(ReplaceFile, ModeStaysWhateverTheUmask) {
+TEST_F(ReplaceFile, KeepsModeDespiteUmask) {
     for (const mode_t mode : {0640U, 0666U, 0755U, 0600U}) {
         ASSERT_EQ(chmod(file.c_str(), mode), 0);
         EXPECT_EQ(in_child([&] {
@@ -184,7 +185,7 @@ TEST_F(ReplaceFile, ModeStaysWhateverTheUmask) {
     }
 }
 
-TEST_F(ReplaceFile, OwnerAndGroupStay) {
+TEST_F(ReplaceFile, KeepsOwnerAndGroup) {
     if (!can_become_nobody()) GTEST_SKIP() << "needs root";
     ASSERT_EQ(chown(file.c_str(), 12345, 23456), 0);
     EXPECT_EQ(replaced().status, 0);
@@ -193,7 +194,7 @@ TEST_F(ReplaceFile, OwnerAndGroupStay) {
     EXPECT_EQ(file_text(file), NEW);
 }
 
-TEST_F(ReplaceFile, ExtendedAttributesStay) {
+TEST_F(ReplaceFile, KeepsExtendedAttributes) {
     NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
     if (setxattr(file.c_str(), "user.note", "kept", 4, 0) != 0) {
         GTEST_SKIP() << "the file system has no extended attributes";
@@ -208,8 +209,8 @@ TEST_F(ReplaceFile, ExtendedAttributesStay) {
     EXPECT_EQ(getxattr(file.c_str(), "user.empty", value.data(), value.size()), 0);
 }
 
-// An access control list as the kernel takes it: version 2, then tag, permissions and id of each
-// entry. This one lets user 10 read, beside "rw- r-- ---".
+// An access control list in the kernel's format: version 2, then tag, permissions and id of each
+// entry. This one adds read permission for user 10 to "rw- r-- ---".
 struct AclEntry {
     std::uint16_t tag;
     std::uint16_t permissions;
@@ -223,7 +224,7 @@ struct Acl {
 constexpr char ACCESS_LIST[] = "system.posix_acl_access";
 constexpr char DEFAULT_LIST[] = "system.posix_acl_default";
 
-bool give_list(const std::string& path, const char* which) {
+bool set_list(const std::string& path, const char* which) {
     const Acl acl;
     return setxattr(path.c_str(), which, &acl, sizeof(acl), 0) == 0;
 }
@@ -231,9 +232,9 @@ ssize_t size_of_list(const std::string& path) {
     return getxattr(path.c_str(), ACCESS_LIST, nullptr, 0);
 }
 
-TEST_F(ReplaceFile, AccessControlListStays) {
+TEST_F(ReplaceFile, KeepsAccessControlList) {
     NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
-    if (!give_list(file, ACCESS_LIST)) GTEST_SKIP() << "the file system has no such lists";
+    if (!set_list(file, ACCESS_LIST)) GTEST_SKIP() << "the file system has no such lists";
     const mode_t mode = status_of(file).st_mode;
     EXPECT_EQ(replaced().status, 0);
     Acl acl;
@@ -243,24 +244,24 @@ TEST_F(ReplaceFile, AccessControlListStays) {
     EXPECT_EQ(status_of(file).st_mode, mode);
 }
 
-TEST_F(ReplaceFile, DirectorysDefaultListLetsNobodyInWhoWasOut) {
+TEST_F(ReplaceFile, IgnoresDirectorysDefaultAccessControlList) {
     NEEDS(GATESCOPE_HAS_ATTRIBUTES, "extended attributes");
     ASSERT_EQ(chmod(file.c_str(), 0640), 0);
-    if (!give_list(directory / "", DEFAULT_LIST)) GTEST_SKIP() << "no such lists here";
+    if (!set_list(directory / "", DEFAULT_LIST)) GTEST_SKIP() << "no such lists here";
     ASSERT_LT(size_of_list(file), 0);
     EXPECT_EQ(replaced().status, 0);
-    EXPECT_LT(size_of_list(file), 0) << "the new file got a list that the old one did not have";
+    EXPECT_LT(size_of_list(file), 0) << "the new file has a list, the old one had none";
     EXPECT_EQ(status_of(file).st_mode & 07777U, 0640U);
 }
 
-TEST_F(ReplaceFileOfNobody, WorksWithoutAnyRightsButTheOwners) {
+TEST_F(ReplaceFileAsUser, ReplacesOwnFileWithoutPrivileges) {
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
     EXPECT_EQ(file_text(file), NEW);
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFileOfNobody, DirectoryWithoutWritePermissionMeansInPlace) {
+TEST_F(ReplaceFileAsUser, RewritesInPlaceInReadOnlyDirectory) {
     ASSERT_EQ(chmod((directory / "").c_str(), 0555), 0);
     const auto before = status_of(file).st_ino;
     for (const std::string text : {NEW, SHORTER}) {
@@ -272,7 +273,7 @@ TEST_F(ReplaceFileOfNobody, DirectoryWithoutWritePermissionMeansInPlace) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFileOfNobody, DirectoryThatMayNotBeReadStillHasItsFileReplaced) {
+TEST_F(ReplaceFileAsUser, ReplacesFileInUnreadableDirectory) {
     ASSERT_EQ(chmod((directory / "").c_str(), 0333), 0);
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 0) << ended.said;
@@ -280,7 +281,7 @@ TEST_F(ReplaceFileOfNobody, DirectoryThatMayNotBeReadStillHasItsFileReplaced) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFileOfNobody, SomebodyElsesFileKeepsItsOwnerInPlace) {
+TEST_F(ReplaceFileAsUser, KeepsOwnerOfFileOfAnotherUser) {
     ASSERT_EQ(chown(file.c_str(), 12345, 65534), 0);
     ASSERT_EQ(chmod(file.c_str(), 0660), 0);
     const Ended ended = replaced_by_nobody();
@@ -291,7 +292,7 @@ TEST_F(ReplaceFileOfNobody, SomebodyElsesFileKeepsItsOwnerInPlace) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFileOfNobody, StickyDirectoryWithSomebodyElsesFileMeansInPlace) {
+TEST_F(ReplaceFileAsUser, RewritesFileOfAnotherUserInStickyDirectoryInPlace) {
     ASSERT_EQ(chown((directory / "").c_str(), 0, 0), 0);
     ASSERT_EQ(chmod((directory / "").c_str(), 01777), 0);
     ASSERT_EQ(chown(file.c_str(), 12345, 65534), 0);
@@ -303,7 +304,7 @@ TEST_F(ReplaceFileOfNobody, StickyDirectoryWithSomebodyElsesFileMeansInPlace) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFileOfNobody, ReadOnlyFileIsRefusedInTheDescribedWords) {
+TEST_F(ReplaceFileAsUser, RefusesReadOnlyFile) {
     ASSERT_EQ(chmod(file.c_str(), 0444), 0);
     const Ended ended = replaced_by_nobody();
     EXPECT_EQ(ended.status, 99);
@@ -313,7 +314,7 @@ TEST_F(ReplaceFileOfNobody, ReadOnlyFileIsRefusedInTheDescribedWords) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, ReadOnlyFileIsRefusedForRootToo) {
+TEST_F(ReplaceFile, RefusesReadOnlyFileForRoot) {
     ASSERT_EQ(chmod(file.c_str(), 0444), 0);
     const Ended ended = replaced();
     EXPECT_EQ(ended.status, 99);
@@ -323,7 +324,7 @@ TEST_F(ReplaceFile, ReadOnlyFileIsRefusedForRootToo) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, MissingFileIsRefusedInTheDescribedWords) {
+TEST_F(ReplaceFile, RefusesMissingFile) {
     unlink(file.c_str());
     const Ended ended = replaced();
     EXPECT_EQ(ended.status, 99);
@@ -332,7 +333,7 @@ TEST_F(ReplaceFile, MissingFileIsRefusedInTheDescribedWords) {
     expect_nothing_left({});
 }
 
-TEST_F(ReplaceFile, DirectoryThatKeepsEveryNewFileGetsNone) {
+TEST_F(ReplaceFile, RewritesInPlaceInAppendOnlyDirectory) {
     NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly kept(directory / "");
     if (!kept.is_set())
@@ -346,7 +347,7 @@ TEST_F(ReplaceFile, DirectoryThatKeepsEveryNewFileGetsNone) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, DirectoryFifoAndDanglingLinkAreRefusedAndStay) {
+TEST_F(ReplaceFile, RefusesDirectoryFifoAndDanglingLink) {
     const std::string fifo = directory / "fifo";
     const std::string link = directory / "link";
     const std::string folder = directory / "folder";
@@ -381,14 +382,14 @@ class ReplaceFileOnAFullDisk : public ReplaceFile {
     const std::string long_text = std::string(20000, 'n') + "\n";
 };
 
-TEST_F(ReplaceFileOnAFullDisk, OldFileStaysAndTheOperatorIsTold) {
+TEST_F(ReplaceFileOnAFullDisk, KeepsOldFileAndReportsError) {
     fill_up(directory / "filler");
     expect_says_unchanged(replaced(long_text), file, ENOSPC);
     EXPECT_EQ(file_text(file), OLD);
     expect_nothing_left({"file", "filler"});
 }
 
-TEST_F(ReplaceFileOnAFullDisk, HardLinkStaysToo) {
+TEST_F(ReplaceFileOnAFullDisk, KeepsHardLinkedFileWhenTextDoesNotFit) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     fill_up(directory / "filler");
     expect_says_unchanged(replaced(long_text), file, ENOSPC);
@@ -396,7 +397,7 @@ TEST_F(ReplaceFileOnAFullDisk, HardLinkStaysToo) {
     expect_nothing_left({"file", "filler", "other"});
 }
 
-TEST_F(ReplaceFileOnAFullDisk, HardLinkIsRewrittenWhereTheTextHasRoom) {
+TEST_F(ReplaceFileOnAFullDisk, RewritesHardLinkedFileWhenTextFits) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     fill_up(directory / "filler");
     EXPECT_EQ(replaced().status, 0);
@@ -404,15 +405,15 @@ TEST_F(ReplaceFileOnAFullDisk, HardLinkIsRewrittenWhereTheTextHasRoom) {
     EXPECT_EQ(file_text(directory / "other"), NEW);
 }
 
-/// Runs with no file allowed to grow beyond some bytes.
+/// Limits the size of files, without ignoring SIGXFSZ.
 void limit_files_to(rlim_t bytes) {
     const rlimit limit = {bytes, bytes};
     ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
 }
 
-TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
+TEST_F(ReplaceFile, ReportsFileSizeLimit) {
     const Ended ended = in_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
@@ -424,10 +425,10 @@ TEST_F(ReplaceFile, FileSizeLimitIsAnErrorAndNoDeath) {
     expect_nothing_left();
 }
 
-TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
+TEST_F(ReplaceFile, KeepsHardLinkedFileAtFileSizeLimit) {
     ASSERT_EQ(link(file.c_str(), (directory / "other").c_str()), 0);
     const Ended ended = in_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         write_file(copy, NEW);
         remember_temporary_file(copy);
         limit_files_to(30);
@@ -440,3 +441,4 @@ TEST_F(ReplaceFile, FileSizeLimitLeavesAHardLinkAsItWas) {
 }
 
 }  // namespace
+}  // namespace gatescope

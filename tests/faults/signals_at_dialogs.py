@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Ends the program by signals while a dialog is on the screen.
+"""Ends the program by signals while a dialog is open.
 
     signals_at_dialogs.py GATESCOPE STAND_IN
 
-Whatever the signal and wherever it comes from, the program ends as by that signal, the dialog goes
-with it, no temporary file stays, and the policy file is the old one.
+For each signal and sender the program ends by that signal, the dialog ends too, no temporary file
+stays, and the policy file is unchanged.
 """
 
 import concurrent.futures
@@ -21,12 +21,12 @@ import stages
 
 GATEBITS = "gatewarden;;;east;\n;;O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;;\n"
 
-# Dialogs that stay until they are ended: one that dies, and one that minds nothing but a wish to
-# end, and writes its answer even then, as a program would that cleans up in its own way.
+# Dialogs that stay until a signal comes: one that it ends, and one that blocks all signals but TERM,
+# INT and HUP, and still writes its answer, as a program with handlers of its own may do.
 PLAIN = {"delay_milliseconds": 60000}
 STUBBORN = {**PLAIN, "stubborn": 1, "outfile": "late"}
 
-# Signals that nobody sends as a wish to end, and that end a process all the same.
+# Other signals whose default action ends a process.
 OTHERS = (signal.SIGALRM, signal.SIGUSR1, signal.SIGUSR2, signal.SIGXCPU, signal.SIGVTALRM,
           signal.SIGPROF, signal.SIGIO, signal.SIGABRT, signal.SIGSYS, signal.SIGRTMIN)
 
@@ -37,7 +37,7 @@ def wait_for(condition, what):
     end = time.time() + WAIT
     while not condition():
         if time.time() > end:
-            raise AssertionError("waited in vain for " + what)
+            raise AssertionError("timeout while waiting for " + what)
         time.sleep(0.01)
 
 
@@ -55,7 +55,7 @@ class Stage:
         self.path = tempfile.mkdtemp()
         os.mkdir(self.path + "/tmp")
         stages.write(self.path + "/gatebits.txt", GATEBITS)
-        stages.put_player(self.path, stand_in, [dialog])
+        stages.install_stand_in(self.path, stand_in, [dialog])
         self.environment = {"PATH": self.path + "/bin:/usr/bin:/bin", "tmp": self.path + "/tmp",
                             "CLEARCASE_USER": "op"}
 
@@ -63,11 +63,11 @@ class Stage:
         return [self.gatescope, "F=" + self.path + "/gatebits.txt", "A=13", "R=n"]
 
     def dialog(self):
-        """Waits until the dialog is on the screen; its process."""
-        wait_for(lambda: stages.calls_of_player(self.path), "the dialog")
-        return int(stages.calls_of_player(self.path)[0]["pid"][0])
+        """Waits until the dialog is open, and returns its process id."""
+        wait_for(lambda: stages.recorded_calls(self.path), "the dialog")
+        return int(stages.recorded_calls(self.path)[0]["pid"][0])
 
-    def look(self, dialog, status, number):
+    def check(self, dialog, status, number):
         assert status == -number, "it ended with %d and not by signal %d" % (status, number)
         wait_for(lambda: not is_alive(dialog), "the end of the dialog")
         left = os.listdir(self.path + "/tmp")
@@ -80,7 +80,7 @@ def sent_to_the_program_alone(programs, number, dialog):
     program = subprocess.Popen(stage.command(), env=stage.environment)
     shown = stage.dialog()
     program.send_signal(number)
-    stage.look(shown, program.wait(WAIT), number)
+    stage.check(shown, program.wait(WAIT), number)
 
 
 def sent_to_the_whole_group(programs, number, dialog):
@@ -89,7 +89,7 @@ def sent_to_the_whole_group(programs, number, dialog):
                                start_new_session=True)
     shown = stage.dialog()
     os.killpg(program.pid, number)
-    stage.look(shown, program.wait(WAIT), number)
+    stage.check(shown, program.wait(WAIT), number)
 
 
 def started_on_a_terminal(programs):
@@ -106,7 +106,7 @@ def typed_at_the_terminal(programs, key, number):
     shown = stage.dialog()
     os.write(terminal, key)
     _, status = os.waitpid(child, 0)
-    stage.look(shown, os.waitstatus_to_exitcode(status), number)
+    stage.check(shown, os.waitstatus_to_exitcode(status), number)
 
 
 def closed_terminal(programs):
@@ -114,11 +114,11 @@ def closed_terminal(programs):
     shown = stage.dialog()
     os.close(terminal)
     _, status = os.waitpid(child, 0)
-    stage.look(shown, os.waitstatus_to_exitcode(status), signal.SIGHUP)
+    stage.check(shown, os.waitstatus_to_exitcode(status), signal.SIGHUP)
 
 
 def ignored_from_the_start(programs):
-    """What is started with nohup goes on when the terminal goes."""
+    """A run under nohup continues after SIGHUP."""
     stage = Stage(programs, PLAIN)
     program = subprocess.Popen(stage.command(), env=stage.environment,
                                preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
@@ -130,8 +130,8 @@ def ignored_from_the_start(programs):
     assert program.wait(WAIT) == 110, program.returncode
 
 
-def ends_of_children_ignored(programs):
-    """Whoever starts the program may ignore the ends of children; dialogs still answer."""
+def sigchld_ignored_from_the_start(programs):
+    """Dialogs work when SIGCHLD is ignored from the start."""
     stage = Stage(programs, stages.CANCEL)
     finished = subprocess.run(stage.command(), env=stage.environment, timeout=WAIT,
                               preexec_fn=lambda: signal.signal(signal.SIGCHLD, signal.SIG_IGN))
@@ -145,14 +145,14 @@ def main():
         for dialog in (PLAIN, STUBBORN):
             sent_to_the_program_alone(programs, number, dialog)
         sent_to_the_whole_group(programs, number, PLAIN)
-    # Each of these dialogs is given a while to end by itself.
+    # In parallel: the program gives each of these dialogs a few seconds to end.
     with concurrent.futures.ThreadPoolExecutor(len(OTHERS)) as pool:
         list(pool.map(lambda number: sent_to_the_program_alone(programs, number, STUBBORN), OTHERS))
     typed_at_the_terminal(programs, b"\x03", signal.SIGINT)
     closed_terminal(programs)
     ignored_from_the_start(programs)
-    ends_of_children_ignored(programs)
-    print("23 ways to be ended at a dialog, all of them in order")
+    sigchld_ignored_from_the_start(programs)
+    print("23 runs, no fault")
 
 
 if __name__ == "__main__":

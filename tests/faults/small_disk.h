@@ -5,8 +5,10 @@
 #include <fstream>
 #include <string>
 
-/// A file system of a few bytes on an existing directory, in memory, for as long as this lives.
-/// It takes the right to mount.
+namespace gatescope {
+
+/// Mounts a tmpfs of `bytes` on an existing directory until the end of the scope. It needs the
+/// right to mount.
 class SmallDisk {
   public:
     SmallDisk(const std::string& where, int bytes) : where_(where) {
@@ -25,9 +27,11 @@ class SmallDisk {
     bool mounted_;
 };
 
-/// Fills a small disk until nothing goes on it any more.
+/// Writes a file until the disk is full.
 inline void fill_up(const std::string& path) {
     std::ofstream stream(path, std::ios::binary);
     while (stream.put('x').flush()) {
     }
 }
+
+}  // namespace gatescope

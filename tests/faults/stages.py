@@ -1,5 +1,5 @@
-"""What the scripts of this directory share: a place that goes whatever happens, and a player of
-clearprompt, the same as in the scenes."""
+"""Shared by the scripts of this directory: a temporary directory, and a stand-in for clearprompt, the
+same as in the scenes."""
 
 import collections
 import contextlib
@@ -15,12 +15,12 @@ YES = {"status": 0}
 NO = {"status": 1}
 CANCEL = {"status": 2}
 
-# What a player and its script need of a stage.
+# Names in a stage's directory that the stand-in and its script use.
 FILES = {"bin", "script", "journal", "lock"}
 
 
 def text(entered):
-    """What is typed, picked or chosen."""
+    """The text typed, the entry picked or the file chosen."""
     return {"outfile": entered}
 
 
@@ -30,23 +30,23 @@ def write(path, text):
 
 
 def read(path):
-    """All of a file, its line ends as they are; an empty text when it is not there."""
+    """The text of a file with its line ends; empty if it does not exist."""
     with contextlib.suppress(FileNotFoundError), open(
             path, newline="", errors="surrogateescape") as file:
         return file.read()
     return ""
 
 
-def put_player(stage, stand_in, answers):
-    """Makes the stage's directory "bin", with a clearprompt in it that gives these answers, one a
-    dialog; in them "{stage}" is the stage. Boxes with one button answer themselves, and whatever
-    else is asked is aborted."""
+def install_stand_in(stage, stand_in, answers):
+    """Creates the stage's directory "bin", with a clearprompt that gives these answers, one per
+    dialog; "{stage}" in them is the stage. Boxes with one button need no answer; without an answer
+    all other dialogs are aborted."""
     os.makedirs(os.path.join(stage, "bin"))
-    player = os.path.join(stage, "bin", "clearprompt")
+    clearprompt = os.path.join(stage, "bin", "clearprompt")
     try:
-        os.link(stand_in, player)
+        os.link(stand_in, clearprompt)
     except OSError:
-        shutil.copy(stand_in, player)
+        shutil.copy(stand_in, clearprompt)
     script = os.path.join(stage, "script", "clearprompt")
     os.makedirs(script)
     for number, answer in enumerate(answers):
@@ -56,8 +56,8 @@ def put_player(stage, stand_in, answers):
         write(os.path.join(script, "%06d" % number), "".join(lines) + "\n")
 
 
-def calls_of_player(stage):
-    """Every dialog so far, as the values of each field of a RecordedCall."""
+def recorded_calls(stage):
+    """All dialogs so far, each as the values of the fields of a RecordedCall."""
     calls = []
     for record in read(os.path.join(stage, "journal")).split("\n\n")[:-1]:
         calls.append(collections.defaultdict(list))
@@ -70,9 +70,9 @@ def calls_of_player(stage):
 
 @contextlib.contextmanager
 def scratch_directory():
-    """A directory that anybody may use, for all temporary files of this process. It goes when the
-    script fails or is told to end, too."""
-    signal.signal(signal.SIGTERM, lambda number, frame: sys.exit("told to end"))
+    """A directory of mode 0777 for all temporary files of this process. It is also removed when the
+    script fails or gets SIGTERM."""
+    signal.signal(signal.SIGTERM, lambda number, frame: sys.exit("ended by SIGTERM"))
     with tempfile.TemporaryDirectory(prefix="gatescope_faults_",
                                      ignore_cleanup_errors=True) as directory:
         os.chmod(directory, 0o777)

@@ -15,15 +15,16 @@
 #include "policy/gatebits_file.h"
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 /// One kind of dialog, with a text in every place that takes one.
 struct Kind {
     const char* name;
     std::function<void(const std::string& text)> show;
-    /// How many of its arguments are the text.
+    /// The number of its arguments that are the text.
     int times;
-    /// Whether it has one button.
+    /// Whether it is a box with one button.
     bool is_box = false;
 };
 
@@ -35,7 +36,7 @@ const std::vector<Kind> KINDS = {
     {"gripe", run_gripe, 1, true},
     {"advise", advise, 1, true},
     {"advise_wait", advise_wait, 1, true},
-    {"ask", [](const std::string& text) { ask(text, NO); }, 1},
+    {"ask", [](const std::string& text) { ask(text, Answer::NO); }, 1},
     {"prompt", [](const std::string& text) { prompt(text, text); }, 2},
     {"prompt_from_file", [](const std::string& text) { prompt_from_file(text, text); }, 1},
     {"show_file", [](const std::string& text) { show_file_with_clearprompt(text, text, false); },
@@ -50,8 +51,8 @@ class StrictQuoting : public testing::Test {
   protected:
     StrictQuoting() { region.enter(); }
 
-    /// What clearprompt received when `show` ran in a child of its own. Boxes answer themselves,
-    /// and the operator cancels everything else.
+    /// The arguments of clearprompt when `show` runs in a child process. Dialogs other than boxes
+    /// are cancelled.
     Args received_by(const std::function<void()>& show, const char* strict, bool is_box = false) {
         if (!is_box) region.cancels();
         in_child([&] {
@@ -68,66 +69,66 @@ class StrictQuoting : public testing::Test {
         return received_by([&] { kind.show(text); }, strict, kind.is_box);
     }
 
-    bool something_was_executed() const { return std::filesystem::exists(trace); }
+    bool was_executed() const { return std::filesystem::exists(trace); }
 
     Region region = a_region();
     const std::string trace = region.path("trace");
-    /// Everything that a shell acts on, inside double quotes or after them.
+    /// Everything that a shell expands, inside double quotes or after them.
     const std::string hostile = "$(touch " + trace + ") `touch " + trace + "` \"; touch " + trace +
                                 "; \" $HOME ${HOME} \\ \\\\ \\\" \\$ \\` ' & | > < * ? ~ ! # %s\n";
 };
 
-TEST_F(StrictQuoting, EveryKindOfDialogReceivesEveryTextLetterForLetter) {
-    for (const char* wish : {"yes", "YES", "Yes"}) {
+TEST_F(StrictQuoting, PassesEveryTextUnchangedToEveryKindOfDialog) {
+    for (const char* value : {"yes", "YES", "Yes"}) {
         for (const Kind& kind : KINDS) {
-            const Args got = received_by(kind, hostile, wish);
-            const auto whole = [&](const std::string& argument) {
+            const Args got = received_by(kind, hostile, value);
+            const auto is_whole = [&](const std::string& argument) {
                 return argument == hostile || argument.starts_with(hostile + "\\n -- File has");
             };
-            EXPECT_EQ(std::count_if(got.begin(), got.end(), whole), kind.times) << kind.name;
-            EXPECT_FALSE(something_was_executed()) << kind.name;
+            EXPECT_EQ(std::count_if(got.begin(), got.end(), is_whole), kind.times) << kind.name;
+            EXPECT_FALSE(was_executed()) << kind.name;
         }
     }
 }
 
-TEST_F(StrictQuoting, FileDialogStartsInADirectoryOfAnyName) {
+TEST_F(StrictQuoting, PassesDirectoryOfFileDialogUnchanged) {
     const std::string name = "/x/" + hostile + "/";
     const Args got = received_by([&] { select_cb_file(name + "gatebits.txt", ""); }, "yes");
     EXPECT_NE(std::find(got.begin(), got.end(), name), got.end());
-    EXPECT_FALSE(something_was_executed());
+    EXPECT_FALSE(was_executed());
 }
 
-TEST_F(StrictQuoting, BackslashAndNStayAPairAndAskForNewline) {
+TEST_F(StrictQuoting, PassesBackslashNUnchangedWithNewlineOption) {
     const Args got = received_by([] { advise_wait("one\\ntwo"); }, "yes", true);
     EXPECT_EQ(got, (Args{"yes_no", "-mask", "yes", "-def", "yes", "-pre", "-newline", "-pro",
                          "one\\ntwo"}));
 }
 
-TEST_F(StrictQuoting, WithoutItTheShellActsOnTheText) {
-    for (const char* wish : {static_cast<const char*>(nullptr), "no", "1", "yes "}) {
+TEST_F(StrictQuoting, ShellExpandsTextWhenOff) {
+    for (const char* value : {static_cast<const char*>(nullptr), "no", "1", "yes "}) {
         const Args got = received_by(
-            [&] { advise_wait("a $(echo b; touch " + trace + ") \\\\ c"); }, wish, true);
+            [&] { advise_wait("a $(echo b; touch " + trace + ") \\\\ c"); }, value, true);
         ASSERT_FALSE(got.empty());
         EXPECT_EQ(got.back(), "a b \\\\ c");
-        EXPECT_TRUE(something_was_executed());
+        EXPECT_TRUE(was_executed());
         unlink(trace.c_str());
     }
 }
 
-TEST_F(StrictQuoting, WithoutItBackslashesArriveAsTheyAreGivenAllTheSame) {
+TEST_F(StrictQuoting, PassesBackslashesUnchangedWhenOff) {
     for (const std::string text : {R"(\\machine\new \\\ '\' a \)", R"(\)", R"(C:\)", R"(\\)"}) {
         for (const Kind& kind : KINDS) {
             const Args got = received_by(kind, text, nullptr);
-            const auto whole = [&](const std::string& argument) {
+            const auto is_whole = [&](const std::string& argument) {
                 return argument == text || argument.starts_with(text + "\\n -- File has");
             };
-            EXPECT_EQ(std::count_if(got.begin(), got.end(), whole), kind.times)
+            EXPECT_EQ(std::count_if(got.begin(), got.end(), is_whole), kind.times)
                 << kind.name << " of " << text;
         }
     }
 }
 
-TEST_F(StrictQuoting, WithoutItOrdinaryTextsComeThroughAllTheSame) {
+TEST_F(StrictQuoting, PassesOrdinaryTextsUnchangedWhenOff) {
     for (const Kind& kind : KINDS) {
         const std::string text = "Plain text, (brackets) & 'single quotes'\nand lines";
         EXPECT_EQ(received_by(kind, text, nullptr), received_by(kind, text, "yes")) << kind.name;
@@ -135,3 +136,4 @@ TEST_F(StrictQuoting, WithoutItOrdinaryTextsComeThroughAllTheSame) {
 }
 
 }  // namespace
+}  // namespace gatescope

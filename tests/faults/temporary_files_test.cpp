@@ -20,6 +20,7 @@
 #include "scenes/region.h"
 #include "support/needs.h"
 
+namespace gatescope {
 namespace {
 
 using FileNames = std::vector<std::string>;
@@ -28,7 +29,7 @@ constexpr char PRECIOUS[] = "precious\n";
 constexpr char GATEBITS[] = "gatewarden;;;east;\n;;O;\n;;\n";
 constexpr char CHANGED[] = "gatewarden;;;east;\n;;S;\n;;\n";
 
-/// A hostile directory for temporary files, and a file of somebody's that must not be touched.
+/// A directory for temporary files in which names are planted, and a file that must stay unchanged.
 class TemporaryFiles : public testing::Test {
   protected:
     TemporaryFiles() { region.enter(); }
@@ -44,8 +45,8 @@ class TemporaryFiles : public testing::Test {
     }
     std::vector<std::string> left() const { return region.files_in("tmp"); }
 
-    /// Whatever may be planted under a name: every kind of link, and a file.
-    void with_everything_planted_at(const std::string& name, const std::function<void()>& look) {
+    /// Calls `check` with each kind of link, a FIFO and a file planted under `name`.
+    void with_each_kind_planted(const std::string& name, const std::function<void()>& check) {
         const std::string path = temporary + "/" + name;
         const std::function<int()> plants[] = {
             [&] { return symlink(precious.c_str(), path.c_str()); },
@@ -59,7 +60,7 @@ class TemporaryFiles : public testing::Test {
         };
         for (const auto& plant : plants) {
             ASSERT_EQ(plant(), 0);
-            look();
+            check();
             EXPECT_EQ(file_text(precious), PRECIOUS);
             EXPECT_FALSE(std::filesystem::exists(region.path("nowhere")));
             std::filesystem::remove(path);
@@ -69,12 +70,12 @@ class TemporaryFiles : public testing::Test {
     Region region = a_region().with_gatebits(GATEBITS).with_file("precious", PRECIOUS);
     const std::string temporary = region.temporary_directory();
     const std::string precious = region.path("precious");
-    /// What the last run has shown.
+    /// The dialogs of the last run.
     Dialogs dialogs;
 };
 
-TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
-    with_everything_planted_at("gatewarden_prompt_result_77_.txt", [&] {
+TEST_F(TemporaryFiles, ReplaceFilePlantedUnderNameOfAnswer) {
+    with_each_kind_planted("gatewarden_prompt_result_77_.txt", [&] {
         region.types("answer\n");
         const Ended ended = run([] { std::fputs(prompt("text", "").value().c_str(), stdout); });
         EXPECT_EQ(ended.said, "answer");
@@ -82,11 +83,11 @@ TEST_F(TemporaryFiles, PlantedUnderAnAnswersNameDoesNoHarm) {
     });
 }
 
-TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
-    with_everything_planted_at("t_file_gatescope_77.txt", [&] {
+TEST_F(TemporaryFiles, ReplaceFilePlantedUnderNameOfScratchFile) {
+    with_each_kind_planted("t_file_gatescope_77.txt", [&] {
         region.write_file("gatebits.txt", GATEBITS);
         EXPECT_EQ(run([&] {
-                      change(region.gatebits_path(), {Gatebits(std::string()), nothing},
+                      change(region.gatebits_path(), {Gatebits(std::string()), no_part},
                              [](const Gatebits& now) {
                                  return set_a_field(now, {2, 3, "S"});
                              },
@@ -98,7 +99,7 @@ TEST_F(TemporaryFiles, PlantedUnderTheScratchFilesNameDoesNoHarm) {
     });
 }
 
-TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
+TEST_F(TemporaryFiles, RefuseLinkUnderNameOfDefault) {
     for (const bool symbolic : {true, false}) {
         const std::string path = temporary + "/gatewarden_prompt_prompt_77_.txt";
         ASSERT_EQ(symbolic ? symlink(precious.c_str(), path.c_str())
@@ -113,7 +114,7 @@ TEST_F(TemporaryFiles, PlantedUnderADefaultsNameIsNeitherWrittenNorRemoved) {
     }
 }
 
-TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
+TEST_F(TemporaryFiles, RefuseFifoUnderNameOfDefault) {
     for (const bool has_a_reader : {false, true}) {
         const std::string path = temporary + "/gatewarden_prompt_prompt_77_.txt";
         ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
@@ -127,7 +128,7 @@ TEST_F(TemporaryFiles, PipeUnderADefaultsNameHangsNothing) {
     }
 }
 
-TEST_F(TemporaryFiles, LeftoverDefaultIsAddedToAndThenGone) {
+TEST_F(TemporaryFiles, AppendToLeftoverDefaultAndRemoveIt) {
     write_file(temporary + "/gatewarden_prompt_prompt_77_.txt", "left over, ");
     region.types("answer\n");
     EXPECT_EQ(run([] { prompt_from_file("text", "default"); }).status, 0);
@@ -135,14 +136,14 @@ TEST_F(TemporaryFiles, LeftoverDefaultIsAddedToAndThenGone) {
     EXPECT_EQ(left(), FileNames());
 }
 
-TEST_F(TemporaryFiles, DirectoryUnderAnAnswersNameIsAnError) {
+TEST_F(TemporaryFiles, EndWithErrorWhenAnswerFileIsADirectory) {
     std::filesystem::create_directory(temporary + "/gatewarden_prompt_result_77_.txt");
     const Ended ended = run([] { prompt("text", ""); });
     EXPECT_EQ(ended.status, 99);
     EXPECT_EQ(ended.said, std::string(CANNOT_CREATE_TEMP_FILE) + "\n");
 }
 
-TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
+TEST_F(TemporaryFiles, AnswersHaveMode0600) {
     region.answers({.outfile = "answer\n",
                     .meanwhile = "stat -c %a tmp/gatewarden_prompt_result_77_.txt >mode"});
     EXPECT_EQ(run([] {
@@ -153,7 +154,7 @@ TEST_F(TemporaryFiles, NobodyElseMayReadAnAnswer) {
     EXPECT_EQ(region.file("mode"), "600\n");
 }
 
-TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
+TEST_F(TemporaryFiles, AreNotCreatedInAppendOnlyDirectory) {
     NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly kept(temporary + "/");
     if (!kept.is_set())
@@ -166,7 +167,7 @@ TEST_F(TemporaryFiles, DirectoryThatKeepsEveryFileGetsNone) {
     EXPECT_EQ(left(), FileNames());
 }
 
-TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
+TEST_F(TemporaryFiles, AreRemovedOnErrors) {
     const Ended ended = run([] {
         const AnswerFile answer(make_tfile("one", "two", "three"));
         create_temporary_file(t_file_name());
@@ -176,19 +177,20 @@ TEST_F(TemporaryFiles, ErrorsLeaveNoneBehind) {
     EXPECT_EQ(left(), FileNames());
 }
 
-TEST_F(TemporaryFiles, DialogThatWroteNothingIsAnEmptyAnswer) {
+TEST_F(TemporaryFiles, TakeMissingAnswerFileAsEmptyAnswer) {
     region.answers({.status = 0});
     const Ended ended =
         run([] { std::fputs(("(" + prompt("text", "").value() + ")").c_str(), stdout); });
     EXPECT_EQ(ended.said, "()");
 }
 
-TEST_F(TemporaryFiles, SeveralPicksThatWereNeverWrittenAreAnError) {
+TEST_F(TemporaryFiles, EndWithErrorWhenSeveralPicksAreNotWritten) {
     region.answers({.status = 0});
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 99);
-    // An empty answer is an answer.
+    // An empty answer is valid.
     region.answers({.outfile = ""});
     EXPECT_EQ(run([] { make_selection("title", "a,b", MULTIPLE_CHOICE); }).status, 0);
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,6 +6,7 @@
 #include "policy/aliases.h"
 #include "policy/gatebits_file.h"
 
+namespace gatescope {
 namespace {
 
 constexpr AliasMode MODES[] = {AliasMode::ADD, AliasMode::CHANGE, AliasMode::REMOVE,
@@ -16,10 +17,10 @@ bool is_comment(const std::string& line) {
            !without_leading_blanks(line).starts_with("#!gatewarden_alias ");
 }
 
-/// The lines that no alias has anything to do with, in order.
+/// The comment lines other than aliases, in order.
 std::vector<std::string> comments() {
     std::vector<std::string> lines;
-    // Of a file with nothing but references blank lines are left when they are removed.
+    // A file of references alone has only blank lines after their removal, and is not read.
     if (gatebits().find_first_not_of('\n') == std::string::npos) return lines;
     must(until_the_end([&] { lines = read_gatebits(gatebits_path()).lines(); }) == -1,
          "a written file is read");
@@ -29,8 +30,8 @@ std::vector<std::string> comments() {
     return lines;
 }
 
-/// Whether `some` stand among `all` in their order. Cutting out a reference can bring a '#' to the
-/// front of its line, so there may be more.
+/// Whether `some` is a subsequence of `all`. There may be more lines, since the removal of a
+/// reference can bring a '#' to the start of its line.
 bool are_among(const std::vector<std::string>& some, const std::vector<std::string>& all) {
     auto next = some.begin();
     for (const std::string& line : all) {
@@ -39,7 +40,7 @@ bool are_among(const std::vector<std::string>& some, const std::vector<std::stri
     return next == some.end();
 }
 
-/// A name from the tables, or any.
+/// A name from the table, or any other.
 std::string some_name(FuzzedDataProvider& data, const Aliases& aliases) {
     if (aliases.number_of_aliases == 0 || data.ConsumeBool())
         return data.ConsumeRandomLengthString(60);
@@ -69,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         if (until_the_end([&] { build_alias_list(read_gatebits(gatebits_path()), &aliases); }) !=
             -1)
             return 0;
-        must(aliases.number_of_aliases <= MAX_ALIASES, "no more aliases than there is room for");
+        must(aliases.number_of_aliases <= MAX_ALIASES, "there are at most MAX_ALIASES aliases");
         const std::string old_bytes = gatebits();
         const std::vector<std::string> old_comments = comments();
         if (until_the_end([&] { change_an_alias(data, aliases); }) != -1) {
@@ -80,3 +81,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     return 0;
 }
+
+}  // namespace gatescope

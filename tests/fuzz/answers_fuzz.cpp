@@ -1,4 +1,4 @@
-// Dialogs that answer with anything.
+// Dialogs with arbitrary answers.
 
 #include "base/text.h"
 #include "dialog/clearprompt.h"
@@ -8,13 +8,14 @@
 #include "fuzz/fuzz_world.h"
 #include "policy/file_chooser.h"
 
+namespace gatescope {
 namespace {
 
-/// Words with single blanks between them.
+/// Asserts that an answer consists of words with single blanks between them.
 void must_be_words(const std::string& answer) {
     must(answer.find_first_of(std::string("\t\n\v\f\r\0", 6)) == std::string::npos,
          "no line breaks or NULs in an answer");
-    // A word that begins with a NUL is an empty word, and has its blanks all the same.
+    // A word that begins with a NUL is empty, and still has its blanks.
     must(answer == words_joined(answer) || last_answer.find('\0') != std::string::npos,
          "an answer is words and single blanks");
 }
@@ -22,7 +23,7 @@ void must_be_words(const std::string& answer) {
 void must_be_picks(const std::string& answer) {
     must(answer.find_first_of(std::string("\n\0", 2)) == std::string::npos,
          "no line breaks or NULs in picks");
-    must(answer.size() <= 10001, "picks are no longer than may be");
+    must(answer.size() <= 10001, "picks have at most 10001 bytes");
 }
 
 void run_a_dialog(FuzzedDataProvider& data) {
@@ -47,7 +48,7 @@ void run_a_dialog(FuzzedDataProvider& data) {
             if (const auto file = select_cb_file(gatebits_path(), text)) must_be_words(*file);
             break;
         case 5:
-            must(ask(text, NO) <= ABORT, "an answer has a name");
+            must(ask(text, Answer::NO) <= Answer::ABORT, "an answer is a valid enumerator");
             break;
         default:
             show_file_with_clearprompt(text, other, data.ConsumeBool());
@@ -69,3 +70,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     answer_dialogs_from(nullptr);
     return 0;
 }
+
+}  // namespace gatescope

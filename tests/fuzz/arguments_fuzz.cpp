@@ -1,4 +1,4 @@
-// Arbitrary arguments, and the question that follows when they name no gatebits file.
+// Arbitrary command-line arguments.
 
 #include <algorithm>
 
@@ -6,12 +6,13 @@
 #include "main/command_line.h"
 #include "queries/commands.h"
 
+namespace gatescope {
 namespace {
 
 std::vector<std::string> arguments_from(FuzzedDataProvider& data) {
     std::vector<std::string> arguments;
     while (arguments.size() < 12 && data.remaining_bytes() > 0) {
-        // The system hands over C text.
+        // Arguments are C strings.
         const std::string argument = data.ConsumeRandomLengthString(300);
         arguments.push_back(argument.substr(0, argument.find('\0')));
     }
@@ -20,14 +21,14 @@ std::vector<std::string> arguments_from(FuzzedDataProvider& data) {
 
 void must_be_in_range(const Options& options) {
     if (options.query_selected)
-        must(options.selected_query >= 1 && options.selected_query <= 6, "a query there is");
+        must(options.selected_query >= 1 && options.selected_query <= 6, "the query is valid");
     if (options.action_selected)
-        must(options.selected_action >= 1 && options.selected_action <= 29, "an action there is");
+        must(options.selected_action >= 1 && options.selected_action <= 29, "the action is valid");
     if (options.bit_selected)
-        must(options.selected_bit >= -1 && options.selected_bit <= 23, "a bit there is");
-    if (options.key_selected) must(options.selected_key >= -1, "a key there may be");
+        must(options.selected_bit >= -1 && options.selected_bit <= 23, "the bit is valid");
+    if (options.key_selected) must(options.selected_key >= -1, "the key is valid");
     if (options.command_selected && options.selected_command != "*") {
-        must(command_number(options.selected_command) != 0, "a command there is");
+        must(command_number(options.selected_command) != 0, "the command is valid");
     }
 }
 
@@ -43,9 +44,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     if (self_test) return 0;
     Options options;
     const int status = until_the_end([&] {
-        obey_sole_option(arguments);
+        run_sole_option(arguments);
         options = parse_arguments(arguments);
     });
     if (status == -1) must_be_in_range(options);
     return 0;
 }
+
+}  // namespace gatescope

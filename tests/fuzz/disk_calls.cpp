@@ -12,9 +12,10 @@
 
 #include "fuzz/fuzz_world.h"
 
+namespace gatescope {
 namespace {
 
-/// Empty: there is none.
+/// Empty: changes are not confined.
 std::string only_directory;
 Trouble trouble;
 int changes = 0;
@@ -23,7 +24,7 @@ bool failed_to_remove = false;
 
 enum class Change { MADE, FAILED, TORN };
 
-/// What becomes of the next change; errno says why it is not made.
+/// Whether the next change is made; sets errno if not.
 Change next_change() {
     if (only_directory.empty() || trouble.after < 0) return Change::MADE;
     const int number = changes++;
@@ -41,8 +42,8 @@ bool may_change() {
     return next_change() == Change::MADE;
 }
 
-/// Whether a path that begins at an open directory leads to something in the world's.
-bool is_in_the_world(int directory, std::string_view path) {
+/// Whether a path, relative to an open directory, is in the only directory.
+bool is_in_only_directory(int directory, std::string_view path) {
     if (directory == AT_FDCWD || path.starts_with("/")) return path.starts_with(only_directory);
     char place[PATH_MAX];
     const std::string name = "/proc/self/fd/" + std::to_string(directory);
@@ -52,8 +53,8 @@ bool is_in_the_world(int directory, std::string_view path) {
 }
 
 bool may_change(int directory, const char* path) {
-    must(only_directory.empty() || is_in_the_world(directory, path),
-         "what is changed is in the world's directory");
+    must(only_directory.empty() || is_in_only_directory(directory, path),
+         "only files in the directory are changed");
     return may_change();
 }
 
@@ -89,7 +90,7 @@ bool ChangesOnlyIn::has_failed_to_remove() {
     return failed_to_remove;
 }
 
-// The linker sends every call of f to __wrap_f, and every call of __real_f to f.
+// The linker redirects calls of f to __wrap_f, and calls of __real_f to f.
 extern "C" {
 
 int __real_openat(int directory, const char* path, int flags, mode_t mode);
@@ -109,7 +110,7 @@ int __real_linkat(int from_directory, const char* from, int to_directory, const 
 int __real_renameat2(int from_directory, const char* from, int to_directory, const char* to,
                      unsigned flags);
 
-// These are of no concern to files in memory.
+// The program does not use the next three for files in memory.
 
 int __wrap_linkat(int from_directory, const char* from, int to_directory, const char* to,
                   int flags) {
@@ -179,8 +180,8 @@ int disk_unlink(int directory, const char* path, int flags) {
 }
 
 int disk_rename(int from_directory, const char* from, int to_directory, const char* to) {
-    must(only_directory.empty() || is_in_the_world(from_directory, from),
-         "what is renamed is in the world's directory");
+    must(only_directory.empty() || is_in_only_directory(from_directory, from),
+         "only files in the directory are renamed");
     return may_change(to_directory, to) ? __real_renameat(from_directory, from, to_directory, to)
                                         : -1;
 }
@@ -192,3 +193,5 @@ int disk_mkostemp(char* path, int flags) {
 int disk_remove(const char* path) {
     return may_remove(AT_FDCWD, path) ? __real_remove(path) : -1;
 }
+
+}  // namespace gatescope

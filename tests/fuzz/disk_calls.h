@@ -8,30 +8,30 @@
 #include <functional>
 #include <string>
 
-// The calls of the C library by which the program changes what is on the disk. They come here by
-// way of the linker (see CMakeLists.txt), unless they are about files in memory, so that targets
-// that work on a real directory can keep them in there, and let them fail.
+namespace gatescope {
 
-/// What becomes of the program's changes.
+// The calls of the C library by which the program changes files on a disk. The linker redirects
+// them here (see CMakeLists.txt), so that targets that work in a real directory can confine them to
+// it, and let them fail.
+
+/// When and how the program's changes fail.
 struct Trouble {
-    /// So many changes are made before it begins; it never does when this is negative.
+    /// The number of changes that succeed before it begins; negative: it never begins.
     int after = -1;
-    /// What somebody else does at that moment; then no change fails.
+    /// A change of another process at that time; then no change fails.
     std::function<void()> meanwhile = {};
-    /// Whether no change is made any more from then on, as if the process had been killed there, or
-    /// else just one fails.
+    /// Whether all changes fail from then on, as if the process was killed, or only one.
     bool for_good = true;
-    /// Whether a write that it begins with is made by half.
+    /// Whether the first failing change, if it is a write, writes half of its bytes.
     bool tears = false;
-    /// Whether opening a file and looking at a name in an open directory count as changes, and fail
-    /// like them.
+    /// Whether opening a file and stat in an open directory count as changes, and fail too.
     bool of_looks_too = false;
-    /// The errno of what fails.
+    /// The errno of failing changes.
     int error = 0;
 };
 
-/// For as long as it lives, changes outside of `directory` are a finding, and those in it get into
-/// `trouble`.
+/// During its lifetime changes outside of `directory` are a finding, and changes in it fail as
+/// `trouble` says.
 class ChangesOnlyIn {
   public:
     explicit ChangesOnlyIn(const std::string& directory, const Trouble& trouble = {});
@@ -39,12 +39,12 @@ class ChangesOnlyIn {
     ChangesOnlyIn(const ChangesOnlyIn&) = delete;
     ChangesOnlyIn& operator=(const ChangesOnlyIn&) = delete;
 
-    /// Whether a change has failed, and whether one that was to remove a file has.
+    /// Whether a change has failed, and whether the removal of a file has.
     [[nodiscard]] static bool has_failed();
     [[nodiscard]] static bool has_failed_to_remove();
 };
 
-// A relative path begins at the open `directory`.
+// Relative paths are relative to the open `directory`.
 int disk_open(int directory, const char* path, int flags, mode_t mode);
 ssize_t disk_write(int descriptor, const void* bytes, std::size_t size);
 int disk_fsync(int descriptor);
@@ -57,3 +57,5 @@ int disk_unlink(int directory, const char* path, int flags);
 int disk_rename(int from_directory, const char* from, int to_directory, const char* to);
 int disk_mkostemp(char* path, int flags);
 int disk_remove(const char* path);
+
+}  // namespace gatescope

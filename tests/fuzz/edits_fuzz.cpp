@@ -1,5 +1,4 @@
-// Every action that edits the gatebits file, on an arbitrary one, with an operator who answers
-// anything.
+// Every action that edits the gatebits file, with an arbitrary file and arbitrary answers.
 
 #include <algorithm>
 
@@ -9,9 +8,10 @@
 #include "policy/gatebits_file.h"
 #include "policy/region.h"
 
+namespace gatescope {
 namespace {
 
-/// Actions that touch nothing but the gatebits file.
+/// Actions that change only the gatebits file.
 constexpr int ACTIONS[] = {2,  4,  5,  6,  7,  8,  9,  10, 11, 12, 13, 14,
                            15, 16, 17, 18, 19, 20, 21, 22, 23, 24, 28, 29};
 
@@ -39,7 +39,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     until_the_end([&] { run_actions(data, options); });
     answer_dialogs_from(nullptr);
     must(gatebits().size() <= std::max(old_size, GATEBITS_FILE_LIMIT),
-         "what is written can be read back");
-    must(files_in("tmp") == 0, "nothing is left behind");
+         "a written file can be read");
+    must(files_in("tmp") == 0, "no temporary file is left behind");
     return 0;
 }
+
+}  // namespace gatescope

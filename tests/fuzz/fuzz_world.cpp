@@ -12,29 +12,32 @@
 #include "messages/identity.h"
 #include "messages/policy_texts.h"
 
+namespace gatescope {
+
 std::string last_command;
 std::string last_answer;
 
 namespace {
 
-/// More dialogs than this without an end are a loop.
+/// A run with more dialogs counts as an endless loop.
 constexpr int MANY_DIALOGS = 5000;
 
 FuzzedDataProvider* answers = nullptr;
 int dialogs = 0;
 FileChooser chooser;
 
-/// The value of "-outfile" in a command line when it lies in the world's directory for temporary
-/// files, else nothing: a text in the command line may name any file under that option. The
-/// world's own names hold nothing to quote.
+/// The value of "-outfile" in a command line if it is in the directory of temporary files, else
+/// empty: a text in the command line may contain that option with any file. Names of temporary
+/// files need no quoting.
 std::string result_file_in(const std::string& command) {
     constexpr std::string_view OPTION = "-outfile \"";
     const auto at = command.find(OPTION);
     if (at == std::string::npos) return "";
     const auto begin = at + OPTION.size();
     const std::string file = command.substr(begin, command.find('"', begin) - begin);
-    const bool ours = file.starts_with(TEMP_DIR + "/") && file.find("..") == std::string::npos;
-    return ours ? file : "";
+    const bool is_temporary =
+        file.starts_with(TEMP_DIR + "/") && file.find("..") == std::string::npos;
+    return is_temporary ? file : "";
 }
 
 bool is_file_choice(const std::string& command) {
@@ -43,13 +46,13 @@ bool is_file_choice(const std::string& command) {
 
 void write_answer(const std::string& path, const std::string& answer) {
     if (path.starts_with(MEMORY_ROOT)) return put_memory_file(path, answer);
-    // Not by the calls that may be in trouble.
+    // By a stream, whose calls are not wrapped.
     std::ofstream(path, std::ios::binary) << answer;
 }
 
 }  // namespace
 
-// The program's own two are compiled under other names.
+// The program's versions of the next two functions are compiled under other names.
 [[noreturn]] void clean_exit(int status) {
     remove_temporary_files();
     throw ProcessEnded{status};
@@ -57,10 +60,10 @@ void write_answer(const std::string& path, const std::string& answer) {
 
 int run_in_shell(const std::string& command, const char* /*program*/) {
     last_command = command;
-    must(++dialogs < MANY_DIALOGS, "an end to the dialogs");
+    must(++dialogs < MANY_DIALOGS, "the dialogs end");
     const bool is_dialog = command.starts_with("clearprompt");
     if (answers == nullptr || answers->remaining_bytes() == 0) return is_dialog ? 512 : 0;
-    // Mostly 0, so that the work that a dialog leads to is reached.
+    // Mostly 0, so that the code after a dialog is reached.
     constexpr int STATUSES[] = {0, 0, 0, 0, 0, 0, 256, 512, 2, -1};
     const int status = answers->PickValueInArray(STATUSES);
     const std::string file = is_dialog ? result_file_in(command) : "";
@@ -126,12 +129,14 @@ void answer_dialogs_from(FuzzedDataProvider* data) {
     dialogs = 0;
 }
 
-void choose_files_by(FileChooser of_the_target) {
-    chooser = std::move(of_the_target);
+void choose_files_by(FileChooser new_chooser) {
+    chooser = std::move(new_chooser);
 }
 
 void must(bool holds, const char* what) {
     if (holds) return;
-    std::fprintf(stderr, "This does not hold: %s\n", what);
+    std::fprintf(stderr, "Violated: %s\n", what);
     std::abort();
 }
+
+}  // namespace gatescope

@@ -6,46 +6,50 @@
 #include <string>
 #include <string_view>
 
-// The world that the program's functions find themselves in under a fuzzer: files in memory
-// instead of a region's, a thrown value instead of the end of the process, and dialogs that are
-// answered from the fuzzer's bytes instead of children.
+namespace gatescope {
 
-/// Thrown in place of the end of the process.
+// The environment of the program's functions under a fuzzer: files in memory instead of a region's,
+// an exception instead of the end of the process, and dialogs answered from the fuzzer's bytes
+// instead of child processes.
+
+/// Thrown instead of ending the process.
 struct ProcessEnded {
     int status;
 };
 
-/// Runs `body`; the status when it wanted to end the process, -1 when it came to its end. What
-/// it left open is closed.
+/// Runs `body` and closes its open files. Returns the exit status if it ends the process, -1 if it
+/// returns.
 int until_the_end(const std::function<void()>& body);
 
-/// A path in the world's directory.
+/// A path in the directory of files in memory.
 std::string world_path(const std::string& name);
 void put_file(const std::string& name, std::string_view bytes);
 std::string get_file(const std::string& name);
-/// How many files there are in a directory of the world's.
+/// The number of files in one of its directories.
 std::size_t files_in(const std::string& directory);
 
-/// Puts a gatebits file; start-up's settings are made too.
+/// Writes the gatebits file, and sets the variables that start-up sets.
 void use_gatebits(std::string_view bytes);
 std::string gatebits_path();
 std::string gatebits();
-/// A gatebits file with a sound region block more often than not, so that start-up lets it pass.
+/// A gatebits file, mostly with a valid region block, so that start-up accepts it.
 std::string some_gatebits(FuzzedDataProvider& data);
 
-/// From now on dialogs answer with what `data` gives; null: every dialog is cancelled. A child
-/// that is not a dialog ends with 0 then.
+/// From now on dialogs answer from `data`. Null: every dialog is cancelled, and other children end
+/// with 0.
 void answer_dialogs_from(FuzzedDataProvider* data);
 
-/// What the operator chooses in a file chooser.
+/// Returns the path that the operator chooses in a file dialog.
 using FileChooser = std::function<std::string(FuzzedDataProvider&)>;
-/// From now on; without one, whatever the dialogs' bytes give.
+/// From now on file dialogs answer by `chooser`; without one, like all dialogs.
 void choose_files_by(FileChooser chooser);
 
-/// The last command that was to be run in the shell.
+/// The last command for the shell.
 extern std::string last_command;
-/// What the last dialog answered.
+/// The last dialog's answer.
 extern std::string last_answer;
 
-/// Ends the fuzzing with a finding unless `holds`.
+/// Aborts with a finding unless `holds`; `what` is the assertion.
 void must(bool holds, const char* what);
+
+}  // namespace gatescope

@@ -16,6 +16,7 @@
 
 #include "fuzz/disk_calls.h"
 
+namespace gatescope {
 namespace {
 
 struct MemoryFile {
@@ -30,7 +31,7 @@ struct OpenFile {
     std::size_t at = 0;
 };
 
-/// Descriptors from here on are ours; the system's are far below.
+/// Descriptors from here on are of files in memory; the system's are far below.
 constexpr int FIRST_DESCRIPTOR = 1 << 20;
 
 const uid_t USER = geteuid();
@@ -38,21 +39,21 @@ const gid_t GROUP = getegid();
 
 std::map<std::string, std::shared_ptr<MemoryFile>, std::less<>> files;
 std::vector<OpenFile> open_files;
-/// The descriptors of streams, which are nothing but handles.
+/// The descriptors of streams, which are used as handles only.
 std::map<FILE*, int> streams;
 
-bool is_ours(const char* path) {
+bool is_in_memory(const char* path) {
     return std::string_view(path).starts_with(MEMORY_ROOT);
 }
 
-/// A directory is whatever a file could lie below.
+/// Any path without a '.' in its last name is a directory unless it is a file.
 bool is_directory(std::string_view path) {
     const std::string_view name = path.substr(path.rfind('/') + 1);
     return path.starts_with(MEMORY_ROOT) && name.find('.') == std::string_view::npos &&
            files.find(path) == files.end();
 }
 
-int failed(int error) {
+int fail_with(int error) {
     errno = error;
     return -1;
 }
@@ -76,7 +77,7 @@ int new_descriptor(std::shared_ptr<MemoryFile> file) {
 int open_in_memory(const char* path, int flags, mode_t mode) {
     const auto found = files.find(std::string_view(path));
     if (found != files.end()) {
-        if ((flags & O_CREAT) != 0 && (flags & O_EXCL) != 0) return failed(EEXIST);
+        if ((flags & O_CREAT) != 0 && (flags & O_EXCL) != 0) return fail_with(EEXIST);
         if ((flags & O_TRUNC) != 0) found->second->bytes.clear();
         return new_descriptor(found->second);
     }
@@ -86,10 +87,10 @@ int open_in_memory(const char* path, int flags, mode_t mode) {
         files.emplace(path, file);
         return new_descriptor(file);
     }
-    return is_directory(path) ? new_descriptor(std::make_shared<MemoryFile>()) : failed(ENOENT);
+    return is_directory(path) ? new_descriptor(std::make_shared<MemoryFile>()) : fail_with(ENOENT);
 }
 
-/// Copies at most `size` of the bytes from `at` on; how many there were.
+/// Copies at most `size` bytes from offset `at`, and returns their number.
 std::size_t copy_out(const MemoryFile& file, std::size_t at, void* bytes, std::size_t size) {
     const std::size_t got = std::min(size, file.bytes.size() - std::min(at, file.bytes.size()));
     if (got != 0) std::memcpy(bytes, file.bytes.data() + at, got);
@@ -112,7 +113,7 @@ int describe(const char* path, struct stat* status) {
         describe(*found->second, status);
         return 0;
     }
-    if (!is_directory(path)) return failed(ENOENT);
+    if (!is_directory(path)) return fail_with(ENOENT);
     *status = {};
     status->st_mode = S_IFDIR | 0700;
     return 0;
@@ -142,7 +143,7 @@ void close_memory_files() {
     open_files.clear();
 }
 
-// The linker sends every call of f to __wrap_f, and every call of __real_f to f.
+// The linker redirects calls of f to __wrap_f, and calls of __real_f to f.
 extern "C" {
 
 int __real_close(int descriptor);
@@ -164,8 +165,8 @@ int __wrap_openat(int directory, const char* path, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    return is_ours(path) ? open_in_memory(path, flags, mode)
-                         : disk_open(directory, path, flags, mode);
+    return is_in_memory(path) ? open_in_memory(path, flags, mode)
+                              : disk_open(directory, path, flags, mode);
 }
 
 int __wrap_open(const char* path, int flags, ...) {
@@ -217,7 +218,7 @@ off_t __wrap_lseek(int descriptor, off_t offset, int whence) {
     if (descriptor < FIRST_DESCRIPTOR) return __real_lseek(descriptor, offset, whence);
     OpenFile* const open = open_file(descriptor);
     if (open == nullptr) return -1;
-    if (whence != SEEK_SET || offset < 0) return failed(EINVAL);
+    if (whence != SEEK_SET || offset < 0) return fail_with(EINVAL);
     open->at = static_cast<std::size_t>(offset);
     return offset;
 }
@@ -236,15 +237,15 @@ int __wrap_ftruncate(int descriptor, off_t size) {
 }
 
 int __wrap_stat(const char* path, struct stat* status) {
-    return is_ours(path) ? describe(path, status) : __real_stat(path, status);
+    return is_in_memory(path) ? describe(path, status) : __real_stat(path, status);
 }
 
 int __wrap_lstat(const char* path, struct stat* status) {
-    return is_ours(path) ? describe(path, status) : __real_lstat(path, status);
+    return is_in_memory(path) ? describe(path, status) : __real_lstat(path, status);
 }
 
 int __wrap_fstatat(int directory, const char* path, struct stat* status, int flags) {
-    return is_ours(path) ? describe(path, status) : disk_look(directory, path, status, flags);
+    return is_in_memory(path) ? describe(path, status) : disk_look(directory, path, status, flags);
 }
 
 int __wrap_fstat(int descriptor, struct stat* status) {
@@ -264,9 +265,9 @@ int __wrap_fchmod(int descriptor, mode_t mode) {
 }
 
 int __wrap_chmod(const char* path, mode_t mode) {
-    if (!is_ours(path)) return disk_chmod(path, mode);
+    if (!is_in_memory(path)) return disk_chmod(path, mode);
     const auto found = files.find(std::string_view(path));
-    if (found == files.end()) return failed(ENOENT);
+    if (found == files.end()) return fail_with(ENOENT);
     found->second->mode = mode;
     return 0;
 }
@@ -285,8 +286,8 @@ ssize_t __wrap_flistxattr(int descriptor, char* list, std::size_t size) {
 }
 
 int __wrap_unlinkat(int directory, const char* path, int flags) {
-    if (!is_ours(path)) return disk_unlink(directory, path, flags);
-    return files.erase(path) == 1 ? 0 : failed(ENOENT);
+    if (!is_in_memory(path)) return disk_unlink(directory, path, flags);
+    return files.erase(path) == 1 ? 0 : fail_with(ENOENT);
 }
 
 int __wrap_unlink(const char* path) {
@@ -294,9 +295,9 @@ int __wrap_unlink(const char* path) {
 }
 
 int __wrap_renameat(int from_directory, const char* from, int to_directory, const char* to) {
-    if (!is_ours(from)) return disk_rename(from_directory, from, to_directory, to);
+    if (!is_in_memory(from)) return disk_rename(from_directory, from, to_directory, to);
     const auto file = files.extract(from);
-    if (file.empty()) return failed(ENOENT);
+    if (file.empty()) return fail_with(ENOENT);
     files[to] = file.mapped();
     return 0;
 }
@@ -306,24 +307,24 @@ int __wrap_rename(const char* from, const char* to) {
 }
 
 int __wrap_mkostemp(char* path, int flags) {
-    if (!is_ours(path)) return disk_mkostemp(path, flags);
+    if (!is_in_memory(path)) return disk_mkostemp(path, flags);
     std::memcpy(path + std::strlen(path) - 6, "fuzzed", 6);
     return open_in_memory(path, O_RDWR | O_CREAT | O_EXCL, 0600);
 }
 
 char* __wrap_realpath(const char* path, char* resolved) {
-    if (!is_ours(path) || resolved != nullptr) return __real_realpath(path, resolved);
+    if (!is_in_memory(path) || resolved != nullptr) return __real_realpath(path, resolved);
     struct stat status;
     return describe(path, &status) == 0 ? strdup(path) : nullptr;
 }
 
 int __wrap_remove(const char* path) {
-    return is_ours(path) ? unlink(path) : disk_remove(path);
+    return is_in_memory(path) ? unlink(path) : disk_remove(path);
 }
 
 FILE* __wrap_fopen(const char* path, const char* mode) {
-    // Its reads and writes would not come here.
-    if (is_ours(path)) std::abort();
+    // The stream's reads and writes would not be redirected.
+    if (is_in_memory(path)) std::abort();
     return __real_fopen(path, mode);
 }
 
@@ -335,16 +336,18 @@ FILE* __wrap_fdopen(int descriptor, const char* mode) {
 }
 
 int __wrap_fileno(FILE* stream) {
-    const auto ours = streams.find(stream);
-    return ours == streams.end() ? __real_fileno(stream) : ours->second;
+    const auto handle = streams.find(stream);
+    return handle == streams.end() ? __real_fileno(stream) : handle->second;
 }
 
 int __wrap_fclose(FILE* stream) {
-    const auto ours = streams.find(stream);
-    if (ours != streams.end()) {
-        close(ours->second);
-        streams.erase(ours);
+    const auto handle = streams.find(stream);
+    if (handle != streams.end()) {
+        close(handle->second);
+        streams.erase(handle);
     }
     return __real_fclose(stream);
 }
 }
+
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "policy/region.h"
 #include "policy/tool_variables.h"
 
+namespace gatescope {
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -19,7 +20,7 @@ Lines lines_now() {
     return lines;
 }
 
-/// `one` without the lines that `other` holds too, in whatever order.
+/// The lines of `one` that are not in `other`, sorted.
 Lines without(Lines one, Lines other) {
     std::sort(one.begin(), one.end());
     std::sort(other.begin(), other.end());
@@ -29,7 +30,7 @@ Lines without(Lines one, Lines other) {
     return rest;
 }
 
-/// A line number that is there more often than not, and sometimes is far out.
+/// A line number, mostly of an existing line, sometimes far out of range.
 int number(FuzzedDataProvider& data) {
     return data.ConsumeBool() ? data.ConsumeIntegralInRange(0, 12)
                               : data.ConsumeIntegralInRange(-3, 300);
@@ -56,7 +57,7 @@ void read_something(FuzzedDataProvider& data) {
     }
 }
 
-/// Some edit of the file; no more than `*changed` old lines may be gone afterwards.
+/// An edit of the file, which removes at most `*changed` old lines.
 Rewrite some_edit(FuzzedDataProvider& data, const Gatebits& now, std::size_t* changed) {
     const int line = number(data);
     *changed = 1;
@@ -78,7 +79,7 @@ Rewrite some_edit(FuzzedDataProvider& data, const Gatebits& now, std::size_t* ch
 
 void write_something(FuzzedDataProvider& data, std::size_t* changed) {
     const Gatebits shown = read_gatebits(gatebits_path());
-    change(gatebits_path(), {shown, nothing},
+    change(gatebits_path(), {shown, no_part},
            [&](const Gatebits& now) { return some_edit(data, now, changed); }, {});
 }
 
@@ -92,8 +93,8 @@ void check_a_write(FuzzedDataProvider& data) {
         return;
     }
     if (gatebits().find_first_not_of('\n') == std::string::npos) return;
-    must(gatebits().size() <= GATEBITS_FILE_LIMIT, "what is written can be read back");
-    must(without(before, lines_now()).size() <= changed, "other lines stay as they are");
+    must(gatebits().size() <= GATEBITS_FILE_LIMIT, "a written file can be read");
+    must(without(before, lines_now()).size() <= changed, "other lines are unchanged");
 }
 
 }  // namespace
@@ -106,3 +107,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     for (int writes = data.ConsumeIntegralInRange(0, 2); writes > 0; --writes) check_a_write(data);
     return 0;
 }
+
+}  // namespace gatescope

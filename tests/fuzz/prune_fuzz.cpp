@@ -11,7 +11,9 @@
 #include "fuzz/fuzz_world.h"
 #include "fuzz/pruned_region.h"
 #include "pruning/pruning.h"
+#include "records/query_period.h"
 
+namespace gatescope {
 namespace {
 
 /// Few enough to meet each other. There is no log with the last of them.
@@ -236,3 +238,5 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     must(lowest_free_descriptor() == free_descriptor, "everything is closed");
     return 0;
 }
+
+}  // namespace gatescope

@@ -11,6 +11,8 @@
 #include "base/file_identity.h"
 #include "fuzz/fuzz_world.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -276,3 +278,5 @@ void PrunedRegion::remove(const std::vector<Obstacle>& obstacles) {
     }
     std::erase_if(untouched_, [&](const auto& entry) { return is_rewritten(entry.first); });
 }
+
+}  // namespace gatescope

@@ -11,6 +11,8 @@
 #include "logs/log_files.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 // A region's logs on the disk, and what is to become of them by the plain rule.
 
 /// What is planted under a name. Links lead to the directory beside the logs; second names of files
@@ -125,3 +127,5 @@ class PrunedRegion {
     Words late_;
     int writers_ = 0;
 };
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 #include "fuzz/fuzz_world.h"
 #include "fuzz/pruned_region.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -133,3 +135,5 @@ void PrunedRegion::check(bool beside_a_writer) const {
         if (log.is_usable) check_log(number, beside_a_writer);
     }
 }
+
+}  // namespace gatescope

@@ -1,13 +1,14 @@
-// Time for executions by the thousand: it is always noon of the same day, and who sleeps moves the
-// steady clock on instead. The linker sends the calls here (see CMakeLists.txt).
+// A clock for fast executions: the time is always noon of the same day, and sleeping advances the
+// steady clock instead. The linker wraps the calls (see CMakeLists.txt).
 
 #include <ctime>
 
+namespace gatescope {
 namespace {
 
 constexpr std::time_t NOON = 1'763'726'400;
 
-/// Nanoseconds that the steady clock is ahead.
+/// Nanoseconds by which the steady clock is ahead.
 long long slept = 0;
 
 }  // namespace
@@ -26,8 +27,10 @@ std::time_t __wrap_time(std::time_t* time) {
     return NOON;
 }
 
-int __wrap_nanosleep(const timespec* wished, timespec*) {
-    slept += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
+int __wrap_nanosleep(const timespec* duration, timespec*) {
+    slept += duration->tv_sec * 1'000'000'000LL + duration->tv_nsec;
     return 0;
 }
 }
+
+}  // namespace gatescope

@@ -1,17 +1,18 @@
-// Arbitrary log files, read by any query; the fast path held against the plain rule.
+// Arbitrary log files, counted by any query; compares the fast path with the plain rule.
 
 #include <algorithm>
 #include <numeric>
 
 #include "fuzz/fuzz_world.h"
-#include "logs/canonical_records.h"
-#include "logs/log_files.h"
-#include "logs/log_reader.h"
 #include "logs/query_data.h"
+#include "records/canonical_records.h"
+#include "records/query_period.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
-/// Times that mean something: "T" followed by a digit stands for a moment of this period.
+/// `text` with each "T" and digit replaced by a time in or near the query's period.
 std::string with_times_of_today(const std::string& text, std::int64_t end_of_day_time) {
     std::string result;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -62,12 +63,12 @@ bool same_counts(const RecordTally& one, const RecordTally& other) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     FuzzedDataProvider data(bytes, size);
     answer_dialogs_from(nullptr);
-    // No query reads it, so one is enough for all executions.
+    // No query reads the gatebits file, so one is enough for all executions.
     static const bool ready = [] {
         use_gatebits("");
         return true;
     }();
-    must(ready, "a world");
+    must(ready, "the environment is set up");
     const auto filter = [&] {
         return data.ConsumeBool() ? ANY_LOG_ENTRY : data.ConsumeRandomLengthString(20);
     };
@@ -86,22 +87,25 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     put_file("tmp/logging_20.txt", last);
     QueryResult result;
     const int status = until_the_end([&] { result = get_query_data(asked, world_path("tmp")); });
-    must(status == -1, "a query comes to its end");
+    must(status == -1, "a query returns");
     must(sum(result.cell_success) + sum(result.cell_denied) <= first.size() + last.size(),
-         "no more is counted than there is");
+         "there are no more counts than bytes");
     must(get_file("tmp/logging_0.txt") == first, "reading changes nothing");
     const RecordTally tally_first = counted_by_the_plain_rule(asked, first);
     const RecordTally tally_last = counted_by_the_plain_rule(asked, last);
-    for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-        const CanonicalQuery fast(asked, lanes);
+    for (const InstructionSet set :
+         {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+        const CanonicalQuery fast(asked, set);
         must(same_counts(counted_fast(fast, first), tally_first) &&
                  same_counts(counted_fast(fast, last), tally_last),
-             "records of the canonical shape count as the plain rule says");
+             "the fast path counts as the plain rule");
     }
     for (std::size_t i = 0; i < result.cell_success.size(); ++i) {
         must(result.cell_success[i] == tally_first.rows[i][ALLOWED] + tally_last.rows[i][ALLOWED] &&
                  result.cell_denied[i] == tally_first.rows[i][DENIED] + tally_last.rows[i][DENIED],
-             "a file counts in pieces as it does in one");
+             "files read in pieces count as in one piece");
     }
     return 0;
 }
+
+}  // namespace gatescope

@@ -6,6 +6,8 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -14,7 +16,7 @@ bool is_white(char character) {
     return character == ' ' || (character >= '\t' && character <= '\r');
 }
 
-/// Takes "_", and a number as it is usually written, from the beginning of a name.
+/// Removes "_" and a decimal number without leading zeros from the start of a name.
 template <typename Number>
 bool take_number(std::string_view* name, Number* number) {
     if (!name->starts_with("_")) return false;
@@ -61,3 +63,5 @@ std::optional<FileBesideLog> beside_log(const std::string& log, const std::strin
     }
     return std::nullopt;
 }
+
+}  // namespace gatescope

@@ -5,26 +5,30 @@
 #include <string>
 #include <vector>
 
-// Files of a region's logs, as the rule for their pruning sees them.
+namespace gatescope {
 
-/// All words of a log; those that a NUL cuts short are what stands before it.
+// Files of a region's logs, for the reference implementation of pruning.
+
+/// All words of a log, each up to its first NUL.
 std::vector<std::string> words_of(const std::string& text);
 
-/// What stands at a path itself; no link is followed.
+/// The entry at a path, without following links.
 struct Place {
-    /// A file, or nothing.
+    /// Whether it is a regular file or does not exist.
     bool is_usable = true;
     std::optional<std::string> text;
 };
 Place place_at(const std::string& path);
 
-/// Something that a pruning that was ended may have left beside a log.
+/// A file beside a log that an interrupted prune may have left.
 struct FileBesideLog {
     enum Kind { TAKEN, OLD, READY } kind;
     std::string path;
-    /// The first one of its name.
+    /// The first number in its name.
     std::size_t number;
     std::string text = {};
 };
-/// What the name of something says; nothing when it is no name of that kind beside the log.
+/// Kind and number by the name of a file; nullopt if it is not such a name for the log.
 std::optional<FileBesideLog> beside_log(const std::string& log, const std::string& path);
+
+}  // namespace gatescope

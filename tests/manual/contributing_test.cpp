@@ -8,7 +8,9 @@
 
 #include "matches.h"
 
-// The filters of tests that CONTRIBUTING.md gives as examples, tried in the unit program.
+namespace gatescope {
+
+// Runs the unit program with the example filter of CONTRIBUTING.md.
 
 namespace {
 
@@ -21,7 +23,7 @@ int unit_program_with_filter(const std::string& filter) {
 
 }  // namespace
 
-TEST(Contributing, ItsExampleOfAFilterRunsTests) {
+TEST(Contributing, ExampleFilterMatchesTests) {
     std::ostringstream text;
     text << std::ifstream(DOCUMENTS_DIRECTORY "/CONTRIBUTING.md").rdbuf();
     const auto filters = matches(text.str(), "policy_units .*--gtest_filter='([^']+)'");
@@ -29,6 +31,8 @@ TEST(Contributing, ItsExampleOfAFilterRunsTests) {
     EXPECT_EQ(unit_program_with_filter(filters.front()), 0);
 }
 
-TEST(UnitProgram, FailsWhenAFilterMatchesNothing) {
+TEST(UnitProgram, FailsWhenFilterMatchesNoTest) {
     EXPECT_EQ(unit_program_with_filter("NoSuchSuite.*"), 1);
 }
+
+}  // namespace gatescope

@@ -12,13 +12,15 @@
 
 #include "matches.h"
 
-// What the sources read from the environment, held against the table.
+namespace gatescope {
+
+// Compares the environment variables that the sources read with the table.
 
 namespace {
 
 using Names = std::set<std::string>;
 
-/// Names that are put together while the program runs, by the text in the call that does it.
+/// Names that the program computes at run time, by the argument of getenv.
 const std::map<std::string, Names> COMPUTED = {
     {"variable", {"tmp", "temp"}},
     {R"(filled("%s_%c%c%c%c", prefix, 'U', 'S', 'E', 'R').c_str())",
@@ -34,7 +36,7 @@ std::string all_sources() {
     return text.str();
 }
 
-/// What stands in the parentheses of every getenv call.
+/// The arguments of all calls of getenv.
 std::vector<std::string> getenv_calls(const std::string& source) {
     const std::string call = "getenv(";
     std::vector<std::string> found;
@@ -59,7 +61,7 @@ Names names_read_by(const std::string& argument, const std::string& source) {
         const auto text = matches(source, "constexpr char " + argument + "\\[\\] = \"([^\"]+)\"");
         if (!text.empty()) return {text.front()};
     }
-    ADD_FAILURE() << "getenv(" << argument << "): nobody knows what this reads";
+    ADD_FAILURE() << "getenv(" << argument << "): unknown variable";
     return {};
 }
 
@@ -71,7 +73,7 @@ Names names_in_the_table() {
 
 }  // namespace
 
-TEST(Environment, HasEveryVariableOfTheSourcesInItsTableAndNoOther) {
+TEST(Environment, TableListsExactlyTheVariablesOfTheSources) {
     const std::string source = all_sources();
     Names read;
     for (const std::string& argument : getenv_calls(source)) {
@@ -80,7 +82,7 @@ TEST(Environment, HasEveryVariableOfTheSourcesInItsTableAndNoOther) {
     EXPECT_EQ(read, names_in_the_table());
 }
 
-TEST(Environment, KeepsTheNamesOfTheClientsVariablesOutOfTheProgramFile) {
+TEST(Environment, ProgramFileHidesNamesOfClientsVariables) {
     std::ostringstream bytes;
     bytes << std::ifstream(PROGRAM, std::ios::binary).rdbuf();
     ASSERT_NE(bytes.str().find("ZUL_PREFER_NO_GUI"), std::string::npos);
@@ -89,6 +91,8 @@ TEST(Environment, KeepsTheNamesOfTheClientsVariablesOutOfTheProgramFile) {
     }
 }
 
-TEST(Environment, IsReadInNoOtherWay) {
+TEST(Environment, IsReadByGetenvOnly) {
     EXPECT_EQ(matches(all_sources(), "secure_getenv|environ *\\["), std::vector<std::string>{});
 }
+
+}  // namespace gatescope

@@ -7,9 +7,11 @@
 #include <string>
 #include <vector>
 
-/// Every match of an extended regular expression in `text`, in order: its first group where it has
-/// one, else all of it. The C library's, since the one of the language's library does not compile
-/// without warnings under the sanitizers.
+namespace gatescope {
+
+/// All matches of an extended regular expression in `text`, in order: the first group if there is
+/// one, else the whole match. It uses regcomp, since std::regex does not compile without warnings
+/// under the sanitizers.
 inline std::vector<std::string> matches(const std::string& text, const std::string& expression) {
     regex_t compiled;
     EXPECT_EQ(regcomp(&compiled, expression.c_str(), REG_EXTENDED | REG_NEWLINE), 0) << expression;
@@ -24,3 +26,5 @@ inline std::vector<std::string> matches(const std::string& text, const std::stri
     regfree(&compiled);
     return found;
 }
+
+}  // namespace gatescope

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Every formatter that is here renders all pages of a directory without a warning, under the program's
-# name and the version given, and with no quote inside another; 77 when there is none.
+# Every installed formatter must render all pages of a directory without a warning, with the program's
+# name and the given version in the last line, and without nested quotes. 77 without a formatter.
 #   render.sh DIRECTORY VERSION
 set -u
 directory=$1
@@ -8,7 +8,7 @@ version=$2
 tried=0
 faults=0
 
-# Runs "$@", which may print nothing on its standard error and has to succeed.
+# Runs "$@", which must succeed and print nothing on standard error.
 quiet() {
     local said
     tried=$((tried + 1))
@@ -28,14 +28,14 @@ lint() {
     fi
 }
 
-# Looks at a page as text: rendered PAGE FORMATTER...
+# rendered PAGE FORMATTER...: checks a page as text.
 rendered() {
     local page=$1 text
     shift
     text=$("$@" "$page" | sed 's/.\x08//g')
     for wrong in BSD "’’"; do
         if grep -n -e "$wrong" <<<"$text"; then
-            echo "FAILED: $page by $1 holds '$wrong', see above" >&2
+            echo "FAILED: $page by $1 contains '$wrong', see above" >&2
             faults=$((faults + 1))
         fi
     done

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# What the scripts of this directory share. "$1" is the build tree, "$2" the source tree, "$3" a
-# directory that the script may fill; it is emptied first.
+# Sourced by the scripts of this directory. "$1" is the build tree, "$2" the source tree, "$3" a
+# working directory, which is emptied first.
 
 set -eu
-# shellcheck disable=SC2034 # For those who include this file.
+# shellcheck disable=SC2034 # Used by the scripts that source this file.
 build=$1
 source=$2
 work=$3
@@ -29,18 +29,19 @@ needs() {
     done
 }
 
-# Fails when zsh or fish, where it is here, looks for completions in no directory "$2".
-expect_looked_at() {
+# expect_searched SHELL DIRECTORY: fails unless zsh or fish, if installed, searches the directory for
+# completions.
+expect_searched() {
     local places
     command -v "$1" >/dev/null || return 0
     case $1 in
         zsh) places=$(zsh -f -c 'print -l $fpath') ;;
         fish) places=$(HOME=$work XDG_DATA_DIRS='' fish -c 'printf "%s\n" $fish_complete_path') ;;
     esac
-    grep -qxF -- "$2" <<<"$places" || fail "$1 does not look at $2"
+    grep -qxF -- "$2" <<<"$places" || fail "$1 does not search $2"
 }
 
-# The program of the directory "$1", without dialogs and with nothing of the caller's.
+# Runs a program without dialogs and without the caller's environment.
 run_program() {
     env -i PATH=/usr/bin:/bin CLEARCASE_USER=op ZUL_PREFER_NO_GUI=yes "$@"
 }
@@ -55,7 +56,7 @@ make_region() {
     printf '%s:S:ann[2]-<->\n%s:D:bob[2]K<0>\n' "$now" "$now" >"$work/east/log/logging_0.txt"
 }
 
-# Fails unless exactly one page of query 1 stands in the region.
+# Fails unless the region has exactly one page, of query 1.
 expect_one_page() {
     set -- "$work"/east/query_results/*_Q01.html
     [ $# -eq 1 ] && [ -s "$1" ] || fail "no page of query 1, or more than one: $*"
@@ -63,26 +64,25 @@ expect_one_page() {
         fail "the page is not of query 1"
 }
 
-# Fails when the program "$1" holds the name of a variable that is put together only while it runs,
-# or a piece of one of six characters or more. Pieces of CLEARCASE stand there as
-# text, for another variable.
+# Fails if the program "$1" contains a name that is to be computed at run time, or six characters of
+# one. Parts of CLEARCASE are allowed, since they occur in another variable.
 expect_hidden_names() {
     local name piece at
     cp "$1" "$work/searched"
-    # What debuggers and linkers call things is not looked at.
+    # Without the names of symbols.
     ! command -v strip >/dev/null || strip "$work/searched"
-    grep -aqF UNMAPPED_REMOTE "$work/searched" || fail "the search for names finds nothing"
+    grep -aqF UNMAPPED_REMOTE "$work/searched" || fail "the search does not find a known name"
     for name in CLEARCASE_VIEW_KIND ZUL_USING_CCRC ATRIA_WEB_CLEARPROMPT; do
         for ((at = 0; at + 6 <= ${#name}; at++)); do
             piece=${name:at:6}
             if [[ CLEARCASE == *"$piece"* ]]; then continue; fi
-            ! grep -aqF -- "$piece" "$work/searched" || fail "the program holds $piece of $name"
+            ! grep -aqF -- "$piece" "$work/searched" || fail "the program contains $piece of $name"
         done
     done
     rm "$work/searched"
 }
 
-# Fails when the program "$1" of a package holds what is for debuggers, or is not as it should be.
+# Fails unless the packaged program "$1" is stripped, hardened and without hidden names.
 expect_packaged() {
     local sections
     sections=$(readelf --sections --wide "$1")
@@ -91,9 +91,8 @@ expect_packaged() {
     expect_hidden_names "$1"
 }
 
-# Fails unless the program "$1" is as hard to misuse as the distributions want theirs: loaded
-# anywhere, tables of addresses closed once it has started, the stack and the calls that write
-# texts watched. What is not optimised has no such calls, and is nobody's package.
+# Fails unless the program "$1" is hardened as the distributions require: a PIE, full RELRO, stack
+# protector, _FORTIFY_SOURCE. Only optimised builds are packaged and have the latter.
 expect_hardened() {
     local wanted
     grep -qE '^GATESCOPE_PLAIN_POSIX:BOOL=(OFF|0)' "$build/CMakeCache.txt" || return 0

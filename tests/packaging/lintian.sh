@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Debian's own checker finds no error, and no warning either, in the package just made.
+# lintian reports no error and no warning for the package of package.sh.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 needs lintian
@@ -8,15 +8,15 @@ set -- "$build"/tests/packaging/package/made/*.deb
 
 as_root=''
 if [ "$(id -u)" -eq 0 ]; then as_root=--allow-root; fi
-# It leaves files of its own in the directory for temporary ones.
+# lintian leaves temporary files.
 export TMPDIR=$work
 said=$(lintian $as_root --fail-on error,warning --info --display-info "$1") ||
-    fail "lintian is not content:
+    fail "lintian reports:
 $said"
 
 grep -qE '^CMAKE_BUILD_TYPE:STRING=(Rel|MinSizeRel)' "$build/CMakeCache.txt" || exit 0
 grep -qE '^GATESCOPE_PLAIN_POSIX:BOOL=(OFF|0)' "$build/CMakeCache.txt" || exit 0
 
-# What it only hints at, of a program that is optimised.
+# Hints about hardening, which apply to optimised programs only.
 hints=$(grep -E '^[A-Z]: .* hardening-no-(bindnow|fortify-functions|pie|relro)' <<<"$said" || true)
 [ -z "$hints" ] || fail "not hardened: $hints"

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# The example that feeds a monitoring system: yesterday's numbers of a region, taken from the file
-# beside the page, in the text format of such systems, and a failure that says so and leaves the old
-# ones.
+# The example for a monitoring system: it writes yesterday's numbers of a region, from the CSV file
+# beside the page, in the text format of Prometheus; after a failure it reports that and keeps the old
+# file.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 
@@ -26,8 +26,7 @@ printf '%s\n' "# Commands of $(date -d yesterday +%F)." \
     'gatescope_commands_yesterday{region="east",result="denied"} 1' >"$work/expected"
 cmp "$work/expected" "$work/metrics" || fail "the metrics are: $(cat "$work/metrics")"
 
-# Each series of a second region is one of its own, with any sign in the region's name, and what
-# is said of the metric is the same.
+# A second region has other series, with any character in its name, and the same HELP and TYPE.
 sed 's/^gatewarden;;;east;/gatewarden;;;we"st\\1 (new);/' "$work/east/gatebits.txt" \
     >"$work/east/other.txt"
 run_example "$work/east/other.txt" "$work/other" ||
@@ -37,9 +36,9 @@ grep -qxF 'gatescope_commands_yesterday{region="we\"st\\1 (new)",result="allowed
 [ "$(cat "$work/metrics" "$work/other" | grep -v '^#' | sed 's| [0-9]*$||' | sort -u | wc -l)" -eq 4 ] ||
     fail "two regions share a series"
 [ "$(cat "$work/metrics" "$work/other" | grep -E '^# (HELP|TYPE)' | sort -u | wc -l)" -eq 2 ] ||
-    fail "two regions tell different things of the metric"
+    fail "two regions have different HELP or TYPE lines"
 
-# The text format: comments, and samples of a metric that has been told of, with quoted labels.
+# The text format: comments, and samples of the metric with quoted labels.
 label='[a-z]+="([^"\\]|\\["\\n])*"'
 for file in "$work/metrics" "$work/other"; do
     odd=$(grep -vE "^# |^gatescope_commands_yesterday\{$label(,$label)*\} [0-9]+\$" "$file" || true)
@@ -51,8 +50,8 @@ for file in "$work/metrics" "$work/other"; do
 done
 
 if run_example "$work/nowhere.txt" "$work/metrics"; then
-    fail "a run without a policy file is taken for a success"
+    fail "the example succeeds without a policy file"
 fi
 grep -q '^No numbers; gatescope ended with status 1' "$work/output" ||
-    fail "a failure is not told: $(cat "$work/output")"
+    fail "a failure is not reported: $(cat "$work/output")"
 cmp "$work/expected" "$work/metrics" || fail "a failure changed the metrics"

@@ -1,18 +1,18 @@
 #!/usr/bin/env bash
-# Builds the program with debug information, and the package, twice: at different times, in
-# directories of different names. Both have to be the same to the last byte.
+# Builds the program with debug information, and the package, twice, at different times and in
+# different directories. Both builds must be the same byte for byte.
 # shellcheck source=common.sh
 . "$(dirname "$0")/common.sh"
 needs dpkg-deb dpkg-shlibdeps gzip
 export SOURCE_DATE_EPOCH=1795262400
-# What a cache has kept was built elsewhere.
+# A compiler cache could return objects of the first build.
 export CCACHE_DISABLE=1
 
 setting() {
     sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"
 }
 
-# build_in DIRECTORY: not optimised, since that takes the longest and sees no directories.
+# build_in DIRECTORY: without optimisation, which takes long and does not depend on directories.
 build_in() {
     mkdir -p "$1/sources"
     tar -C "$source" --exclude=./.git --exclude='./build*' --exclude=./demo-region -c . |
@@ -27,7 +27,7 @@ build_in() {
     cpack -G DEB --config "$1/built/CPackConfig.cmake" -B "$1/made" >"$1/log" 2>&1 ||
         fail "cpack: $(cat "$1/log")"
     mv "$1"/made/*.deb "$1/package.deb"
-    # The next one is built under another name, and not in the same second.
+    # Removed, so that the next build cannot find it.
     rm -r "$1/built" "$1/made" "$1/sources"
 }
 

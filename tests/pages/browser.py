@@ -1,4 +1,4 @@
-"""A headless Chromium, driven through ChromeDriver with nothing but the standard library."""
+"""A headless Chromium, driven through ChromeDriver with the standard library alone."""
 
 import contextlib
 import json
@@ -27,12 +27,9 @@ FLAGS = [
     "--force-device-scale-factor=1",
 ]
 
-# How WebDriver marks a reference to an element.
-ELEMENT_KEY = "element-6066-11e4-a52e-4f735466cecf"
-
 
 class Browser:
-    """One window. Everything that it leaves in files goes away with it."""
+    """One window. Its files are removed when it is closed."""
 
     def __init__(self, width=1280, height=1024):
         with contextlib.ExitStack() as undo:
@@ -69,7 +66,7 @@ class Browser:
         self._post(self._session + "/url", {"url": "file://" + os.path.abspath(path)})
 
     def run(self, script, *arguments):
-        """The value of a function body run in the page."""
+        """Runs the body of a function in the page, and returns its value."""
         body = {"script": script, "args": list(arguments)}
         return self._post(self._session + "/execute/sync", body)
 
@@ -84,14 +81,14 @@ class Browser:
         self._post(self._session + "/actions", {"actions": [dict(mouse, actions=[move])]})
 
     def screenshot(self, width, height):
-        """The upper left part of the page, wherever the window ends, as a PNG in base 64."""
+        """The upper left part of the page, also beyond the window, as a PNG in base 64."""
         clip = {"x": 0, "y": 0, "width": width, "height": height, "scale": 1}
         parameters = {"format": "png", "clip": clip, "captureBeyondViewport": True}
         body = {"cmd": "Page.captureScreenshot", "params": parameters}
         return self._post(self._session + "/goog/cdp/execute", body)["data"]
 
-    def complaints(self):
-        """What the page has written to the console since the last call."""
+    def console_messages(self):
+        """The messages of the page's console since the last call."""
         return self._post(self._session + "/se/log", {"type": "browser"})
 
     def _port(self):
@@ -102,7 +99,7 @@ class Browser:
         raise RuntimeError("ChromeDriver did not start")
 
     def _end_driver(self):
-        # The driver leads a session of its own, which its browsers belong to.
+        # The driver is the leader of a session, to which its browsers belong.
         with contextlib.suppress(ProcessLookupError):
             os.killpg(self._driver.pid, signal.SIGKILL)
         self._driver.wait()

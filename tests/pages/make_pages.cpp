@@ -1,10 +1,10 @@
-// Writes report pages with invented counts, and the counts beside them, so that what a browser
-// shows can be held against what was counted.
+// Writes report pages with invented counts, and these counts as JSON, to compare with what a
+// browser shows.
 //
 //     make_pages DIRECTORY
 //
-// The pages get the names that a query of 7 January 2026, 08:09:05, gives them; counts.json holds
-// what each of them was made from.
+// The pages are named as by queries of 7 January 2026, 08:09:05; counts.json has the counts of
+// each.
 
 #include <algorithm>
 #include <cstdio>
@@ -17,6 +17,7 @@
 #include "logs/query_data.h"
 #include "report/graph.h"
 
+namespace gatescope {
 namespace {
 
 QueryResult no_counts() {
@@ -28,7 +29,7 @@ QueryResult no_counts() {
     return result;
 }
 
-/// Counts of all sizes: none, one, the largest, and what lies between.
+/// Counts of all sizes: zero, one, the largest, and others between.
 QueryResult count_days() {
     QueryResult result = no_counts();
     result.first_cell_read = 99;
@@ -86,8 +87,10 @@ void make_page(int query, const std::string& title, QueryResult result,
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     if (argc != 2) {
         std::fputs("usage: make_pages DIRECTORY\n", stderr);
         return EXIT_FAILURE;

@@ -1,9 +1,9 @@
-"""What a browser makes of the report pages.
+"""Tests of the report pages in a browser.
 
     pages_test.py MAKE_PAGES [unittest arguments]
 
 MAKE_PAGES writes the six pages with invented counts. They are opened in a headless Chromium, and
-what it lays out is measured and held against the counts.
+its layout is measured and compared with the counts.
 """
 
 import json
@@ -25,7 +25,7 @@ BLACK = "rgb(0, 0, 0)"
 WHITE = "rgb(255, 255, 255)"
 CYAN = "rgb(0, 255, 255)"
 
-# Every day's column: its number and the boxes of its cells, from top to bottom.
+# Each day's column: the day's number and the boxes of its cells, from top to bottom.
 COLUMNS = """
 const columns = [];
 const walker = document.createTreeWalker(document.body, NodeFilter.SHOW_COMMENT);
@@ -39,7 +39,7 @@ while (walker.nextNode()) {
 return columns;
 """
 
-# The bar, the count after it and the rest of every row of a list.
+# Each row of a list: title, number, description, count, and the boxes of the bar and what follows.
 ROWS = """
 return Array.from(document.querySelectorAll("tr.hot_row[title]"), row => {
     const bar = row.querySelector("td[colspan='2'] td.cell_failure");
@@ -62,7 +62,7 @@ function box(element) {
 
 
 def bar_pixels(count, scale, full):
-    """The length that a count asks for: its share of the scale, but never nothing."""
+    """The length of a bar: the count's share of the scale, at least one pixel unless it is 0."""
     return max(count * full // scale, 1) if count else 0
 
 
@@ -80,9 +80,9 @@ class PageTest(unittest.TestCase):
         WINDOW.open(os.path.join(PAGES, "20260107_080905_Q%02d.html" % self.query))
 
     def assert_whole_page(self):
-        """Nothing is loaded from anywhere, and the script has no fault."""
+        """The page loads no other resource, and its script reports no error."""
         self.assertEqual(WINDOW.run("return performance.getEntriesByType('resource').length"), 0)
-        self.assertEqual(WINDOW.complaints(), [])
+        self.assertEqual(WINDOW.console_messages(), [])
         heading = WINDOW.run("return document.querySelector('h1').innerText")
         self.assertTrue(heading.endswith(" for the last 120 days."), heading)
 
@@ -92,7 +92,7 @@ class PageTest(unittest.TestCase):
         return columns
 
     def assert_shows_titles(self, elements):
-        """Under the mouse every one of the elements shows its title in the text box."""
+        """Each element's title appears in the text box when the mouse is over it."""
         self.assertEqual(self.shown_text(), "")
         titles = set()
         for element in elements:
@@ -109,12 +109,12 @@ class PageTest(unittest.TestCase):
 
 
 class TimeGraphs:
-    """Tests of every page with a column a day."""
+    """Tests of the pages with a column per day."""
 
     def test_is_whole(self):
         self.assert_whole_page()
 
-    def test_columns_stand_side_by_side(self):
+    def test_columns_are_side_by_side(self):
         columns = self.columns()
         tops = {column["cells"][0]["top"] for column in columns}
         bottoms = {column["cells"][-1]["bottom"] for column in columns}
@@ -132,7 +132,7 @@ class TimeGraphs:
             for cell in blank:
                 self.assertEqual((cell["height"], cell["color"]), (100, WHITE))
 
-    def test_blocks_under_the_columns_tell_days_with_records(self):
+    def test_blocks_under_the_columns_mark_days_with_records(self):
         colors = WINDOW.run(
             BOX + "return Array.from(document.querySelectorAll('th.time_block td'), box);")
         self.assertEqual(len(colors), DAYS)
@@ -140,7 +140,7 @@ class TimeGraphs:
             self.assertEqual(block["color"], CYAN if self.counts["read"][day] else WHITE, day)
             self.assertEqual((block["width"], block["height"]), (4, 6))
 
-    def test_day_numbers_stand_under_their_ticks(self):
+    def test_day_numbers_are_under_their_ticks(self):
         columns = {column["day"]: column["cells"][0] for column in self.columns()}
         numbers = WINDOW.run(BOX + """
             return Array.from(document.querySelectorAll("td[align=center]"),
@@ -161,7 +161,7 @@ class TestTwist(TimeGraphs, PageTest):
     query = 1
     halves = 2
 
-    def test_bars_have_the_heights_that_the_counts_ask_for(self):
+    def test_bar_heights_are_proportional_to_counts(self):
         allowed, denied = self.counts["success"], self.counts["denied"]
         scale = max(allowed + denied)
         for column in self.columns():
@@ -203,7 +203,7 @@ class SingleBars(TimeGraphs):
     halves = 1
     counted = None
 
-    def test_bars_have_the_heights_that_the_counts_ask_for(self):
+    def test_bar_heights_are_proportional_to_counts(self):
         counts = self.counts[self.counted]
         for column in self.columns():
             day = column["day"]
@@ -227,9 +227,7 @@ class TestKeys(SingleBars, PageTest):
 
 
 class BarLists:
-    """Tests of both lists with a bar a row."""
-
-    noun = None
+    """Tests of the two lists with a bar per row."""
 
     def rows(self):
         return WINDOW.run(BOX + ROWS)
@@ -237,7 +235,7 @@ class BarLists:
     def test_is_whole(self):
         self.assert_whole_page()
 
-    def test_bars_have_the_widths_that_the_counts_ask_for(self):
+    def test_bar_widths_are_proportional_to_counts(self):
         largest = max(self.counts["success"])
         rows = self.rows()
         self.assertEqual(len(rows), len(self.numbers()))
@@ -272,7 +270,7 @@ class TestKeyList(BarLists, PageTest):
     def numbers(self):
         return list(range(1, self.counts["highest_key_read"] + 1))
 
-    def test_keys_read_as_they_stand_in_the_gatebits_file(self):
+    def test_keys_are_shown_as_in_the_gatebits_file(self):
         described = [row["description"] for row in self.rows()]
         self.assertEqual(described[:10],
                          ["lock;key <%d> & more;" % key for key in range(1, 11)])
@@ -287,7 +285,7 @@ class TestEmptyRegion(TimeGraphs, PageTest):
 
 def main():
     if not (browser.CHROMIUM and browser.CHROMEDRIVER):
-        print("chromium and chromedriver are needed to look at the pages")
+        print("needs chromium and chromedriver")
         sys.exit(SKIPPED)
     global PAGES, WINDOW
     make_pages = sys.argv.pop(1)

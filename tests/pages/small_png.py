@@ -1,4 +1,4 @@
-"""Makes a screenshot small: a PNG of few colours becomes one with a palette."""
+"""Makes a screenshot smaller: converts a PNG of few colours to one with a palette."""
 
 import struct
 import zlib
@@ -6,14 +6,13 @@ import zlib
 SIGNATURE = b"\x89PNG\r\n\x1a\n"
 CHANNELS = {2: 3, 6: 4}
 
-
-# Of a picture with too many colours only 16 shades of each channel stay. The colours of the pages
-# are among them; what moves are the edges of letters.
+# A picture with too many colours is reduced to 16 shades of each channel. They include the colours
+# of the pages, so that only the edges of letters change.
 SHADES = bytes(17 * round(value / 17) for value in range(256))
 
 
 def with_palette(png):
-    """The same picture with a palette of at most 256 colours (else a ValueError)."""
+    """The same picture with a palette of at most 256 colours. Raises ValueError if it has more."""
     width, height, rows = _pixels(png)
     colors = _colors(rows)
     if len(colors) > 256:

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
+
 std::string with_replaced(const std::string& text, const std::string& from, const std::string& to) {
     const std::size_t at = text.find(from);
     EXPECT_NE(at, std::string::npos) << "no " << from << " in " << text;
@@ -38,3 +40,5 @@ std::vector<std::string> checks_of(const Region& region, const Result& result) {
     }
     return words;
 }
+
+}  // namespace gatescope

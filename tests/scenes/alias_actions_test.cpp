@@ -6,6 +6,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string HEADER = "#!gatewarden_alias ";
@@ -24,7 +25,7 @@ Dialog no_aliases() {
     return advised_and_waited("There are no currently defined aliases for this region");
 }
 
-/// Two aliases below the tool's variables, and references to the second in a list and in keys.
+/// Two aliases after the tool's variables, and references to the second in a list and in keys.
 RegionPlan with_two_aliases() {
     return a_region()
         .with_alias("one", "(x)")
@@ -53,7 +54,7 @@ std::string without_references(const std::string& gatebits) {
 
 // A17.
 
-TEST(AddAlias, Confirmed) {
+TEST(AddAlias, WritesConfirmedAlias) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.types("new_1").types("(v) (w)").answers_yes();
@@ -66,14 +67,14 @@ TEST(AddAlias, Confirmed) {
     EXPECT_EQ(checks_of(east, result), (std::vector<std::string>{"-status_only", "-status_only"}));
 }
 
-TEST(AddAlias, ReportedWhenAskedToBeVerbose) {
+TEST(AddAlias, ReportsAdditionWhenVerbose) {
     Region east = a_region().with_env("ZUL_GATESCOPE_VERBOSITY", "1");
     east.types("a").types("x & y").answers_yes();
     EXPECT_EQ(east.run({"A=17", "R=n"}).dialogs().at(3),
               asked("Successfully added Alias\n\n    #!gatewarden_alias a x && y", "yes", "yes"));
 }
 
-TEST(AddAlias, DeclinedThenConfirmedStartsWithEmptyAnswers) {
+TEST(AddAlias, StartsWithEmptyPromptsAfterDecline) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.types("a").types("x").answers_no().types("b").types("y").answers_yes();
@@ -84,7 +85,7 @@ TEST(AddAlias, DeclinedThenConfirmedStartsWithEmptyAnswers) {
     EXPECT_EQ(east.gatebits(), "#!gatewarden_alias b y\n" + before);
 }
 
-TEST(AddAlias, AbortedOrCancelledWritesNothing) {
+TEST(AddAlias, WritesNothingWhenAbortedOrCancelled) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.types("a").types("x").aborts();
@@ -99,13 +100,13 @@ TEST(AddAlias, AbortedOrCancelledWritesNothing) {
 const std::string ADD = "A17 - Add Alias Definition to Region";
 const std::string UPDATE = "A20 - Update Alias Definition in Region";
 
-/// Runs the submenu once, in which the operator has picked what `east` was told. 110 when the last
-/// answer in it was not empty; 0 when the submenu came up again, to be cancelled.
+/// Runs the submenu with the scripted answers. 110: the last answer was not empty; 0: the submenu
+/// came again and was cancelled.
 int status_of_submenu(Region& east) {
     return east.run({"A=2", "R=n"}).status;
 }
 
-TEST(AddAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
+TEST(AddAlias, KeepsLastAnswerWhenPromptIsCancelled) {
     Region east = with_two_aliases();
     east.operator_picks(ADD).cancels();
     EXPECT_EQ(status_of_submenu(east), 110);
@@ -119,7 +120,7 @@ TEST(AddAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
     EXPECT_EQ(status_of_submenu(east), 110);
 }
 
-TEST(AddAlias, AnEmptyAnswerThatWasRejectedIsTheLastOneToo) {
+TEST(AddAlias, KeepsRejectedEmptyAnswerAsLastAnswer) {
     Region east = with_two_aliases();
     east.operator_picks(ADD).types("").cancels().cancels();
     EXPECT_EQ(status_of_submenu(east), 0);
@@ -127,7 +128,7 @@ TEST(AddAlias, AnEmptyAnswerThatWasRejectedIsTheLastOneToo) {
     EXPECT_EQ(status_of_submenu(east), 0);
 }
 
-TEST(AddAlias, RejectedNamesAndValuesAreAskedForAgain) {
+TEST(AddAlias, AsksAgainForRejectedNamesAndValues) {
     Region east = with_two_aliases();
     east.types("").types("a-b").types("two").types("Two").types("").types("a;b").types("ok");
     east.answers_yes();
@@ -143,7 +144,7 @@ TEST(AddAlias, RejectedNamesAndValuesAreAskedForAgain) {
                  asked_to_add("#!gatewarden_alias Two ok")}));
 }
 
-TEST(AddAlias, IsRefusedWith80AndNotWith79) {
+TEST(AddAlias, RefusesMoreThan80Aliases) {
     RegionPlan plan = a_region();
     for (int i = 1; i <= 79; ++i) plan.with_alias("a" + std::to_string(i), "v");
     Region nearly_full = plan;
@@ -155,7 +156,7 @@ TEST(AddAlias, IsRefusedWith80AndNotWith79) {
                               "some to add more...")});
 }
 
-TEST(AddAlias, FaultyAliasLineIsShownAndNothingAfterItIsLost) {
+TEST(AddAlias, ShowsFaultyAliasLineAndKeepsLinesAfterIt) {
     Region east = a_region().with_alias("one", "(x)").with_alias("b-d", "y").with_alias("c", "z");
     const std::string before = east.gatebits();
     east.types("n").types("v").answers_yes();
@@ -179,7 +180,7 @@ Dialog list_to_remove() {
     return listed("Select Alias Definition to remove from region", ONE + "," + TWO);
 }
 
-TEST(DeleteAlias, WithItsReferences) {
+TEST(DeleteAlias, RemovesAliasAndReferencesOnYes) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).answers_yes();
@@ -192,7 +193,7 @@ TEST(DeleteAlias, WithItsReferences) {
     EXPECT_TRUE(result.calls_of("gatewarden").empty());
 }
 
-TEST(DeleteAlias, WithoutItsReferences) {
+TEST(DeleteAlias, KeepsReferencesOnNo) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).answers_no();
@@ -202,7 +203,7 @@ TEST(DeleteAlias, WithoutItsReferences) {
     EXPECT_EQ(east.gatebits(), with_aliases(before, {"one (x)"}));
 }
 
-TEST(DeleteAlias, AbortedOrCancelledWritesNothing) {
+TEST(DeleteAlias, WritesNothingWhenAbortedOrCancelled) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).aborts();
@@ -212,7 +213,7 @@ TEST(DeleteAlias, AbortedOrCancelledWritesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(DeleteAlias, PickWithoutANameIsAFault) {
+TEST(DeleteAlias, EndsWithInternalErrorOnPickWithoutName) {
     Region east = with_two_aliases();
     east.answers({.kind = "list", .outfile = "nonsense"});
     const Result result = east.run({"A=18", "R=n"});
@@ -220,14 +221,14 @@ TEST(DeleteAlias, PickWithoutANameIsAFault) {
     EXPECT_EQ(result.dialogs().back(), griped("Internal error A_18"));
 }
 
-TEST(DeleteAlias, NothingToDelete) {
+TEST(DeleteAlias, SaysThatThereAreNoAliases) {
     Region east = a_region();
     for (const char* action : {"A=18", "A=19", "A=20"}) {
         EXPECT_EQ(east.run({action, "R=n"}).dialogs(), Dialogs{no_aliases()}) << action;
     }
 }
 
-TEST(DeleteAlias, AfterTheOnlyOneThereAreNone) {
+TEST(DeleteAlias, SaysThatThereAreNoAliasesAfterTheLastIsDeleted) {
     Region east = a_region().with_alias("only", "x");
     east.operator_picks("#!gatewarden_alias only x").answers_yes();
     for (const char* entry : {"A18 - Delete Alias Definition from Region",
@@ -255,7 +256,7 @@ Dialog list_of_references() {
     return listed("Select Alias References to remove from region", "~one,~two");
 }
 
-TEST(DeleteReferences, Confirmed) {
+TEST(DeleteReferences, RemovesConfirmedReferences) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks("~two").answers_yes();
@@ -266,14 +267,14 @@ TEST(DeleteReferences, Confirmed) {
               without_references(with_aliases(before, {"one (x)", "two (y) (z)"})));
 }
 
-TEST(DeleteReferences, NoneFound) {
+TEST(DeleteReferences, SaysThatNoReferenceWasFound) {
     Region east = with_two_aliases();
     east.operator_picks("~one").answers_yes();
     EXPECT_EQ(east.run({"A=19", "R=n"}).dialogs().at(2),
               advised_and_waited("No ~one alias references were found to remove."));
 }
 
-TEST(DeleteReferences, AbortedOrCancelledWritesNothing) {
+TEST(DeleteReferences, WritesNothingWhenAbortedOrCancelled) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks("~two").aborts();
@@ -291,7 +292,7 @@ Dialog list_to_update() {
 
 const std::string ITEM = "Alias #!gatewarden_alias two";
 
-TEST(UpdateAlias, Confirmed) {
+TEST(UpdateAlias, WritesConfirmedValue) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).types("(new)").answers_yes();
@@ -302,7 +303,7 @@ TEST(UpdateAlias, Confirmed) {
     EXPECT_EQ(result.calls_of("gatewarden").size(), 2u);
 }
 
-TEST(UpdateAlias, ReportedWhenAskedToBeVerbose) {
+TEST(UpdateAlias, ReportsChangeWhenVerbose) {
     Region east = with_two_aliases().with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.operator_picks(TWO).types("(new)").answers_yes();
     const Dialogs dialogs = east.run({"A=20", "R=n"}).dialogs();
@@ -313,7 +314,7 @@ TEST(UpdateAlias, ReportedWhenAskedToBeVerbose) {
     EXPECT_EQ(dialogs[4], reported_change(ITEM, "(y) (z)", "(new)"));
 }
 
-TEST(UpdateAlias, DeclinedShowsTheListAgain) {
+TEST(UpdateAlias, ShowsListAgainAfterDecline) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).types("(new)").answers_no().operator_picks(ONE).types("(n)");
@@ -326,14 +327,14 @@ TEST(UpdateAlias, DeclinedShowsTheListAgain) {
     EXPECT_EQ(east.gatebits(), with_aliases(before, {"one (n)", "two (y) (z)"}));
 }
 
-TEST(UpdateAlias, RejectedValueKeepsTheCurrentOneToBeEdited) {
+TEST(UpdateAlias, OffersCurrentValueAfterRejection) {
     Region east = with_two_aliases();
     east.operator_picks(TWO).types("").cancels();
     EXPECT_EQ(east.run({"A=20", "R=n"}).dialogs().at(2),
               prompted("RETRY: alias value is empty", "(y) (z)"));
 }
 
-TEST(UpdateAlias, AbortedOrCancelledWritesNothing) {
+TEST(UpdateAlias, WritesNothingWhenAbortedOrCancelled) {
     Region east = with_two_aliases();
     const std::string before = east.gatebits();
     east.operator_picks(TWO).types("(new)").aborts();
@@ -345,7 +346,7 @@ TEST(UpdateAlias, AbortedOrCancelledWritesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(UpdateAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
+TEST(UpdateAlias, KeepsLastAnswerWhenPromptIsCancelled) {
     Region east = with_two_aliases();
     east.operator_picks(UPDATE).operator_picks(TWO).cancels();
     EXPECT_EQ(status_of_submenu(east), 110);
@@ -353,7 +354,7 @@ TEST(UpdateAlias, ACancelledPromptLeavesTheLastAnswerStanding) {
     EXPECT_EQ(status_of_submenu(east), 110);
 }
 
-TEST(UpdateAlias, AfterAnEmptyAnswerOrACancelledListTheSubmenuComesAgain) {
+TEST(UpdateAlias, ReturnsToSubmenuAfterEmptyAnswerOrCancelledList) {
     Region east = with_two_aliases();
     east.operator_picks(UPDATE).operator_picks(TWO).types("").cancels().cancels();
     EXPECT_EQ(status_of_submenu(east), 0);
@@ -363,7 +364,7 @@ TEST(UpdateAlias, AfterAnEmptyAnswerOrACancelledListTheSubmenuComesAgain) {
     EXPECT_EQ(status_of_submenu(east), 0);
 }
 
-TEST(UpdateAlias, ACutEntryOffersTheCutValue) {
+TEST(UpdateAlias, OffersCutValueOfCutEntry) {
     const std::string value = std::string(100, 'v');
     Region east = a_region().with_alias("long", value);
     const std::string whole = "#!gatewarden_alias long " + value;
@@ -379,7 +380,7 @@ TEST(UpdateAlias, ACutEntryOffersTheCutValue) {
     EXPECT_TRUE(east.gatebits().starts_with("#!gatewarden_alias long (new)\n"));
 }
 
-TEST(UpdateAlias, AnEntryOf100CharactersIsNotCut) {
+TEST(UpdateAlias, ShowsEntryOf100CharactersWhole) {
     const std::string value = std::string(100 - std::string("#!gatewarden_alias l ").size(), 'v');
     Region east = a_region().with_alias("l", value);
     east.cancels();
@@ -388,7 +389,7 @@ TEST(UpdateAlias, AnEntryOf100CharactersIsNotCut) {
                              "#!gatewarden_alias l " + value)});
 }
 
-TEST(UpdateAlias, AnEmptyValueIsOfferedEmpty) {
+TEST(UpdateAlias, OffersEmptyValue) {
     Region east = a_region().with_line_on_top("#!gatewarden_alias bare");
     east.answers({.kind = "list", .outfile = "#!gatewarden_alias bare \n"}).cancels();
     EXPECT_EQ(
@@ -397,10 +398,11 @@ TEST(UpdateAlias, AnEmptyValueIsOfferedEmpty) {
                  prompted(value_prompt("bare"), "")}));
 }
 
-TEST(UpdateAlias, PickWithoutANameIsAFault) {
+TEST(UpdateAlias, EndsWithInternalErrorOnPickWithoutName) {
     Region east = with_two_aliases();
     east.answers({.kind = "list", .outfile = "nonsense"});
     EXPECT_EQ(east.run({"A=20", "R=n"}).dialogs().back(), griped("Internal error A_20"));
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -12,9 +12,10 @@
 #include <cstdlib>
 #include <stdexcept>
 
+namespace gatescope {
 namespace {
 
-constexpr auto PATIENCE = std::chrono::seconds(60);
+constexpr auto TIMEOUT = std::chrono::seconds(60);
 using Clock = std::chrono::steady_clock;
 
 struct Pipe {
@@ -46,11 +47,11 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     return result;
 }
 
-[[noreturn]] void become(const std::string& program, std::vector<std::string> arguments,
-                         std::vector<std::string> environment, const std::string& directory,
-                         const Pipe& out, const Pipe& err) {
+[[noreturn]] void exec_program(const std::string& program, std::vector<std::string> arguments,
+                               std::vector<std::string> environment, const std::string& directory,
+                               const Pipe& out, const Pipe& err) {
     setpgid(0, 0);
-    // The shell's children must not begin with signals ignored: it is how they are told apart.
+    // stand_in tells background calls by the interrupts that the shell ignores for them.
     for (const int number : {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE}) signal(number, SIG_DFL);
     const int nothing = open("/dev/null", O_RDONLY);
     dup2(nothing, STDIN_FILENO);
@@ -62,23 +63,23 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
     _exit(127);
 }
 
-/// Moves what is there from the pipe into `text`; false at its end.
-bool drain(int descriptor, std::string& text) {
+/// Appends what the pipe holds to `text`; false at its end.
+bool read_some(int descriptor, std::string& text) {
     std::array<char, 65536> buffer;
     const ssize_t got = read(descriptor, buffer.data(), buffer.size());
     if (got > 0) text.append(buffer.data(), static_cast<std::size_t>(got));
     return got > 0;
 }
 
-/// Reads both pipes until nobody has them open any more. False when that took too long.
-bool drain_both(const Pipe& out, const Pipe& err, Finished& finished, Clock::time_point deadline) {
+/// Reads both pipes until all their writers are closed. False on a timeout.
+bool read_both(const Pipe& out, const Pipe& err, Finished& finished, Clock::time_point deadline) {
     std::array<pollfd, 2> ends = {{{out.read_end, POLLIN, 0}, {err.read_end, POLLIN, 0}}};
     const std::array<std::string*, 2> texts = {&finished.out, &finished.err};
     while (ends[0].fd >= 0 || ends[1].fd >= 0) {
         if (Clock::now() > deadline) return false;
         poll(ends.data(), ends.size(), 100);
         for (std::size_t i = 0; i < ends.size(); ++i) {
-            if (ends[i].fd >= 0 && ends[i].revents != 0 && !drain(ends[i].fd, *texts[i])) {
+            if (ends[i].fd >= 0 && ends[i].revents != 0 && !read_some(ends[i].fd, *texts[i])) {
                 ends[i].fd = -1;
             }
         }
@@ -86,7 +87,7 @@ bool drain_both(const Pipe& out, const Pipe& err, Finished& finished, Clock::tim
     return true;
 }
 
-/// Reaps the program and all that it left behind. False when that took too long.
+/// Reaps the program and all its descendants. False on a timeout.
 bool reap_all(Finished& finished, Clock::time_point deadline) {
     while (true) {
         int status = 0;
@@ -118,17 +119,17 @@ Finished run_to_the_end(const std::string& program, const std::string& name,
     Finished finished;
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("no child process");
-    if (child == 0) become(program, arguments, settings, directory, out, err);
+    if (child == 0) exec_program(program, arguments, settings, directory, out, err);
     setpgid(child, child);
     finished.pid = child;
     out.close_write_end();
     err.close_write_end();
-    const auto deadline = Clock::now() + PATIENCE;
-    const bool read_all = drain_both(out, err, finished, deadline);
+    const auto deadline = Clock::now() + TIMEOUT;
+    const bool read_all = read_both(out, err, finished, deadline);
     finished.timed_out = !read_all || !reap_all(finished, deadline);
     if (finished.timed_out) {
         kill(-child, SIGKILL);
-        reap_all(finished, Clock::now() + PATIENCE);
+        reap_all(finished, Clock::now() + TIMEOUT);
     }
     return finished;
 }
@@ -138,6 +139,8 @@ void adopt_descendants() {
 }
 
 bool wait_for_all_descendants() {
-    Finished nobody;
-    return reap_all(nobody, Clock::now() + PATIENCE);
+    Finished ignored;
+    return reap_all(ignored, Clock::now() + TIMEOUT);
 }
+
+}  // namespace gatescope

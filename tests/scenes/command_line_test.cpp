@@ -2,6 +2,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 constexpr char USAGE_TEXT[] =
@@ -74,13 +75,14 @@ std::string bad_repeat(const std::string& argument) {
 const std::string EXCLUSIVE =
     "ERROR: Action parameter and Query parameter are mutually exclusive.  Nothing done.";
 
-struct Refusal {
+struct ArgumentCase {
     const char* name;
     Args args;
-    std::string message;
+    /// Of a refused command line.
+    std::string message = {};
 };
 
-class RefusedCommandLine : public testing::TestWithParam<Refusal> {};
+class RefusedCommandLine : public testing::TestWithParam<ArgumentCase> {};
 
 TEST_P(RefusedCommandLine, EndsWithItsMessageAndStatus99) {
     Region east = a_region().without_dialogs();
@@ -93,67 +95,67 @@ TEST_P(RefusedCommandLine, EndsWithItsMessageAndStatus99) {
 INSTANTIATE_TEST_SUITE_P(
     CommandLine, RefusedCommandLine,
     testing::Values(
-        Refusal{"NoEqualsSign", {"checkin"}, unknown("checkin")},
-        Refusal{"SingleCharacter", {"Q"}, unknown("Q")},
-        Refusal{"EmptyArgument", {""}, unknown("")},
-        Refusal{"LowerCaseLetter", {"a=3"}, unknown("a=3")},
-        Refusal{"UnknownLetter", {"Z=3"}, unknown("Z=3")},
-        Refusal{"HelpIsNoOptionBesideOthers", {"-help", "Q=1"}, unknown("-help")},
-        Refusal{"VerIsNoOptionBesideOthers", {"R=n", "-ver"}, unknown("-ver")},
-        Refusal{"UnknownOption", {"-verbose"}, unknown("-verbose")},
-        Refusal{"OptionNotTheOnlyOne", {"-kudos", "-kudos"}, unknown("-kudos")},
-        Refusal{"NothingAfterTheEquals", {"Q="}, incomplete("Q=")},
-        Refusal{"NothingAfterAnUnknownLetter", {"z="}, incomplete("z=")},
-        Refusal{"QueryZero", {"Q=0"}, bad_query("Q=0")},
-        Refusal{"QuerySeven", {"Q=7"}, bad_query("Q=7")},
-        Refusal{"QueryWord", {"Q=all"}, bad_query("Q=all")},
-        Refusal{"QueryMinus", {"Q=-1"}, bad_query("Q=-1")},
-        Refusal{"QueryPlus", {"Q=+1"}, bad_query("Q=+1")},
-        Refusal{"QueryBlank", {"Q= 1"}, bad_query("Q= 1")},
-        Refusal{"QueryHuge", {"Q=4294967297"}, bad_query("Q=4294967297")},
-        Refusal{"QueryHuger", {"Q=99999999999999999999"}, bad_query("Q=99999999999999999999")},
-        Refusal{"ActionZero", {"A=0"}, bad_action("A=0")},
-        Refusal{"ActionThirty", {"A=30"}, bad_action("A=30")},
-        Refusal{"ActionWord", {"A=x"}, bad_action("A=x")},
-        Refusal{"ActionMinus", {"A=-2"}, bad_action("A=-2")},
-        Refusal{"ActionHuge", {"A=4294967298"}, bad_action("A=4294967298")},
-        Refusal{"QueryThenAction", {"Q=1", "A=2"}, EXCLUSIVE},
-        Refusal{"ActionThenQuery", {"A=2", "Q=1"}, EXCLUSIVE},
-        Refusal{"QueryThenBadAction", {"Q=1", "A=99"}, EXCLUSIVE},
-        Refusal{"ActionTwice", {"A=2", "A=2"}, duplicate("A")},
-        Refusal{"ActionTwiceTheSecondBad", {"A=2", "A=99"}, duplicate("A")},
-        Refusal{"QueryTwice", {"Q=1", "Q=2"}, duplicate("Q")},
-        Refusal{"QueryTwiceBesideAction", {"Q=1", "Q=2", "A=2"}, duplicate("Q")},
-        Refusal{"CommandTwice", {"C=checkin", "C=*"}, duplicate("C")},
-        Refusal{"UserTwice", {"U=one", "U=two"}, duplicate("U")},
-        Refusal{"DisplayTwice", {"D=y", "D=n"}, duplicate("D")},
-        Refusal{"DisplayAfterRepeat", {"R=n", "D=y"}, duplicate("D")},
-        Refusal{"DisplayAfterRepeatIsNotLookedAt", {"R=n", "D=maybe"}, duplicate("D")},
-        Refusal{"FileTwice", {"F=gatebits.txt", "F=gatebits.txt"}, duplicate("F")},
-        Refusal{"FileTwiceTheSecondUnreadable", {"F=gatebits.txt", "F=none"}, duplicate("F")},
-        Refusal{"CommandInUpperCase", {"C=Checkin"}, bad_command("C=Checkin")},
-        Refusal{"CommandCutShort", {"C=mkbl_"}, bad_command("C=mkbl_")},
-        Refusal{"CommandStarAndMore", {"C=*x"}, bad_command("C=*x")},
-        Refusal{"CommandOfACommaOnly", {"C=,"}, bad_command("C=,")},
-        Refusal{"BitTwiceShowsTheLetter", {"B=1", "B=2"}, bad_bit("B")},
-        Refusal{"BitStarAndMore", {"B=*1"}, bad_bit("B=*1")},
-        Refusal{"BitAboveTheHighest", {"B=24"}, bad_bit("B=24")},
-        Refusal{"BitHuge", {"B=99999999999999999999"}, bad_bit("B=99999999999999999999")},
-        Refusal{"BitWithALetter", {"B=2a"}, bit_with_letters("B=2a")},
-        Refusal{"BitMinus", {"B=-1"}, bit_with_letters("B=-1")},
-        Refusal{"KeyTwiceSpeaksOfABit", {"K=1", "K=*"}, bad_bit("K")},
-        Refusal{"KeyStarAndMore", {"K=*1"}, bad_key("K=*1")},
-        Refusal{"KeyWithALetter", {"K=1a"}, bad_key("K=1a")},
-        Refusal{"KeyMinus", {"K=-1"}, bad_key("K=-1")},
-        Refusal{"DisplayWord", {"D=yes"}, bad_display("D=yes")},
-        Refusal{"DisplayOtherLetter", {"D=J"}, bad_display("D=J")},
-        Refusal{"RepeatWord", {"R=no"}, bad_repeat("R=no")},
-        Refusal{"RepeatOtherLetter", {"R=x"}, bad_repeat("R=x")},
-        Refusal{"TheFirstFaultEnds", {"R=x", "Q=0", "nonsense"}, bad_repeat("R=x")},
-        Refusal{"PercentSignsInTheArgument", {"C=100%d%s%n%%"}, bad_command("C=100%d%s%n%")}),
-    [](const testing::TestParamInfo<Refusal>& row) { return row.param.name; });
+        ArgumentCase{"NoEqualsSign", {"checkin"}, unknown("checkin")},
+        ArgumentCase{"SingleCharacter", {"Q"}, unknown("Q")},
+        ArgumentCase{"EmptyArgument", {""}, unknown("")},
+        ArgumentCase{"LowerCaseLetter", {"a=3"}, unknown("a=3")},
+        ArgumentCase{"UnknownLetter", {"Z=3"}, unknown("Z=3")},
+        ArgumentCase{"HelpIsNoOptionBesideOthers", {"-help", "Q=1"}, unknown("-help")},
+        ArgumentCase{"VerIsNoOptionBesideOthers", {"R=n", "-ver"}, unknown("-ver")},
+        ArgumentCase{"UnknownOption", {"-verbose"}, unknown("-verbose")},
+        ArgumentCase{"OptionNotTheOnlyOne", {"-kudos", "-kudos"}, unknown("-kudos")},
+        ArgumentCase{"NothingAfterTheEquals", {"Q="}, incomplete("Q=")},
+        ArgumentCase{"NothingAfterAnUnknownLetter", {"z="}, incomplete("z=")},
+        ArgumentCase{"QueryZero", {"Q=0"}, bad_query("Q=0")},
+        ArgumentCase{"QuerySeven", {"Q=7"}, bad_query("Q=7")},
+        ArgumentCase{"QueryWord", {"Q=all"}, bad_query("Q=all")},
+        ArgumentCase{"QueryMinus", {"Q=-1"}, bad_query("Q=-1")},
+        ArgumentCase{"QueryPlus", {"Q=+1"}, bad_query("Q=+1")},
+        ArgumentCase{"QueryBlank", {"Q= 1"}, bad_query("Q= 1")},
+        ArgumentCase{"QueryHuge", {"Q=4294967297"}, bad_query("Q=4294967297")},
+        ArgumentCase{"QueryHuger", {"Q=99999999999999999999"}, bad_query("Q=99999999999999999999")},
+        ArgumentCase{"ActionZero", {"A=0"}, bad_action("A=0")},
+        ArgumentCase{"ActionThirty", {"A=30"}, bad_action("A=30")},
+        ArgumentCase{"ActionWord", {"A=x"}, bad_action("A=x")},
+        ArgumentCase{"ActionMinus", {"A=-2"}, bad_action("A=-2")},
+        ArgumentCase{"ActionHuge", {"A=4294967298"}, bad_action("A=4294967298")},
+        ArgumentCase{"QueryThenAction", {"Q=1", "A=2"}, EXCLUSIVE},
+        ArgumentCase{"ActionThenQuery", {"A=2", "Q=1"}, EXCLUSIVE},
+        ArgumentCase{"QueryThenBadAction", {"Q=1", "A=99"}, EXCLUSIVE},
+        ArgumentCase{"ActionTwice", {"A=2", "A=2"}, duplicate("A")},
+        ArgumentCase{"ActionTwiceTheSecondBad", {"A=2", "A=99"}, duplicate("A")},
+        ArgumentCase{"QueryTwice", {"Q=1", "Q=2"}, duplicate("Q")},
+        ArgumentCase{"QueryTwiceBesideAction", {"Q=1", "Q=2", "A=2"}, duplicate("Q")},
+        ArgumentCase{"CommandTwice", {"C=checkin", "C=*"}, duplicate("C")},
+        ArgumentCase{"UserTwice", {"U=one", "U=two"}, duplicate("U")},
+        ArgumentCase{"DisplayTwice", {"D=y", "D=n"}, duplicate("D")},
+        ArgumentCase{"DisplayAfterRepeat", {"R=n", "D=y"}, duplicate("D")},
+        ArgumentCase{"DisplayAfterRepeatIsNotLookedAt", {"R=n", "D=maybe"}, duplicate("D")},
+        ArgumentCase{"FileTwice", {"F=gatebits.txt", "F=gatebits.txt"}, duplicate("F")},
+        ArgumentCase{"FileTwiceTheSecondUnreadable", {"F=gatebits.txt", "F=none"}, duplicate("F")},
+        ArgumentCase{"CommandInUpperCase", {"C=Checkin"}, bad_command("C=Checkin")},
+        ArgumentCase{"CommandCutShort", {"C=mkbl_"}, bad_command("C=mkbl_")},
+        ArgumentCase{"CommandStarAndMore", {"C=*x"}, bad_command("C=*x")},
+        ArgumentCase{"CommandOfACommaOnly", {"C=,"}, bad_command("C=,")},
+        ArgumentCase{"BitTwiceShowsTheLetter", {"B=1", "B=2"}, bad_bit("B")},
+        ArgumentCase{"BitStarAndMore", {"B=*1"}, bad_bit("B=*1")},
+        ArgumentCase{"BitAboveTheHighest", {"B=24"}, bad_bit("B=24")},
+        ArgumentCase{"BitHuge", {"B=99999999999999999999"}, bad_bit("B=99999999999999999999")},
+        ArgumentCase{"BitWithALetter", {"B=2a"}, bit_with_letters("B=2a")},
+        ArgumentCase{"BitMinus", {"B=-1"}, bit_with_letters("B=-1")},
+        ArgumentCase{"KeyTwiceSpeaksOfABit", {"K=1", "K=*"}, bad_bit("K")},
+        ArgumentCase{"KeyStarAndMore", {"K=*1"}, bad_key("K=*1")},
+        ArgumentCase{"KeyWithALetter", {"K=1a"}, bad_key("K=1a")},
+        ArgumentCase{"KeyMinus", {"K=-1"}, bad_key("K=-1")},
+        ArgumentCase{"DisplayWord", {"D=yes"}, bad_display("D=yes")},
+        ArgumentCase{"DisplayOtherLetter", {"D=J"}, bad_display("D=J")},
+        ArgumentCase{"RepeatWord", {"R=no"}, bad_repeat("R=no")},
+        ArgumentCase{"RepeatOtherLetter", {"R=x"}, bad_repeat("R=x")},
+        ArgumentCase{"TheFirstFaultEnds", {"R=x", "Q=0", "nonsense"}, bad_repeat("R=x")},
+        ArgumentCase{"PercentSignsInTheArgument", {"C=100%d%s%n%%"}, bad_command("C=100%d%s%n%")}),
+    [](const testing::TestParamInfo<ArgumentCase>& row) { return row.param.name; });
 
-TEST(CommandLine, AnUnknownOptionIsToldTheOptionsOnStandardError) {
+TEST(CommandLine, ListsOptionsOnStandardErrorAfterUnknownOption) {
     for (const std::string option : {"--help", "-h", "--version", "-V", "-verbose"}) {
         Region east = a_region().without_dialogs();
         const Result result = east.run({option});
@@ -166,12 +168,12 @@ TEST(CommandLine, AnUnknownOptionIsToldTheOptionsOnStandardError) {
     }
 }
 
-TEST(CommandLine, AWordThatIsNoOptionIsToldNothingMore) {
+TEST(CommandLine, ListsNoOptionsAfterOtherUnknownWord) {
     Region east = a_region().without_dialogs();
     EXPECT_EQ(east.run({"checkin"}).err, "");
 }
 
-TEST(CommandLine, AnErrorBoxStaysOnTheScreenAfterTheEnd) {
+TEST(CommandLine, LeavesErrorBoxOnScreen) {
     Region east = a_region();
     const Result result = east.run({"Q=9"});
     EXPECT_EQ(result.status, 99);
@@ -179,21 +181,21 @@ TEST(CommandLine, AnErrorBoxStaysOnTheScreenAfterTheEnd) {
     EXPECT_EQ(result.dialogs(), Dialogs{griped(bad_query("Q=9"))});
 }
 
-TEST(CommandLine, HelpShowsTheUsageAsAnError) {
+TEST(CommandLine, ShowsUsageAsError) {
     Region east = a_region();
     const Result result = east.run({"-help"});
     EXPECT_EQ(result.status, 99);
     EXPECT_EQ(result.dialogs(), Dialogs{griped(USAGE_TEXT)});
 }
 
-TEST(CommandLine, HelpGoesToStandardOutputWithoutDialogs) {
+TEST(CommandLine, PrintsUsageWithoutDialogs) {
     Region east = a_region().without_dialogs();
     const Result result = east.run({"-help"});
     EXPECT_EQ(result.status, 99);
     EXPECT_EQ(result.out, std::string(USAGE_TEXT) + "\n");
 }
 
-TEST(CommandLine, VerShowsTheVersion) {
+TEST(CommandLine, PrintsVersionWithoutDialogs) {
     Region east = a_region().without_dialogs();
     const Result result = east.run({"-ver"});
     EXPECT_EQ(result.status, 0);
@@ -201,7 +203,7 @@ TEST(CommandLine, VerShowsTheVersion) {
               "gatescope version (" GATESCOPE_VERSION ").");
 }
 
-TEST(CommandLine, VerIsABoxThatNobodyWaitsFor) {
+TEST(CommandLine, ShowsVersionInBoxWithoutWaiting) {
     Region east = a_region();
     const Result result = east.run({"-ver"});
     EXPECT_EQ(result.status, 0);
@@ -211,7 +213,7 @@ TEST(CommandLine, VerIsABoxThatNobodyWaitsFor) {
     EXPECT_TRUE(text.starts_with("gatescope version (" GATESCOPE_VERSION ").")) << text;
 }
 
-TEST(CommandLine, KudosShowsCreditsAndEndsWell) {
+TEST(CommandLine, ShowsCreditsAndEndsWithZero) {
     Region east = a_region();
     const Result result = east.run({"-kudos"});
     EXPECT_EQ(result.status, 0);
@@ -219,7 +221,7 @@ TEST(CommandLine, KudosShowsCreditsAndEndsWell) {
     EXPECT_EQ(result.dialogs().front(), advised(result.dialogs().front().args.back()));
 }
 
-TEST(CommandLine, IdentifyDoesNothingElse) {
+TEST(CommandLine, EndsWithZeroOnIdentify) {
     Region east = a_region().without_gatebits_file();
     const Result result = east.run({"-identify_self_as_gatescope"});
     EXPECT_EQ(result.status, 0);
@@ -227,7 +229,7 @@ TEST(CommandLine, IdentifyDoesNothingElse) {
     EXPECT_TRUE(result.calls.empty());
 }
 
-TEST(CommandLine, ActionThreeIsAnInternalFaultOnceTheRegionIsLoaded) {
+TEST(CommandLine, RefusesActionThreeAfterLoadingRegion) {
     Region east = a_region().without_dialogs();
     const Result result = east.run({"A=3"});
     EXPECT_EQ(result.status, 99);
@@ -239,9 +241,9 @@ TEST(CommandLine, ActionThreeIsAnInternalFaultOnceTheRegionIsLoaded) {
               "semicolon(s) ';'\n");
 }
 
-// What is accepted comes as far as the main menu, which is cancelled.
+// An accepted command line reaches the main menu, which is cancelled.
 
-class AcceptedCommandLine : public testing::TestWithParam<Refusal> {};
+class AcceptedCommandLine : public testing::TestWithParam<ArgumentCase> {};
 
 TEST_P(AcceptedCommandLine, ReachesTheMainMenu) {
     Region east = a_region();
@@ -255,15 +257,16 @@ TEST_P(AcceptedCommandLine, ReachesTheMainMenu) {
 INSTANTIATE_TEST_SUITE_P(
     CommandLine, AcceptedCommandLine,
     testing::Values(
-        Refusal{"Nothing", {}, ""}, Refusal{"AllBitsAndKeys", {"B=*", "K=*"}, ""},
-        Refusal{"HighestBit", {"B=23"}, ""}, Refusal{"BitWithLeadingZeros", {"B=0007"}, ""},
-        Refusal{"HugeKey", {"K=99999999999999999999999"}, ""},
-        Refusal{"LastCommands", {"C=mkbl_complete"}, ""}, Refusal{"AllCommands", {"C=*"}, ""},
-        Refusal{"TwoNeighboursOfTheListAsOneValue", {"C=checkin,checkout"}, ""},
-        Refusal{"AnyUser", {"U=No Such User;*"}, ""}, Refusal{"DisplayInUpperCase", {"D=Y"}, ""},
-        Refusal{"DisplayBeforeRepeat", {"D=y", "R=Y"}, ""},
-        Refusal{"RepeatTwice", {"R=n", "R=y"}, ""}, Refusal{"FileNamed", {"F=gatebits.txt"}, ""},
-        Refusal{"FileNamedAgainAfterAnUnreadableOne", {"F=none", "F=gatebits.txt"}, ""}),
-    [](const testing::TestParamInfo<Refusal>& row) { return row.param.name; });
+        ArgumentCase{"Nothing", {}}, ArgumentCase{"AllBitsAndKeys", {"B=*", "K=*"}},
+        ArgumentCase{"HighestBit", {"B=23"}}, ArgumentCase{"BitWithLeadingZeros", {"B=0007"}},
+        ArgumentCase{"HugeKey", {"K=99999999999999999999999"}},
+        ArgumentCase{"LastCommands", {"C=mkbl_complete"}}, ArgumentCase{"AllCommands", {"C=*"}},
+        ArgumentCase{"TwoNeighboursOfTheListAsOneValue", {"C=checkin,checkout"}},
+        ArgumentCase{"AnyUser", {"U=No Such User;*"}}, ArgumentCase{"DisplayInUpperCase", {"D=Y"}},
+        ArgumentCase{"DisplayBeforeRepeat", {"D=y", "R=Y"}},
+        ArgumentCase{"RepeatTwice", {"R=n", "R=y"}}, ArgumentCase{"FileNamed", {"F=gatebits.txt"}},
+        ArgumentCase{"FileNamedAgainAfterAnUnreadableOne", {"F=none", "F=gatebits.txt"}}),
+    [](const testing::TestParamInfo<ArgumentCase>& row) { return row.param.name; });
 
 }  // namespace
+}  // namespace gatescope

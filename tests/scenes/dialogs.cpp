@@ -1,5 +1,6 @@
 #include "scenes/dialogs.h"
 
+namespace gatescope {
 namespace {
 
 using Args = std::vector<std::string>;
@@ -9,7 +10,7 @@ constexpr char PROMPT_DEFAULT[] = "{tmp}/gatewarden_prompt_prompt_{pid}_.txt";
 constexpr char SELECT_RESULT[] = "{tmp}/gatewarden_select_result_{pid}_.txt";
 constexpr char SCRATCH[] = "{tmp}/t_file_gatescope_{pid}.txt";
 
-/// `head`, then the text after its option, with -newline before that where the text asks for it.
+/// `head`, -newline if the text contains "\n", and the text after its option.
 Args with_text(Args head, const std::string& text_option, const std::string& text) {
     if (text.find("\\n") != std::string::npos) head.push_back("-newline");
     head.push_back(text_option);
@@ -93,3 +94,5 @@ Dialog file_dialog_without_directory() {
             true,
             {}};
 }
+
+}  // namespace gatescope

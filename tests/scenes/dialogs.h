@@ -5,16 +5,18 @@
 #include <string>
 #include <vector>
 
-// What an operator is shown: dialogs as clearprompt received them, and builders of those that a
-// scene expects. In result files' names "{tmp}" stands for the directory of temporary files and
-// "{pid}" for the program's process id.
+namespace gatescope {
+
+// Dialogs as clearprompt received them, and builders of the dialogs that a scene expects. In names
+// of result files "{tmp}" stands for the directory of temporary files and "{pid}" for the program's
+// process id.
 
 struct Dialog {
     /// The exact arguments, without "clearprompt".
     std::vector<std::string> args;
     /// Whether the program waited for it.
     bool waited = true;
-    /// What the file after -dfile held.
+    /// The content of the file after -dfile.
     std::optional<std::string> shown;
 
     bool operator==(const Dialog&) const = default;
@@ -28,14 +30,14 @@ void PrintTo(const Dialog& dialog, std::ostream* stream);
 Dialog asked(const std::string& text, const std::string& def = "yes",
              const std::string& mask = "yes,no,abort");
 
-/// A message that stays on the screen while the program goes on, or is waited for.
+/// A message that stays on the screen while the program continues, or that it waits for.
 Dialog advised(const std::string& text);
 Dialog advised_and_waited(const std::string& text);
 
 /// The error that ended the program.
 Dialog griped(const std::string& text);
 
-/// A text prompt with its default, in the command line or in a file.
+/// A text prompt whose default is passed in the command line or in a file.
 Dialog prompted(const std::string& text, const std::string& def);
 Dialog prompted_from_file(const std::string& text, const std::string& def);
 
@@ -43,10 +45,12 @@ Dialog prompted_from_file(const std::string& text, const std::string& def);
 Dialog showed_file(const std::string& title, const std::string& file, const std::string& content,
                    bool errors);
 
-/// A list to pick one, or several, from.
+/// A list to pick one entry from, or several.
 Dialog listed(const std::string& title, const std::string& items);
 Dialog listed_for_several(const std::string& title, const std::string& items);
 
-/// The file dialog, begun in a directory (with its last '/'), or without one.
+/// The file dialog with a start directory (ending in '/'), or without one.
 Dialog file_dialog_in(const std::string& directory);
 Dialog file_dialog_without_directory();
+
+}  // namespace gatescope

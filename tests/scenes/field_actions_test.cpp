@@ -1,9 +1,10 @@
-// The thirteen editors of the region's fields: each confirmed, declined, aborted and cancelled.
+// The thirteen field editors: each confirmed, declined, aborted and cancelled.
 
 #include <gtest/gtest.h>
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NOT_VERIFIED = " not performed from the UNIX OS...";
@@ -21,8 +22,8 @@ const std::string BITS_AFTER_FIRST_FIVE =
     "BIT__WARN_LOST_AND_FOUND,22 - (0) BIT__OWN_LIKE_PARENT_DIR,23 - (0) "
     "BIT__FORCE_CHECKOUTS_UNRESERVED";
 
-/// Depots, parents and notify programs of both systems, and a value in every other field. A blank
-/// line and a comment show that the whole file is rewritten.
+/// Depots, parents and notify programs of both systems, and a value in every other field. The blank
+/// line after the comment is dropped when the file is rewritten.
 RegionPlan full_region() {
     return a_region()
         .with_line_on_top("# our region\n")
@@ -42,9 +43,9 @@ RegionPlan full_region() {
 
 struct Field {
     int action;
-    /// What the operator is asked, as clearprompt gets it.
+    /// As clearprompt receives it.
     Dialog question;
-    /// What is answered: a text, an entry, or several.
+    /// A text, an entry, or several entries.
     std::string answer;
     std::string item;
     std::string from;
@@ -52,7 +53,7 @@ struct Field {
     std::string warnings;
     int line;
     std::string line_after;
-    /// The checks around it.
+    /// Option words of the checker's calls.
     std::vector<std::string> checks;
 };
 
@@ -195,7 +196,7 @@ class FieldActions : public testing::TestWithParam<Field> {
     std::string line_before_;
 };
 
-TEST_P(FieldActions, Confirmed) {
+TEST_P(FieldActions, WritesConfirmedValue) {
     answer();
     region_.answers_yes();
     const Result result = run();
@@ -206,7 +207,7 @@ TEST_P(FieldActions, Confirmed) {
     EXPECT_EQ(result.out, "");
 }
 
-TEST_P(FieldActions, ReportedWhenAskedToBeVerbose) {
+TEST_P(FieldActions, ReportsChangeWhenVerbose) {
     region_.set_env("ZUL_GATESCOPE_VERBOSITY", "");
     answer();
     region_.answers_yes();
@@ -215,7 +216,7 @@ TEST_P(FieldActions, ReportedWhenAskedToBeVerbose) {
     EXPECT_EQ(region_.gatebits(), after());
 }
 
-TEST_P(FieldActions, DeclinedThenConfirmed) {
+TEST_P(FieldActions, WritesValueConfirmedAfterDecline) {
     answer();
     region_.answers_no();
     answer();
@@ -225,14 +226,14 @@ TEST_P(FieldActions, DeclinedThenConfirmed) {
     EXPECT_EQ(region_.gatebits(), after());
 }
 
-TEST_P(FieldActions, DeclinedLeavesTheFileForTheTimeBeing) {
+TEST_P(FieldActions, WritesNothingWhenDeclinedThenCancelled) {
     answer();
     region_.answers_no().cancels();
     EXPECT_EQ(run().dialogs(), (Dialogs{field_.question, confirmation(), field_.question}));
     EXPECT_EQ(region_.gatebits(), before_);
 }
 
-TEST_P(FieldActions, Aborted) {
+TEST_P(FieldActions, WritesNothingWhenAborted) {
     answer();
     region_.aborts();
     const Result result = run();
@@ -242,7 +243,7 @@ TEST_P(FieldActions, Aborted) {
     EXPECT_EQ(checks_of(region_, result), field_.checks);
 }
 
-TEST_P(FieldActions, Cancelled) {
+TEST_P(FieldActions, WritesNothingWhenCancelled) {
     region_.cancels();
     const Result result = run();
     EXPECT_EQ(result.status, 110);
@@ -253,7 +254,7 @@ TEST_P(FieldActions, Cancelled) {
 
 class SameValue : public FieldActions {};
 
-TEST_P(SameValue, IsAskedAboutInOtherWordsAndWritten) {
+TEST_P(SameValue, AsksAboutUnchangedValueAndWritesIt) {
     field_.answer = field_.from;
     answer();
     region_.answers_yes();
@@ -271,7 +272,8 @@ INSTANTIATE_TEST_SUITE_P(Each, FieldActions, testing::ValuesIn(fields()),
                          });
 
 INSTANTIATE_TEST_SUITE_P(TextsAndLetters, SameValue, testing::ValuesIn([] {
-                             // Picked bits are never the field as it was read.
+                             // The field of the bits holds a letter, so that picked bits always
+                             // differ from it.
                              std::vector<Field> without_bits = fields();
                              without_bits.pop_back();
                              return without_bits;
@@ -280,8 +282,8 @@ INSTANTIATE_TEST_SUITE_P(TextsAndLetters, SameValue, testing::ValuesIn([] {
                              return "A" + std::to_string(field.param.action);
                          });
 
-/// A value that is turned down: the message is the next prompt's whole text, and what is there to
-/// be edited stays the field's value.
+/// A rejected value: the message is the whole text of the next prompt, whose default is still the
+/// field's value.
 struct Rejection {
     int action;
     std::string typed;
@@ -290,7 +292,7 @@ struct Rejection {
 
 class RejectedValues : public testing::TestWithParam<Rejection> {};
 
-TEST_P(RejectedValues, AreAskedForAgain) {
+TEST_P(RejectedValues, AsksAgainWithReason) {
     Region region = full_region();
     const std::string before = region.gatebits();
     const auto [action, typed, message] = GetParam();
@@ -332,9 +334,9 @@ INSTANTIATE_TEST_SUITE_P(
         return "A" + std::to_string(rejection.param.action);
     });
 
-// What only one of them does.
+// Behaviour of single editors.
 
-TEST(FieldActionsAlone, RejectedThenDeclinedThenConfirmedStartsFromTheFirstText) {
+TEST(FieldEditors, AsksFirstQuestionAgainAfterRejectionAndDecline) {
     Region east = full_region();
     east.types("a;b").types("new").answers_no().types("newer").answers_yes();
     const std::string text =
@@ -348,7 +350,7 @@ TEST(FieldActionsAlone, RejectedThenDeclinedThenConfirmedStartsFromTheFirstText)
     EXPECT_EQ(east.field(7, 2), "newer");
 }
 
-TEST(FieldActionsAlone, APathWithBackslashesIsShownAndWrittenAsItIs) {
+TEST(FieldEditors, ShowsAndWritesBackslashesUnchanged) {
     const std::string text =
         R"(Input a Windows Policy Depot (i.e. \\machine\share\gatewarden\depot)...)";
     const std::string same =
@@ -372,7 +374,7 @@ TEST(FieldActionsAlone, APathWithBackslashesIsShownAndWrittenAsItIs) {
     }
 }
 
-TEST(FieldActionsAlone, AValueThatEndsInABackslashCanBeEdited) {
+TEST(FieldEditors, EditsValueEndingInBackslash) {
     for (const char* strict : {"no", "yes"}) {
         Region east = a_region()
                           .with_line(7, R"(;Save to C:\;;)")
@@ -391,7 +393,7 @@ TEST(FieldActionsAlone, AValueThatEndsInABackslashCanBeEdited) {
     }
 }
 
-TEST(FieldActionsAlone, InALongFileOnlyTheFieldThatWasConfirmedChanges) {
+TEST(FieldEditors, ChangesOnlyConfirmedFieldOfLongFile) {
     RegionPlan plan = a_region();
     for (int key = 0; key < 281; ++key) plan.with_key("key " + std::to_string(key) + ";one;two;");
     Region east = plan;
@@ -401,7 +403,7 @@ TEST(FieldActionsAlone, InALongFileOnlyTheFieldThatWasConfirmedChanges) {
     EXPECT_EQ(east.gatebits(), with_replaced(before, "\n;;;\n", "\n;hello;;\n"));
 }
 
-TEST(FieldActionsAlone, AFieldIsReadAgainAfterADeclinedChange) {
+TEST(FieldEditors, ReadsFieldAgainAfterDecline) {
     Region east = full_region();
     east.types("new").answers({.kind = "yes_no",
                                .status = 1,
@@ -415,7 +417,7 @@ TEST(FieldActionsAlone, AFieldIsReadAgainAfterADeclinedChange) {
                        "meanwhile"));
 }
 
-TEST(FieldActionsAlone, EmptyLettersAreShownAsOAndAsTheDigit0) {
+TEST(FieldEditors, ShowsEmptyLettersAsOAndDigitZero) {
     Region east = a_region().with_line(2, ";{stage}/depot;").with_line(8, ";;");
     east.cancels();
     EXPECT_EQ(east.run({"A=8", "R=n"}).dialogs().at(0).args.back(),
@@ -425,13 +427,13 @@ TEST(FieldActionsAlone, EmptyLettersAreShownAsOAndAsTheDigit0) {
               "Select Per-VOB Functionality Bits.  Currently = 0");
 }
 
-TEST(FieldActionsAlone, AnEmptyPickShowsTheListAgain) {
+TEST(FieldEditors, ShowsListAgainAfterEmptyPick) {
     Region east = a_region();
     east.answers({.kind = "list", .outfile = ""}).cancels();
     EXPECT_EQ(east.run({"A=8", "R=n"}).dialogs().size(), 2u);
 }
 
-TEST(FieldActionsAlone, ALoggingFieldThatIsNotThereIsNotWritten) {
+TEST(FieldEditors, DoesNotWriteMissingLoggingField) {
     Region east = a_region().with_line(2, ";{stage}/depot;tail");
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
     EXPECT_EQ(east.run({"A=8", "R=n"}).dialogs().at(1),
@@ -439,7 +441,7 @@ TEST(FieldActionsAlone, ALoggingFieldThatIsNotThereIsNotWritten) {
     EXPECT_EQ(east.line(2), east.staged(";{stage}/depot;"));
 }
 
-TEST(FieldActionsAlone, WithoutDialogsOnlyTheReportIsPrinted) {
+TEST(FieldEditors, PrintsOnlyReportWithoutDialogs) {
     Region east = full_region().without_dialogs().with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.types("new").answers_yes();
     const Result result = east.run({"A=13", "R=n"});
@@ -452,7 +454,7 @@ TEST(FieldActionsAlone, WithoutDialogsOnlyTheReportIsPrinted) {
 
 // The depot.
 
-TEST(Depots, ClearingTheUnixDepotClearsWhatStandsOnIt) {
+TEST(Depots, ClearingUnixDepotClearsDependentFields) {
     Region east =
         full_region().with_line(1, "gatewarden;;E;east;").with_line(2, ";{stage}/depot;E;");
     const std::string before = east.gatebits();
@@ -481,7 +483,7 @@ TEST(Depots, ClearingTheUnixDepotClearsWhatStandsOnIt) {
     EXPECT_EQ(east.gatebits(), after);
 }
 
-TEST(Depots, ClearingTheWindowsDepotLeavesLoggingWhileThereIsAUnixDepot) {
+TEST(Depots, ClearingWindowsDepotKeepsLoggingWithUnixDepot) {
     Region east = full_region();
     east.types("").answers_yes();
     east.run({"A=4", "R=n"});
@@ -490,7 +492,7 @@ TEST(Depots, ClearingTheWindowsDepotLeavesLoggingWhileThereIsAUnixDepot) {
     EXPECT_EQ(east.line(4), ";u.sh;");
 }
 
-TEST(Depots, TheNextRequestUsesTheNewDepot) {
+TEST(Depots, NextRequestUsesNewDepot) {
     Region east =
         full_region().with_log(0, "1<old\n").with_file("depot2/log/logging_0.txt", "1<old\n");
     east.types(east.path("depot2")).answers_yes();
@@ -500,7 +502,7 @@ TEST(Depots, TheNextRequestUsesTheNewDepot) {
     EXPECT_EQ(east.log(0), "1<old\n");
 }
 
-// The depot comes first.
+// Fields that need a depot.
 
 const std::string BEFORE_PARENT =
     "WARNING: The depot for the UNIX OS would have to be defined before you can define the UNIX "
@@ -510,7 +512,7 @@ const std::string UNIX_DEPOT_TEXT =
 const std::string UNIX_PARENT_TEXT =
     "Input a UNIX Parent Gatebits File (i.e. /net/machine/gatebits.txt)...";
 
-TEST(DepotFirst, RefusedLeavesTheParentAlone) {
+TEST(DepotFirst, DoesNotAskForParentWhenRefused) {
     Region east = full_region().with_line(2, ";;O;");
     const std::string before = east.gatebits();
     east.answers_no();
@@ -518,7 +520,7 @@ TEST(DepotFirst, RefusedLeavesTheParentAlone) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(DepotFirst, DefinedLeadsBackToTheParentAndSaysSoOnce) {
+TEST(DepotFirst, ReturnsToParentAfterDepotIsDefined) {
     Region east = full_region().with_line(2, ";;O;").with_line(3, ";;");
     const std::string depot = east.path("depot");
     const std::string parent = east.path("parent.txt");
@@ -535,7 +537,7 @@ TEST(DepotFirst, DefinedLeadsBackToTheParentAndSaysSoOnce) {
     EXPECT_EQ(east.line(3), ";" + parent + ";");
 }
 
-TEST(DepotFirst, AbortedDepotLeavesTheParentAlone) {
+TEST(DepotFirst, DoesNotAskForParentWhenDepotIsAborted) {
     Region east = full_region().with_line(2, ";;O;");
     east.answers_yes().cancels();
     EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 2u);
@@ -544,13 +546,13 @@ TEST(DepotFirst, AbortedDepotLeavesTheParentAlone) {
     EXPECT_EQ(east.line(2), ";;O;");
 }
 
-TEST(DepotFirst, DepotThatStaysEmptyLeavesTheParentAlone) {
+TEST(DepotFirst, DoesNotAskForParentWhenDepotStaysEmpty) {
     Region east = full_region().with_line(2, ";;O;");
     east.answers_yes().types("").answers_yes();
     EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 3u);
 }
 
-TEST(DepotFirst, NotifyProgramOfWindowsNeedsTheWindowsDepot) {
+TEST(DepotFirst, AsksForWindowsDepotBeforeWindowsNotifyProgram) {
     Region east = full_region().with_line(2, ";{stage}/depot;O;").with_line(4, ";;");
     east.answers_yes().types("W:d").answers_yes().types("n.bat").answers_yes();
     const Dialogs dialogs = east.run({"A=9", "R=n"}).dialogs();
@@ -569,7 +571,7 @@ TEST(DepotFirst, NotifyProgramOfWindowsNeedsTheWindowsDepot) {
     EXPECT_EQ(east.line(4), "n.bat;;");
 }
 
-TEST(DepotFirst, UnixDepotHasToBeADirectory) {
+TEST(DepotFirst, AsksToRedefineUnixDepotThatIsNoDirectory) {
     Region missing = full_region().with_line(2, "W:depot;/none;O;");
     missing.answers_no();
     EXPECT_EQ(missing.run({"A=10", "R=n"}).dialogs(),
@@ -590,7 +592,7 @@ TEST(DepotFirst, UnixDepotHasToBeADirectory) {
                             "yes", "yes,no")});
 }
 
-TEST(DepotFirst, UnsoundDepotThatIsNotRedefinedLeavesTheParentAlone) {
+TEST(DepotFirst, DoesNotAskForParentWhileDepotIsInvalid) {
     Region east = full_region().with_line(2, "W:depot;/none;O;");
     east.answers_yes().cancels();
     EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 2u);
@@ -598,7 +600,7 @@ TEST(DepotFirst, UnsoundDepotThatIsNotRedefinedLeavesTheParentAlone) {
     EXPECT_EQ(east.run({"A=7", "R=n"}).dialogs().size(), 3u);
 }
 
-TEST(DepotFirst, WindowsDepotIsNeverLookedAt) {
+TEST(DepotFirst, DoesNotCheckWindowsDepot) {
     Region east = full_region().with_line(2, "/none;{stage}/depot;O;");
     east.cancels();
     EXPECT_EQ(east.run({"A=6", "R=n"}).dialogs().at(0).args.front(), "text");
@@ -606,7 +608,7 @@ TEST(DepotFirst, WindowsDepotIsNeverLookedAt) {
 
 // The bits.
 
-TEST(Bits, AreMadeWholeForTheListAndSwitchedOffWhenNotPicked) {
+TEST(Bits, ExtendsShortFieldAndClearsUnpickedBits) {
     Region east = a_region().with_line(8, "D;01x1;");
     east.operator_picks_several({}).answers_yes();
     const Dialogs dialogs = east.run({"A=16", "R=n"}).dialogs();
@@ -620,7 +622,7 @@ TEST(Bits, AreMadeWholeForTheListAndSwitchedOffWhenNotPicked) {
     EXPECT_EQ(east.line(8), "D;000000000000000000000000;");
 }
 
-TEST(Bits, MissingFieldShowsNothingSetAndIsNotWritten) {
+TEST(Bits, ShowsMissingFieldAsZerosAndDoesNotWriteIt) {
     Region east = a_region().with_line(8, "D;");
     east.operator_picks_several({"03 - (0) BIT__ONE_CO_PER_BRANCH"}).answers_yes();
     const Dialogs dialogs = east.run({"A=16", "R=n"}).dialogs();
@@ -629,7 +631,7 @@ TEST(Bits, MissingFieldShowsNothingSetAndIsNotWritten) {
     EXPECT_EQ(east.line(8), "D;");
 }
 
-TEST(Bits, WhatComesAfterThe24thIsCut) {
+TEST(Bits, CutsBitsAfterThe24th) {
     Region east = a_region().with_line(8, "D;1111111111111111111111111111;");
     east.operator_picks_several({"00 - (1) BIT__AUTO_BRANCH_REMOVAL", "24 - nonsense", "x"});
     east.answers_yes();
@@ -640,3 +642,4 @@ TEST(Bits, WhatComesAfterThe24thIsCut) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,22 +1,23 @@
-// Which gatebits file is used, and the question when there is none.
+// The choice of the gatebits file, and the question when there is none.
 
 #include <gtest/gtest.h>
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string CREATE_OR_OPEN =
     "\n\nDo you wish to Create a New gatebits file or open an existing one? \n\n"
     "Yes (New)          No (Existing)           Abort";
 const std::string VARIABLE = "ZUL_GATESCOPE_GATEBITS_FILE";
-const std::string EXISTING_PROMPT = "Select Query or Action for (east)";
+const std::string MENU_TITLE = "Select Query or Action for (east)";
 
 std::string title_of_menu(const Result& result) {
     return result.dialogs().empty() ? "" : result.dialogs().back().args.back();
 }
 
-TEST(GatebitsChoice, WithoutFileAndVariableItIsAsked) {
+TEST(GatebitsChoice, AsksWithoutArgumentAndVariable) {
     Region east = a_region().without_env(VARIABLE);
     east.aborts();
     const Result result = east.run();
@@ -28,7 +29,7 @@ TEST(GatebitsChoice, WithoutFileAndVariableItIsAsked) {
                             CREATE_OR_OPEN)});
 }
 
-TEST(GatebitsChoice, AnUnreadableVariableIsNamedInTheQuestion) {
+TEST(GatebitsChoice, NamesUnreadableFileOfVariable) {
     Region east = a_region().with_env(VARIABLE, "/no/such/file");
     east.aborts();
     const Result result = east.run();
@@ -40,13 +41,13 @@ TEST(GatebitsChoice, AnUnreadableVariableIsNamedInTheQuestion) {
                       CREATE_OR_OPEN)});
 }
 
-TEST(GatebitsChoice, AnEmptyVariableIsNoFile) {
+TEST(GatebitsChoice, IgnoresEmptyVariable) {
     Region east = a_region().with_env(VARIABLE, "");
     east.aborts();
     EXPECT_EQ(east.run().status, 1);
 }
 
-TEST(GatebitsChoice, AnUnreadableFileArgumentIsNamedAndTheVariableNotAsked) {
+TEST(GatebitsChoice, NamesUnreadableArgumentWithoutTryingVariable) {
     Region east = a_region();
     east.aborts();
     const Result result = east.run({"F=/no/such/file"});
@@ -58,7 +59,7 @@ TEST(GatebitsChoice, AnUnreadableFileArgumentIsNamedAndTheVariableNotAsked) {
                       CREATE_OR_OPEN)});
 }
 
-TEST(GatebitsChoice, TheQuestionNeedsADialogEvenWithoutDialogs) {
+TEST(GatebitsChoice, AsksByDialogEvenWithoutDialogs) {
     Region east = a_region().without_dialogs().without_env(VARIABLE);
     east.aborts();
     const Result result = east.run();
@@ -67,30 +68,30 @@ TEST(GatebitsChoice, TheQuestionNeedsADialogEvenWithoutDialogs) {
     EXPECT_EQ(result.dialogs().size(), 1u);
 }
 
-TEST(GatebitsChoice, AClearpromptThatCannotBeStartedIsAnAbort) {
+TEST(GatebitsChoice, EndsWithOneWhenClearpromptCannotBeStarted) {
     Region east = a_region().without_env(VARIABLE).with_env("PATH", "/usr/bin:/bin");
     const Result result = east.run();
     EXPECT_EQ(result.status, 1);
     EXPECT_TRUE(result.calls.empty());
 }
 
-TEST(GatebitsChoice, TheArgumentWinsOverTheVariable) {
+TEST(GatebitsChoice, PrefersArgumentToVariable) {
     Region east = a_region().with_file("other.txt", "gatewarden;;;other;\n;{stage}/depot;O;\n;;\n");
     east.cancels();
     EXPECT_EQ(title_of_menu(east.run({"F=other.txt"})), "Select Query or Action for (other)");
 }
 
-TEST(GatebitsChoice, AnAnswerOfNoOpensAnExistingFile) {
+TEST(GatebitsChoice, OpensExistingFileOnNo) {
     Region east = a_region().without_env(VARIABLE);
     east.answers_no().chooses_file(east.gatebits_path()).cancels();
     const Result result = east.run();
     EXPECT_EQ(result.status, 0);
     ASSERT_EQ(result.dialogs().size(), 4u);
     EXPECT_EQ(result.dialogs().at(1), file_dialog_without_directory());
-    EXPECT_EQ(title_of_menu(result), EXISTING_PROMPT);
+    EXPECT_EQ(title_of_menu(result), MENU_TITLE);
 }
 
-TEST(GatebitsChoice, CancellingTheFileDialogEndsWithStatusOne) {
+TEST(GatebitsChoice, EndsWithOneWhenFileDialogIsCancelled) {
     Region east = a_region().without_env(VARIABLE);
     east.answers_no().cancels();
     EXPECT_EQ(east.run().status, 1);
@@ -100,7 +101,7 @@ TEST(GatebitsChoice, CancellingTheFileDialogEndsWithStatusOne) {
     EXPECT_EQ(west.run().status, 1);
 }
 
-TEST(GatebitsChoice, TheDialogForAnUnreadableFileStartsNowhere) {
+TEST(GatebitsChoice, StartsFileDialogWithoutDirectoryForUnreadableFile) {
     Region east = a_region();
     east.answers_no().cancels();
     const Result result = east.run({"F=/no/such/file"});
@@ -109,3 +110,4 @@ TEST(GatebitsChoice, TheDialogForAnUnreadableFileStartsNowhere) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,10 +1,11 @@
-// The submenu, and the guard around the actions that can damage the gatebits file.
+// The submenu, and the checks around the actions that can damage the gatebits file.
 
 #include <gtest/gtest.h>
 
 #include "messages/menu_labels.h"
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::string_literals;
@@ -51,7 +52,7 @@ TEST(Submenu, CancelLeadsBackToTheMainMenu) {
     EXPECT_TRUE(is_main_menu(result.dialogs()[2]));
 }
 
-TEST(Submenu, CancelEndsARunThatIsNotRepeated) {
+TEST(Submenu, CancelEndsSingleRequest) {
     Region east = a_region();
     east.cancels();
     const Result result = east.run({"A=2", "R=n"});
@@ -59,14 +60,14 @@ TEST(Submenu, CancelEndsARunThatIsNotRepeated) {
     EXPECT_EQ(result.dialogs(), Dialogs{submenu()});
 }
 
-TEST(Submenu, SeparatorAndEmptyPickShowItAgain) {
+TEST(Submenu, ComesAgainAfterSeparatorOrEmptyPick) {
     Region east = a_region();
     east.operator_picks(SEPERATOR).answers({.kind = "list", .outfile = ""}).cancels();
     EXPECT_EQ(east.run({"A=2", "R=n"}).dialogs(), (Dialogs{submenu(), submenu(), submenu()}));
 }
 
-/// With R=n a value that the action leaves behind ends the run; an empty one brings the submenu.
-TEST(Submenu, ComesAgainWhenTheActionLeftAnEmptyAnswer) {
+/// With R=n a non-empty last answer ends the run; after an empty one the submenu comes again.
+TEST(Submenu, ComesAgainAfterEmptyAnswer) {
     Region east = a_region().with_line(7, ";old;;");
     east.operator_picks(A13).types("").answers_yes();
     east.operator_picks(A13).types("new").answers_yes();
@@ -78,7 +79,7 @@ TEST(Submenu, ComesAgainWhenTheActionLeftAnEmptyAnswer) {
                  submenu(), motd_prompt(""), asked_to_change("Region MOTD String", "", "new")}));
 }
 
-TEST(Submenu, ComesAgainFromTheMainLoopAfterAnAnswer) {
+TEST(Submenu, ComesAgainThroughMainLoopAfterAnswer) {
     Region east = a_region();
     east.operator_picks(A13).types("new").answers_yes().cancels().cancels();
     const Result result = east.run({"A=2"});
@@ -88,19 +89,19 @@ TEST(Submenu, ComesAgainFromTheMainLoopAfterAnAnswer) {
     EXPECT_TRUE(is_main_menu(result.dialogs()[4]));
 }
 
-TEST(Submenu, CancelledPromptBringsItAgain) {
+TEST(Submenu, ComesAgainAfterCancelledPrompt) {
     Region east = a_region();
     east.operator_picks(A13).cancels().cancels();
     EXPECT_EQ(east.run({"A=2", "R=n"}).dialogs(), (Dialogs{submenu(), motd_prompt(""), submenu()}));
 }
 
-TEST(Submenu, RejectedValueThenCancelLeavesIt) {
+TEST(Submenu, EndsRunAfterRejectedValueThenCancel) {
     Region east = a_region();
     east.operator_picks(A13).types("a;b").cancels();
     EXPECT_EQ(east.run({"A=2", "R=n"}).status, 110);
 }
 
-TEST(Submenu, CancelledListsBringItAgain) {
+TEST(Submenu, ComesAgainAfterCancelledList) {
     for (const char* action : {A8, A15, A16, A18, A19, A20, A21, A22}) {
         Region east = a_region().with_alias("one", "(x)").with_key("key;");
         east.operator_picks(action).cancels().cancels();
@@ -110,7 +111,7 @@ TEST(Submenu, CancelledListsBringItAgain) {
     }
 }
 
-TEST(Submenu, CancelledKeyPromptsLeaveIt) {
+TEST(Submenu, EndsRunWhenKeyPromptIsCancelled) {
     Region with_key = a_region().with_key("key;");
     with_key.operator_picks(A21).operator_picks("000 key;").answers_yes().cancels();
     EXPECT_EQ(with_key.run({"A=2", "R=n"}).status, 110);
@@ -121,20 +122,20 @@ TEST(Submenu, CancelledKeyPromptsLeaveIt) {
     EXPECT_EQ(without_keys.run({"A=2", "R=n"}).status, 110);
 }
 
-TEST(Submenu, RunsGuardedActionsUnderTheirGuard) {
+TEST(Submenu, ChecksFileAroundGuardedAction) {
     Region east = a_region();
     east.operator_picks(A11).cancels().cancels();
     const Result result = east.run({"A=2", "R=n"});
     EXPECT_EQ(checks_of(east, result), (std::vector<std::string>{"-status_only", "-status_only"}));
 }
 
-TEST(Submenu, PicksOutsideItRunNothing) {
+TEST(Submenu, IgnoresPickNotInSubmenu) {
     Region east = a_region();
     east.answers({.kind = "list", .outfile = "Q01 - Commands/Users (success/denied) over Time"});
     EXPECT_EQ(east.run({"A=2", "R=n"}).dialogs(), Dialogs{submenu()});
 }
 
-TEST(Submenu, ForTheInstaller) {
+TEST(Submenu, OffersSettingsToInstaller) {
     Region east = a_region();
     east.cancels();
     const Result result = east.run({"-during_install", "A-2"});
@@ -142,9 +143,9 @@ TEST(Submenu, ForTheInstaller) {
     EXPECT_EQ(result.dialogs(), Dialogs{install_menu()});
 }
 
-TEST(Submenu, InstallersSettingsAreReachedThroughTheMainLoop) {
+TEST(Submenu, RunsInstallersSettingsThroughMainLoop) {
     Region east = a_region();
-    // The submenu itself runs nothing for A24 and hands back to the main loop, which asks again.
+    // The submenu runs nothing for A24 and returns to the main loop, which asks again.
     east.operator_picks(A24).operator_picks(A24).cancels().cancels();
     const Result result = east.run({"-during_install", "A=2"});
     ASSERT_EQ(result.dialogs().size(), 4u);
@@ -157,7 +158,7 @@ TEST(Submenu, InstallersSettingsAreReachedThroughTheMainLoop) {
 
 // The installer's refusals.
 
-TEST(Installer, RefusesWhatHasNoPlaceDuringInstallation) {
+TEST(Installer, RefusesActionsNotAvailableDuringInstallation) {
     const std::pair<int, std::string> refused[] = {{1, "Prune Log Files"},
                                                    {25, "Switch to another Gatebits file"},
                                                    {26, "Create New Gatebits file"},
@@ -182,7 +183,7 @@ const std::string LIST_PROMPT_START = "Input a Region Restricted Access List (i.
 
 using Words = std::vector<std::string>;
 
-TEST(Guard, FileWithoutErrorsThatGetsOneIsEditedAgain) {
+TEST(Guard, RepeatsActionWhenFirstErrorAppears) {
     Region east = a_region();
     east.checker_ends_with({0, 2, 2, 2, 1});
     east.types("(bad)").answers_yes().types("(good)").answers_yes();
@@ -191,14 +192,14 @@ TEST(Guard, FileWithoutErrorsThatGetsOneIsEditedAgain) {
     ASSERT_EQ(dialogs.size(), 5u);
     EXPECT_TRUE(dialogs[0].args.back().starts_with(LIST_PROMPT_START));
     EXPECT_EQ(dialogs[2], told_to_reenter());
-    // What was written stays in the file while it is edited again.
+    // The written value stays in the file while the action is repeated.
     EXPECT_EQ(dialogs[3].args.at(5), "(bad)");
     EXPECT_EQ(east.field(5, 2), "(good)");
     EXPECT_EQ(checks_of(east, result), (Words{"-status_only", "-status_only", "-status_only",
                                               "-error_count", "-error_count"}));
 }
 
-TEST(Guard, FileWithAsManyErrorsAsBeforeIsEditedAgain) {
+TEST(Guard, RepeatsActionWhenErrorCountIsUnchanged) {
     Region east = a_region();
     east.checker_ends_with({1, 3, 3, 1, 3, 2});
     east.types("(a)").answers_yes().types("(b)").answers_yes();
@@ -209,7 +210,7 @@ TEST(Guard, FileWithAsManyErrorsAsBeforeIsEditedAgain) {
                                               "-status_only", "-error_count", "-error_count"}));
 }
 
-TEST(Guard, FileWithMoreErrorsThanBeforeIsEditedAgain) {
+TEST(Guard, RepeatsActionWhenErrorCountRises) {
     Region east = a_region();
     east.checker_ends_with({1, 3, 4, 1, 4, 3});
     east.types("(a)").answers_yes().types("(b)").answers_yes();
@@ -218,7 +219,7 @@ TEST(Guard, FileWithMoreErrorsThanBeforeIsEditedAgain) {
     EXPECT_EQ(result.dialogs()[2], told_to_reenter());
 }
 
-TEST(Guard, FileWithFewerErrorsThanBeforeIsLeft) {
+TEST(Guard, EndsActionWhenErrorCountFalls) {
     Region east = a_region();
     east.checker_ends_with({1, 3, 2});
     east.types("(a)").answers_yes();
@@ -227,14 +228,14 @@ TEST(Guard, FileWithFewerErrorsThanBeforeIsLeft) {
     EXPECT_EQ(result.calls_of("gatewarden").size(), 3u);
 }
 
-TEST(Guard, AbortIsCheckedLikeAnythingElse) {
+TEST(Guard, ChecksFileAfterAbort) {
     Region east = a_region();
     east.checker_ends_with({1, 3, 3, 1, 3, 2});
     east.types("(a)").aborts().types("(b)").answers_yes();
     EXPECT_EQ(east.run({"A=11", "R=n"}).dialogs().at(2), told_to_reenter());
 }
 
-TEST(Guard, OperatorWhoLeavesThreeTimesIsLetGoWhenTheErrorsWereThereBefore) {
+TEST(Guard, EndsActionAfterThreeCancelsWithOldErrors) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.checker_ends_with({1, 3, 3, 1, 3, 3, 1, 3, 3});
@@ -247,7 +248,7 @@ TEST(Guard, OperatorWhoLeavesThreeTimesIsLetGoWhenTheErrorsWereThereBefore) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(Guard, AWrittenValueStartsTheThreeTimesOver) {
+TEST(Guard, RestartsCountOfThreeAfterWrittenValue) {
     Region east = a_region();
     east.checker_ends_with({1, 3, 3, 1, 3, 3, 1, 3, 3, 1, 3, 3, 1, 3, 3, 1, 3, 3});
     east.cancels().cancels().types("(a)").answers_yes().cancels().cancels().cancels();
@@ -256,7 +257,7 @@ TEST(Guard, AWrittenValueStartsTheThreeTimesOver) {
     EXPECT_EQ(result.calls_of("gatewarden").size(), 18u);
 }
 
-TEST(Guard, OperatorWhoMadeItWorseIsNotLetGo) {
+TEST(Guard, RepeatsActionUntilNewErrorsAreGone) {
     Region east = a_region();
     east.checker_ends_with({0, 1});
     for (int i = 0; i < 4; ++i) east.checker_ends_with({1, 2, 2});
@@ -269,7 +270,7 @@ TEST(Guard, OperatorWhoMadeItWorseIsNotLetGo) {
     EXPECT_EQ(east.field(5, 2), "(good)");
 }
 
-TEST(Guard, WithoutACheckerTheActionRunsOnce) {
+TEST(Guard, RunsActionOnceWithoutChecker) {
     Region east = a_region().without_checker();
     east.types("(a)").answers_yes();
     const Dialog not_found =
@@ -282,7 +283,7 @@ TEST(Guard, WithoutACheckerTheActionRunsOnce) {
     EXPECT_EQ(east.field(5, 2), "(a)");
 }
 
-TEST(Guard, PathsAreLookedAtOnceAndNeverAskedForAgain) {
+TEST(Guard, ChecksPathActionsOnceBeforeThem) {
     for (const char* number : {"A=6", "A=7", "A=9", "A=10"}) {
         Region east = a_region().with_line(2, "W:depot;{stage}/depot;O;");
         east.checker_ends_with({1, 3});
@@ -293,7 +294,7 @@ TEST(Guard, PathsAreLookedAtOnceAndNeverAskedForAgain) {
     }
 }
 
-TEST(Guard, OnlyTheChangedLineOfALongFileIsOther) {
+TEST(Guard, ChangesOnlyOneLineOfLongFile) {
     RegionPlan plan = a_region().with_line(5, ";(old);").with_alias("one", "(x)");
     for (int i = 0; i < 200; ++i) plan.with_key("key" + std::to_string(i) + ";R;  ;");
     Region east = plan;
@@ -303,9 +304,9 @@ TEST(Guard, OnlyTheChangedLineOfALongFileIsOther) {
     EXPECT_EQ(east.gatebits(), with_replaced(before, ";(old);", ";(new);"));
 }
 
-// Answers that could tear the file.
+// Answers that could damage the file.
 
-TEST(HostileAnswers, LineBreaksNulsAndLengthDoNotTearTheFile) {
+TEST(HostileAnswers, WritesMotdWithoutLineBreaksAndNuls) {
     Region east = a_region().with_line(7, ";old;;");
     const std::string before = east.gatebits();
     east.types("two\nlines\n").answers_yes();
@@ -319,7 +320,7 @@ TEST(HostileAnswers, LineBreaksNulsAndLengthDoNotTearTheFile) {
               "RETRY: MOTD value value exceeds 256 character max");
 }
 
-TEST(HostileAnswers, KeyOf5000CharactersIsWrittenWhole) {
+TEST(HostileAnswers, WritesKeyOf5000CharactersWhole) {
     Region east = a_region();
     const std::string before = east.gatebits();
     const std::string key(5000, 'k');
@@ -328,7 +329,7 @@ TEST(HostileAnswers, KeyOf5000CharactersIsWrittenWhole) {
     EXPECT_EQ(east.gatebits(), before + key + "\n");
 }
 
-TEST(HostileAnswers, KeyThatWouldMakeTheFileUnreadableIsRefused) {
+TEST(HostileAnswers, RefusesKeyThatMakesFileUnreadable) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.types(std::string(30000, 'k')).answers_yes();
@@ -338,7 +339,7 @@ TEST(HostileAnswers, KeyThatWouldMakeTheFileUnreadableIsRefused) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(HostileAnswers, BitsWithLineBreaksAndNulsStayBits) {
+TEST(HostileAnswers, WritesOnlyBitsFromPicksWithLineBreaksAndNuls) {
     Region east = a_region();
     east.answers({.kind = "list", .outfile = "00 - x\n\n\n23\n99\n05\0;\n"s});
     east.answers_yes();
@@ -347,3 +348,4 @@ TEST(HostileAnswers, BitsWithLineBreaksAndNulsStayBits) {
 }
 
 }  // namespace
+}  // namespace gatescope

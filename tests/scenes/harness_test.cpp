@@ -1,17 +1,18 @@
-// The stage is tested with the shell in gatescope's place: a scene that passes must mean something.
+// Tests of the stage itself, with the shell in place of gatescope.
 
 #include <gtest/gtest-spi.h>
 #include <gtest/gtest.h>
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 Result run_script(Region& region, const std::string& script) {
     return region.run_program("/bin/sh", "sh", {"-c", script});
 }
 
-TEST(Harness, ArgumentsArriveByteForByte) {
+TEST(Harness, RecordsArgumentsUnchanged) {
     Region east = a_region();
     east.answers_no();
     const Result result =
@@ -21,7 +22,7 @@ TEST(Harness, ArgumentsArriveByteForByte) {
     EXPECT_EQ(result.calls.at(0).cwd + "/", east.path(""));
 }
 
-TEST(Harness, EveryByteOfArgumentsAndAnswersArrives) {
+TEST(Harness, RecordsEveryByteValue) {
     std::string bytes;
     for (int byte = 0; byte < 256; ++byte)
         bytes += std::string("\\n\n\\") + static_cast<char>(byte);
@@ -35,7 +36,7 @@ TEST(Harness, EveryByteOfArgumentsAndAnswersArrives) {
     EXPECT_EQ(result.calls_of("cleartool"), (std::vector<Args>{{bytes, "", " ", bytes + "\n"}}));
 }
 
-TEST(Harness, AnswersAreTakenInOrder) {
+TEST(Harness, TakesAnswersInOrder) {
     Region east = a_region();
     east.answers_yes().types("some words").operator_picks("two").aborts().cancels();
     const Result result = run_script(
@@ -49,7 +50,7 @@ TEST(Harness, AnswersAreTakenInOrder) {
     EXPECT_EQ(result.out, "0\n0\nsome words\n0\ntwo\n2\n1\n");
 }
 
-TEST(Harness, BoxesInTheBackgroundAnswerThemselvesAndKeepTheirPlace) {
+TEST(Harness, AnswersBoxesAndRecordsThemInOrder) {
     Region east = a_region();
     east.answers_yes();
     const Result result = run_script(
@@ -62,7 +63,7 @@ TEST(Harness, BoxesInTheBackgroundAnswerThemselvesAndKeepTheirPlace) {
                                          asked("third"), griped("last")}));
 }
 
-TEST(Harness, StatusesOfTheCheckerComeInOrderAndThenZero) {
+TEST(Harness, ReturnsCheckerStatusesInOrderAndThenZero) {
     Region east = a_region();
     east.checker_ends_with({3, 0});
     const Result result = run_script(east,
@@ -73,7 +74,7 @@ TEST(Harness, StatusesOfTheCheckerComeInOrderAndThenZero) {
               (std::vector<Args>{{"a", "-check"}, {"b", "-check"}, {"c", "-check"}}));
 }
 
-TEST(Harness, TheContentOfDfileIsRecorded) {
+TEST(Harness, RecordsContentOfDfile) {
     Region east = a_region();
     east.closes_view();
     const Result result = run_script(east,
@@ -83,7 +84,7 @@ TEST(Harness, TheContentOfDfileIsRecorded) {
     EXPECT_EQ(result.dialogs().at(0).shown, std::string("a\0b\n", 4));
 }
 
-TEST(Harness, NamesOfTemporaryFilesAreTheSameInEveryRun) {
+TEST(Harness, ReplacesProcessIdInNamesOfTemporaryFiles) {
     Region east = a_region();
     east.types("x");
     const Result result = run_script(
@@ -93,33 +94,33 @@ TEST(Harness, NamesOfTemporaryFilesAreTheSameInEveryRun) {
     EXPECT_EQ(result.dialogs(), Dialogs{prompted("q\\n", "d")});
 }
 
-TEST(Harness, OutputOfProgramAndChildrenIsInOrder) {
+TEST(Harness, KeepsOrderOfOutputOfProgramAndChildren) {
     Region east = a_region();
     east.program_answers("cleartool", {.status = 0, .out = "from the child\n"});
     EXPECT_EQ(run_script(east, "echo before; cleartool -ver; echo after").out,
               "before\nfrom the child\nafter\n");
 }
 
-TEST(Harness, ASignalIsSeen) {
+TEST(Harness, ReportsEndBySignal) {
     Region east = a_region();
     EXPECT_EQ(run_script(east, "kill -TERM $$").status, 128 + 15);
 }
 
-TEST(Harness, TheEnvironmentIsWhatTheSceneSays) {
+TEST(Harness, PassesOnlyTheScenesEnvironment) {
     Region east = a_region().with_env("ONE", "{stage}").without_env("CLEARCASE_USER");
     const Result result = run_script(east, "echo $ONE/$CLEARCASE_USER; env | wc -l");
     // PWD is the shell's own.
     EXPECT_EQ(result.out, east.path("\n") + "7\n");
 }
 
-TEST(Harness, SomethingMayHappenWhileADialogIsOpen) {
+TEST(Harness, RunsCommandWhileDialogIsOpen) {
     Region east = a_region();
     east.answers({.kind = "yes_no", .status = 1, .meanwhile = "rm gatebits.txt"});
     run_script(east, "clearprompt yes_no -mask yes,no -pro x");
     EXPECT_FALSE(east.has_file("gatebits.txt"));
 }
 
-TEST(Harness, AStubbornDialogAnswersWhenItIsAskedToEnd) {
+TEST(Harness, StubbornDialogAnswersOnTerm) {
     Region east = a_region();
     east.answers({.outfile = "late", .delay_milliseconds = 60'000, .stubborn = true});
     const Result result =
@@ -141,9 +142,9 @@ TEST(Harness, ReadsLinesAndFieldsOfTheGatebitsFile) {
     EXPECT_EQ(east.field(2, 3), "e");
 }
 
-// What has to fail, fails.
+// Faults that must fail a scene.
 
-TEST(Harness, AnUnscriptedQuestionFailsTheScene) {
+TEST(Harness, FailsSceneOnUnscriptedQuestion) {
     EXPECT_NONFATAL_FAILURE(
         {
             Region east = a_region();
@@ -153,17 +154,17 @@ TEST(Harness, AnUnscriptedQuestionFailsTheScene) {
         "the scene has no answer for this dialog");
 }
 
-TEST(Harness, AnUnusedAnswerFailsTheScene) {
+TEST(Harness, FailsSceneOnUnusedAnswer) {
     EXPECT_NONFATAL_FAILURE(
         {
             Region east = a_region();
             east.answers_yes();
             run_script(east, "clearprompt yes_no -mask yes -pro x");
         },
-        "nobody asked for the answer");
+        "no dialog used the answer");
 }
 
-TEST(Harness, AnAnswerToAnotherKindOfDialogFailsTheScene) {
+TEST(Harness, FailsSceneOnAnswerToOtherKindOfDialog) {
     EXPECT_NONFATAL_FAILURE(
         {
             Region east = a_region();
@@ -173,7 +174,7 @@ TEST(Harness, AnAnswerToAnotherKindOfDialogFailsTheScene) {
         "a yes_no dialog came where the scene answers a text dialog");
 }
 
-TEST(Harness, APickThatIsNotOfferedFailsTheScene) {
+TEST(Harness, FailsSceneOnPickNotOffered) {
     EXPECT_NONFATAL_FAILURE(
         {
             Region east = a_region();
@@ -183,7 +184,7 @@ TEST(Harness, APickThatIsNotOfferedFailsTheScene) {
         "the list does not offer the pick 'three'");
 }
 
-TEST(Harness, ATemporaryFileLeftBehindFailsTheScene) {
+TEST(Harness, FailsSceneOnTemporaryFileLeftBehind) {
     EXPECT_NONFATAL_FAILURE(
         {
             Region east = a_region();
@@ -193,3 +194,4 @@ TEST(Harness, ATemporaryFileLeftBehindFailsTheScene) {
 }
 
 }  // namespace
+}  // namespace gatescope

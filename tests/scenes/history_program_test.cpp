@@ -3,10 +3,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -25,8 +27,14 @@ Region region_with_two_changes() {
     return east;
 }
 
+/// The program that was built beside the tests, or one that scripts/machines starts for them.
+std::string history_program() {
+    const char* other = std::getenv("GATESCOPE_TESTED_PROGRAM");
+    return other != nullptr ? std::string(other) + "-history" : HISTORY_PROGRAM_FILE;
+}
+
 Result history(Region& region, const Args& args) {
-    return region.run_program(HISTORY_PROGRAM_FILE, "gatescope-history", args);
+    return region.run_program(history_program(), "gatescope-history", args);
 }
 
 /// The error is one line, status 2 and nothing on standard output.
@@ -250,8 +258,8 @@ TEST(HistoryProgram, SaysWhatItIs) {
 
 TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
     Region east = region_with_two_changes();
-    const Result result = east.run_program(
-        "/bin/sh", "sh", {"-c", std::string(HISTORY_PROGRAM_FILE) + " list >/dev/full"});
+    const Result result =
+        east.run_program("/bin/sh", "sh", {"-c", history_program() + " list >/dev/full"});
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.err,
               "gatescope-history: standard output could not be written: No space left on device\n");
@@ -259,10 +267,9 @@ TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
 
 /// The output of a terminal with 80 columns.
 std::string on_terminal(Region& region, const std::string& command) {
-    region.run_program(
-        "/bin/sh", "sh",
-        {"-c", "script -qec 'stty cols 80 -onlcr; " + std::string(HISTORY_PROGRAM_FILE) + " " +
-                   command + "' /dev/null >terminal"});
+    region.run_program("/bin/sh", "sh",
+                       {"-c", "script -qec 'stty cols 80 -onlcr; " + history_program() + " " +
+                                  command + "' /dev/null >terminal"});
     return region.file("terminal");
 }
 
@@ -283,3 +290,4 @@ TEST(HistoryProgram, OnATerminalItHasColoursAndCutsLongValues) {
 }
 
 }  // namespace
+}  // namespace gatescope

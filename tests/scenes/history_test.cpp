@@ -8,6 +8,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -383,3 +384,4 @@ INSTANTIATE_TEST_SUITE_P(
     [](const testing::TestParamInfo<Obstacle>& obstacle) { return obstacle.param.name; });
 
 }  // namespace
+}  // namespace gatescope

@@ -11,13 +11,15 @@
 #include <type_traits>
 #include <vector>
 
-// What a test and its stand-ins tell each other, as text in files: the test leaves one file an
-// answer, a stand-in appends one record a call. Each field is a line, "name value", in which a
-// backslash stands as "\\" and a newline as "\n"; every other byte stands for itself, NUL
-// included. An empty line ends the whole. What is left out keeps its default.
-// tests/faults/stages.py writes and reads the same.
+namespace gatescope {
 
-/// Files and folders of a stage, below its directory.
+// The text files by which a test and its stand-ins communicate: the test writes one file per
+// answer, a stand-in appends one record per call. A field is a line "name value", in which a
+// backslash is written "\\" and a newline "\n"; every other byte is written unchanged, NUL
+// included. An empty line ends a record. Omitted fields keep their defaults. tests/faults/stages.py
+// uses the same format.
+
+/// Files and folders in a stage's directory.
 inline constexpr char STAGE_BIN[] = "bin";
 inline constexpr char STAGE_SCRIPT[] = "script";
 inline constexpr char STAGE_JOURNAL[] = "journal";
@@ -25,21 +27,21 @@ inline constexpr char STAGE_LOCK[] = "lock";
 
 /// One call of a stand-in.
 struct RecordedCall {
-    /// The name that it was called by: "clearprompt", "gatewarden" ...
+    /// The name by which it was called: "clearprompt", "gatewarden" ...
     std::string program;
-    /// Where its answer was looked for: the program's name, or "box" for a dialog with one button.
+    /// The queue of its answer: the program's name, or "box" for a dialog with one button.
     std::string queue;
-    /// Its process id. The shell starts the children of a run one after the other, so ids tell
-    /// the order of the calls, those that run in the background included.
+    /// Its process id. The shell starts the children of a run one after the other, so ids give the
+    /// order of the calls, background calls included.
     long pid = 0;
-    /// Whether the program waited for it, as against a dialog left on the screen with "&".
+    /// Whether the program waited for it; false for a dialog started with "&".
     bool waited = true;
     std::string cwd;
     /// The arguments, without the name.
     std::vector<std::string> args;
-    /// What the file after -dfile held; nothing when there was no such option.
+    /// The content of the file after -dfile; nullopt without that option.
     std::optional<std::string> shown;
-    /// Why the call did not fit the script; empty when it did.
+    /// Why the call does not match the script; empty if it does.
     std::string error;
 
     void each_field(auto& visit) {
@@ -54,12 +56,12 @@ struct RecordedCall {
     }
 };
 
-/// What a stand-in does when its turn comes.
+/// What a stand-in does for one call.
 struct ScriptedAnswer {
     /// The kind of dialog that the scene expects: "yes_no", "text", "list", "file"; empty: any.
     std::string kind = {};
     int status = 0;
-    /// Bytes for the file named by -outfile; nothing: the file is not written.
+    /// Bytes for the file named by -outfile; nullopt: the file is not written.
     std::optional<std::string> outfile = {};
     /// Printed on standard output.
     std::string out = {};
@@ -68,7 +70,7 @@ struct ScriptedAnswer {
     long delay_milliseconds = 0;
     /// Whether a pick has to be among the items of the list.
     bool must_be_offered = false;
-    /// Whether it minds no signal, but for one that asks it to end: at that it answers at once.
+    /// Whether it blocks all signals, and answers early on TERM, INT or HUP.
     bool stubborn = false;
 
     void each_field(auto& visit) {
@@ -83,7 +85,7 @@ struct ScriptedAnswer {
     }
 };
 
-/// Makes a text of the fields that it is shown.
+/// Writes the visited fields as text.
 class FieldWriter {
   public:
     void operator()(const std::string& name, const std::string& value) {
@@ -107,8 +109,7 @@ class FieldWriter {
     std::string text_;
 };
 
-/// Takes a text's first lines up to an empty one away, and gives their values to the fields that it
-/// is shown.
+/// Removes a text's first lines up to an empty one, and assigns their values to the visited fields.
 class FieldReader {
   public:
     explicit FieldReader(std::string_view& text) {
@@ -129,7 +130,7 @@ class FieldReader {
     void operator()(const std::string& name, std::vector<std::string>& field) {
         field = taken(name);
     }
-    /// Throws when there was a field that nobody has asked for.
+    /// Throws if a field was not visited.
     void end() const {
         if (!values_.empty()) throw std::runtime_error("no field is " + values_.begin()->first);
     }
@@ -164,7 +165,7 @@ std::string to_text(Message message) {
     return writer.text();
 }
 
-/// The one that `text` begins with, which is taken away from it; throws when it is none.
+/// Removes the message at the start of `text` and returns it; throws if it is malformed.
 template <typename Message>
 Message take(std::string_view& text) {
     FieldReader reader(text);
@@ -173,3 +174,5 @@ Message take(std::string_view& text) {
     reader.end();
     return message;
 }
+
+}  // namespace gatescope

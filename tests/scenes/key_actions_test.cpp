@@ -4,6 +4,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string FIRST = "pre_checkin;R;(a) & (b);0;0;0;D; ;N; ;0;;;;;0;E;;;";
@@ -42,7 +43,7 @@ Dialog asked_to_delete(const std::string& number, const std::string& shown) {
 
 // A21.
 
-TEST(ViewKey, EditedAndConfirmed) {
+TEST(ViewKey, WritesConfirmedValue) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_1).answers_yes().types("new;R;").answers_yes().cancels();
@@ -57,14 +58,14 @@ TEST(ViewKey, EditedAndConfirmed) {
     EXPECT_EQ(checks_of(east, result), (std::vector<std::string>{"-status_only", "-status_only"}));
 }
 
-TEST(ViewKey, EditReportedWhenAskedToBeVerbose) {
+TEST(ViewKey, ReportsChangeWhenVerbose) {
     Region east = with_two_keys().with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.operator_picks(ENTRY_1).answers_yes().types("new;").answers_yes().cancels();
     EXPECT_EQ(east.run({"A=21", "R=n"}).dialogs().at(4),
               reported_change("Command Key 001...", SECOND, "new;"));
 }
 
-TEST(ViewKey, AmpersandsOfTheDescriptionAreDoubledAndOfTheEditNot) {
+TEST(ViewKey, DoublesAmpersandsInDescriptionOnly) {
     Region east = with_two_keys();
     east.operator_picks(ENTRY_0).answers_yes().cancels();
     const Dialogs dialogs = east.run({"A=21", "R=n"}).dialogs();
@@ -73,7 +74,7 @@ TEST(ViewKey, AmpersandsOfTheDescriptionAreDoubledAndOfTheEditNot) {
     EXPECT_EQ(dialogs.at(2), prompted("Changing value for Key 000...", FIRST));
 }
 
-TEST(ViewKey, DeclinedAndAbortedEditsLeadBackToTheList) {
+TEST(ViewKey, ReturnsToListWhenEditIsDeclinedOrAborted) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_1).answers_yes().types("x").answers_no();
@@ -86,7 +87,7 @@ TEST(ViewKey, DeclinedAndAbortedEditsLeadBackToTheList) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(ViewKey, DeclinedThenConfirmed) {
+TEST(ViewKey, WritesValueConfirmedAfterDecline) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_1).answers_yes().types("x").answers_no();
@@ -95,26 +96,26 @@ TEST(ViewKey, DeclinedThenConfirmed) {
     EXPECT_EQ(east.gatebits(), with_replaced(before, SECOND, "y"));
 }
 
-TEST(ViewKey, CancelledPromptLeavesTheAction) {
+TEST(ViewKey, EndsWhenPromptIsCancelled) {
     Region east = with_two_keys();
     east.operator_picks(ENTRY_1).answers_yes().cancels();
     EXPECT_EQ(east.run({"A=21", "R=n"}).dialogs().size(), 3u);
 }
 
-TEST(ViewKey, CancelledListLeavesTheAction) {
+TEST(ViewKey, EndsWhenListIsCancelled) {
     Region east = with_two_keys();
     east.answers({.kind = "list", .outfile = ""}).cancels();
     EXPECT_EQ(east.run({"A=21", "R=n"}).dialogs(), (Dialogs{key_list(), key_list()}));
 }
 
-TEST(ViewKey, AbortedQuestionLeadsBackToTheList) {
+TEST(ViewKey, ReturnsToListWhenQuestionIsAborted) {
     Region east = with_two_keys();
     east.operator_picks(ENTRY_1).aborts().cancels();
     EXPECT_EQ(east.run({"A=21", "R=n"}).dialogs(),
               (Dialogs{key_list(), described("001", SECOND), key_list()}));
 }
 
-TEST(ViewKey, Deleted) {
+TEST(ViewKey, DeletesConfirmedKey) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_0).answers_no().answers_yes().cancels();
@@ -127,7 +128,7 @@ TEST(ViewKey, Deleted) {
     EXPECT_EQ(east.gatebits(), with_replaced(before, FIRST + "\n", "\n"));
 }
 
-TEST(ViewKey, DeletionDeclinedOrAbortedWritesNothing) {
+TEST(ViewKey, WritesNothingWhenDeletionIsDeclinedOrAborted) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_1).answers_no().answers_no();
@@ -137,7 +138,7 @@ TEST(ViewKey, DeletionDeclinedOrAbortedWritesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(ViewKey, AfterTheOnlyKeyIsDeletedTheNoticeComes) {
+TEST(ViewKey, ShowsNoticeAfterTheOnlyKeyIsDeleted) {
     Region east = a_region().with_key(SECOND).with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.operator_picks("000 " + SECOND).answers_no().answers_yes();
     EXPECT_EQ(
@@ -148,7 +149,7 @@ TEST(ViewKey, AfterTheOnlyKeyIsDeletedTheNoticeComes) {
                  asked("There are no commands keys to view...", "abort", "abort")}));
 }
 
-TEST(ViewKey, LongKeysAreCutInListAndDescription) {
+TEST(ViewKey, CutsLongKeysInListAndDescription) {
     const std::string eighty(80, 'k');
     Region east = a_region().with_key(eighty).with_key(eighty.substr(1));
     east.operator_picks("000 " + eighty.substr(0, 46)).aborts();
@@ -159,7 +160,7 @@ TEST(ViewKey, LongKeysAreCutInListAndDescription) {
     EXPECT_EQ(dialogs.at(3), described("001", eighty.substr(1)));
 }
 
-TEST(ViewKey, PicksThatAreNoKeyAreAFault) {
+TEST(ViewKey, EndsWithInternalErrorOnPickThatIsNoKey) {
     for (const char* pick : {"nonsense", "002 x", "99999999999999999999"}) {
         Region east = with_two_keys();
         east.answers({.kind = "list", .outfile = pick});
@@ -169,7 +170,7 @@ TEST(ViewKey, PicksThatAreNoKeyAreAFault) {
     }
 }
 
-TEST(ViewKey, LiteEditionSpeaksOfCpds) {
+TEST(ViewKey, NamesCpdsInLiteEdition) {
     Region none = a_region().lite();
     EXPECT_EQ(none.run({"A=21", "R=n"}).dialogs(),
               Dialogs{asked("There are no CPDS to view...", "abort", "abort")});
@@ -183,7 +184,7 @@ TEST(ViewKey, LiteEditionSpeaksOfCpds) {
                  listed("Select one CPD to view/change/delete:", "000 " + SECOND)}));
 }
 
-/// More keys than line numbers reach, each like "key 7;", and the entries of the first 119.
+/// Keys like "key 7;".
 std::vector<std::string> many_keys(int count) {
     std::vector<std::string> keys;
     for (int i = 0; i < count; ++i) keys.push_back("key " + std::to_string(i) + ";");
@@ -196,6 +197,8 @@ RegionPlan with_keys(const std::vector<std::string>& keys) {
     return plan;
 }
 
+/// The entries of the first 119 keys: the others stand after the last significant line that can be
+/// addressed.
 std::string entries_of(const std::vector<std::string>& keys) {
     std::string entries;
     for (std::size_t i = 0; i < keys.size() && i < 119; ++i) {
@@ -206,7 +209,7 @@ std::string entries_of(const std::vector<std::string>& keys) {
     return entries;
 }
 
-TEST(ViewKey, InALongFileTheKeyThatWasConfirmedGoesAndNoOther) {
+TEST(ViewKey, DeletesOnlyConfirmedKeyOfLongFile) {
     std::vector<std::string> keys = many_keys(281);
     Region east = with_keys(keys);
     const std::string before = east.gatebits();
@@ -223,7 +226,7 @@ TEST(ViewKey, InALongFileTheKeyThatWasConfirmedGoesAndNoOther) {
     EXPECT_EQ(result.err, "gatescope: 162 of 281" + why + "gatescope: 161 of 280" + why);
 }
 
-TEST(ViewKey, KeysThatAllAreOfferedAreNotSpokenOf) {
+TEST(ViewKey, ReportsNothingWhenAllKeysAreOffered) {
     Region east = with_keys(many_keys(119)).with_line_on_top("# no key");
     east.cancels();
     const Result result = east.run({"A=21", "R=n"});
@@ -246,7 +249,7 @@ Dialog asked_to_add(const std::string& number, const std::string& text) {
     return asked("Confirm addition of: Command Key " + number + "...\n\n    Key=" + text, "no");
 }
 
-TEST(AddKey, FirstKeyStartsFromTheDefault) {
+TEST(AddKey, OffersDefaultForFirstKey) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.types("new;R;").answers_yes().cancels();
@@ -256,7 +259,7 @@ TEST(AddKey, FirstKeyStartsFromTheDefault) {
     EXPECT_EQ(east.gatebits(), before + "new;R;\n");
 }
 
-TEST(AddKey, FromAnotherKeyAfterTheLastLine) {
+TEST(AddKey, AppendsKeyMadeFromTemplate) {
     Region east = with_two_keys().with_key("# at the end");
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_0).types("new").answers_yes().cancels();
@@ -266,7 +269,7 @@ TEST(AddKey, FromAnotherKeyAfterTheLastLine) {
     EXPECT_EQ(east.gatebits(), before + "new\n");
 }
 
-TEST(AddKey, TemplatesThatCannotBeOfferedAreCounted) {
+TEST(AddKey, ReportsNumberOfTemplatesNotOffered) {
     Region east = with_keys(many_keys(120));
     east.cancels();
     const Result result = east.run({"A=22", "R=n"});
@@ -276,21 +279,21 @@ TEST(AddKey, TemplatesThatCannotBeOfferedAreCounted) {
                               "addressed.\n");
 }
 
-TEST(AddKey, NothingPickedTakesTheDefault) {
+TEST(AddKey, OffersDefaultWhenNoTemplateIsPicked) {
     Region east = with_two_keys();
     east.answers({.kind = "list", .outfile = ""}).cancels();
     EXPECT_EQ(east.run({"A=22", "R=n"}).dialogs(),
               (Dialogs{template_list(), new_key_prompt("002", DEFAULT_KEY)}));
 }
 
-TEST(AddKey, IsReportedAsAChange) {
+TEST(AddKey, ReportsChangeWhenVerbose) {
     Region east = a_region().with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.types("new").answers_yes().cancels();
     EXPECT_EQ(east.run({"A=22", "R=n"}).dialogs().at(2),
               reported_change("Command Key 000...", "Key", "new"));
 }
 
-TEST(AddKey, DeclinedThenConfirmedAndSeveralInARow) {
+TEST(AddKey, AddsSeveralKeysInOneRun) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.types("a").answers_no().types("b").answers_yes();
@@ -304,7 +307,7 @@ TEST(AddKey, DeclinedThenConfirmedAndSeveralInARow) {
     EXPECT_EQ(east.gatebits(), before + "b\nc\n");
 }
 
-TEST(AddKey, AbortedOrCancelledWritesNothing) {
+TEST(AddKey, WritesNothingWhenAbortedOrCancelled) {
     Region east = with_two_keys();
     const std::string before = east.gatebits();
     east.operator_picks(ENTRY_0).types("a").aborts().cancels();
@@ -316,7 +319,7 @@ TEST(AddKey, AbortedOrCancelledWritesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST(AddKey, PicksThatAreNoKeyAreAFault) {
+TEST(AddKey, EndsWithInternalErrorOnPickThatIsNoKey) {
     for (const char* pick : {"nonsense", "002 x"}) {
         Region east = with_two_keys();
         east.answers({.kind = "list", .outfile = pick});
@@ -324,7 +327,7 @@ TEST(AddKey, PicksThatAreNoKeyAreAFault) {
     }
 }
 
-TEST(AddKey, WordingIsTheSameInTheLiteEdition) {
+TEST(AddKey, UsesSameWordsInLiteEdition) {
     Region east = a_region().lite().with_key(SECOND);
     east.operator_picks("000 " + SECOND).types("x").answers_no().cancels();
     EXPECT_EQ(east.run({"A=22", "R=n"}).dialogs(),
@@ -332,7 +335,7 @@ TEST(AddKey, WordingIsTheSameInTheLiteEdition) {
                        asked_to_add("001", "x"), template_list("000 " + SECOND)}));
 }
 
-TEST(AddKey, AKeyThatBreaksTheFileIsEditedAgain) {
+TEST(AddKey, RepeatsActionWhenKeyAddsAnError) {
     Region east = a_region();
     east.checker_ends_with({0, 1, 1, 1, 0});
     east.types("bad").answers_yes().cancels();
@@ -343,3 +346,4 @@ TEST(AddKey, AKeyThatBreaksTheFileIsEditedAgain) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,4 +1,4 @@
-// Which gatebits file is in use: verify, switch, create, copy, and the guided walks.
+// Verify, switch, create and copy a gatebits file, and the guided walks.
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string OTHER_REGION =
@@ -15,14 +16,14 @@ Dialog chooser(const Region& region) {
     return file_dialog_in(region.path(""));
 }
 
-/// The main menu names the region that is in use.
+/// The title of the main menu, which names the region in use.
 std::string region_in_use(const Dialog& menu) {
     return menu.args.back();
 }
 
 // A23.
 
-TEST(Verify, SoundFileShowsNothing) {
+TEST(Verify, ShowsNothingForFileWithoutErrors) {
     Region east = a_region();
     const Result result = east.run({"A=23", "R=n"});
     EXPECT_EQ(result.status, 110);
@@ -30,7 +31,7 @@ TEST(Verify, SoundFileShowsNothing) {
     EXPECT_EQ(result.calls_of("gatewarden"), (std::vector<Args>{{east.gatebits_path(), "-check"}}));
 }
 
-TEST(Verify, ErrorsShowTheRawStatus) {
+TEST(Verify, ShowsRawStatusOnErrors) {
     Region east = a_region();
     east.checker_ends_with({1});
     EXPECT_EQ(east.run({"A=23", "R=n"}).dialogs(),
@@ -39,7 +40,7 @@ TEST(Verify, ErrorsShowTheRawStatus) {
                             "abort", "abort")});
 }
 
-TEST(Verify, InstallerIsShownNothing) {
+TEST(Verify, ShowsNothingToInstaller) {
     Region east = a_region();
     east.checker_ends_with({1});
     const Result result = east.run({"-during_install", "A=23", "R=n"});
@@ -47,13 +48,13 @@ TEST(Verify, InstallerIsShownNothing) {
     EXPECT_EQ(result.calls_of("gatewarden").size(), 1u);
 }
 
-TEST(Verify, MissingCheckerFallsBackToTheOneBesideTheProgram) {
+TEST(Verify, UsesCheckerBesideTheProgramWhenConfiguredOneIsMissing) {
     Region east = a_region().with_variable(0, "/none/checker");
     EXPECT_EQ(east.run({"A=23", "R=n"}).calls_of("gatewarden").size(), 1u);
     EXPECT_NE(east.gatebits().find("check=/none/checker\n"), std::string::npos);
 }
 
-TEST(Verify, NoCheckerAtAllIsSaid) {
+TEST(Verify, SaysThatNoCheckerWasFound) {
     Region east = a_region().with_variable(0, "/none/checker").without_checker();
     EXPECT_EQ(east.run({"A=23", "R=n"}).dialogs(),
               Dialogs{advised("#!gatescope_unix_gatewarden_check=" + east.checker_path() +
@@ -62,7 +63,7 @@ TEST(Verify, NoCheckerAtAllIsSaid) {
 
 // A25.
 
-TEST(Switch, FileWithoutErrors) {
+TEST(Switch, LoadsFileWithoutErrors) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     const std::string west = east.path("west.txt");
     east.chooses_file(west + "\n").cancels();
@@ -76,7 +77,7 @@ TEST(Switch, FileWithoutErrors) {
     EXPECT_EQ(result.calls_of("gatewarden"), (std::vector<Args>{{west, "-error_only"}}));
 }
 
-TEST(Switch, FileWithErrors) {
+TEST(Switch, WarnsOfErrorsInNewFile) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     east.checker_ends_with({2});
     east.chooses_file(east.path("west.txt")).cancels();
@@ -87,7 +88,7 @@ TEST(Switch, FileWithErrors) {
     EXPECT_EQ(region_in_use(dialogs.at(2)), "Select Query or Action for (west)");
 }
 
-TEST(Switch, Cancelled) {
+TEST(Switch, DoesNothingWhenCancelled) {
     Region east = a_region();
     east.cancels();
     const Result result = east.run({"A=25", "R=n"});
@@ -95,7 +96,7 @@ TEST(Switch, Cancelled) {
     EXPECT_EQ(result.dialogs(), Dialogs{chooser(east)});
 }
 
-TEST(Switch, MissingFileIsAskedForAgain) {
+TEST(Switch, AsksAgainForMissingFile) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     const Dialog retry = asked("That file doe not already exist, Retry?", "yes", "yes,no");
     east.chooses_file("/none").answers_yes().chooses_file(east.path("west.txt"));
@@ -106,7 +107,7 @@ TEST(Switch, MissingFileIsAskedForAgain) {
     EXPECT_EQ(east.run({"A=25", "R=n"}).dialogs(), (Dialogs{chooser(east), retry}));
 }
 
-TEST(Switch, WithoutACheckerTheFileStaysInUseButUnloaded) {
+TEST(Switch, UsesFileWithoutLoadingItWithoutChecker) {
     Region east = a_region().with_file("west.txt", OTHER_REGION).without_checker();
     east.chooses_file(east.path("west.txt"));
     east.operator_picks("A25 - Switch to another Gatebits file").cancels().cancels();
@@ -153,7 +154,7 @@ Dialog asked_for_another_location() {
         "yes", "yes,no");
 }
 
-TEST(Create, FromTheTemplate) {
+TEST(Create, WritesTemplate) {
     Region east = a_region().with_variable(1, "W:\\checker.exe");
     const std::string before = east.gatebits();
     east.chooses_file(east.path("new.txt")).aborts().cancels();
@@ -168,14 +169,14 @@ TEST(Create, FromTheTemplate) {
     EXPECT_TRUE(result.calls_of("gatewarden").empty());
 }
 
-TEST(Create, CheckerThatIsNotThereIsReplacedByTheOneBesideTheProgram) {
+TEST(Create, ReplacesMissingCheckerByTheOneBesideTheProgram) {
     Region east = a_region().with_variable(0, "/none").without_checker();
     east.chooses_file(east.path("new.txt")).aborts();
     east.run({"A=26", "R=n"});
     EXPECT_EQ(east.file("new.txt"), template_with(east.checker_path(), ""));
 }
 
-TEST(Create, AtStartWhenThereIsNoGatebitsFile) {
+TEST(Create, CreatesFileAtStartWhenThereIsNone) {
     Region east = a_region().without_gatebits_file();
     east.answers_yes().chooses_file(east.path("new.txt")).aborts().cancels();
     const Result result = east.run();
@@ -184,13 +185,13 @@ TEST(Create, AtStartWhenThereIsNoGatebitsFile) {
     EXPECT_EQ(east.file("new.txt"), template_with(east.checker_path(), ""));
 }
 
-TEST(Create, Cancelled) {
+TEST(Create, DoesNothingWhenCancelled) {
     Region east = a_region();
     east.cancels();
     EXPECT_EQ(east.run({"A=26", "R=n"}).dialogs(), Dialogs{chooser(east)});
 }
 
-TEST(Create, ExistingFileIsUsedAsItIs) {
+TEST(Create, UsesExistingFileUnchangedOnNo) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     const std::string west = east.file("west.txt");
     east.chooses_file(east.path("west.txt")).answers_no().cancels();
@@ -201,7 +202,7 @@ TEST(Create, ExistingFileIsUsedAsItIs) {
     EXPECT_EQ(east.file("west.txt"), west);
 }
 
-TEST(Create, ExistingFileThenAnotherName) {
+TEST(Create, AsksForAnotherNameOnYes) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     east.chooses_file(east.path("west.txt")).answers_yes();
     east.chooses_file(east.path("new.txt")).aborts();
@@ -210,14 +211,14 @@ TEST(Create, ExistingFileThenAnotherName) {
         (Dialogs{chooser(east), asked_new_or_existing(), chooser(east), asked_what_to_populate()}));
 }
 
-TEST(Create, ExistingFileThenAbort) {
+TEST(Create, KeepsFileInUseOnAbort) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     east.chooses_file(east.path("west.txt")).aborts().cancels();
     const Dialogs dialogs = east.run({"A=26"}).dialogs();
     EXPECT_EQ(region_in_use(dialogs.at(2)), "Select Query or Action for (east)");
 }
 
-TEST(Create, DirectoryThatCannotBeWritten) {
+TEST(Create, AsksForAnotherLocationWhenDirectoryCannotBeWritten) {
     Region east = a_region();
     east.chooses_file(east.path("none/new.txt")).answers_yes();
     east.chooses_file(east.path("none/new.txt")).answers_no();
@@ -226,7 +227,7 @@ TEST(Create, DirectoryThatCannotBeWritten) {
                        asked_for_another_location()}));
 }
 
-TEST(Create, NameThatNoFileCanHave) {
+TEST(Create, AsksForAnotherLocationWhenNameIsTooLong) {
     Region east = a_region();
     east.chooses_file(east.path(std::string(256, 'n'))).answers_no();
     const Result result = east.run({"A=26", "R=n"});
@@ -234,7 +235,7 @@ TEST(Create, NameThatNoFileCanHave) {
     EXPECT_EQ(result.dialogs(), (Dialogs{chooser(east), asked_for_another_location()}));
 }
 
-TEST(Create, LinkThatLeadsNowhereIsAPlaceForAFile) {
+TEST(Create, CreatesTargetOfDanglingLink) {
     Region east = a_region();
     std::filesystem::create_symlink(east.path("elsewhere.txt"), east.path("link.txt"));
     east.chooses_file(east.path("link.txt")).aborts();
@@ -243,7 +244,7 @@ TEST(Create, LinkThatLeadsNowhereIsAPlaceForAFile) {
     EXPECT_EQ(east.file("elsewhere.txt"), template_with(east.checker_path(), ""));
 }
 
-TEST(Create, CheckerOnTheSearchPathIsKept) {
+TEST(Create, KeepsCheckerFoundOnSearchPath) {
     Region east = a_region().with_variable(0, "gatewarden");
     east.chooses_file(east.path("new.txt")).aborts();
     east.run({"A=26", "R=n"});
@@ -265,7 +266,7 @@ Dialog asked_for_another_destination() {
         "yes", "yes,no");
 }
 
-TEST(Copy, ByteForByteAndInUse) {
+TEST(Copy, CopiesEveryByteAndLoadsCopy) {
     const std::string odd = "# odd\n\n" + OTHER_REGION + "  \nno newline at the end";
     Region east = a_region().with_file("west.txt", odd);
     const std::string source = east.path("west.txt");
@@ -284,7 +285,7 @@ TEST(Copy, ByteForByteAndInUse) {
     EXPECT_EQ(result.calls_of("gatewarden"), (std::vector<Args>{{destination, "-error_only"}}));
 }
 
-TEST(Copy, WithErrors) {
+TEST(Copy, WarnsOfErrorsInCopy) {
     Region east = a_region();
     east.checker_ends_with({1});
     const std::string destination = east.path("copy.txt");
@@ -307,7 +308,7 @@ TEST(Copy, NeverOverwritesADestination) {
     EXPECT_EQ(east.file("west.txt"), west);
 }
 
-TEST(Copy, LinkThatLeadsNowhereIsAPlaceForAFile) {
+TEST(Copy, CreatesTargetOfDanglingLink) {
     Region east = a_region();
     std::filesystem::create_symlink(east.path("elsewhere.txt"), east.path("link.txt"));
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("link.txt"));
@@ -315,7 +316,7 @@ TEST(Copy, LinkThatLeadsNowhereIsAPlaceForAFile) {
     EXPECT_EQ(east.file("elsewhere.txt"), east.gatebits());
 }
 
-TEST(Copy, SourceThatIsNotThere) {
+TEST(Copy, AsksAgainForMissingSource) {
     Region east = a_region();
     const Dialog retry = asked("That file does not exist, Do you want to retry?", "yes", "yes,no");
     east.chooses_file("/none").answers_yes().chooses_file("/none").answers_no();
@@ -323,7 +324,7 @@ TEST(Copy, SourceThatIsNotThere) {
               (Dialogs{chooser(east), retry, chooser(east), retry}));
 }
 
-TEST(Copy, SourceStaysInUseWhenTheDestinationIsCancelled) {
+TEST(Copy, KeepsSourceInUseWhenDestinationIsCancelled) {
     Region east = a_region().with_file("west.txt", OTHER_REGION);
     east.chooses_file(east.path("west.txt")).cancels().cancels();
     const Dialogs dialogs = east.run({"A=27"}).dialogs();
@@ -331,13 +332,13 @@ TEST(Copy, SourceStaysInUseWhenTheDestinationIsCancelled) {
     EXPECT_EQ(region_in_use(dialogs[2]), "Select Query or Action for (west)");
 }
 
-TEST(Copy, CancelledSource) {
+TEST(Copy, DoesNothingWhenSourceIsCancelled) {
     Region east = a_region();
     east.cancels();
     EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs(), Dialogs{chooser(east)});
 }
 
-TEST(Copy, DestinationThatCannotBeCreatedStartsOverFromTheSource) {
+TEST(Copy, AsksForSourceAgainWhenDestinationCannotBeCreated) {
     Region east = a_region();
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("none/x.txt")).answers_yes();
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("none/x.txt")).answers_no();
@@ -349,23 +350,23 @@ TEST(Copy, DestinationThatCannotBeCreatedStartsOverFromTheSource) {
     EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs().back(), asked_for_another_location());
 }
 
-TEST(Copy, DamagedSourceEndsTheProgram) {
+TEST(Copy, EndsWith99OnDamagedSource) {
     Region east = a_region().with_file("bad.txt", "gatewarden;\n");
     east.chooses_file(east.path("bad.txt"));
     const Result result = east.run({"A=27", "R=n"});
     EXPECT_EQ(result.status, 99);
 }
 
-TEST(Copy, WithoutACheckerTheCopyIsMadeAllTheSame) {
+TEST(Copy, CopiesWithoutChecker) {
     Region east = a_region().without_checker();
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("copy.txt"));
     EXPECT_EQ(east.run({"A=27", "R=n"}).dialogs().size(), 3u);
     EXPECT_EQ(east.file("copy.txt"), east.gatebits());
 }
 
-// The guided walks. Every step is cancelled, and leads to the next all the same.
+// The guided walks. A cancelled step leads to the next.
 
-/// What each dialog of a walk is about.
+/// The beginning of each dialog's text.
 std::vector<std::string> subjects(const Dialogs& dialogs) {
     std::vector<std::string> texts;
     for (const Dialog& dialog : dialogs) texts.push_back(dialog.args.back().substr(0, 36));
@@ -374,7 +375,7 @@ std::vector<std::string> subjects(const Dialogs& dialogs) {
 
 using Words = std::vector<std::string>;
 
-TEST(Walk, ThroughTheImportantFields) {
+TEST(Walk, AsksForImportantFields) {
     Region east = a_region().with_line(2, "W:depot;{stage}/depot;O;");
     for (int i = 0; i < 6; ++i) east.cancels();
     const Result result = east.run({"A=28", "R=n"});
@@ -389,7 +390,7 @@ TEST(Walk, ThroughTheImportantFields) {
     EXPECT_EQ(checks.back(), "-check");
 }
 
-TEST(Walk, ThroughAllFields) {
+TEST(Walk, AsksForEveryField) {
     Region east = a_region().with_line(2, "W:depot;{stage}/depot;O;");
     for (int i = 0; i < 23; ++i) east.cancels();
     const Result result = east.run({"A=29", "R=n"});
@@ -414,7 +415,7 @@ TEST(Walk, IsOfferedForANewFile) {
     Region all = a_region();
     all.chooses_file(all.path("new.txt")).answers_yes();
     for (int i = 0; i < 10; ++i) all.cancels();
-    // The parents and the notify programs ask for a depot first.
+    // The parents and the notify programs need a depot.
     all.answers_no().answers_no().cancels().answers_no().answers_no();
     for (int i = 0; i < 8; ++i) all.cancels();
     const Dialogs dialogs = all.run({"A=26", "R=n"}).dialogs();
@@ -427,7 +428,7 @@ TEST(Walk, IsOfferedForANewFile) {
     EXPECT_EQ(result.calls_of("gatewarden").back(), (Args{important.path("new.txt"), "-check"}));
 }
 
-TEST(Walk, ChangesWhatIsConfirmed) {
+TEST(Walk, WritesConfirmedValues) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.cancels().types("W:depot").answers_yes().cancels().types("W:p").answers_yes();
@@ -438,3 +439,4 @@ TEST(Walk, ChangesWhatIsConfirmed) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,5 +1,5 @@
-// Where no clearprompt can be started, what it should have shown goes to standard error. Statuses,
-// standard output and what is done stay as they are.
+// Without clearprompt the texts of dialogs go to standard error. Exit statuses, standard output and
+// effects are unchanged.
 
 #include <gtest/gtest.h>
 
@@ -7,11 +7,12 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NOT_FOUND = "gatescope: clearprompt could not be started (it was not found)";
 
-/// What a shell says of its own is left out, since shells differ.
+/// Standard error without the shell's own message, since shells differ.
 std::string notes_in(const Result& result) {
     const auto begin = result.err.find("gatescope: ");
     return begin == std::string::npos ? "" : result.err.substr(begin);
@@ -21,7 +22,7 @@ RegionPlan region_without_clearprompt() {
     return a_region().with_env("PATH", "/usr/bin:/bin");
 }
 
-TEST(LostDialogs, TheErrorIsSaid) {
+TEST(LostDialogs, ReportsTextOfError) {
     Region east = region_without_clearprompt();
     const Result result = east.run({"Q=9"});
     EXPECT_EQ(result.status, 99);
@@ -31,7 +32,7 @@ TEST(LostDialogs, TheErrorIsSaid) {
                               "Query parameter must be between 1 and 6 inclusive.\n");
 }
 
-TEST(LostDialogs, MessagesQuestionsListsAndPromptsAreNamed) {
+TEST(LostDialogs, ReportsTextOfEachKindOfDialog) {
     struct Case {
         Args args;
         int status;
@@ -66,7 +67,7 @@ TEST(LostDialogs, MessagesQuestionsListsAndPromptsAreNamed) {
     }
 }
 
-TEST(LostDialogs, OneThatCannotBeExecutedIsNamedWithTheShellsStatus) {
+TEST(LostDialogs, ReportsShellsStatusWhenClearpromptCannotBeExecuted) {
     Region east = a_region();
     std::filesystem::remove(east.path("bin/clearprompt"));
     east.write_file("bin/clearprompt", "#!/nowhere/shell\n");
@@ -79,13 +80,13 @@ TEST(LostDialogs, OneThatCannotBeExecutedIsNamedWithTheShellsStatus) {
         << result.err;
 }
 
-TEST(LostDialogs, ADialogThatIsCancelledIsNotLost) {
+TEST(LostDialogs, ReportsNothingForCancelledDialog) {
     Region east = a_region();
     east.cancels();
     EXPECT_EQ(east.run({"A=8", "R=n"}).err, "");
 }
 
-TEST(Reasons, AreSaidOnStandardErrorWithTheFile) {
+TEST(Reasons, NameFileAndErrorOnStandardError) {
     struct Case {
         Args args;
         std::string message;
@@ -115,7 +116,7 @@ TEST(Reasons, AreSaidOnStandardErrorWithTheFile) {
     }
 }
 
-TEST(Reasons, OfAPageThatCannotBeMadeIsSaid) {
+TEST(Reasons, NamePageThatCannotBeCreated) {
     Region east = a_region().without_dialogs();
     std::filesystem::remove_all(east.path("depot/query_results"));
     const Result result = east.run({"Q=1", "C=*", "U=*", "D=n", "R=n"});
@@ -125,3 +126,4 @@ TEST(Reasons, OfAPageThatCannotBeMadeIsSaid) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,9 +1,10 @@
-// The main loop: menus, their entries and titles, what a cancel does, the installer's mode.
+// The main loop: menus, their entries and titles, cancelling, the installer's mode.
 
 #include <gtest/gtest.h>
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string SEPARATOR = "------------------------------";
@@ -64,7 +65,7 @@ Dialog main_menu(const std::string& region = "east") {
 const Dialog SUBMENU = listed("Gatebits view/change Action for (east)", SUBMENU_ENTRIES);
 const Dialog INSTALL_MENU = listed("Select Install Action for (east)", INSTALL_ENTRIES);
 
-TEST(Menus, TheMainMenuComesUpAndItsCancelEndsWell) {
+TEST(Menus, EndsWithZeroWhenMainMenuIsCancelled) {
     Region east = a_region();
     east.cancels();
     const Result result = east.run();
@@ -72,20 +73,20 @@ TEST(Menus, TheMainMenuComesUpAndItsCancelEndsWell) {
     EXPECT_EQ(result.dialogs(), Dialogs{main_menu()});
 }
 
-TEST(Menus, TheLiteEditionSpeaksOfCpds) {
+TEST(Menus, NamesCpdsInLiteEdition) {
     Region east = a_region().lite();
     east.cancels();
     EXPECT_EQ(east.run().dialogs(),
               Dialogs{listed("Select Query or Action for (east)", LITE_MAIN_ENTRIES)});
 }
 
-TEST(Menus, ARegionWithoutANameIsABlank) {
+TEST(Menus, ShowsBlankForRegionWithoutName) {
     Region east = a_region().named("");
     east.cancels();
     EXPECT_EQ(east.run().dialogs(), Dialogs{main_menu(" ")});
 }
 
-TEST(Menus, ASeparatorOrNothingShowsTheMenuAgain) {
+TEST(Menus, ShowsMenuAgainAfterSeparatorOrEmptyPick) {
     Region east = a_region();
     east.operator_picks(SEPARATOR).answers({.kind = "list", .outfile = ""}).cancels();
     const Result result = east.run();
@@ -93,7 +94,7 @@ TEST(Menus, ASeparatorOrNothingShowsTheMenuAgain) {
     EXPECT_EQ(result.dialogs(), (Dialogs{main_menu(), main_menu(), main_menu()}));
 }
 
-TEST(Menus, APickThatIsOnNoListDoesNothing) {
+TEST(Menus, IgnoresPickThatIsInNoMenu) {
     Region east = a_region();
     east.answers({.kind = "list", .outfile = "A28"}).cancels();
     const Result result = east.run();
@@ -101,7 +102,7 @@ TEST(Menus, APickThatIsOnNoListDoesNothing) {
     EXPECT_EQ(result.dialogs().size(), 2u);
 }
 
-TEST(Menus, EveryStatusOfTheListButZeroIsACancel) {
+TEST(Menus, TakesEveryNonZeroStatusAsCancel) {
     for (const int status : {1, 2, 10, 127, 255}) {
         Region east = a_region();
         east.answers({.kind = "list", .status = status});
@@ -109,14 +110,14 @@ TEST(Menus, EveryStatusOfTheListButZeroIsACancel) {
     }
 }
 
-TEST(Menus, AMenuThatCannotBeShownIsACancel) {
+TEST(Menus, TakesMenuThatCannotBeShownAsCancel) {
     Region east = a_region().with_env("PATH", "/usr/bin:/bin");
     const Result result = east.run();
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.calls.empty());
 }
 
-TEST(Menus, ActionTwoOpensTheSubmenuAndItsCancelTheMainMenu) {
+TEST(Menus, OpensSubmenuAndReturnsToMainMenuOnCancel) {
     Region east = a_region();
     east.operator_picks("A02 - Modify Current Gatebits file... (A03-A23)")
         .operator_picks(SEPARATOR)
@@ -127,7 +128,7 @@ TEST(Menus, ActionTwoOpensTheSubmenuAndItsCancelTheMainMenu) {
     EXPECT_EQ(result.dialogs(), (Dialogs{main_menu(), SUBMENU, SUBMENU, main_menu()}));
 }
 
-TEST(Menus, ActionTwoOnTheCommandLineOpensTheSubmenu) {
+TEST(Menus, OpensSubmenuForActionTwoOfCommandLine) {
     Region east = a_region();
     east.cancels().cancels();
     const Result result = east.run({"A=2"});
@@ -135,7 +136,7 @@ TEST(Menus, ActionTwoOnTheCommandLineOpensTheSubmenu) {
     EXPECT_EQ(result.dialogs(), (Dialogs{SUBMENU, main_menu()}));
 }
 
-TEST(Menus, CancellingTheSubmenuOfASingleRequestEndsWell) {
+TEST(Menus, EndsWithZeroWhenSubmenuOfSingleRequestIsCancelled) {
     Region east = a_region();
     east.cancels();
     const Result result = east.run({"A=2", "R=n"});
@@ -143,14 +144,14 @@ TEST(Menus, CancellingTheSubmenuOfASingleRequestEndsWell) {
     EXPECT_EQ(result.dialogs(), Dialogs{SUBMENU});
 }
 
-TEST(Menus, TheInstallerHasNoMainMenu) {
+TEST(Menus, ShowsNoMainMenuToInstaller) {
     Region east = a_region();
     const Result result = east.run({"-during_install"});
     EXPECT_EQ(result.status, 0);
     EXPECT_TRUE(result.calls.empty());
 }
 
-TEST(Menus, TheInstallerWritesMinusForEqualsAndGetsItsOwnMenu) {
+TEST(Menus, AcceptsMinusForEqualsFromInstallerAndShowsItsMenu) {
     for (const Args& args : {Args{"-during_install", "A-2"}, Args{"A-2", "-during_install"},
                              Args{"A=2", "-during_install"}}) {
         Region east = a_region();
@@ -161,12 +162,12 @@ TEST(Menus, TheInstallerWritesMinusForEqualsAndGetsItsOwnMenu) {
     }
 }
 
-TEST(Menus, MinusForEqualsIsForTheInstallerOnly) {
+TEST(Menus, RefusesMinusForEqualsWithoutInstaller) {
     Region east = a_region().without_dialogs();
     EXPECT_EQ(east.run({"A-2"}).out, "ERROR: Unknown parameter (A-2) invalid.\n");
 }
 
-TEST(Menus, TheMenuGoesToClearpromptEvenWithoutDialogs) {
+TEST(Menus, ShowsMenuByDialogEvenWithoutDialogs) {
     Region east = a_region().without_dialogs();
     east.cancels();
     const Result result = east.run();
@@ -174,13 +175,13 @@ TEST(Menus, TheMenuGoesToClearpromptEvenWithoutDialogs) {
     EXPECT_EQ(result.dialogs(), Dialogs{main_menu()});
 }
 
-TEST(Menus, ARegionsNameActsInTheShellAsItStands) {
+TEST(Menus, ExpandsRegionNameInShell) {
     Region east = a_region().named("a $(echo b) `echo c` $HOME d");
     east.cancels();
     EXPECT_EQ(east.run().dialogs(), Dialogs{main_menu("a b c " + east.path("home") + " d")});
 }
 
-TEST(Menus, StrictQuotingHandsTextsOverLetterForLetter) {
+TEST(Menus, PassesRegionNameUnchangedWithStrictQuoting) {
     const std::string name = "a $(touch x) `touch x` \"b\" \\n c\\";
     Region east = a_region().named(name).with_env("ZUL_GATESCOPE_STRICT_QUOTING", "YES");
     east.cancels();
@@ -189,3 +190,4 @@ TEST(Menus, StrictQuotingHandsTextsOverLetterForLetter) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,4 +1,4 @@
-// How often the policy file is opened, however long it is: each step of a dialog reads it once.
+// The number of times that the policy file is opened: each step of a dialog reads it once.
 
 #include <gtest/gtest.h>
 
@@ -6,9 +6,10 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
-/// The lines of the tracer's report that open the gatebits file.
+/// Lines of the trace that open the gatebits file.
 const std::regex OPENING("open(at|at2)?\\([^\"]*\"[^\"]*/gatebits\\.txt\".*");
 
 bool can_trace() {
@@ -27,8 +28,8 @@ class Openings : public testing::Test {
         if (PROGRAM_HAS_SANITIZERS || !can_trace()) GTEST_SKIP() << "cannot be traced";
     }
 
-    /// Runs the action under a tracer, which sees all openings of the gatebits file but those of
-    /// the programs that are started. The first is that of the run's own choice of it.
+    /// Runs the action under strace, without its children. The first opening is that of the choice
+    /// of the file.
     void expect_openings_up_to(int most, const std::string& action) {
         east.run_after("exec strace -D -qq -o trace -e trace=open,openat,openat2 \"$0\" \"$@\"",
                        {"A=" + action, "R=n"});
@@ -43,46 +44,47 @@ class Openings : public testing::Test {
     Region east = with_a_hundred_keys();
 };
 
-TEST_F(Openings, FieldTakesAtMostFive) {
+TEST_F(Openings, FieldEditOpensFileAtMostFiveTimes) {
     east.types("new").answers_yes();
     expect_openings_up_to(5, "13");
     EXPECT_EQ(east.field(7, 2), "new");
 }
 
-TEST_F(Openings, GuardedFieldTakesAtMostFive) {
+TEST_F(Openings, GuardedEditOpensFileAtMostFiveTimes) {
     east.types("(a)").answers_yes();
     expect_openings_up_to(5, "11");
     EXPECT_EQ(east.field(5, 2), "(a)");
 }
 
-TEST_F(Openings, FieldThatSettingsDependOnTakesAtMostFive) {
+TEST_F(Openings, ClearingDepotOpensFileAtMostFiveTimes) {
     east.types("").answers_yes();
     expect_openings_up_to(5, "4");
     EXPECT_EQ(east.field(2, 1), "");
 }
 
-TEST_F(Openings, FieldThatNeedsADepotTakesAtMostFive) {
+TEST_F(Openings, EditOfFieldThatNeedsDepotOpensFileAtMostFiveTimes) {
     east.types("new").answers_yes();
     expect_openings_up_to(5, "9");
     EXPECT_EQ(east.field(4, 1), "new");
 }
 
-TEST_F(Openings, AliasTakesAtMostFive) {
+TEST_F(Openings, AddingAliasOpensFileAtMostFiveTimes) {
     east.types("new").types("(a)").answers_yes();
     expect_openings_up_to(5, "17");
     EXPECT_NE(east.gatebits().find("#!gatewarden_alias new (a)\n"), std::string::npos);
 }
 
-TEST_F(Openings, SettingTakesAtMostFive) {
+TEST_F(Openings, SettingOpensFileAtMostFiveTimes) {
     east.operator_picks("03 gatescope_windows_browser=").types("new").answers_yes();
     expect_openings_up_to(5, "24");
     EXPECT_NE(east.gatebits().find("windows_browser=new\n"), std::string::npos);
 }
 
-TEST_F(Openings, DeletingAKeyOfAHundredTakesAtMostTwelve) {
+TEST_F(Openings, DeletingKeyOfAHundredOpensFileAtMostTwelveTimes) {
     east.operator_picks("057 key_57;R;").answers_no().answers_yes().cancels();
     expect_openings_up_to(12, "21");
     EXPECT_EQ(east.gatebits().find("key_57"), std::string::npos);
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,9 +1,10 @@
-// Memory that cannot be had ends the program with its error, and nothing is torn or left behind.
+// A failed allocation ends the program with its error; no file is damaged or left behind.
 
 #include <gtest/gtest.h>
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string NO_MEMORY = "ERROR:  Unable to malloc needed memory.";
@@ -14,7 +15,7 @@ class OutOfMemory : public testing::Test {
         if (PROGRAM_HAS_SANITIZERS)
             GTEST_SKIP() << "the sanitizer needs more memory than a limit leaves";
     }
-    /// The operator's answer is larger than what a process may have.
+    /// The answer is larger than the limit on the process's memory.
     static void answer_with_a_gigabyte(Region& east) {
         east.answers({.kind = "list",
                       .meanwhile = "for f in tmp/*_result_*; do truncate -s 1G \"$f\"; done"});
@@ -22,7 +23,7 @@ class OutOfMemory : public testing::Test {
     static constexpr char LIMIT[] = "ulimit -v 150000";
 };
 
-TEST_F(OutOfMemory, InAnEditIsAnErrorAndChangesNothing) {
+TEST_F(OutOfMemory, EndsEditWithErrorAndKeepsFile) {
     Region east = a_region();
     const std::string before = east.gatebits();
     answer_with_a_gigabyte(east);
@@ -32,7 +33,7 @@ TEST_F(OutOfMemory, InAnEditIsAnErrorAndChangesNothing) {
     EXPECT_EQ(east.gatebits(), before);
 }
 
-TEST_F(OutOfMemory, IsPrintedWithoutDialogs) {
+TEST_F(OutOfMemory, PrintsErrorWithoutDialogs) {
     Region east = a_region().without_dialogs();
     answer_with_a_gigabyte(east);
     const Result result = east.run_after(LIMIT, {"A=8", "R=n"});
@@ -41,3 +42,4 @@ TEST_F(OutOfMemory, IsPrintedWithoutDialogs) {
 }
 
 }  // namespace
+}  // namespace gatescope

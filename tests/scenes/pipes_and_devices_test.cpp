@@ -1,6 +1,5 @@
-// Pipes that nobody writes or reads, and devices that never end, stand under the names of files
-// that the program opens: it comes to an end all the same, in order. (A run that does not is ended
-// by the stage, which says so.)
+// FIFOs without a reader or writer, and endless devices, under the names of files that the program
+// opens: it neither blocks nor reads without end. (The stage fails a run that does not end.)
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -11,12 +10,13 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string PICK = "S - 'S'ucessful attempts only logged";
 
-/// How the shell plants something under a name. The shell becomes the program, so "$$" is its
-/// number.
+/// A shell function that creates a special file. The shell execs the program, so "$$" is the
+/// program's process id.
 using Planting = std::string;
 const Planting PIPE = "plant() { rm -f \"$1\"; mkfifo \"$1\"; }\n";
 const Planting ZERO = "plant() { rm -f \"$1\"; mknod \"$1\" c 1 5; }\n";
@@ -43,7 +43,7 @@ class PipesAndDevices : public testing::TestWithParam<Planting> {
     static Region quiet_region() { return a_region().without_dialogs(); }
 };
 
-TEST_P(PipesAndDevices, AsThePolicyFile) {
+TEST_P(PipesAndDevices, AreRefusedAsPolicyFile) {
     Region east = quiet_region();
     for (const Args& args : {Args{"F={stage}/odd", "A=8", "R=n"}, Args{"F={stage}/odd", "A=23"},
                              Args{"F={stage}/odd", "Q=1", "C=*", "U=*", "D=n", "R=n"}}) {
@@ -55,7 +55,7 @@ TEST_P(PipesAndDevices, AsThePolicyFile) {
     EXPECT_EQ(run_with_planted(east, "odd", {"A=1", "R=n"}).status, 99);
 }
 
-TEST_P(PipesAndDevices, AsTheFileThatIsSwitchedToOrCopied) {
+TEST_P(PipesAndDevices, AreRefusedAsFileToSwitchToOrCopy) {
     Region east = quiet_region();
     east.chooses_file(east.path("odd"));
     EXPECT_EQ(run_with_planted(east, "odd", {"A=25", "R=n"}).status, 99);
@@ -63,7 +63,7 @@ TEST_P(PipesAndDevices, AsTheFileThatIsSwitchedToOrCopied) {
     EXPECT_EQ(run_with_planted(east, "odd", {"A=27", "R=n"}).status, 99);
 }
 
-TEST_P(PipesAndDevices, AsTheNewFileTheyStay) {
+TEST_P(PipesAndDevices, StayWhenNamedAsNewFile) {
     Region east = quiet_region();
     east.chooses_file(east.path("odd")).aborts();
     EXPECT_EQ(run_with_planted(east, "odd", {"A=26", "R=n"}).status, 110);
@@ -74,14 +74,14 @@ TEST_P(PipesAndDevices, AsTheNewFileTheyStay) {
     EXPECT_FALSE(S_ISREG(status.st_mode));
 }
 
-TEST_P(PipesAndDevices, AsTheNewFilesUnfinishedName) {
+TEST_P(PipesAndDevices, AreReplacedAsUnfinishedNewFile) {
     Region east = quiet_region();
     east.chooses_file(east.path("new.txt")).aborts();
     EXPECT_EQ(run_with_planted(east, "\".gatescope_new_$$\"", {"A=26", "R=n"}).status, 110);
     EXPECT_NE(east.file("new.txt"), "");
 }
 
-TEST_P(PipesAndDevices, AsTemporaryFiles) {
+TEST_P(PipesAndDevices, AreReplacedAsTemporaryFiles) {
     Region east = quiet_region();
     east.operator_picks(PICK).answers_yes();
     EXPECT_EQ(run_with_planted(east,
@@ -98,7 +98,7 @@ TEST_P(PipesAndDevices, AsTemporaryFiles) {
     EXPECT_EQ(east.field(7, 2), "new message");
 }
 
-TEST_P(PipesAndDevices, AsAnAnswerThatADialogLeaves) {
+TEST_P(PipesAndDevices, CountAsCancelWhenDialogLeavesThemAsAnswer) {
     Region east = quiet_region();
     east.answers({.kind = "list",
                   .meanwhile = GetParam() + "for f in tmp/*_result_*; do plant \"$f\"; done"})
@@ -107,7 +107,7 @@ TEST_P(PipesAndDevices, AsAnAnswerThatADialogLeaves) {
     EXPECT_EQ(east.field(2, 3), "O");
 }
 
-TEST_P(PipesAndDevices, AsEveryFileOfTheLogs) {
+TEST_P(PipesAndDevices, AreSkippedAsLogs) {
     const std::string logs = "$(seq -f depot/log/logging_%g.txt 0 19)";
     Region east = quiet_region();
     const Args query = {"Q=1", "C=*", "U=*", "D=n", "R=n"};
@@ -118,7 +118,7 @@ TEST_P(PipesAndDevices, AsEveryFileOfTheLogs) {
               99);
 }
 
-TEST_P(PipesAndDevices, AsThePage) {
+TEST_P(PipesAndDevices, AreRefusedAsPage) {
     Region east = quiet_region();
     // The page has the second in its name.
     const std::string pages =
@@ -133,3 +133,4 @@ INSTANTIATE_TEST_SUITE_P(Planted, PipesAndDevices, testing::Values(PIPE, ZERO),
                          });
 
 }  // namespace
+}  // namespace gatescope

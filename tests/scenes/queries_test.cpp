@@ -1,4 +1,4 @@
-// The six queries, each asked and given, from the menu and from the command line.
+// The six queries, from the menu and from the command line, with and without their dialogs.
 
 #include <gtest/gtest.h>
 
@@ -9,6 +9,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 const std::string BIT_LIST =
@@ -49,13 +50,13 @@ const std::string COMMAND_LIST =
 const Dialog COMMAND_DIALOG =
     listed("Select triggerable command to display usage for...", COMMAND_LIST);
 const Dialog BIT_DIALOG = listed("Select Functionility Bit to display usage for...", BIT_LIST);
-// The quotes around the star meet those that the text itself is put into, and vanish.
+// The quotes around the star end and reopen those around the text, so the shell removes them.
 const Dialog USER_DIALOG = prompted("Input user to display usage for or * for all users:", "*");
 const Dialog KEY_DIALOG =
     prompted("Input Command Key Number to display denials for (* for all keys):", "*");
 const Dialog CPD_DIALOG = prompted("Input CPD Number to display denials for (* for all CPD):", "*");
 
-/// Records of today: what each query counts, and what it does not.
+/// Records of today: some that each query counts, and others.
 std::string records() {
     const std::string now = std::to_string(std::time(nullptr));
     std::string text;
@@ -109,7 +110,7 @@ void answer(Region& region, char dialog, const std::string& text) {
     }
 }
 
-// What is asked, and what becomes of it. With every parameter given nothing is asked.
+// The dialogs of each query and its heading. With every parameter given there is no dialog.
 
 constexpr bool LITE = true;
 
@@ -117,7 +118,7 @@ struct Row {
     const char* name;
     const char* args;
     const char* dialogs;
-    /// With a '|' between them.
+    /// Separated by '|'.
     const char* answers;
     const char* heading;
     bool lite = false;
@@ -211,7 +212,7 @@ TEST_P(Query, AsksForWhatIsMissingAndWritesItsPage) {
 INSTANTIATE_TEST_SUITE_P(Queries, Query, testing::ValuesIn(ROWS),
                          [](const testing::TestParamInfo<Row>& row) { return row.param.name; });
 
-TEST(Queries, ACancelAtAnyDialogWritesNoPageAndReadsNoLog) {
+TEST(Queries, WriteNoPageAndReadNoLogWhenCancelled) {
     struct Cancel {
         const char* query;
         const char* answered;
@@ -222,7 +223,7 @@ TEST(Queries, ACancelAtAnyDialogWritesNoPageAndReadsNoLog) {
     const std::map<char, std::string> answers = {
         {'C', "checkin"}, {'B', "05 - BIT__VOB_OWNER_CI_MAIN"}, {'K', "1"}, {'U', "ann"}};
     for (const auto& [query, answered] : CANCELS) {
-        // Reading a log that holds nothing would be reported.
+        // Reading an empty log would show a message.
         Region east = a_region();
         const std::string before = answered;
         for (const char dialog : before) answer(east, dialog, answers.at(dialog));
@@ -239,7 +240,7 @@ TEST(Queries, CountTheRecordsOfTheirKindUserAndEdition) {
         const char* args;
         bool lite;
         const char* there;
-        const char* missing = "nothing else is looked for";
+        const char* missing = "no text of a page";
     };
     constexpr Counted COUNTS[] = {
         {"Q=4 U=*", !LITE, "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"},
@@ -260,7 +261,7 @@ TEST(Queries, CountTheRecordsOfTheirKindUserAndEdition) {
     }
 }
 
-TEST(Queries, WithoutAnyRecordTheOperatorIsToldAndThePageDrawn) {
+TEST(Queries, ReportMissingDataAndWritePage) {
     Region east = a_region();
     const Result result = east.run({"Q=1", "C=*", "U=*", "D=n", "R=n"});
     EXPECT_EQ(result.status, 110);
@@ -268,7 +269,7 @@ TEST(Queries, WithoutAnyRecordTheOperatorIsToldAndThePageDrawn) {
     EXPECT_EQ(east.pages().size(), 1u);
 }
 
-TEST(Queries, OldRecordsRaiseOneWarning) {
+TEST(Queries, WarnOnceOfOldRecords) {
     const std::time_t old = std::time(nullptr) - 200 * 86400;
     std::string records;
     for (int i = 0; i < 50; ++i) records += std::to_string(old + i) + ":S:ann[2]-<->\n";
@@ -280,9 +281,9 @@ TEST(Queries, OldRecordsRaiseOneWarning) {
     EXPECT_FALSE(holds(result.out, "There was no data"));
 }
 
-// From the menu, and again.
+// From the menu, and several in one run.
 
-TEST(Queries, TheMenuRunsThemAndComesUpAgain) {
+TEST(Queries, ReturnToMenu) {
     Region east = a_region_with_records();
     east.operator_picks("Q01 - Commands/Users (success/denied) over Time")
         .operator_picks("*")
@@ -296,13 +297,13 @@ TEST(Queries, TheMenuRunsThemAndComesUpAgain) {
     EXPECT_EQ(east.pages().size(), 2u);
 }
 
-TEST(Queries, ARepeatedRunStopsAfterOnePassFromTheMenuToo) {
+TEST(Queries, EndAfterOneRequestFromMenu) {
     Region east = a_region_with_records();
     east.operator_picks("Q04 - Bit vs. Bit (per user) usage over Time").types("*");
     EXPECT_EQ(east.run({"D=n", "R=n"}).status, 110);
 }
 
-TEST(Queries, ParametersOfTheCommandLineStayForLaterQueries) {
+TEST(Queries, KeepParametersOfCommandLineForLaterQueries) {
     Region east = a_region_with_records();
     east.operator_picks("Q06 - Commands/Users (success/denied) over Time by parent policy")
         .cancels();
@@ -312,32 +313,32 @@ TEST(Queries, ParametersOfTheCommandLineStayForLaterQueries) {
     EXPECT_EQ(east.pages().size(), 2u);
 }
 
-TEST(Queries, FiltersOfOneQueryDoNotReachTheNext) {
+TEST(Queries, DoNotKeepFiltersForNextQuery) {
     Region east = a_region_with_records();
     east.operator_picks("Q04 - Bit vs. Bit (per user) usage over Time").cancels();
     east.run({"Q=3", "K=1", "U=*", "C=rmelem", "D=n"});
     ASSERT_EQ(east.pages().size(), 2u);
     for (const std::string& name : east.pages()) {
         if (!name.ends_with("_Q04.html")) continue;
-        // The command filter of the first query would leave nothing to count.
+        // With the command filter of the first query there would be nothing to count.
         EXPECT_TRUE(holds(east.file("depot/query_results/" + name),
                           "The BIT__VOB_OWNER_CI_MAIN bit was invoked 2 times"));
     }
 }
 
-TEST(Queries, AQueryNumberEndsAtItsFirstLetter) {
+TEST(Queries, ReadQueryNumberUpToFirstLetter) {
     Region east = a_region_with_records().without_dialogs();
     EXPECT_EQ(east.run({"Q=2abc", "B=5", "U=*", "D=n", "R=n"}).status, 110);
     EXPECT_TRUE(east.pages().at(0).ends_with("_Q02.html"));
 }
 
-TEST(Queries, ANeighbourOfTheCommandIsAcceptedAndTheFirstIsCounted) {
+TEST(Queries, AcceptNeighbouringCommandsAsOneValue) {
     Region east = a_region_with_records().without_dialogs();
     EXPECT_EQ(east.run({"Q=1", "C=checkin,checkout", "U=*", "D=n", "R=n"}).status, 110);
     EXPECT_TRUE(holds(heading_of(east.page()), "the (checkin,checkout) command"));
 }
 
-TEST(Queries, TheInstallerHasNone) {
+TEST(Queries, AreRefusedDuringInstallation) {
     for (const char* query : {"Q=1", "Q=2", "Q=3", "Q=4", "Q=5", "Q=6"}) {
         Region east = a_region_with_records();
         const Result result = east.run({"-during_install", query, "R=n"});
@@ -351,7 +352,7 @@ TEST(Queries, TheInstallerHasNone) {
 
 // The browser.
 
-TEST(Queries, APageIsShownInTheBrowserOfTheGatebitsFile) {
+TEST(Queries, ShowPageInBrowserOfGatebitsFile) {
     Region east = a_region_with_records();
     const Result result = east.run({"Q=4", "U=*", "R=n"});
     EXPECT_EQ(result.status, 110);
@@ -363,7 +364,7 @@ TEST(Queries, APageIsShownInTheBrowserOfTheGatebitsFile) {
     EXPECT_EQ(result.out, "");
 }
 
-TEST(Queries, ABrowserThatFailsAtOnceIsReportedWithItsRawStatus) {
+TEST(Queries, ReportRawStatusOfFailingBrowser) {
     Region east = a_region_with_records();
     east.program_answers("browser", {.status = 3});
     const Result result = east.run({"Q=4", "U=*", "R=n"});
@@ -372,7 +373,7 @@ TEST(Queries, ABrowserThatFailsAtOnceIsReportedWithItsRawStatus) {
                                               east.path("bin/browser") + "..."));
 }
 
-TEST(Queries, AMissingBrowserIsReportedAndThePageStays) {
+TEST(Queries, ReportMissingBrowserAndKeepPage) {
     Region east = a_region_with_records().with_variable(2, "/no/such/browser").without_dialogs();
     const Result result = east.run({"Q=4", "U=*", "R=n"});
     EXPECT_EQ(result.status, 110);
@@ -391,7 +392,7 @@ TEST(Queries, AMissingBrowserIsReportedAndThePageStays) {
                         west.gatebits_path() + ")\nfor region (east)\n");
 }
 
-TEST(Queries, AnUnwritableResultsDirectoryIsFatal) {
+TEST(Queries, EndWith99WhenResultsDirectoryCannotBeWritten) {
     Region east = a_region_with_records().with_variable(6, "/no/such/dir").without_dialogs();
     const Result result = east.run({"Q=4", "U=*", "D=n", "R=n"});
     EXPECT_EQ(result.status, 99);
@@ -399,7 +400,7 @@ TEST(Queries, AnUnwritableResultsDirectoryIsFatal) {
         << result.out;
 }
 
-/// The lines of the numbers beside the one page, without their ends.
+/// The lines of the only CSV file, without their ends.
 std::vector<std::string> numbers_of(const Region& region) {
     std::vector<std::string> lines;
     for (const std::string& name : region.pages()) {
@@ -413,7 +414,7 @@ std::vector<std::string> numbers_of(const Region& region) {
     return lines;
 }
 
-TEST(Queries, NumbersStandBesideThePageWhereTheyAreWanted) {
+TEST(Queries, WriteNumbersBesidePageWhenEnabled) {
     struct Case {
         const char* query;
         const char* header;
@@ -444,7 +445,7 @@ TEST(Queries, NumbersStandBesideThePageWhereTheyAreWanted) {
     }
 }
 
-TEST(Queries, AllLogsAreCountedWithFewDescriptors) {
+TEST(Queries, CountAllLogsWithFewDescriptors) {
     const std::string record = std::to_string(std::time(nullptr)) + ":S:ann[2]-<->\n";
     std::string records;
     for (int i = 0; i < 100; ++i) records += record;
@@ -457,13 +458,13 @@ TEST(Queries, AllLogsAreCountedWithFewDescriptors) {
     EXPECT_TRUE(numbers_of(east).back().ends_with(",2100,0")) << numbers_of(east).back();
 }
 
-TEST(Queries, WithoutTheWishThereAreNoNumbers) {
+TEST(Queries, WriteNoNumbersUnlessEnabled) {
     Region east = a_region_with_records().with_env("ZUL_GATESCOPE_CSV", "no").without_dialogs();
     EXPECT_EQ(east.run({"Q=4", "U=*", "D=n", "R=n"}).status, 110);
     EXPECT_EQ(east.pages().size(), 1U);
 }
 
-TEST(Queries, AUserIsTextInThePage) {
+TEST(Queries, EscapeUserInPage) {
     Region east = a_region_with_records().without_dialogs();
     EXPECT_EQ(east.run({"Q=4", "U=<script>\"&", "D=n", "R=n"}).status, 110);
     EXPECT_TRUE(holds(heading_of(east.page()), "for the user (&lt;script&gt;&quot;&amp;)"));
@@ -471,7 +472,7 @@ TEST(Queries, AUserIsTextInThePage) {
 
 // Demo data.
 
-TEST(DemoData, FillsTheLastLogFileAndEndsWell) {
+TEST(DemoData, FillsLastLogAndEndsWithZero) {
     Region east = a_region().without_dialogs();
     const Result result = east.run({"-data_gen"});
     EXPECT_EQ(result.status, 0);
@@ -484,7 +485,7 @@ TEST(DemoData, FillsTheLastLogFileAndEndsWell) {
     EXPECT_EQ(east.files_in("depot/log"), std::vector<std::string>{"logging_20.txt"});
 }
 
-TEST(DemoData, ASecondRunAppendsAsManyMore) {
+TEST(DemoData, AppendsAsManyRecordsInSecondRun) {
     Region east = a_region().without_dialogs();
     east.run({"-data_gen"});
     const std::string first = east.log(20);
@@ -494,7 +495,7 @@ TEST(DemoData, ASecondRunAppendsAsManyMore) {
     EXPECT_EQ(std::count(both.begin(), both.end(), '\n'), 100000);
 }
 
-TEST(DemoData, AnUnwritableLogDirectoryIsFatal) {
+TEST(DemoData, EndsWith99WhenLogDirectoryCannotBeWritten) {
     Region east = a_region().with_variable(4, "/no/such/dir").without_dialogs();
     const Result result = east.run({"-data_gen"});
     EXPECT_EQ(result.status, 99);
@@ -502,3 +503,4 @@ TEST(DemoData, AnUnwritableLogDirectoryIsFatal) {
 }
 
 }  // namespace
+}  // namespace gatescope

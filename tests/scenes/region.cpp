@@ -10,6 +10,8 @@
 
 #include "scenes/child_process.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -30,7 +32,7 @@ void replace_all(std::string& text, const std::string& sought, const std::string
     }
 }
 
-/// Process ids come in the order of the starts, but begin anew after the largest one.
+/// Process ids rise with the starts, and wrap around after the largest.
 void sort_by_start(std::vector<RecordedCall>& calls, long first_pid) {
     const long largest = std::stol(file_text("/proc/sys/kernel/pid_max"));
     const auto age = [&](const RecordedCall& call) {
@@ -48,14 +50,14 @@ std::vector<RecordedCall> read_journal(const fs::path& path) {
     return calls;
 }
 
-/// The program that was built beside the tests, or one that scripts/machines starts for them.
+/// The program built with the tests, unless the environment names another (scripts/machines).
 std::string tested_program() {
     const char* other = std::getenv("GATESCOPE_TESTED_PROGRAM");
     return other != nullptr ? other : GATESCOPE_PROGRAM;
 }
 
-/// A path to a temporary file of the program, the same in every run.
-std::string without_numbers(std::string argument, const std::string& directory, long pid) {
+/// `argument` with directory and process id replaced, if it is a temporary file of the program.
+std::string with_placeholders(std::string argument, const std::string& directory, long pid) {
     if (!argument.starts_with(directory + "/")) return argument;
     argument.replace(0, directory.size(), "{tmp}");
     replace_all(argument, "_" + std::to_string(pid), "_{pid}");
@@ -274,9 +276,9 @@ Result Region::run_program(const std::string& program, const std::string& name, 
     result.out = finished.out;
     result.err = finished.err;
     result.pid = finished.pid;
-    EXPECT_FALSE(finished.timed_out) << "the program, or a child of it, never ended";
-    take_journal(result);
-    look_for_faults(result, in_tmp_before);
+    EXPECT_FALSE(finished.timed_out) << "the program or a child did not end";
+    read_calls(result);
+    fail_on_faults(result, in_tmp_before);
     return result;
 }
 
@@ -292,15 +294,15 @@ void Region::enter() const {
 }
 
 Result Region::shown_so_far() {
-    EXPECT_TRUE(wait_for_all_descendants()) << "a child never ended";
+    EXPECT_TRUE(wait_for_all_descendants()) << "a child did not end";
     Result result;
     result.pid = getpid();
-    take_journal(result);
-    look_for_faults(result, files_in("tmp"));
+    read_calls(result);
+    fail_on_faults(result, files_in("tmp"));
     return result;
 }
 
-void Region::take_journal(Result& result) const {
+void Region::read_calls(Result& result) const {
     result.calls = read_journal(path(STAGE_JOURNAL));
     fs::remove(path(STAGE_JOURNAL));
     sort_by_start(result.calls, result.pid);
@@ -308,14 +310,14 @@ void Region::take_journal(Result& result) const {
         if (call.program != "clearprompt") continue;
         Dialog dialog{call.args, call.waited, call.shown};
         for (std::string& argument : dialog.args) {
-            argument = without_numbers(argument, temporary_directory(), result.pid);
+            argument = with_placeholders(argument, temporary_directory(), result.pid);
         }
         result.dialogs_.push_back(dialog);
     }
 }
 
-void Region::look_for_faults(const Result& result,
-                             const std::vector<std::string>& in_tmp_before) const {
+void Region::fail_on_faults(const Result& result,
+                            const std::vector<std::string>& in_tmp_before) const {
     for (const RecordedCall& call : result.calls) {
         if (call.error.empty()) continue;
         ADD_FAILURE() << call.error << ": " << call.program << " "
@@ -327,7 +329,7 @@ void Region::look_for_faults(const Result& result,
         const std::string text = file_text(entry.path());
         std::string_view rest = text;
         const auto answer = take<ScriptedAnswer>(rest);
-        ADD_FAILURE() << "nobody asked for the answer " << entry.path().filename() << " of "
+        ADD_FAILURE() << "no dialog used the answer " << entry.path().filename() << " of "
                       << entry.path().parent_path().filename() << ": " << answer.kind << " status "
                       << answer.status << " '" << answer.outfile.value_or("") << "'";
         fs::remove(entry.path());
@@ -400,3 +402,5 @@ std::string Region::page() const {
     EXPECT_EQ(names.size(), 1u);
     return names.empty() ? "" : file("depot/query_results/" + names.front());
 }
+
+}  // namespace gatescope

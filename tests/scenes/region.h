@@ -9,10 +9,11 @@
 #include "scenes/journal.h"
 #include "support/scratch_directory.h"
 
-// A region on a stage of its own: a directory with its gatebits file, depot, logs and results, a
-// directory for temporary files, and stand-ins for every program that gatescope starts. A scene
-// says what the operator answers, runs the real program, and looks at what was asked, what was
-// said and what the files hold.
+namespace gatescope {
+
+// A region on its own stage: a directory with a gatebits file, depot, logs and results, a directory
+// for temporary files, and stand-ins for every program that gatescope starts. A scene scripts the
+// operator's answers, runs the real program, and compares the dialogs, the output and the files.
 //
 //     Region east = a_region().with_key("pre_checkin;R; ;");
 //     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
@@ -21,7 +22,7 @@
 
 using Args = std::vector<std::string>;
 
-/// How a region is set up. In every text "{stage}" stands for the directory of the stage.
+/// The set-up of a region. In every text "{stage}" stands for the directory of the stage.
 class RegionPlan {
   public:
     RegionPlan& named(const std::string& name);
@@ -36,7 +37,7 @@ class RegionPlan {
     /// gatescope's own settings: see tool_variables.h for the numbers.
     RegionPlan& with_variable(int index, const std::string& value);
     RegionPlan& without_variables();
-    /// The whole gatebits file, in place of all of the above.
+    /// The whole gatebits file, instead of all of the above.
     RegionPlan& with_gatebits(const std::string& text);
     RegionPlan& without_gatebits_file();
 
@@ -72,17 +73,17 @@ class RegionPlan {
 /// A sound region "east" of the full edition with logging off, no keys and no aliases.
 RegionPlan a_region();
 
-/// What came of a run.
+/// The result of a run.
 struct Result {
-    /// The exit status; 128 and the signal's number when a signal ended the program.
+    /// The exit status; 128 plus the signal's number when a signal ended the program.
     int status = -1;
     std::string out;
     std::string err;
     long pid = 0;
-    /// Every call of a stand-in, in order of its start.
+    /// Every call of a stand-in, in the order of their starts.
     std::vector<RecordedCall> calls;
 
-    /// What the operator was shown, in order.
+    /// The dialogs of the run, in order.
     Dialogs dialogs() const { return dialogs_; }
     /// The arguments of every call of the checker, cleartool or the browser, in order.
     std::vector<Args> calls_of(const std::string& program) const;
@@ -94,14 +95,14 @@ class Region {
   public:
     Region(const RegionPlan& plan);
 
-    // The script: answers are used up in this order, one a dialog. A dialog without an answer, of
-    // another kind than the answer's, or an answer that is left over, fails the scene. Boxes with
-    // one button answer themselves.
+    // The script: answers are used in this order, one per dialog. A dialog without an answer, an
+    // answer for another kind of dialog, and an unused answer fail the scene. Boxes with one button
+    // need no answer.
 
     Region& answers_yes();
     Region& answers_no();
     Region& aborts();
-    /// Picks an entry that the list has to offer.
+    /// Picks an entry; fails the scene unless the list offers it.
     Region& operator_picks(const std::string& entry);
     Region& operator_picks_several(const std::vector<std::string>& entries);
     /// Types into a text prompt.
@@ -112,27 +113,27 @@ class Region {
     Region& closes_view();
     /// Cancels a list, a prompt or a file dialog.
     Region& cancels();
-    /// Anything else.
+    /// Any other answer.
     Region& answers(const ScriptedAnswer& answer);
-    /// The next box with one button ends with this status, whatever it shows.
+    /// The next box with one button ends with this status.
     Region& box_ends_with(int status);
     /// The next runs of the checker end with these exit statuses; 0 after them.
     Region& checker_ends_with(const std::vector<int>& statuses);
     /// The next call of "gatewarden", "cleartool" or "browser".
     Region& program_answers(const std::string& program, const ScriptedAnswer& answer);
 
-    /// Runs gatescope and waits for it and for everything that it started.
+    /// Runs gatescope and waits for it and all its descendants.
     Result run(const Args& args = {});
-    /// Runs another program in its place, with this argv[0].
+    /// Runs another program instead, with this argv[0].
     Result run_program(const std::string& program, const std::string& name, const Args& args);
 
-    /// Runs gatescope from a shell that has obeyed `preparation` before, say "exec 1>&-".
+    /// Runs gatescope from a shell after the command `preparation`, for example "exec 1>&-".
     Result run_after(const std::string& preparation, const Args& args = {});
 
-    /// Puts this process itself on the stage: from now on what it starts are the stand-ins, in the
-    /// stage's environment. For tests of single functions.
+    /// Gives this process the stage's environment, so that it starts the stand-ins. For tests of
+    /// single functions.
     void enter() const;
-    /// What has been shown since this process entered the stage or asked last.
+    /// The calls since enter() or the last call of this function.
     Result shown_so_far();
 
     /// A path on the stage.
@@ -141,11 +142,11 @@ class Region {
     std::string checker_path() const { return path("bin/gatewarden"); }
     std::string temporary_directory() const { return path("tmp"); }
 
-    /// The bytes of a file on the stage; an empty text when it is not there.
+    /// The bytes of a file on the stage; empty if it does not exist.
     std::string file(const std::string& name) const;
     bool has_file(const std::string& name) const;
     std::string gatebits() const { return file("gatebits.txt"); }
-    /// Significant line n, and field f of it, of the gatebits file, read without gatescope.
+    /// Significant line n of the gatebits file, and its field f, read without gatescope's code.
     std::string line(int n) const;
     std::string field(int n, int f) const;
     std::string log(int number) const;
@@ -160,16 +161,18 @@ class Region {
     void set_env(const std::string& name, const std::string& value) { env_[name] = value; }
     void write_file(const std::string& name, const std::string& content) const;
 
-    /// `text` with "{stage}" filled in.
+    /// `text` with "{stage}" replaced.
     std::string staged(std::string text) const;
 
   private:
     Region& script(const std::string& queue, const ScriptedAnswer& answer);
     void install_stand_ins(bool with_checker) const;
-    void take_journal(Result& result) const;
-    void look_for_faults(const Result& result, const std::vector<std::string>& in_tmp_before) const;
+    void read_calls(Result& result) const;
+    void fail_on_faults(const Result& result, const std::vector<std::string>& in_tmp_before) const;
 
     ScratchDirectory stage_;
     std::map<std::string, std::string> env_;
     int answers_scripted_ = 0;
 };
+
+}  // namespace gatescope

@@ -1,9 +1,10 @@
-// A run with a damaged gatebits file says why and does nothing.
+// A damaged gatebits file ends the run with its error.
 
 #include <gtest/gtest.h>
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 struct Damage {
@@ -46,7 +47,7 @@ INSTANTIATE_TEST_SUITE_P(
                "semicolon(s) ';'"}),
     [](const testing::TestParamInfo<Damage>& row) { return row.param.name; });
 
-TEST(RegionLoading, AnEmptyOrOversizedFileIsFatalAndStaysAsItIs) {
+TEST(RegionLoading, EndsWith99OnEmptyOrOversizedFileAndKeepsIt) {
     for (const std::string& text : {std::string(), std::string("\n\n"), std::string(30001, 'x')}) {
         Region east = a_region().with_gatebits(text).without_dialogs();
         const Result result = east.run({"A=8", "R=n"});
@@ -56,7 +57,7 @@ TEST(RegionLoading, AnEmptyOrOversizedFileIsFatalAndStaysAsItIs) {
     }
 }
 
-TEST(RegionLoading, AFileThatVanishesWhileADialogIsOpenIsFatal) {
+TEST(RegionLoading, EndsWith99WhenFileVanishesDuringDialog) {
     Region east = a_region().without_dialogs();
     east.answers({.kind = "list",
                   .outfile = "A08 - View/Change Region Logging Personality",
@@ -66,18 +67,18 @@ TEST(RegionLoading, AFileThatVanishesWhileADialogIsOpenIsFatal) {
     EXPECT_EQ(result.out, "ERROR: Can't open the enterprise permissions file.....\n");
 }
 
-TEST(RegionLoading, ARelocatedLogDirectoryIsTheOneThatIsRead) {
+TEST(RegionLoading, ReadsRelocatedLogDirectory) {
     Region east = a_region()
                       .with_variable(4, "{stage}/elsewhere")
                       .with_variable(5, "W:\\log")
                       .with_file("elsewhere/logging_0.txt", "no record\n");
-    // Words were read, so nobody is told that there was no data.
+    // The log has words, so that the message about missing data does not come.
     const Result result = east.run({"Q=4", "U=*", "D=n", "R=n"});
     EXPECT_EQ(result.status, 110);
     EXPECT_TRUE(result.dialogs().empty());
 }
 
-TEST(RegionLoading, ARelocatedResultsDirectoryIsTheOneThatIsWritten) {
+TEST(RegionLoading, WritesToRelocatedResultsDirectory) {
     Region east = a_region()
                       .with_variable(6, "{stage}/home")
                       .with_variable(7, "W:\\results")
@@ -87,7 +88,7 @@ TEST(RegionLoading, ARelocatedResultsDirectoryIsTheOneThatIsWritten) {
     EXPECT_TRUE(east.pages().empty());
 }
 
-TEST(Startup, AnUnwritableTemporaryDirectoryIsFatalBeforeAnyArgumentIsLookedAt) {
+TEST(Startup, ChecksTemporaryDirectoryBeforeArguments) {
     Region east = a_region().with_env("tmp", "/no/such/dir").with_env("temp", "{stage}/tmp");
     const Result result = east.run({"nonsense"});
     EXPECT_EQ(result.status, 99);
@@ -96,7 +97,7 @@ TEST(Startup, AnUnwritableTemporaryDirectoryIsFatalBeforeAnyArgumentIsLookedAt) 
                              "required writable... exiting")});
 }
 
-TEST(Startup, ARemoteClientsMessagesAreWaitedFor) {
+TEST(Startup, WaitsForMessagesOfRemoteClient) {
     Region east = a_region().with_env("ATRIA_WEB_CLEARPROMPT", "");
     const Result result = east.run({"-kudos"});
     ASSERT_EQ(result.dialogs().size(), 1u);
@@ -104,3 +105,4 @@ TEST(Startup, ARemoteClientsMessagesAreWaitedFor) {
 }
 
 }  // namespace
+}  // namespace gatescope

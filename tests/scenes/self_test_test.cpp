@@ -4,6 +4,7 @@
 
 #include "scenes/region.h"
 
+namespace gatescope {
 namespace {
 
 TEST(SelfTest, TriesEveryKindOfDialogInItsOrder) {
@@ -68,7 +69,7 @@ TEST(SelfTest, EndsWithStatusOneWithoutClearprompt) {
     EXPECT_EQ(result.dialogs().size(), 1u);
 }
 
-TEST(SelfTest, SaysByItselfWhichProgramIsNotThere) {
+TEST(SelfTest, NamesMissingProgramOnStandardOutputOnly) {
     Region east = a_region().with_env("PATH", "/usr/bin:/bin");
     const Result result = east.run({"-general_test"});
     EXPECT_EQ(result.status, 1);
@@ -96,7 +97,7 @@ TEST(SelfTest, EndsWithStatusOneWithoutCleartool) {
               "exiting..");
 }
 
-TEST(SelfTest, WithoutDialogsReportsArePrintedInTheOrderOfEvents) {
+TEST(SelfTest, PrintsReportsInOrderWithoutDialogs) {
     Region east = a_region().without_dialogs();
     east.cancels().cancels().cancels().answers_yes().answers_yes().answers_yes().answers_yes();
     east.program_answers("cleartool", {.out = "version 9\n"});
@@ -117,3 +118,4 @@ TEST(SelfTest, WithoutDialogsReportsArePrintedInTheOrderOfEvents) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,5 +1,5 @@
-// Plays clearprompt, cleartool, the checker and the browser on a stage: it stands there under
-// each of these names, writes down how it was called, and answers as the scene has scripted.
+// Replaces clearprompt, cleartool, the checker and the browser on a stage: it is linked there under
+// each of these names, records its calls, and answers from the scene's script.
 
 #include <fcntl.h>
 #include <signal.h>
@@ -18,21 +18,23 @@
 #include "scenes/journal.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
 
-/// What an unscripted question is answered with: abort, in the words of clearprompt.
-constexpr int NO_ANSWER = 2;
+/// The exit status of clearprompt for abort: the answer to an unscripted question.
+constexpr int ABORT_STATUS = 2;
 
-/// The value after an option, if that is there.
+/// The value after an option, if the option was given.
 std::optional<std::string> option(const RecordedCall& record, const std::string& name) {
     const auto found = std::find(record.args.begin(), record.args.end(), name);
     if (found == record.args.end() || found + 1 == record.args.end()) return std::nullopt;
     return *(found + 1);
 }
 
-/// The shell starts what it does not wait for with interrupts ignored.
+/// The shell starts background processes with interrupts ignored.
 bool is_waited_for() {
     struct sigaction action = {};
     sigaction(SIGINT, nullptr, &action);
@@ -45,7 +47,7 @@ bool is_box_with_one_button(const RecordedCall& record) {
            option(record, "-mask").value_or(",").find(',') == std::string::npos;
 }
 
-/// Takes the next scripted answer of `queue` away, under the stage's lock.
+/// Removes the next scripted answer of `queue` under the stage's lock, and returns it.
 std::optional<ScriptedAnswer> next_answer(const fs::path& stage, const std::string& queue) {
     const int lock = open((stage / STAGE_LOCK).c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     flock(lock, LOCK_EX);
@@ -72,8 +74,8 @@ bool is_offered(const RecordedCall& record, const std::string& pick) {
     return items.find("," + pick + ",") != std::string::npos;
 }
 
-/// Why the scripted answer does not fit the dialog; empty when it does.
-std::string misfit(const RecordedCall& record, const ScriptedAnswer& answer) {
+/// Why the scripted answer does not match the dialog; empty if it does.
+std::string mismatch(const RecordedCall& record, const ScriptedAnswer& answer) {
     const std::string kind = record.args.empty() ? "" : record.args.front();
     if (!answer.kind.empty() && answer.kind != kind) {
         return "a " + kind + " dialog came where the scene answers a " + answer.kind + " dialog";
@@ -87,7 +89,7 @@ std::string misfit(const RecordedCall& record, const ScriptedAnswer& answer) {
     return "";
 }
 
-void write_down(const fs::path& stage, const RecordedCall& record) {
+void append_to_journal(const fs::path& stage, const RecordedCall& record) {
     const std::string text = to_text(record);
     const int journal =
         open((stage / STAGE_JOURNAL).c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
@@ -95,29 +97,29 @@ void write_down(const fs::path& stage, const RecordedCall& record) {
     close(journal);
 }
 
-void hold_all_signals() {
+void block_all_signals() {
     sigset_t all;
     sigfillset(&all);
     sigprocmask(SIG_BLOCK, &all, nullptr);
 }
 
-/// Stays on the screen for a while; under held signals, until it is asked to end.
-void stay(const ScriptedAnswer& answer) {
+/// Waits for the answer's delay; a stubborn dialog at most until TERM, INT or HUP.
+void show_for_a_while(const ScriptedAnswer& answer) {
     const std::chrono::milliseconds delay(answer.delay_milliseconds);
     if (!answer.stubborn) {
         std::this_thread::sleep_for(delay);
         return;
     }
-    sigset_t asking;
-    sigemptyset(&asking);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&asking, signal);
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaddset(&ending, signal);
     const std::chrono::nanoseconds rest = delay % std::chrono::seconds(1);
     const timespec end = {delay / std::chrono::seconds(1), static_cast<int>(rest.count())};
-    sigtimedwait(&asking, nullptr, &end);
+    sigtimedwait(&ending, nullptr, &end);
 }
 
-int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAnswer& answer) {
-    stay(answer);
+int carry_out(const fs::path& stage, const RecordedCall& record, const ScriptedAnswer& answer) {
+    show_for_a_while(answer);
     if (!answer.meanwhile.empty()) {
         const std::string command = "cd '" + stage.string() + "' && " + answer.meanwhile;
         if (std::system(command.c_str()) != 0) std::perror("meanwhile");
@@ -131,8 +133,10 @@ int perform(const fs::path& stage, const RecordedCall& record, const ScriptedAns
 }
 
 }  // namespace
+}  // namespace gatescope
 
 int main(int argc, char** argv) {
+    using namespace gatescope;
     const fs::path self = fs::read_symlink("/proc/self/exe");
     const fs::path stage = self.parent_path().parent_path();
     RecordedCall record;
@@ -149,16 +153,16 @@ int main(int argc, char** argv) {
     if (!answer) {
         answer = ScriptedAnswer();
         if (record.program == "clearprompt" && !is_box) {
-            answer->status = NO_ANSWER;
+            answer->status = ABORT_STATUS;
             record.error = "the scene has no answer for this dialog";
         }
-    } else if (const std::string why = misfit(record, *answer); !why.empty()) {
+    } else if (const std::string why = mismatch(record, *answer); !why.empty()) {
         record.error = why;
         answer = ScriptedAnswer();
-        answer->status = NO_ANSWER;
+        answer->status = ABORT_STATUS;
     }
-    // Who reads in the journal that the dialog is up may send a signal then.
-    if (answer->stubborn) hold_all_signals();
-    write_down(stage, record);
-    return perform(stage, record, *answer);
+    // Before the journal shows the call: its reader may send a signal at once.
+    if (answer->stubborn) block_all_signals();
+    append_to_journal(stage, record);
+    return carry_out(stage, record, *answer);
 }

@@ -1,6 +1,6 @@
-// Started with standard streams closed, the program's files get no byte of what is meant for the
-// operator. Each way of closing them is tried with room on the disk, and with none where this
-// process may mount a small disk.
+// With standard streams closed, no output for the operator gets into a file of the program. Each
+// combination of closed streams is tried with free space, and on a full disk where this process may
+// mount one.
 
 #include <gtest/gtest.h>
 
@@ -13,20 +13,22 @@
 #include "faults/small_disk.h"
 #include "scenes/region.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
 
-struct Work {
+struct Task {
     const char* name;
     Args args;
     std::function<void(Region&)> answer;
-    /// The statuses with room on the disk, and without.
+    /// Exit statuses with free space and on a full disk.
     int status;
     int status_when_full;
 };
 
-const std::vector<Work> WORKS = {
+const std::vector<Task> TASKS = {
     {"Query", {"Q=1", "C=*", "U=*", "D=n", "R=n"}, [](Region&) {}, 110, 99},
     {"Edit",
      {"A=8", "R=n"},
@@ -39,14 +41,14 @@ const std::vector<Work> WORKS = {
     {"DemoData", {"-data_gen"}, [](Region&) {}, 0, 99},
 };
 
-void PrintTo(const Work& work, std::ostream* stream) {
-    *stream << work.name;
+void PrintTo(const Task& task, std::ostream* stream) {
+    *stream << task.name;
 }
 
 constexpr int CLOSINGS = 8;
 
-/// A shell line that closes the streams whose bits are set.
-std::string closing(int streams) {
+/// The shell command that closes the streams whose bits are set.
+std::string closing_command(int streams) {
     std::string line = "exec";
     for (int stream = 0; stream < 3; ++stream) {
         if ((streams >> stream & 1) != 0) line += " " + std::to_string(stream) + ">&-";
@@ -80,12 +82,12 @@ bool is_record(const std::string& line) {
     return line.empty() || line.find_first_not_of("0123456789") == 10;
 }
 
-/// Nothing but what belongs there stands in the files.
-void expect_own_bytes_only(const Region& east, const Work& work, const std::string& policy) {
+/// The policy file, the log and the pages must hold only their own content.
+void expect_own_content_only(const Region& east, const Task& task, const std::string& policy) {
     std::string changed = policy;
     changed.replace(changed.find(";O;"), 3, ";S;");
     const std::string now = east.file("disk/gatebits.txt");
-    EXPECT_TRUE(now == policy || (work.name == std::string("Edit") && now == changed)) << now;
+    EXPECT_TRUE(now == policy || (task.name == std::string("Edit") && now == changed)) << now;
     std::istringstream log(east.file(LOG));
     for (std::string line; std::getline(log, line);) ASSERT_PRED1(is_record, line);
     for (const std::string& page : east.files_in("disk/depot/query_results")) {
@@ -95,7 +97,7 @@ void expect_own_bytes_only(const Region& east, const Work& work, const std::stri
     }
 }
 
-class ClosedStreams : public testing::TestWithParam<Work> {
+class ClosedStreams : public testing::TestWithParam<Task> {
   protected:
     Result run(Region& east, int streams) const {
         fill_the_disk(east);
@@ -104,23 +106,23 @@ class ClosedStreams : public testing::TestWithParam<Work> {
     Result run_again(Region& east, int streams) const {
         const std::string policy = east.file("disk/gatebits.txt");
         GetParam().answer(east);
-        const Result result = east.run_after(closing(streams), GetParam().args);
-        expect_own_bytes_only(east, GetParam(), policy);
+        const Result result = east.run_after(closing_command(streams), GetParam().args);
+        expect_own_content_only(east, GetParam(), policy);
         return result;
     }
 };
 
-TEST_P(ClosedStreams, NoFileGetsWhatIsMeantForThem) {
+TEST_P(ClosedStreams, DoNotSendOutputToFiles) {
     for (int streams = 0; streams < CLOSINGS; ++streams) {
-        SCOPED_TRACE(closing(streams));
+        SCOPED_TRACE(closing_command(streams));
         Region east = region_on_a_disk();
         EXPECT_EQ(run(east, streams).status, GetParam().status);
     }
 }
 
-TEST_P(ClosedStreams, NorOnAFullDisk) {
+TEST_P(ClosedStreams, DoNotSendOutputToFilesOnFullDisk) {
     for (int streams = 0; streams < CLOSINGS; ++streams) {
-        SCOPED_TRACE(closing(streams));
+        SCOPED_TRACE(closing_command(streams));
         Region east = region_on_a_disk();
         const SmallDisk disk(east.path("disk"), 65536);
         if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
@@ -131,10 +133,10 @@ TEST_P(ClosedStreams, NorOnAFullDisk) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(StandardStreams, ClosedStreams, testing::ValuesIn(WORKS),
-                         [](const testing::TestParamInfo<Work>& row) { return row.param.name; });
+INSTANTIATE_TEST_SUITE_P(StandardStreams, ClosedStreams, testing::ValuesIn(TASKS),
+                         [](const testing::TestParamInfo<Task>& row) { return row.param.name; });
 
-TEST(StandardOutput, WhatItDoesNotTakeIsAnErrorWithItsReason) {
+TEST(StandardOutput, ReportsWriteErrorWithReason) {
     Region east = a_region().with_log(0, NEW_LOG).without_dialogs();
     const std::vector<Args> printing = {{"Q=1", "C=*", "U=*", "D=n", "R=n"},
                                         {"A=1", "D=n", "R=n"},
@@ -151,10 +153,11 @@ TEST(StandardOutput, WhatItDoesNotTakeIsAnErrorWithItsReason) {
     }
 }
 
-TEST(StandardOutput, WhoPrintsNothingDoesNotMind) {
+TEST(StandardOutput, IgnoresFullOutputWhenNothingIsPrinted) {
     Region east = a_region().without_dialogs();
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
     EXPECT_EQ(east.run_after("exec >/dev/full", {"A=8", "R=n"}).status, 110);
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,11 +1,13 @@
-// With strict quoting the checker and the browser get paths of any name as one argument, and
-// nothing in them is executed; without it the shell acts on them.
+// With strict quoting the checker and the browser get any path as one argument, unchanged; without
+// it the shell expands paths.
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "scenes/region.h"
+
+namespace gatescope {
 
 namespace fs = std::filesystem;
 
@@ -14,7 +16,7 @@ namespace {
 const std::string HOSTILE = "a b $(touch trace) `touch trace`&touch trace&\"' *";
 
 /// A region whose policy file, checker, browser and depot are in a directory of this name. Checker
-/// and browser write down how many arguments they get, and the first.
+/// and browser record the number of their arguments, and the first.
 Region region_in(const std::string& directory) {
     const std::string there = "{stage}/" + directory;
     const std::string recorder = "#!/bin/sh\nprintf '%s %s\\n' $# \"$1\" >{stage}/recorded\n";
@@ -38,7 +40,7 @@ std::string recorded(const Region& east) {
     return east.file("recorded");
 }
 
-TEST(StrictQuotingOfPaths, CheckerAndBrowserGetThemAsOneArgument) {
+TEST(StrictQuotingOfPaths, PassesPathsAsOneArgument) {
     Region east = region_in(HOSTILE);
     east.set_env("ZUL_GATESCOPE_STRICT_QUOTING", "yes");
     EXPECT_EQ(east.run({"A=23", "R=n"}).status, 110);
@@ -56,17 +58,18 @@ TEST(StrictQuotingOfPaths, CheckerAndBrowserGetThemAsOneArgument) {
     EXPECT_FALSE(east.has_file("trace"));
 }
 
-TEST(StrictQuotingOfPaths, WithoutItTheShellActsOnThem) {
+TEST(StrictQuotingOfPaths, ShellExpandsPathsWhenOff) {
     Region east = region_in("a $(touch trace) b");
     EXPECT_EQ(east.run({"A=23", "R=n"}).status, 110);
     EXPECT_TRUE(east.has_file("trace"));
     EXPECT_EQ(recorded(east), "");
 }
 
-TEST(StrictQuotingOfPaths, WithoutItAProgramIsStartedWhateverBackslashesItsPathHolds) {
+TEST(StrictQuotingOfPaths, StartsProgramWithBackslashesInPathWhenOff) {
     Region east = region_in(R"(a\\b\c)");
     EXPECT_EQ(east.run({"A=23", "R=n"}).status, 110);
     EXPECT_TRUE(recorded(east).starts_with("2 ")) << recorded(east);
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "scenes/actions.h"
 
+namespace gatescope {
 namespace {
 
 const std::string BROWSER = "#!gatescope_unix_browser=";
@@ -35,7 +36,7 @@ std::string browser_entry(const Region& region) {
     return "02 gatescope_unix_browser=" + region.path("bin/browser");
 }
 
-TEST(Settings, Confirmed) {
+TEST(Settings, WriteConfirmedValue) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.operator_picks(browser_entry(east)).types("/new/browser").answers_yes();
@@ -49,7 +50,7 @@ TEST(Settings, Confirmed) {
     EXPECT_TRUE(result.calls_of("gatewarden").empty());
 }
 
-TEST(Settings, ReportCarriesTwoEqualsSigns) {
+TEST(Settings, ReportValueWithTwoEqualsSigns) {
     Region east = a_region().with_env("ZUL_GATESCOPE_VERBOSITY", "");
     east.operator_picks(browser_entry(east)).types("/b").answers_yes();
     EXPECT_EQ(east.run({"A=24", "R=n"}).dialogs().at(3),
@@ -57,7 +58,7 @@ TEST(Settings, ReportCarriesTwoEqualsSigns) {
                     "yes", "yes"));
 }
 
-TEST(Settings, DeclinedGoesOnFromWhatWasEntered) {
+TEST(Settings, OfferEnteredValueAfterDecline) {
     Region east = a_region();
     east.operator_picks(browser_entry(east)).types("/one").answers_no();
     east.types("/two").answers_yes();
@@ -68,7 +69,7 @@ TEST(Settings, DeclinedGoesOnFromWhatWasEntered) {
     EXPECT_NE(east.gatebits().find(BROWSER + "/two\n"), std::string::npos);
 }
 
-TEST(Settings, AbortedOrCancelledWritesNothing) {
+TEST(Settings, WriteNothingWhenAbortedOrCancelled) {
     Region east = a_region();
     const std::string before = east.gatebits();
     east.operator_picks(browser_entry(east)).types("/one").aborts();
@@ -103,7 +104,7 @@ TEST(Settings, MoveToTheTopInTheOrderOfTheTable) {
                   "# c\n#!gatescope_foreign=x\n" + rest);
 }
 
-TEST(Settings, PickWithoutANumberIsAFault) {
+TEST(Settings, EndWithInternalErrorOnPickWithoutNumber) {
     for (const char* pick : {"nonsense", "08 x"}) {
         Region east = a_region();
         east.answers({.kind = "list", .outfile = pick});
@@ -113,7 +114,7 @@ TEST(Settings, PickWithoutANumberIsAFault) {
     }
 }
 
-TEST(Settings, NextRequestUsesTheNewDirectory) {
+TEST(Settings, ApplyToNextRequest) {
     Region east = a_region().with_log(0, "1<old\n").with_file("logs/logging_0.txt", "1<old\n");
     east.operator_picks("04 gatescope_relocated_logging_dir_unix=").types(east.path("logs"));
     east.answers_yes().operator_picks("A01 - Prune Log Files").cancels();
@@ -122,18 +123,18 @@ TEST(Settings, NextRequestUsesTheNewDirectory) {
     EXPECT_EQ(east.log(0), "1<old\n");
 }
 
-TEST(Settings, CheckersFallbackIsNotWritten) {
+TEST(Settings, DoNotKeepFallbackOfChecker) {
     Region east = a_region().with_variable(0, "/none/checker");
-    // The check stores the fallback in memory; a later change of another setting must not keep it.
+    // The check keeps the fallback in memory; a later change of another setting must not write it.
     east.operator_picks("A24 - Configure Gatescope");
     east.operator_picks(browser_entry(east)).types("/b").answers_yes().cancels();
     east.run({"A=23"});
     EXPECT_TRUE(east.gatebits().starts_with("#!gatescope_unix_gatewarden_check=/none/checker\n"));
 }
 
-// Walking through the settings.
+// The settings in a guided walk.
 
-TEST(Settings, InAWalkDeclinedGoesOnFromTheStoredValue) {
+TEST(Settings, OfferStoredValueAfterDeclineInWalk) {
     Region east = a_region().with_line(2, "W:depot;{stage}/depot;O;");
     const std::string prefix = "#!gatescope_unix_gatewarden_check=";
     east.types("/x").answers_no().types("/y").aborts();
@@ -146,7 +147,7 @@ TEST(Settings, InAWalkDeclinedGoesOnFromTheStoredValue) {
     EXPECT_TRUE(dialogs.at(4).args.back().starts_with("Input a Windows Policy Depot"));
 }
 
-TEST(Settings, AllOfThemAreWrittenInAWalk) {
+TEST(Settings, AreWrittenInWalk) {
     Region east = a_region().with_line(2, "W:depot;{stage}/depot;O;");
     const std::string before = east.gatebits();
     east.cancels().types("W:c").answers_yes().cancels().types("W:b").answers_yes();
@@ -178,7 +179,7 @@ TEST(Prune, KeepsTheLast120DaysAndMergesTheCompanions) {
 }
 
 TEST(Prune, HoldsNoLockWhileTheResultIsShown) {
-    // A remote client's box is waited for.
+    // The program waits for a remote client's box.
     Region east = a_region().with_env("ZUL_USING_CCRC", "yes").with_log(0, "");
     east.program_answers("box", {.meanwhile = "flock --nonblock depot/log touch unlocked"});
     const Result result = east.run({"A=1", "R=n"});
@@ -191,3 +192,4 @@ TEST(Prune, HoldsNoLockWhileTheResultIsShown) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,19 +9,24 @@
 
 #include "dialog/messages.h"
 
-/// For EXPECT_GRIPE: leaves a death test only what it prints on standard output to look at.
-inline void hear_standard_output_alone() {
+namespace gatescope {
+
+/// For EXPECT_GRIPE: a death test reads standard error, so standard output goes there, and standard
+/// error to /dev/null.
+inline void send_standard_output_to_death_test() {
     ZUL_PREFER_GUI = 0;
     dup2(STDERR_FILENO, STDOUT_FILENO);
     dup2(open("/dev/null", O_WRONLY), STDERR_FILENO);
 }
 
-/// The statement ends the process as gripe does: with status 99, and with this message, whole and
-/// alone, on standard output. The reasons that gripe may give on standard error are not looked at.
-#define EXPECT_GRIPE(statement, message)  \
-    EXPECT_EXIT(                          \
-        {                                 \
-            hear_standard_output_alone(); \
-            statement;                    \
-        },                                \
+/// Expects that the statement ends the process as gripe does: with status 99 and exactly this
+/// message on standard output. Standard error is not compared.
+#define EXPECT_GRIPE(statement, message)          \
+    EXPECT_EXIT(                                  \
+        {                                         \
+            send_standard_output_to_death_test(); \
+            statement;                            \
+        },                                        \
         testing::ExitedWithCode(99), testing::Eq(std::string() + (message) + "\n"))
+
+}  // namespace gatescope

@@ -5,14 +5,18 @@
 
 #include <cerrno>
 
-// A disk that fails when it matters. One file of a test program may include this.
+namespace gatescope {
 
-/// How many calls of fsync are good before one fails; a number below 0 stands for all.
+// Replaces fsync of the C library. At most one source of a test program may include this.
+
+/// The number of calls of fsync that succeed before one fails; negative: all succeed.
 inline int good_syncs = -1;
 
-/// Takes the place of the C library's.
+/// Fails with EIO when no successful call is left.
 extern "C" int fsync(int file) {
     if (good_syncs-- != 0) return static_cast<int>(syscall(SYS_fsync, file));
     errno = EIO;
     return -1;
 }
+
+}  // namespace gatescope

@@ -4,7 +4,9 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-/// No more than `free` files can be opened until the end of the scope, besides those that are open.
+namespace gatescope {
+
+/// Lets the process open at most `free` more files until the end of the scope.
 class FewDescriptors {
   public:
     explicit FewDescriptors(rlim_t free) {
@@ -21,3 +23,5 @@ class FewDescriptors {
   private:
     rlimit before_ = {};
 };
+
+}  // namespace gatescope

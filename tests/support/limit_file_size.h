@@ -4,9 +4,13 @@
 
 #include <csignal>
 
-/// What is written after the limit ends with an error, as on a full disk.
+namespace gatescope {
+
+/// Writing beyond `bytes` fails with EFBIG from now on.
 inline void limit_file_size(rlim_t bytes) {
     std::signal(SIGXFSZ, SIG_IGN);
     const rlimit limit = {bytes, bytes};
     setrlimit(RLIMIT_FSIZE, &limit);
 }
+
+}  // namespace gatescope

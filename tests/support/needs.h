@@ -2,7 +2,11 @@
 
 #include <gtest/gtest.h>
 
-/// Skips the test where the program is built without what the test is about: a GATESCOPE_HAS_...
-/// of cmake/Platform.cmake, and what it stands for.
+namespace gatescope {
+
+/// Skips the test if the program is built without `feature`, a GATESCOPE_HAS_... of
+/// cmake/Platform.cmake; `what` names it.
 #define NEEDS(feature, what) \
     if (!(feature)) GTEST_SKIP() << "built without " what
+
+}  // namespace gatescope

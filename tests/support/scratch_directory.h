@@ -11,15 +11,17 @@
 #include <string_view>
 #include <utility>
 
-// Files of tests: what they hold, and the directory that they are in.
+namespace gatescope {
 
-/// All bytes of a file; an empty text when it cannot be read.
+// Reading and writing files, and a temporary directory.
+
+/// All bytes of a file; empty if it cannot be read.
 inline std::string file_text(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
 }
 
-/// Writes a whole file anew, and the directories that it needs; throws when it cannot.
+/// Creates or replaces a file, and creates its directories; throws on failure.
 inline void write_file(const std::filesystem::path& path, std::string_view text) {
     if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path());
     std::ofstream file(path, std::ios::binary);
@@ -28,8 +30,7 @@ inline void write_file(const std::filesystem::path& path, std::string_view text)
     if (!file) throw std::runtime_error("cannot write " + path.string());
 }
 
-/// An empty directory of a test's own, that everybody may look into; it goes with this object,
-/// whatever its permissions are by then.
+/// A new empty directory with mode 0755, removed by the destructor even if permissions changed.
 class ScratchDirectory {
   public:
     ScratchDirectory() {
@@ -54,7 +55,7 @@ class ScratchDirectory {
     ScratchDirectory(const ScratchDirectory&) = delete;
     ScratchDirectory& operator=(const ScratchDirectory&) = delete;
 
-    /// The directory itself, without a '/' at its end, or something in it.
+    /// The directory, without a final '/', or a path in it.
     [[nodiscard]] std::string path() const { return path_; }
     [[nodiscard]] std::string path(const std::string& name) const { return path_ + "/" + name; }
     [[nodiscard]] std::string operator/(const std::string& name) const { return path(name); }
@@ -63,13 +64,13 @@ class ScratchDirectory {
     void write(const std::string& name, std::string_view text) const {
         write_file(path(name), text);
     }
-    /// A shell script that anybody may start.
+    /// Writes an executable shell script.
     void write_program(const std::string& name, const std::string& script) const {
         write(name, "#!/bin/sh\n" + script);
         std::filesystem::permissions(path(name), std::filesystem::perms(0755));
     }
 
-    /// The names in it.
+    /// The names of its entries.
     [[nodiscard]] std::set<std::string> names() const {
         std::set<std::string> found;
         for (const auto& entry : std::filesystem::directory_iterator(path_)) {
@@ -81,3 +82,5 @@ class ScratchDirectory {
   private:
     std::string path_;
 };
+
+}  // namespace gatescope

@@ -1,5 +1,5 @@
-// The main function of every program of tests: Google Test's, but a filter that matches no test
-// fails, since a run without tests would look as good as one in which all pass.
+// The main function of every test program. It fails if the filter matches no test, since a run
+// without tests would otherwise look like one in which all pass.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# clearprompt without anybody to ask: what it takes and refuses, and answers from a file.
+# clearprompt without an operator: its options, and answers from a file.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 export CLEARPROMPT_ANSWERS=$stage/answers
@@ -29,8 +29,8 @@ refuses() { # part of the message, arguments
 question=(yes_no -mask yes,no,abort -default no -prompt 'Really?')
 list=(list -outfile answer -items 'A1,A13 - MOTD,A2,B' -prompt p)
 
-case_is "answers are taken in their order, each by a dialog of its kind"
-# shellcheck disable=SC2016 # none of it is to act
+case_is "answers are taken in order, each by a dialog of its kind"
+# shellcheck disable=SC2016 # not to be expanded
 text='  a <b>&amp; _x_ %s "q" $(echo no) \ \n  '
 answers '# a remark' '' yes no abort cancel "text:$text" cancel pick:A13 pick:B,A1 pick: 'text:/some where/x'
 ends 0 "${question[@]}"
@@ -53,7 +53,7 @@ ends 1 yes_no -mask no -def no -pro p
 ends 2 yes_no -mask abort -def abort -pro p
 expect_file answers $'no\n'
 
-case_is "an answer that does not fit is said so, and not taken for another"
+case_is "an answer that does not match its dialog is an error"
 for answer in maybe text:x pick:a; do
     answers "$answer"
     refuses "$answer" "${question[@]}"
@@ -68,7 +68,7 @@ refuses "no answer is left" "${question[@]}"
 rm answers
 refuses "answers" "${question[@]}"
 
-case_is "the transcript shows what was asked, what was there and what was answered"
+case_is "the transcript shows the dialog, its items and the answer"
 answers pick:two
 ends 0 list -outfile answer -newline -items one,two,three -prompt 'First\nsecond line'
 expect_file err $'+-- list\n|  First\n|  second line\n|    one\n|  > two\n|    three\n+-- pick:two\n'
@@ -115,10 +115,10 @@ refuses "-items is missing" list -outfile answer -prompt p
 refuses "the mask is 'yes,maybe'" yes_no -mask yes,maybe -prompt p
 refuses "none of 'yes,no'" yes_no -mask yes,no -default abort -prompt p
 
-case_is "an answer that cannot be written is none"
+case_is "an answer that cannot be written is an error"
 answers text:x "text:$(printf %05000d 7)"
 refuses "cannot write" text -outfile missing/answer -prompt p
-# A file size limit stands for a full disk. The shell must live to tell, so its signal is ignored.
+# A limit on the size of files instead of a full disk. Its signal is ignored, so that the shell goes on.
 (trap '' XFSZ && ulimit -f 1 && "$clearprompt" text -outfile answer -prompt p 2>err)
 expect_equal status 3 $?
 

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
-# scripts/demo in a copy of what it needs of the repository, in a directory with blanks and other
-# letters that mean something to a shell: that it comes through, that it keeps what was changed, and
-# that it fails when one of its steps does.
+# scripts/demo in a partial copy of the repository, in a directory with blanks and shell characters: it
+# succeeds, keeps a changed region, and fails if one of its steps fails.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 : "${GATESCOPE_PROGRAM:?names the program}"
@@ -19,12 +18,12 @@ expect_end() { # status
     [[ $status == "$1" ]] || tail -n 20 out
 }
 
-case_is "all of it"
+case_is "the whole demo"
 demo
 expect_end 0
 expect_equal "the pages" 6 "$(find "$region" -name '*_Q0?.html' | wc -l)"
 expect_holds "the output" 'scripts/demo --back' "$(<out)"
-expect_equal "what was executed" '' "$(find "$stage" -name executed)"
+expect_equal "executed parts of the path" '' "$(find "$stage" -name executed)"
 
 case_is "the usage"
 demo --help
@@ -33,7 +32,7 @@ expect_holds "the output" 'Usage: scripts/demo' "$(<out)"
 demo --surprise
 expect_end 2
 
-case_is "a region that was changed since stays until somebody says so"
+case_is "a changed region stays without --anew"
 printf 'changed' >>"$region/gatebits.txt"
 demo
 expect_end 1
@@ -41,14 +40,14 @@ expect_holds "the output" 'was changed since' "$(<out)"
 expect_holds "the output" 'scripts/demo --anew' "$(<out)"
 expect_holds "the policy file" changed "$(<"$region/gatebits.txt")"
 
-case_is "a region that somebody else made stays"
+case_is "a directory that the demo did not make stays"
 mkdir mine
 demo "$stage/mine"
 expect_end 1
 demo --back "$stage/mine"
 expect_end 1
 
-case_is "a checker that finds faults fails the demo"
+case_is "faults of the checker fail the demo"
 cp "$clone/tools/demo_checker" good_checker
 printf '#!/bin/sh\necho "a fault"\nexit 1\n' >"$clone/tools/demo_checker"
 demo --anew
@@ -56,7 +55,7 @@ expect_end 1
 expect_holds "the output" 'checker is not content' "$(<out)"
 cp good_checker "$clone/tools/demo_checker"
 
-case_is "a step that fails fails the demo"
+case_is "a failing step fails the demo"
 for step in Q=4 A=17 A=1; do
     cat >program <<END
 #!/bin/sh
@@ -69,7 +68,7 @@ END
     expect_holds "the output" 'status 99' "$(<out)"
 done
 
-case_is "a region of a run that did not get to its end is made anew"
+case_is "the region of an unfinished run is made anew"
 demo
 expect_end 0
 expect_holds "the output" "Making $region anew" "$(<out)"

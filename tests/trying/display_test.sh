@@ -1,16 +1,16 @@
 #!/usr/bin/env bash
-# clearprompt on a display: every mode, every way out, and texts letter for letter.
+# clearprompt on a display: every mode, every way to end a dialog, and exact texts.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 start_display
-# shellcheck disable=SC2016 # none of it is to act
+# shellcheck disable=SC2016 # not to be expanded
 nasty='<b>&amp; _x_ %s "quotes" $(echo no) \ \n'
-# "&amp;" holds a single "&" before a letter: doubled here as the program doubles it.
+# "&amp;" has a "&" before a letter: doubled here as gatescope doubles it.
 marked=${nasty//&/&&}
 fits_on_screen() {
     read_geometry
     ((X >= 0 && X + WIDTH <= 1024 && Y >= 0 && Y + HEIGHT <= 768)) ||
-        failed "the window reaches from $X,$Y to $((X + WIDTH)),$((Y + HEIGHT))"
+        failed "the window extends from $X,$Y to $((X + WIDTH)),$((Y + HEIGHT))"
 }
 gives() { # answer, keys
     press "${@:2}"
@@ -43,12 +43,12 @@ for way in yes:Return:0 yes:Escape:0 no:Return:1 no:Escape:1 abort:Return:2 abor
     IFS=: read -r mask key status_then <<<"$way"
     case_is "one button, $way"
     shows yes_no -mask "$mask" -def "$mask" -pre -pro 'Done.'
-    expect_equal "what the box shows" $'Done.\nOK' "$(sed '$d' labels | sort | grep .)"
+    expect_equal "the labels of the box" $'Done.\nOK' "$(sed '$d' labels | sort | grep .)"
     press "$key"
     ends_with "$status_then"
 done
 
-case_is "prompts letter for letter"
+case_is "prompts are shown unchanged"
 shows yes_no -mask yes,no -pre -pro "$marked"
 expect_equal "the prompt" "$nasty" "$(head -n 1 labels)"
 press Return && ends_with 0
@@ -62,7 +62,7 @@ shows list -pre -outfile answer -newline -items a -prompt "$marked"second
 expect_equal "the prompt" "${nasty//'\n'/|second}" "$(head -n 1 labels)"
 press Escape && ends_with 1
 
-case_is "a text: the default as it is, a new one, a cancelled one, a long one"
+case_is "a text: the default unchanged, a new one, a cancelled one, a long one"
 shows text -prefer_gui -outfile answer -default "$nasty" -prompt p
 gives "$nasty" Return
 shows text -prefer_gui -outfile answer -default old -prompt p
@@ -86,7 +86,7 @@ gives 'Item <50> &amp; _x_ \n' End Return
 shows_rows 5 list -prefer_gui -outfile answer -newline -items 'a,------,,--help,TRUE' -prompt 'Pick'
 gives --help Down Down Down Return
 
-case_is "OK without a pick asks again"
+case_is "OK without a pick shows the list again"
 shows_rows 2 list -prefer_gui -outfile answer -newline -items a,b -prompt 'Pick'
 first=$(xdotool getwindowpid "$window")
 click_from_corner 45 32
@@ -100,7 +100,7 @@ ends_with 0
 case_is "several picks"
 shows_rows 5 list -prefer_gui -outfile answer -newline -items 'one,two,three,------,five' -choices \
     -prompt 'Pick'
-# The check boxes are a column of their own.
+# The check boxes are a separate column.
 press Down Right space Down Down Down space
 click_from_corner 55 32
 ends_with 0
@@ -110,12 +110,12 @@ click_from_corner 55 32
 ends_with 0
 expect_file answer ''
 
-case_is "a file that is not there yet"
+case_is "a file that does not exist yet"
 mkdir files && : >files/old.txt
 shows file -prefer_gui -outfile answer -pattern '*.txt' -directory "$stage/files/" -prompt '-directory "x"'
 expect_equal "the title" '-directory "x"' "$(xdotool getwindowname "$window")"
 enter new.txt
-# The chooser keeps Return for itself while it looks into the directory or offers names.
+# The chooser takes Return for itself while it reads the directory or offers names.
 # shellcheck disable=SC2317 # called by its name
 press_and_ended() { press Return && has_ended; }
 eventually press_and_ended
@@ -125,14 +125,14 @@ rm answer
 shows file -prefer_gui -outfile answer -pattern '*.txt' -prompt p
 cancels
 
-case_is "a signal takes the window with it"
+case_is "a signal also closes the window"
 shows text -prefer_gui -outfile answer -prompt p
 kill -TERM "$dialog"
 ends_with 143
 eventually has_no_window || failed "the window stays"
 expect_no_file answer
 
-case_is "a display that goes while a dialog is up is no answer"
+case_is "the end of the display is an error"
 shows yes_no -mask yes,no -pre -pro x
 kill "$display_server"
 wait "$display_server" 2>/dev/null

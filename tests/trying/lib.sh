@@ -1,21 +1,20 @@
 # shellcheck shell=bash
-# What the tests of trying gatescope without ClearCase share. Read by each of them; gives
-# `$clearprompt`, an empty directory `$stage` that is the working directory, and an end that
-# leaves no process behind.
+# Sourced by each of these tests. Sets `$clearprompt`, changes to a new empty directory `$stage`, and
+# ends all processes and removes the directory at the end.
 
 set -u
 source_directory=${SOURCE_DIRECTORY:?names the source directory}
 clearprompt=$source_directory/tools/clearprompt
 unset CLEARPROMPT_ANSWERS DISPLAY WAYLAND_DISPLAY
 unset HISTFILE INPUTRC XDG_CACHE_HOME XDG_CONFIG_HOME XDG_DATA_HOME
-# What is looked for on screens holds more than ASCII, whatever locale the tests are started in.
+# Texts on screens have characters beyond ASCII.
 export LC_ALL=C.UTF-8
 failures=0
 display_server='' terminal_server='' dialog=''
 
 stage=$(mktemp -d)
 cd "$stage" || exit 99
-# What shells and dialogs remember, and how somebody likes them, is not the tests' affair.
+# No history and no settings of the user.
 export HOME=$stage/.home
 mkdir "$HOME"
 
@@ -45,11 +44,11 @@ expect_holds() { # what, part, actual
 }
 expect_file() { # file, content to the byte
     local content
-    [[ -e $1 ]] || { failed "$1 is not there" && return; }
+    [[ -e $1 ]] || { failed "$1 does not exist" && return; }
     content=$(cat "$1" && printf x)
     expect_equal "the content of $1" "$2" "${content%x}"
 }
-expect_no_file() { [[ ! -e $1 ]] || failed "$1 is there"; }
+expect_no_file() { [[ ! -e $1 ]] || failed "$1 exists"; }
 give_up() {
     failed "$1"
     report
@@ -60,7 +59,7 @@ report() {
     exit 0
 }
 
-# Ends the test as not run where a program that it needs is missing.
+# Ends the test as skipped if a program is missing.
 needs() {
     local program
     for program in "$@"; do
@@ -68,7 +67,7 @@ needs() {
     done
 }
 
-# Repeats a command until it succeeds, ten seconds long.
+# Repeats a command until it succeeds, for at most ten seconds.
 eventually() {
     local end=$((SECONDS + 10))
     until "$@"; do
@@ -77,23 +76,23 @@ eventually() {
     done
 }
 
-# --- a dialog of clearprompt's, in the background ---
+# --- a dialog of clearprompt in the background ---
 
 start_dialog() {
     rm -f labels
-    # Without a terminal to fall back on.
+    # In a session without a terminal, on which clearprompt would ask else.
     setsid "$clearprompt" "$@" 2>err </dev/null &
     dialog=$!
 }
 has_ended() { ! kill -0 "$dialog" 2>/dev/null; }
 ends_with() { # status
-    eventually has_ended || { failed "the dialog is still there" && kill "$dialog"; }
+    eventually has_ended || { failed "the dialog is still running" && kill "$dialog"; }
     wait "$dialog"
     expect_equal status "$1" $?
     dialog=''
 }
 
-# --- a display of the test's own ---
+# --- a display for the test ---
 
 start_display() {
     needs Xvfb xdotool zenity
@@ -102,18 +101,18 @@ start_display() {
         >/dev/null 2>&1 &
     display_server=$!
     exec 5>&-
-    eventually test -s display || give_up "Xvfb does not come up"
+    eventually test -s display || give_up "Xvfb does not start"
     DISPLAY=:$(<display)
     export DISPLAY GTK_USE_PORTAL=0 NO_AT_BRIDGE=1 GSETTINGS_BACKEND=memory
-    # A zenity on the search path that writes down its labels and rows.
-    mkdir telling
-    cat >telling/zenity <<END
+    # A zenity on the search path that records its labels and rows.
+    mkdir recording
+    cat >recording/zenity <<END
 #!/bin/sh
 WINDOW_LABELS='$stage/labels' LD_PRELOAD='${WINDOW_LABELS_LIBRARY:?names the library}' \\
     exec '$(command -v zenity)' "\$@"
 END
-    chmod +x telling/zenity
-    PATH=$stage/telling:$PATH
+    chmod +x recording/zenity
+    PATH=$stage/recording:$PATH
 }
 has_window() {
     window=$(xdotool search --onlyvisible --class zenity 2>/dev/null | head -n 1)
@@ -130,7 +129,7 @@ read_geometry() {
     X=0 Y=0 WIDTH=0 HEIGHT=0
     eval "$(xdotool getwindowgeometry --shell "$window")"
 }
-# Clicks the window at so many pixels from its right and lower edges.
+# click_from_corner X Y: clicks the window, in pixels from its right and lower edges.
 click_from_corner() {
     read_geometry
     xdotool mousemove $((X + WIDTH - $1)) $((Y + HEIGHT - $2)) click 1
@@ -142,7 +141,7 @@ shows_rows() { # number of rows, arguments
     eventually has_rows "$1" || failed "the list has not $1 rows: $(<labels)"
 }
 
-# --- a terminal of the test's own ---
+# --- a terminal for the test ---
 
 tmux_does() { tmux -N -L "$terminal_name" "$@"; }
 start_terminal() { # columns, rows
@@ -155,20 +154,20 @@ start_terminal() { # columns, rows
     terminal_server=$!
     eventually tmux_does new-session -d -x "$1" -y "$2" \
         "env PS1='ready> ' bash --norc --noprofile -i" 2>/dev/null ||
-        give_up "tmux does not come up"
-    eventually on_screen 'ready>' || give_up "no shell comes up in tmux"
+        give_up "tmux does not start"
+    eventually on_screen 'ready>' || give_up "no shell starts in tmux"
 }
 screen() { tmux_does capture-pane -p; }
 on_screen() { [[ $(screen) == *"$1"* ]]; }
 keys() { tmux_does send-keys "$@"; }
 types() { tmux_does send-keys -l -- "$1"; }
 appears() { eventually on_screen "$1" || failed "not on the screen: '$1' but: $(screen)"; }
-# Runs a command in the terminal; its status comes to the file `status`.
+# Runs a command in the terminal, and writes its status to the file `status`.
 in_terminal() {
     rm -f status
     printf '%s\n' "$1" >to_run
     keys C-l
-    # shellcheck disable=SC2016 # the shell in the terminal fills it in
+    # shellcheck disable=SC2016 # for the shell in the terminal
     types '. ./to_run; echo $? >s; mv s status'
     keys Enter
 }
@@ -181,7 +180,7 @@ terminal_ends_with() {
     fi
 }
 
-# --- the whole program, in the demo's region ---
+# --- the program in the demo's region ---
 
 region=$stage/region
 gatebits=$region/gatebits.txt

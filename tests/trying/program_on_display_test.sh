@@ -1,26 +1,25 @@
 #!/usr/bin/env bash
-# The whole program on a display: a change of the policy file and a query, both by the menus.
-# DIALOG_PICTURES names a directory for pictures of the windows, where they are wanted.
+# The program on a display: a change of the policy file and a query, both by the menus. With
+# DIALOG_PICTURES, a directory, it also saves pictures of the windows.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 start_display
 
-# Functions are called by their names.
-# shellcheck disable=SC2317
+# shellcheck disable=SC2317 # called by its name
 is_titled() { [[ $(head -n 1 labels 2>/dev/null) == "$1"* ]]; }
-# Waits for the window with this prompt and, where it is a list, for its rows.
+# Waits for the window with this prompt and, if it is a list, for its rows.
 window_asks() { # beginning of the prompt, number of rows
     eventually is_titled "$1" || give_up "no window asks '$1': $(cat labels output)"
     window_appears
     [[ -z ${2:-} ]] || eventually has_rows "$2" || give_up "'$1' has not $2 rows"
 }
-down() { # how often
+down() { # number of times
     local i
     for ((i = 0; i < $1; ++i)); do press Down; done
 }
 picture() {
     [[ -n ${DIALOG_PICTURES:-} ]] || return 0
-    sleep 0.5 # only for the picture: that the window is painted
+    sleep 0.5 # until the window is painted; for pictures only
     import -window "$window" "$DIALOG_PICTURES/$1.png"
 }
 
@@ -57,8 +56,8 @@ press Down Up Return
 window_asks 'Input user'
 press Return
 eventually has_page || failed "no page: $(cat output)"
-# The box that tells of the page and the next menu come up in either order.
-# shellcheck disable=SC2317
+# The box about the page and the next menu appear in either order.
+# shellcheck disable=SC2317 # called by its name
 press_escape() {
     has_ended && return
     has_window && press Escape

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# The whole program on a terminal: a change of the policy file and a query, both by the menus.
+# The program on a terminal: a change of the policy file and a query, both by the menus.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 start_terminal 60 50
-# Waits for the end of a dialog's screen, and answers on a screen of its own.
+# Waits for a part of the screen, clears the screen, and answers.
 answers() { # part of the screen, keys
     appears "$1"
     shift

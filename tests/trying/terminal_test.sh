@@ -1,12 +1,12 @@
 #!/usr/bin/env bash
-# clearprompt on a terminal of 60 columns: every mode, every way out, and where there is none.
+# clearprompt on a terminal of 60 columns: every mode, every way to end a dialog, and no terminal.
 
 source "$(dirname -- "$0")/lib.sh" || exit 99
 start_terminal 60 40
-# shellcheck disable=SC2016 # none of it is to act
+# shellcheck disable=SC2016 # not to be expanded
 nasty='<b>&amp; _x_ %s "quotes" $(echo no) \ \n'
 
-# Starts clearprompt with these arguments in the terminal and waits for a part of its screen.
+# Starts clearprompt in the terminal and waits for a part of its screen.
 asks() { # part of the screen, arguments
     local part=$1
     shift
@@ -43,13 +43,13 @@ asks '[yes] no abort:' "${question[@]}"
 keys what Enter
 ends 2 C-d
 
-case_is "a message is shown, and waits for nobody"
+case_is "a message is shown without waiting for an answer"
 asks 'Done.' yes_no -mask yes -def yes -pre -pro 'Done.'
 terminal_ends_with 0
 asks 'Failed.' yes_no -mask abort -def abort -pre -pro 'Failed.'
 terminal_ends_with 2
 
-case_is "a text: the default as it is, changed, cleared, cancelled"
+case_is "a text: the default unchanged, changed, cleared, cancelled"
 asks "$nasty" text -prefer_gui -outfile answer -default "$nasty" -prompt "${nasty//&/&&}"
 appears $'\n'"$nasty"$'\n'
 gives "$nasty" Enter
@@ -64,7 +64,7 @@ long=$(seq -s ' ' 1 100)
 asks ' 100' text -prefer_gui -outfile answer -default "$long" -prompt p
 gives "$long end" ' end' Enter
 
-case_is "a list: by number, by beginning, cancelled; nothing is lost in 60 columns"
+case_is "a list: by number, by beginning, cancelled; items longer than 60 columns"
 long='Q06 - Commands/Users (success/denied) over Time by parent policy'
 list=(list -prefer_gui -outfile answer -newline -items "A01 - Prune,001 x,,$nasty,$long" -prompt 'Pick\none')
 asks "4) $nasty" "${list[@]}"
@@ -122,7 +122,7 @@ appears SECOND
 appears FIRST
 ends 1 Enter
 
-case_is "Ctrl-C ends the dialog and what waits for it, and the terminal is as it was"
+case_is "Ctrl-C ends the dialog and the waiting script, and restores the terminal's settings"
 for dialog_waited_for in "text -outfile answer -default x" "list -outfile answer -items a,b" yes_no; do
     printf '%s\n' "$clearprompt $dialog_waited_for -pro QUESTION" 'echo went on >goes_on' >waits
     in_terminal 'trap : INT; stty -a >before; sh ./waits; s=$?; stty -a >after; (exit $s)'
@@ -133,7 +133,7 @@ for dialog_waited_for in "text -outfile answer -default x" "list -outfile answer
     expect_equal "the terminal's settings" "$(<before)" "$(<after)"
 done
 
-case_is "a display that cannot be opened, or a zenity that fails, leaves the terminal"
+case_is "without a usable display, or with a failing zenity, the dialog is on the terminal"
 mkdir broken
 for end in 'kill -SEGV $$' 'exit 1' 'exit 0'; do
     printf '#!/bin/sh\n%s\n' "$end" >broken/zenity && chmod +x broken/zenity
@@ -142,7 +142,7 @@ for end in 'kill -SEGV $$' 'exit 1' 'exit 0'; do
     ends 1 no Enter
 done
 
-case_is "neither display nor terminal is no answer"
+case_is "without display and terminal there is an error"
 setsid --wait "$clearprompt" yes_no -mask yes,no -pre -pro x 2>err </dev/null
 expect_equal status 3 $?
 expect_file err $'clearprompt: no dialog can be shown: there is no display; there is no terminal\n'

@@ -1,7 +1,7 @@
-// Preloaded into zenity: keeps in the file that WINDOW_LABELS names the text of every label that is
-// in its windows, as it is shown after markup, shortcuts and escapes were taken out. One label a
-// line, a line break in it as a vertical bar. A last line tells how many rows its lists hold by
-// now: they come in after the window is up.
+// Preloaded into zenity: writes the texts of all labels in its windows to the file that
+// WINDOW_LABELS names, as they are shown, without markup, shortcuts and escapes. One label per
+// line, with line breaks as vertical bars. The last line has the number of rows of its lists so
+// far: they are added after the window has appeared.
 
 #include <dlfcn.h>
 
@@ -9,9 +9,10 @@
 #include <cstdlib>
 #include <string>
 
+namespace gatescope {
 namespace {
 
-// What is used of GTK is looked up by name, so that nothing but zenity itself needs it.
+// Functions of GTK are looked up by name, so that only zenity needs the library.
 using Widget = void*;
 struct List {
     Widget data;
@@ -49,7 +50,8 @@ void read_widget(Widget widget, void* result) {
     }
 }
 
-/// Called again and again while the window is up. The file is replaced, so that it is read whole.
+/// Called periodically while the window is open. It renames a new file, so that readers get whole
+/// files.
 int write_file(void* path) {
     Shown shown;
     for (List* window = gtk<List*()>("gtk_window_list_toplevels")(); window != nullptr;
@@ -74,3 +76,5 @@ extern "C" void gtk_main() {
     }
     reinterpret_cast<void (*)()>(dlsym(RTLD_NEXT, "gtk_main"))();
 }
+
+}  // namespace gatescope

@@ -11,6 +11,8 @@
 #include "scenes/region.h"
 #include "support/expect_gripe.h"
 
+namespace gatescope {
+
 /// A test whose functions run on a stage: dialogs and other programs are played by stand-ins, the
 /// gatebits file in use is the region's.
 class OnStage : public testing::Test {
@@ -40,3 +42,5 @@ class OnStage : public testing::Test {
     /// The gatebits file in use.
     std::string gatebits_file = region.gatebits_path();
 };
+
+}  // namespace gatescope

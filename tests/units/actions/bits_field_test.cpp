@@ -2,11 +2,12 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 const std::string ALL_OFF(24, '0');
 
-TEST(BitsField, StateHasExactlyOneDigitABit) {
+TEST(BitsField, StateHasOneDigitPerBit) {
     EXPECT_EQ(bit_state(""), ALL_OFF);
     EXPECT_EQ(bit_state("01x1"), "0101" + std::string(20, '0'));
     EXPECT_EQ(bit_state("1x1"), "101" + std::string(21, '0'));
@@ -21,14 +22,15 @@ TEST(BitsField, EntriesShowNumberStateAndName) {
     EXPECT_TRUE(entries.ends_with(",23 - (0) BIT__FORCE_CHECKOUTS_UNRESERVED")) << entries;
 }
 
-TEST(BitsField, OnlyPickedBitsAreOn) {
+TEST(BitsField, OnlyPickedBitsAreSet) {
     EXPECT_EQ(state_with_only(""), ALL_OFF);
     EXPECT_EQ(state_with_only("00 - (0) x"), "1" + std::string(23, '0'));
     EXPECT_EQ(state_with_only("23 - (1) y,01 - (0) x"), "01" + std::string(21, '0') + "1");
 }
 
-TEST(BitsField, WhatIsNoBitIsPassedOver) {
+TEST(BitsField, PicksWithoutAValidBitNumberAreIgnored) {
     EXPECT_EQ(state_with_only(",,x,-1,24,99999999999999999999,"), ALL_OFF);
 }
 
 }  // namespace
+}  // namespace gatescope

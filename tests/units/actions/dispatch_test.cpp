@@ -4,9 +4,10 @@
 #include "policy/tool_variables.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
-/// Nobody answers a dialog, which aborts it.
+/// Dialogs get no answer, which aborts them.
 class Dispatch : public OnStage {
   protected:
     Dispatch() {
@@ -20,27 +21,27 @@ class Dispatch : public OnStage {
     RegionInUse east;
 };
 
-TEST_F(Dispatch, ActionsThatAreNotGuardedAreAFault) {
+TEST_F(Dispatch, GripesAboutActionsThatAreNotGuarded) {
     for (const int number : {0, 1, 2, 3, 8, 13, 15, 18, 19, 23, 24, 25, 26, 27, 28, 29, 30}) {
         EXPECT_GRIPE(A_X(options, east, number), "incomplete action coding in A_X:main");
     }
 }
 
-TEST_F(Dispatch, WithoutACheckerTheActionRunsOnceAndTheOperatorIsTold) {
+TEST_F(Dispatch, RunsTheActionOnceAndAdvisesWithoutAChecker) {
     east.settings.tools.GS_VAR[UNIX_CHECKER] = path("none");
     const std::string not_found = "#!gatescope_unix_gatewarden_check=" + path("none") +
                                   " \ndefined in  could not be found..\n";
     EXPECT_EQ(printed_by([&] { A_X(options, east, 11); }), not_found + not_found);
 }
 
-TEST_F(Dispatch, OperatorWhoLeavesThreeTimesIsLetGo) {
+TEST_F(Dispatch, EndsAfterThreeRunsWithoutAChange) {
     region.checker_ends_with({3, 3, 3, 3, 3, 3, 3, 3, 3});
     const std::string reenter =
         "That change would introduced an error in the gatebits file.  Please reenter the value.\n";
     EXPECT_EQ(printed_by([&] { A_X(options, east, 11); }), reenter + reenter);
 }
 
-TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
+TEST_F(Dispatch, RefusesActionsByNameDuringAnInstallation) {
     EXPECT_EQ(printed_by([] { EXPECT_FALSE(A_during_install(false, "A01 - Prune Log Files")); }),
               "");
     EXPECT_EQ(printed_by([] { EXPECT_TRUE(A_during_install(true, "A01 - Prune Log Files")); }),
@@ -54,3 +55,4 @@ TEST_F(Dispatch, InstallersRefusalNamesTheAction) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "actions/menus.h"
 
+namespace gatescope {
 namespace {
 
 std::set<int> numbers_where(bool (*holds)(const Request& request)) {
@@ -17,7 +18,7 @@ std::set<int> numbers_where(bool (*holds)(const Request& request)) {
     return numbers;
 }
 
-TEST(Requests, EveryNumberButThreeIsAnAction) {
+TEST(Requests, AreActionsForAllNumbersExceptThree) {
     std::set<int> expected;
     for (int n = 1; n <= 29; ++n) {
         if (n != 3) expected.insert(n);
@@ -28,19 +29,20 @@ TEST(Requests, EveryNumberButThreeIsAnAction) {
     EXPECT_EQ(request_numbered(RequestKind::ACTION, 30), nullptr);
 }
 
-TEST(Requests, GuardedActions) {
+TEST(Requests, AreGuardedWhenTheyCanDamageTheFile) {
     EXPECT_EQ(numbers_where([](const Request& request) { return request.guarded; }),
               (std::set<int>{4, 5, 6, 7, 9, 10, 11, 12, 14, 16, 17, 20, 21, 22}));
 }
 
-TEST(Requests, TheInstallerIsRefusedTheQueriesAndWhatNeedsARegion) {
+TEST(Requests, AreRefusedDuringAnInstallationWhenTheyNeedARegion) {
     EXPECT_EQ(numbers_where([](const Request& request) { return !request.during_install; }),
               (std::set<int>{1, 25, 26, 27}));
     Options options;
-    for (const Request& request : all_requests()) EXPECT_FALSE(refused(request, options));
+    for (const Request& request : all_requests())
+        EXPECT_FALSE(refuse_during_install(request, options));
 }
 
-TEST(Requests, TheLargestNumbersLimitTheCommandLine) {
+TEST(Requests, HaveHighestNumbers) {
     EXPECT_EQ(highest_number(RequestKind::QUERY), 6);
     EXPECT_EQ(highest_number(RequestKind::ACTION), 29);
 }
@@ -53,14 +55,14 @@ TEST(Requests, AreFoundByTheirLabels) {
     EXPECT_EQ(request_labelled("A22 - Add a Command Key"), nullptr);
 }
 
-TEST(Requests, TheWalksHaveTheirTitlesThoughNoMenuShowsThem) {
+TEST(Requests, HaveLabelsForWalksThatNoMenuShows) {
     EXPECT_STREQ(request_numbered(RequestKind::ACTION, 28)->label,
                  "A28 - Guide through important Gatebits file fields");
     EXPECT_STREQ(request_numbered(RequestKind::ACTION, 29)->label,
                  "A29 - Guide through ALL Gatebits file fields");
 }
 
-TEST(Menus, Submenu) {
+TEST(Menus, SubmenuHasAnEntryMoreForTheInstaller) {
     const std::string entries =
         "A04 - View/Change Windows Depot,A05 - View/Change UNIX Depot,A06 - View/Change Windows "
         "Gatebits Parent,A07 - View/Change UNIX Gatebits Parent,A08 - View/Change Region Logging "
@@ -77,7 +79,7 @@ TEST(Menus, Submenu) {
     EXPECT_EQ(submenu_entries(true), entries + ",A24 - Configure Gatescope");
 }
 
-TEST(Menus, MainMenuOfEachEdition) {
+TEST(Menus, MainMenuNamesKeysByEdition) {
     const std::string line = ",------------------------------,";
     const std::string actions =
         line + "A01 - Prune Log Files" + line +
@@ -106,7 +108,7 @@ TEST(Menus, TitlesNameTheRegion) {
     EXPECT_EQ(submenu_title("east", true), "Select Install Action for (east)");
 }
 
-TEST(Menus, ASeparatorIsKnownByItsFirstFiveCharacters) {
+TEST(Menus, SeparatorsAreRecognizedByFiveDashes) {
     EXPECT_TRUE(is_separator("------------------------------"));
     EXPECT_TRUE(is_separator("-----x"));
     EXPECT_FALSE(is_separator("----"));
@@ -115,3 +117,4 @@ TEST(Menus, ASeparatorIsKnownByItsFirstFiveCharacters) {
 }
 
 }  // namespace
+}  // namespace gatescope

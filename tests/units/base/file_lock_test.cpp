@@ -18,21 +18,21 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
-/// What happens just before the next lock is taken; the result is the errno that it fails with, or
-/// 0 to take it.
+/// Called just before the next lock is taken; returns the errno that flock fails with, or 0.
 std::function<int()>& at_next_flock() {
-    static std::function<int()> what;
-    return what;
+    static std::function<int()> action;
+    return action;
 }
 
 }  // namespace
 
-/// Takes the place of the C library's, which knows no moment between opening a file and locking it.
+/// Replaces the C library's function, so that a test can act between opening a file and locking it.
 extern "C" int flock(int file, int operation) {
-    const std::function<int()> what = std::exchange(at_next_flock(), nullptr);
-    const int error = what ? what() : 0;
+    const std::function<int()> action = std::exchange(at_next_flock(), nullptr);
+    const int error = action ? action() : 0;
     if (error == 0) return static_cast<int>(syscall(SYS_flock, file, operation));
     errno = error;
     return -1;
@@ -42,15 +42,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class FileLocked : public testing::Test {
+class FileLockTest : public testing::Test {
   protected:
-    FileLocked() { put("file"); }
-    ~FileLocked() override { at_next_flock() = nullptr; }
+    FileLockTest() { put("file"); }
+    ~FileLockTest() override { at_next_flock() = nullptr; }
 
     std::string path(const std::string& name) const { return directory_.path(name); }
     void put(const std::string& name) const { directory_.write(name, "text\n"); }
 
-    /// Whether somebody else could lock the file now.
+    /// Whether another process could lock the file now.
     bool is_free(const std::string& name) const {
         const Descriptor file(open(path(name).c_str(), O_RDWR | O_CLOEXEC));
         return lock_exclusively(file.get()) == 0;
@@ -59,7 +59,7 @@ class FileLocked : public testing::Test {
     ScratchDirectory directory_;
 };
 
-TEST_F(FileLocked, IsHeldAsLongAsItsOwnerLives) {
+TEST_F(FileLockTest, IsHeldUntilItsDestructor) {
     {
         const FileLock lock = lock_file(path("file"), 0ms);
         EXPECT_EQ(lock.state, LockState::HELD);
@@ -68,30 +68,31 @@ TEST_F(FileLocked, IsHeldAsLongAsItsOwnerLives) {
     EXPECT_TRUE(is_free("file"));
 }
 
-TEST_F(FileLocked, OneThatSomebodyKeepsIsGivenUpWhenPatienceEnds) {
+TEST_F(FileLockTest, IsGivenUpAfterTheWaitForAnotherHolder) {
     const FileLock theirs = lock_file(path("file"), 0ms);
-    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::HELD_BY_ANOTHER);
 }
 
-// The papers for administrators say so.
-TEST_F(FileLocked, WhoMayOnlyReadAFileOrDirectoryCanKeepItsLock) {
+// SECURITY.md warns of it.
+TEST_F(FileLockTest, CanBeHeldWithReadPermissionAlone) {
+    NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     const Descriptor reader(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(reader.get(), LOCK_SH), 0);
-    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::HELD_BY_ANOTHER);
     const Descriptor lister(open(path("").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     ASSERT_EQ(flock(lister.get(), LOCK_SH), 0);
     EXPECT_FALSE(is_free(""));
 }
 
-TEST_F(FileLocked, TheLockIsTheFilesUnderEachOfItsNames) {
+TEST_F(FileLockTest, AppliesToAllNamesOfTheFile) {
     std::filesystem::create_symlink("file", path("link"));
     std::filesystem::create_hard_link(path("file"), path("other"));
     const FileLock lock = lock_file(path("link"), 0ms);
     EXPECT_FALSE(is_free("file"));
-    EXPECT_EQ(lock_file(path("other"), 0ms).state, LockState::KEPT_BY_ANOTHER);
+    EXPECT_EQ(lock_file(path("other"), 0ms).state, LockState::HELD_BY_ANOTHER);
 }
 
-TEST_F(FileLocked, WhoWaitsWhileTheFileIsReplacedGetsTheNewOnesLock) {
+TEST_F(FileLockTest, IsThatOfTheNewFileAfterAReplacementDuringTheWait) {
     FileLock theirs = lock_file(path("file"), 0ms);
     std::thread replacer([&] {
         std::this_thread::sleep_for(50ms);
@@ -105,9 +106,9 @@ TEST_F(FileLocked, WhoWaitsWhileTheFileIsReplacedGetsTheNewOnesLock) {
     EXPECT_FALSE(is_free("file"));
 }
 
-// Whoever opens the file just before it is replaced, and locks it just after, has the lock of a
-// file that nobody sees any more.
-TEST_F(FileLocked, TheLockOfAFileThatWasReplacedMeanwhileIsNotEnough) {
+// A process that opens the file just before a replacement and locks it just after has locked a file
+// without a name.
+TEST_F(FileLockTest, IsHeldByAnotherWhenTheReplacementIsLocked) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     FileLock theirs;
     at_next_flock() = [&] {
@@ -116,11 +117,11 @@ TEST_F(FileLocked, TheLockOfAFileThatWasReplacedMeanwhileIsNotEnough) {
         theirs = lock_file(path("file"), 0ms);
         return 0;
     };
-    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::KEPT_BY_ANOTHER);
+    EXPECT_EQ(lock_file(path("file"), 30ms).state, LockState::HELD_BY_ANOTHER);
     EXPECT_EQ(theirs.state, LockState::HELD);
 }
 
-TEST_F(FileLocked, OneThatWasReplacedMeanwhileIsOpenedAgain) {
+TEST_F(FileLockTest, IsThatOfAFileReplacedBetweenOpenAndLock) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     at_next_flock() = [&] {
         put("new");
@@ -132,29 +133,30 @@ TEST_F(FileLocked, OneThatWasReplacedMeanwhileIsOpenedAgain) {
     EXPECT_FALSE(is_free("file"));
 }
 
-TEST_F(FileLocked, WhereTheFileSystemHasNoLocksNobodyWaits) {
+TEST_F(FileLockTest, IsUnavailableAtOnceOnAFileSystemWithoutLocks) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     for (const int error : {ENOLCK, EOPNOTSUPP, ENOSYS, EINVAL}) {
         at_next_flock() = [&] { return error; };
         const FileLock lock = lock_file(path("file"), 1min);
-        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << error;
+        EXPECT_EQ(lock.state, LockState::UNAVAILABLE) << error;
         EXPECT_TRUE(lock.file) << error;
     }
 }
 
-TEST_F(FileLocked, AnInterruptedCallIsRepeated) {
+TEST_F(FileLockTest, IsTakenAfterAnInterruptedCall) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     at_next_flock() = [] { return EINTR; };
     EXPECT_EQ(lock_file(path("file"), 1min).state, LockState::HELD);
 }
 
-TEST_F(FileLocked, WhatIsNoFileToBeWrittenHasNoLock) {
+TEST_F(FileLockTest, IsUnavailableForMissingAndNonRegularFiles) {
     ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
     for (const char* name : {"none", "fifo", ""}) {
         const FileLock lock = lock_file(path(name), 1min);
-        EXPECT_EQ(lock.state, LockState::NOT_TO_BE_HAD) << name;
+        EXPECT_EQ(lock.state, LockState::UNAVAILABLE) << name;
         EXPECT_FALSE(lock.file) << name;
     }
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -16,27 +16,32 @@
 #include "base/descriptor.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
-/// What happens when the next file has been looked at by its name.
+/// Called after the next fstatat.
 std::function<void()>& after_next_stat() {
-    static std::function<void()> what;
-    return what;
+    static std::function<void()> action;
+    return action;
 }
 
 }  // namespace
+}  // namespace gatescope
 
-/// Takes the place of the C library's, which knows no moment between a look and what follows it.
+/// Replaces the C library's function, so that a test can act between it and the next call. Outside
+/// of the namespace, where 32-bit machines have another symbol for it.
 extern "C" int fstatat(int directory, const char* path, struct stat* status, int flags) noexcept {
     const int no_link = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? O_NOFOLLOW : 0;
-    const Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));
+    const gatescope::Descriptor file(openat(directory, path, O_PATH | O_CLOEXEC | no_link));
     const int result = file ? fstat(file.get(), status) : -1;
     const int reason = errno;
-    if (const std::function<void()> what = std::exchange(after_next_stat(), nullptr)) what();
+    const auto action = std::exchange(gatescope::after_next_stat(), nullptr);
+    if (action) action();
     errno = reason;
     return result;
 }
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;
@@ -48,7 +53,7 @@ class OpenRegularFile : public testing::Test {
 
     std::string path(const std::string& name) const { return directory_.path(name); }
 
-    /// The file, with a lease that keeps writers waiting; nothing where there are no leases.
+    /// The file with a read lease, for which writers wait; nothing where there are no leases.
     Descriptor leased() const {
         Descriptor file(open(path("file").c_str(), O_RDONLY | O_CLOEXEC));
         fcntl(file.get(), F_SETSIG, SIGURG);
@@ -59,7 +64,7 @@ class OpenRegularFile : public testing::Test {
     ScratchDirectory directory_;
 };
 
-TEST_F(OpenRegularFile, ALeaseIsWaitedFor) {
+TEST_F(OpenRegularFile, WaitsForALease) {
     Descriptor theirs = leased();
     if (!theirs) GTEST_SKIP() << "the file system has no leases";
     const auto begin = std::chrono::steady_clock::now();
@@ -73,8 +78,8 @@ TEST_F(OpenRegularFile, ALeaseIsWaitedFor) {
     EXPECT_GE(std::chrono::steady_clock::now() - begin, 50ms);
 }
 
-// Whoever may write to the directory could hold up a job for ever.
-TEST_F(OpenRegularFile, APipeThatTakesItsPlaceMeanwhileIsNotWaitedFor) {
+// Else a user who may write to the directory could block a job.
+TEST_F(OpenRegularFile, DoesNotWaitForAPipeThatReplacesTheFile) {
     const Descriptor theirs = leased();
     if (!theirs) GTEST_SKIP() << "the file system has no leases";
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0666), 0);
@@ -83,10 +88,10 @@ TEST_F(OpenRegularFile, APipeThatTakesItsPlaceMeanwhileIsNotWaitedFor) {
     EXPECT_EQ(open_regular_file(path("file"), O_WRONLY), -1);
     EXPECT_EQ(errno, ENXIO);
     alarm(0);
-    EXPECT_FALSE(after_next_stat()) << "it was looked at";
+    EXPECT_FALSE(after_next_stat()) << "fstatat was called";
 }
 
-TEST_F(OpenRegularFile, OtherKindsOfFilesAreRefused) {
+TEST_F(OpenRegularFile, RefusesOtherKindsOfFiles) {
     ASSERT_EQ(mkfifo(path("pipe").c_str(), 0666), 0);
     EXPECT_EQ(open_regular_file(path("pipe"), O_RDONLY), -1);
     EXPECT_EQ(errno, EINVAL);
@@ -97,3 +102,4 @@ TEST_F(OpenRegularFile, OtherKindsOfFilesAreRefused) {
 }
 
 }  // namespace
+}  // namespace gatescope

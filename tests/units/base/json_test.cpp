@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 std::string all_bytes() {
@@ -75,3 +76,4 @@ TEST(Json, OtherLinesAreNotRead) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,11 +6,13 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
 
-TEST(Paths, DirectoryIsWhatHoldsTheName) {
+TEST(Paths, DirectoryIsThePathWithoutTheName) {
     EXPECT_EQ(directory_of("name"), ".");
     EXPECT_EQ(directory_of("/name"), "/");
     EXPECT_EQ(directory_of("a/name"), "a");
@@ -31,25 +33,26 @@ TEST(Paths, BesideIsInTheSameDirectory) {
     EXPECT_EQ(beside("a/b/name", "other"), "a/b/other");
 }
 
-TEST(Paths, LinkSaysAPathFromWhereItStands) {
+TEST(Paths, LinkTargetIsRelativeToTheLinksDirectory) {
     const ScratchDirectory directory;
     fs::create_symlink("../there", directory / "relative");
     fs::create_symlink("/there", directory / "absolute");
     directory.write("file", "");
-    EXPECT_EQ(target_of_link(directory / "relative"), directory / "../there");
-    EXPECT_EQ(target_of_link(directory / "absolute"), "/there");
-    EXPECT_EQ(target_of_link(directory / "file"), std::nullopt);
-    EXPECT_EQ(target_of_link(directory / "none"), std::nullopt);
+    EXPECT_EQ(link_target(directory / "relative"), directory / "../there");
+    EXPECT_EQ(link_target(directory / "absolute"), "/there");
+    EXPECT_EQ(link_target(directory / "file"), std::nullopt);
+    EXPECT_EQ(link_target(directory / "none"), std::nullopt);
 }
 
-TEST(Paths, EndOfLinksIsAFileOrThePathItself) {
+TEST(Paths, ResolvedPathFollowsAllLinksUnlessTheyDangle) {
     const ScratchDirectory directory;
     directory.write("file", "");
     fs::create_symlink("file", directory / "link");
     fs::create_symlink("link", directory / "link_to_link");
     fs::create_symlink("none", directory / "dangling");
-    EXPECT_EQ(end_of_links(directory / "link_to_link"), fs::canonical(directory / "file"));
-    EXPECT_EQ(end_of_links(directory / "dangling"), directory / "dangling");
+    EXPECT_EQ(resolved_path(directory / "link_to_link"), fs::canonical(directory / "file"));
+    EXPECT_EQ(resolved_path(directory / "dangling"), directory / "dangling");
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,9 +6,10 @@
 #include "support/needs.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
-/// The files of a system that grants processes a share of its processors.
+/// The files of a system with cgroups.
 class ControlGroups : public testing::Test {
   protected:
     void put(const std::string& path, const std::string& text) const {
@@ -20,7 +21,7 @@ class ControlGroups : public testing::Test {
     ScratchDirectory root_;
 };
 
-TEST_F(ControlGroups, SetNoLimitWhereThereAreNone) {
+TEST_F(ControlGroups, GrantAllWithoutALimit) {
     EXPECT_EQ(granted(), -1);
     put("/membership", "0::/\n");
     EXPECT_EQ(granted(), -1);
@@ -28,7 +29,7 @@ TEST_F(ControlGroups, SetNoLimitWhereThereAreNone) {
     EXPECT_EQ(granted(), -1);
 }
 
-TEST_F(ControlGroups, AreRoundedUp) {
+TEST_F(ControlGroups, GrantTheQuotaRoundedUp) {
     put("/membership", "0::/\n");
     put("/cpu.max", "150000 100000\n");
     EXPECT_EQ(granted(), 2);
@@ -38,7 +39,7 @@ TEST_F(ControlGroups, AreRoundedUp) {
     EXPECT_EQ(granted(), 4);
 }
 
-TEST_F(ControlGroups, HaveNoMoreThanThoseAbove) {
+TEST_F(ControlGroups, GrantNoMoreThanThoseAbove) {
     put("/membership", "0::/jobs/night/one\n");
     put("/jobs/night/one/cpu.max", "400000 100000\n");
     put("/jobs/cpu.max", "300000 100000\n");
@@ -47,22 +48,18 @@ TEST_F(ControlGroups, HaveNoMoreThanThoseAbove) {
     EXPECT_EQ(granted(), 2);
 }
 
-TEST_F(ControlGroups, MayLieAtTheTopInAContainer) {
+TEST_F(ControlGroups, AreReadAtTheRootInAContainer) {
     put("/membership", "0::/outside/name\n");
     put("/cpu.max", "200000 100000\n");
     EXPECT_EQ(granted(), 2);
 }
 
-TEST_F(ControlGroups, OfTheOlderKindAreRead) {
-    put("/membership", "4:memory:/box\n3:cpu,cpuacct:/box\n");
-    put("/cpu,cpuacct/box/cpu.cfs_quota_us", "250000\n");
-    put("/cpu,cpuacct/box/cpu.cfs_period_us", "100000\n");
-    EXPECT_EQ(granted(), 3);
-    put("/cpu,cpuacct/box/cpu.cfs_quota_us", "-1\n");
+TEST_F(ControlGroups, OfVersion1AreIgnored) {
+    put("/membership", "3:cpu,cpuacct:/box\n0::/jobs\n");
+    put("/box/cpu.max", "100000 100000\n");
     EXPECT_EQ(granted(), -1);
-    put("/cpu/cpu.cfs_quota_us", "100000\n");
-    put("/cpu/cpu.cfs_period_us", "100000\n");
-    EXPECT_EQ(granted(), 1);
+    put("/jobs/cpu.max", "200000 100000\n");
+    EXPECT_EQ(granted(), 2);
 }
 
 TEST(UsableProcessors, AreThoseOfTheAffinity) {
@@ -82,3 +79,4 @@ TEST(UsableProcessors, AreThoseOfTheAffinity) {
 }
 
 }  // namespace
+}  // namespace gatescope

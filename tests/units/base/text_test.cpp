@@ -7,86 +7,87 @@
 #include "base/filled.h"
 #include "dialog/toolkit.h"
 
+namespace gatescope {
 namespace {
 
 using Pieces = std::vector<std::string>;
 
-/// All that STRTOK hands out for `text`.
+/// All that STRTOK returns for `text`.
 Pieces pieces(std::string_view text, const char* delimiters = ",") {
     Pieces all;
     while (const auto piece = STRTOK(&text, delimiters)) all.emplace_back(*piece);
     return all;
 }
 
-TEST(Strtok, ALastPieceWithoutADelimiterIsDropped) {
+TEST(Strtok, DropsALastPieceWithoutADelimiter) {
     EXPECT_EQ(pieces("a,b"), Pieces{"a"});
     EXPECT_EQ(pieces("a"), Pieces{});
     EXPECT_EQ(pieces(""), Pieces{});
 }
 
-TEST(Strtok, EveryTerminatedPieceIsHandedOut) {
+TEST(Strtok, ReturnsEveryTerminatedPiece) {
     EXPECT_EQ(pieces("a,b,"), (Pieces{"a", "b"}));
 }
 
-TEST(Strtok, EmptyPiecesCount) {
+TEST(Strtok, ReturnsEmptyPieces) {
     EXPECT_EQ(pieces(",a,"), (Pieces{"", "a"}));
     EXPECT_EQ(pieces("a,,b,"), (Pieces{"a", "", "b"}));
     EXPECT_EQ(pieces(","), Pieces{""});
 }
 
-TEST(Strtok, AnyOfTheDelimitersEndsAPiece) {
+TEST(Strtok, SplitsAtAnyOfTheDelimiters) {
     EXPECT_EQ(pieces("a;b,c;", ",;"), (Pieces{"a", "b", "c"}));
 }
 
-TEST(Strtok, StaysAtTheEnd) {
+TEST(Strtok, ReturnsNothingAgainAtTheEnd) {
     std::string_view rest = "a,rest";
     EXPECT_EQ(STRTOK(&rest, ","), "a");
     EXPECT_EQ(STRTOK(&rest, ","), std::nullopt);
     EXPECT_EQ(STRTOK(&rest, ","), std::nullopt);
 }
 
-TEST(Strtok, TextsOfAnyLengthAreTakenWhole) {
+TEST(Strtok, ReturnsLongPiecesWhole) {
     const std::string long_piece(5000, 'x');
     EXPECT_EQ(pieces(long_piece + ",b,"), (Pieces{long_piece, "b"}));
 }
 
-TEST(TerminatedFields, AreWhatSemicolonsEnd) {
+TEST(TerminatedFields, EndAtSemicolons) {
     EXPECT_EQ(terminated_fields(";;O;"), (Pieces{"", "", "O"}));
     EXPECT_EQ(terminated_fields("a;b"), Pieces{"a"});
     EXPECT_EQ(terminated_fields("no field"), Pieces{});
 }
 
-TEST(Cases, ChangeInPlace) {
+TEST(Cases, ChangeAsciiLettersInPlace) {
     std::string text = "aBc-9\xc4";
     EXPECT_EQ(&STRING_LOWER(text), &text);
     EXPECT_EQ(text, "abc-9\xc4");
     EXPECT_EQ(STRING_UPPER(text), "ABC-9\xc4");
 }
 
-TEST(ZulStrstri, FindsRegardlessOfCaseInsideTheCallersText) {
+TEST(ZulStrstri, IgnoresCaseAndReturnsAPlaceInTheHaystack) {
     const char* haystack = "mkelem,checkin";
     EXPECT_EQ(zul_strstri(haystack, "CHECKIN"), haystack + 7);
     EXPECT_STREQ(zul_strstri(haystack, "CHECKIN"), "checkin");
 }
 
-TEST(ZulStrstri, AnExactMatchComesBeforeAnEarlierOneOfOtherCase) {
+TEST(ZulStrstri, PrefersAnExactMatchToAnEarlierOneOfOtherCase) {
     const char* haystack = "xKEYkey";
     EXPECT_EQ(zul_strstri(haystack, "key"), haystack + 4);
     EXPECT_EQ(zul_strstri(haystack, "kEy"), haystack + 1);
 }
 
-TEST(ZulStrstri, NothingFoundIsNull) {
+TEST(ZulStrstri, ReturnsNullWithoutAMatch) {
     EXPECT_EQ(zul_strstri("abc", "d"), nullptr);
     EXPECT_EQ(zul_strstri("", "d"), nullptr);
     EXPECT_STREQ(zul_strstri("abc", ""), "abc");
 }
 
-TEST(ZulStrstri, TextsOfAnyLengthAreSearched) {
+TEST(ZulStrstri, SearchesLongTextsWhole) {
     const std::string haystack = std::string(2000, '.') + "Needle";
     EXPECT_STREQ(zul_strstri(haystack.c_str(), "nEEDLE"), "Needle");
 }
 
-TEST(EscapedQuotedString, LeavesATextWithoutQuotesAlone) {
+TEST(EscapedQuotedString, ReturnsNullForATextWithoutQuotes) {
     std::string text = "a'b\\c";
     EXPECT_EQ(escaped_quoted_string(text), nullptr);
     EXPECT_EQ(text, "a'b\\c");
@@ -107,7 +108,7 @@ TEST(DoubleAmpString, DoublesEveryAmpersand) {
     EXPECT_EQ(text, "none");
 }
 
-TEST(InsertAfterNth, PutsTheCharacterAfterTheNth) {
+TEST(InsertAfterNth, InsertsAfterTheNthOccurrence) {
     std::string text = "a/b/c";
     EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 2, '/'),
               &text);
@@ -116,7 +117,7 @@ TEST(InsertAfterNth, PutsTheCharacterAfterTheNth) {
     EXPECT_EQ(text, "a/Yb/Xc");
 }
 
-TEST(InsertAfterNth, FewerOccurrencesLeaveTheText) {
+TEST(InsertAfterNth, LeavesATextWithFewerOccurrences) {
     std::string text = "a/b/c";
     EXPECT_EQ(in_string__insert_this_char_after_nth_instance_of_that_char(text, 'X', 3, '/'),
               &text);
@@ -126,7 +127,7 @@ TEST(InsertAfterNth, FewerOccurrencesLeaveTheText) {
     EXPECT_EQ(text, "a/b/c");
 }
 
-TEST(IncludesAllCases, KnowsTheSevenForms) {
+TEST(IncludesAllCases, RecognizesTheSevenForms) {
     for (const char* form : {"(*)", "<*>", "[*]", "{*}", "%*%", "'*'", "@*@"}) {
         EXPECT_TRUE(includes_all_cases(form)) << form;
         EXPECT_TRUE(includes_all_cases("(a) " + std::string(form) + " x")) << form;
@@ -136,7 +137,7 @@ TEST(IncludesAllCases, KnowsTheSevenForms) {
     }
 }
 
-TEST(Healthy, EveryCharacterIsAllowed) {
+TEST(HoldsOnly, IsTrueWhenEveryCharacterIsAllowed) {
     EXPECT_TRUE(holds_only("", "abc"));
     EXPECT_TRUE(holds_only("cab", "abc"));
     EXPECT_FALSE(holds_only("cabd", "abc"));
@@ -144,14 +145,14 @@ TEST(Healthy, EveryCharacterIsAllowed) {
     EXPECT_FALSE(holds_only(nullptr, "abc"));
 }
 
-TEST(Unhealthy, SomeCharacterIsForbidden) {
+TEST(HoldsAnyOf, IsTrueWhenACharacterIsForbidden) {
     EXPECT_FALSE(holds_any_of("", ",;"));
     EXPECT_FALSE(holds_any_of("abc", ",;"));
     EXPECT_TRUE(holds_any_of("ab;c", ",;"));
     EXPECT_FALSE(holds_any_of(nullptr, ",;"));
 }
 
-TEST(WordsJoined, OneBlankBetweenWordsAndNoneAround) {
+TEST(WordsJoined, HasOneBlankBetweenWordsAndNoneAround) {
     EXPECT_EQ(words_joined("  two \t\n words \r\n"), "two words");
     EXPECT_EQ(words_joined("one"), "one");
     EXPECT_EQ(words_joined(" \n\t "), "");
@@ -159,12 +160,12 @@ TEST(WordsJoined, OneBlankBetweenWordsAndNoneAround) {
     EXPECT_EQ(words_joined("a\vb\fc"), "a b c");
 }
 
-TEST(WordsJoined, ANulEndsItsWordOnly) {
+TEST(WordsJoined, DropsTheRestOfAWordWithANul) {
     EXPECT_EQ(words_joined(std::string_view("ab\0cd ef", 8)), "ab ef");
     EXPECT_EQ(words_joined(std::string_view("\0 x", 3)), " x");
 }
 
-TEST(LeadingNumber, StopsAtTheFirstOther) {
+TEST(LeadingNumber, EndsAtTheFirstOtherCharacter) {
     EXPECT_EQ(leading_number("7x"), 7);
     EXPECT_EQ(leading_number("x"), 0);
     EXPECT_EQ(leading_number(""), 0);
@@ -173,13 +174,13 @@ TEST(LeadingNumber, StopsAtTheFirstOther) {
     EXPECT_EQ(leading_number("99999999999999999999999"), 9223372036854775807L);
 }
 
-TEST(Filled, EndsWhereANulIsFilledIn) {
+TEST(Filled, EndsAtANul) {
     EXPECT_EQ(filled("a%cb", '\0'), "a");
     EXPECT_EQ(filled("%s=%d", "x", 7), "x=7");
     EXPECT_EQ(filled("%s", ""), "");
 }
 
-TEST(Filled, TakesTextsOfAnyLength) {
+TEST(Filled, InsertsLongTextsWhole) {
     const std::string text(100000, 'x');
     EXPECT_EQ(filled("<%s>", text.c_str()), "<" + text + ">");
 }
@@ -190,3 +191,4 @@ TEST(CText, EndsAtTheFirstNul) {
 }
 
 }  // namespace
+}  // namespace gatescope

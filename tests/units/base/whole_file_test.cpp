@@ -11,6 +11,7 @@
 #include "base/descriptor.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 class WholeFile : public testing::Test {
@@ -34,13 +35,13 @@ TEST_F(WholeFile, IsReadToItsEndOrToTheLimit) {
     }
 }
 
-TEST_F(WholeFile, ComesInParts) {
+TEST_F(WholeFile, IsCompleteAfterPartialReadsAndWrites) {
     std::array<int, 2> ends;
     ASSERT_EQ(pipe2(ends.data(), O_CLOEXEC), 0);
     const Descriptor out(ends[0]);
     Descriptor in(ends[1]);
     const std::string text(200000, 'x');
-    // More than the pipe holds, so both take several calls.
+    // More than the pipe's capacity, so both take several calls.
     std::thread writer([&] {
         EXPECT_EQ(write_all(in.get(), text), 0);
         in.close();
@@ -51,22 +52,23 @@ TEST_F(WholeFile, ComesInParts) {
     EXPECT_EQ(bytes, text);
 }
 
-TEST_F(WholeFile, WritingWritesAllAndCloses) {
+TEST_F(WholeFile, IsWrittenAndClosed) {
     const int file = opened("file", O_WRONLY | O_CREAT).release();
     EXPECT_EQ(write_sync_close(file, "text"), 0);
     EXPECT_EQ(fcntl(file, F_GETFD), -1);
     EXPECT_EQ(directory.read("file"), "text");
 }
 
-TEST_F(WholeFile, FailuresSayWhy) {
+TEST_F(WholeFile, ReturnsTheErrnoOfAFailure) {
     std::string bytes;
     EXPECT_EQ(read_whole(opened("", O_RDONLY).get(), 1, &bytes), EISDIR);
     const Descriptor full(open("/dev/full", O_WRONLY | O_CLOEXEC));
     EXPECT_EQ(write_all(full.get(), "text"), ENOSPC);
     EXPECT_EQ(write_and_sync(full.get(), "text"), ENOSPC);
-    const int closed_all_the_same = dup(full.get());
-    EXPECT_EQ(write_sync_close(closed_all_the_same, "text"), ENOSPC);
-    EXPECT_EQ(fcntl(closed_all_the_same, F_GETFD), -1);
+    const int duplicate = dup(full.get());
+    EXPECT_EQ(write_sync_close(duplicate, "text"), ENOSPC);
+    EXPECT_EQ(fcntl(duplicate, F_GETFD), -1);
 }
 
 }  // namespace
+}  // namespace gatescope

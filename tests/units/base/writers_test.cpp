@@ -5,6 +5,7 @@
 
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
 namespace {
 
 class Settling : public Pruning {
@@ -22,13 +23,13 @@ class Settling : public Pruning {
     Descriptor file_;
 };
 
-TEST_F(Settling, WithoutAWriterNothingIsWaitedFor) {
+TEST_F(Settling, ReturnsAtOnceWithoutAWriter) {
     const Settled settled = settle(file_, in(60'000));
     EXPECT_EQ(settled.writers, Writers::NONE);
     EXPECT_EQ(settled.status.st_size, 4);
 }
 
-TEST_F(Settling, AWriterIsWaitedFor) {
+TEST_F(Settling, WaitsForAWriterToClose) {
     const SlowWriter writer(log_file_path(0));
     const Later more([&] {
         writer.write("more");
@@ -39,7 +40,7 @@ TEST_F(Settling, AWriterIsWaitedFor) {
     EXPECT_EQ(settled.status.st_size, 8);
 }
 
-TEST_F(Settling, AWriterThatStaysIsToldOf) {
+TEST_F(Settling, ReportsAWriterAtTheDeadline) {
     const SlowWriter writer(log_file_path(0));
     const Settled settled = settle(file_, in(20));
     EXPECT_EQ(settled.writers, Writers::SOME);
@@ -47,15 +48,15 @@ TEST_F(Settling, AWriterThatStaysIsToldOf) {
     writer.end();
 }
 
-TEST_F(Settling, NobodyIsKeptOutAfterwards) {
+TEST_F(Settling, LeavesNoLeaseBehind) {
     settle(file_, in(20));
     const int writer = open(log_file_path(0).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     EXPECT_NE(writer, -1);
     close(writer);
 }
 
-TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
-    // On a device no lease is to be had.
+TEST_F(Settling, WaitsUntilTheDeadlineWithoutLeases) {
+    // Devices have no leases.
     const Descriptor file(open("/dev/null", O_RDONLY | O_CLOEXEC));
     const auto deadline = in(50);
     EXPECT_EQ(settle(file, deadline).writers, Writers::UNKNOWN);
@@ -63,3 +64,4 @@ TEST_F(Settling, WhereTheSystemDoesNotTellAllTheTimeIsWaited) {
 }
 
 }  // namespace
+}  // namespace gatescope

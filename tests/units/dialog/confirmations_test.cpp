@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Confirmations : public OnStage {
@@ -20,9 +21,12 @@ class Confirmations : public OnStage {
     }
 };
 
-TEST_F(Confirmations, TheThreeAnswersOfEachQuestion) {
-    const int expected[] = {CONFIRMED, DECLINED, CHANGE_ABORTED, CHANGE_ABORTED};
-    static_assert(CONFIRMED == 1 && DECLINED == 0 && CHANGE_ABORTED == 2);
+TEST_F(Confirmations, ReturnTheAnswerOrAborted) {
+    const Consent expected[] = {Consent::CONFIRMED, Consent::DECLINED, Consent::ABORTED,
+                                Consent::ABORTED};
+    static_assert(static_cast<int>(Consent::CONFIRMED) == 1 &&
+                  static_cast<int>(Consent::DECLINED) == 0 &&
+                  static_cast<int>(Consent::ABORTED) == 2);
     for (const int status : {0, 1, 2, 3}) {
         for (int i = 0; i < 3; ++i) region.answers({.kind = "yes_no", .status = status});
         EXPECT_EQ(confirm_change({"x", "a", "b"}), expected[status]);
@@ -32,7 +36,7 @@ TEST_F(Confirmations, TheThreeAnswersOfEachQuestion) {
     }
 }
 
-TEST_F(Confirmations, ChangeShowsOldAndNewValueAndThenTheWarnings) {
+TEST_F(Confirmations, OfAChangeShowOldAndNewValueAndThenTheWarnings) {
     EXPECT_EQ(asked_by([&] {
                   confirm_change({"Region MOTD String", "old", "new"}, "\n\nWarning: none");
               }),
@@ -40,7 +44,7 @@ TEST_F(Confirmations, ChangeShowsOldAndNewValueAndThenTheWarnings) {
               "new\n\nWarning: none");
 }
 
-TEST_F(Confirmations, EqualValuesGetNoWarning) {
+TEST_F(Confirmations, OfEqualValuesShowNoWarnings) {
     for (const char* value : {"", "(*)"}) {
         EXPECT_EQ(
             asked_by([&] {
@@ -50,14 +54,14 @@ TEST_F(Confirmations, EqualValuesGetNoWarning) {
     }
 }
 
-TEST_F(Confirmations, ValuesAreComparedWhole) {
+TEST_F(Confirmations, CompareWholeValues) {
     const std::string value(90, 'x');
     EXPECT_TRUE(asked_by([&] {
                     confirm_change({"Region MOTD String", value + "a", value + "b"});
                 }).starts_with("Confirm change of: "));
 }
 
-TEST_F(Confirmations, ValuesAreCutAtEightyCharacters) {
+TEST_F(Confirmations, CutValuesAtEightyCharacters) {
     EXPECT_EQ(cut_for_dialog(std::string(79, 'x')), std::string(79, 'x'));
     EXPECT_EQ(cut_for_dialog(std::string(80, 'x')), std::string(80, 'x') + "...");
     EXPECT_EQ(cut_for_dialog(std::string(200, 'x')), std::string(80, 'x') + "...");
@@ -69,7 +73,7 @@ TEST_F(Confirmations, ValuesAreCutAtEightyCharacters) {
             std::string(80, 'f') + "...\n                 to:  " + std::string(80, 't') + "...");
 }
 
-TEST_F(Confirmations, EveryAmpersandIsDoubled) {
+TEST_F(Confirmations, DoubleEveryAmpersand) {
     EXPECT_EQ(asked_by([&] {
                   confirm_change({"a&b", "c&", "&&d"}, "&");
               }),
@@ -86,7 +90,7 @@ TEST_F(Confirmations, EveryAmpersandIsDoubled) {
 
 // Additions and deletions.
 
-TEST_F(Confirmations, AnAliasIsShownWhole) {
+TEST_F(Confirmations, OfAnAliasShowItUncut) {
     const std::string line = "#!gatewarden_alias a " + std::string(200, 'v');
     EXPECT_EQ(asked_by([&] {
                   confirm_add({"Alias", line, std::string(200, 'v')}, Addition::ALIAS);
@@ -94,7 +98,7 @@ TEST_F(Confirmations, AnAliasIsShownWhole) {
               "Confirm addition of: Alias\n\n    " + line);
 }
 
-TEST_F(Confirmations, AToolVariableIsAddedOrChanged) {
+TEST_F(Confirmations, OfAToolVariableSayAdditionOrChange) {
     EXPECT_EQ(asked_by([&] {
                   confirm_add({"Gatescope Variable", "#!gatescope_unix_browser=", "/b"},
                               Addition::SETTING);
@@ -102,7 +106,7 @@ TEST_F(Confirmations, AToolVariableIsAddedOrChanged) {
               "Confirm addition/change of: Gatescope Variable\n\n    #!gatescope_unix_browser=/b");
 }
 
-TEST_F(Confirmations, AnythingElseIsShownWithAnEqualsSignAndItsItemUncut) {
+TEST_F(Confirmations, OfOtherAdditionsShowAnEqualsSignAndTheItemUncut) {
     const std::string item(90, 'i');
     EXPECT_EQ(asked_by([&] {
                   confirm_add({item, "Key", std::string(80, 'v')});
@@ -110,7 +114,7 @@ TEST_F(Confirmations, AnythingElseIsShownWithAnEqualsSignAndItsItemUncut) {
               "Confirm addition of: " + item + "\n\n    Key=" + std::string(80, 'v') + "...");
 }
 
-TEST_F(Confirmations, ADeletionShowsItsItemUncut) {
+TEST_F(Confirmations, OfADeletionShowTheItemUncut) {
     const std::string item(90, 'i');
     EXPECT_EQ(asked_by([&] {
                   confirm_delete({item, std::string(80, 'v'), ""});
@@ -122,7 +126,7 @@ TEST_F(Confirmations, ADeletionShowsItsItemUncut) {
 
 const Change CHANGE = {"it&m", "old", "new"};
 
-TEST_F(Confirmations, ReportsAreSilentUnlessAskedFor) {
+TEST_F(Confirmations, ReportsAreSilentWithoutTheVariable) {
     EXPECT_EQ(printed_by([] {
                   change_confirmed(CHANGE);
                   add_confirmed(CHANGE);
@@ -145,7 +149,7 @@ TEST_F(Confirmations, ReportsShowTheChange) {
               "Successfully added Alias\n\n    #!gatewarden_alias a &&\n[yes] accepted\n");
 }
 
-TEST_F(Confirmations, ReportsCutLikeTheQuestions) {
+TEST_F(Confirmations, ReportsCutValuesAtEightyCharacters) {
     setenv("ZUL_GATESCOPE_VERBOSITY", "", 1);
     const std::string shown = std::string(80, 'x') + "...";
     const Change wide = {std::string(80, 'x'), std::string(90, 'x'), std::string(200, 'x')};
@@ -155,3 +159,4 @@ TEST_F(Confirmations, ReportsCutLikeTheQuestions) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -21,11 +21,12 @@
 #include "messages/startup_texts.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class ProcessEnd : public OnStage {
   protected:
-    /// The wait status of a child process that does `act`.
+    /// The wait status of a child process that calls `act`.
     static int in_a_child(const std::function<void()>& act) {
         const pid_t child = fork();
         if (child == 0) {
@@ -40,7 +41,7 @@ class ProcessEnd : public OnStage {
 };
 using ProcessEndDeathTest = ProcessEnd;
 
-TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
+TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndRemovesTemporaryFiles) {
     const int status = in_a_child([&] {
         close(create_temporary_file(at("scratch")));
         clean_exit(7);
@@ -52,7 +53,7 @@ TEST_F(ProcessEnd, CleanExitEndsWithItsStatusAndTakesTemporaryFilesAlong) {
 TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
     std::set<int> tried;
     for (int number = 1; number <= SIGRTMAX; ++number) {
-        // These stop a process and would keep the test waiting.
+        // These stop a process, and the test would wait for it.
         if (number == SIGSTOP || number == SIGTSTP || number == SIGTTIN || number == SIGTTOU) {
             continue;
         }
@@ -62,13 +63,13 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
             signal(number, SIG_DFL);
             raise(number);
         });
-        // A file size limit is an error of a write, and nobody catches a kill.
+        // SIGXFSZ becomes an error of write, and SIGKILL cannot be caught.
         if (!WIFSIGNALED(alone) || number == SIGKILL || number == SIGXFSZ) continue;
         tried.insert(number);
         const int status = in_a_child([&] {
             setrlimit(RLIMIT_CORE, &no_core);
             signal(number, SIG_DFL);
-            end_in_order_on_signals();
+            install_signal_cleanup();
             close(create_temporary_file(at("scratch")));
             raise(number);
         });
@@ -76,7 +77,7 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
         EXPECT_EQ(WTERMSIG(status), number);
         EXPECT_TRUE(region.files_in("tmp").empty()) << number;
     }
-    // Besides these, as many as the system has of its own.
+    // At least these; real-time signals differ by system.
     for (const int number :
          {SIGHUP, SIGINT, SIGQUIT, SIGILL, SIGTRAP, SIGABRT, SIGBUS, SIGFPE, SIGUSR1, SIGSEGV,
           SIGUSR2, SIGPIPE, SIGALRM, SIGTERM, SIGXCPU, SIGVTALRM, SIGPROF, SIGSYS}) {
@@ -84,19 +85,19 @@ TEST_F(ProcessEnd, SignalsRemoveTemporaryFilesAndStillEndTheProcess) {
     }
 }
 
-TEST_F(ProcessEnd, AHandlerThatWasThereBeforeStays) {
+TEST_F(ProcessEnd, EarlierSignalHandlersStay) {
     const int status = in_a_child([&] {
         signal(SIGSEGV, [](int) { _exit(5); });
-        end_in_order_on_signals();
+        install_signal_cleanup();
         raise(SIGSEGV);
     });
     EXPECT_EQ(WEXITSTATUS(status), 5);
 }
 
-TEST_F(ProcessEnd, ManyTemporaryFilesGoWithoutExceptionAndForgottenOnesStay) {
+TEST_F(ProcessEnd, AllTemporaryFilesAreRemovedExceptForgottenOnes) {
     const auto end = [&](const std::function<void()>& end_of_process) {
         in_a_child([&] {
-            end_in_order_on_signals();
+            install_signal_cleanup();
             for (int i = 0; i < 100; ++i) close(create_temporary_file(at(std::to_string(i))));
             forget_temporary_file(at("50"));
             close(create_temporary_file(at("last")));
@@ -109,11 +110,11 @@ TEST_F(ProcessEnd, ManyTemporaryFilesGoWithoutExceptionAndForgottenOnesStay) {
     end([] { raise(SIGTERM); });
 }
 
-TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
+TEST_F(ProcessEnd, FilesForSignalsAreRemovedBySignalsOnly) {
     const auto make = [&] {
         close(create_temporary_file(at("sign")));
         forget_temporary_file(at("sign"));
-        remember_for_signals(at("sign"));
+        remember_file_removed_on_signal(at("sign"));
     };
     in_a_child([&] {
         make();
@@ -121,13 +122,13 @@ TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
     });
     EXPECT_FALSE(region.files_in("tmp").empty());
     in_a_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         make();
         raise(SIGTERM);
     });
     EXPECT_TRUE(region.files_in("tmp").empty());
     in_a_child([&] {
-        end_in_order_on_signals();
+        install_signal_cleanup();
         make();
         forget_temporary_file(at("sign"));
         raise(SIGTERM);
@@ -135,10 +136,10 @@ TEST_F(ProcessEnd, AFileForSignalsGoesBySignalsOnly) {
     EXPECT_FALSE(region.files_in("tmp").empty());
 }
 
-TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
+TEST_F(ProcessEnd, IgnoredSignalsStayIgnored) {
     const int status = in_a_child([&] {
         signal(SIGHUP, SIG_IGN);
-        end_in_order_on_signals();
+        install_signal_cleanup();
         raise(SIGHUP);
         _exit(5);
     });
@@ -146,7 +147,7 @@ TEST_F(ProcessEnd, ASignalThatWasIgnoredStaysIgnored) {
     EXPECT_EQ(WEXITSTATUS(status), 5);
 }
 
-TEST_F(ProcessEnd, AForgottenFileStays) {
+TEST_F(ProcessEnd, ForgottenFilesStay) {
     in_a_child([&] {
         close(create_temporary_file(at("kept")));
         forget_temporary_file(at("kept"));
@@ -155,7 +156,7 @@ TEST_F(ProcessEnd, AForgottenFileStays) {
     EXPECT_EQ(region.files_in("tmp"), std::vector<std::string>{"kept"});
 }
 
-TEST_F(ProcessEnd, TemporaryFilesArePrivateAndNeverThroughALink) {
+TEST_F(ProcessEnd, TemporaryFilesArePrivateAndReplaceLinks) {
     region.write_file("victim", "precious");
     ASSERT_EQ(symlink(region.path("victim").c_str(), at("scratch").c_str()), 0);
     const int file = create_temporary_file(at("scratch"));
@@ -170,7 +171,7 @@ TEST_F(ProcessEnd, TemporaryFilesArePrivateAndNeverThroughALink) {
     EXPECT_FALSE(region.has_file("tmp/scratch"));
 }
 
-TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
+TEST_F(ProcessEnd, AnswerFileDistinguishesEmptyFromUnwritten) {
     const AnswerFile answer(at("answer"));
     EXPECT_FALSE(answer.content().has_value());
     EXPECT_EQ(run_in_shell(": > '" + at("answer") + "'"), 0);
@@ -182,14 +183,14 @@ TEST_F(ProcessEnd, AnAnswerFileTellsWrittenFromUntouched) {
     EXPECT_FALSE(answer.content().has_value());
 }
 
-TEST_F(ProcessEnd, AnAnswerThatIsADirectoryIsNone) {
+TEST_F(ProcessEnd, AnswerFileIgnoresADirectory) {
     const AnswerFile answer(at("answer"));
     EXPECT_EQ(run_in_shell("cd '" + region.path("tmp") + "' && rm answer && mkdir answer"), 0);
     EXPECT_FALSE(answer.content().has_value());
     EXPECT_EQ(run_in_shell("rmdir '" + at("answer") + "'"), 0);
 }
 
-TEST_F(ProcessEndDeathTest, AnAnswerIsNotReadThroughALink) {
+TEST_F(ProcessEndDeathTest, AnswerFileFailsOnASymbolicLink) {
     const AnswerFile answer(at("answer"));
     EXPECT_EQ(run_in_shell("ln -sf /etc/passwd '" + at("answer") + "'"), 0);
     bool failed = false;
@@ -199,10 +200,11 @@ TEST_F(ProcessEndDeathTest, AnAnswerIsNotReadThroughALink) {
                  filled(CANNOT_READ_ANSWER, at("answer").c_str(), std::strerror(ELOOP)));
 }
 
-TEST_F(ProcessEnd, TheShellsStatusComesUndivided) {
+TEST_F(ProcessEnd, RunInShellReturnsTheWaitStatus) {
     EXPECT_EQ(run_in_shell("exit 0"), 0);
     EXPECT_EQ(run_in_shell("exit 1"), 256);
     EXPECT_EQ(run_in_shell("kill -TERM $$"), 15);
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -6,18 +6,19 @@
 #include "dialog/toolkit.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Prompts : public OnStage {
   protected:
-    /// The answer of a prompt that the operator typed `typed` into.
+    /// The answer of a prompt after the operator typed `typed`.
     std::optional<std::string> answer_to(const std::string& typed) {
         region.types(typed);
         auto answer = prompt("Prompt:", "def");
         region.shown_so_far();
         return answer;
     }
-    /// The answer of a multiple choice whose result file holds `bytes`.
+    /// The answer of a multiple choice with `bytes` in its result file.
     std::optional<std::string> several(const std::string& bytes) {
         region.answers({.kind = "list", .outfile = bytes});
         auto picks = make_selection("Title", "a,b,c", MULTIPLE_CHOICE);
@@ -28,14 +29,14 @@ class Prompts : public OnStage {
 };
 using PromptsDeathTest = Prompts;
 
-TEST_F(Prompts, APromptIsAskedWithItsDefault) {
+TEST_F(Prompts, PassTheDefault) {
     region.types("words");
     EXPECT_EQ(prompt("Input user:", "*"), "words");
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{prompted("Input user:", "*")});
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ThePromptAloneDecidesAboutNewline) {
+TEST_F(Prompts, PassNewlineForThePromptOnly) {
     region.types("x").types("x");
     prompt("one\\ntwo", "def");
     prompt("one", "d\\nef");
@@ -43,13 +44,13 @@ TEST_F(Prompts, ThePromptAloneDecidesAboutNewline) {
               (Dialogs{prompted("one\\ntwo", "def"), prompted("one", "d\\nef")}));
 }
 
-TEST_F(Prompts, AnEmptyDefaultIsAnEmptyArgument) {
+TEST_F(Prompts, PassAnEmptyDefaultAsAnEmptyArgument) {
     region.types("x");
     prompt("one", "");
     EXPECT_EQ(region.shown_so_far().dialogs(), Dialogs{prompted("one", "")});
 }
 
-TEST_F(Prompts, AnAnswerIsItsWordsWithOneBlankBetweenThem) {
+TEST_F(Prompts, ReturnWordsWithOneBlankBetweenThem) {
     EXPECT_EQ(answer_to("  two   words \n"), "two words");
     EXPECT_EQ(answer_to("a\nb\tc\r\n"), "a b c");
     EXPECT_EQ(answer_to(""), "");
@@ -59,18 +60,18 @@ TEST_F(Prompts, AnAnswerIsItsWordsWithOneBlankBetweenThem) {
     EXPECT_EQ(answer_to("\xff\xfe"), "\xff\xfe");
 }
 
-TEST_F(Prompts, LongAnswersAreTakenWhole) {
+TEST_F(Prompts, ReturnLongAnswersWhole) {
     const std::string answer(100000, 'x');
     EXPECT_EQ(answer_to(answer), answer);
 }
 
-TEST_F(Prompts, AnswersThatWereNotWrittenAreEmpty) {
+TEST_F(Prompts, ReturnAnEmptyAnswerWithoutAResultFile) {
     region.answers({.kind = "text", .status = 0});
     EXPECT_EQ(prompt("Prompt:", "def"), "");
     region.shown_so_far();
 }
 
-TEST_F(Prompts, EveryStatusButZeroCancels) {
+TEST_F(Prompts, ReturnNothingForEveryOtherStatus) {
     for (const int status : {1, 2, 255}) {
         region.answers({.kind = "text", .status = status, .outfile = "typed"});
         EXPECT_EQ(prompt("Prompt:", "def"), std::nullopt);
@@ -79,7 +80,7 @@ TEST_F(Prompts, EveryStatusButZeroCancels) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ADefaultInAFileIsHandedOverLetterForLetter) {
+TEST_F(Prompts, FromAFilePassTheDefaultUnchanged) {
     const std::string def = "line 1\nline \"2\" $(x)  \\n\n";
     region.types("new");
     EXPECT_EQ(prompt_from_file("Prompt:", def), "new");
@@ -87,7 +88,7 @@ TEST_F(Prompts, ADefaultInAFileIsHandedOverLetterForLetter) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ALeftoverDefaultFileIsAddedTo) {
+TEST_F(Prompts, FromAFileAppendToALeftoverFile) {
     region.write_file("tmp/gatewarden_prompt_prompt_" + GLOBAL_PID_STRING + "_.txt", "left ");
     region.types("x");
     prompt_from_file("Prompt\\n:", "new");
@@ -96,14 +97,14 @@ TEST_F(Prompts, ALeftoverDefaultFileIsAddedTo) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ACancelledPromptFromAFileLeavesNoFiles) {
+TEST_F(Prompts, FromAFileLeaveNoFilesAfterACancel) {
     region.cancels();
     EXPECT_EQ(prompt_from_file("Prompt:", "def"), std::nullopt);
     region.shown_so_far();
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, AFileIsShownWithWhatIsKnownOfItsErrors) {
+TEST_F(Prompts, ShowAFileWithErrorsOrNoErrorsInItsTitle) {
     region.write_file("report", "line\n");
     region.closes_view().closes_view();
     show_file_with_clearprompt("Title", region.path("report"), false);
@@ -117,7 +118,7 @@ TEST_F(Prompts, AFileIsShownWithWhatIsKnownOfItsErrors) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, WhatIsTypedIntoAFileThatIsShownIsThrownAway) {
+TEST_F(Prompts, ShowAFileWithoutChangingIt) {
     region.write_file("report", "line\n");
     region.types("typed");
     show_file_with_clearprompt("Title", region.path("report"), false);
@@ -125,7 +126,7 @@ TEST_F(Prompts, WhatIsTypedIntoAFileThatIsShownIsThrownAway) {
     EXPECT_EQ(region.file("report"), "line\n");
 }
 
-TEST_F(Prompts, ASinglePickComesBackAsListed) {
+TEST_F(Prompts, ReturnASinglePickAsListed) {
     region.operator_picks("A01 - Prune Log Files");
     EXPECT_EQ(make_selection("Pick (%s)", "A01 - Prune Log Files,A02 - x", SINGLE_CHOICE),
               "A01 - Prune Log Files");
@@ -134,7 +135,7 @@ TEST_F(Prompts, ASinglePickComesBackAsListed) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ACancelledListHasNoAnswer) {
+TEST_F(Prompts, ReturnNothingForACancelledList) {
     region.cancels().cancels();
     EXPECT_EQ(make_selection("Title", "a,b", SINGLE_CHOICE), std::nullopt);
     EXPECT_EQ(make_selection("Title", "a,b", MULTIPLE_CHOICE), std::nullopt);
@@ -143,7 +144,7 @@ TEST_F(Prompts, ACancelledListHasNoAnswer) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, SeveralPicksAreJoinedByCommas) {
+TEST_F(Prompts, JoinSeveralPicksByCommas) {
     EXPECT_EQ(several("b - two\na - one\n"), "b - two,a - one");
     EXPECT_EQ(several("a"), "a");
     EXPECT_EQ(several("a\nb"), "a,b");
@@ -153,21 +154,21 @@ TEST_F(Prompts, SeveralPicksAreJoinedByCommas) {
     EXPECT_EQ(several("two  blanks \n"), "two  blanks ");
 }
 
-TEST_F(Prompts, SeveralPicksOf10001CharactersAreAccepted) {
+TEST_F(Prompts, AcceptPicksOf10001Bytes) {
     const std::string largest(10001, 'x');
     EXPECT_EQ(several(largest), largest);
     const std::string with_break = std::string(10000, 'x') + "\n";
     EXPECT_EQ(several(with_break), std::string(10000, 'x'));
 }
 
-TEST_F(PromptsDeathTest, SeveralPicksOf10002CharactersAreFatal) {
+TEST_F(PromptsDeathTest, GripeAboutPicksOf10002Bytes) {
     region.answers({.kind = "list", .outfile = std::string(10002, 'x')});
     EXPECT_GRIPE(make_selection("Title", "a", MULTIPLE_CHOICE),
                  "make_selection() selection excessively large exceeds 10001 bytes");
     region.shown_so_far();
 }
 
-TEST_F(PromptsDeathTest, SeveralPicksWithoutAFileAreFatal) {
+TEST_F(PromptsDeathTest, GripeAboutPicksWithoutAResultFile) {
     region.answers({.kind = "list", .status = 0});
     EXPECT_GRIPE(make_selection("Title", "a", MULTIPLE_CHOICE),
                  "expected result file disappeared in make_selection()");
@@ -178,7 +179,7 @@ TEST_F(PromptsDeathTest, SeveralPicksWithoutAFileAreFatal) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, ListsAreShownEvenWithoutDialogs) {
+TEST_F(Prompts, AreShownEvenWithoutDialogs) {
     ZUL_PREFER_GUI = 0;
     region.operator_picks("a").types("x");
     EXPECT_EQ(make_selection("Title", "a,b", SINGLE_CHOICE), "a");
@@ -187,7 +188,7 @@ TEST_F(Prompts, ListsAreShownEvenWithoutDialogs) {
               (Dialogs{listed("Title", "a,b"), prompted("Prompt:", "def")}));
 }
 
-TEST_F(Prompts, GetSystemRcThrowsTheOutputAwayAndKeepsTheStatus) {
+TEST_F(Prompts, GetSystemRcDiscardsTheOutputAndReturnsTheStatus) {
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     std::fputs("before ", stdout);
@@ -199,23 +200,24 @@ TEST_F(Prompts, GetSystemRcThrowsTheOutputAwayAndKeepsTheStatus) {
     expect_no_temporary_files();
 }
 
-TEST_F(Prompts, GetSystemRcKeepsTheOutputInATemporaryFileMeanwhile) {
+TEST_F(Prompts, GetSystemRcRedirectsTheOutputToATemporaryFile) {
     get_system_rc("ls " + TEMP_DIR + " >" + region.path("home") + "/listing");
     EXPECT_EQ(region.file("home/listing"),
               "gatewarden_temp_trash_file__" + GLOBAL_PID_STRING + ".txt\n");
 }
 
-TEST_F(Prompts, GetSystemRcRunsTheCommandEvenWithoutAPlaceForItsOutput) {
+TEST_F(Prompts, GetSystemRcRunsTheCommandEvenWithoutATemporaryFile) {
     TEMP_DIR = "/no/such/dir";
     testing::internal::CaptureStdout();
     EXPECT_EQ(get_system_rc("echo seen; exit 2"), 2 * 256);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Can't open file 'data'\nseen\n");
 }
 
-TEST(Lists, AListHasNoCommaAtItsEnd) {
+TEST(Lists, HaveNoCommaAtTheEnd) {
     EXPECT_EQ(as_list({}), "");
     EXPECT_EQ(as_list({"a"}), "a");
     EXPECT_EQ(as_list({"a", "", "b"}), "a,,b");
 }
 
 }  // namespace
+}  // namespace gatescope

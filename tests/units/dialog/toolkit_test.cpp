@@ -12,6 +12,7 @@
 #include "support/limit_file_size.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Files : public OnStage {
@@ -27,7 +28,7 @@ class Files : public OnStage {
 };
 using FilesDeathTest = Files;
 
-TEST_F(Files, AnyKindOfFileExists) {
+TEST_F(Files, OfAnyKindExist) {
     put("file", "");
     EXPECT_TRUE(this_file_exists(at("file")));
     EXPECT_TRUE(this_file_exists(at("depot")));
@@ -46,7 +47,7 @@ TEST_F(Files, TouchCreatesAndTruncates) {
     EXPECT_EQ(content("old"), "");
 }
 
-TEST_F(Files, AppendKeepsWhatIsThere) {
+TEST_F(Files, AppendKeepsTheOldText) {
     EXPECT_EQ(append_file(at("log"), "a"), 0);
     EXPECT_EQ(append_file(at("log"), nullptr), 0);
     EXPECT_EQ(append_file(at("log"), "b\n"), 0);
@@ -71,14 +72,14 @@ TEST_F(Files, CopyEndsEachChunkOf30000BytesAtItsNul) {
     EXPECT_EQ(content("to"), std::string(10000, 'a') + "b" + std::string(29999, 'a'));
 }
 
-TEST_F(Files, MoveLeavesNoSource) {
+TEST_F(Files, MoveRemovesTheSource) {
     put("from", "text");
     move_file(at("from"), at("to"));
     EXPECT_EQ(content("to"), "text");
     EXPECT_FALSE(region.has_file("from"));
 }
 
-TEST_F(Files, ModesArePublicOrReadOnly) {
+TEST_F(Files, MakePublicAndReadOnlySetTheMode) {
     put("file", "");
     EXPECT_EQ(make_public(at("file")), 0);
     EXPECT_EQ(mode_of("file"), mode_t{0666});
@@ -88,7 +89,7 @@ TEST_F(Files, ModesArePublicOrReadOnly) {
     EXPECT_NE(make_fully_readable(at("none")), 0);
 }
 
-TEST_F(Files, SameBytesAreSame) {
+TEST_F(Files, CompareByAllBytes) {
     put("one", "text and more");
     put("two", "text and more");
     put("other", "text and mare");
@@ -104,20 +105,20 @@ TEST_F(Files, SameBytesAreSame) {
     EXPECT_FALSE(cmp_files(at("none"), at("none")));
 }
 
-TEST_F(Files, BytesAfterANulAreComparedToo) {
+TEST_F(Files, CompareBytesAfterANul) {
     put("one", std::string("a\0b", 3));
     put("two", std::string("a\0c", 3));
     EXPECT_FALSE(cmp_files(at("one"), at("two")));
 }
 
-TEST_F(Files, EmptyFilesAreNeverTheSame) {
+TEST_F(Files, CompareAsDifferentWhenEmpty) {
     put("empty", "");
     put("empty2", "");
     EXPECT_FALSE(cmp_files(at("empty"), at("empty2")));
     EXPECT_FALSE(cmp_files(at("empty"), at("empty")));
 }
 
-TEST_F(FilesDeathTest, FailuresNameTheFilesAndTheSystemsNumber) {
+TEST_F(FilesDeathTest, FailuresNameTheFilesAndTheErrno) {
     put("from", "text");
     EXPECT_GRIPE(touch_file("/no/such/dir/x", "a"), "#1 Could not touch (/no/such/dir/x) with 2");
     EXPECT_GRIPE(append_file("/no/such/dir/x", "a"), "#1 Could not append (/no/such/dir/x) with 2");
@@ -129,7 +130,7 @@ TEST_F(FilesDeathTest, FailuresNameTheFilesAndTheSystemsNumber) {
                  "#1 Could not move (" + at("from") + ") to (" + at("depot") + ") with 21");
 }
 
-TEST_F(FilesDeathTest, APipeOrADeviceIsNeitherWaitedForNorCopied) {
+TEST_F(FilesDeathTest, PipesAndDevicesAreRefused) {
     put("from", "text");
     ASSERT_EQ(mkfifo(at("pipe").c_str(), 0666), 0);
     EXPECT_GRIPE(touch_file(at("pipe"), "a"), "#1 Could not touch (" + at("pipe") + ") with 22");
@@ -141,7 +142,7 @@ TEST_F(FilesDeathTest, APipeOrADeviceIsNeitherWaitedForNorCopied) {
     EXPECT_FALSE(cmp_files(at("pipe"), at("pipe")));
 }
 
-TEST_F(FilesDeathTest, AMoveThatFailsKeepsTheSource) {
+TEST_F(FilesDeathTest, FailedMoveKeepsTheSource) {
     const std::string text(5000, 'x');
     put("from", text);
     EXPECT_GRIPE(
@@ -160,7 +161,7 @@ TEST_F(Files, UnlinkRemoveIgnoresFailures) {
     unlink_remove(at("file"));
 }
 
-TEST_F(Files, IsUcmVobReadsTheListing) {
+TEST_F(Files, IsUcmVobReadsTheOutputOfCleartool) {
     region.program_answers("cleartool", {.out = "* /vobs/a  /store/a public (ucmvob)\n"});
     EXPECT_TRUE(is_ucm_vob("/vobs/a"));
     region.program_answers("cleartool", {.out = "* /vobs/b /store/b\nx (ucmvob,replicated)\ny\n"});
@@ -172,10 +173,11 @@ TEST_F(Files, IsUcmVobReadsTheListing) {
         (std::vector<Args>{{"lsvob", "/vobs/a"}, {"lsvob", "/vobs/b"}, {"lsvob", "/vobs/c"}}));
 }
 
-TEST_F(Files, IsUcmVobIsNoWithoutCleartool) {
+TEST_F(Files, IsUcmVobIsFalseWithoutCleartool) {
     setenv("PATH", "/nowhere", 1);
     EXPECT_FALSE(is_ucm_vob("/vobs/a 2>/dev/null"));
     region.enter();
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t ANY_WIDTH = 1000;
@@ -83,3 +84,4 @@ TEST(ChangeList, NothingThatATerminalWouldObey) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -8,6 +8,7 @@
 #include "support/expect_gripe.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -100,3 +101,4 @@ TEST_F(PastChangesDeathTest, ARecordLeadsToNoOtherDirectory) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,6 +7,7 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 std::string diff(const std::string& old_text, const std::string& new_text) {
@@ -120,3 +121,4 @@ TEST(LineDiff, OfThousandsOfLinesThoseThatStayAreFound) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -11,15 +11,16 @@
 #include "support/expect_gripe.h"
 #include "support/limit_file_size.h"
 
+namespace gatescope {
 namespace {
 
-/// What `rand` returns next, before it goes on at random.
+/// The next results of `rand`; random ones follow.
 std::vector<int> next_draws;
 std::mt19937 random_numbers;
 
 }  // namespace
 
-/// In place of the C library's, so that a test can say what is drawn.
+/// Replaces the C library's, so that a test can determine what is drawn.
 extern "C" int rand() noexcept {
     if (next_draws.empty()) return static_cast<int>(random_numbers() & RAND_MAX);
     const int drawn = next_draws.front();
@@ -62,7 +63,7 @@ class DemoData : public LogRegion {
         return lines;
     }
 
-    /// The records of a run; a line that is none fails the test.
+    /// The records of a run; fails the test for a line that is not a record.
     static std::vector<Record> records(unsigned seed) {
         generated(seed);
         std::vector<Record> records;
@@ -82,14 +83,14 @@ class DemoData : public LogRegion {
         return records;
     }
 
-    /// One record as it is made: its draws, its day, and what stands after its time.
-    struct Made {
+    /// The draws that make a record, its day, and its text after the time.
+    struct DrawnRecord {
         std::vector<int> draws;
         int day;
         std::string record;
     };
-    static void expect_records(const std::vector<Made>& expected) {
-        for (const Made& one : expected) {
+    static void expect_records(const std::vector<DrawnRecord>& expected) {
+        for (const DrawnRecord& one : expected) {
             next_draws.insert(next_draws.end(), one.draws.begin(), one.draws.end());
         }
         std::filesystem::remove(log_file_path(20));
@@ -111,15 +112,15 @@ std::map<Key, int> counted(const std::vector<Record>& records, Key (*key)(const 
     return counts;
 }
 
-// Of a few records: the draws decide on the user, the day, the command, the kind and its details.
+// Single records, made from given draws.
 
-TEST_F(DemoData, UserDayAndCommandAreDrawnFirst) {
+TEST_F(DemoData, DrawsUserDayAndCommandFirst) {
     expect_records({{{0, 0, 0, 0}, 0, "S:user0[1]-<->"},
                     {{4, 119, 39, 1}, 119, "S:user4[40]-<->"},
                     {{5 + 2, 120 + 60, 40 + 9, 10 + 1}, 60, "S:user2[10]-<->"}});
 }
 
-TEST_F(DemoData, TheLast40DaysAreQuiet) {
+TEST_F(DemoData, DeniesLittleInTheLast40Days) {
     expect_records({{{0, 0, 0, 6}, 0, "S:user0[1]-<->"},
                     {{0, 39, 0, 7, 125, 3, 1}, 39, "D:user0[1]B<3>"},
                     {{0, 39, 0, 7, 124}, 39, "S:user0[1]-<->"},
@@ -129,7 +130,7 @@ TEST_F(DemoData, TheLast40DaysAreQuiet) {
                     {{0, 39, 0, 19}, 39, "S:user0[1]-<->"}});
 }
 
-TEST_F(DemoData, The40DaysBeforeHaveAParentPolicyAndDenials) {
+TEST_F(DemoData, HasParentDecisionsAndDenialsInTheMiddle40Days) {
     for (const int day : {40, 79}) {
         expect_records({{{0, day, 0, 0, 1}, day, "P:user0[1]a<->"},
                         {{0, day, 0, 1}, day, "S:user0[1]-<->"},
@@ -141,7 +142,7 @@ TEST_F(DemoData, The40DaysBeforeHaveAParentPolicyAndDenials) {
     }
 }
 
-TEST_F(DemoData, TheFirst40DaysHaveMoreDenials) {
+TEST_F(DemoData, DeniesMostInTheFirst40Days) {
     for (const int day : {80, 119}) {
         expect_records({{{0, day, 0, 0, 1}, day, "P:user0[1]a<->"},
                         {{0, day, 0, 1}, day, "S:user0[1]-<->"},
@@ -153,16 +154,16 @@ TEST_F(DemoData, TheFirst40DaysHaveMoreDenials) {
     }
 }
 
-TEST_F(DemoData, DetailsOfEachKind) {
+TEST_F(DemoData, DrawsTheDetailsOfEachKind) {
     expect_records({{{0, 90, 0, 3, 10 + 9, 3 + 2}, 90, "D:user0[1]R<9>"},
                     {{0, 90, 0, 9, 24 + 23}, 90, "B:user0[1]-<23>"},
                     {{0, 90, 0, 0, 4}, 90, "P:user0[1]d<->"},
                     {{0, 90, 0, 0, 4 + 3}, 90, "P:user0[1]a<->"}});
 }
 
-// Of all records.
+// All records of a run.
 
-TEST_F(DemoData, EveryRecordHasItsShape) {
+TEST_F(DemoData, WritesRecordsOfTheEngineShape) {
     const std::vector<Record> all = records(3);
     EXPECT_EQ(all.size(), std::size_t{RECORDS});
     std::map<char, std::set<std::string>> values;
@@ -184,7 +185,7 @@ TEST_F(DemoData, EveryRecordHasItsShape) {
                            {'S', {'-'}}, {'P', {'a', 'd'}}, {'D', {'K', 'B', 'R'}}, {'B', {'-'}}}));
 }
 
-TEST_F(DemoData, FiveUsersGiveFortyCommandsAtTheNoonsOf120Days) {
+TEST_F(DemoData, SpreadsRecordsEvenlyOverUsersCommandsAndDays) {
     const std::vector<Record> all = records(4);
     const auto expect_even = [](const auto& counts, std::size_t number, int first) {
         ASSERT_EQ(counts.size(), number);
@@ -203,7 +204,7 @@ TEST_F(DemoData, FiveUsersGiveFortyCommandsAtTheNoonsOf120Days) {
                 120, 0);
 }
 
-TEST_F(DemoData, KindsComeInTheirProportions) {
+TEST_F(DemoData, DrawsKindsInTheirProportions) {
     using testing::DoubleNear;
     using testing::ElementsAre;
     using testing::Pair;
@@ -230,7 +231,7 @@ TEST_F(DemoData, KindsComeInTheirProportions) {
                             Pair('P', DoubleNear(10, 1)), Pair('S', DoubleNear(20, 1))));
 }
 
-TEST_F(DemoData, OneParentDecisionInFourIsADenial) {
+TEST_F(DemoData, DeniesOneParentDecisionInFour) {
     std::map<char, int> letters;
     for (const Record& one : records(6)) {
         if (one.kind == 'P') ++letters[one.detail];
@@ -238,7 +239,7 @@ TEST_F(DemoData, OneParentDecisionInFourIsADenial) {
     EXPECT_NEAR(letters['a'] / 3.0 / letters['d'], 1, 0.1);
 }
 
-// The run.
+// Progress and errors of a run.
 
 TEST_F(DemoData, ReportsItsProgress) {
     std::string expected;
@@ -248,7 +249,7 @@ TEST_F(DemoData, ReportsItsProgress) {
     EXPECT_EQ(generated(1), expected);
 }
 
-TEST_F(DemoData, ASecondRunAppends) {
+TEST_F(DemoData, AppendsInASecondRun) {
     generated(1);
     const std::string first = file_text(log_file_path(20));
     generated(2);
@@ -257,12 +258,12 @@ TEST_F(DemoData, ASecondRunAppends) {
     EXPECT_FALSE(std::filesystem::exists(log_file_path(19)));
 }
 
-TEST_F(DemoData, ALogThatCannotBeOpenedIsAFault) {
+TEST_F(DemoData, GripesIfTheLogCannotBeOpened) {
     logging_dir += "/missing";
     EXPECT_GRIPE(data_gen(logging_dir), "could not make needed logging_file");
 }
 
-TEST_F(DemoData, AFullDiskIsAFault) {
+TEST_F(DemoData, GripesOnAFullDisk) {
     EXPECT_EXIT(
         {
             limit_file_size(1 << 18);
@@ -276,3 +277,4 @@ TEST_F(DemoData, AFullDiskIsAFault) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -13,27 +13,17 @@
 
 #include "log_region.h"
 #include "support/expect_gripe.h"
+#include "units/records/words_of.h"
 
+namespace gatescope {
 namespace {
 
-using Words = std::vector<std::string>;
-
-Words words_of(std::string_view text) {
-    Words words;
-    const char* at = text.data();
-    while (true) {
-        const std::string_view word = next_word(&at, text.data() + text.size());
-        if (word.empty()) return words;
-        words.emplace_back(word);
-    }
-}
-
-/// The words as the C library reads them, as the log files have always been read.
+/// The words as the C library reads them, which defines the words of a log.
 Words words_of_the_c_library(const std::string& path) {
     Words words;
     FILE* stream = std::fopen(path.c_str(), "r");
     std::string buffer(WORD_LIMIT + 1, '\0');
-    // NULs may stand in the word, so what is compared is the C text.
+    // Only the text before a NUL is compared.
     while (std::fscanf(stream, "%65536s", buffer.data()) == 1) words.emplace_back(buffer.c_str());
     std::fclose(stream);
     return words;
@@ -61,7 +51,7 @@ class LogReaderOnFiles : public LogRegion {
         add_words(reader, &words);
         return words;
     }
-    /// As read by ranges of `size` bytes, the last of them without an end.
+    /// The words read by ranges of `size` bytes, the last of which extends to the end.
     static Words words_read_by_ranges(const std::string& path, off_t size) {
         Words words;
         const Descriptor log = opened(path);
@@ -81,45 +71,7 @@ class LogReaderOnFiles : public LogRegion {
     }
 };
 
-TEST(NextWord, AnyWhiteSpaceSeparates) {
-    EXPECT_EQ(words_of(" a\tb\nc\vd\fe\rf  "), (Words{"a", "b", "c", "d", "e", "f"}));
-}
-
-TEST(NextWord, OtherControlCharactersDoNot) {
-    EXPECT_EQ(words_of("a\x01z\x1f\x7f\xa0 b"), (Words{"a\x01z\x1f\x7f\xa0", "b"}));
-}
-
-TEST(NextWord, LongWordsComeInPieces) {
-    const std::string long_word(2 * WORD_LIMIT + 1, 'x');
-    EXPECT_EQ(words_of(" " + long_word + " y"),
-              (Words{std::string(65536, 'x'), std::string(65536, 'x'), "x", "y"}));
-    EXPECT_EQ(words_of(std::string(65536, 'x') + " y"), (Words{std::string(65536, 'x'), "y"}));
-}
-
-TEST(NextWord, EndsAtTheFirstWhiteSpaceWhereverThatStands) {
-    for (const char white : {' ', '\t', '\n', '\v', '\f', '\r'}) {
-        for (std::size_t size = 1; size < 300; ++size) {
-            for (const char other : {'x', '\0', '\x08', '\x0e', '\x1f', '!', '\x80', '\xff'}) {
-                const std::string word(size, other);
-                const std::string text = word + white + std::string(100, 'y') + white + 'z';
-                ASSERT_EQ(words_of(text), (Words{word, std::string(100, 'y'), "z"}))
-                    << size << " of " << static_cast<int>(other);
-            }
-        }
-    }
-}
-
-TEST(NextWord, NulsBelongToTheWord) {
-    const std::string text("a\0b c", 5);
-    EXPECT_EQ(words_of(text), (Words{std::string("a\0b", 3), "c"}));
-}
-
-TEST(NextWord, NothingButWhiteSpaceHoldsNoWord) {
-    EXPECT_EQ(words_of(" \n\r\n"), Words{});
-    EXPECT_EQ(words_of(""), Words{});
-}
-
-TEST_F(LogReaderOnFiles, WordsAcrossReadsStayWhole) {
+TEST_F(LogReaderOnFiles, KeepsWordsAcrossReadsWhole) {
     std::mt19937 random(1);
     for (const int longest : {40, 5000, 65536, 66000, 400000}) {
         std::string text;
@@ -133,12 +85,12 @@ TEST_F(LogReaderOnFiles, WordsAcrossReadsStayWhole) {
     }
 }
 
-TEST_F(LogReaderOnFiles, AFileMayEndInAWord) {
+TEST_F(LogReaderOnFiles, ReadsAWordAtTheEndOfTheFile) {
     write_log(0, "one two");
     EXPECT_EQ(words_read(log_file_path(0)), (Words{"one", "two"}));
 }
 
-TEST_F(LogReaderOnFiles, ReadingMayStartAnywhere) {
+TEST_F(LogReaderOnFiles, StartsAtAnyOffset) {
     write_log(0, "one two three");
     EXPECT_EQ(words_read(log_file_path(0), 4), (Words{"two", "three"}));
     EXPECT_EQ(words_read(log_file_path(0), 5), (Words{"wo", "three"}));
@@ -146,8 +98,8 @@ TEST_F(LogReaderOnFiles, ReadingMayStartAnywhere) {
     EXPECT_EQ(words_read(log_file_path(0), 100), Words{});
 }
 
-TEST_F(LogReaderOnFiles, AFileCanCountAsEndedBeforeItsEnd) {
-    // Longer than what is read at once.
+TEST_F(LogReaderOnFiles, StopsAtTheEndThatItIsGiven) {
+    // Longer than one read.
     std::string text;
     for (int i = 0; text.size() < 300'000; ++i) text += std::to_string(i) + "\n";
     write_log(0, text);
@@ -162,14 +114,14 @@ TEST_F(LogReaderOnFiles, AFileCanCountAsEndedBeforeItsEnd) {
             EXPECT_EQ(words, words_of(text.substr(static_cast<std::size_t>(from), size))) << end;
         }
     }
-    // Not so for what is read next.
+    // The next file is read to its own end.
     Words words;
     reader.start(log.get());
     add_words(reader, &words);
     EXPECT_EQ(words, words_of(text));
 }
 
-TEST_F(LogReaderOnFiles, ALogMayBeLongerThan32BitsCount) {
+TEST_F(LogReaderOnFiles, ReadsLogsOfMoreThanFourGigabytes) {
     static_assert(sizeof(off_t) == 8 && sizeof(std::time_t) == 8);
     constexpr std::uintmax_t FAR = std::uintmax_t{5} << 30;
     write_log(0, "one");
@@ -178,7 +130,7 @@ TEST_F(LogReaderOnFiles, ALogMayBeLongerThan32BitsCount) {
     EXPECT_EQ(words_read(log_file_path(0), static_cast<off_t>(FAR)), (Words{"two", "three"}));
 }
 
-TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceWhereverTheyMeet) {
+TEST_F(LogReaderOnFiles, ReadsEachWordOnceByRangesOfAnySize) {
     const std::string path = log_file_path(0);
     for (const char* text : {"", "a", "\n", "ab", "a b", " a", "a ", "ab cd\n\nef  g hijklmnop\n",
                              "\n\n\n", "abcdefghijklmnop", "a\r\nb\r\nc\r\n"}) {
@@ -190,7 +142,7 @@ TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceWhereverTheyMeet) {
     }
 }
 
-TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceAcrossReadsToo) {
+TEST_F(LogReaderOnFiles, ReadsEachWordOnceByRangesAcrossReads) {
     std::mt19937 random(2);
     const std::string path = log_file_path(0);
     for (const int longest : {40, 66000, 400000}) {
@@ -208,7 +160,7 @@ TEST_F(LogReaderOnFiles, RangesHandOutEachWordOnceAcrossReadsToo) {
     }
 }
 
-TEST_F(LogReaderOnFiles, AWordThatGoesOnAfterItsRangeComesInPiecesAsLargeAsAnyOther) {
+TEST_F(LogReaderOnFiles, ReadsALongWordAfterItsRangeInFewPieces) {
     write_log(0, std::string(4 << 20, 'w') + "\n");
     const Descriptor log = opened(log_file_path(0));
     LogReader reader;
@@ -223,7 +175,7 @@ TEST_F(LogReaderOnFiles, AWordThatGoesOnAfterItsRangeComesInPiecesAsLargeAsAnyOt
     EXPECT_LE(pieces(), of_the_file + 2);
 }
 
-TEST_F(LogReaderOnFiles, WordsWithoutEndAreHandedOutOnceByRanges) {
+TEST_F(LogReaderOnFiles, ReadsVeryLongWordsOnceByRanges) {
     std::mt19937 random(3);
     const std::string path = log_file_path(0);
     for (int round = 0; round < 10; ++round) {
@@ -238,19 +190,19 @@ TEST_F(LogReaderOnFiles, WordsWithoutEndAreHandedOutOnceByRanges) {
     }
 }
 
-TEST_F(LogReaderOnFiles, AnEmptyFileHasNoPieces) {
+TEST_F(LogReaderOnFiles, ReturnsNoPieceOfAnEmptyFile) {
     write_log(0, "");
     EXPECT_EQ(words_read(log_file_path(0)), Words{});
 }
 
-TEST_F(LogReaderOnFiles, WhatIsNoRegularFileIsNotOpened) {
+TEST_F(LogReaderOnFiles, OpensRegularFilesOnly) {
     std::filesystem::create_directory(log_file_path(0));
     EXPECT_EQ(reason_not_to_open(log_file_path(0)), "Not a regular file");
     ASSERT_EQ(mkfifo(log_file_path(1).c_str(), 0600), 0);
     EXPECT_EQ(reason_not_to_open(log_file_path(1)), "Not a regular file");
 }
 
-TEST_F(LogReaderOnFiles, AMissingFileIsNotOpenedAndNoFault) {
+TEST_F(LogReaderOnFiles, GivesNoReasonForAMissingFile) {
     EXPECT_EQ(reason_not_to_open(log_file_path(0)), "");
     std::filesystem::create_symlink("nowhere", log_file_path(1));
     EXPECT_EQ(reason_not_to_open(log_file_path(1)), "");
@@ -259,12 +211,12 @@ TEST_F(LogReaderOnFiles, AMissingFileIsNotOpenedAndNoFault) {
     EXPECT_EQ(reason_not_to_open(log_file_path(2) + "/below"), "");
 }
 
-TEST_F(LogReaderOnFiles, WhatCannotBeOpenedHasAReason) {
+TEST_F(LogReaderOnFiles, GivesAReasonIfALogCannotBeOpened) {
     std::filesystem::create_symlink("logging_3.txt", log_file_path(3));
     EXPECT_EQ(reason_not_to_open(log_file_path(3)), "Too many levels of symbolic links");
 }
 
-TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
+TEST_F(LogReaderOnFiles, WaitsForALogUnderAWriteLease) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(0, "old");
     const int holder = open(log_file_path(0).c_str(), O_RDWR | O_CLOEXEC);
@@ -280,8 +232,8 @@ TEST_F(LogReaderOnFiles, ALogThatIsHeldWhileItIsRewrittenIsWaitedFor) {
     std::signal(SIGIO, before);
 }
 
-// Whoever may write to the directory could hold up a job for ever.
-TEST_F(LogReaderOnFiles, APipeThatTakesThePlaceOfAHeldLogIsNotWaitedFor) {
+// Else a user who may write to the directory could block a job for ever.
+TEST_F(LogReaderOnFiles, DoesNotWaitForAPipeThatReplacesALeasedLog) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(0, "old");
     static std::string log;
@@ -290,7 +242,7 @@ TEST_F(LogReaderOnFiles, APipeThatTakesThePlaceOfAHeldLogIsNotWaitedFor) {
     pipe = log_file_path(1);
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     const Descriptor holder(open(log.c_str(), O_RDWR | O_CLOEXEC));
-    // The holder is told in the moment when somebody else asks for the log.
+    // The lease holder gets the signal when another open of the log begins.
     const auto before = std::signal(SIGIO, [](int) {
         const int reason = errno;
         std::rename(pipe.c_str(), log.c_str());
@@ -306,14 +258,14 @@ TEST_F(LogReaderOnFiles, APipeThatTakesThePlaceOfAHeldLogIsNotWaitedFor) {
     std::signal(SIGIO, before);
 }
 
-TEST_F(LogReaderOnFiles, LinksToLogsAreFollowed) {
+TEST_F(LogReaderOnFiles, FollowsSymbolicLinks) {
     write_file(logging_dir + "/elsewhere", "word");
     std::filesystem::create_symlink(logging_dir + "/elsewhere", log_file_path(0));
     EXPECT_EQ(words_read(log_file_path(0)), Words{"word"});
 }
 
-TEST_F(LogReaderOnFiles, AReadErrorIsKept) {
-    // Reading address 0 of this process is a file that opens and cannot be read.
+TEST_F(LogReaderOnFiles, KeepsAReadError) {
+    // /proc/self/mem can be opened, but a read at offset 0 fails.
     std::filesystem::create_symlink("/proc/self/mem", log_file_path(4));
     const Descriptor log = opened(log_file_path(4));
     LogReader reader;
@@ -324,7 +276,7 @@ TEST_F(LogReaderOnFiles, AReadErrorIsKept) {
     EXPECT_FALSE(reader.next(&piece));
 }
 
-TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
+TEST_F(LogReaderOnFiles, GripesWithTheNameOfAnUnreadableLog) {
     std::filesystem::create_symlink("/proc/self/mem", log_file_path(4));
     EXPECT_GRIPE(get_query_data(record_query(1, 1, {}, set_time_values()), logging_dir),
                  "ERROR: The log file (" + log_file_path(4) +
@@ -332,3 +284,4 @@ TEST_F(LogReaderOnFiles, AReadErrorEndsTheProgramAndNamesTheFile) {
 }
 
 }  // namespace
+}  // namespace gatescope

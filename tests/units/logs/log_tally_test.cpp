@@ -1,11 +1,12 @@
 #include "logs/log_tally.h"
 
 #include "log_region.h"
-#include "logs/log_reader.h"
 #include "logs/shared_log.h"
+#include "records/words.h"
 #include "support/expect_gripe.h"
 #include "support/few_descriptors.h"
 
+namespace gatescope {
 namespace {
 
 /// The logs of a region, counted by query 1.
@@ -27,7 +28,7 @@ class LogTally : public LogRegion {
     }
 };
 
-TEST_F(LogTally, ALongRecordIsOne) {
+TEST_F(LogTally, CountsALongRecordOnce) {
     for (const std::size_t size : {254U, 255U, 256U, 257U, 5000U, 65536U}) {
         const std::string head = record_at(noon(1), "S:");
         const std::string tail = "[1]-<->";
@@ -39,20 +40,20 @@ TEST_F(LogTally, ALongRecordIsOne) {
     }
 }
 
-TEST_F(LogTally, WhatStandsLateInALongRecordCounts) {
-    // A record within a record is part of its text.
+TEST_F(LogTally, SearchesTheWholeOfALongRecord) {
+    // A record inside a record is part of its text.
     write_log(0, record_at(noon(3), "X:" + std::string(10000, 'u') + line(5, "S:ann[1]-<->")));
     const RecordTally counted = tally();
     EXPECT_EQ(counted.rows[3][ALLOWED], 1u);
     EXPECT_EQ(counted.rows[5][ALLOWED], 0u);
 }
 
-TEST_F(LogTally, WhatIsTooLongForARecordIsReadInPieces) {
+TEST_F(LogTally, SplitsWordsLongerThanTheLimit) {
     write_log(0, std::string(WORD_LIMIT, 'y') + line(2, "S:a[1]-<->"));
     EXPECT_EQ(tally().rows[2][ALLOWED], 1u);
 }
 
-TEST_F(LogTally, NamesTheLogsThatCannotBeReadAndCountsTheRest) {
+TEST_F(LogTally, NamesUnopenedLogsAndCountsTheOthers) {
     write_log(4, line(1, "S:a[1]-<->"));
     std::filesystem::create_directory(log_file_path(3));
     std::filesystem::create_symlink("logging_20.txt", log_file_path(20));
@@ -63,7 +64,7 @@ TEST_F(LogTally, NamesTheLogsThatCannotBeReadAndCountsTheRest) {
     EXPECT_EQ(tally().rows[1][ALLOWED], 1u);
 }
 
-TEST_F(LogTally, WhatIsNotCountedForWantOfADescriptorIsAnError) {
+TEST_F(LogTally, GripesIfDescriptorsAreLacking) {
     for (int i = 0; i < NUMBER_OF_LOG_FILES; ++i) write_log(i, line(1, "S:a[1]-<->"));
     {
         const FewDescriptors one(1);
@@ -71,7 +72,7 @@ TEST_F(LogTally, WhatIsNotCountedForWantOfADescriptorIsAnError) {
     }
     EXPECT_GRIPE(
         {
-            // Static: it goes before the leak checker looks, which needs descriptors.
+            // Static, to be destroyed before the leak checker runs, which needs descriptors.
             static const FewDescriptors none(0);
             tally();
         },
@@ -79,17 +80,19 @@ TEST_F(LogTally, WhatIsNotCountedForWantOfADescriptorIsAnError) {
             ") could not be read to its end: Too many open files.  The file is as it was.");
 }
 
-TEST_F(LogTally, WantIsWhatTheProcessOrTheMachineHasNoMoreOf) {
-    for (const int error : {EMFILE, ENFILE, ENOMEM}) EXPECT_TRUE(is_want(error)) << error;
+TEST_F(LogTally, TellsResourceShortagesFromFaultsOfAFile) {
+    for (const int error : {EMFILE, ENFILE, ENOMEM})
+        EXPECT_TRUE(is_resource_shortage(error)) << error;
     for (const int error : {0, ENOENT, EACCES, EISDIR, EINVAL, ELOOP, EIO, ENXIO}) {
-        EXPECT_FALSE(is_want(error)) << error;
+        EXPECT_FALSE(is_resource_shortage(error)) << error;
     }
 }
 
-TEST_F(LogTally, SaysNothingOfMissingLogs) {
+TEST_F(LogTally, SkipsMissingLogsSilently) {
     write_log(4, line(1, "S:a[1]-<->"));
     std::filesystem::create_symlink("nowhere", log_file_path(5));
     EXPECT_EQ(said_on_standard_error(), "");
 }
 
 }  // namespace
+}  // namespace gatescope

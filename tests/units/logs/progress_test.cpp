@@ -10,12 +10,13 @@
 
 #include "base/descriptor.h"
 
+namespace gatescope {
 namespace {
 
 using namespace std::chrono_literals;
 
-/// A terminal and what was written on it.
-class ProgressOnATerminal : public testing::Test {
+/// A test with a pseudo-terminal.
+class ProgressOnTerminal : public testing::Test {
   protected:
     void SetUp() override {
         screen_ = Descriptor(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
@@ -26,7 +27,7 @@ class ProgressOnATerminal : public testing::Test {
         ASSERT_TRUE(terminal_);
     }
     int terminal() const { return terminal_.get(); }
-    /// What has been written since the last call.
+    /// The text written since the last call.
     std::string shown() const {
         std::string text;
         pollfd ready = {screen_.get(), POLLIN, 0};
@@ -44,7 +45,7 @@ class ProgressOnATerminal : public testing::Test {
     Descriptor terminal_;
 };
 
-TEST_F(ProgressOnATerminal, SaysHowMuchIsDoneAndWipesItAtTheEnd) {
+TEST_F(ProgressOnTerminal, DrawsALineAndWipesItAtTheEnd) {
     std::string line;
     {
         Progress progress(40'000'000, terminal(), 0ms);
@@ -53,14 +54,14 @@ TEST_F(ProgressOnATerminal, SaysHowMuchIsDoneAndWipesItAtTheEnd) {
         line = shown();
         EXPECT_TRUE(line.starts_with("\r10 of 40 MB, ")) << line;
         EXPECT_TRUE(line.ends_with(" s left\r")) << line;
-        // Not again at once.
+        // No second line before the interval has passed.
         progress.advance(1'000'000);
         EXPECT_EQ(shown(), "");
     }
     EXPECT_EQ(shown(), "\r" + std::string(line.size() - 2, ' ') + "\r");
 }
 
-TEST_F(ProgressOnATerminal, IsWipedOnce) {
+TEST_F(ProgressOnTerminal, WipesALineOnce) {
     Progress progress(40'000'000, terminal(), 0ms);
     progress.advance(1'000'000);
     shown();
@@ -70,13 +71,13 @@ TEST_F(ProgressOnATerminal, IsWipedOnce) {
     EXPECT_EQ(shown(), "");
 }
 
-TEST_F(ProgressOnATerminal, ALogMayGrow) {
+TEST_F(ProgressOnTerminal, RaisesTheTotalIfALogGrows) {
     Progress progress(1'000'000, terminal(), 0ms);
     progress.advance(3'000'000);
     EXPECT_TRUE(shown().starts_with("\r3 of 3 MB, 0 s left"));
 }
 
-TEST_F(ProgressOnATerminal, SaysNothingOfWhatIsQuick) {
+TEST_F(ProgressOnTerminal, DrawsNothingBeforeTheDelay) {
     {
         Progress progress(40'000'000, terminal(), 1h);
         progress.advance(30'000'000);
@@ -84,7 +85,7 @@ TEST_F(ProgressOnATerminal, SaysNothingOfWhatIsQuick) {
     EXPECT_EQ(shown(), "");
 }
 
-TEST(ProgressElsewhere, SaysNothing) {
+TEST(ProgressWithoutTerminal, DrawsNothing) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
     const Descriptor out(ends[0]);
@@ -99,3 +100,4 @@ TEST(ProgressElsewhere, SaysNothing) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -9,10 +9,12 @@
 #include <random>
 #include <string>
 
+#include "logs/log_reader.h"
 #include "support/few_descriptors.h"
 #include "support/scratch_directory.h"
-#include "units/logs/tallies.h"
+#include "units/records/tallies.h"
 
+namespace gatescope {
 namespace {
 
 RecordQuery query_of(int number) {
@@ -23,7 +25,7 @@ RecordQuery query_of(int number) {
     return query;
 }
 
-/// The logs in a directory of their own.
+/// Writes the logs into the directory.
 std::vector<LogToCount> logs_with(const ScratchDirectory& directory,
                                   const std::vector<std::string>& texts) {
     std::vector<LogToCount> logs;
@@ -54,7 +56,7 @@ RangeTally tally(const RecordQuery& query, const std::vector<LogToCount>& logs, 
     return tally_ranges(query, logs, threads, range_size, &progress);
 }
 
-/// Mostly records, some rubbish, and now and then a word that many ranges lie in.
+/// Mostly records, some malformed ones, and a few words longer than many ranges.
 std::string random_log(std::mt19937& random, std::size_t lines, std::size_t longest_word) {
     std::string text;
     for (std::size_t line = random() % lines; line > 0; --line) {
@@ -69,7 +71,7 @@ std::string random_log(std::mt19937& random, std::size_t lines, std::size_t long
     return text;
 }
 
-/// Returns how many records were counted.
+/// Returns the number of records counted.
 std::int64_t expect_the_same_for_any_threads(std::mt19937& random,
                                              const std::vector<std::string>& texts,
                                              off_t range_size) {
@@ -86,7 +88,7 @@ std::int64_t expect_the_same_for_any_threads(std::mt19937& random,
     return counted;
 }
 
-TEST(RangeTally, IsTheSameWhereEveryWordLiesAcrossABorder) {
+TEST(RangeTally, IsTheSameIfEveryWordCrossesARange) {
     std::mt19937 random(13);
     std::int64_t counted = 0;
     for (int round = 0; round < 60; ++round) {
@@ -97,7 +99,7 @@ TEST(RangeTally, IsTheSameWhereEveryWordLiesAcrossABorder) {
     EXPECT_GT(counted, 200);
 }
 
-TEST(RangeTally, IsTheSameWhereWordsAreLongerThanRanges) {
+TEST(RangeTally, IsTheSameIfWordsAreLongerThanRanges) {
     std::mt19937 random(14);
     std::int64_t counted = 0;
     for (int round = 0; round < 6; ++round) {
@@ -112,14 +114,14 @@ TEST(RangeTally, IsTheSameWhereWordsAreLongerThanRanges) {
 
 const std::string LINE = "1794700000:S:ann[1]-<->\n";
 
-TEST(RangeTally, CountsWhatWasAppendedMeanwhile) {
+TEST(RangeTally, CountsRecordsAppendedAfterTheSizeWasRead) {
     const ScratchDirectory directory;
     std::vector<LogToCount> logs = logs_with(directory, {LINE + LINE});
     logs[0].size = 30;
     EXPECT_EQ(tally(query_of(1), logs, 2, 10).tally.rows[1][ALLOWED], 2u);
 }
 
-TEST(RangeTally, CountsALogThatGotShorterMeanwhile) {
+TEST(RangeTally, CountsALogTruncatedAfterItsSizeWasRead) {
     const ScratchDirectory directory;
     std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE});
     logs[0].size = 300;
@@ -128,7 +130,7 @@ TEST(RangeTally, CountsALogThatGotShorterMeanwhile) {
     EXPECT_EQ(all.error, 0);
 }
 
-TEST(RangeTally, TellsWhichLogsCouldNotBeOpenedAndCountsTheRest) {
+TEST(RangeTally, ReportsUnopenedLogsAndCountsTheOthers) {
     const ScratchDirectory directory;
     std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE, LINE});
     logs[1].path = directory.path();
@@ -141,7 +143,7 @@ TEST(RangeTally, TellsWhichLogsCouldNotBeOpenedAndCountsTheRest) {
     }
 }
 
-TEST(RangeTally, NeedsOneDescriptorForEachThread) {
+TEST(RangeTally, NeedsOneDescriptorPerThread) {
     const ScratchDirectory directory;
     const std::vector<LogToCount> logs =
         logs_with(directory, std::vector<std::string>(21, LINE + LINE + LINE));
@@ -155,22 +157,22 @@ TEST(RangeTally, NeedsOneDescriptorForEachThread) {
     }
 }
 
-// The undefined behaviour sanitizer looks at a new thread's object by way of a descriptor.
+// The undefined behaviour sanitizer needs a descriptor to check the object of a new thread.
 #if defined(__has_feature)
 #if __has_feature(undefined_behavior_sanitizer)
-#define NO_THREADS_WITHOUT_DESCRIPTORS
+#define THREADS_NEED_DESCRIPTORS
 #endif
 #endif
-#ifdef NO_THREADS_WITHOUT_DESCRIPTORS
-constexpr int MOST_THREADS_WITHOUT_DESCRIPTORS = 1;
+#ifdef THREADS_NEED_DESCRIPTORS
+constexpr int MAX_THREADS_WITHOUT_DESCRIPTORS = 1;
 #else
-constexpr int MOST_THREADS_WITHOUT_DESCRIPTORS = 3;
+constexpr int MAX_THREADS_WITHOUT_DESCRIPTORS = 3;
 #endif
 
-TEST(RangeTally, ALogThatIsNotOpenedForWantOfADescriptorIsAnError) {
+TEST(RangeTally, ReportsALackOfDescriptorsAsAnError) {
     const ScratchDirectory directory;
     const std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE});
-    for (int threads = 1; threads <= MOST_THREADS_WITHOUT_DESCRIPTORS; ++threads) {
+    for (int threads = 1; threads <= MAX_THREADS_WITHOUT_DESCRIPTORS; ++threads) {
         const FewDescriptors none(0);
         const RangeTally all = tally(query_of(1), logs, threads, 10);
         EXPECT_EQ(all.error, EMFILE);
@@ -178,10 +180,10 @@ TEST(RangeTally, ALogThatIsNotOpenedForWantOfADescriptorIsAnError) {
     }
 }
 
-TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
+TEST(RangeTally, ReportsTheFirstLogThatCannotBeRead) {
     const ScratchDirectory directory;
     std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE, LINE});
-    // It can be opened, and a read at its beginning fails.
+    // It can be opened, but a read at offset 0 fails.
     for (const std::size_t place : {1U, 3U}) logs[place].path = "/proc/self/mem";
     for (const int threads : {1, 3}) {
         const RangeTally all = tally(query_of(1), logs, threads, 10);
@@ -191,10 +193,10 @@ TEST(RangeTally, NamesTheFirstLogThatCannotBeRead) {
     EXPECT_EQ(tally(query_of(1), logs, 1, 10).unread, 1u);
 }
 
-TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
+TEST(RangeTally, CountsWithFewerThreadsIfNoMoreCanBeStarted) {
     const ScratchDirectory directory;
     const std::vector<LogToCount> logs = logs_with(directory, {LINE, LINE, LINE});
-    // In a process of its own: the limit is for all threads of a user, and not for root.
+    // In a child process: the limit applies to all threads of a user, but not to root.
     const pid_t child = fork();
     if (child == 0) {
         const rlimit none = {0, 0};
@@ -209,3 +211,4 @@ TEST(RangeTally, DoesWithFewerThreadsWhereNoMoreCanBeHad) {
 }
 
 }  // namespace
+}  // namespace gatescope

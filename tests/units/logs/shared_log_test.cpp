@@ -10,9 +10,10 @@
 #include "support/few_descriptors.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
-TEST(SharedLog, IsTheSameOpenFileForAllItsRangesWhateverTakesItsName) {
+TEST(SharedLog, KeepsTheFileOpenFromTheFirstRangeToTheLast) {
     const ScratchDirectory directory;
     directory.write("log", "old");
     directory.write("other", "other");
@@ -31,7 +32,7 @@ TEST(SharedLog, IsTheSameOpenFileForAllItsRangesWhateverTakesItsName) {
     EXPECT_EQ(fcntl(file, F_GETFD), -1) << "still open after its last range";
 }
 
-TEST(SharedLog, IsNotOpenBeforeItsFirstRange) {
+TEST(SharedLog, OpensTheFileWithTheFirstRange) {
     const ScratchDirectory directory;
     directory.write("log", "text");
     const FewDescriptors none(0);
@@ -40,7 +41,7 @@ TEST(SharedLog, IsNotOpenBeforeItsFirstRange) {
     EXPECT_EQ(log.error(), EMFILE);
 }
 
-TEST(SharedLog, IsTriedOnce) {
+TEST(SharedLog, TriesToOpenOnce) {
     const ScratchDirectory directory;
     SharedLog log(directory.path("log"), 2);
     EXPECT_EQ(log.begin_range(), -1);
@@ -49,7 +50,7 @@ TEST(SharedLog, IsTriedOnce) {
     EXPECT_EQ(log.error(), ENOENT);
 }
 
-TEST(SharedLog, WhatIsNoRegularFileIsNotOpened) {
+TEST(SharedLog, OpensRegularFilesOnly) {
     const ScratchDirectory directory;
     SharedLog log(directory.path(), 1);
     EXPECT_EQ(log.begin_range(), -1);
@@ -57,3 +58,4 @@ TEST(SharedLog, WhatIsNoRegularFileIsNotOpened) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,4 +1,4 @@
-// The names of the client's variables are put together only while the program runs.
+// The names of the client's variables are composed at run time only.
 
 #include <gtest/gtest.h>
 
@@ -6,6 +6,7 @@
 #include <iterator>
 #include <string>
 
+namespace gatescope {
 namespace {
 
 constexpr std::size_t SHORTEST = 6;
@@ -15,22 +16,24 @@ std::string bytes_of(const char* path) {
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-/// Of another name, which stands in the program as text; or of a symbol in the object file.
-bool is_elsewhere(const std::string& piece) {
+/// Whether the piece also occurs in a name that the program contains as text, or in a symbol of the
+/// object file.
+bool is_in_other_name(const std::string& piece) {
     return std::string("CLEARCASE").find(piece) != std::string::npos ||
            std::string("ERROR_USING_SLASH_TMP").find(piece) != std::string::npos;
 }
 
-TEST(HiddenNames, TheOptimizerDoesNotPutThemTogether) {
+TEST(HiddenNames, AreNotInTheOptimizedProgram) {
     const std::string bytes = bytes_of(OPTIMIZED_STARTUP);
     ASSERT_NE(bytes.find("junk_test"), std::string::npos) << "the search finds nothing";
     for (const std::string name :
          {"CLEARCASE_VIEW_KIND", "ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
         for (std::size_t at = 0; at + SHORTEST <= name.size(); ++at) {
             const std::string piece = name.substr(at, SHORTEST);
-            EXPECT_TRUE(is_elsewhere(piece) || bytes.find(piece) == std::string::npos) << piece;
+            EXPECT_TRUE(is_in_other_name(piece) || bytes.find(piece) == std::string::npos) << piece;
         }
     }
 }
 
 }  // namespace
+}  // namespace gatescope

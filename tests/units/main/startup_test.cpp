@@ -15,6 +15,7 @@
 #include "policy/checker.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Startup : public OnStage {
@@ -35,7 +36,7 @@ class Startup : public OnStage {
 };
 using StartupDeathTest = Startup;
 
-TEST_F(Startup, TheFirstUserVariableThatIsSetWins) {
+TEST_F(Startup, UserIsFromTheFirstVariableThatIsSet) {
     set("UNMAPPED_REMOTE_USER", "Fifth");
     EXPECT_EQ(user(), "fifth");
     set("REMOTE_USER", "Fourth");
@@ -48,30 +49,30 @@ TEST_F(Startup, TheFirstUserVariableThatIsSetWins) {
     EXPECT_EQ(user(), "first");
 }
 
-TEST_F(Startup, AVariableSetToNothingIsAName) {
+TEST_F(Startup, UserIsEmptyFromAnEmptyVariable) {
     set("CLEARCASE_USER", "");
     set("AUTH_USER", "second");
     EXPECT_EQ(user(), "");
 }
 
-TEST_F(Startup, TheCookieNamesTheUserUpToItsSemicolon) {
+TEST_F(Startup, UserIsInTheCookieUpToASemicolon) {
     set("HTTP_COOKIE", "sid=7; user=Ann; x=y");
     EXPECT_EQ(user(), "ann");
     set("HTTP_COOKIE", "user=Bob");
     EXPECT_EQ(user(), "bob");
 }
 
-TEST_F(Startup, ACookieWhoseNameMerelyEndsSoMatches) {
+TEST_F(Startup, UserIsAlsoInACookieWhoseNameEndsInUser) {
     set("HTTP_COOKIE", "superuser=Eve;user=Ann");
     EXPECT_EQ(user(), "eve");
 }
 
-TEST_F(Startup, ACookieWithAnEmptyUserAndMoreAfterItIsAName) {
+TEST_F(Startup, UserIsEmptyFromAnEmptyCookieWithMoreAfterIt) {
     set("HTTP_COOKIE", "user=;sid=7");
     EXPECT_EQ(user(), "");
 }
 
-TEST_F(Startup, ACookieWithoutAUserLeavesItToThePasswordDatabase) {
+TEST_F(Startup, UserIsFromThePasswordDatabaseWithoutOneInTheCookie) {
     const passwd* entry = getpwuid(geteuid());
     ASSERT_NE(entry, nullptr);
     std::string name = entry->pw_name;
@@ -83,7 +84,7 @@ TEST_F(Startup, ACookieWithoutAUserLeavesItToThePasswordDatabase) {
     EXPECT_EQ(user(), name);
 }
 
-TEST_F(Startup, TheDomainIsStripped) {
+TEST_F(Startup, UserHasNoDomain) {
     const std::pair<const char*, const char*> names[] = {{"DOM\\Sub\\Op", "op"},
                                                          {"/dom/Op", "op"},
                                                          {"a/b\\c/d", "c/d"},
@@ -95,23 +96,23 @@ TEST_F(Startup, TheDomainIsStripped) {
     }
 }
 
-TEST_F(Startup, OnlyYesInAnyCaseTurnsDialogsOff) {
-    for (const char* wish : {"yes", "YES", "yEs"}) {
-        set("ZUL_PREFER_NO_GUI", wish);
+TEST_F(Startup, DialogsAreOffOnlyForYesInAnyCase) {
+    for (const char* value : {"yes", "YES", "yEs"}) {
+        set("ZUL_PREFER_NO_GUI", value);
         clean_start();
-        EXPECT_EQ(ZUL_PREFER_GUI, 0) << wish;
+        EXPECT_EQ(ZUL_PREFER_GUI, 0) << value;
     }
-    for (const char* wish : {"", "y", "no", "yes ", "yess"}) {
-        set("ZUL_PREFER_NO_GUI", wish);
+    for (const char* value : {"", "y", "no", "yes ", "yess"}) {
+        set("ZUL_PREFER_NO_GUI", value);
         clean_start();
-        EXPECT_EQ(ZUL_PREFER_GUI, 1) << wish;
+        EXPECT_EQ(ZUL_PREFER_GUI, 1) << value;
     }
     unsetenv("ZUL_PREFER_NO_GUI");
     clean_start();
     EXPECT_EQ(ZUL_PREFER_GUI, 1);
 }
 
-TEST_F(Startup, TheViewsKindTellsSnapshotAndWeb) {
+TEST_F(Startup, SnapshotAndWebClientsAreKnownByTheKindOfView) {
     set("CLEARCASE_VIEW_KIND", "a snapshot view");
     Operator who = clean_start();
     EXPECT_TRUE(who.ZUL_SNAPSHOT_USER);
@@ -123,7 +124,7 @@ TEST_F(Startup, TheViewsKindTellsSnapshotAndWeb) {
     EXPECT_EQ(ZUL_REMOTE_CLIENT_USER, 0);
 }
 
-TEST_F(Startup, EitherRemoteVariableMakesARemoteClient) {
+TEST_F(Startup, RemoteClientsAreKnownByEitherVariable) {
     for (const char* name : {"ZUL_USING_CCRC", "ATRIA_WEB_CLEARPROMPT"}) {
         ZUL_REMOTE_CLIENT_USER = 0;
         set(name, "");
@@ -135,7 +136,7 @@ TEST_F(Startup, EitherRemoteVariableMakesARemoteClient) {
     }
 }
 
-TEST_F(Startup, TemporaryFilesGoWhereTmpThenTempThenTheSystemSays) {
+TEST_F(Startup, TempDirIsFromTmpElseTempElseSlashTmp) {
     verify_set_tempdir();
     EXPECT_EQ(TEMP_DIR, "/tmp");
     set("temp", region.path("home"));
@@ -149,14 +150,14 @@ TEST_F(Startup, TemporaryFilesGoWhereTmpThenTempThenTheSystemSays) {
     EXPECT_EQ(GLOBAL_PID_STRING, std::to_string(getpid()));
 }
 
-TEST_F(Startup, TheUpperCaseVariablesAreNotLookedAt) {
+TEST_F(Startup, TempDirIsNotFromUpperCaseVariables) {
     set("TMP", region.path("home"));
     verify_set_tempdir();
     EXPECT_EQ(TEMP_DIR, "/tmp");
     unsetenv("TMP");
 }
 
-TEST_F(StartupDeathTest, ASetButUnwritableDirectoryIsFatalEvenWhereTheNextWouldDo) {
+TEST_F(StartupDeathTest, UnwritableTempDirIsFatalWithoutTryingTheNext) {
     set("temp", region.path("tmp"));
     set("tmp", "/no/such/dir");
     EXPECT_GRIPE(verify_set_tempdir(),
@@ -169,19 +170,19 @@ TEST_F(StartupDeathTest, ASetButUnwritableDirectoryIsFatalEvenWhereTheNextWouldD
                  "writable... exiting");
 }
 
-TEST_F(StartupDeathTest, TheDirectoryIsTriedWithAFileThatIsNamedAfterTheProcess) {
+TEST_F(StartupDeathTest, TempDirIsUnwritableWhenTheProbesNameIsTaken) {
     set("tmp", region.temporary_directory());
-    const auto try_with_the_name_taken = [&] {
+    const auto verify_with_name_taken = [&] {
         const std::string name = "junk_test_gatescope_" + std::to_string(getpid()) + ".txt";
         region.write_file("tmp/" + name + "/in_the_way", "");
         verify_set_tempdir();
     };
-    EXPECT_GRIPE(try_with_the_name_taken(), "ERROR: gatescope using TMP directory (" +
-                                                region.temporary_directory() +
-                                                ") but it is not required writable... exiting");
+    EXPECT_GRIPE(verify_with_name_taken(), "ERROR: gatescope using TMP directory (" +
+                                               region.temporary_directory() +
+                                               ") but it is not required writable... exiting");
 }
 
-TEST_F(Startup, TemporaryNamesAreMadeOfThreeParts) {
+TEST_F(Startup, TemporaryNamesHaveThreeParts) {
     TEMP_DIR = "/t";
     EXPECT_EQ(make_tfile("tag", "two", "three"), "/t/tag_two_three.txt");
     EXPECT_EQ(make_tfile("gatewarden_prompt_result", "123", nullptr),
@@ -192,18 +193,18 @@ TEST_F(Startup, TemporaryNamesAreMadeOfThreeParts) {
     EXPECT_EQ(make_cache_file(nullptr, "x"), "/t/cache__x.txt");
 }
 
-TEST_F(Startup, SleepReturnsWhatWasLeft) {
+TEST_F(Startup, SleepReturnsTheRemainingSeconds) {
     EXPECT_EQ(zul_sleep(0), 0u);
 }
 
-TEST(EmergencyChecker, StandsBesideTheProgram) {
+TEST(EmergencyChecker, IsBesideTheProgram) {
     const std::pair<const char*, const char*> paths[] = {
         {"/opt/x/bin/gatescope", "/opt/x/bin/gatewarden"},
         {"gatescope", "gatewarden"},
         {"./gatescope", "./gatewarden"},
         {"/opt/x/tool", "gatewarden"},
         {"", "gatewarden"},
-        // The last such letter counts, wherever it stands.
+        // The last such letter is replaced, also in the name of a directory.
         {"/opt/gs/tool", "/opt/gatewarden"},
         {"/opt/x/bin/gatescope-debug", "/opt/x/bin/gatescope-debugatewarden"}};
     for (const auto& [program, checker] : paths) {
@@ -212,3 +213,4 @@ TEST(EmergencyChecker, StandsBesideTheProgram) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+namespace gatescope {
 namespace {
 
 const std::string KEY_THAT_REFERS = "a;b;c;d;e;1;g;";
@@ -40,7 +41,7 @@ class ChangeWarnings : public testing::Test {
 
 // Depots.
 
-TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
+TEST_F(ChangeWarnings, NameTheFieldsClearedWithADepot) {
     region_is("gatewarden;;E;east;", "w;;O;", "wp;up;", "wn;un;");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
@@ -51,7 +52,7 @@ TEST_F(ChangeWarnings, ClearingADepotNamesWhatGoesWithIt) {
               "so 'Region Logging' would also get set from 'E' to 'O'ff...");
 }
 
-TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
+TEST_F(ChangeWarnings, NameTheUnixFieldsClearedWithTheUnixDepot) {
     region_is("gatewarden;;A;east;", ";u;O;", "wp;up;", "wn;un;");
     EXPECT_EQ(depot_warnings(gatebits, unix_depot("")),
               "\n\nWarning:  Clearing the (UNIX Policy Depot) will also clear the (UNIX Parent "
@@ -62,14 +63,14 @@ TEST_F(ChangeWarnings, ClearingTheUnixDepotLooksAtTheUnixColumn) {
               "so 'Region Logging' would also get set from 'A' to 'O'ff...");
 }
 
-TEST_F(ChangeWarnings, ClearingADepotThatNothingStandsOnWarnsOfNothing) {
+TEST_F(ChangeWarnings, AreEmptyIfNothingIsClearedWithADepot) {
     region_is("gatewarden;;E;east;", "w;u;A;", ";up;", ";un;");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
     region_is("gatewarden;;O;east;", "w;;A;", ";", ";");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
 }
 
-TEST_F(ChangeWarnings, LoggingWarningReadsTheHeaderLine) {
+TEST_F(ChangeWarnings, ShowTheLoggingOfTheHeaderLine) {
     region_is("gatewarden;;Off;east;", "w;;A;", ";;", ";;");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
     region_is("gatewarden;;Sx;east;", "w;;O;", ";;", ";;");
@@ -78,7 +79,7 @@ TEST_F(ChangeWarnings, LoggingWarningReadsTheHeaderLine) {
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
 }
 
-TEST_F(ChangeWarnings, LoggingWarningIsWholeWhenTheFieldIsEmpty) {
+TEST_F(ChangeWarnings, IncludeLoggingIfItsFieldIsEmpty) {
     region_is("gatewarden;;;east;", "w;;A;", "wp;;", ";;");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")),
               "\n\nWarning:  Clearing the (Windows Policy Depot) will also clear the (Windows "
@@ -87,13 +88,13 @@ TEST_F(ChangeWarnings, LoggingWarningIsWholeWhenTheFieldIsEmpty) {
               "so 'Region Logging' would also get set from '' to 'O'ff...");
 }
 
-TEST_F(ChangeWarnings, MissingLinesAndFieldsWarnOfNothing) {
+TEST_F(ChangeWarnings, AreEmptyForMissingLinesAndFields) {
     use("# nothing\n");
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("")), "");
     EXPECT_EQ(notify_warnings(gatebits, unix_notify("")), "");
 }
 
-TEST_F(ChangeWarnings, OnlyTheOtherSystemsPathsAreSaidNotToBeVerified) {
+TEST_F(ChangeWarnings, ReportUnverifiedPathsOfTheOtherSystemOnly) {
     EXPECT_EQ(depot_warnings(gatebits, windows_depot("d")),
               "\n\nWarning:  Actual directory verification of the 'Windows Policy Depot' not "
               "performed from the UNIX OS...");
@@ -112,13 +113,13 @@ TEST_F(ChangeWarnings, OnlyTheOtherSystemsPathsAreSaidNotToBeVerified) {
 
 // Keys that refer to the notify program.
 
-TEST_F(ChangeWarnings, NoKeyThatRefersNoWarning) {
+TEST_F(ChangeWarnings, AreEmptyWithoutAReferringKey) {
     keys_are("a;b;c;d;e;0;g;\na;b;c;d;e;01;\n");
     EXPECT_EQ(notify_warnings(gatebits, unix_notify("n")), "");
     EXPECT_EQ(notify_warnings(gatebits, unix_notify("")), "");
 }
 
-TEST_F(ChangeWarnings, OneKeyThatRefers) {
+TEST_F(ChangeWarnings, ListOneReferringKey) {
     keys_are("a;b;c;d;e;0;\n" + KEY_THAT_REFERS + "\n");
     const std::string listed = "\n     (002) a;b;c;d;e;&1;g;";
     EXPECT_EQ(notify_warnings(gatebits, unix_notify("n")),
@@ -133,7 +134,7 @@ TEST_F(ChangeWarnings, OneKeyThatRefers) {
                   listed);
 }
 
-TEST_F(ChangeWarnings, TwoKeysThatReferThenTheVerificationWarning) {
+TEST_F(ChangeWarnings, ListTwoReferringKeysBeforeTheVerificationWarning) {
     keys_are(KEY_THAT_REFERS + "\na;b;c;d;e;;\n");
     const std::string listed = "\n     (001) a;b;c;d;e;&1;g;\n     (002) a;b;c;d;e;&;";
     EXPECT_EQ(notify_warnings(gatebits, windows_notify("n")),
@@ -150,7 +151,7 @@ TEST_F(ChangeWarnings, TwoKeysThatReferThenTheVerificationWarning) {
                   listed);
 }
 
-/// The list in a notify warning, one key number a line.
+/// The keys listed in a notify warning, with '|' after each number.
 std::string listed_keys(const std::string& warning) {
     std::string numbers;
     std::string rest = warning.substr(warning.find("\\n") + 2);
@@ -162,7 +163,7 @@ std::string listed_keys(const std::string& warning) {
     return numbers;
 }
 
-TEST_F(ChangeWarnings, FourKeysAreAllListedAndOfMoreTheFirstThreeAndTheLast) {
+TEST_F(ChangeWarnings, ListUpToFourKeysOrTheFirstThreeAndTheLast) {
     const auto listed_of = [this](int count) {
         std::string keys;
         for (int n = 1; n <= count; ++n) keys += KEY_THAT_REFERS + "\n";
@@ -176,13 +177,13 @@ TEST_F(ChangeWarnings, FourKeysAreAllListedAndOfMoreTheFirstThreeAndTheLast) {
     EXPECT_EQ(listed_of(7), three + "      :|     (007)|");
 }
 
-TEST_F(ChangeWarnings, AKeyTooShortEndsTheSearch) {
+TEST_F(ChangeWarnings, EndTheSearchAtAKeyWithTooFewFields) {
     keys_are(KEY_THAT_REFERS + "\na;b;c;d;e;\n" + KEY_THAT_REFERS + "\n");
     EXPECT_NE(notify_warnings(gatebits, unix_notify("n")).find("There is currently 1 policy key "),
               std::string::npos);
 }
 
-TEST_F(ChangeWarnings, AListedKeyIsCutAndItsAmpersandsDoubled) {
+TEST_F(ChangeWarnings, CutListedKeysAndDoubleTheirAmpersands) {
     const std::string eighty = "a&;;;;;1;" + std::string(71, 'x');
     keys_are(eighty + "\n" + eighty + "x\n" + KEY_THAT_REFERS + "\n");
     const std::string shown = "a&&;;;;;&1;" + std::string(71, 'x');
@@ -198,7 +199,7 @@ NewValue list(const std::string& value) {
     return {"Region Restricted Access List...", "Region Restricted Access List", 2, value};
 }
 
-TEST_F(ChangeWarnings, AListThatMatchesEverybodyIsWarnedOf) {
+TEST_F(ChangeWarnings, WarnOfListsThatMatchAllUsers) {
     const std::string rest =
         " as it contains one or more\\n                 of the wildcard patterns (*), <*>, [*], "
         "{*}, %*%, '*', @*@ ...";
@@ -210,9 +211,10 @@ TEST_F(ChangeWarnings, AListThatMatchesEverybodyIsWarnedOf) {
     EXPECT_EQ(special_warnings(gatebits, list("%a*%")), "");
 }
 
-TEST_F(ChangeWarnings, AKeyIsRemindedToBeVerified) {
+TEST_F(ChangeWarnings, RemindToVerifyAKey) {
     EXPECT_EQ(key_reminder("/east/gatebits.txt"),
               "\n\nReminder:  Use gatewarden /east/gatebits.txt -check to verify...");
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Checker : public OnStage {
@@ -19,7 +20,7 @@ class Checker : public OnStage {
     Args run_with(const std::string& option) const { return {region.gatebits_path(), option}; }
 };
 
-TEST_F(Checker, EachModeHasItsOption) {
+TEST_F(Checker, RunsWithTheOptionOfTheMode) {
     EXPECT_TRUE(perform_cbfile_only_check(CheckMode::ERRORS, &east));
     EXPECT_TRUE(perform_cbfile_only_check(CheckMode::STATUS, &east));
     EXPECT_TRUE(perform_cbfile_only_check(CheckMode::COUNT, &east));
@@ -27,7 +28,7 @@ TEST_F(Checker, EachModeHasItsOption) {
                                          run_with("-error_count")}));
 }
 
-TEST_F(Checker, AStatusTellsWhetherThereAreErrors) {
+TEST_F(Checker, ReportsErrorsForANonZeroStatus) {
     region.checker_ends_with({1, 0});
     const auto faulty = perform_cbfile_only_check(CheckMode::STATUS, &east);
     ASSERT_TRUE(faulty);
@@ -39,7 +40,7 @@ TEST_F(Checker, AStatusTellsWhetherThereAreErrors) {
     runs();
 }
 
-TEST_F(Checker, ACountIsTheShellsStatusUndivided) {
+TEST_F(Checker, ReportsTheRawStatusAsTheCount) {
     region.checker_ends_with({3, 0});
     const auto faulty = perform_cbfile_only_check(CheckMode::COUNT, &east);
     ASSERT_TRUE(faulty);
@@ -52,7 +53,7 @@ TEST_F(Checker, ACountIsTheShellsStatusUndivided) {
     runs();
 }
 
-TEST_F(Checker, AMissingCheckerFallsBackToTheOneBesideTheProgram) {
+TEST_F(Checker, FallsBackToTheEmergencyChecker) {
     for (const char* named : {"", "/no/such/checker"}) {
         east.tools.GS_VAR[UNIX_CHECKER] = named;
         east.tools.EMERGENCY_CHECKER = region.checker_path();
@@ -64,14 +65,14 @@ TEST_F(Checker, AMissingCheckerFallsBackToTheOneBesideTheProgram) {
     }
 }
 
-TEST_F(Checker, ABareNameIsLookedForOnTheSearchPath) {
+TEST_F(Checker, FindsABareNameOnTheSearchPath) {
     east.tools.GS_VAR[UNIX_CHECKER] = "";
     east.tools.EMERGENCY_CHECKER = "gatewarden";
     EXPECT_TRUE(perform_cbfile_only_check(CheckMode::STATUS, &east));
     EXPECT_EQ(runs().size(), 1u);
 }
 
-TEST_F(Checker, WithoutAnyCheckerTheOperatorIsToldAndNothingRuns) {
+TEST_F(Checker, TellsTheOperatorIfThereIsNoChecker) {
     east.tools.GS_VAR[UNIX_CHECKER] = "/no/such/checker";
     EXPECT_FALSE(perform_cbfile_only_check(CheckMode::COUNT, &east));
     const Result shown = region.shown_so_far();
@@ -81,7 +82,7 @@ TEST_F(Checker, WithoutAnyCheckerTheOperatorIsToldAndNothingRuns) {
     EXPECT_TRUE(shown.calls_of("gatewarden").empty());
 }
 
-TEST_F(Checker, ACheckersPathWithBlanksIsQuoted) {
+TEST_F(Checker, QuotesAPathWithBlanks) {
     region.write_file("a b/gatewarden", "#!/bin/sh\necho \"$@\" > \"$tmp/../ran\"\n");
     ASSERT_EQ(std::system(("chmod +x '" + region.path("a b/gatewarden") + "'").c_str()), 0);
     east.tools.GS_VAR[UNIX_CHECKER] = region.path("a b/gatewarden");
@@ -90,3 +91,4 @@ TEST_F(Checker, ACheckersPathWithBlanksIsQuoted) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -2,13 +2,16 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 #include "base/descriptor.h"
+#include "base/platform.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 const std::string DEPOT_BLOCK =
@@ -16,28 +19,28 @@ const std::string DEPOT_BLOCK =
 
 class GatebitsFile : public OnStage {
   protected:
-    /// Sets the line whatever the operator was shown.
+    /// Sets the line without a precondition.
     ChangeResult set_line(int n, const std::string& text) const {
-        return change(gatebits_file, {Gatebits(std::string()), nothing},
+        return change(gatebits_file, {Gatebits(std::string()), no_part},
                       [&](const Gatebits& now) { return set_a_line(now, n, text); }, {})
             .result;
     }
     ChangeResult set_field(const FieldValue& value) const {
-        return change(gatebits_file, {Gatebits(std::string()), nothing},
+        return change(gatebits_file, {Gatebits(std::string()), no_part},
                       [&](const Gatebits& now) { return set_a_field(now, value); }, {})
             .result;
     }
 };
 using GatebitsFileDeathTest = GatebitsFile;
 
-/// What line n holds.
+/// A precondition: the text of line n.
 auto line_number(int n) {
     return [n](const Gatebits& gatebits) {
         return std::vector<std::string>{get_a_line(gatebits, n).value_or("(none)")};
     };
 }
 
-TEST_F(GatebitsFile, WhatWasReadIsTheFileAsItWasThen) {
+TEST_F(GatebitsFile, IsReadAsAValue) {
     use_gatebits("one;\n\ntwo;");
     const Gatebits gatebits = read_gatebits(gatebits_file);
     use_gatebits("three;\n");
@@ -46,7 +49,7 @@ TEST_F(GatebitsFile, WhatWasReadIsTheFileAsItWasThen) {
     EXPECT_EQ(read_gatebits(gatebits_file).text(), "three;\n");
 }
 
-TEST_F(GatebitsFile, AnEditIsMadeOfTheFileAsItIsNow) {
+TEST_F(GatebitsFile, IsReadAgainForAnEdit) {
     use_gatebits("one;\ntwo;\n");
     const Gatebits shown = read_gatebits(gatebits_file);
     use_gatebits("one;\n\ntwo;\nthree;\n");
@@ -60,14 +63,14 @@ TEST_F(GatebitsFile, AnEditIsMadeOfTheFileAsItIsNow) {
     EXPECT_EQ(changed.now.lines(), (std::vector<std::string>{"one;", "three;"}));
 }
 
-TEST_F(GatebitsFile, NoEditIsMadeWhenWhatWasShownHasChanged) {
+TEST_F(GatebitsFile, IsNotEditedIfTheShownPartHasChanged) {
     use_gatebits("one;\ntwo;\n");
     const Gatebits shown = read_gatebits(gatebits_file);
     const std::string theirs = "zero;\n\none;\ntwo;\n";
     use_gatebits(theirs);
     const Changed changed = change(gatebits_file, {shown, line_number(2)},
                                    [](const Gatebits& now) -> Rewrite {
-                                       ADD_FAILURE() << "it was asked for an edit";
+                                       ADD_FAILURE() << "the edit was made";
                                        return {ChangeResult::WRITTEN, now};
                                    },
                                    {});
@@ -77,25 +80,25 @@ TEST_F(GatebitsFile, NoEditIsMadeWhenWhatWasShownHasChanged) {
     EXPECT_EQ(region.gatebits(), theirs);
 }
 
-TEST_F(GatebitsFile, AnEditWithoutATextWritesNothing) {
+TEST_F(GatebitsFile, IsNotWrittenIfAnEditHasNoText) {
     const std::string text = "one;\n\ntwo;\n";
     use_gatebits(text);
     EXPECT_EQ(set_field({3, 1, "x"}), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(set_field({1, 5, "x"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(region.gatebits(), text);
-    // This one has a text.
+    // An edit with a text, which drops the blank line.
     EXPECT_EQ(set_line(3, "x"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(region.gatebits(), "one;\ntwo;\n");
 }
 
-TEST_F(GatebitsFile, TheLockIsHeldFromTheReadingToTheWriting) {
+TEST_F(GatebitsFile, IsLockedFromTheReadToTheWrite) {
     use_gatebits("one;\n");
     const auto is_locked = [this] {
         const Descriptor file(open(gatebits_file.c_str(), O_RDWR | O_CLOEXEC));
-        return flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        return lock_exclusively(file.get()) == EWOULDBLOCK;
     };
     EXPECT_FALSE(is_locked());
-    change(gatebits_file, {Gatebits(std::string()), nothing},
+    change(gatebits_file, {Gatebits(std::string()), no_part},
            [&](const Gatebits& now) {
                EXPECT_TRUE(is_locked());
                return set_a_line(now, 1, "two;");
@@ -105,21 +108,21 @@ TEST_F(GatebitsFile, TheLockIsHeldFromTheReadingToTheWriting) {
     EXPECT_EQ(region.gatebits(), "two;\n");
 }
 
-TEST_F(GatebitsFile, AFileOf30000BytesIsReadAndOneMoreIsNot) {
+TEST_F(GatebitsFile, MayHave30000Bytes) {
     const std::string largest = "x;" + std::string(GATEBITS_FILE_LIMIT - 3, 'y') + "\n";
     use_gatebits(largest);
     EXPECT_EQ(read_gatebits(gatebits_file).text(), largest);
     EXPECT_EQ(set_field({1, 1, "z"}), ChangeResult::WRITTEN);
 }
 
-TEST_F(GatebitsFileDeathTest, AFileThatIsTooLargeIsRefusedAndTheLimitNamed) {
+TEST_F(GatebitsFileDeathTest, GripesOfAFileAboveTheLimit) {
     use_gatebits("x;" + std::string(GATEBITS_FILE_LIMIT - 2, 'y') + "\n");
     EXPECT_GRIPE(read_gatebits(gatebits_file), "ERROR: The enterprise permissions file (" +
                                                    gatebits_file +
                                                    ") is larger than the limit of 30000 bytes.");
 }
 
-TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
+TEST_F(GatebitsFileDeathTest, GripesOfAFileThatCannotBeRead) {
     gatebits_file = region.path("none");
     const std::string cannot_open = "ERROR: Can't open the enterprise permissions file.....";
     EXPECT_GRIPE(read_gatebits(gatebits_file), cannot_open);
@@ -132,7 +135,7 @@ TEST_F(GatebitsFileDeathTest, AFileThatCannotBeReadIsFatal) {
     EXPECT_GRIPE(set_line(1, "x"), cannot_read);
 }
 
-TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
+TEST_F(GatebitsFileDeathTest, GripesOfAFileWithoutALine) {
     for (const char* empty : {"", "\n\n\n"}) {
         use_gatebits(empty);
         const std::string is_empty =
@@ -142,7 +145,7 @@ TEST_F(GatebitsFileDeathTest, AFileWithoutALineIsFatal) {
     }
 }
 
-TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
+TEST_F(GatebitsFileDeathTest, GripesOfAChangeThatCouldNotBeReadBack) {
     const std::string text = DEPOT_BLOCK + "key;\n";
     use_gatebits(text);
     const std::string too_long = std::to_string(DEPOT_BLOCK.size() + GATEBITS_FILE_LIMIT + 1);
@@ -158,7 +161,7 @@ TEST_F(GatebitsFileDeathTest, AChangeThatCouldNotBeReadBackIsRefused) {
     EXPECT_EQ(region.gatebits(), text);
 }
 
-TEST_F(GatebitsFileDeathTest, AFileThatHoldsANulIsNotChanged) {
+TEST_F(GatebitsFileDeathTest, GripesOfAChangeOfAFileWithANul) {
     const std::string text = DEPOT_BLOCK + std::string("\0more;\n", 7);
     use_gatebits(text);
     EXPECT_GRIPE(set_line(1, "x"),
@@ -168,14 +171,14 @@ TEST_F(GatebitsFileDeathTest, AFileThatHoldsANulIsNotChanged) {
     EXPECT_EQ(region.gatebits(), text);
 }
 
-TEST_F(GatebitsFileDeathTest, NoScratchFileNoChange) {
+TEST_F(GatebitsFileDeathTest, GripesWithoutAScratchFile) {
     use_gatebits(DEPOT_BLOCK);
     TEMP_DIR = "/no/such/dir";
     EXPECT_GRIPE(set_line(1, "x"), "Could not create needed temp file");
     EXPECT_EQ(region.gatebits(), DEPOT_BLOCK);
 }
 
-TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
+TEST_F(GatebitsFile, KeepsModeAndSymbolicLinksInAChange) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(chmod(region.gatebits_path().c_str(), 0640), 0);
     ASSERT_EQ(symlink("gatebits.txt", region.path("link.txt").c_str()), 0);
@@ -192,7 +195,7 @@ TEST_F(GatebitsFile, AChangeKeepsModeAndLinksAndLeavesNothingBehind) {
     EXPECT_TRUE(region.files_in("tmp").empty());
 }
 
-TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
+TEST_F(GatebitsFile, KeepsHardLinksInAChange) {
     use_gatebits(";;O;\n");
     ASSERT_EQ(link(region.gatebits_path().c_str(), region.path("other.txt").c_str()), 0);
     set_field({1, 3, "S"});
@@ -202,3 +205,4 @@ TEST_F(GatebitsFile, AFileWithTwoNamesKeepsBoth) {
 }
 
 }  // namespace
+}  // namespace gatescope

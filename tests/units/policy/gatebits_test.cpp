@@ -4,6 +4,7 @@
 
 #include "policy/edition.h"
 
+namespace gatescope {
 namespace {
 
 const std::string KEYLESS_BLOCK =
@@ -21,7 +22,7 @@ class GatebitsText : public testing::Test {
     std::string line(int n) const { return get_a_line(gatebits, n).value_or(NONE); }
     std::string field(int n, int f) const { return get_a_field(gatebits, n, f).value_or(NONE); }
 
-    /// Takes the new text, as readers of the file would see it.
+    /// `gatebits` becomes the new text as a reader parses it.
     ChangeResult take(const Rewrite& rewrite) {
         if (rewrite.text) use(rewrite.text->text());
         return rewrite.result;
@@ -37,7 +38,7 @@ class GatebitsText : public testing::Test {
     Gatebits gatebits{std::string()};
 };
 
-TEST_F(GatebitsText, OnlySignificantLinesAreCounted) {
+TEST_F(GatebitsText, CountsSignificantLinesOnly) {
     use("# comment\n"
         "#!gatescope_unix_browser=/b\n"
         "first;\n"
@@ -55,7 +56,7 @@ TEST_F(GatebitsText, OnlySignificantLinesAreCounted) {
     EXPECT_EQ(line(0), NONE);
 }
 
-TEST_F(GatebitsText, NumbersUpTo127AddressLinesAndNoOthersDo) {
+TEST_F(GatebitsText, AddressesLinesUpToNumber127) {
     use_lines(300);
     EXPECT_EQ(line(127), "line 127");
     EXPECT_EQ(line(128), NONE);
@@ -65,7 +66,7 @@ TEST_F(GatebitsText, NumbersUpTo127AddressLinesAndNoOthersDo) {
     EXPECT_EQ(line(1), "line 1");
 }
 
-TEST_F(GatebitsText, FieldsAreWhatSemicolonsEnd) {
+TEST_F(GatebitsText, EndsFieldsAtSemicolons) {
     use(";;O;\none;two\nno field\n");
     EXPECT_EQ(field(1, 1), "");
     EXPECT_EQ(field(1, 2), "");
@@ -80,7 +81,7 @@ TEST_F(GatebitsText, FieldsAreWhatSemicolonsEnd) {
     EXPECT_EQ(field_or_empty(gatebits, 1, 4), "");
 }
 
-TEST_F(GatebitsText, LongLinesAreReadAndWrittenWhole) {
+TEST_F(GatebitsText, ReadsAndWritesLongLinesWhole) {
     const std::string text(3000, 'x');
     use(";" + text + ";O;\n");
     EXPECT_EQ(field(1, 2), text);
@@ -88,13 +89,13 @@ TEST_F(GatebitsText, LongLinesAreReadAndWrittenWhole) {
     EXPECT_EQ(gatebits.text(), ";" + text + ";S;\n");
 }
 
-TEST_F(GatebitsText, SetALineReplacesThatLineOnly) {
+TEST_F(GatebitsText, ReplacesOneLineOnly) {
     use("# top\n first;\n\n#!gatewarden_alias a b\nsecond;\n\nthird");
     EXPECT_EQ(set_line(2, "new;line;"), ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(), "# top\n first;\n#!gatewarden_alias a b\nnew;line;\nthird\n");
 }
 
-TEST_F(GatebitsText, TheDeletionTokenRemovesAKey) {
+TEST_F(GatebitsText, DeletesALineByTheDeletionToken) {
     use(KEYLESS_BLOCK + "# keys\nkey 0;\nkey 1;\n");
     EXPECT_EQ(set_line(FIRST_KEY_LINE, DELETION_TOKEN), ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "# keys\n\nkey 1;\n");
@@ -102,14 +103,14 @@ TEST_F(GatebitsText, TheDeletionTokenRemovesAKey) {
     EXPECT_EQ(line(FIRST_KEY_LINE + 1), NONE);
 }
 
-TEST_F(GatebitsText, TheEmptyLineInADeletedOnesPlaceGoesWithTheNextRewrite) {
+TEST_F(GatebitsText, DropsTheBlankLineOfADeletedOneInTheNextRewrite) {
     use(KEYLESS_BLOCK + "key 0;\nkey 1;\n");
     set_line(FIRST_KEY_LINE, DELETION_TOKEN);
     set_line(FIRST_KEY_LINE, "key 2;");
     EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "key 2;\n");
 }
 
-TEST_F(GatebitsText, AnEmptyTextIsWrittenAsAnEmptyLine) {
+TEST_F(GatebitsText, WritesAnEmptyTextAsABlankLine) {
     use(KEYLESS_BLOCK + "key 0;\nkey 1;\n");
     set_line(FIRST_KEY_LINE, "");
     EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "\nkey 1;\n");
@@ -117,25 +118,25 @@ TEST_F(GatebitsText, AnEmptyTextIsWrittenAsAnEmptyLine) {
     EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "key 1;\n\n");
 }
 
-TEST_F(GatebitsText, OnlyTheExactTokenDeletes) {
+TEST_F(GatebitsText, DeletesByTheExactTokenOnly) {
     use("one;\n");
     set_line(1, std::string(DELETION_TOKEN) + " ");
     EXPECT_EQ(gatebits.text(), "<[;;;;;deletme;;;;;]> \n");
 }
 
-TEST_F(GatebitsText, LineZeroAppendsAfterEverything) {
+TEST_F(GatebitsText, AppendsLineZero) {
     use(KEYLESS_BLOCK + "# the end\n");
     EXPECT_EQ(set_line(0, "a key;"), ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(), KEYLESS_BLOCK + "# the end\na key;\n");
 }
 
-TEST_F(GatebitsText, ANumberAfterTheLastLineOnlyDropsBlankLines) {
+TEST_F(GatebitsText, DropsBlankLinesIfThereIsNoSuchLine) {
     use("one;\n\ntwo;\n\n# three\n");
     EXPECT_EQ(set_line(5, "x;"), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(gatebits.text(), "one;\ntwo;\n# three\n");
 }
 
-TEST_F(GatebitsText, WhereTheCounterStartsOverOnlyTheFirstLineWithTheNumberIsReplaced) {
+TEST_F(GatebitsText, ReplacesTheFirstOfLinesWithTheSameNumber) {
     use_lines(600);
     set_line(5, "new");
     std::string expected;
@@ -145,7 +146,7 @@ TEST_F(GatebitsText, WhereTheCounterStartsOverOnlyTheFirstLineWithTheNumberIsRep
     EXPECT_EQ(gatebits.text(), expected);
 }
 
-TEST_F(GatebitsText, AFieldOfALongFileIsSetInItsLineOnly) {
+TEST_F(GatebitsText, SetsAFieldOfALongFileInItsLineOnly) {
     std::string keys;
     for (int i = 0; i < 281; ++i) keys += "key " + std::to_string(i) + ";one;two;\n";
     use(KEYLESS_BLOCK + keys);
@@ -156,7 +157,7 @@ TEST_F(GatebitsText, AFieldOfALongFileIsSetInItsLineOnly) {
                   keys);
 }
 
-TEST_F(GatebitsText, LinesAfterThe127thAreNotReplaced) {
+TEST_F(GatebitsText, DoesNotReplaceLinesAfterThe127th) {
     use_lines(200);
     const std::string before = gatebits.text();
     set_line(128, "new");
@@ -164,7 +165,7 @@ TEST_F(GatebitsText, LinesAfterThe127thAreNotReplaced) {
     EXPECT_EQ(gatebits.text(), before);
 }
 
-TEST_F(GatebitsText, SetAFieldChangesThatFieldOnly) {
+TEST_F(GatebitsText, SetsOneFieldOnly) {
     use("#c\n;;O;\nkeep\n");
     EXPECT_EQ(set_field({1, 2, "/a/path"}), ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(), "#c\n;/a/path;O;\nkeep\n");
@@ -174,32 +175,32 @@ TEST_F(GatebitsText, SetAFieldChangesThatFieldOnly) {
     EXPECT_EQ(line(1), "C:\\depot;/a/path;;");
 }
 
-TEST_F(GatebitsText, ATextWithoutItsSemicolonIsLostOnAFieldEdit) {
+TEST_F(GatebitsText, DropsTextAfterTheLastSemicolonInAFieldEdit) {
     use("one;two\n");
     set_field({1, 1, "new"});
     EXPECT_EQ(line(1), "new;");
 }
 
-TEST_F(GatebitsText, AFieldOnePastTheLastRewritesTheLineWithoutTheValue) {
+TEST_F(GatebitsText, RewritesTheLineWithoutTheValueForAFieldOnePastTheLast) {
     use(";;O;trailing\n\n");
     EXPECT_EQ(set_field({1, 4, "value"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(gatebits.text(), ";;O;\n");
 }
 
-TEST_F(GatebitsText, AFieldFurtherOutWritesNothing) {
+TEST_F(GatebitsText, WritesNothingForAFieldTwoPastTheLast) {
     use(";;O;trailing\n\n");
     EXPECT_EQ(set_field({1, 5, "value"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(gatebits.text(), ";;O;trailing\n\n");
 }
 
-TEST_F(GatebitsText, AMissingLineOrOneWithoutFieldsIsLeftAlone) {
+TEST_F(GatebitsText, WritesNothingForAMissingLineOrOneWithoutFields) {
     use("no field\n\n");
     EXPECT_EQ(set_field({1, 1, "value"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(set_field({2, 1, "value"}), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(gatebits.text(), "no field\n\n");
 }
 
-TEST_F(GatebitsText, AnAliasReferenceAtAFieldsEndGetsABlank) {
+TEST_F(GatebitsText, AddsABlankAfterAReferenceAtTheEndOfAField) {
     use("; ;\n");
     set_field({1, 2, "(ann) ~team"});
     EXPECT_EQ(line(1), ";(ann) ~team ;");
@@ -214,34 +215,34 @@ TEST_F(GatebitsText, AnAliasReferenceAtAFieldsEndGetsABlank) {
     EXPECT_EQ(line(1), ";~team ;");
 }
 
-TEST_F(GatebitsText, AReferenceInAnotherFieldGetsItsBlankToo) {
+TEST_F(GatebitsText, AddsABlankAfterAReferenceInAnotherField) {
     use(";~team;x;\n");
     set_field({1, 3, "y"});
     EXPECT_EQ(line(1), ";~team ;y;");
 }
 
-TEST_F(GatebitsText, TheLineAsAWholeDecidesAboutTheBlank) {
-    // No blank after the '~' so far, so each further field gets one until there is.
+TEST_F(GatebitsText, AddsBlanksToFieldsUntilOneFollowsTheTilde) {
+    // As long as no blank follows the '~', each field gets one.
     use("~a;b;c;\n");
     set_field({1, 3, "d"});
     EXPECT_EQ(line(1), "~a ;b;d;");
 }
 
-TEST_F(GatebitsText, SeveralFieldsChangeInOneWrite) {
+TEST_F(GatebitsText, SetsSeveralFieldsInOneEdit) {
     use("h;;;east;\n\nd;u;E;tail\np;q;\nn;m;\n");
     EXPECT_EQ(set_field({2, 1, ""}, {{2, 3, "O"}, {3, 1, ""}, {9, 1, "x"}, {3, 4, "y"}}),
               ChangeResult::WRITTEN);
     EXPECT_EQ(gatebits.text(), "h;;;east;\n;u;O;\n;q;\nn;m;\n");
 }
 
-TEST_F(GatebitsText, FieldsThatAreNotThereLeaveTheFileAlone) {
+TEST_F(GatebitsText, WritesNothingForMissingFields) {
     use("h;\n\nd;u;O;\n");
     EXPECT_EQ(set_field({9, 1, "x"}, {{2, 1, "y"}}), ChangeResult::NO_SUCH_LINE);
     EXPECT_EQ(set_field({2, 5, "x"}), ChangeResult::NO_SUCH_FIELD);
     EXPECT_EQ(gatebits.text(), "h;\n\nd;u;O;\n");
 }
 
-TEST_F(GatebitsText, AValueEndsAtItsNul) {
+TEST_F(GatebitsText, CutsAValueAtItsNul) {
     use(";;O;\n");
     set_field({1, 2, std::string("a\0b", 3)});
     EXPECT_EQ(gatebits.text(), ";a;O;\n");
@@ -249,7 +250,7 @@ TEST_F(GatebitsText, AValueEndsAtItsNul) {
     EXPECT_EQ(gatebits.text(), "x;\n");
 }
 
-TEST_F(GatebitsText, TheEditionIsWhatLineOneBeginsWith) {
+TEST_F(GatebitsText, HasTheEditionThatLineOneBeginsWith) {
     const std::pair<const char*, int> headers[] = {{"gatewarden;;;x;\n", 1},
                                                    {"gatewarden_lite;;;x;\n", 0},
                                                    {"gatewarden_lite 2;;;x;\n", 0},
@@ -271,3 +272,4 @@ TEST(LineCounter, CountsInEightSignedBits) {
 }
 
 }  // namespace
+}  // namespace gatescope

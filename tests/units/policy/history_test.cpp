@@ -14,6 +14,7 @@
 #include "support/expect_gripe.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 namespace fs = std::filesystem;
@@ -273,3 +274,4 @@ TEST_F(HistoryTest, LinesThatAreALinkOrAPipeOrAnothersAreRefused) {
 }
 
 }  // namespace
+}  // namespace gatescope

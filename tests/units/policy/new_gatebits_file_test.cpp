@@ -14,6 +14,7 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
 namespace {
 
 class NewGatebitsFile : public testing::Test {
@@ -26,7 +27,7 @@ class NewGatebitsFile : public testing::Test {
     ScratchDirectory directory;
 };
 
-TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
+TEST_F(NewGatebitsFile, HasTheOperatorsDefaultPermissions) {
     const mode_t mask = umask(027);
     EXPECT_EQ(create_gatebits_file(path("new.txt"), "a\nb\n", {}), NewFile::CREATED);
     umask(mask);
@@ -37,14 +38,14 @@ TEST_F(NewGatebitsFile, IsCreatedWholeWithTheOperatorsPermissions) {
     EXPECT_EQ(files(), std::set<std::string>{"new.txt"});
 }
 
-TEST_F(NewGatebitsFile, NeverTakesAnotherFilesPlace) {
+TEST_F(NewGatebitsFile, DoesNotReplaceAnExistingFile) {
     directory.write("taken.txt", "theirs\n");
     EXPECT_EQ(create_gatebits_file(path("taken.txt"), "ours\n", {}), NewFile::EXISTS);
     EXPECT_EQ(directory.read("taken.txt"), "theirs\n");
     EXPECT_EQ(files(), std::set<std::string>{"taken.txt"});
 }
 
-TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
+TEST_F(NewGatebitsFile, IsCreatedAtTheEndOfDanglingLinks) {
     std::filesystem::create_directory(path("folder"));
     std::filesystem::create_symlink("folder/link.txt", path("first.txt"));
     std::filesystem::create_symlink(path("new.txt"), path("folder/link.txt"));
@@ -55,7 +56,7 @@ TEST_F(NewGatebitsFile, LinksThatLeadNowhereLeadToThePlaceOfTheFile) {
     EXPECT_EQ(files(), (std::set<std::string>{"first.txt", "folder", "new.txt"}));
 }
 
-TEST_F(NewGatebitsFile, LinksThatLeadToAFileOrInACircleCreateNothing) {
+TEST_F(NewGatebitsFile, IsNotCreatedThroughLinksToAFileOrInACircle) {
     directory.write("taken.txt", "theirs\n");
     std::filesystem::create_symlink("taken.txt", path("link.txt"));
     EXPECT_EQ(create_gatebits_file(path("link.txt"), "ours\n", {}), NewFile::EXISTS);
@@ -65,7 +66,7 @@ TEST_F(NewGatebitsFile, LinksThatLeadToAFileOrInACircleCreateNothing) {
     EXPECT_EQ(files(), (std::set<std::string>{"circle.txt", "link.txt", "taken.txt"}));
 }
 
-TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
+TEST_F(NewGatebitsFile, IsNotCreatedThroughAnotherUsersLinkInAWorldWritableDirectory) {
     std::filesystem::create_directory(path("open"));
     ASSERT_EQ(chmod(path("open").c_str(), 01777), 0);
     std::filesystem::create_symlink(path("new.txt"), path("open/link.txt"));
@@ -76,7 +77,7 @@ TEST_F(NewGatebitsFile, SomebodyElsesLinkWhereEverybodyMayWriteIsNotFollowed) {
     EXPECT_EQ(create_gatebits_file(path("open/link.txt"), "ours\n", {}), NewFile::CREATED);
 }
 
-TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
+TEST_F(NewGatebitsFile, ReplacesALinkPlantedUnderTheUnfinishedName) {
     directory.write("victim.txt", "theirs\n");
     std::filesystem::create_symlink(path("victim.txt"), path(".gatescope_new_4711"));
     EXPECT_EQ(create_gatebits_file(path("new.txt"), "ours\n", {}), NewFile::CREATED);
@@ -84,7 +85,7 @@ TEST_F(NewGatebitsFile, WhatWasPlantedUnderTheUnfinishedNameIsNotWrittenTo) {
     EXPECT_EQ(files(), (std::set<std::string>{"new.txt", "victim.txt"}));
 }
 
-TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
+TEST_F(NewGatebitsFile, IsNotCreatedUnderAnImpossibleName) {
     for (const std::string& name : {std::string("none/new.txt"), std::string(256, 'n'),
                                     std::string(5000, 'n'), std::string("new.txt/")}) {
         EXPECT_EQ(create_gatebits_file(path(name), "ours\n", {}), NewFile::NOT_CREATED) << name;
@@ -92,7 +93,7 @@ TEST_F(NewGatebitsFile, NamesThatNoFileCanHaveCreateNothing) {
     EXPECT_EQ(files(), std::set<std::string>{});
 }
 
-TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
+TEST_F(NewGatebitsFile, LeavesNoPartialFileIfItCannotBeWritten) {
     const auto create_with_little_room = [this] {
         limit_file_size(4096);
         create_gatebits_file(path("new.txt"), std::string(4097, 'x'), {});
@@ -103,13 +104,13 @@ TEST_F(NewGatebitsFile, LeavesNoHalfFileWhenItCannotBeWritten) {
     EXPECT_EQ(files(), std::set<std::string>{});
 }
 
-TEST_F(NewGatebitsFile, BytesToCopyAreAllBytes) {
+TEST_F(NewGatebitsFile, CopiesAllBytes) {
     const std::string bytes("a\0b\n\n \xff", 7);
     directory.write("source.txt", bytes);
     EXPECT_EQ(bytes_to_copy(path("source.txt"), path("copy.txt")), bytes);
 }
 
-TEST_F(NewGatebitsFile, SourceThatSomebodyRewritesIsCopiedWhenThatIsDone) {
+TEST_F(NewGatebitsFile, CopiesASourceAfterItsLockIsReleased) {
     directory.write("source.txt", "half");
     Descriptor theirs(open(path("source.txt").c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_EQ(lock_exclusively(theirs.get()), 0);
@@ -122,7 +123,7 @@ TEST_F(NewGatebitsFile, SourceThatSomebodyRewritesIsCopiedWhenThatIsDone) {
     rewriter.join();
 }
 
-TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
+TEST_F(NewGatebitsFile, GripesIfTheSourceOfACopyCannotBeRead) {
     EXPECT_GRIPE(
         bytes_to_copy(path("none.txt"), path("copy.txt")),
         "#2 Could not move (" + path("none.txt") + ") to (" + path("copy.txt") + ") with 2");
@@ -137,3 +138,4 @@ TEST_F(NewGatebitsFile, SourceThatCannotBeReadIsSaidSo) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,6 +5,7 @@
 #include "policy/tool_variables.h"
 #include "support/expect_gripe.h"
 
+namespace gatescope {
 namespace {
 
 class LoadedRegion : public testing::Test {
@@ -33,7 +34,7 @@ const std::string MANGLED_DEPOT_TEXT =
 const std::string MANGLED_PARENT_TEXT =
     "ERROR: Missing or mangled parent gatebits file definition - missing data or semicolon(s) ';'";
 
-TEST_F(LoadedRegion, AreWhatTheBlockSays) {
+TEST_F(LoadedRegion, HasTheSettingsOfTheRegionBlock) {
     load("C:\\depot;/unix/depot;A;");
     EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/unix/depot");
@@ -41,7 +42,7 @@ TEST_F(LoadedRegion, AreWhatTheBlockSays) {
     EXPECT_EQ(settings.results_dir, "/unix/depot/query_results");
 }
 
-TEST_F(LoadedRegion, EachOfTheFourPersonalitiesIsAccepted) {
+TEST_F(LoadedRegion, AcceptsTheFourPersonalities) {
     for (const char letter : {'A', 'E', 'O', 'S'}) {
         const std::string depot = std::string("/depot_") + letter;
         load(";" + depot + ";" + letter + ";");
@@ -49,14 +50,14 @@ TEST_F(LoadedRegion, EachOfTheFourPersonalitiesIsAccepted) {
     }
 }
 
-TEST_F(LoadedRegion, TheThirdFieldMayBeMissing) {
+TEST_F(LoadedRegion, AcceptsAMissingThirdField) {
     load(";/one;");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/one");
     load(";/two;N");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/two");
 }
 
-TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
+TEST_F(LoadedRegion, ReadsEmptyFieldsAsABlank) {
     use("gatewarden;;;;\n;;\n;;\n");
     settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, " ");
@@ -65,14 +66,14 @@ TEST_F(LoadedRegion, EmptyFieldsReadAsABlank) {
     EXPECT_EQ(settings.results_dir, " /query_results");
 }
 
-TEST_F(LoadedRegion, OtherLinesAndBlanksBetweenTheBlocksLinesChangeNothing) {
+TEST_F(LoadedRegion, IgnoresCommentsAndBlankLinesInTheBlock) {
     use("# c\n\n gatewarden;;;east;\n#!gatewarden_alias a b\n\n\t;/depot;S;\n \t \n#x\n;/p;\n");
     settings = loaded(settings.tools);
     EXPECT_EQ(settings.ENTERPRIZE_NAME, "east");
     EXPECT_EQ(settings.SYSTEM_VARS__SYSTEM_POLICY_DIR, "/depot");
 }
 
-TEST_F(LoadedRegion, RelocatedUnixDirectoriesWinAndWindowsOnesNeverDo) {
+TEST_F(LoadedRegion, PrefersRelocatedUnixDirectoriesOnly) {
     load(";/depot;O;",
          "#!gatescope_relocated_logging_dir_windows=W:\\log\n"
          "#!gatescope_relocated_results_dir_windows=W:\\results\n");
@@ -85,7 +86,7 @@ TEST_F(LoadedRegion, RelocatedUnixDirectoriesWinAndWindowsOnesNeverDo) {
     EXPECT_EQ(settings.results_dir, "/pages=1");
 }
 
-TEST_F(LoadedRegion, VariablesWithoutALineKeepTheirValueWhenTheRegionIsLoaded) {
+TEST_F(LoadedRegion, KeepsVariablesWithoutALine) {
     settings.tools.GS_VAR[UNIX_BROWSER] = "/old/browser";
     settings.tools.GS_VAR[UNIX_CHECKER] = "/old/checker";
     load(";/depot;O;", "#!gatescope_unix_gatewarden_check=\n");
@@ -93,24 +94,24 @@ TEST_F(LoadedRegion, VariablesWithoutALineKeepTheirValueWhenTheRegionIsLoaded) {
     EXPECT_EQ(settings.tools.GS_VAR[UNIX_CHECKER], "");
 }
 
-TEST_F(LoadedRegion, TheLastOfSeveralLinesOfAVariableWins) {
+TEST_F(LoadedRegion, TakesTheLastLineOfAVariable) {
     load(";/depot;O;", "#!gatescope_unix_browser=/one\n#!gatescope_unix_browser=/two\n");
     EXPECT_EQ(settings.tools.GS_VAR[UNIX_BROWSER], "/two");
 }
 
-TEST_F(LoadedRegionDeathTest, AThirdFieldThatIsNotOneLetterNamesNesa) {
+TEST_F(LoadedRegionDeathTest, NamesNesaForAThirdFieldOfOtherLength) {
     EXPECT_GRIPE(load(";/d;OO;"), wrong_logging("OO", "NESA", ";/d;OO;"));
     EXPECT_GRIPE(load(";;;"), wrong_logging("", "NESA", ";;;"));
 }
 
-TEST_F(LoadedRegionDeathTest, AThirdFieldOfAnotherLetterNamesOesa) {
+TEST_F(LoadedRegionDeathTest, NamesOesaForAThirdFieldOfAnotherLetter) {
     for (const char* letter : {"N", "o", "B", "1", " "}) {
         const std::string line = std::string(";/d;") + letter + ";";
         EXPECT_GRIPE(load(line), wrong_logging(letter, "OESA", line));
     }
 }
 
-TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
+TEST_F(LoadedRegionDeathTest, GripesOfADamagedBlock) {
     EXPECT_GRIPE(load("/depot;"), MANGLED_DEPOT_TEXT);
     EXPECT_GRIPE(load("C:\\depot;/depot"), MANGLED_DEPOT_TEXT);
     use("gatewarden;;;east;\n");
@@ -121,20 +122,20 @@ TEST_F(LoadedRegionDeathTest, ADamagedBlockStopsTheProgram) {
     EXPECT_GRIPE(loaded({}), MANGLED_PARENT_TEXT);
 }
 
-TEST_F(LoadedRegionDeathTest, ThreeFieldsInTheHeaderAreTooFew) {
+TEST_F(LoadedRegionDeathTest, GripesOfAHeaderWithThreeFields) {
     use("gatewarden;;;east\n;;\n;;\n");
     EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing or mangled region header definition - missing data or "
                  "semicolon(s) ';'");
 }
 
-TEST_F(LoadedRegionDeathTest, AFileWithoutASignificantLineHasNoHeader) {
+TEST_F(LoadedRegionDeathTest, GripesOfAFileWithoutASignificantLine) {
     use("# only\n  # comments\n \t\n");
     EXPECT_GRIPE(loaded({}),
                  "ERROR: Missing region header definition - no region information line found");
 }
 
-TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) {
+TEST_F(LoadedRegionDeathTest, ChecksDepotThenParentThenHeader) {
     use("gatewarden;\n/depot;\n/parent;\n");
     EXPECT_GRIPE(loaded({}), MANGLED_DEPOT_TEXT);
     use("gatewarden;\n;;\n/parent;\n");
@@ -142,3 +143,4 @@ TEST_F(LoadedRegionDeathTest, TheDepotsFaultComesBeforeTheParentsAndTheHeaders) 
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -8,11 +8,12 @@
 #include "policy/aliases.h"
 #include "units/on_stage.h"
 
+namespace gatescope {
 namespace {
 
 class Validators : public OnStage {
   protected:
-    /// A directory below ours whose whole path has this many bytes.
+    /// A subdirectory whose path has `length` bytes.
     std::string directory_of_length(std::size_t length) const {
         std::string made = path("");
         while (made.size() < length) {
@@ -35,7 +36,7 @@ std::string verdict(const Validity& validity) {
     return validity.accepted() ? "accepted" : validity.message();
 }
 
-TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
+TEST_F(Validators, AcceptEmptyValuesExceptForAliases) {
     for (const char* os : {"UNIX", "Windows"}) {
         EXPECT_EQ(verdict(region_depot_is_ok("", os)), "accepted");
         EXPECT_EQ(verdict(region_parent_is_ok("", os)), "accepted");
@@ -48,13 +49,13 @@ TEST_F(Validators, EmptyValuesClearEveryFieldButAliases) {
     EXPECT_EQ(verdict(alias_name_is_ok("", {})), "RETRY: alias name is empty");
 }
 
-TEST_F(Validators, DepotOf256CharactersPassesAndOf257DoesNot) {
+TEST_F(Validators, AcceptDepotsOfUpTo256Characters) {
     EXPECT_EQ(verdict(region_depot_is_ok(directory_of_length(256), "UNIX")), "accepted");
     EXPECT_EQ(verdict(region_depot_is_ok(directory_of_length(257), "UNIX")),
               "RETRY: depot alue value exceeds 256 character max");
 }
 
-TEST_F(Validators, DepotMayNotHoldWhatPoisonsAPath) {
+TEST_F(Validators, RejectDepotsWithPoisonousCharacters) {
     EXPECT_EQ(verdict(region_depot_is_ok("/a;b", "UNIX")),
               "RETRY: depot may not contain commas (,) semi-colons (;) or slash (\\) "
               "characters\\nInvalid directory '/a;b' disallowed");
@@ -73,7 +74,7 @@ TEST_F(Validators, DepotMayNotHoldWhatPoisonsAPath) {
     }
 }
 
-TEST_F(Validators, DepotMayNotEndInItsSeparator) {
+TEST_F(Validators, RejectDepotsThatEndInASeparator) {
     EXPECT_EQ(verdict(region_depot_is_ok(path(""), "UNIX")),
               "RETRY: depot may not end in the (/) character\\nInvalid depot '" + path("") +
                   "' disallowed");
@@ -82,7 +83,7 @@ TEST_F(Validators, DepotMayNotEndInItsSeparator) {
               "disallowed");
 }
 
-TEST_F(Validators, UnixDepotHasToBeADirectory) {
+TEST_F(Validators, RejectUnixDepotsThatAreNotADirectory) {
     region.write_file("file", "");
     EXPECT_EQ(verdict(region_depot_is_ok(path("none"), "UNIX")),
               "RETRY: the input directory (" + path("none") + ") does not exist and is disallowed");
@@ -91,14 +92,14 @@ TEST_F(Validators, UnixDepotHasToBeADirectory) {
         "RETRY: the input directory (" + path("file") + ") is actually a FILE and is disallowed");
 }
 
-TEST_F(Validators, WindowsPathsAreNeverLookedUp) {
+TEST_F(Validators, CheckOnlyTheFormOfWindowsPaths) {
     depot_is("");
     EXPECT_EQ(verdict(region_depot_is_ok("C:\\none", "Windows")), "accepted");
     EXPECT_EQ(verdict(region_parent_is_ok("C:\\none.txt", "Windows")), "accepted");
     EXPECT_EQ(verdict(region_notify_is_ok("none.bat", "Windows", gatebits)), "accepted");
 }
 
-TEST_F(Validators, ParentMessages) {
+TEST_F(Validators, GiveTheMessagesForParents) {
     std::filesystem::create_directory(path("directory"));
     region.write_file("parent.txt", "");
     EXPECT_EQ(verdict(region_parent_is_ok(path("parent.txt"), "UNIX")), "accepted");
@@ -117,7 +118,7 @@ TEST_F(Validators, ParentMessages) {
                   ") is actually a DIRECTORY and is disallowed");
 }
 
-TEST_F(Validators, ValueOf256CharactersPassesEveryFormCheck) {
+TEST_F(Validators, AcceptValuesOfUpTo256Characters) {
     const std::string value(256, 'x');
     EXPECT_EQ(verdict(region_parent_is_ok(value, "Windows")), "accepted");
     EXPECT_EQ(verdict(region_notify_is_ok(value, "Windows", gatebits)), "accepted");
@@ -127,7 +128,7 @@ TEST_F(Validators, ValueOf256CharactersPassesEveryFormCheck) {
     EXPECT_EQ(verdict(alias_value_is_ok(value)), "accepted");
 }
 
-TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
+TEST_F(Validators, FindNotifyProgramsInTheDepot) {
     std::filesystem::create_directories(path("depot/directory"));
     region.write_file("depot/script.sh", "");
     depot_is(path("depot"));
@@ -141,12 +142,12 @@ TEST_F(Validators, NotifyProgramIsLookedForInTheDepotAndShownAsEntered) {
     EXPECT_FALSE(region_notify_is_ok(path("depot/script.sh"), "UNIX", gatebits).accepted());
 }
 
-TEST_F(Validators, NotifyProgramWithoutADepotIsLookedForAtTheRoot) {
+TEST_F(Validators, FindNotifyProgramsAtTheRootWithoutADepot) {
     gatebits = Gatebits(std::string("gatewarden;;;east;\n"));
     EXPECT_EQ(verdict(region_notify_is_ok("etc/passwd", "UNIX", gatebits)), "accepted");
 }
 
-TEST_F(Validators, NotifyFormMessages) {
+TEST_F(Validators, GiveTheMessagesForTheFormOfNotifyPrograms) {
     gatebits = Gatebits(std::string("gatewarden;;;east;\n"));
     EXPECT_EQ(verdict(region_notify_is_ok(std::string(257, 'x'), "UNIX", gatebits)),
               "RETRY: notify program value value exceeds 256 character max");
@@ -158,7 +159,7 @@ TEST_F(Validators, NotifyFormMessages) {
               "'a/' disallowed");
 }
 
-TEST_F(Validators, ListMayHoldNeitherCommaNorSemicolon) {
+TEST_F(Validators, RejectListsWithCommasOrSemicolons) {
     EXPECT_EQ(verdict(region_list_is_ok("(a) <b> ~c")), "accepted");
     for (const char* value : {"a,b", "a;b"}) {
         EXPECT_EQ(verdict(region_list_is_ok(value)),
@@ -168,7 +169,7 @@ TEST_F(Validators, ListMayHoldNeitherCommaNorSemicolon) {
               "RETRY: list value value exceeds 256 character max");
 }
 
-TEST_F(Validators, MotdMayHoldACommaButNoSemicolon) {
+TEST_F(Validators, RejectMotdsWithSemicolonsOnly) {
     EXPECT_EQ(verdict(region_MOTD_is_ok("a, b")), "accepted");
     EXPECT_EQ(verdict(region_MOTD_is_ok("a; b")),
               "RETRY: MOTD values may not contain semi-colons (;)");
@@ -176,7 +177,7 @@ TEST_F(Validators, MotdMayHoldACommaButNoSemicolon) {
               "RETRY: MOTD value value exceeds 256 character max");
 }
 
-TEST_F(Validators, MotdListMayHoldACommaButNoSemicolon) {
+TEST_F(Validators, RejectMotdListsWithSemicolonsOnly) {
     EXPECT_EQ(verdict(region_MOTDL_is_ok("a, b")), "accepted");
     EXPECT_EQ(verdict(region_MOTDL_is_ok("a; b")),
               "RETRY: MOTD Restriction List values may not contain semi-colons (;)");
@@ -184,7 +185,7 @@ TEST_F(Validators, MotdListMayHoldACommaButNoSemicolon) {
               "RETRY: MOTD Restriction List value value exceeds 256 character max");
 }
 
-TEST_F(Validators, AliasValue) {
+TEST_F(Validators, CheckAliasValues) {
     EXPECT_EQ(verdict(alias_value_is_ok("(a) (b)")), "accepted");
     EXPECT_EQ(verdict(alias_value_is_ok(std::string(257, ','))),
               "RETRY: alias value value exceeds 256 character max");
@@ -194,7 +195,7 @@ TEST_F(Validators, AliasValue) {
     }
 }
 
-TEST_F(Validators, AliasName) {
+TEST_F(Validators, CheckAliasNames) {
     Aliases aliases;
     aliases.number_of_aliases = 2;
     aliases.ALIAS_NAME[0] = "One";
@@ -213,7 +214,7 @@ TEST_F(Validators, AliasName) {
               "alias name");
 }
 
-TEST_F(Validators, BlocksSayWhetherTheValueFails) {
+TEST_F(Validators, CheckSinglePropertiesOfValues) {
     EXPECT_TRUE(item_value_exceeds_max_character_size("thing", "abc", 3).accepted());
     EXPECT_TRUE(value_contains_file_dir_OS_posion("a/b", "thing", "file", "UNIX").accepted());
     EXPECT_TRUE(value_contains_file_dir_OS_posion("a\\b", "thing", "file", "Windows").accepted());
@@ -228,3 +229,4 @@ TEST_F(Validators, BlocksSayWhetherTheValueFails) {
 }
 
 }  // namespace
+}  // namespace gatescope

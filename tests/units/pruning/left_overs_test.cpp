@@ -7,6 +7,8 @@
 #include "messages/log_texts.h"
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
+
 // What a pruning that was ended leaves behind, state by state.
 
 namespace {
@@ -232,3 +234,4 @@ TEST_F(LeftOvers, ASparseCompanionTakesNoRoom) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -5,7 +5,10 @@
 #include "base/descriptor.h"
 #include "faults/append_only.h"
 #include "messages/log_texts.h"
+#include "support/needs.h"
 #include "units/pruning/pruning_region.h"
+
+namespace gatescope {
 
 // Logs and files that are to be left as they are, and that nothing outside of the directory is
 // reached.
@@ -178,8 +181,9 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
     logging_dir = directory + "/logs";
     write_log(1, old(1) + fresh(1));
     const std::string other = directory + "/other";
-    for (const std::string& path : {::log_file_path(other, 1), ::pruning_token_path(other),
-                                    ::pruning_scratch_path(other), log_file_path(0)}) {
+    for (const std::string& path :
+         {gatescope::log_file_path(other, 1), gatescope::pruning_token_path(other),
+          gatescope::pruning_scratch_path(other), log_file_path(0)}) {
         write_file(path, old(2));
     }
     const SlowWriter writer(log_file_path(0));
@@ -189,16 +193,18 @@ TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) 
     });
     said_by_pruning();
     writer.end();
-    EXPECT_EQ(file_text(::log_file_path(directory + "/away", 1)), fresh(1));
-    EXPECT_FALSE(fs::exists(::pruning_token_path(directory + "/away")));
+    EXPECT_EQ(file_text(gatescope::log_file_path(directory + "/away", 1)), fresh(1));
+    EXPECT_FALSE(fs::exists(gatescope::pruning_token_path(directory + "/away")));
     for (const std::string& path :
-         {::log_file_path(other, 1), ::pruning_token_path(other), ::pruning_scratch_path(other)}) {
+         {gatescope::log_file_path(other, 1), gatescope::pruning_token_path(other),
+          gatescope::pruning_scratch_path(other)}) {
         EXPECT_EQ(file_text(path), old(2)) << path;
     }
     logging_dir = directory;
 }
 
 TEST_F(LogsLeftAlone, InADirectoryThatOnlyLetsFilesBeAddedNothingIsBegun) {
+    NEEDS(GATESCOPE_HAS_STATX, "statx");
     const AppendOnly guard(logging_dir);
     if (!guard.is_set()) GTEST_SKIP() << "no append-only directories here";
     EXPECT_GRIPE(prune(), "Could not create needed pruning token");
@@ -383,3 +389,4 @@ TEST_F(LogsLeftAlone, TheyAreNamedToWhereTheTokenStays) {
 }
 
 }  // namespace
+}  // namespace gatescope

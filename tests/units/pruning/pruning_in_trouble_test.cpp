@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <atomic>
@@ -13,6 +14,8 @@
 #include "support/failing_sync.h"
 #include "support/needs.h"
 #include "units/pruning/pruning_region.h"
+
+namespace gatescope {
 
 // A system that refuses, or fails, in the middle of a pruning.
 
@@ -51,8 +54,15 @@ int asked(const std::function<int(const std::string&)>& what, const char* name) 
 }
 
 }  // namespace
+}  // namespace gatescope
 
-// These take the place of the C library's.
+using gatescope::asked;
+using gatescope::asked_to_sleep;
+using gatescope::before;
+using gatescope::unless;
+
+// These take the place of the C library's, which has other names for some on 32-bit machines: they
+// are known outside of the namespace alone.
 extern "C" {
 
 int linkat(int one, const char* from, int other, const char* to, int flags) noexcept {
@@ -64,12 +74,16 @@ int unlinkat(int directory, const char* name, int flags) noexcept {
                   [&] { return syscall(SYS_unlinkat, directory, name, flags); });
 }
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
-    return unless(asked(before().look, name),
-                  [&] { return syscall(SYS_newfstatat, directory, name, status, flags); });
+    // On machines of 32 bits the system call has another name and another struct.
+    const std::string place =
+        directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
+    const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
+    return unless(asked(before().look, name), [&] { return look((place + name).c_str(), status); });
 }
 int nanosleep(const timespec* wished, timespec* left) {
     asked_to_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
-    return static_cast<int>(syscall(SYS_nanosleep, wished, left));
+    errno = clock_nanosleep(CLOCK_MONOTONIC, 0, wished, left);
+    return errno == 0 ? 0 : -1;
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return unless(asked(before().rename, to),
@@ -77,6 +91,7 @@ int renameat(int one, const char* from, int other, const char* to) noexcept {
 }
 }
 
+namespace gatescope {
 namespace {
 
 class PruningInTrouble : public Pruning {
@@ -197,7 +212,7 @@ TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
     };
     EXPECT_EXIT(
         {
-            hear_standard_output_alone();
+            send_standard_output_to_death_test();
             prune_without_room();
         },
         testing::ExitedWithCode(0),
@@ -452,3 +467,4 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
 }
 
 }  // namespace
+}  // namespace gatescope

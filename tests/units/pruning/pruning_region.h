@@ -13,6 +13,8 @@
 #include "support/limit_file_size.h"
 #include "units/logs/log_region.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 class Pruning : public LogRegion {
@@ -141,3 +143,5 @@ class SlowWriter {
   private:
     int file_;
 };
+
+}  // namespace gatescope

@@ -4,6 +4,7 @@
 
 #include "units/pruning/pruning_region.h"
 
+namespace gatescope {
 namespace {
 
 TEST_F(Pruning, OldRecordsGoAndTheOthersStay) {
@@ -276,3 +277,4 @@ TEST_F(Pruning, AWriterThatOpensALogMeanwhileDoesNotEndIt) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -4,9 +4,10 @@
 
 #include "messages/command_names.h"
 
+namespace gatescope {
 namespace {
 
-TEST(CommandNumber, IsThePlaceInTheList) {
+TEST(CommandNumber, IsThePositionInTheList) {
     EXPECT_EQ(command_number("chbl"), 1);
     EXPECT_EQ(command_number("checkin"), 2);
     EXPECT_EQ(command_number("mkbl"), 52);
@@ -14,17 +15,17 @@ TEST(CommandNumber, IsThePlaceInTheList) {
     EXPECT_EQ(command_number("setactivity_none"), 54);
 }
 
-TEST(CommandNumber, OfAnythingElseIsZero) {
+TEST(CommandNumber, IsZeroForUnknownCommands) {
     for (const char* name : {"", "*", "Checkin", "check", "mkbl_", ",", "setactivity_none,"}) {
         EXPECT_EQ(command_number(name), 0) << name;
     }
 }
 
-TEST(CommandNumber, OfTwoNeighboursIsThatOfTheFirst) {
+TEST(CommandNumber, IsThatOfTheFirstOfTwoJoinedCommands) {
     EXPECT_EQ(command_number("checkin,checkout"), 2);
 }
 
-TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
+TEST(CommandNumber, IsInTheMapForEveryCommand) {
     EXPECT_EQ(ALL_TRIGGERABLE_COMMANDS().size(), ALL_TRIGGERABLE_COMMANDS_MAP().size());
     EXPECT_EQ(
         ALL_TRIGGERABLE_COMMANDS(),
@@ -43,3 +44,4 @@ TEST(CommandNumber, EveryCommandOfTheListHasItsNumberInTheMap) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,14 +1,16 @@
 #include "queries/commands.h"
 #include "units/queries/query_region.h"
 
+namespace gatescope {
+
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 namespace {
 
-class AskedQuery : public QueryRegion {
+class QueryDialogs : public QueryRegion {
   protected:
-    // The shell takes the inner quotes of two prompts away.
+    // The shell removes the inner quotes of two prompts.
     static Dialog command_dialog() {
         const std::string names = ALL_TRIGGERABLE_COMMANDS();
         return listed("Select triggerable command to display usage for...",
@@ -37,7 +39,7 @@ class AskedQuery : public QueryRegion {
         "23 - BIT__FORCE_CHECKOUTS_UNRESERVED";
 };
 
-TEST_F(AskedQuery, OneAsksForCommandAndUser) {
+TEST_F(QueryDialogs, QueryOneAsksForCommandAndUser) {
     operator_answers({"rmelem", "Ann.B"});
     ask(1);
     EXPECT_EQ(questions(), (Dialogs{command_dialog(), user_dialog()}));
@@ -48,7 +50,7 @@ TEST_F(AskedQuery, OneAsksForCommandAndUser) {
                 ElementsAre(filled("[%d]", command_number("rmelem")), ":ann.b[", ":", ":"));
 }
 
-TEST_F(AskedQuery, TwoAsksForBitAndUser) {
+TEST_F(QueryDialogs, QueryTwoAsksForBitAndUser) {
     operator_answers({"09 - BIT__NO_MULTIPLE_MERGES", "*"});
     ask(2);
     EXPECT_EQ(questions(), (Dialogs{bit_dialog(), user_dialog()}));
@@ -56,7 +58,7 @@ TEST_F(AskedQuery, TwoAsksForBitAndUser) {
     EXPECT_THAT(filters, ElementsAre(":B:", "<9>", ":", ":"));
 }
 
-TEST_F(AskedQuery, ThreeAsksForKeyUserAndCommand) {
+TEST_F(QueryDialogs, QueryThreeAsksForKeyUserAndCommand) {
     operator_answers({"012", "*", "*"});
     ask(3);
     EXPECT_EQ(questions(), (Dialogs{key_dialog(), user_dialog(), command_dialog()}));
@@ -64,32 +66,32 @@ TEST_F(AskedQuery, ThreeAsksForKeyUserAndCommand) {
     EXPECT_THAT(filters, ElementsAre("]K<", "<12>", ":", ":"));
 }
 
-TEST_F(AskedQuery, FourAsksForTheUser) {
+TEST_F(QueryDialogs, QueryFourAsksForTheUser) {
     operator_answers({"ann"});
     ask(4);
     EXPECT_EQ(questions(), (Dialogs{user_dialog()}));
 }
 
-TEST_F(AskedQuery, FiveAsksForUserAndCommand) {
+TEST_F(QueryDialogs, QueryFiveAsksForUserAndCommand) {
     operator_answers({"ann", "checkin"});
     ask(5);
     EXPECT_EQ(questions(), (Dialogs{user_dialog(), command_dialog()}));
 }
 
-TEST_F(AskedQuery, SixAsksForCommandAndUser) {
+TEST_F(QueryDialogs, QuerySixAsksForCommandAndUser) {
     operator_answers({"*", "*"});
     ask(6);
     EXPECT_EQ(questions(), (Dialogs{command_dialog(), user_dialog()}));
 }
 
-TEST_F(AskedQuery, OnlyWhatTheCommandLineLacksIsAskedFor) {
+TEST_F(QueryDialogs, AskOnlyForParametersMissingInTheOptions) {
     command_line_gives_user("ann");
     operator_answers({"*", "lock"});
     ask(3);
     EXPECT_EQ(questions(), (Dialogs{key_dialog(), command_dialog()}));
 }
 
-TEST_F(AskedQuery, TheLiteEditionAsksForACpd) {
+TEST_F(QueryDialogs, AskForACpdInTheLiteEdition) {
     GATEWARDEN_IS = 0;
     operator_answers({"4", "*", "*"});
     ask(3);
@@ -98,14 +100,14 @@ TEST_F(AskedQuery, TheLiteEditionAsksForACpd) {
                        user_dialog(), command_dialog()}));
 }
 
-TEST_F(AskedQuery, AllBitsIsTheFirstEntryOfTheList) {
+TEST_F(QueryDialogs, OfferAllBitsAsTheFirstEntry) {
     operator_answers({"* - <ALL BITS>", "*"});
     ask(2);
     EXPECT_THAT(graph_title, HasSubstr("<br>(all) bits for (all) users"));
     EXPECT_THAT(filters, ElementsAre(":B:", ":", ":", ":"));
 }
 
-TEST_F(AskedQuery, AnEmptyAnswerIsAskedForAgain) {
+TEST_F(QueryDialogs, RepeatTheQuestionAfterAnEmptyAnswer) {
     operator_answers({"", "*", "", "", "ann"});
     ask(1);
     EXPECT_EQ(questions(), (Dialogs{command_dialog(), command_dialog(), user_dialog(),
@@ -113,14 +115,14 @@ TEST_F(AskedQuery, AnEmptyAnswerIsAskedForAgain) {
     EXPECT_EQ(filters[1], ":ann[");
 }
 
-TEST_F(AskedQuery, AnEmptyBitIsAskedForAgain) {
+TEST_F(QueryDialogs, RepeatTheQuestionAfterAnEmptyBit) {
     operator_answers({"", "00 - BIT__AUTO_BRANCH_REMOVAL", "*"});
     ask(2);
     EXPECT_EQ(questions(), (Dialogs{bit_dialog(), bit_dialog(), user_dialog()}));
     EXPECT_EQ(filters[1], "<0>");
 }
 
-TEST_F(AskedQuery, AKeyWithOtherThanDigitsIsAskedForAgain) {
+TEST_F(QueryDialogs, RepeatTheQuestionAfterAKeyWithOtherThanDigits) {
     operator_answers({"12a", "-1", "**", "1 2", "", "12", "*", "*"});
     ask(3);
     Dialogs expected(6, key_dialog());
@@ -130,14 +132,14 @@ TEST_F(AskedQuery, AKeyWithOtherThanDigitsIsAskedForAgain) {
     EXPECT_EQ(filters[1], "<12>");
 }
 
-TEST_F(AskedQuery, AStarIsAllKeys) {
+TEST_F(QueryDialogs, TakeAStarAsAllKeys) {
     operator_answers({"*", "*", "*"});
     ask(3);
     EXPECT_THAT(filters, ElementsAre("]K<", ":", ":", ":"));
     EXPECT_THAT(graph_title, HasSubstr("<br>(all) keys for"));
 }
 
-TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
+TEST_F(QueryDialogs, EndTheQueryWithoutAPageIfCancelled) {
     struct Case {
         void (*driver)(const Options&, const QueriedRegion&);
         std::vector<std::string> answers;
@@ -150,40 +152,40 @@ TEST_F(AskedQuery, CancellingAnyDialogReadsNoLogAndWritesNoPage) {
         region.cancels();
         run(query.driver);
         EXPECT_TRUE(region.pages().empty());
-        // Nothing is said of the data either.
+        // There is no message about the data either.
         const Dialogs shown = asked();
         EXPECT_EQ(shown.size(), query.answers.size() + 1);
         for (const Dialog& one : shown) EXPECT_NE(one.args.front(), "yes_no");
     }
 }
 
-TEST_F(AskedQuery, TheUserMayBeAnyText) {
+TEST_F(QueryDialogs, AcceptAnyTextAsUserAndEscapeIt) {
     operator_answers({"*", "100%s & <b>X</b>"});
     ask(1);
     EXPECT_THAT(graph_title, HasSubstr(" for the user (100%s &amp; &lt;b&gt;X&lt;/b&gt;)"));
     EXPECT_EQ(filters[1], ":100%s & <b>x</b>[");
 }
 
-TEST_F(AskedQuery, WhatIsPickedForACommandIsTextInThePageToo) {
+TEST_F(QueryDialogs, EscapeThePickedCommandInTheTitle) {
     operator_answers({"\"<checkin>\" & co", "ann"});
     ask(6);
     EXPECT_THAT(graph_title, HasSubstr("the (&quot;&lt;checkin&gt;&quot; &amp; co) command for"));
 }
 
-TEST_F(AskedQuery, OrdinaryNamesStandAsTheyAre) {
+TEST_F(QueryDialogs, LeaveOrdinaryNamesUnchanged) {
     operator_answers({"checkin", "o'neil.DOMAIN\\x-1_ü"});
     ask(1);
     EXPECT_THAT(graph_title,
                 HasSubstr("the (checkin) command for the user (o'neil.DOMAIN\\x-1_ü)"));
 }
 
-TEST_F(AskedQuery, ABitThatTheListDoesNotOfferIsAnInternalFault) {
+TEST_F(QueryDialogs, GripeForABitThatIsNotInTheList) {
     operator_answers({"24 - BIT__NONE"});
     EXPECT_GRIPE(Q_2(options, queried()),
                  "Internal Error: Inform ZUL: Unexpected case in gatescope:Q_2\n");
 }
 
-TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
+TEST_F(QueryDialogs, RefuseQueriesDuringAnInstallation) {
     EXPECT_EQ(Q_during_install(false), 0);
     EXPECT_EQ(asked(), Dialogs());
     EXPECT_EQ(Q_during_install(true), 1);
@@ -193,3 +195,4 @@ TEST_F(AskedQuery, NothingIsQueriedDuringAnInstallation) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -13,16 +13,18 @@
 #include "queries/query_drivers.h"
 #include "units/on_stage.h"
 
-/// A test with the region "east", options that select no display, and today's log.
+namespace gatescope {
+
+/// A test with the region "east", and options without display.
 class QueryRegion : public OnStage {
   protected:
     QueryRegion() : OnStage(a_region().with_gatebits("gatewarden;;;east;\n")) {
-        // No message may outlive the test in the background.
+        // Else messages would be shown in the background, beyond the end of the test.
         ZUL_REMOTE_CLIENT_USER = 1;
         options.selected_display = "n";
     }
 
-    /// The operator's answers to text prompts and lists, one a dialog.
+    /// Sets the operator's answers to the next text prompts and lists.
     void operator_answers(const std::vector<std::string>& answers) {
         for (const std::string& answer : answers) region.answers({.outfile = answer});
     }
@@ -44,16 +46,16 @@ class QueryRegion : public OnStage {
         options.selected_key = key;
     }
 
-    /// A log of today's records; each is what stands after the time.
-    void logged(const std::vector<std::string>& records) {
+    /// Writes a log of today's records, given without their time.
+    void write_log(const std::vector<std::string>& records) {
         const std::int64_t time = set_time_values().end_of_day_time;
         std::string log;
         for (const std::string& record : records) log += std::to_string(time) + record + "\n";
         region.write_file("depot/log/logging_0.txt", log);
     }
 
-    /// What the options and the operator's answers make of query 1 to 6: `graph_title`, `filters`
-    /// and `result`; false when a dialog was cancelled.
+    /// Sets `graph_title`, `filters` and `result` of query 1 to 6 by the options and the operator's
+    /// answers; false if a dialog was cancelled.
     bool ask(int number) {
         const auto asked = ask_for_query(number, options, GATEWARDEN_IS);
         if (!asked) return false;
@@ -75,8 +77,7 @@ class QueryRegion : public OnStage {
         printed_by([&] { driver(options, queried()); });
     }
 
-    /// What the operator was asked since this was looked at last, and those dialogs of it that
-    /// are no messages.
+    /// The dialogs since the last call, and those of them that are not messages.
     [[nodiscard]] Dialogs asked() { return region.shown_so_far().dialogs(); }
     [[nodiscard]] Dialogs questions() {
         Dialogs found = asked();
@@ -90,3 +91,5 @@ class QueryRegion : public OnStage {
     std::array<std::string, 4> filters;
     QueryResult result;
 };
+
+}  // namespace gatescope

@@ -2,21 +2,23 @@
 
 #include "units/queries/query_region.h"
 
+namespace gatescope {
+
 using testing::ElementsAre;
 using testing::StartsWith;
 
 namespace {
 
-/// A query whose parameters all come from the command line.
-class GivenQuery : public QueryRegion {
+/// A test with all parameters in the options.
+class QueryFromOptions : public QueryRegion {
   protected:
-    GivenQuery() {
+    QueryFromOptions() {
         command_line_gives_command("checkin");
         command_line_gives_user("ann");
         command_line_gives_bit(5);
         command_line_gives_key(7);
     }
-    ~GivenQuery() override { EXPECT_EQ(questions(), Dialogs()); }
+    ~QueryFromOptions() override { EXPECT_EQ(questions(), Dialogs()); }
 
     /// All commands, users, bits and keys.
     void all_of_everything() {
@@ -27,7 +29,7 @@ class GivenQuery : public QueryRegion {
     }
 };
 
-// "One" is what the fixture gives: checkin, ann, bit 5 and key 7.
+// ONE: checkin, ann, bit 5 and key 7, as set by the fixture.
 enum class Values { ONE, ALL };
 constexpr auto ONE = Values::ONE;
 constexpr auto ALL_OF_THEM = Values::ALL;
@@ -39,7 +41,7 @@ struct Given {
     int edition;
     Values values;
     const char* title;
-    /// With a blank between them.
+    /// Separated by blanks.
     const char* filters;
 };
 
@@ -86,7 +88,7 @@ constexpr Given GIVEN[] = {
      "[ : : :"},
 };
 
-TEST_F(GivenQuery, HasItsTitleAndFilters) {
+TEST_F(QueryFromOptions, HasItsTitleAndFilters) {
     const Options one = options;
     all_of_everything();
     const Options all = options;
@@ -101,47 +103,47 @@ TEST_F(GivenQuery, HasItsTitleAndFilters) {
     }
 }
 
-TEST_F(GivenQuery, TheLastCommandHasTheLastNumber) {
+TEST_F(QueryFromOptions, FiltersTheLastCommandByItsNumber) {
     command_line_gives_command("setactivity_none");
     ask(1);
     EXPECT_THAT(graph_title, testing::HasSubstr("the (setactivity_none) command"));
     EXPECT_EQ(filters[0], "[54]");
 }
 
-TEST_F(GivenQuery, KeyZeroIsAKey) {
+TEST_F(QueryFromOptions, AcceptsKeyZero) {
     command_line_gives_key(0);
     ask(3);
     EXPECT_EQ(filters[1], "<0>");
     EXPECT_THAT(graph_title, StartsWith("ClearCase Comand Key usage for:<br>key #0 "));
 }
 
-TEST_F(GivenQuery, AKeyBeyond32BitsStaysItself) {
+TEST_F(QueryFromOptions, AcceptsAKeyBeyond32Bits) {
     command_line_gives_key(5000000000);
     ask(3);
     EXPECT_EQ(filters[1], "<5000000000>");
 }
 
-TEST_F(GivenQuery, CountsTheRecordsOfTheGivenBit) {
+TEST_F(QueryFromOptions, CountsTheRecordsOfTheGivenBit) {
     command_line_gives_user("*");
-    logged({":B:ann[3]-<5>", ":B:bob[4]-<5>", ":B:ann[3]-<6>", ":S:ann[3]-<->", ":D:ann[3]B<5>",
-            ":B:ann[3]-<15>"});
+    write_log({":B:ann[3]-<5>", ":B:bob[4]-<5>", ":B:ann[3]-<6>", ":S:ann[3]-<->", ":D:ann[3]B<5>",
+               ":B:ann[3]-<15>"});
     ask(2);
     EXPECT_EQ(result.cell_success[0], 2U);
     EXPECT_EQ(result.cell_denied[0], 0U);
 }
 
-TEST_F(GivenQuery, CountsEveryBitRecordWhenAllAreChosen) {
+TEST_F(QueryFromOptions, CountsTheRecordsOfAllBits) {
     all_of_everything();
-    logged({":B:ann[3]-<5>", ":B:bob[4]-<23>", ":S:ann[3]-<->"});
+    write_log({":B:ann[3]-<5>", ":B:bob[4]-<23>", ":S:ann[3]-<->"});
     ask(2);
     EXPECT_EQ(result.cell_success[0], 2U);
 }
 
-TEST_F(GivenQuery, EachDriverReadsTheDataOfItsOwnNumber) {
+TEST_F(QueryFromOptions, CountsTheRecordsOfItsNumber) {
     all_of_everything();
-    logged({":S:ann[1]-<->", ":D:ann[1]K<3>", ":D:ann[1]K<3>", ":B:ann[1]-<4>", ":B:ann[1]-<4>",
-            ":B:ann[1]-<4>", ":P:ann[1]a<->", ":P:ann[1]a<->", ":P:ann[1]a<->", ":P:ann[1]a<->",
-            ":P:ann[1]d<->"});
+    write_log({":S:ann[1]-<->", ":D:ann[1]K<3>", ":D:ann[1]K<3>", ":B:ann[1]-<4>", ":B:ann[1]-<4>",
+               ":B:ann[1]-<4>", ":P:ann[1]a<->", ":P:ann[1]a<->", ":P:ann[1]a<->", ":P:ann[1]a<->",
+               ":P:ann[1]d<->"});
     ask(1);
     EXPECT_EQ(result.cell_success[0], 1U);
     EXPECT_EQ(result.cell_denied[0], 2U);
@@ -160,14 +162,14 @@ TEST_F(GivenQuery, EachDriverReadsTheDataOfItsOwnNumber) {
     EXPECT_EQ(result.cell_denied[0], 1U);
 }
 
-TEST_F(GivenQuery, KeysAreDescribedByTheirLinesUpToTheLastThatTheCounterReaches) {
+TEST_F(QueryFromOptions, DescribesKeysByTheirLinesUpToKey119) {
     all_of_everything();
     std::string gatebits =
         "gatewarden;;;east;\n;;O;\n#comment\n;;\n;;\n; ;\n; ;\n;;;\nD;0;\n"
         "pre_checkin;one;\n# not a key\n\n  mkbranch;two;\n";
     for (int key = 3; key <= 119; ++key) gatebits += "key " + std::to_string(key) + ";\n";
     use_gatebits(gatebits);
-    logged({":D:ann[1]K<119>"});
+    write_log({":D:ann[1]K<119>"});
     run(Q_5);
     const std::string page = region.page();
     for (const char* description : {"pre_checkin;one;", "  mkbranch;two;", "key 3;", "key 119;"}) {
@@ -175,9 +177,9 @@ TEST_F(GivenQuery, KeysAreDescribedByTheirLinesUpToTheLastThatTheCounterReaches)
     }
 }
 
-TEST_F(GivenQuery, TwoQueriesShareNothing) {
+TEST_F(QueryFromOptions, IsIndependentOfTheQueryBefore) {
     all_of_everything();
-    logged({":S:ann[1]-<->", ":D:ann[1]K<3>"});
+    write_log({":S:ann[1]-<->", ":D:ann[1]K<3>"});
     ask(5);
     EXPECT_EQ(result.highest_key_read, 3);
     command_line_gives_user("nobody");
@@ -187,7 +189,7 @@ TEST_F(GivenQuery, TwoQueriesShareNothing) {
     EXPECT_THAT(filters, ElementsAre("[", ":nobody[", ":", ":"));
 }
 
-TEST_F(GivenQuery, ThePageCarriesTheNumberOfTheQuery) {
+TEST_F(QueryFromOptions, WritesAPageWithItsNumberInTheName) {
     void (*const drivers[])(const Options&, const QueriedRegion&) = {Q_1, Q_2, Q_3, Q_4, Q_5, Q_6};
     for (const auto driver : drivers) run(driver);
     std::vector<std::string> names;
@@ -198,3 +200,4 @@ TEST_F(GivenQuery, ThePageCarriesTheNumberOfTheQuery) {
 }
 
 }  // namespace
+}  // namespace gatescope

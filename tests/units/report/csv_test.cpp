@@ -17,12 +17,14 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 
 namespace {
 
-/// The period that ends with 15 November 2026, in a time zone whose summer ends within it.
+/// A test with the period that ends with 15 November 2026, in which summer time ends.
 class Csv : public testing::Test {
   protected:
     Csv() {
@@ -42,7 +44,7 @@ class Csv : public testing::Test {
         tzset();
     }
 
-    /// The lines of the numbers of a query, each of which has to end as the format says.
+    /// The lines of a query's CSV file without their ends, which must be CR LF.
     std::vector<std::string> csv_lines(int query) {
         result.asked.query = query;
         const std::string csv = csv_of(result, lines);
@@ -61,7 +63,7 @@ class Csv : public testing::Test {
     KeyLines lines;
 };
 
-TEST_F(Csv, QueriesOneAndSixHaveBothCountsOfEachDayTheOldestFirst) {
+TEST_F(Csv, HasBothCountsPerDayForQueriesOneAndSix) {
     result.cell_success[0] = 7;
     result.cell_denied[0] = 4000000000;
     result.cell_success[119] = 1;
@@ -75,13 +77,13 @@ TEST_F(Csv, QueriesOneAndSixHaveBothCountsOfEachDayTheOldestFirst) {
     }
 }
 
-TEST_F(Csv, EveryDayStandsThereOnceAcrossTheEndOfSummer) {
+TEST_F(Csv, HasEachDayOnceAcrossTheEndOfSummerTime) {
     const auto found = csv_lines(1);
     EXPECT_EQ(found[99], "2026-10-25,0,0");
     for (std::size_t i = 2; i < found.size(); ++i) EXPECT_LT(found[i - 1], found[i]);
 }
 
-TEST_F(Csv, QueryTwoHasTheUsesAndQueryThreeTheDenials) {
+TEST_F(Csv, HasUsesForQueryTwoAndDenialsForQueryThree) {
     result.cell_success[1] = 5;
     result.cell_denied[1] = 6;
     EXPECT_EQ(csv_lines(2).front(), "day,count");
@@ -91,7 +93,7 @@ TEST_F(Csv, QueryTwoHasTheUsesAndQueryThreeTheDenials) {
     EXPECT_EQ(csv_lines(3).size(), 121U);
 }
 
-TEST_F(Csv, QueryFourHasAllBits) {
+TEST_F(Csv, HasAllBitsForQueryFour) {
     result.cell_success[23] = 9;
     const auto found = csv_lines(4);
     ASSERT_EQ(found.size(), 25U);
@@ -100,7 +102,7 @@ TEST_F(Csv, QueryFourHasAllBits) {
     EXPECT_EQ(found[24], "23,BIT__FORCE_CHECKOUTS_UNRESERVED,9");
 }
 
-TEST_F(Csv, QueryFiveHasTheKeysOfThePageWithTheirLinesAsTheyStand) {
+TEST_F(Csv, HasTheKeyLinesUnchangedForQueryFive) {
     result.cell_success[0] = 8;
     result.cell_success[4] = 2;
     result.highest_key_read = 4;
@@ -110,20 +112,20 @@ TEST_F(Csv, QueryFiveHasTheKeysOfThePageWithTheirLinesAsTheyStand) {
                             "3,\"  caf\xc3\xa9 \xff\r\",0", "4,,2"));
 }
 
-TEST_F(Csv, WithoutDenialsQueryFiveHasItsHeaderOnly) {
+TEST_F(Csv, HasOnlyItsHeaderForQueryFiveWithoutDenials) {
     EXPECT_THAT(csv_lines(5), ElementsAre("key,line,denials"));
 }
 
-TEST_F(Csv, IsWantedByAYesInAnyCase) {
+TEST_F(Csv, IsRequestedByYesInAnyCase) {
     unsetenv("ZUL_GATESCOPE_CSV");
-    EXPECT_FALSE(csv_is_wanted());
-    for (const char* wish : {"", "no", "yess", "1"}) {
-        setenv("ZUL_GATESCOPE_CSV", wish, 1);
-        EXPECT_FALSE(csv_is_wanted()) << wish;
+    EXPECT_FALSE(csv_is_requested());
+    for (const char* value : {"", "no", "yess", "1"}) {
+        setenv("ZUL_GATESCOPE_CSV", value, 1);
+        EXPECT_FALSE(csv_is_requested()) << value;
     }
-    for (const char* wish : {"yes", "Yes"}) {
-        setenv("ZUL_GATESCOPE_CSV", wish, 1);
-        EXPECT_TRUE(csv_is_wanted());
+    for (const char* value : {"yes", "Yes"}) {
+        setenv("ZUL_GATESCOPE_CSV", value, 1);
+        EXPECT_TRUE(csv_is_requested());
     }
     unsetenv("ZUL_GATESCOPE_CSV");
 }
@@ -133,8 +135,8 @@ class CsvFile : public testing::Test {
     CsvFile() { ZUL_PREFER_GUI = 0; }
     ~CsvFile() override { ZUL_PREFER_GUI = 1; }
 
-    /// The message for numbers that could not be written.
-    std::string unwritten(const std::string& reason) const {
+    /// The message for a CSV file that could not be written.
+    std::string write_failure(const std::string& reason) const {
         return "ERROR: The numbers of this query could not be written (" + path + "): " + reason +
                ".  Its page is whole.\n";
     }
@@ -150,11 +152,11 @@ class CsvFile : public testing::Test {
     const std::string path = directory.path("page.csv");
 };
 
-TEST_F(CsvFile, StandsBesideThePage) {
+TEST_F(CsvFile, HasAPathBesideThePage) {
     EXPECT_EQ(csv_path("/a.html/20261115_000000_Q01.html"), "/a.html/20261115_000000_Q01.csv");
 }
 
-TEST_F(CsvFile, ReplacesTheNumbersOfTheSameSecondWhole) {
+TEST_F(CsvFile, ReplacesAnExistingFile) {
     const mode_t mask = umask(022);
     store_csv(path, "one\r\n");
     store_csv(path, "two\r\n");
@@ -166,7 +168,7 @@ TEST_F(CsvFile, ReplacesTheNumbersOfTheSameSecondWhole) {
     EXPECT_THAT(names(), ElementsAre("page.csv"));
 }
 
-TEST_F(CsvFile, ReplacesALinkAndAFifoAndFollowsNeither) {
+TEST_F(CsvFile, ReplacesSymbolicLinksAndFifos) {
     directory.write("victim", "as it was");
     fs::create_symlink("victim", path);
     store_csv(path, "numbers");
@@ -178,7 +180,7 @@ TEST_F(CsvFile, ReplacesALinkAndAFifoAndFollowsNeither) {
     EXPECT_EQ(directory.read("page.csv"), "numbers");
 }
 
-TEST_F(CsvFile, SeveralAtOnceLeaveTheWholeOfOne) {
+TEST_F(CsvFile, IsThatOfOneOfSeveralConcurrentWriters) {
     constexpr std::size_t SIZE = 300000;
     for (char letter = 'a'; letter < 'i'; ++letter) {
         if (fork() != 0) continue;
@@ -192,20 +194,21 @@ TEST_F(CsvFile, SeveralAtOnceLeaveTheWholeOfOne) {
     EXPECT_THAT(names(), ElementsAre("page.csv"));
 }
 
-TEST_F(CsvFile, WhatCannotTakeItsPlaceLeavesNothingBehind) {
+TEST_F(CsvFile, LeavesNoTemporaryFileIfItCannotBeRenamed) {
     fs::create_directory(path);
-    EXPECT_GRIPE(store_csv(path, "numbers"), unwritten("Is a directory"));
+    EXPECT_GRIPE(store_csv(path, "numbers"), write_failure("Is a directory"));
     EXPECT_THAT(names(), ElementsAre("page.csv"));
 }
 
-TEST_F(CsvFile, ThatDoesNotFitIsNotThereAtAll) {
+TEST_F(CsvFile, DoesNotExistIfItDoesNotFit) {
     EXPECT_GRIPE(
         {
             limit_file_size(1000);
             store_csv(path, std::string(5000, 'x'));
         },
-        unwritten("File too large"));
+        write_failure("File too large"));
     EXPECT_TRUE(names().empty());
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -21,6 +21,8 @@
 #include "support/limit_file_size.h"
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 using testing::Eq;
 using testing::ExitedWithCode;
@@ -34,16 +36,17 @@ class PageFile : public testing::Test {
 
     std::string page() const { return directory.path("page.html"); }
 
-    /// For death tests: nobody waits for more than a moment.
-    void append_soon(const std::string& text) const {
+    /// Appends with a short timeout, for death tests.
+    void append_briefly(const std::string& text) const {
         alarm(10);
         append_page(page(), text, std::chrono::milliseconds(50));
     }
     void expect_refused() const {
-        EXPECT_GRIPE(append_soon("page"), "Could not create/open results file (" + page() + ")\n");
+        EXPECT_GRIPE(append_briefly("page"),
+                     "Could not create/open results file (" + page() + ")\n");
     }
     /// The message for a page that could not be written.
-    std::string unwritten(const std::string& reason, const std::string& state) const {
+    std::string write_failure(const std::string& reason, const std::string& state) const {
         return "ERROR: The results file (" + page() + ") could not be written (" + reason + ").  " +
                state + "\n";
     }
@@ -51,13 +54,13 @@ class PageFile : public testing::Test {
     ScratchDirectory directory;
 };
 
-TEST_F(PageFile, IsCreatedAndAddedTo) {
+TEST_F(PageFile, CreatesThenAppends) {
     append_page(page(), "one\n");
     append_page(page(), "two\n");
     EXPECT_EQ(directory.read("page.html"), "one\ntwo\n");
 }
 
-TEST_F(PageFile, PagesOfSeveralAtOnceDoNotMix) {
+TEST_F(PageFile, KeepsPagesOfConcurrentProcessesApart) {
     constexpr std::size_t SIZE = 300001;
     for (char letter = 'a'; letter < 'i'; ++letter) {
         if (fork() != 0) continue;
@@ -68,59 +71,60 @@ TEST_F(PageFile, PagesOfSeveralAtOnceDoNotMix) {
     const std::string all = directory.read("page.html");
     ASSERT_EQ(all.size(), 40 * SIZE);
     for (std::size_t at = 0; at < all.size(); at += SIZE) {
-        // npos, the largest number, when nothing else follows at all.
+        // npos, the largest number, at the last page.
         ASSERT_GE(all.find_first_not_of(all[at], at), at + SIZE) << "a page begins at " << at;
     }
 }
 
-/// A page that is given the name of the page itself, and then those of others, one after the other.
-void create_own_page(const ScratchDirectory& directory, const std::string& text) {
+/// Creates page.html, else page1.html and so on.
+void create_numbered_page(const ScratchDirectory& directory, const std::string& text) {
     int others = 0;
     create_page(directory.path("page.html"), text,
                 [&] { return directory.path("page" + std::to_string(++others) + ".html"); });
 }
 
-TEST_F(PageFile, OfItsOwnTakesTheFirstNameThatIsFree) {
-    for (const char* text : {"one\n", "two\n", "three\n"}) create_own_page(directory, text);
+TEST_F(PageFile, CreatesAPageUnderTheFirstFreeName) {
+    for (const char* text : {"one\n", "two\n", "three\n"}) create_numbered_page(directory, text);
     EXPECT_EQ(directory.read("page.html"), "one\n");
     EXPECT_EQ(directory.read("page1.html"), "two\n");
     EXPECT_EQ(directory.read("page2.html"), "three\n");
 }
 
-TEST_F(PageFile, OfItsOwnLeavesWhateverHasTheNameAlone) {
+TEST_F(PageFile, LeavesExistingFilesUnchangedWhenCreating) {
     directory.write("victim", "as it was");
     fs::create_symlink("victim", page());
     fs::create_symlink("nothing", directory.path("page1.html"));
     fs::create_directory(directory.path("page2.html"));
     ASSERT_EQ(mkfifo(directory.path("page3.html").c_str(), 0600), 0);
-    create_own_page(directory, "page");
+    create_numbered_page(directory, "page");
     EXPECT_EQ(directory.read("page4.html"), "page");
     EXPECT_EQ(directory.read("victim"), "as it was");
     EXPECT_FALSE(fs::exists(directory.path("nothing")));
 }
 
-TEST_F(PageFile, OfItsOwnThatFindsNoNameEndsTheProgram) {
+TEST_F(PageFile, GripesIfNoNameIsFree) {
     directory.write("page.html", "before");
-    EXPECT_GRIPE(create_page(
-                     page(), "page", [&] { return page(); }, std::chrono::milliseconds(50)),
-                 unwritten("Other queries have its name", "It is as it was before this query."));
+    EXPECT_GRIPE(
+        create_page(
+            page(), "page", [&] { return page(); }, std::chrono::milliseconds(50)),
+        write_failure("Other queries have its name", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), "before");
 }
 
-TEST_F(PageFile, OfItsOwnThatDoesNotFitIsGone) {
+TEST_F(PageFile, RemovesACreatedPageThatDoesNotFit) {
     EXPECT_GRIPE(
         {
             limit_file_size(6000);
-            create_own_page(directory, std::string(100000, 'x'));
+            create_numbered_page(directory, std::string(100000, 'x'));
         },
-        unwritten("File too large", "It is as it was before this query."));
+        write_failure("File too large", "It is as it was before this query."));
     EXPECT_FALSE(fs::exists(page()));
     fs::remove_all(directory.path());
-    EXPECT_GRIPE(create_own_page(directory, "page"),
+    EXPECT_GRIPE(create_numbered_page(directory, "page"),
                  "Could not create/open results file (" + page() + ")\n");
 }
 
-TEST_F(PageFile, ALinkIsNotFollowed) {
+TEST_F(PageFile, RefusesASymbolicLink) {
     directory.write("victim", "as it was");
     fs::create_symlink("victim", page());
     expect_refused();
@@ -131,14 +135,14 @@ TEST_F(PageFile, ALinkIsNotFollowed) {
     EXPECT_FALSE(fs::exists(directory.path("nothing")));
 }
 
-TEST_F(PageFile, AFileWithASecondNameIsAnothers) {
+TEST_F(PageFile, RefusesAFileWithTwoHardLinks) {
     directory.write("victim", "as it was");
     fs::create_hard_link(directory.path("victim"), page());
     expect_refused();
     EXPECT_EQ(directory.read("victim"), "as it was");
 }
 
-TEST_F(PageFile, AFifoIsNotWaitedFor) {
+TEST_F(PageFile, RefusesAFifoWithoutWaiting) {
     ASSERT_EQ(mkfifo(page().c_str(), 0600), 0);
     expect_refused();
     const Descriptor reader(open(page().c_str(), O_RDONLY | O_NONBLOCK));
@@ -147,7 +151,7 @@ TEST_F(PageFile, AFifoIsNotWaitedFor) {
     EXPECT_EQ(read(reader.get(), &byte, 1), 0);
 }
 
-TEST_F(PageFile, OtherThanRegularFilesAreRefused) {
+TEST_F(PageFile, RefusesDirectoriesAndSockets) {
     fs::create_directory(page());
     expect_refused();
     fs::remove(page());
@@ -159,51 +163,51 @@ TEST_F(PageFile, OtherThanRegularFilesAreRefused) {
     expect_refused();
 }
 
-TEST_F(PageFile, TheReasonGoesToStandardError) {
+TEST_F(PageFile, PrintsTheReasonOnStandardError) {
     fs::create_directory(page());
     EXPECT_EXIT(
         {
             dup2(STDERR_FILENO, STDOUT_FILENO);
-            append_soon("page");
+            append_briefly("page");
         },
         ExitedWithCode(99),
         Eq("gatescope: " + page() + ": Is a directory\nCould not create/open results file (" +
            page() + ")\n\n"));
 }
 
-TEST_F(PageFile, WhatDoesNotFitIsTakenBack) {
+TEST_F(PageFile, RemovesAnAppendedPageThatDoesNotFit) {
     const std::string before(4000, 'b');
     append_page(page(), before);
     EXPECT_GRIPE(
         {
             limit_file_size(6000);
-            append_soon(std::string(100000, 'x'));
+            append_briefly(std::string(100000, 'x'));
         },
-        unwritten("File too large", "It is as it was before this query."));
+        write_failure("File too large", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
-TEST_F(PageFile, ANewPageThatDoesNotFitIsGone) {
+TEST_F(PageFile, RemovesANewFileWhosePageDoesNotFit) {
     EXPECT_GRIPE(
         {
             limit_file_size(6000);
-            append_soon(std::string(100000, 'x'));
+            append_briefly(std::string(100000, 'x'));
         },
-        unwritten("File too large", "It is as it was before this query."));
+        write_failure("File too large", "It is as it was before this query."));
     EXPECT_FALSE(fs::exists(page()));
 }
 
-TEST_F(PageFile, OnAFullDiskNoHalfPageStays) {
+TEST_F(PageFile, LeavesNoPartialPageOnAFullDisk) {
     const SmallDisk disk(directory.path(), 65536);
     if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
     const std::string before(4096, 'b');
     append_page(page(), before);
-    EXPECT_GRIPE(append_soon(std::string(100000, 'x')),
-                 unwritten("No space left on device", "It is as it was before this query."));
+    EXPECT_GRIPE(append_briefly(std::string(100000, 'x')),
+                 write_failure("No space left on device", "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), before);
 }
 
-TEST_F(PageFile, APageThatIsTakenBackWhileAnotherWaitsIsMadeAnew) {
+TEST_F(PageFile, CreatesAFileRemovedWhileWaitingForItsLock) {
     Descriptor first(open(page().c_str(), O_RDWR | O_CREAT, 0600));
     ASSERT_EQ(lock_exclusively(first.get()), 0);
     std::thread second([&] { append_page(page(), "second"); });
@@ -214,13 +218,14 @@ TEST_F(PageFile, APageThatIsTakenBackWhileAnotherWaitsIsMadeAnew) {
     EXPECT_EQ(directory.read("page.html"), "second");
 }
 
-TEST_F(PageFile, ALockThatIsNeverGivenBackEndsTheProgram) {
+TEST_F(PageFile, GripesIfTheLockIsNotReleased) {
     directory.write("page.html", "before");
     const Descriptor keeper(open(page().c_str(), O_RDWR));
     ASSERT_EQ(lock_exclusively(keeper.get()), 0);
-    EXPECT_GRIPE(append_soon("page"),
-                 unwritten("Another process keeps its lock", "It is as it was before this query."));
+    EXPECT_GRIPE(append_briefly("page"), write_failure("Another process keeps its lock",
+                                                       "It is as it was before this query."));
     EXPECT_EQ(directory.read("page.html"), "before");
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -7,7 +7,9 @@
 
 #include "logs/query_data.h"
 
-/// A test that begins with what an empty region leaves: no counts, and plain labels.
+namespace gatescope {
+
+/// A test with a result without counts, and plain labels.
 class PageText : public testing::Test {
   protected:
     PageText() {
@@ -18,3 +20,5 @@ class PageText : public testing::Test {
 
     QueryResult result;
 };
+
+}  // namespace gatescope

@@ -10,18 +10,18 @@
 #include "support/scratch_directory.h"
 #include "units/report/page_text.h"
 
-// One page of each query, held whole against tests/units/report/expected. There
-// the settings of the build have their names between @ signs; and of the
-// columns of days that differ in their number only the first one stands,
-// followed by the numbers of the others, with the ticks between them as
-// '|'.
+namespace gatescope {
+
+// Compares one page of each query with a file in tests/units/report/expected. There the settings of
+// the build are names between @ signs; and of adjacent columns that differ in their day number
+// only, the first one is followed by the numbers of the others, with '|' for a tick.
 
 namespace {
 
 constexpr std::string_view COLUMN = "\n   <!-- cell ";
 constexpr std::string_view TICK = "\n   <td class=\"bottom_line_pencil\" width=2 ></td>\n";
 
-/// The page of that title that `write` makes.
+/// The page with this title that `write` makes.
 template <typename Writer>
 std::string page_of(Writer write, const std::string& graph_title = "Title") {
     Page page(graph_title);
@@ -29,7 +29,7 @@ std::string page_of(Writer write, const std::string& graph_title = "Title") {
     return page.text();
 }
 
-/// How often `part` stands in `text`.
+/// Number of occurrences of `part` in `text`.
 int times_in(std::string_view text, std::string_view part) {
     int times = 0;
     for (std::size_t at = text.find(part); at != std::string_view::npos;
@@ -47,8 +47,8 @@ std::string replaced(std::string text, std::string_view part, std::string_view b
     return text;
 }
 
-/// The page with its columns of days in short.
-std::string in_short(const std::string& page) {
+/// The page with its columns abbreviated.
+std::string abbreviated(const std::string& page) {
     std::size_t at = page.find(COLUMN);
     std::string text = page.substr(0, at);
     std::string last;
@@ -72,7 +72,7 @@ std::string in_short(const std::string& page) {
     return text;
 }
 
-/// Expects the page to be the one in the file, and says where they part.
+/// Expects the page to equal the file, and reports the first line that differs.
 void expect_page(const std::string& page, const std::string& name) {
     std::string expected = file_text(SOURCE_DIRECTORY "/tests/units/report/expected/" + name);
     expected = replaced(expected, "@VERSION@", GATESCOPE_VERSION);
@@ -89,7 +89,7 @@ void expect_page(const std::string& page, const std::string& name) {
                   << expected.substr(line, expected.find('\n', same.size()) - line);
 }
 
-/// Ten days with all that a day may have, and none before them.
+/// A test with ten days of different counts, and no earlier records.
 class TimePages : public PageText {
   protected:
     TimePages() {
@@ -119,39 +119,39 @@ class TimePages : public PageText {
     }
 };
 
-TEST_F(TimePages, OfQueryOneAndSix) {
-    expect_page(in_short(twist()), "Q01.html");
+TEST_F(TimePages, ShowQueriesOneAndSix) {
+    expect_page(abbreviated(twist()), "Q01.html");
 }
 
-TEST_F(TimePages, OfQueryTwo) {
+TEST_F(TimePages, ShowQueryTwo) {
     const auto write = [&](Page* page) { Display_Graph__success_only(result, "bits", page); };
-    expect_page(in_short(page_of(write)), "Q02.html");
+    expect_page(abbreviated(page_of(write)), "Q02.html");
 }
 
-TEST_F(TimePages, OfQueryThree) {
+TEST_F(TimePages, ShowQueryThree) {
     const auto write = [&](Page* page) { Display_Graph__denied_only(result, "keys", page); };
-    expect_page(in_short(page_of(write)), "Q03.html");
+    expect_page(abbreviated(page_of(write)), "Q03.html");
 }
 
-TEST_F(TimePages, BothHalvesShareTheLargerScaleWhicheverHasIt) {
+TEST_F(TimePages, ShareTheLargerScaleBetweenBothHalves) {
     const std::string page = twist();
     std::swap(result.cell_success_max, result.cell_denied_max);
     EXPECT_EQ(twist(), page);
 }
 
-TEST_F(TimePages, WithoutAnyRecordNothingIsDividedAndTheScaleIsZero) {
+TEST_F(TimePages, HaveAScaleOfZeroWithoutRecords) {
     result = QueryResult();
     const std::string page = twist();
     EXPECT_EQ(times_in(page, "No data was available"), 240);
     EXPECT_EQ(times_in(page, "align=right > 0 </td>"), 2);
 }
 
-TEST_F(TimePages, RecordsOlderThanThePeriodMakeAllDaysBars) {
+TEST_F(TimePages, ShowAllDaysAsBarsIfRecordsAreOlderThanThePeriod) {
     result.first_cell_read = 125;
     EXPECT_EQ(times_in(twist(), "No data was available"), 0);
 }
 
-/// The first and the last date of the period stand in the first two labels.
+/// A test with the dates of the period in the first two labels.
 class BarPages : public PageText {
   protected:
     BarPages() {
@@ -166,7 +166,7 @@ class BarPages : public PageText {
     KeyLines lines;
 };
 
-TEST_F(BarPages, OfQueryFour) {
+TEST_F(BarPages, ShowQueryFour) {
     result.cell_success[0] = 1;
     result.cell_success[1] = 1000;
     result.cell_success[22] = 2;
@@ -175,9 +175,9 @@ TEST_F(BarPages, OfQueryFour) {
     expect_page(page_of([&](Page* page) { Display_Graph__hbars_Bits(result, page); }), "Q04.html");
 }
 
-TEST_F(BarPages, OfQueryFive) {
+TEST_F(BarPages, ShowQueryFive) {
     lines = {"pre_checkin;one;", "  mkbranch;two;", "lock;<*>;&amp;\"'>;", std::nullopt};
-    // Key 0 is counted, but never listed.
+    // Key 0 is counted, but not listed.
     result.cell_success[0] = 3;
     result.cell_success[1] = 1;
     result.cell_success[3] = 2;
@@ -187,25 +187,25 @@ TEST_F(BarPages, OfQueryFive) {
     expect_page(key_page(), "Q05.html");
 }
 
-TEST_F(BarPages, OfQueryFiveWithoutDenials) {
+TEST_F(BarPages, ShowQueryFiveWithoutDenials) {
     expect_page(key_page(), "Q05_without_denials.html");
 }
 
-TEST_F(BarPages, OnlyKeyZeroCountedListsNothing) {
+TEST_F(BarPages, ListNothingIfOnlyKeyZeroIsCounted) {
     result.highest_key_read = 0;
     result.cell_success[0] = result.cell_max = 9;
     EXPECT_EQ(times_in(key_page(), "hot_row\" title="), 0);
     EXPECT_EQ(times_in(key_page(), "No matching data was available"), 0);
 }
 
-TEST_F(BarPages, AllOfThePeriodsNumbersCanBeListed) {
+TEST_F(BarPages, ListKeysUpTo119) {
     result.cell_success[119] = result.cell_max = 1;
     result.highest_key_read = 119;
     EXPECT_EQ(times_in(key_page(), "hot_row\" title="), 119);
     EXPECT_EQ(times_in(key_page(), "   <td>119#</td>\n"), 1);
 }
 
-TEST_F(BarPages, TagsOfAKeyAreEscapedAndNothingElseIs) {
+TEST_F(BarPages, EscapeOnlyAngleBracketsOfKeys) {
     lines = {"lock;<*>;&amp;\"'>;", "unlock;a&b \"c\";"};
     result.cell_success[2] = result.cell_max = 1;
     result.highest_key_read = 2;
@@ -213,7 +213,7 @@ TEST_F(BarPages, TagsOfAKeyAreEscapedAndNothingElseIs) {
     EXPECT_EQ(times_in(key_page(), "   <td>unlock;a&b \"c\";</td>\n"), 1);
 }
 
-TEST_F(BarPages, TheLiteEditionCallsKeysCpds) {
+TEST_F(BarPages, CallKeysCpdsInTheLiteEdition) {
     result.cell_success[1] = result.cell_max = 2;
     result.highest_key_read = 1;
     const std::string page = key_page();
@@ -223,3 +223,4 @@ TEST_F(BarPages, TheLiteEditionCallsKeysCpds) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,4 +1,4 @@
-#include "logs/kept_records.h"
+#include "records/kept_records.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,9 @@
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
 constexpr std::int64_t CUT_OFF = 1700000000;
@@ -22,9 +23,10 @@ struct Kept {
     bool same_piece = false;
 };
 
-Kept kept_of(const std::string& text, Lanes lanes = best_lanes(), std::int64_t cut_off = CUT_OFF) {
+Kept kept_of(const std::string& text, InstructionSet set = best_instruction_set(),
+             std::int64_t cut_off = CUT_OFF) {
     const std::string with_margin = text + std::string(READER_MARGIN, '\n');
-    KeptRecords records(cut_off, lanes);
+    KeptRecords records(cut_off, set);
     const std::string_view piece(with_margin.data(), text.size());
     const std::string_view kept = records.of(piece);
     return {std::string(kept), records.total(), records.removed(), kept.data() == piece.data()};
@@ -49,33 +51,33 @@ Kept kept_by_the_plain_rule(const std::string& text, std::int64_t cut_off = CUT_
     return kept;
 }
 
-TEST(KeptRecordsOf, KeepTheCutOffItself) {
+TEST(KeptRecords, KeepsARecordOfTheCutOffTime) {
     const Kept kept = kept_of("1700000000:S:a[1]-<->\n1699999999:S:a[1]-<->\n");
     EXPECT_EQ(kept.text, "1700000000:S:a[1]-<->\n");
     EXPECT_EQ(kept.total, 2);
     EXPECT_EQ(kept.removed, 1);
 }
 
-TEST(KeptRecordsOf, DropWordsWithoutANumber) {
+TEST(KeptRecords, DropsWordsWithoutANumber) {
     const Kept kept = kept_of("rubbish :S:a[1]-<->\n1700000001\n");
     EXPECT_EQ(kept.text, "1700000001\n");
     EXPECT_EQ(kept.total, 3);
     EXPECT_EQ(kept.removed, 2);
 }
 
-TEST(KeptRecordsOf, PutEachWordOnALineOfItsOwn) {
+TEST(KeptRecords, PutsEachWordOnALineOfItsOwn) {
     EXPECT_EQ(kept_of(" 1700000001:a\t1700000002:b\r\n\n1700000003:c").text,
               "1700000001:a\n1700000002:b\n1700000003:c\n");
 }
 
-TEST(KeptRecordsOf, ArePieceItselfWhenNothingChanges) {
+TEST(KeptRecords, ReturnsThePieceItselfWhenNothingChanges) {
     const std::string text = "1700000001:S:a[1]-<->\n1700000002:D:b[1]K<7>\n1800000000:odd\n";
     EXPECT_TRUE(kept_of(text).same_piece);
     EXPECT_EQ(kept_of(text).text, text);
     EXPECT_FALSE(kept_of(text + "1").same_piece);
 }
 
-TEST(KeptRecordsOf, EndInALineEndAlone) {
+TEST(KeptRecords, ReplacesCrLfByLf) {
     const std::string kept = "1700000001:S:a[1]-<->";
     const std::string dropped = "1699999999:S:a[1]-<->";
     EXPECT_EQ(kept_of(kept + "\r\n" + dropped + "\r\n" + kept + "\r\n").text,
@@ -83,7 +85,7 @@ TEST(KeptRecordsOf, EndInALineEndAlone) {
     EXPECT_FALSE(kept_of(kept + "\r\n").same_piece);
 }
 
-TEST(KeptRecordsOf, AreWholeHoweverLong) {
+TEST(KeptRecords, KeepsLongRecordsWhole) {
     const std::string user(5000, 'u');
     const std::string kept = "1700000001:S:" + user + "[1]-<->\n";
     const std::string dropped = "1699999999:S:" + user + "1700000001:S:ann[1]-<->\n";
@@ -91,7 +93,7 @@ TEST(KeptRecordsOf, AreWholeHoweverLong) {
     EXPECT_EQ(kept_of(kept + dropped + kept).total, 3);
 }
 
-TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
+TEST(KeptRecords, AppliesAnyCutOff) {
     const std::int64_t largest = std::numeric_limits<std::int64_t>::max();
     std::string text;
     for (const char* time : {"0000000000", "0000000001", "0000000150", "1700000000", "1700000099",
@@ -103,13 +105,14 @@ TEST(KeptRecordsOf, AreTellableForAnyCutOff) {
           std::int64_t{1700000050}, std::int64_t{9999999900}, std::int64_t{9999999999},
           std::int64_t{10000000000}, std::int64_t{10000000001}, largest}) {
         const Kept plain = kept_by_the_plain_rule(text, cut_off);
-        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-            EXPECT_EQ(kept_of(text, lanes, cut_off).text, plain.text) << cut_off;
+        for (const InstructionSet set :
+             {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+            EXPECT_EQ(kept_of(text, set, cut_off).text, plain.text) << cut_off;
         }
     }
 }
 
-TEST(KeptRecordsOf, AgreeWithThePlainRule) {
+TEST(KeptRecords, KeepsRandomWordsLikeThePlainRule) {
     std::mt19937 random(3);
     const auto draw = [&](unsigned limit) { return static_cast<unsigned>(random() % limit); };
     const auto byte = [&] { return " \n\r\t\x01:[]<>-019aS!\xff\0"[draw(18)]; };
@@ -130,8 +133,9 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
             if (draw(400) == 0) text.resize(draw(static_cast<unsigned>(text.size())));
         }
         const Kept plain = kept_by_the_plain_rule(text);
-        for (const Lanes lanes : {best_lanes(), Lanes::VECTORS, Lanes::BYTES}) {
-            const Kept kept = kept_of(text, lanes);
+        for (const InstructionSet set :
+             {best_instruction_set(), InstructionSet::SSE2, InstructionSet::SCALAR}) {
+            const Kept kept = kept_of(text, set);
             ASSERT_TRUE(kept.text == plain.text) << "round " << round;
             ASSERT_EQ(kept.total, plain.total);
             ASSERT_EQ(kept.removed, plain.removed);
@@ -144,3 +148,4 @@ TEST(KeptRecordsOf, AgreeWithThePlainRule) {
 }
 
 }  // namespace
+}  // namespace gatescope

@@ -1,17 +1,18 @@
-#include "logs/canonical_records.h"
+#include "records/canonical_records.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "base/filled.h"
-#include "logs/canonical_scan.h"
+#include "records/canonical_scan.h"
 
+namespace gatescope {
 namespace {
 
 /// Kind, detail letter.
 constexpr char SAMPLE_RECORD[] = "86400:%c:u[1]%c<0>";
 
-/// What stands between `open` and `close` when the text is nothing else and it is a number.
+/// The digits of a text that is `open`, digits, `close`; empty for any other text.
 std::string_view number_between(char open, std::string_view text, char close) {
     if (text.size() < 3 || text.front() != open || text.back() != close) return {};
     const std::string_view number = text.substr(1, text.size() - 2);
@@ -20,62 +21,64 @@ std::string_view number_between(char open, std::string_view text, char close) {
     return digits ? number : std::string_view();
 }
 
-/// Sets what has to be compared for "[12]" or "<12>"; longer ones are in no canonical record.
-void take_number(std::string_view text, std::uint32_t* wanted, std::uint32_t* mask) {
+/// Sets the bytes to compare for "[12]" or "<12>". No canonical record contains a longer text, so
+/// for that they are set to bytes that match none.
+void set_compared_bytes(std::string_view text, std::uint32_t* wanted, std::uint32_t* mask) {
     std::memset(mask, 0xFF, std::min(text.size(), sizeof *mask));
     if (text.size() <= sizeof *wanted) std::memcpy(wanted, text.data(), text.size());
 }
 
 template <bool PER_DAY, bool HAS_FILTERS>
-void count_canonical_piece(Lanes lanes, const RecordQuery& query, const CanonicalFilter& filter,
-                           std::string_view piece, RecordTally* tally) {
+void count_canonical_piece(InstructionSet set, const RecordQuery& query,
+                           const CanonicalFilter& filter, std::string_view piece,
+                           RecordTally* tally) {
     const auto task = [&](auto kind) __attribute__((always_inline)) {
         count_piece<decltype(kind), PER_DAY, HAS_FILTERS>(query, filter, piece, tally);
     };
-    with_lanes(lanes, task);
+    with_instruction_set(set, task);
 }
 
-bool is_about_letters(std::string_view filter) {
+/// Whether a filter compares only the kind or the detail letter.
+bool compares_letter(std::string_view filter) {
     return filter.size() == 3 && ((filter.front() == ':' && filter.back() == ':') ||
                                   (filter.front() == ']' && filter.back() == '<'));
 }
 
 }  // namespace
 
-CanonicalQuery::CanonicalQuery(const RecordQuery& query, Lanes lanes)
-    : plain_(query), lanes_(lanes) {
+CanonicalQuery::CanonicalQuery(const RecordQuery& query, InstructionSet set)
+    : plain_(query), instruction_set_(set) {
     RecordQuery letters = query;
     for (std::string& filter : letters.filters) {
-        if (is_about_letters(filter)) continue;
-        has_fast_path_ = has_fast_path_ && take_filter(filter);
+        if (compares_letter(filter)) continue;
+        has_fast_path_ = has_fast_path_ && add_filter(filter);
         filter.clear();
     }
-    ask_for_outcomes(letters);
+    find_outcomes(letters);
 }
 
-/// False when it cannot be compared with one field, or another filter is compared with that field
-/// already.
-bool CanonicalQuery::take_filter(std::string_view filter) {
+/// False if the filter cannot be compared with a single field, or that field has a filter already.
+bool CanonicalQuery::add_filter(std::string_view filter) {
     if (filter.empty() || filter == ":" || filter == "[") return true;
     filter_.has_fields = true;
-    if (filter.front() == ':' && filter.back() == '[') return take_user(filter.substr(1));
+    if (filter.front() == ':' && filter.back() == '[') return add_user_filter(filter.substr(1));
     if (!number_between('[', filter, ']').empty() && filter_.command_mask == 0) {
-        take_number(filter, &filter_.command, &filter_.command_mask);
+        set_compared_bytes(filter, &filter_.command, &filter_.command_mask);
         return true;
     }
     if (!number_between('<', filter, '>').empty() && filter_.value_mask == 0) {
-        take_number(filter, &filter_.value, &filter_.value_mask);
+        set_compared_bytes(filter, &filter_.value, &filter_.value_mask);
         return true;
     }
     return false;
 }
 
-bool CanonicalQuery::take_user(std::string_view user_and_bracket) {
+bool CanonicalQuery::add_user_filter(std::string_view user_and_bracket) {
     const std::size_t size = user_and_bracket.size();
-    // ":[" may also be about the kind, and ":<[" about the value.
+    // ":[" may also match at the kind, and ":<[" at the value.
     const bool one_field = size > 1 && user_and_bracket.find_first_of(":[<") == size - 1;
     if (!one_field || filter_.user_mask[0] != 0) return false;
-    // A longer user is in no canonical record, nor is a NUL, which this then asks for.
+    // No canonical record has a longer user or contains a NUL, so the NULs of `user` never match.
     filter_.user_mask.fill(size > CanonicalFilter::USER_LIMIT ? '\xff' : '\0');
     if (size > CanonicalFilter::USER_LIMIT) return true;
     for (std::size_t i = 0; i < size; ++i) {
@@ -88,9 +91,9 @@ bool CanonicalQuery::take_user(std::string_view user_and_bracket) {
     return true;
 }
 
-/// With the filters about letters still in force, the plain rule says what becomes of a record of
-/// each kind and detail letter.
-void CanonicalQuery::ask_for_outcomes(RecordQuery letters) {
+/// Applies the plain rule, with the filters on letters only, to a record of each kind and detail
+/// letter.
+void CanonicalQuery::find_outcomes(RecordQuery letters) {
     letters.period.start_of_period_time = 0;
     letters.period.end_of_day_time = SECONDS_A_DAY;
     for (std::size_t kind = 0; KINDS[kind] != '\0'; ++kind) {
@@ -117,7 +120,9 @@ void CanonicalQuery::count(std::string_view piece, RecordTally* tally) const {
                                                  : count_canonical_piece<true, false>)
                            : (filter_.has_fields ? count_canonical_piece<false, true>
                                                  : count_canonical_piece<false, false>);
-    count(lanes_, plain_, filter_, piece, tally);
-    // Looks no farther than the first word.
+    count(instruction_set_, plain_, filter_, piece, tally);
+    // Stops at the first word.
     tally->data_seen = tally->data_seen || !std::all_of(piece.begin(), piece.end(), is_white);
 }
+
+}  // namespace gatescope

@@ -1,20 +1,21 @@
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
 #include <algorithm>
 #include <utility>
 
 #include "base/filled.h"
 #include "base/text.h"
-#include "logs/log_reader.h"
+#include "records/words.h"
 
+namespace gatescope {
 namespace {
 
-/// A word as the markers and filters see it.
+/// A word in lower case, in which markers and filters are searched.
 class Record {
   public:
     explicit Record(std::string_view text) : text_(text) { STRING_LOWER(text_); }
 
-    bool holds(std::string_view lower_case_text) const {
+    bool contains(std::string_view lower_case_text) const {
         return text_.find(lower_case_text) != std::string::npos;
     }
     std::int64_t time() const { return leading_number(text_.c_str()); }
@@ -31,27 +32,27 @@ class Record {
 
 bool passes(const RecordQuery& query, const Record& record) {
     return std::all_of(query.filters.begin(), query.filters.end(),
-                       [&](const std::string& filter) { return record.holds(filter); });
+                       [&](const std::string& filter) { return record.contains(filter); });
 }
 
-/// The markers are tried in this order, and the first that is there decides.
-RecordOutcome outcome_per_day(int query, const Record& record) {
+/// The first marker found, in this order, decides.
+std::uint8_t outcome_per_day(int query, const Record& record) {
     const bool commands = query == 1 || query == 3;
-    if (record.holds(":p:")) {
+    if (record.contains(":p:")) {
         if (query != 6) return SEEN;
-        if (record.holds("]a<")) return ALLOWED;
-        return record.holds("]d<") ? DENIED : SEEN;
+        if (record.contains("]a<")) return ALLOWED;
+        return record.contains("]d<") ? DENIED : SEEN;
     }
-    if (record.holds(":s:")) return commands ? ALLOWED : SEEN;
-    if (record.holds(":b:")) return query == 2 ? ALLOWED : SEEN;
-    if (record.holds(":d:")) return commands ? DENIED : SEEN;
+    if (record.contains(":s:")) return commands ? ALLOWED : SEEN;
+    if (record.contains(":b:")) return query == 2 ? ALLOWED : SEEN;
+    if (record.contains(":d:")) return commands ? DENIED : SEEN;
     return SEEN;
 }
 
-RecordOutcome outcome_per_number(const RecordQuery& query, const Record& record) {
-    if (query.query == 4) return record.holds(":b:") ? ALLOWED : SEEN;
-    const bool counted =
-        (query.edition == 1 && record.holds("]k<")) || (query.edition == 0 && record.holds("]c<"));
+std::uint8_t outcome_per_number(const RecordQuery& query, const Record& record) {
+    if (query.query == 4) return record.contains(":b:") ? ALLOWED : SEEN;
+    const bool counted = (query.edition == 1 && record.contains("]k<")) ||
+                         (query.edition == 0 && record.contains("]c<"));
     return counted ? ALLOWED : SEEN;
 }
 
@@ -85,3 +86,5 @@ void count_word(const RecordQuery& query, std::string_view word, RecordTally* ta
         ++tally->rows[static_cast<std::size_t>(number)][outcome_per_number(query, record)];
     }
 }
+
+}  // namespace gatescope

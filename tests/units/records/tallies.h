@@ -3,15 +3,17 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "logs/record_rule.h"
+#include "records/record_rule.h"
 
-/// The last second of the period that these tests count in.
+namespace gatescope {
+
+/// The last second of the period of these tests.
 constexpr std::int64_t PERIOD_END = 1794787199;
 
-/// Whether both tallies lead to the same result.
+/// Whether a query has the same result with both tallies.
 inline bool same_counts(const RecordTally& one, const RecordTally& other) {
     for (std::size_t row = 0; row < QUERY_DAYS; ++row) {
-        // A record that was filtered out leaves no trace in a result.
+        // The count of FILTERED records does not affect a result.
         if (!std::equal(one.rows[row].begin() + SEEN, one.rows[row].end(),
                         other.rows[row].begin() + SEEN)) {
             return false;
@@ -19,3 +21,5 @@ inline bool same_counts(const RecordTally& one, const RecordTally& other) {
     }
     return one.earliest == other.earliest && one.data_seen == other.data_seen;
 }
+
+}  // namespace gatescope

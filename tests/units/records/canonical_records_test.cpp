@@ -1,13 +1,14 @@
-#include "logs/canonical_records.h"
+#include "records/canonical_records.h"
 
 #include <algorithm>
 #include <random>
 #include <vector>
 
-#include "log_region.h"
-#include "logs/log_reader.h"
-#include "units/logs/tallies.h"
+#include "records/words.h"
+#include "units/logs/log_region.h"
+#include "units/records/tallies.h"
 
+namespace gatescope {
 namespace {
 
 RecordQuery query_of(int number, const std::array<std::string, 4>& filters, int edition = 1) {
@@ -30,25 +31,26 @@ RecordTally counted_by_the_plain_rule(const RecordQuery& query, std::string_view
     }
 }
 
-/// After the text stands what would change the counts if the fast path believed it.
-RecordTally counted(const RecordQuery& query, const std::string& text, Lanes lanes) {
+/// The margin after the text would change the counts if the fast path did not ignore it.
+RecordTally counted(const RecordQuery& query, const std::string& text, InstructionSet set) {
     const std::string with_margin = text + std::string(READER_MARGIN, '>');
     RecordTally tally;
-    CanonicalQuery(query, lanes).count({with_margin.data(), text.size()}, &tally);
+    CanonicalQuery(query, set).count({with_margin.data(), text.size()}, &tally);
     return tally;
 }
 
-const std::vector<Lanes> ALL_LANES = {best_lanes(), Lanes::VECTORS, Lanes::BYTES};
+const std::vector<InstructionSet> ALL_SETS = {best_instruction_set(), InstructionSet::SSE2,
+                                              InstructionSet::SCALAR};
 
 /// Whether all fast paths count what the plain rule counts.
 bool same_counts_on_all_paths(const RecordQuery& query, const std::string& text) {
     const RecordTally plain = counted_by_the_plain_rule(query, text);
-    return std::all_of(ALL_LANES.begin(), ALL_LANES.end(), [&](Lanes lanes) {
-        return same_counts(plain, counted(query, text, lanes));
+    return std::all_of(ALL_SETS.begin(), ALL_SETS.end(), [&](InstructionSet set) {
+        return same_counts(plain, counted(query, text, set));
     });
 }
 
-/// Records from the ordinary to the hostile.
+/// Makes random records, lines and queries, from ordinary to malformed.
 class RecordMaker {
   public:
     explicit RecordMaker(unsigned seed) : random_(seed) {}
@@ -154,7 +156,7 @@ class RecordMaker {
         return text;
     }
 
-    std::string hostile() {
+    std::string delimiters() {
         std::string text;
         for (int size = draw(60); size > 0; --size) text += pick("::[]<>-019SDBPKadsu \n");
         return text;
@@ -166,14 +168,14 @@ class RecordMaker {
                                                       "",   "\n\n", " \t",  "\r\n\r\n"};
         std::string text = record();
         const int way = draw(10);
-        if (way == 0) text = hostile();
+        if (way == 0) text = delimiters();
         if (draw(3000) == 0) text.insert(text.size() / 2, 60000 + place(10000), 'l');
         if (way <= 3) text = mutated(text);
-        if (way == 4) text = std::to_string(PERIOD_END - draw(200 * 86400)) + ":" + hostile();
+        if (way == 4) text = std::to_string(PERIOD_END - draw(200 * 86400)) + ":" + delimiters();
         return text + (way <= 6 ? pick(ends) : "\n");
     }
 
-    /// A filter as a query driver forms it, with anything for a user.
+    /// A filter as a query driver forms it, with any text as the user.
     std::string user_filter() { return lowered(":" + user() + "["); }
     std::string command_filter() { return "[" + std::to_string(draw(3) * 6) + "]"; }
     std::string value_filter() {
@@ -206,7 +208,7 @@ class RecordMaker {
         }
     }
 
-    /// What no driver forms.
+    /// A filter that no query driver forms.
     std::string odd_filter() {
         static const std::vector<std::string> odd = {
             ":",    "",     ":s:",  ":p:", ":5:", "]a<", "]-<", "[5]",   "[05]", "[123]", "<->",
@@ -224,7 +226,7 @@ class RecordMaker {
     std::mt19937 random_;
 };
 
-TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
+TEST(CanonicalRecords, CountsRandomLinesLikeThePlainRule) {
     RecordMaker maker(19);
     long fast = 0;
     std::int64_t counted_at_all = 0;
@@ -236,7 +238,7 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
         fast += CanonicalQuery(query).has_fast_path();
         for (const auto& row : plain.rows) counted_at_all += row[ALLOWED] + row[DENIED];
         if (same_counts_on_all_paths(query, text)) continue;
-        // Say which line it was.
+        // Report the lines that differ.
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);) {
             EXPECT_TRUE(same_counts_on_all_paths(query, line + "\n"))
@@ -246,12 +248,12 @@ TEST(CanonicalRecords, AreCountedAsByThePlainRule) {
                << query.filters[0] << " " << query.filters[1] << " " << query.filters[2] << " "
                << query.filters[3];
     }
-    // The comparison is worth something only if both paths had something to do.
+    // Else the comparison would prove little.
     EXPECT_GT(fast, 500);
     EXPECT_GT(counted_at_all, 4000);
 }
 
-TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {
+TEST(CanonicalRecords, CountsPiecesCutAnywhereLikeThePlainRule) {
     RecordMaker maker(7);
     for (int round = 0; round < 3000; ++round) {
         const RecordQuery query = query_of(1 + maker.draw(6), {":", ":", ":", ":"});
@@ -262,7 +264,7 @@ TEST(CanonicalRecords, AreCountedWhereverAPieceEnds) {
     }
 }
 
-TEST(CanonicalRecords, MayHoldWhatAFilterBeginsWith) {
+TEST(CanonicalRecords, CountsDelimitersInsideFieldsLikeThePlainRule) {
     const std::string earlier = std::to_string(PERIOD_END - 5000) + ":S:somebody[1]-<->\n";
     const std::string head = earlier + std::to_string(PERIOD_END - 1000) + ":";
     for (const char* filter : {":[", ":<[", ":>[", ":a[", "[5]", "<5>"}) {
@@ -281,7 +283,7 @@ TEST(CanonicalRecords, MayHoldWhatAFilterBeginsWith) {
     }
 }
 
-TEST(CanonicalRecords, GoOnAfterAControlCharacter) {
+TEST(CanonicalRecords, ContinuesAfterAControlCharacter) {
     const std::string record = std::to_string(PERIOD_END - 1000) + ":S:ann[1]-<5>";
     for (const char* between : {"\x01", "\x1f", "\n", "\n\x01", "\x01\n"}) {
         const std::string text = record + between + record + "\n";
@@ -291,7 +293,7 @@ TEST(CanonicalRecords, GoOnAfterAControlCharacter) {
     }
 }
 
-TEST(CanonicalRecords, AreTheEarliestEvenWhereTheyAreFilteredOut) {
+TEST(CanonicalRecords, TakesTheEarliestTimeOfFilteredRecordsToo) {
     RecordMaker maker(11);
     for (int round = 0; round < 2000; ++round) {
         RecordQuery query = query_of(1, {":somebody[", ":", ":", ":"});
@@ -305,14 +307,14 @@ TEST(CanonicalRecords, AreTheEarliestEvenWhereTheyAreFilteredOut) {
     }
 }
 
-TEST(CanonicalRecords, FiltersOfTheQueriesHaveAFastPath) {
+TEST(CanonicalRecords, HasAFastPathForTheFiltersOfQueries) {
     for (const char* filter : {":", "[", "[1]", "[54]", ":ann[", ":b:", "]k<", "]c<", "<5>",
                                "<119>", "<4000000000>", ":somebody.with.a.long.name..31..["}) {
         EXPECT_TRUE(CanonicalQuery(query_of(1, {filter, ":", ":", ":"})).has_fast_path()) << filter;
     }
 }
 
-TEST(CanonicalRecords, FiltersThatMatchAcrossFieldsHaveNone) {
+TEST(CanonicalRecords, HasNoFastPathForFiltersAcrossFields) {
     for (const char* filter :
          {":s:bob[", ":a[b[", "ann", "[5]-<", "1794", "k<7>", "<->", ":[", ":<["}) {
         EXPECT_FALSE(CanonicalQuery(query_of(1, {filter, ":", ":", ":"})).has_fast_path())
@@ -322,3 +324,4 @@ TEST(CanonicalRecords, FiltersThatMatchAcrossFieldsHaveNone) {
 }
 
 }  // namespace
+}  // namespace gatescope

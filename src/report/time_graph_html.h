@@ -1,5 +1,7 @@
 #pragma once
 
+namespace gatescope {
+
 // Pieces of the time graphs: a row of narrow columns made of nested tables, one a day, whose cell
 // heights are the bars. A bar and its filler are 100 pixels together.
 
@@ -21,7 +23,7 @@ inline constexpr char CELL_PART[] =
 inline constexpr char ROW_PENCIL[] =
     "         <tr class=\"hot_row\" ><td class=\"bottom_line_pencil\" width=6 height=2 "
     "></td></tr>\n";
-/// Its class has no style rule; the row stays without a colour.
+/// Its class has no style rule, so the row has no colour.
 inline constexpr char ROW_SPACE[] =
     "         <tr class=\"hot_row\" ><td class=\"bottom_space_pencil\" width=6 height=1 "
     "></td></tr>\n";
@@ -69,8 +71,7 @@ inline constexpr char TOP_TWIST_GRAPH[] =
     "   <td class=\"bottom_line_pencil\" height=100 width=2 ></td>\n";
 
 /// Closing of every time graph. Label of the oldest day, label of today, text widget. The style
-/// attributes hold names of classes and so do nothing; the cells stay as plain as they always
-/// were.
+/// attributes contain class names, so they have no effect.
 inline constexpr char BOTTOM_TIME_GRAPH[] =
     "\n</tr>\n<tr>\n"
     "   <td style=\"cell_left\" ></td>\n"
@@ -94,23 +95,4 @@ inline constexpr char BOTTOM_TIME_GRAPH[] =
     "   <td style=\"top_left_line_pencil\" colspan=71 align=right >%s--^</td>\n"
     "</tr>\n</table>\n<br>\n%s\n";
 
-// Titles of a day's bar; the last place is the day's label. Their spellings stay.
-
-/// Allowed, its percentage, total.
-inline constexpr char TITLE_ALLOWED[] =
-    "%u (%d%%) of %u matching commands were allowed through Gatewarden policy on %s";
-/// Total.
-inline constexpr char TITLE_NONE_ALLOWED[] =
-    "None of the %u matching commands(s) were allowed through Gatewarden policy on %s";
-/// Denied, its percentage, total.
-inline constexpr char TITLE_DENIED[] =
-    "%u (%d%%) of %u matching commands were denied by Gatewarden Policy on %s";
-/// Total.
-inline constexpr char TITLE_NONE_DENIED[] =
-    "None of the %u matching commands(s) were denied by Gatewarden policy on %s";
-inline constexpr char TITLE_NO_COMMANDS[] = "No matching commands were attempted on %s";
-/// What, count.
-inline constexpr char TITLE_INVOKED[] =
-    "Matching %s were invoked %u times through Gatewarden policy on %s";
-inline constexpr char TITLE_INVOKED_TO_DENY[] =
-    "Matching %s were invoked %u times to deny command usage on %s";
+}  // namespace gatescope

@@ -1,4 +1,4 @@
-// The plan of the house: includes run downwards only.
+// The folders of src are layers; includes go downwards only.
 
 #include <gtest/gtest.h>
 
@@ -12,21 +12,23 @@
 #include <utility>
 #include <vector>
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
 namespace {
 
 const fs::path SOURCE = fs::path(SOURCE_DIRECTORY) / "src";
 
-/// A folder is a floor; from the ground up.
-const std::vector<std::string> FLOORS = {"messages", "base",    "dialog", "policy",
-                                         "logs",     "pruning", "report", "queries",
-                                         "actions",  "main",    "history"};
+/// The layers, lowest first.
+const std::vector<std::string> LAYERS = {"messages", "base",    "dialog",  "policy",
+                                         "records",  "logs",    "pruning", "report",
+                                         "queries",  "actions", "main",    "history"};
 
-/// The floor of a file, given below src/, from 1; 0 when it stands on none.
-int floor_of(const fs::path& file) {
-    const auto found = std::find(FLOORS.begin(), FLOORS.end(), file.parent_path());
-    return found == FLOORS.end() ? 0 : static_cast<int>(found - FLOORS.begin()) + 1;
+/// The layer of a file, given relative to src/, from 1; 0 when its folder is unknown.
+int layer_of(const fs::path& file) {
+    const auto found = std::find(LAYERS.begin(), LAYERS.end(), file.parent_path());
+    return found == LAYERS.end() ? 0 : static_cast<int>(found - LAYERS.begin()) + 1;
 }
 
 std::vector<fs::path> sources() {
@@ -45,7 +47,7 @@ std::vector<std::string> lines_of(const fs::path& file) {
     return lines;
 }
 
-/// The house's own files that `file` includes.
+/// The project's own files that `file` includes.
 std::vector<fs::path> includes_of(const fs::path& file) {
     static const std::regex include("^\\s*#\\s*include\\s*\"([^\"]+)\".*");
     std::vector<fs::path> included;
@@ -56,40 +58,54 @@ std::vector<fs::path> includes_of(const fs::path& file) {
     return included;
 }
 
-TEST(Floors, TheWholeHouseIsSeen) {
+TEST(Layers, TestReadsAllSources) {
     EXPECT_GT(sources().size(), 50u);
-    EXPECT_EQ(floor_of("main/main.cpp"), 10);
-    EXPECT_EQ(floor_of("base/text.h"), 2);
-    EXPECT_EQ(floor_of("elsewhere/x.h"), 0);
+    EXPECT_EQ(layer_of("main/main.cpp"), 11);
+    EXPECT_EQ(layer_of("base/text.h"), 2);
+    EXPECT_EQ(layer_of("elsewhere/x.h"), 0);
     EXPECT_FALSE(includes_of("main/main.cpp").empty());
 }
 
-TEST(Floors, EveryFileStandsOnOne) {
-    for (const fs::path& file : sources()) EXPECT_NE(floor_of(file), 0) << file;
+TEST(Layers, EveryFileIsInAKnownFolder) {
+    for (const fs::path& file : sources()) EXPECT_NE(layer_of(file), 0) << file;
 }
 
-TEST(Floors, IncludesRunDownwardsOnly) {
+/// Whether a line is neither code nor the declaration of main.
+bool needs_no_namespace(const std::string& line) {
+    return line.empty() || line.starts_with('#') || line.starts_with('/') ||
+           line.starts_with(' ') || line.starts_with('}') || line.starts_with("int main(");
+}
+
+TEST(Layers, EverySourceIsInTheNamespace) {
+    for (const fs::path& file : sources()) {
+        const std::vector<std::string> lines = lines_of(file);
+        const bool has_code = !std::ranges::all_of(lines, needs_no_namespace);
+        EXPECT_EQ(std::ranges::count(lines, "namespace gatescope {"), has_code) << file;
+    }
+}
+
+TEST(Layers, IncludesGoDownwardsOnly) {
     for (const fs::path& file : sources()) {
         for (const fs::path& included : includes_of(file)) {
             EXPECT_TRUE(fs::exists(SOURCE / included)) << file << " includes " << included;
-            EXPECT_LE(floor_of(included), floor_of(file)) << file << " includes " << included;
+            EXPECT_LE(layer_of(included), layer_of(file)) << file << " includes " << included;
         }
     }
 }
 
-TEST(Floors, NoFileIsTooLongToRead) {
+TEST(Layers, NoFileIsTooLong) {
     constexpr std::size_t LONGEST = 350;
     for (const fs::path& file : sources()) EXPECT_LE(lines_of(file).size(), LONGEST) << file;
 }
 
-/// A header and its implementation are one.
+/// A header and its implementation are one subject.
 std::string subject_of(fs::path file) {
     return file.replace_extension();
 }
 
-/// A subject's way back to itself, if there is one, over what it includes.
-std::string circle_from(const std::string& start,
-                        const std::map<std::string, std::set<std::string>>& included) {
+/// Describes a cycle of includes through `start`; empty without one.
+std::string cycle_from(const std::string& start,
+                       const std::map<std::string, std::set<std::string>>& included) {
     std::vector<std::string> to_visit = {start};
     std::set<std::string> seen;
     while (!to_visit.empty()) {
@@ -103,9 +119,8 @@ std::string circle_from(const std::string& start,
     return "";
 }
 
-/// With floors that hold, no two folders include each other; so neither do two files of two
-/// folders, and those of one folder may not either.
-TEST(Floors, NoFileIncludesItselfByAnyWay) {
+/// Within a folder too, where the order of layers does not exclude it.
+TEST(Layers, IncludesHaveNoCycle) {
     std::map<std::string, std::set<std::string>> included;
     for (const fs::path& file : sources()) {
         auto& subjects = included[subject_of(file)];
@@ -113,10 +128,10 @@ TEST(Floors, NoFileIncludesItselfByAnyWay) {
             if (subject_of(other) != subject_of(file)) subjects.insert(subject_of(other));
         }
     }
-    for (const auto& [subject, others] : included) EXPECT_EQ(circle_from(subject, included), "");
+    for (const auto& [subject, others] : included) EXPECT_EQ(cycle_from(subject, included), "");
 }
 
-TEST(Floors, NoTwoFoldersIncludeEachOther) {
+TEST(Layers, NoTwoFoldersIncludeEachOther) {
     std::set<std::pair<std::string, std::string>> pairs;
     for (const fs::path& file : sources()) {
         for (const fs::path& other : includes_of(file)) {
@@ -129,8 +144,8 @@ TEST(Floors, NoTwoFoldersIncludeEachOther) {
     for (const auto& [from, to] : pairs) EXPECT_EQ(pairs.count({to, from}), 0u) << from << to;
 }
 
-TEST(Floors, MessagesHoldNoCode) {
-    // A table has no parentheses outside its texts and comments, other than an attribute's.
+TEST(Layers, MessagesContainNoCode) {
+    // Constants have no parentheses outside their texts and comments.
     static const std::regex text("\"([^\"\\\\]|\\\\.)*\"");
     static const std::regex comment("//.*");
     static const std::regex words_of_code("\\b(if|for|while|return|switch|operator)\\b|[()]");
@@ -151,7 +166,7 @@ TEST(Floors, MessagesHoldNoCode) {
     }
 }
 
-TEST(Floors, MessagesIncludeNothingButMessages) {
+TEST(Layers, MessagesIncludeNothingButMessages) {
     for (const fs::path& file : sources()) {
         if (file.parent_path() != "messages") continue;
         for (const fs::path& included : includes_of(file)) {
@@ -160,7 +175,7 @@ TEST(Floors, MessagesIncludeNothingButMessages) {
     }
 }
 
-TEST(Floors, MessagesAreConstants) {
+TEST(Layers, MessagesAreConstants) {
     static const std::regex declaration("^(inline|static|extern|const|char|std::|int )");
     for (const fs::path& file : sources()) {
         if (file.parent_path() != "messages") continue;
@@ -173,3 +188,4 @@ TEST(Floors, MessagesAreConstants) {
 }
 
 }  // namespace
+}  // namespace gatescope
