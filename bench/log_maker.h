@@ -6,15 +6,15 @@
 
 namespace gatescope {
 
-// Makes the records for the benchmarks.
+// Records for the benchmarks.
 
 inline constexpr int BENCH_FILES = 21;
 inline constexpr int BENCH_USERS = 500;
 inline constexpr int BENCH_DAYS = 125;
 inline constexpr int BENCH_COMMANDS = 54;
 
-/// Appends one record to `text`: two of five are allowed commands, and one each a denial, a use of
-/// a bit and a decision of the parent policy.
+/// Appends a random record to `text`: an allowed command with probability 2/5, and a denial, a use
+/// of a bit or a decision of the parent policy with 1/5 each.
 inline void append_record(std::mt19937& random, std::int64_t time, std::string* text) {
     const std::string user = "user" + std::to_string(random() % BENCH_USERS);
     const std::string command = std::to_string(1 + random() % BENCH_COMMANDS);

@@ -1,5 +1,5 @@
-// Makes the log files for the benchmarks, with random times or, with a third argument, in
-// ascending order of time: make_logs <directory> <megabytes> [in_order].
+// Makes log files with records of random times for scripts/bench: make_logs <directory>
+// <megabytes>.
 
 #include <cstdint>
 #include <cstdio>
@@ -16,20 +16,14 @@ namespace {
 
 constexpr std::int64_t SPAN = BENCH_DAYS * std::int64_t{86400};
 
-/// The age in seconds of the record at offset `done` of a log of `size` bytes.
-std::int64_t age(std::mt19937& random, bool in_order, std::size_t done, std::size_t size) {
-    if (!in_order) return static_cast<std::int64_t>(random() % SPAN);
-    return SPAN - SPAN * static_cast<std::int64_t>(done) / static_cast<std::int64_t>(size);
-}
-
-bool make_file(const std::string& path, std::size_t size, bool in_order, std::mt19937& random) {
+bool make_file(const std::string& path, std::size_t size, std::mt19937& random) {
     const std::unique_ptr<FILE, int (*)(FILE*)> file(std::fopen(path.c_str(), "w"), std::fclose);
     if (!file) return false;
     const std::int64_t now = std::time(nullptr);
     std::string text;
     for (std::size_t done = 0; done < size;) {
         text.clear();
-        append_record(random, now - age(random, in_order, done, size), &text);
+        append_record(random, now - static_cast<std::int64_t>(random() % SPAN), &text);
         if (std::fwrite(text.data(), 1, text.size(), file.get()) != text.size()) return false;
         done += text.size();
     }
@@ -41,17 +35,16 @@ bool make_file(const std::string& path, std::size_t size, bool in_order, std::mt
 
 int main(int argc, char** argv) {
     using namespace gatescope;
-    if (argc < 3) {
-        std::fprintf(stderr, "usage: make_logs <directory> <megabytes> [in_order]\n");
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: make_logs <directory> <megabytes>\n");
         return 2;
     }
     const std::string directory = argv[1];
     const std::size_t size = std::strtoul(argv[2], nullptr, 10) * 1000000 / BENCH_FILES;
-    const bool in_order = argc > 3 && std::string(argv[3]) == "in_order";
     std::mt19937 random(20);
     for (int number = 0; number < BENCH_FILES; ++number) {
         const std::string path = directory + "/logging_" + std::to_string(number) + ".txt";
-        if (!make_file(path, size, in_order, random)) {
+        if (!make_file(path, size, random)) {
             std::perror(path.c_str());
             return 1;
         }

@@ -39,9 +39,9 @@ class Directory {
     [[nodiscard]] Entry look(const std::string& name) const;
     /// Whether `name` is a hard link of the open file.
     [[nodiscard]] bool is_name_of(const std::string& name, const Descriptor& file) const;
-    /// Whether the file can get a second hard link, which is made as `trial` and removed again, and
-    /// its name be given to another file: 0, or the errno that says why not. 0 also when `trial`
-    /// exists.
+    /// Whether the file `name` can be replaced: its name can be given to another file, and it can
+    /// get a hard link, for which `trial` is created and removed. 0, or the errno that prevents it;
+    /// 0 too if `trial` exists already.
     [[nodiscard]] int may_replace(const std::string& name, const std::string& trial) const;
     /// Appends the names that begin with `prefix`.
     int list(const std::string& prefix, std::vector<std::string>* names) const;

@@ -8,7 +8,7 @@ namespace gatescope {
 /// The directory of `path`.
 std::string directory_of(const std::string& path);
 
-/// The name of the file in that directory: the text after the last slash.
+/// The last component of `path`.
 std::string file_name_of(const std::string& path);
 
 /// The path of `name` in the directory of `path`.

@@ -26,10 +26,10 @@ class LogReader {
   public:
     LogReader();
 
-    /// As the end of a range: the end of the file at the time when it is reached.
+    /// As an end: the end of the file at the time when it is reached.
     static constexpr off_t TO_THE_END = std::numeric_limits<off_t>::max();
 
-    /// Starts with byte `from` of `file`, which is read as if it ended before its byte `end`. The
+    /// Starts with byte `from` of `file`, and reads as if the file ended before byte `end`. The
     /// caller keeps the file open, and closes it.
     void start(int file, off_t from = 0, off_t end = TO_THE_END);
 
@@ -50,7 +50,7 @@ class LogReader {
 
     std::unique_ptr<char[]> buffer_;
     int file_ = -1;
-    /// Offset of the next read, end of the range, and end of what is read of the file.
+    /// Offset of the next read, end of the range, and where the file counts as ended.
     off_t offset_ = 0;
     off_t to_ = TO_THE_END;
     off_t end_ = TO_THE_END;

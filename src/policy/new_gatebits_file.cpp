@@ -39,7 +39,7 @@ bool may_be_planted(const std::string& path, const struct stat& link) {
 }
 
 /// The path of a new file: the end of the links at `path`; nothing if one of them is not followed.
-std::optional<std::string> resolved_path(std::string path) {
+std::optional<std::string> path_of_new_file(std::string path) {
     for (int links = 0; links < MAX_LINKS; ++links) {
         struct stat status;
         if (lstat(path.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
@@ -68,7 +68,7 @@ int give_name(const std::string& unfinished, const std::string& path) {
 
 NewFile create_gatebits_file(const std::string& path, const std::string& text,
                              const RecordedChange& change) {
-    const auto target = resolved_path(path);
+    const auto target = path_of_new_file(path);
     if (!target) return NewFile::NOT_CREATED;
     const std::string unfinished = unfinished_name(*target);
     // With the operator's default permissions.

@@ -19,7 +19,6 @@
 #include "records/kept_records.h"
 
 namespace gatescope {
-
 namespace {
 
 using enum LeftOver::Kind;

@@ -24,7 +24,6 @@
 #include "records/query_period.h"
 
 namespace gatescope {
-
 namespace {
 
 /// Opens the token, or makes it, and appends to it. From then on a signal takes it away. 0 or an

@@ -10,9 +10,10 @@
 
 #include "support/scratch_directory.h"
 
+namespace gatescope {
+
 namespace fs = std::filesystem;
 
-namespace gatescope {
 namespace {
 
 class Directories : public testing::Test {

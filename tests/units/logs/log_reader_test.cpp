@@ -98,8 +98,8 @@ TEST_F(LogReaderOnFiles, StartsAtAnyOffset) {
     EXPECT_EQ(words_read(log_file_path(0), 100), Words{});
 }
 
-TEST_F(LogReaderOnFiles, StopsAtTheEndThatItIsGiven) {
-    // Longer than one read.
+TEST_F(LogReaderOnFiles, CanEndBeforeTheEndOfTheFile) {
+    // Longer than what is read at once.
     std::string text;
     for (int i = 0; text.size() < 300'000; ++i) text += std::to_string(i) + "\n";
     write_log(0, text);
@@ -114,7 +114,7 @@ TEST_F(LogReaderOnFiles, StopsAtTheEndThatItIsGiven) {
             EXPECT_EQ(words, words_of(text.substr(static_cast<std::size_t>(from), size))) << end;
         }
     }
-    // The next file is read to its own end.
+    // Not so for what is read next.
     Words words;
     reader.start(log.get());
     add_words(reader, &words);
