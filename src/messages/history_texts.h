@@ -46,7 +46,7 @@ inline constexpr char HISTORY_USAGE[] =
     "  -f FILE       the policy file, where there are several in the history\n\n"
     "The exit status is 0 when there are changes, no differences, or the text was put back; 1 "
     "when\n"
-    "there are no changes, or differences, or nothing to put back; 2 after an error.\n";
+    "there are no changes, or differences; 2 after an error.\n";
 /// Program, version.
 inline constexpr char HISTORY_VERSION[] = "%s %s\n";
 

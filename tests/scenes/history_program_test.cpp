@@ -295,6 +295,10 @@ TEST(HistoryProgram, SaysWhatItIs) {
     const Result help = history(east, {"--help"});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.starts_with("Usage: gatescope-history ")) << help.out;
+    EXPECT_TRUE(help.out.ends_with(
+        "The exit status is 0 when there are changes, no differences, or the text was put back; 1 "
+        "when\nthere are no changes, or differences; 2 after an error.\n"))
+        << help.out;
     EXPECT_EQ(history(east, {"--version"}).out, "gatescope-history " GATESCOPE_VERSION "\n");
 }
 
