@@ -36,7 +36,7 @@ std::vector<std::string> shown_characters(std::string_view text) {
     return characters;
 }
 
-std::string harmless(std::string_view text) {
+std::string printable(std::string_view text) {
     const auto characters = shown_characters(text);
     return std::accumulate(characters.begin(), characters.end(), std::string());
 }

@@ -16,6 +16,6 @@ std::size_t utf8_size(std::string_view text);
 std::vector<std::string> shown_characters(std::string_view text);
 
 /// The same as one text.
-std::string harmless(std::string_view text);
+std::string printable(std::string_view text);
 
 }  // namespace gatescope

@@ -73,7 +73,7 @@ int error_status() {
 
 void gripe(const std::string& message) {
     if (ZUL_PREFER_GUI == ERRORS_ON_STDERR) {
-        note(harmless(message), HISTORY_PROGRAM);
+        note(printable(message), HISTORY_PROGRAM);
     } else if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
                           quoted(message).c_str()),

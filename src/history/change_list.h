@@ -6,9 +6,9 @@
 
 namespace gatescope {
 
-/// The changes as a list for people, one a line: number, time, operator, action, item, old and new
-/// value. Long ones are cut so that a line is no wider than `width` characters. What a terminal
-/// would obey stands there as '?'.
-std::string list_of(const PastChanges& changes, std::size_t width);
+/// The changes as a table, one a line: number, time, operator, action, item, old and new value.
+/// Items and values are cut so that a line has at most `width` characters, as far as 16 characters
+/// for both values allow. Control characters and bytes that are not UTF-8 are shown as '?'.
+std::string list_of(const ChangeRecords& changes, std::size_t width);
 
 }  // namespace gatescope

@@ -25,8 +25,8 @@ std::string bytes_of(const std::string& path) {
     return bytes;
 }
 
-/// Whether the line is a complete record: a torn one may end anywhere.
-bool is_record(const PastChange& change) {
+/// Whether the line is a complete record. A torn line may end at any byte.
+bool is_record(const ChangeRecord& change) {
     return change.text("file").starts_with('/') &&
            (change.line.ends_with("\"saved\":null}\n") ||
             (change.value("saved") && change.line.ends_with("\"}\n")));
@@ -34,13 +34,13 @@ bool is_record(const PastChange& change) {
 
 }  // namespace
 
-PastChanges read_history(const std::string& directory, const std::optional<std::string>& file) {
-    PastChanges changes;
+ChangeRecords read_history(const std::string& directory, const std::optional<std::string>& file) {
+    ChangeRecords changes;
     const std::string path = directory + "/" + CHANGES_FILE;
     const std::string bytes = bytes_of(path);
     int number = 0;
     for (const std::string_view line : whole_lines(bytes)) {
-        const PastChange change = {directory, ++number, std::string(line)};
+        const ChangeRecord change = {directory, ++number, std::string(line)};
         if (!is_record(change)) {
             note(filled(NOT_A_COMPLETE_RECORD, number, path.c_str()), HISTORY_PROGRAM);
         } else if (!file || change.text("file") == *file) {
@@ -50,18 +50,18 @@ PastChanges read_history(const std::string& directory, const std::optional<std::
     return changes;
 }
 
-std::string text_before(const PastChange& change) {
+std::string text_before(const ChangeRecord& change) {
     if (!change.value("saved")) return "";
-    // No record that was made here leads to another directory, or to a text that none could read.
+    // A forged record must not name a file outside the history, and the text must be restorable.
     const std::string path = change.directory + "/" + file_name_of(change.text("saved"));
     const std::string text = bytes_of(path);
     if (text.size() <= GATEBITS_FILE_LIMIT) return text;
     gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
 }
 
-std::string text_after(const PastChange& change, const PastChanges& changes) {
+std::string text_after(const ChangeRecord& change, const ChangeRecords& changes) {
     const std::string file = change.text("file");
-    for (const PastChange& next : changes) {
+    for (const ChangeRecord& next : changes) {
         if (next.number <= change.number || next.text("file") != file) continue;
         if (!next.value("saved")) gripe(filled(FILE_WAS_GONE, file.c_str(), next.number));
         return text_before(next);

@@ -12,90 +12,77 @@
 namespace gatescope {
 namespace {
 
-constexpr std::size_t LINES_AROUND = 3;
+constexpr std::size_t CONTEXT_LINES = 3;
 
-/// By what a line begins with, and of all others.
-constexpr std::string_view KINDS = "@-+";
+/// The first characters of hunk heads, deleted and added lines, and the colours of these and of
+/// context lines.
+constexpr std::string_view COLOURED = "@-+";
 constexpr std::array<const char*, 4> COLOURS = {CYAN, RED, GREEN, PLAIN};
 
 using Lines = std::vector<std::string_view>;
 
-/// Lines that stay, go or come, each after its ' ', '-' or '+'.
-using Steps = std::vector<std::string>;
-
-std::string step(char kind, std::string_view line) {
-    return kind + std::string(line) + (line.ends_with('\n') ? "" : NO_NEWLINE_AT_END);
-}
-
-/// As many lines as possible stay. Between them those that go are first.
-Steps steps_between(const Lines& old_lines, const Lines& new_lines) {
+/// The shortest edit: ' ' for each line that is kept, '-' deleted, '+' added; deletions first.
+std::string edit_between(const Lines& old_lines, const Lines& new_lines) {
     const std::size_t rows = old_lines.size();
     const std::size_t columns = new_lines.size();
-    // From each pair of places on: how many lines can stay, and whether that is so without the old
-    // one.
-    std::vector<bool> old_may_go(rows * (columns + 1), true);
+    // The longest common subsequence of the lines from old line i and new line j on: its length, in
+    // row i and the row below, and whether there is one without old line i.
+    std::vector<bool> can_delete(rows * (columns + 1), true);
     std::vector<std::size_t> below(columns + 1);
-    std::vector<std::size_t> here(columns + 1);
-    for (std::size_t i = rows; i-- > 0; std::swap(here, below)) {
+    std::vector<std::size_t> row(columns + 1);
+    for (std::size_t i = rows; i-- > 0; std::swap(row, below)) {
         for (std::size_t j = columns; j-- > 0;) {
-            const bool same = old_lines[i] == new_lines[j];
-            here[j] = same ? below[j + 1] + 1 : std::max(below[j], here[j + 1]);
-            old_may_go[i * (columns + 1) + j] = below[j] >= here[j + 1];
+            const bool is_same = old_lines[i] == new_lines[j];
+            row[j] = is_same ? below[j + 1] + 1 : std::max(below[j], row[j + 1]);
+            can_delete[i * (columns + 1) + j] = below[j] >= row[j + 1];
         }
     }
-    Steps steps;
+    std::string edit;
     for (std::size_t i = 0, j = 0; i < rows || j < columns;) {
-        if (i < rows && j < columns && old_lines[i] == new_lines[j]) {
-            steps.push_back(step(' ', old_lines[i++]));
-            ++j;
-        } else if (i < rows && old_may_go[i * (columns + 1) + j]) {
-            steps.push_back(step('-', old_lines[i++]));
-        } else {
-            steps.push_back(step('+', new_lines[j++]));
-        }
+        const bool is_same = i < rows && j < columns && old_lines[i] == new_lines[j];
+        const bool is_deleted = i < rows && can_delete[i * (columns + 1) + j];
+        edit += is_same ? ' ' : is_deleted ? '-' : '+';
+        i += edit.back() != '+' ? 1U : 0U;
+        j += edit.back() != '-' ? 1U : 0U;
     }
-    return steps;
+    return edit;
 }
 
-/// Whether a diff shows it: it changes something, or is near a step that does.
-bool is_shown(const Steps& steps, std::size_t i) {
-    const std::size_t end = std::min(i + LINES_AROUND + 1, steps.size());
-    for (std::size_t near = i - std::min(i, LINES_AROUND); near < end; ++near) {
-        if (steps[near].front() != ' ') return true;
-    }
-    return false;
+/// Whether the line of step i is part of a hunk: a change or its context.
+bool is_in_hunk(const std::string& edit, std::size_t i) {
+    const std::size_t before = std::min(i, CONTEXT_LINES);
+    const std::string context = edit.substr(i - before, before + 1 + CONTEXT_LINES);
+    return context.find_first_not_of(' ') != std::string::npos;
 }
 
-/// So many lines after so many others.
-std::string range(std::size_t before, std::size_t count) {
-    const std::string begin = std::to_string(count == 0 ? before : before + 1);
-    return count == 1 ? begin : begin + "," + std::to_string(count);
+/// The lines from `begin` to before `end`, both from 0, as a hunk's head names them.
+std::string range(std::size_t begin, std::size_t end) {
+    const std::string first = std::to_string(begin == end ? begin : begin + 1);
+    return end - begin == 1 ? first : first + "," + std::to_string(end - begin);
 }
 
 }  // namespace
 
 std::string unified_diff(std::string_view old_text, std::string_view new_text,
                          const std::string& head) {
-    const Steps steps = steps_between(whole_lines(old_text), whole_lines(new_text));
+    const Lines old_lines = whole_lines(old_text);
+    const Lines new_lines = whole_lines(new_text);
+    const std::string edit = edit_between(old_lines, new_lines);
     std::string hunks;
-    std::size_t old_before = 0;
-    std::size_t new_before = 0;
-    // Between two hunks there are lines that stay.
-    for (std::size_t i = 0; i < steps.size(); ++i, ++old_before, ++new_before) {
-        std::string lines;
-        std::size_t in_old = 0;
-        std::size_t in_new = 0;
-        for (; i < steps.size() && is_shown(steps, i); ++i) {
-            in_old += steps[i].front() != '+' ? 1U : 0U;
-            in_new += steps[i].front() != '-' ? 1U : 0U;
-            lines += steps[i];
+    // The step after a hunk keeps a line.
+    for (std::size_t step = 0, i = 0, j = 0; step < edit.size(); ++step, ++i, ++j) {
+        const std::size_t old_begin = i;
+        const std::size_t new_begin = j;
+        std::string hunk;
+        for (; step < edit.size() && is_in_hunk(edit, step); ++step) {
+            const std::string_view line = edit[step] == '+' ? new_lines[j] : old_lines[i];
+            hunk += edit[step] + std::string(line);
+            if (!line.ends_with('\n')) hunk += NO_NEWLINE_AT_END;
+            i += edit[step] != '+' ? 1U : 0U;
+            j += edit[step] != '-' ? 1U : 0U;
         }
-        if (lines.empty()) continue;
-        hunks += filled(DIFF_HUNK, range(old_before, in_old).c_str(),
-                        range(new_before, in_new).c_str()) +
-                 lines;
-        old_before += in_old;
-        new_before += in_new;
+        if (hunk.empty()) continue;
+        hunks += filled(DIFF_HUNK, range(old_begin, i).c_str(), range(new_begin, j).c_str()) + hunk;
     }
     return hunks.empty() ? "" : head + hunks;
 }
@@ -104,9 +91,9 @@ std::string for_terminal(std::string_view diff, bool has_colours) {
     std::string shown;
     const Lines lines = whole_lines(diff);
     for (std::size_t i = 0; i < lines.size(); ++i) {
-        const std::string text = harmless(lines[i].substr(0, lines[i].size() - 1));
+        const std::string text = printable(lines[i].substr(0, lines[i].size() - 1));
         const std::string colour =
-            i < 2 ? BOLD : COLOURS.at(std::min(KINDS.find(text.front()), KINDS.size()));
+            i < 2 ? BOLD : COLOURS.at(std::min(COLOURED.find(text.front()), COLOURED.size()));
         shown += (has_colours ? colour + text + PLAIN : text) + '\n';
     }
     return shown;

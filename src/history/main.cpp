@@ -33,17 +33,21 @@
 namespace gatescope {
 namespace {
 
-enum Status { FOUND = 0, NOTHING_FOUND = 1, SAME = 0, DIFFERENT = 1, DONE = 0 };
+// Exit statuses, as of grep and diff; after an error it is 2.
 
-/// Prints a text; the status, unless that fails.
-Status print(const std::string& text, Status status) {
+/// There are changes, no differences, or the text was put back.
+constexpr int SUCCESS = 0;
+constexpr int NO_CHANGES_OR_DIFFERENT = 1;
+
+/// Prints the text and returns the status; gripes when it cannot be written.
+int print(const std::string& text, int status) {
     const int error = write_all(STDOUT_FILENO, text);
     if (error != 0) gripe(filled(OUTPUT_NOT_WRITTEN, std::strerror(error)));
     return status;
 }
 
-/// How many characters there is room for in a line.
-std::size_t width_of_output() {
+/// The columns of the terminal; without one unlimited.
+std::size_t output_width() {
     winsize size = {};
     const bool is_terminal = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return is_terminal ? size.ws_col : std::numeric_limits<std::size_t>::max();
@@ -56,55 +60,38 @@ bool has_colours() {
            (no_color == nullptr || *no_color == '\0');
 }
 
-const PastChange& change_numbered(const std::string& number, const PastChanges& changes) {
-    for (const PastChange& change : changes) {
-        if (std::to_string(change.number) == number) return change;
-    }
-    gripe(filled(NO_SUCH_CHANGE, number.c_str(), std::getenv(ENV_HISTORY)));
-}
-
-Status list(const PastChanges& changes, const std::string& /*number*/) {
-    if (changes.empty()) return NOTHING_FOUND;
+int list(const ChangeRecords& changes) {
+    if (changes.empty()) return NO_CHANGES_OR_DIFFERENT;
     const std::string first = changes.front().text("file");
-    for (const PastChange& change : changes) {
+    for (const ChangeRecord& change : changes) {
         const std::string file = change.text("file");
         if (file == first) continue;
         gripe(filled(SEVERAL_FILES, change.directory.c_str(), first.c_str(), file.c_str()));
     }
-    return print(list_of(changes, width_of_output()), FOUND);
+    return print(list_of(changes, output_width()), SUCCESS);
 }
 
-Status show_diff(const PastChanges& changes, const std::string& number) {
-    const PastChange& change = change_numbered(number, changes);
-    const std::string file = harmless(change.text("file"));
+int show_diff(const ChangeRecord& change, const ChangeRecords& changes) {
+    const std::string file = printable(change.text("file"));
     const std::string diff =
         unified_diff(text_before(change), text_after(change, changes),
                      filled(DIFF_HEAD, file.c_str(), change.number, file.c_str(), change.number));
     return print(isatty(STDOUT_FILENO) == 1 ? for_terminal(diff, has_colours()) : diff,
-                 diff.empty() ? SAME : DIFFERENT);
+                 diff.empty() ? SUCCESS : NO_CHANGES_OR_DIFFERENT);
 }
 
-Status restore(const PastChanges& changes, const std::string& number) {
-    const PastChange& change = change_numbered(number, changes);
+int restore(const ChangeRecord& change) {
     const std::string file = change.text("file");
     const auto saved = change.value("saved");
     if (!saved) gripe(filled(NO_TEXT_BEFORE, change.number, file.c_str()));
     if (!operator_name()) gripe(NO_USER);
     verify_set_tempdir();
-    const std::string item = filled(TEXT_BEFORE_CHANGE, change.number);
     const Gatebits text(text_before(change));
     if (text.lines().empty()) gripe(filled(GATEBITS_EMPTY, saved->c_str()));
+    const std::string item = filled(TEXT_BEFORE_CHANGE, change.number);
     put_back(file, text, {RESTORE_ACTION, item, std::nullopt, saved});
-    return DONE;
+    return SUCCESS;
 }
-
-struct Command {
-    const char* name;
-    std::size_t words;  ///< with its name
-    Status (*run)(const PastChanges& changes, const std::string& number);
-};
-constexpr std::array<Command, 3> COMMANDS = {
-    {{"list", 1, list}, {"diff", 2, show_diff}, {"restore", 2, restore}}};
 
 constexpr std::array<option, 3> LONG_OPTIONS = {
     {{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'}, {}}};
@@ -114,20 +101,25 @@ int run(int argument_count, char** arguments) {
     opterr = 0;
     for (int letter; (letter = getopt_long(argument_count, arguments, "d:f:", LONG_OPTIONS.data(),
                                            nullptr)) != -1;) {
-        if (letter == 'h') return print(HISTORY_USAGE, DONE);
-        if (letter == 'v') return print(filled(HISTORY_VERSION, HISTORY_PROGRAM, VERSION), DONE);
+        if (letter == 'h') return print(HISTORY_USAGE, SUCCESS);
+        if (letter == 'v') return print(filled(HISTORY_VERSION, HISTORY_PROGRAM, VERSION), SUCCESS);
         if (letter == 'd') setenv(ENV_HISTORY, optarg, 1);
         if (letter == 'f') file = absolute_path(optarg);
         if (letter == '?') gripe(WRONG_WORDS);
     }
     const std::vector<std::string> words(arguments + optind, arguments + argument_count);
-    for (const Command& command : COMMANDS) {
-        if (words.size() != command.words || words.front() != command.name) continue;
-        const char* directory = std::getenv(ENV_HISTORY);
-        if (directory == nullptr) gripe(filled(NO_HISTORY_NAMED, ENV_HISTORY));
-        return command.run(read_history(directory, file), words.back());
+    const std::string mode = words.empty() ? "" : words.front();
+    const bool has_mode = mode == "list" || mode == "diff" || mode == "restore";
+    if (!has_mode || words.size() != (mode == "list" ? 1U : 2U)) gripe(WRONG_WORDS);
+    const char* directory = std::getenv(ENV_HISTORY);
+    if (directory == nullptr) gripe(filled(NO_HISTORY_NAMED, ENV_HISTORY));
+    const ChangeRecords changes = read_history(directory, file);
+    if (mode == "list") return list(changes);
+    for (const ChangeRecord& change : changes) {
+        if (std::to_string(change.number) != words.back()) continue;
+        return mode == "diff" ? show_diff(change, changes) : restore(change);
     }
-    gripe(WRONG_WORDS);
+    gripe(filled(NO_SUCH_CHANGE, words.back().c_str(), directory));
 }
 
 }  // namespace

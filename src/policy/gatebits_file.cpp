@@ -59,7 +59,7 @@ void write_scratch_file(const std::string& path, const std::string& text) {
 void write_gatebits(const std::string& path, const std::string& old_text, const std::string& text,
                     const std::optional<RecordedChange>& change, const Descriptor& open_file) {
     write_scratch_file(path, text);
-    HistoryRecord record;
+    PendingRecord record;
     if (change) record = record_change(path, old_text, *change);
     const auto failure = replace_file(path, text, t_file_name(), open_file);
     if (!failure) return;

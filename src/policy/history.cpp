@@ -32,46 +32,47 @@
 namespace gatescope {
 namespace {
 
-/// How long a name may be taken that has the second in it.
+/// Time limit for a free name: names contain the second.
 constexpr std::chrono::seconds NAME_PATIENCE(2);
 
-std::string formatted(const std::tm* time, const char* form) {
+std::string formatted(const std::tm* time, const char* format) {
     std::ostringstream text;
-    text << std::put_time(time, form);
+    text << std::put_time(time, format);
     return text.str();
 }
 
-/// Gripes, unless it was done, with this reason or that of errno.
-void need(bool done, const std::string& path, const std::string& reason = "") {
-    if (done) return;
-    // Of a link, and of a pipe, the system would speak of something else.
-    const bool is_other = errno == ELOOP || errno == EINVAL;
-    const std::string said = is_other ? NOT_A_REGULAR_FILE : std::strerror(errno);
-    gripe(filled(CANNOT_RECORD, path.c_str(), (reason.empty() ? said : reason).c_str()));
+/// Gripes that the change cannot be recorded in the file or directory, unless the errno is 0.
+void gripe_on_error(int error, const std::string& path) {
+    if (error == 0) return;
+    // ELOOP is open's for a symbolic link, EINVAL open_regular_file's for a pipe.
+    const bool is_other = error == ELOOP || error == EINVAL;
+    const char* reason = is_other ? NOT_A_REGULAR_FILE : std::strerror(error);
+    gripe(filled(CANNOT_RECORD, path.c_str(), reason));
 }
 
-/// The file with the lines, locked; a new one gets this mode.
-Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds patience) {
-    Descriptor lines;
+/// Opens the file of records and takes its lock. An empty file gets this mode.
+Descriptor open_records(const std::string& path, mode_t mode, std::chrono::seconds patience) {
+    Descriptor records;
     const bool has_lock = succeeds_within(patience, [&] {
-        lines = Descriptor(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW));
+        records = Descriptor(open_regular_file(path, O_RDWR | O_CREAT | O_APPEND | O_NOFOLLOW));
         struct stat status = {};
-        need(lines && fstat(lines.get(), &status) == 0, path);
-        // A file of another user may have been given the name.
-        need(status.st_nlink <= 1, path, HAS_A_SECOND_NAME);
+        gripe_on_error(records && fstat(records.get(), &status) == 0 ? 0 : errno, path);
+        // It could be a hard link to another user's file.
+        if (status.st_nlink > 1) gripe(filled(CANNOT_RECORD, path.c_str(), HAS_A_SECOND_NAME));
         const bool is_new = status.st_size == 0 && status.st_uid == geteuid();
-        need(!is_new || fchmod(lines.get(), mode) == 0, path);
-        errno = lock_exclusively(lines.get());
-        need(errno == 0 || errno == EWOULDBLOCK, path);
-        return errno == 0 && is_name_of(path, lines.get());
+        gripe_on_error(!is_new || fchmod(records.get(), mode) == 0 ? 0 : errno, path);
+        const int error = lock_exclusively(records.get());
+        gripe_on_error(error == EWOULDBLOCK ? 0 : error, path);
+        return error == 0 && is_name_of(path, records.get());
     });
-    need(has_lock, path, filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count())));
-    return lines;
+    if (has_lock) return records;
+    const std::string reason = filled(LOCKED_BY_ANOTHER, static_cast<int>(patience.count()));
+    gripe(filled(CANNOT_RECORD, path.c_str(), reason.c_str()));
 }
 
-/// Saves a text as "<beginning>.<UTC time>-<process>.txt", a temporary file until the record
-/// stands, and sets the time. What this process has saved in the same second has the name already,
-/// so the next second is waited for. The path.
+/// Saves a text as "<beginning>.<UTC time>-<process>.txt" and sets the time. The path; the file is
+/// temporary until the record is appended. The name is taken if this process has saved a text in
+/// the same second.
 std::string save_text(const std::string& beginning, const std::string& text, mode_t mode,
                       std::time_t* now) {
     std::string path;
@@ -85,9 +86,8 @@ std::string save_text(const std::string& beginning, const std::string& text, mod
         if (file) remember_temporary_file(path);
         return file || errno != EEXIST;
     });
-    need(file && fchmod(file.get(), mode) == 0, path);
-    errno = write_sync_close(file.release(), text);
-    need(errno == 0, path);
+    gripe_on_error(file && fchmod(file.get(), mode) == 0 ? 0 : errno, path);
+    gripe_on_error(write_sync_close(file.release(), text), path);
     return path;
 }
 
@@ -97,7 +97,7 @@ std::string record_line(std::time_t now, const std::string& file, const Recorded
     if (gethostname(host.data(), host.size() - 1) != 0) host.front() = '\0';
     std::string time = formatted(std::localtime(&now), "%FT%T%z");
     time.insert(time.size() - std::strlen("00"), ":");
-    // Confirmations end the names of some items in dots.
+    // Some items end in dots in their confirmation.
     std::string item = change.item;
     if (item.ends_with("...")) item.resize(item.size() - std::strlen("..."));
     return filled(
@@ -107,14 +107,14 @@ std::string record_line(std::time_t now, const std::string& file, const Recorded
         json_value(change.from).c_str(), json_value(change.to).c_str(), json_value(saved).c_str());
 }
 
-/// 0 or an errno, and then the lines are as they were, as far as that can be.
-int append(const std::string& line, HistoryRecord* record) {
+/// Appends the line to the record's file. 0 or an errno, after taking back what was written.
+int append(const std::string& line, PendingRecord* record) {
     const SignalsHeld held;
-    const int file = record->lines.get();
+    const int file = record->file.get();
     const off_t end = record->begin = lseek(file, 0, SEEK_END);
     char last = '\n';
     if (end < 0 || (end > 0 && pread(file, &last, 1, end - 1) != 1)) return EIO;
-    // What a run that was killed has left of a line stays a line of its own.
+    // The part of a line that a killed process has left stays a line of its own.
     const int error = write_and_sync(file, (last == '\n' ? "" : "\n") + line);
     forget_temporary_file(record->saved);
     if (error != 0) record->take_back();
@@ -123,39 +123,37 @@ int append(const std::string& line, HistoryRecord* record) {
 
 }  // namespace
 
-HistoryRecord record_change(const std::string& policy_file,
+PendingRecord record_change(const std::string& policy_file,
                             const std::optional<std::string>& old_text,
                             const RecordedChange& change, std::chrono::seconds patience) {
-    HistoryRecord record;
+    PendingRecord record;
     const char* directory = std::getenv(ENV_HISTORY);
     if (directory == nullptr) return record;
-    // Files of the history are open to those that the directory is open to.
+    // The files of the history have the permissions of the directory.
     struct stat status = {};
-    need(stat(directory, &status) == 0, directory);
+    gripe_on_error(stat(directory, &status) == 0 ? 0 : errno, directory);
     const mode_t mode = status.st_mode & 0666;
-    const std::string lines = filled("%s/%s", directory, CHANGES_FILE);
-    record.lines = lock_lines(lines, mode, patience);
+    const std::string records = filled("%s/%s", directory, CHANGES_FILE);
+    record.file = open_records(records, mode, patience);
     const std::string file = absolute_path(policy_file);
     std::time_t now = std::time(nullptr);
     std::optional<std::string> saved;
     if (old_text) {
-        need(stat(file.c_str(), &status) == 0, file);
-        record.saved = save_text(beside(lines, file_name_of(file)), *old_text,
+        gripe_on_error(stat(file.c_str(), &status) == 0 ? 0 : errno, file);
+        record.saved = save_text(beside(records, file_name_of(file)), *old_text,
                                  mode & status.st_mode & 0444, &now);
         saved = file_name_of(record.saved);
     }
-    errno = sync_directory_of(lines);
-    need(errno == 0, directory);
-    errno = append(record_line(now, file, change, saved), &record);
-    need(errno == 0, lines);
+    gripe_on_error(sync_directory_of(records), directory);
+    gripe_on_error(append(record_line(now, file, change, saved), &record), records);
     return record;
 }
 
-void HistoryRecord::take_back() {
+void PendingRecord::take_back() {
     const SignalsHeld held;
-    // A record that has to stay keeps its text.
-    if (lines && ftruncate(lines.get(), begin) == 0) remove_temporary_file(saved);
-    lines = {};
+    // The saved text is kept when its record cannot be removed.
+    if (file && ftruncate(file.get(), begin) == 0) remove_temporary_file(saved);
+    file = {};
 }
 
 }  // namespace gatescope

@@ -10,45 +10,44 @@
 
 namespace gatescope {
 
-// The history of policy files, where one is kept: a directory with a line of JSON for each change,
-// and with each text that a change has replaced in a file of its own.
+// Records changes of policy files in a history: a directory with a line of JSON for each change,
+// and with each replaced text in a file of its own.
 
-/// The file with the lines.
+/// The file of records.
 inline constexpr char CHANGES_FILE[] = "changes.jsonl";
 
-/// How long another process may keep the lock of the lines.
+/// Time limit for the lock of the file of records.
 inline constexpr std::chrono::seconds HISTORY_PATIENCE(10);
 
-/// What a record says of a change, besides who made it, when and where.
+/// The part of a record that depends on the action.
 struct RecordedChange {
     /// The action's number as the menus show it, say "A08".
     std::string action;
-    /// What changes, in the operator's words.
+    /// The changed item as the confirmation names it.
     std::string item;
-    /// The old value; nothing for what is added.
+    /// The old value; nothing for an addition.
     std::optional<std::string> from = std::nullopt;
-    /// The new value; nothing for what is deleted.
+    /// The new value; nothing for a deletion.
     std::optional<std::string> to = std::nullopt;
 };
 
-/// A record whose change is about to be made. While it lives it has the lock of the lines.
-struct HistoryRecord {
-    /// The file with the lines; none where no history is kept.
-    Descriptor lines = {};
-    /// Where in it the record begins.
+/// The record of a change that is about to be made. Keeps the lock of the file of records.
+struct PendingRecord {
+    /// The file of records; closed without a history.
+    Descriptor file = {};
+    /// The offset of the record in it.
     off_t begin = 0;
     /// The path of the saved text; empty when there is none.
     std::string saved = {};
 
-    /// Removes the record, because its change could not be made.
+    /// Removes the record and its saved text, because the change could not be made.
     void take_back();
 };
 
-/// Puts the record of a change of `policy_file` into the history that ZUL_GATESCOPE_HISTORY names,
-/// with `old_text`, the text that is replaced (nothing where there is no file yet), and brings both
-/// to the disk. Does nothing where the variable is not set. Gripes when it cannot be done; nothing
-/// of the record is left then.
-HistoryRecord record_change(const std::string& policy_file,
+/// Writes the record of a change of `policy_file`, and `old_text`, the text to be replaced (nothing
+/// for a new file), to the history that ZUL_GATESCOPE_HISTORY names, and syncs both. Does nothing
+/// if the variable is not set. Gripes, and leaves no part of the record, when it cannot be written.
+PendingRecord record_change(const std::string& policy_file,
                             const std::optional<std::string>& old_text,
                             const RecordedChange& change,
                             std::chrono::seconds patience = HISTORY_PATIENCE);

@@ -74,7 +74,7 @@ NewFile create_gatebits_file(const std::string& path, const std::string& text,
     if (file == -1) return NewFile::NOT_CREATED;
     int error = write_sync_close(file, text);
     if (error != 0) gripe(filled(NEW_FILE_NOT_WRITTEN, path.c_str(), std::strerror(error)));
-    HistoryRecord record = record_change(*target, std::nullopt, change);
+    PendingRecord record = record_change(*target, std::nullopt, change);
     error = give_name(unfinished, *target);
     if (error != 0) record.take_back();
     remove_temporary_file(unfinished);

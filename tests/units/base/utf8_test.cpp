@@ -24,16 +24,16 @@ TEST(Utf8, WhatIsNoneHasNoSize) {
          {"", "\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
           "\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "\xC2",
           "\xC2-", "\xE0\xA0", "\xE0\xA0-", "\xF0\x90\x80", "\xF0\x90\x80-"}) {
-        EXPECT_EQ(utf8_size(text), 0u) << harmless(text);
+        EXPECT_EQ(utf8_size(text), 0u) << printable(text);
     }
 }
 
 TEST(Utf8, NothingThatATerminalWouldObeyIsShown) {
-    EXPECT_EQ(harmless("a\033[2J\tb\n\x7F\xC2\x9B"
+    EXPECT_EQ(printable("a\033[2J\tb\n\x7F\xC2\x9B"
                        "c\xFF\xE2\x82"),
               "a?[2J\tb???c???");
-    EXPECT_EQ(harmless(std::string("a\0b", 3)), "a?b");
-    EXPECT_EQ(harmless("Müller €\xC2\xA0;~x"), "Müller €\xC2\xA0;~x");
+    EXPECT_EQ(printable(std::string("a\0b", 3)), "a?b");
+    EXPECT_EQ(printable("Müller €\xC2\xA0;~x"), "Müller €\xC2\xA0;~x");
     EXPECT_EQ(shown_characters("ä\n€"), (std::vector<std::string>{"ä", "?", "€"}));
 }
 

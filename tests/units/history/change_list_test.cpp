@@ -7,7 +7,7 @@ namespace {
 
 constexpr std::size_t ANY_WIDTH = 1000;
 
-PastChange change(int number, const std::optional<std::string>& from,
+ChangeRecord change(int number, const std::optional<std::string>& from,
                   const std::optional<std::string>& to, const std::string& item = "Item",
                   const std::string& name = "ann",
                   const std::string& time = "2026-11-22T01:15:30+01:00",

@@ -21,14 +21,14 @@ class ChangesTest : public testing::Test {
                R"(","action":"A08","item":"i","from":null,"to":"x","saved":)" + saved + "}\n";
     }
     void use_lines(const std::string& lines) const { stage.write("changes.jsonl", lines); }
-    PastChanges history(const std::optional<std::string>& of_file = std::nullopt) const {
+    ChangeRecords history(const std::optional<std::string>& of_file = std::nullopt) const {
         return read_history(stage.path(), of_file);
     }
     /// The numbers of the changes that are read, and what is said of other lines.
     std::string numbers_and_notes() const {
         testing::internal::CaptureStderr();
         std::string numbers;
-        for (const PastChange& change : history()) {
+        for (const ChangeRecord& change : history()) {
             numbers += std::to_string(change.number) + " ";
         }
         return numbers + testing::internal::GetCapturedStderr();
@@ -45,7 +45,7 @@ using ChangesDeathTest = ChangesTest;
 
 TEST_F(ChangesTest, AreNumberedByTheirLines) {
     use_lines(line("/a", "null") + line("/b", "\"saved\""));
-    const PastChanges read = history();
+    const ChangeRecords read = history();
     ASSERT_EQ(read.size(), 2u);
     EXPECT_EQ(read[0].number, 1);
     EXPECT_EQ(read[0].text("file"), "/a");
@@ -53,7 +53,7 @@ TEST_F(ChangesTest, AreNumberedByTheirLines) {
     EXPECT_EQ(read[0].text("saved"), "");
     EXPECT_EQ(read[1].number, 2);
     EXPECT_EQ(read[1].value("saved"), "saved");
-    const PastChanges of_one = history("/b");
+    const ChangeRecords of_one = history("/b");
     ASSERT_EQ(of_one.size(), 1u);
     EXPECT_EQ(of_one[0].number, 2);
 }
@@ -89,7 +89,7 @@ TEST_F(ChangesTest, TheTextAfterOneIsThatBeforeTheNextOfTheSameFile) {
     stage.write("second", "2");
     stage.write("gatebits.txt", "now");
     use_lines(line(file, "\"first\"") + line("/other", "\"other\"") + line(file, "\"second\""));
-    const PastChanges read = history();
+    const ChangeRecords read = history();
     EXPECT_EQ(text_before(read[0]), "1");
     EXPECT_EQ(text_after(read[0], read), "2");
     EXPECT_EQ(text_after(read[2], read), "now");
@@ -98,7 +98,7 @@ TEST_F(ChangesTest, TheTextAfterOneIsThatBeforeTheNextOfTheSameFile) {
 TEST_F(ChangesTest, BeforeAFileThereWasNoText) {
     stage.write("gatebits.txt", "now");
     use_lines(line(file, "null") + line(file, "null"));
-    const PastChanges read = history();
+    const ChangeRecords read = history();
     EXPECT_EQ(text_before(read[0]), "");
 }
 
@@ -115,7 +115,7 @@ TEST_F(ChangesDeathTest, WhatCannotBeReadIsNamedWithTheReason) {
     fs::remove(stage / "changes.jsonl");
 
     use_lines(line(file, "\"gone\"") + line(file, "null"));
-    const PastChanges read = history();
+    const ChangeRecords read = history();
     EXPECT_GRIPE(text_before(read[0]),
                  "(" + stage / "gone" + ") cannot be read: No such file or directory");
     EXPECT_GRIPE(text_after(read[0], read),
@@ -126,7 +126,7 @@ TEST_F(ChangesDeathTest, WhatCannotBeReadIsNamedWithTheReason) {
 TEST_F(ChangesDeathTest, ARecordLeadsToNoOtherDirectory) {
     stage.write("secret", "secret");
     stage.write("history/changes.jsonl", line(file, "\"../secret\""));
-    const PastChanges read = read_history(stage / "history", std::nullopt);
+    const ChangeRecords read = read_history(stage / "history", std::nullopt);
     EXPECT_GRIPE(text_before(read[0]),
                  "(" + stage / "history/secret" + ") cannot be read: No such file or directory");
 }

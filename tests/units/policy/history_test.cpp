@@ -184,7 +184,7 @@ TEST_F(HistoryTest, ARecordIsNotAppendedToATornLine) {
     record();
     const std::string torn = file_text(changes) + "{\"time\":\"2026-11";
     write_file(changes, torn);
-    HistoryRecord one = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
+    PendingRecord one = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
     EXPECT_TRUE(file_text(changes).starts_with(torn + "\n{\"time\":\""));
     EXPECT_EQ(records().size(), 3u);
     one.take_back();
@@ -194,7 +194,7 @@ TEST_F(HistoryTest, ARecordIsNotAppendedToATornLine) {
 TEST_F(HistoryTest, ARecordIsTakenBackWithItsText) {
     record();
     const std::string before = file_text(changes);
-    HistoryRecord one = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
+    PendingRecord one = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
     EXPECT_EQ(records().size(), 2u);
     one.take_back();
     EXPECT_EQ(file_text(changes), before);
