@@ -51,22 +51,19 @@ Characters value_of(const ChangeRecord& change, const char* member) {
 std::string list_of(const ChangeRecords& changes, std::size_t width) {
     std::array<std::size_t, std::tuple_size_v<Columns>> widths = {};
     for (const ChangeRecord& change : changes) {
-        const Columns columns = columns_of(change);
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            widths[i] = std::max(widths[i], columns[i].size());
-        }
+        const Columns row = columns_of(change);
+        for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], row[i].size());
     }
     widths.back() = std::min(widths.back(), std::max(width, LEAST_ROOM) / 2);
-    const std::size_t others =
-        std::accumulate(widths.begin(), widths.end(),
-                        widths.size() * std::strlen(GAP) + shown_characters(ARROW).size());
+    std::size_t others = shown_characters(ARROW).size();
+    for (const std::size_t column : widths) others += column + std::strlen(GAP);
     const std::size_t room = std::max(width - std::min(width, others), LEAST_ROOM);
     std::string list;
     for (const ChangeRecord& change : changes) {
-        Columns columns = columns_of(change);
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            columns[i].resize(std::max(columns[i].size(), widths[i]), " ");
-            list += cut_to(widths[i], columns[i]) + GAP;
+        Columns row = columns_of(change);
+        for (std::size_t i = 0; i < row.size(); ++i) {
+            row[i].resize(std::max(row[i].size(), widths[i]), " ");
+            list += cut_to(widths[i], row[i]) + GAP;
         }
         // Each value has half of the room, and what the other one leaves of its half.
         const Characters from = value_of(change, "from");

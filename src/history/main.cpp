@@ -6,22 +6,18 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <vector>
 
 #include "base/filled.h"
 #include "base/operator_name.h"
 #include "base/paths.h"
-#include "base/signals.h"
-#include "base/standard_streams.h"
 #include "base/utf8.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "history/change_list.h"
 #include "history/changes.h"
 #include "history/line_diff.h"
-#include "main/out_of_memory.h"
 #include "main/startup.h"
 #include "messages/environment.h"
 #include "messages/history_texts.h"
@@ -128,13 +124,5 @@ int run(int argument_count, char** arguments) {
 int main(int argument_count, char** arguments) {
     using namespace gatescope;
     ZUL_PREFER_GUI = ERRORS_ON_STDERR;
-    const int error = open_missing_standard_streams();
-    if (error != 0) gripe(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
-    install_signal_cleanup();
-    install_out_of_memory_handlers();
-    try {
-        return run(argument_count, arguments);
-    } catch (const std::bad_alloc&) {
-        gripe_out_of_memory();
-    }
+    return run_program(HISTORY_PROGRAM, run, argument_count, arguments);
 }

@@ -1,23 +1,16 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <cstring>
-#include <new>
 #include <string>
 #include <vector>
 
-#include "base/exit_status.h"
-#include "base/filled.h"
-#include "base/signals.h"
-#include "base/standard_streams.h"
 #include "dialog/process_end.h"
 #include "logs/demo_data.h"
 #include "main/command_line.h"
 #include "main/gatebits_choice.h"
 #include "main/main_loop.h"
-#include "main/out_of_memory.h"
 #include "main/startup.h"
-#include "messages/startup_texts.h"
+#include "messages/identity.h"
 #include "policy/checker.h"
 #include "policy/edition.h"
 #include "policy/gatebits_file.h"
@@ -26,7 +19,8 @@
 namespace gatescope {
 namespace {
 
-int run(const std::vector<std::string>& words) {
+int run(int word_count, char** first_word) {
+    const std::vector<std::string> words(first_word, first_word + word_count);
     const std::vector<std::string> arguments(words.begin() + (words.empty() ? 0 : 1), words.end());
     clean_start();
     std::srand(static_cast<unsigned>(getpid()));
@@ -48,17 +42,6 @@ int run(const std::vector<std::string>& words) {
 }  // namespace
 }  // namespace gatescope
 
-int main(int argument_count, char** argument_vector) {
-    using namespace gatescope;
-    if (const int error = open_missing_standard_streams()) {
-        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)));
-        return STATUS_ERROR;
-    }
-    install_signal_cleanup();
-    install_out_of_memory_handlers();
-    try {
-        return run({argument_vector, argument_vector + argument_count});
-    } catch (const std::bad_alloc&) {
-        gripe_out_of_memory();
-    }
+int main(int argument_count, char** arguments) {
+    return gatescope::run_program(gatescope::SELF, gatescope::run, argument_count, arguments);
 }

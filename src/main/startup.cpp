@@ -5,12 +5,17 @@
 
 #include <array>
 #include <cstdlib>
+#include <cstring>
+#include <new>
 
 #include "base/filled.h"
 #include "base/operator_name.h"
 #include "base/run_identity.h"
+#include "base/signals.h"
+#include "base/standard_streams.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
+#include "main/out_of_memory.h"
 #include "messages/environment.h"
 #include "messages/identity.h"
 #include "messages/startup_texts.h"
@@ -67,6 +72,20 @@ bool temp_dir_is_writable() {
 }
 
 }  // namespace
+
+int run_program(const char* name, int (*run)(int, char**), int argument_count, char** arguments) {
+    if (const int error = open_missing_standard_streams()) {
+        note(filled(CANNOT_OPEN_NULL_DEVICE, std::strerror(error)), name);
+        return error_status();
+    }
+    install_signal_cleanup();
+    install_out_of_memory_handlers();
+    try {
+        return run(argument_count, arguments);
+    } catch (const std::bad_alloc&) {
+        gripe_out_of_memory();
+    }
+}
 
 Operator clean_start() {
     const auto user = operator_name();

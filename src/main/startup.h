@@ -4,6 +4,11 @@
 
 namespace gatescope {
 
+/// Runs a program: with open standard streams, with temporary files removed by signals that end it,
+/// and with a message when memory runs out. The exit status. `name` is for errors on standard
+/// error.
+int run_program(const char* name, int (*run)(int, char**), int argument_count, char** arguments);
+
 // Start-up before the arguments are parsed: the operator, the way of dialogs, and the directory for
 // temporary files.
 

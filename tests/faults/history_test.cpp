@@ -63,7 +63,7 @@ std::vector<std::string> coming_names(const std::string& directory) {
     return names;
 }
 
-TEST_F(UnfitHistory, WhatIsPlantedUnderASavedNameIsLeftAlone) {
+TEST_F(UnfitHistory, LeavesFileUnderSavedNameAlone) {
     stage.write("elsewhere", "kept");
     const std::vector<std::function<void(const std::string& name)>> plants = {
         [](const std::string& name) { fs::create_symlink("../elsewhere", name); },
@@ -87,7 +87,7 @@ TEST_F(UnfitHistory, WhatIsPlantedUnderASavedNameIsLeftAlone) {
     EXPECT_FALSE(fs::exists(stage / "nowhere"));
 }
 
-TEST_F(UnfitHistory, ADirectoryThatMayNotBeWrittenIsNamed) {
+TEST_F(UnfitHistory, NamesUnwritableDirectory) {
     if (!can_become_nobody()) GTEST_SKIP() << "needs the right to become another user";
     Ended ended = in_child_of_nobody([&] { record(); });
     EXPECT_EQ(ended.status, 99);
@@ -111,7 +111,7 @@ TEST_F(UnfitHistory, ADirectoryThatMayNotBeWrittenIsNamed) {
     EXPECT_EQ(ended.status, 0) << ended.said;
 }
 
-TEST_F(UnfitHistory, OnAFullDiskNothingOfTheRecordIsLeft) {
+TEST_F(UnfitHistory, LeavesNothingOnFullDisk) {
     const SmallDisk disk(directory, 100000);
     if (!disk.is_mounted()) GTEST_SKIP() << "needs the right to mount";
     EXPECT_EQ(in_child([&] { record(); }).status, 0);

@@ -63,7 +63,7 @@ std::string list_without_times(const std::string& list) {
     return rest;
 }
 
-TEST(HistoryProgram, ListsTheChanges) {
+TEST(HistoryProgram, ListsChanges) {
     Region east = region_with_two_changes();
     const Result result = history(east, {"list"});
     EXPECT_EQ(result.status, 0);
@@ -79,7 +79,7 @@ std::string head(const std::string& file, int number) {
     return "--- " + file + "\tbefore" + change + "+++ " + file + "\tafter" + change;
 }
 
-TEST(HistoryProgram, ShowsWhatAChangeDid) {
+TEST(HistoryProgram, ShowsDiffOfChange) {
     Region east = region_with_two_changes();
     const Result first = history(east, {"diff", "1"});
     EXPECT_EQ(first.status, 1);
@@ -93,7 +93,7 @@ TEST(HistoryProgram, ShowsWhatAChangeDid) {
                               "first;\n+second;\n");
 }
 
-TEST(HistoryProgram, AChangeThatChangedNothingHasNoDifferences) {
+TEST(HistoryProgram, ReportsNoDifferencesOfUnchangedText) {
     Region east = region_with_two_changes();
     east.types("new").answers_yes();
     EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
@@ -102,7 +102,7 @@ TEST(HistoryProgram, AChangeThatChangedNothingHasNoDifferences) {
     EXPECT_EQ(result.out, "");
 }
 
-TEST(HistoryProgram, AFileThatWasCreatedCameWhole) {
+TEST(HistoryProgram, ShowsAllLinesOfCreatedFile) {
     Region east = region_with_two_changes();
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("copy.txt"));
     EXPECT_EQ(east.run({"A=27", "R=n"}).status, 110);
@@ -115,7 +115,7 @@ TEST(HistoryProgram, AFileThatWasCreatedCameWhole) {
                  "before change 3 there was no file (" + east.path("copy.txt") + ")");
 }
 
-TEST(HistoryProgram, PutsBackWhatStoodBeforeAChange) {
+TEST(HistoryProgram, RestoresTextBeforeChange) {
     Region east = region_with_two_changes();
     const std::string changed = east.gatebits();
     const Result result = history(east, {"restore", "1"});
@@ -135,7 +135,7 @@ TEST(HistoryProgram, PutsBackWhatStoodBeforeAChange) {
     EXPECT_EQ(east.files_in("tmp"), std::vector<std::string>());
 }
 
-TEST(HistoryProgram, BytesComeBackAsTheyWere) {
+TEST(HistoryProgram, RestoresExactBytes) {
     const std::string odd = "gatewarden;;;east;\r\n\n;" + std::string("\xFF") +
                             ";O;\n;;\n;;\n; ;\n; ;\n;old;;\nD;0;\nno end";
     Region east = a_region()
@@ -149,7 +149,7 @@ TEST(HistoryProgram, BytesComeBackAsTheyWere) {
     EXPECT_EQ(east.gatebits(), odd);
 }
 
-TEST(HistoryProgram, AFileThatIsPutBackKeepsItsModeAndItsLinks) {
+TEST(HistoryProgram, KeepsModeAndLinksOfRestoredFile) {
     Region east = region_with_two_changes();
     fs::rename(east.gatebits_path(), east.path("real.txt"));
     fs::create_symlink("real.txt", east.gatebits_path());
@@ -165,7 +165,7 @@ TEST(HistoryProgram, AFileThatIsPutBackKeepsItsModeAndItsLinks) {
     EXPECT_EQ(east.file("other.txt"), east.gatebits());
 }
 
-TEST(HistoryProgram, NothingIsPutBackThatCannotBeRecorded) {
+TEST(HistoryProgram, RefusesToRestoreWithoutRecord) {
     Region east = region_with_two_changes();
     const std::string before = east.gatebits();
     const std::string lines = east.file("history/changes.jsonl");
@@ -177,7 +177,7 @@ TEST(HistoryProgram, NothingIsPutBackThatCannotBeRecorded) {
     EXPECT_EQ(east.file("history/changes.jsonl"), lines);
 }
 
-TEST(HistoryProgram, AFileThatMayNotBeWrittenStaysAndSaysWhy) {
+TEST(HistoryProgram, LeavesReadOnlyFileWithReason) {
     Region east = region_with_two_changes();
     const std::string before = east.gatebits();
     const std::string lines = east.file("history/changes.jsonl");
@@ -190,7 +190,7 @@ TEST(HistoryProgram, AFileThatMayNotBeWrittenStaysAndSaysWhy) {
     EXPECT_EQ(east.file("history/changes.jsonl"), lines);
 }
 
-TEST(HistoryProgram, AFileThatIsGoneIsNamed) {
+TEST(HistoryProgram, NamesMissingFile) {
     Region east = region_with_two_changes();
     fs::remove(east.gatebits_path());
     const std::string reason =
@@ -201,7 +201,7 @@ TEST(HistoryProgram, AFileThatIsGoneIsNamed) {
     EXPECT_EQ(history(east, {"diff", "1"}).status, 1);
 }
 
-TEST(HistoryProgram, TheOptionsNameTheHistoryAndTheFile) {
+TEST(HistoryProgram, TakesHistoryAndFileFromOptions) {
     Region east = region_with_two_changes();
     east.chooses_file(east.gatebits_path()).chooses_file(east.path("copy.txt"));
     EXPECT_EQ(east.run({"A=27", "R=n"}).status, 110);
@@ -227,7 +227,7 @@ TEST(HistoryProgram, TheOptionsNameTheHistoryAndTheFile) {
     EXPECT_FALSE(east.has_file("history"));
 }
 
-TEST(HistoryProgram, WrongWordsAreAnError) {
+TEST(HistoryProgram, RefusesWrongWords) {
     Region east = region_with_two_changes();
     for (const Args& args :
          {Args{}, Args{"lists"}, Args{"list", "1"}, Args{"diff"}, Args{"diff", "1", "2"},
@@ -240,14 +240,14 @@ TEST(HistoryProgram, WrongWordsAreAnError) {
     }
 }
 
-TEST(HistoryProgram, WithoutAHistoryItSaysSo) {
+TEST(HistoryProgram, NamesMissingHistory) {
     Region east = a_region();
     expect_error(east, {"list"}, "ZUL_GATESCOPE_HISTORY is not set; name the history with -d");
     expect_error(east, {"-d", "none", "list"},
                  "(none/changes.jsonl) cannot be read: No such file or directory");
 }
 
-TEST(HistoryProgram, ReportsALineWithoutACompleteRecordAndShowsTheOthers) {
+TEST(HistoryProgram, ReportsIncompleteRecordAndListsOthers) {
     Region east = region_with_two_changes();
     const std::string list = history(east, {"list"}).out;
     east.write_file("history/changes.jsonl",
@@ -263,7 +263,7 @@ TEST(HistoryProgram, ReportsALineWithoutACompleteRecordAndShowsTheOthers) {
         std::string::npos);
 }
 
-TEST(HistoryProgram, RefusesToPutBackATextOfMoreThan30000Bytes) {
+TEST(HistoryProgram, RefusesToRestoreMoreThan30000Bytes) {
     Region east = region_with_two_changes();
     const std::string saved = "history/" + saved_name(east, 1);
     const std::string before = east.gatebits();
@@ -276,7 +276,7 @@ TEST(HistoryProgram, RefusesToPutBackATextOfMoreThan30000Bytes) {
     EXPECT_EQ(history(east, {"list"}).out.find("restore"), std::string::npos);
 }
 
-TEST(HistoryProgram, PutsBackATextAlsoOverAnEmptyFileOrNulBytes) {
+TEST(HistoryProgram, RestoresOverEmptyFileAndNulBytes) {
     Region east = region_with_two_changes();
     const std::string old = east.file("history/" + saved_name(east, 1));
     for (const std::string& ruined : {std::string(), std::string("\n"), std::string("a\0b", 3)}) {
@@ -290,7 +290,7 @@ TEST(HistoryProgram, PutsBackATextAlsoOverAnEmptyFileOrNulBytes) {
     EXPECT_EQ(east.gatebits(), old);
 }
 
-TEST(HistoryProgram, SaysWhatItIs) {
+TEST(HistoryProgram, PrintsUsageAndVersion) {
     Region east = a_region();
     const Result help = history(east, {"--help"});
     EXPECT_EQ(help.status, 0);
@@ -302,7 +302,7 @@ TEST(HistoryProgram, SaysWhatItIs) {
     EXPECT_EQ(history(east, {"--version"}).out, "gatescope-history " GATESCOPE_VERSION "\n");
 }
 
-TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
+TEST(HistoryProgram, ReportsOutputError) {
     Region east = region_with_two_changes();
     const Result result =
         east.run_program("/bin/sh", "sh", {"-c", history_program() + " list >/dev/full"});
@@ -324,7 +324,7 @@ bool has_terminals() {
     return on_terminal(region, "--version").find("gatescope-history") != std::string::npos;
 }
 
-TEST(HistoryProgram, HasColoursOnATerminalThatTakesThem) {
+TEST(HistoryProgram, ColoursDiffOnTerminal) {
     if (!has_terminals()) GTEST_SKIP() << "no terminal";
     const std::string coloured = "\033[31m-;old;;\033[m\n\033[32m+;new;;\033[m\n";
     Region east = region_with_two_changes();
@@ -341,7 +341,7 @@ TEST(HistoryProgram, HasColoursOnATerminalThatTakesThem) {
     EXPECT_NE(on_terminal(east, "diff 1").find("\n-;old;;\n+;new;;\n"), std::string::npos);
 }
 
-TEST(HistoryProgram, CutsLongValuesAsTheTerminalIsWide) {
+TEST(HistoryProgram, CutsLongValuesToTerminalWidth) {
     if (!has_terminals()) GTEST_SKIP() << "no terminal";
     Region east = region_with_two_changes();
     east.types(std::string(100, 'x')).answers_yes();

@@ -88,7 +88,7 @@ struct RecordedField {
 
 class RecordedFields : public testing::TestWithParam<RecordedField> {};
 
-TEST_P(RecordedFields, WithActionItemAndValues) {
+TEST_P(RecordedFields, HaveActionItemAndValues) {
     const auto [action, item, from, to] = GetParam();
     Region east = recorded_region()
                       .with_line(2, "W:depot;{stage}/depot;O;")
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(
                     RecordedField{"A14", "Region MOTD Restriction List", "", "(b)"}),
     [](const testing::TestParamInfo<RecordedField>& field) { return field.param.action; });
 
-TEST(History, PickedLettersAndBits) {
+TEST(History, RecordsPickedLettersAndBits) {
     Region east = recorded_region();
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
     expect_recorded(east, "8", said("A08", "Region Logging Personality", "O", "S"));
@@ -127,7 +127,7 @@ TEST(History, PickedLettersAndBits) {
         said("A16", "Functionality Bits", "000000000000000000000000", "000100000000000000000000"));
 }
 
-TEST(History, AClearedDepotIsOneChangeWithAllThatStandsOnIt) {
+TEST(History, RecordsClearedDepotAndItsFieldsOnce) {
     Region east = recorded_region()
                       .with_line(2, ";{stage}/depot;E;")
                       .with_line(3, ";/parent;")
@@ -136,7 +136,7 @@ TEST(History, AClearedDepotIsOneChangeWithAllThatStandsOnIt) {
     expect_recorded(east, "5", east.staged(said("A05", "UNIX Policy Depot", "{stage}/depot", "")));
 }
 
-TEST(History, ADepotThatIsDefinedFirstIsAChangeOfItsOwn) {
+TEST(History, RecordsDepotDefinedFirstSeparately) {
     Region east = recorded_region();
     const std::string before = east.gatebits();
     east.answers_yes().types("W:depot").answers_yes().types("W:parent").answers_yes();
@@ -150,7 +150,7 @@ TEST(History, ADepotThatIsDefinedFirstIsAChangeOfItsOwn) {
               with_replaced(before, "\n;" + east.path("depot"), "\nW:depot;" + east.path("depot")));
 }
 
-TEST(History, Aliases) {
+TEST(History, RecordsAliases) {
     const std::string one = "#!gatewarden_alias one (x)";
     const std::string two = "#!gatewarden_alias two (y)";
     Region east = recorded_region()
@@ -171,7 +171,7 @@ TEST(History, Aliases) {
     EXPECT_EQ(east.gatebits().find("one"), std::string::npos);
 }
 
-TEST(History, AnAliasThatAListCutsStandsThereWhole) {
+TEST(History, RecordsWholeAliasThatListCuts) {
     const std::string value = "(" + std::string(200, 'x') + ")";
     const std::string definition = "#!gatewarden_alias long " + value;
     const std::string entry = definition.substr(0, 100) + " ...";
@@ -183,7 +183,7 @@ TEST(History, AnAliasThatAListCutsStandsThereWhole) {
     expect_recorded(west, "18", said("A18", "Alias", definition, std::nullopt));
 }
 
-TEST(History, Keys) {
+TEST(History, RecordsKeys) {
     Region east = recorded_region().with_key("first;").with_key("second;");
     east.operator_picks("001 second;").answers_yes().types("other;").answers_yes().cancels();
     expect_recorded(east, "21", said("A21", "Command Key 001", "second;", "other;"));
@@ -193,7 +193,7 @@ TEST(History, Keys) {
     expect_recorded(east, "22", said("A22", "Command Key 001", std::nullopt, "third;"));
 }
 
-TEST(History, Settings) {
+TEST(History, RecordsSettings) {
     Region east = recorded_region();
     east.operator_picks("03 gatescope_windows_browser=").types("W:b").answers_yes();
     expect_recorded(east, "24",
@@ -206,7 +206,7 @@ TEST(History, Settings) {
         said("A24", "Gatescope Variable", std::nullopt, "#!gatescope_windows_browser=W:b"));
 }
 
-TEST(History, AWalkLeavesARecordOfEachStep) {
+TEST(History, RecordsEachStepOfWalk) {
     Region east = recorded_region().with_line(2, "W:depot;{stage}/depot;O;");
     east.types("true").answers_yes().types("W:other").answers_yes();
     for (int i = 0; i < 4; ++i) east.cancels();
@@ -218,7 +218,7 @@ TEST(History, AWalkLeavesARecordOfEachStep) {
     EXPECT_EQ(said_by(lines[1]), said("A04", "Windows Policy Depot", "W:depot", "W:other"));
 }
 
-TEST(History, ANewFileAndACopy) {
+TEST(History, RecordsNewFileAndCopy) {
     Region east = recorded_region();
     east.chooses_file(east.path("new.txt")).aborts();
     EXPECT_EQ(east.run({"A=26", "R=n"}).status, 110);
@@ -243,7 +243,7 @@ TEST(History, ANewFileAndACopy) {
         << lines[1];
 }
 
-TEST(History, LinesAreJsonWhateverBytesAreInThem) {
+TEST(History, WritesJsonForAnyBytes) {
     if (std::system("python3 --version >/dev/null 2>&1") != 0) GTEST_SKIP() << "needs python3";
     const std::string odd = "\xFF \x01\x7F\t\"\\ \xC3\xA4 \xC3 \xF0\x9F\x98\x80 \xED\xA0\x80/~'";
     Region east = recorded_region().with_line(7, ";" + odd + ";;");
@@ -260,7 +260,7 @@ assert record["to"] == "new\u00fe\u20ac\"", record
     EXPECT_EQ(std::system(("cd " + east.path("") + " && python3 look.py").c_str()), 0);
 }
 
-TEST(History, WithoutTheVariableNothingOfItIsTouched) {
+TEST(History, TouchesNothingWithoutVariable) {
     Region east = recorded_region().without_env("ZUL_GATESCOPE_HISTORY");
     east.types("new").answers_yes();
     EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
@@ -269,7 +269,7 @@ TEST(History, WithoutTheVariableNothingOfItIsTouched) {
 
 // No change, no record.
 
-TEST(NoHistory, OfWhatIsDeclinedAbortedOrCancelled) {
+TEST(NoRecord, AfterDeclinedAbortedOrCancelledChange) {
     Region east = recorded_region().with_alias("one", "(x)").with_key("key;");
     const std::string before = east.gatebits();
     east.types("new").answers_no().types("a;b").cancels();
@@ -287,7 +287,7 @@ TEST(NoHistory, OfWhatIsDeclinedAbortedOrCancelled) {
     expect_no_record(east);
 }
 
-TEST(NoHistory, OfWhatWasChangedMeanwhile) {
+TEST(NoRecord, WhenFileChangedMeanwhile) {
     Region east = recorded_region();
     east.types("new").answers(
         {.kind = "yes_no", .status = 0, .meanwhile = "sed -i s/old/other/ gatebits.txt"});
@@ -296,7 +296,7 @@ TEST(NoHistory, OfWhatWasChangedMeanwhile) {
     expect_no_record(east);
 }
 
-TEST(NoHistory, OfWhatHasNoPlaceInTheFile) {
+TEST(NoRecord, ForFieldMissingInFile) {
     Region east = recorded_region().with_line(2, ";{stage}/depot;");
     const std::string before = east.gatebits();
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
@@ -306,13 +306,13 @@ TEST(NoHistory, OfWhatHasNoPlaceInTheFile) {
 }
 
 // What stands after the last ';' goes all the same.
-TEST(History, OfWhatHasNoPlaceInAFileThatIsWrittenSaysSo) {
+TEST(History, RecordsEmptyValuesForFieldMissingInWrittenFile) {
     Region east = recorded_region().with_line(2, ";{stage}/depot;tail");
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
     expect_recorded(east, "8", said("A08", "Region Logging Personality", "", ""));
 }
 
-TEST(NoHistory, OfWhatIsRefused) {
+TEST(NoRecord, ForRefusedChange) {
     Region read_only = recorded_region();
     const std::string before = read_only.gatebits();
     ASSERT_EQ(chmod(read_only.gatebits_path().c_str(), 0444), 0);
@@ -348,7 +348,7 @@ struct Obstacle {
 
 class UnfitHistories : public testing::TestWithParam<Obstacle> {};
 
-TEST_P(UnfitHistories, KeepTheFileAndAreNamed) {
+TEST_P(UnfitHistories, KeepFileAndAreNamed) {
     const auto& [name, put, named, reason] = GetParam();
     Region east = recorded_region();
     const std::string before = east.gatebits();

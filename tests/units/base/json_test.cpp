@@ -11,30 +11,30 @@ std::string all_bytes() {
     return bytes;
 }
 
-TEST(Json, TextsAreWrittenAsTheyAre) {
+TEST(Json, WritesUtf8Unchanged) {
     EXPECT_EQ(json_value(""), "\"\"");
     EXPECT_EQ(json_value("pre_checkin;R; (a) ~b ;/'&"), "\"pre_checkin;R; (a) ~b ;/'&\"");
     EXPECT_EQ(json_value("M\xC3\xBCller \xE2\x82\xAC"), "\"M\xC3\xBCller \xE2\x82\xAC\"");
 }
 
-TEST(Json, NothingIsNull) {
+TEST(Json, WritesMissingValueAsNull) {
     EXPECT_EQ(json_value(std::nullopt), "null");
     EXPECT_EQ(json_value("null"), "\"null\"");
 }
 
-TEST(Json, WhatWouldEndOrSpoilALineIsEscaped) {
+TEST(Json, EscapesQuotesBackslashesAndControls) {
     EXPECT_EQ(json_value("a\"b\\c"), R"("a\"b\\c")");
     EXPECT_EQ(json_value("\n\t\x1B[m\x7F"), R"("\u000a\u0009\u001b[m\u007f")");
     EXPECT_EQ(json_value(std::string("a\0b", 3)), R"("a\u0000b")");
 }
 
-TEST(Json, BytesThatAreNotUtf8AreEscaped) {
+TEST(Json, EscapesBytesThatAreNotUtf8) {
     EXPECT_EQ(json_value("M\xFCller"), R"("M\u00fcller")");
     EXPECT_EQ(json_value("\xE2\x82"), R"("\u00e2\u0082")");
     EXPECT_EQ(json_value("\xC3\xBC\xFC"), "\"\xC3\xBC\\u00fc\"");
 }
 
-TEST(Json, TextsAreReadAsTheyWereWritten) {
+TEST(Json, ReadsWhatItWrote) {
     const std::string line =
         "{\"odd\":" + json_value(all_bytes()) + ",\"utf8\":" + json_value("\xC3\xBC") +
         R"(,"uid":1000,"none":null,"word":"null","empty":"",)" +
@@ -50,7 +50,7 @@ TEST(Json, TextsAreReadAsTheyWereWritten) {
     EXPECT_EQ(json_text(line, "missing"), std::nullopt);
 }
 
-TEST(Json, OtherTextsAreNotRead) {
+TEST(Json, RejectsOtherTexts) {
     for (const char* line :
          {"", R"({"a":)", R"({"a":")", R"({"a":"b)", R"({"a":"\)", R"({"a":"b\"})", R"({"a":"\u00)",
           R"({"a":"\u00e")", R"({"a":"\n"})", R"({"a":"\u20ac"})", R"({"a": "b"})"}) {

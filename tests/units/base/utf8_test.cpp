@@ -5,7 +5,7 @@
 namespace gatescope {
 namespace {
 
-TEST(Utf8, CharactersHaveTheirSizes) {
+TEST(Utf8, ReturnsSizeOfCharacter) {
     EXPECT_EQ(utf8_size("a-"), 1u);
     EXPECT_EQ(utf8_size(std::string("\0-", 2)), 1u);
     EXPECT_EQ(utf8_size("\xC2\x80-"), 2u);
@@ -17,7 +17,7 @@ TEST(Utf8, CharactersHaveTheirSizes) {
     EXPECT_EQ(utf8_size("\xF4\x8F\xBF\xBF-"), 4u);
 }
 
-TEST(Utf8, WhatIsNoneHasNoSize) {
+TEST(Utf8, ReturnsZeroForInvalidBytes) {
     // Nothing; what comes later in a character; longer forms than needed; surrogates; what lies
     // beyond the last character; characters that end too early.
     for (const std::string text :
@@ -28,7 +28,7 @@ TEST(Utf8, WhatIsNoneHasNoSize) {
     }
 }
 
-TEST(Utf8, NothingThatATerminalWouldObeyIsShown) {
+TEST(Utf8, ReplacesControlsAndInvalidBytes) {
     EXPECT_EQ(printable("a\033[2J\tb\n\x7F\xC2\x9B"
                        "c\xFF\xE2\x82"),
               "a?[2J\tb???c???");

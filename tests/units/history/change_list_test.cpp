@@ -18,7 +18,7 @@ ChangeRecord change(int number, const std::optional<std::string>& from,
                 ",\"from\":" + json_value(from) + ",\"to\":" + json_value(to) + "}\n"};
 }
 
-TEST(ChangeList, StandsInColumns) {
+TEST(ChangeList, AlignsColumns) {
     EXPECT_EQ(list_of({change(9, "O", "S"), change(10, "old", "new", "Longer Item", "benjamin")},
                       ANY_WIDTH),
               "9   2026-11-22 01:15:30  ann       A08  Item         O → S\n"
@@ -26,7 +26,7 @@ TEST(ChangeList, StandsInColumns) {
     EXPECT_EQ(list_of({}, 80), "");
 }
 
-TEST(ChangeList, NothingIsToldFromAnEmptyValue) {
+TEST(ChangeList, TellsMissingFromEmptyValue) {
     EXPECT_EQ(list_of({change(1, std::nullopt, "")}, ANY_WIDTH),
               "1  2026-11-22 01:15:30  ann  A08  Item  - → \"\"\n");
 }
@@ -38,7 +38,7 @@ std::string values_in(std::size_t width, const std::string& from, const std::str
     return line.substr(before.size());
 }
 
-TEST(ChangeList, LongValuesAreCutAsTheTerminalIsWide) {
+TEST(ChangeList, CutsLongValuesToWidth) {
     const std::string twenty = "abcdefghijklmnopqrst";
     const std::string other = "ABCDEFGHIJKLMNOPQRST";
     // 40 characters come before the values, 3 stand between them.
@@ -53,7 +53,7 @@ TEST(ChangeList, LongValuesAreCutAsTheTerminalIsWide) {
     EXPECT_EQ(values_in(20, twenty, other), "abcdefg… → ABCDEFG…\n");
 }
 
-TEST(ChangeList, ALongItemLeavesRoomForTheValues) {
+TEST(ChangeList, CutsLongItemToHalfOfWidth) {
     const std::string item = "Region Per-VOB Functionality Bits Personality";
     EXPECT_EQ(
         list_of({change(1, "D", "A", item)}, 80),
@@ -62,12 +62,12 @@ TEST(ChangeList, ALongItemLeavesRoomForTheValues) {
               "1  2026-11-22 01:15:30  ann  A08  " + item + "  D → A\n");
 }
 
-TEST(ChangeList, SomethingIsSeenOfEachColumnOnATerminalOfOneColumn) {
+TEST(ChangeList, ShowsPartOfEachColumnAtWidthOne) {
     EXPECT_EQ(list_of({change(1, "from a to b", "to b from a", "A long item")}, 1),
               "1  2026-11-22 01:15:30  ann  A08  A long …  from a … → to b fr…\n");
 }
 
-TEST(ChangeList, CharactersAreCountedAndNotBytes) {
+TEST(ChangeList, CountsCharactersNotBytes) {
     const std::string umlauts = "ääääääääääääääääääää";
     EXPECT_EQ(values_in(83, umlauts, umlauts), umlauts + " → " + umlauts + "\n");
     EXPECT_EQ(values_in(60, "O", umlauts), "O → äääääääääääääää…\n");
@@ -75,7 +75,7 @@ TEST(ChangeList, CharactersAreCountedAndNotBytes) {
               "ä   \"");
 }
 
-TEST(ChangeList, NothingThatATerminalWouldObey) {
+TEST(ChangeList, ReplacesControlCharacters) {
     EXPECT_EQ(list_of({change(1, "\033c", "\r", "\033]0;x\a", "\b", "\0337", "\033M")}, ANY_WIDTH),
               "1  ?7  ?  ?M  ?]0;x?  ?c → ?\n");
 }

@@ -43,7 +43,7 @@ class ChangesTest : public testing::Test {
 };
 using ChangesDeathTest = ChangesTest;
 
-TEST_F(ChangesTest, AreNumberedByTheirLines) {
+TEST_F(ChangesTest, NumbersRecordsByLine) {
     use_lines(line("/a", "null") + line("/b", "\"saved\""));
     const ChangeRecords read = history();
     ASSERT_EQ(read.size(), 2u);
@@ -58,7 +58,7 @@ TEST_F(ChangesTest, AreNumberedByTheirLines) {
     EXPECT_EQ(of_one[0].number, 2);
 }
 
-TEST_F(ChangesTest, SkipsALineWithoutACompleteRecordAndReportsIt) {
+TEST_F(ChangesTest, SkipsAndReportsIncompleteRecord) {
     const std::string whole = line("/a", "null");
     const std::string saved = line("/a", "\"a}b\"");
     // Other texts, other forms of JSON, and what a line may end in when it was not finished.
@@ -73,7 +73,7 @@ TEST_F(ChangesTest, SkipsALineWithoutACompleteRecordAndReportsIt) {
     }
 }
 
-TEST_F(ChangesTest, ALineWithoutAnEndIsOfNoChange) {
+TEST_F(ChangesTest, ReportsLineWithoutNewline) {
     const std::string whole = line("/b", "null");
     use_lines(line("/a", "null") + whole.substr(0, 30));
     EXPECT_EQ(numbers_and_notes(), "1 " + note_of(2));
@@ -83,7 +83,7 @@ TEST_F(ChangesTest, ALineWithoutAnEndIsOfNoChange) {
     EXPECT_EQ(numbers_and_notes(), "");
 }
 
-TEST_F(ChangesTest, TheTextAfterOneIsThatBeforeTheNextOfTheSameFile) {
+TEST_F(ChangesTest, FindsTextAfterChangeBeforeNextChangeOfSameFile) {
     stage.write("first", "1");
     stage.write("other", "of another");
     stage.write("second", "2");
@@ -95,14 +95,14 @@ TEST_F(ChangesTest, TheTextAfterOneIsThatBeforeTheNextOfTheSameFile) {
     EXPECT_EQ(text_after(read[2], read), "now");
 }
 
-TEST_F(ChangesTest, BeforeAFileThereWasNoText) {
+TEST_F(ChangesTest, ReturnsEmptyTextBeforeNewFile) {
     stage.write("gatebits.txt", "now");
     use_lines(line(file, "null") + line(file, "null"));
     const ChangeRecords read = history();
     EXPECT_EQ(text_before(read[0]), "");
 }
 
-TEST_F(ChangesDeathTest, WhatCannotBeReadIsNamedWithTheReason) {
+TEST_F(ChangesDeathTest, GripesWithPathAndReason) {
     EXPECT_GRIPE(history(),
                  "(" + stage / "changes.jsonl" + ") cannot be read: No such file or directory");
     ASSERT_EQ(mkfifo((stage / "changes.jsonl").c_str(), 0666), 0);
@@ -123,7 +123,7 @@ TEST_F(ChangesDeathTest, WhatCannotBeReadIsNamedWithTheReason) {
                      ") held afterwards is not known: before change 2 there was no file any more");
 }
 
-TEST_F(ChangesDeathTest, ARecordLeadsToNoOtherDirectory) {
+TEST_F(ChangesDeathTest, IgnoresDirectoryOfSavedName) {
     stage.write("secret", "secret");
     stage.write("history/changes.jsonl", line(file, "\"../secret\""));
     const ChangeRecords read = read_history(stage / "history", std::nullopt);

@@ -16,33 +16,33 @@ std::string diff(const std::string& old_text, const std::string& new_text) {
     return unified_diff(old_text, new_text, HEAD);
 }
 
-TEST(LineDiff, TextsThatAreTheSameHaveNone) {
+TEST(LineDiff, IsEmptyForEqualTexts) {
     EXPECT_EQ(diff("", ""), "");
     EXPECT_EQ(diff("a\nb", "a\nb"), "");
 }
 
-TEST(LineDiff, AChangedLineStandsBetweenThreeOthers) {
+TEST(LineDiff, ShowsThreeLinesOfContext) {
     EXPECT_EQ(diff("1\n2\n3\n4\n5\n6\n7\n8\n9\n", "1\n2\n3\n4\nfive\n6\n7\n8\n9\n"),
               HEAD + "@@ -2,7 +2,7 @@\n 2\n 3\n 4\n-5\n+five\n 6\n 7\n 8\n");
 }
 
-TEST(LineDiff, AllAndNothing) {
+TEST(LineDiff, AddsToAndEmptiesText) {
     EXPECT_EQ(diff("", "a\nb\n"), HEAD + "@@ -0,0 +1,2 @@\n+a\n+b\n");
     EXPECT_EQ(diff("a\n", ""), HEAD + "@@ -1 +0,0 @@\n-a\n");
 }
 
-TEST(LineDiff, WhatGoesStandsBeforeWhatComes) {
+TEST(LineDiff, PutsDeletedLinesFirst) {
     EXPECT_EQ(diff("a\nb\nk\n", "x\ny\nz\nk\n"),
               HEAD + "@@ -1,3 +1,4 @@\n-a\n-b\n+x\n+y\n+z\n k\n");
 }
 
-TEST(LineDiff, AMissingNewlineIsSaid) {
+TEST(LineDiff, MarksMissingNewline) {
     const std::string none = "\\ No newline at end of file\n";
     EXPECT_EQ(diff("a", "a\n"), HEAD + "@@ -1 +1 @@\n-a\n" + none + "+a\n");
     EXPECT_EQ(diff("a\nb", "c\nb"), HEAD + "@@ -1,2 +1,2 @@\n-a\n+c\n b\n" + none);
 }
 
-TEST(LineDiff, ChangesThatAreFarApartHaveHunksOfTheirOwn) {
+TEST(LineDiff, SplitsDistantChangesIntoHunks) {
     const std::string six = "1\n2\n3\n4\n5\n6\n";
     EXPECT_EQ(diff("a\n" + six + "b\n", "x\n" + six + "y\n"),
               HEAD + "@@ -1,8 +1,8 @@\n-a\n+x\n 1\n 2\n 3\n 4\n 5\n 6\n-b\n+y\n");
@@ -50,12 +50,12 @@ TEST(LineDiff, ChangesThatAreFarApartHaveHunksOfTheirOwn) {
               HEAD + "@@ -1,4 +1,4 @@\n-a\n+x\n 1\n 2\n 3\n@@ -6,4 +6,4 @@\n 5\n 6\n 7\n-b\n+y\n");
 }
 
-TEST(LineDiff, BytesStayWhatTheyAre) {
+TEST(LineDiff, KeepsBytes) {
     EXPECT_EQ(diff(std::string("a\0b\r\n", 5), "\xFF\n"),
               HEAD + "@@ -1 +1 @@\n-" + std::string("a\0b\r\n", 5) + "+\xFF\n");
 }
 
-TEST(LineDiff, ColoursAreOfTheKindOfLineAndNotOfItsText) {
+TEST(LineDiff, ColoursLinesByKind) {
     EXPECT_EQ(for_terminal(HEAD + "@@ -1,2 +1,2 @@\n--- a\n+++ b\n @\n", true),
               "\033[1m--- old\033[m\n\033[1m+++ new\033[m\n\033[36m@@ -1,2 +1,2 @@\033[m\n"
               "\033[31m--- a\033[m\n\033[32m+++ b\033[m\n\033[m @\033[m\n");
@@ -86,7 +86,7 @@ long changes_in(const std::string& diff) {
 }
 
 /// What others make of our diffs, where they are installed.
-TEST(LineDiff, PatchMakesTheNewTextOfItAndNoOtherIsShorter) {
+TEST(LineDiff, IsAppliedByPatchAndAsShortAsDiff) {
     if (std::system("patch --version >/dev/null 2>&1 && diff --version >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "patch or diff is not installed";
     }
@@ -116,7 +116,7 @@ std::string lines_from(char first, int number) {
     return text;
 }
 
-TEST(LineDiff, OfThousandsOfLinesThoseThatStayAreFound) {
+TEST(LineDiff, KeepsCommonLinesOfThousands) {
     EXPECT_EQ(changes_in(diff(lines_from('A', 500) + "k\n" + lines_from('A', 500),
                               lines_from('a', 500) + "k\n" + lines_from('a', 500))),
               1000 + 1 + 1000);

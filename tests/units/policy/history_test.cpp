@@ -80,7 +80,7 @@ class HistoryTest : public testing::Test {
     const std::string file = stage / "gatebits.txt";
 };
 
-TEST_F(HistoryTest, ALineSaysWhoChangedWhatWhenAndWhere) {
+TEST_F(HistoryTest, RecordsOperatorItemTimeAndHost) {
     setenv("TZ", "XXX-5:30", 1);
     tzset();
     record({"A08", "Region Logging Personality", "O", "S"});
@@ -102,7 +102,7 @@ TEST_F(HistoryTest, ALineSaysWhoChangedWhatWhenAndWhere) {
     EXPECT_THAT(said(0, "saved"), HasSubstr("Z-" + std::to_string(getpid())));
 }
 
-TEST_F(HistoryTest, TheLocalTimeIsThatOfTheSavedName) {
+TEST_F(HistoryTest, RecordsSameTimeAsSavedName) {
     setenv("TZ", "UTC0", 1);
     tzset();
     record();
@@ -115,26 +115,26 @@ TEST_F(HistoryTest, TheLocalTimeIsThatOfTheSavedName) {
     EXPECT_EQ(time.substr(15), "+0000");
 }
 
-TEST_F(HistoryTest, TheOldTextIsSavedByteForByte) {
+TEST_F(HistoryTest, SavesOldTextByteForByte) {
     const std::string odd("\0\xFF\r\nno end", 10);
     record({"A08", "Item", "a", "b"}, odd);
     EXPECT_EQ(file_text(directory + "/" + said(0, "saved")), odd);
 }
 
-TEST_F(HistoryTest, WhatIsNotThereIsNull) {
+TEST_F(HistoryTest, RecordsMissingValuesAsNull) {
     record({"A26", "Item", std::nullopt, std::nullopt}, std::nullopt);
     EXPECT_THAT(file_text(changes), HasSubstr("\"from\":null,\"to\":null,\"saved\":null}"));
     EXPECT_TRUE(saved_names().empty());
 }
 
-TEST_F(HistoryTest, ChangesOfOneSecondAreSavedUnderNamesOfTheirOwn) {
+TEST_F(HistoryTest, SavesChangesOfOneSecondUnderDifferentNames) {
     record({"A08", "Item", "a", "b"}, "first");
     record({"A08", "Item", "b", "c"}, "second");
     EXPECT_EQ(file_text(directory + "/" + said(0, "saved")), "first");
     EXPECT_EQ(file_text(directory + "/" + said(1, "saved")), "second");
 }
 
-TEST_F(HistoryTest, TheRealNameOfALinkIsRecorded) {
+TEST_F(HistoryTest, RecordsTargetOfLink) {
     fs::create_directory(stage / "links");
     fs::create_symlink("../gatebits.txt", stage / "links/other.txt");
     record_change(stage / "links/other.txt", OLD_TEXT, {"A08", "Item", "O", "S"});
@@ -142,21 +142,21 @@ TEST_F(HistoryTest, TheRealNameOfALinkIsRecorded) {
     EXPECT_TRUE(said(0, "saved").starts_with("gatebits.txt."));
 }
 
-TEST_F(HistoryTest, ItemsAreNamedWithoutTheirDots) {
+TEST_F(HistoryTest, RecordsItemWithoutFinalDots) {
     record({"A05", "UNIX Policy Depot...", "", ""});
     record({"A27", "Copy of a...b", "", ""});
     EXPECT_EQ(said(0, "item"), "UNIX Policy Depot");
     EXPECT_EQ(said(1, "item"), "Copy of a...b");
 }
 
-TEST_F(HistoryTest, WithoutTheVariableThereIsNone) {
+TEST_F(HistoryTest, RecordsNothingWithoutVariable) {
     unsetenv("ZUL_GATESCOPE_HISTORY");
     record();
     EXPECT_FALSE(fs::exists(changes));
     EXPECT_TRUE(saved_names().empty());
 }
 
-TEST_F(HistoryTest, WhoMayUseTheDirectoryMayUseItsFilesWhateverTheUmask) {
+TEST_F(HistoryTest, GivesFilesPermissionsOfDirectoryUnderAnyUmask) {
     const mode_t before = umask(0077);
     chmod(file.c_str(), 0664);
     for (const auto& [of_directory, of_lines, of_saved] :
@@ -173,14 +173,14 @@ TEST_F(HistoryTest, WhoMayUseTheDirectoryMayUseItsFilesWhateverTheUmask) {
     EXPECT_EQ(umask(before), before);
 }
 
-TEST_F(HistoryTest, AnOldTextIsNotOpenToMoreThanThePolicyFile) {
+TEST_F(HistoryTest, GivesSavedTextNoPermissionThatPolicyFileLacks) {
     chmod(file.c_str(), 0640);
     chmod(directory.c_str(), 0755);
     record();
     EXPECT_EQ(mode_of(directory + "/" + saved_names().at(0)), 0440u);
 }
 
-TEST_F(HistoryTest, ARecordIsNotAppendedToATornLine) {
+TEST_F(HistoryTest, StartsNewLineAfterTornLine) {
     record();
     const std::string torn = file_text(changes) + "{\"time\":\"2026-11";
     write_file(changes, torn);
@@ -191,7 +191,7 @@ TEST_F(HistoryTest, ARecordIsNotAppendedToATornLine) {
     EXPECT_EQ(file_text(changes), torn);
 }
 
-TEST_F(HistoryTest, ARecordIsTakenBackWithItsText) {
+TEST_F(HistoryTest, TakesBackRecordWithSavedText) {
     record();
     const std::string before = file_text(changes);
     PendingRecord one = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
@@ -205,12 +205,12 @@ TEST_F(HistoryTest, ARecordIsTakenBackWithItsText) {
     EXPECT_EQ(records().size(), 2u);
 }
 
-TEST_F(HistoryTest, NothingIsTakenBackWhereThereIsNone) {
+TEST_F(HistoryTest, TakesBackNothingWithoutHistory) {
     unsetenv("ZUL_GATESCOPE_HISTORY");
     record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}).take_back();
 }
 
-TEST_F(HistoryTest, OneAfterTheOther) {
+TEST_F(HistoryTest, GripesWhileRecordIsPending) {
     {
         const auto first = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
         EXPECT_GRIPE(record(),
@@ -221,7 +221,7 @@ TEST_F(HistoryTest, OneAfterTheOther) {
     EXPECT_EQ(records().size(), 2u);
 }
 
-TEST_F(HistoryTest, OtherLinesThatWereMovedAwayMeanwhileAreLeftAlone) {
+TEST_F(HistoryTest, StartsNewFileAfterRename) {
     record();
     const Descriptor old_lines(open(changes.c_str(), O_RDWR | O_CLOEXEC));
     ASSERT_EQ(flock(old_lines.get(), LOCK_EX), 0);
@@ -230,7 +230,7 @@ TEST_F(HistoryTest, OtherLinesThatWereMovedAwayMeanwhileAreLeftAlone) {
     EXPECT_EQ(records().size(), 1u);
 }
 
-TEST_F(HistoryTest, ADirectoryThatIsNotThere) {
+TEST_F(HistoryTest, GripesWithoutDirectory) {
     fs::remove(directory);
     EXPECT_GRIPE(record(), told(directory, "No such file or directory"));
     EXPECT_FALSE(fs::exists(directory));
@@ -240,7 +240,7 @@ TEST_F(HistoryTest, ADirectoryThatIsNotThere) {
     EXPECT_GRIPE(record(), told("", "No such file or directory"));
 }
 
-TEST_F(HistoryTest, LinesThatAreALinkOrAPipeOrAnothersAreRefused) {
+TEST_F(HistoryTest, RefusesLinkPipeAndHardLink) {
     stage.write("elsewhere", "kept");
     fs::create_symlink("../elsewhere", changes);
     EXPECT_GRIPE(record(), told(changes, "Not a regular file"));
