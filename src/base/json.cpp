@@ -25,7 +25,7 @@ std::string json_value(std::optional<std::string_view> bytes) {
 }
 
 std::optional<std::string> json_text(std::string_view line, const std::string& member) {
-    // In a string a quote comes after a backslash, so this stands in none.
+    // Quotes inside strings are escaped, so this text is no part of a string.
     const std::string begin = "\"" + member + "\":\"";
     const auto found = line.find(begin);
     if (found == std::string_view::npos) return std::nullopt;

@@ -14,7 +14,8 @@
 namespace gatescope {
 namespace {
 
-/// Prefixes of the variables that may name the operator, followed by "_USER"; the first wins.
+/// Prefixes of the variables that name the operator, followed by "_USER"; the first one set is
+/// used.
 constexpr std::array<const char*, 5> LOOK_UNDER = {"CLEARCASE", "AUTH", "LOGON", "REMOTE",
                                                    "UNMAPPED_REMOTE"};
 

@@ -13,7 +13,7 @@ std::size_t utf8_size(std::string_view text) {
     const int lead = byte(0);
     if (lead < 0x80) return std::min<std::size_t>(text.size(), 1);
     if (lead < 0xC2 || lead > 0xF4) return 0;
-    // No longer forms than needed, no surrogates, nothing beyond the last character.
+    // Excludes overlong forms, surrogates, and code points above U+10FFFF.
     const int lowest = lead == 0xE0 ? 0xA0 : lead == 0xF0 ? 0x90 : 0x80;
     const int highest = lead == 0xED ? 0x9F : lead == 0xF4 ? 0x8F : 0xBF;
     if (byte(1) < lowest || byte(1) > highest) return 0;

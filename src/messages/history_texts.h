@@ -4,7 +4,7 @@ namespace gatescope {
 
 // Texts of the history of policy files, and of the program that shows it.
 
-/// A line of the history: texts as JSON but for the third, which is a number.
+/// A record. The third value is a number, the others are JSON values.
 inline constexpr char RECORD[] =
     "{\"time\":%s,\"operator\":%s,\"uid\":%u,\"host\":%s,\"file\":%s,\"action\":%s,\"item\":%s,"
     "\"from\":%s,\"to\":%s,\"saved\":%s}\n";
@@ -14,15 +14,15 @@ inline constexpr char CANNOT_RECORD[] =
     "ERROR: The change was not made, because it could not be recorded in (%s): %s.";
 inline constexpr char HAS_A_SECOND_NAME[] = "it has a second name";
 
-// A diff, as others write it.
+// A diff in unified format.
 
 /// File, number of the change, file, number.
 inline constexpr char DIFF_HEAD[] = "--- %s\tbefore change %d\n+++ %s\tafter change %d\n";
-/// Ranges of lines.
+/// Old and new range of lines.
 inline constexpr char DIFF_HUNK[] = "@@ -%s +%s @@\n";
 inline constexpr char NO_NEWLINE_AT_END[] = "\n\\ No newline at end of file\n";
 
-// What turns a terminal's colours on, and off again.
+// Escape sequences of terminals for colours; PLAIN ends them.
 
 inline constexpr char BOLD[] = "\033[1m";
 inline constexpr char RED[] = "\033[31m";
@@ -68,12 +68,12 @@ inline constexpr char FILE_WAS_GONE[] =
 /// Number, file.
 inline constexpr char NO_TEXT_BEFORE[] = "before change %d there was no file (%s)";
 
-/// What a record of a restored text says: the action; number of the change before which it stood.
+/// Action and item in the record of a restored text; number of the change.
 inline constexpr char RESTORE_ACTION[] = "restore";
 inline constexpr char TEXT_BEFORE_CHANGE[] = "Text before change %d";
 
-/// In a list: a value that there was none of, one without a character, and what stands between two
-/// values and at the end of one that was cut.
+/// In a list: a missing value, an empty one, the mark between old and new value, and the end of a
+/// value that was cut.
 inline constexpr char NO_VALUE[] = "-";
 inline constexpr char EMPTY_VALUE[] = "\"\"";
 inline constexpr char ARROW[] = " \u2192 ";

@@ -17,8 +17,8 @@
 
 namespace gatescope {
 
-// Histories that take no record. Each is made by a child, by whose number alone the names of saved
-// texts can be known before.
+// Histories that cannot be written. Records are made in children: the names of saved texts contain
+// the process id, so a test can compute them.
 
 namespace {
 
@@ -39,8 +39,8 @@ class UnfitHistory : public testing::Test {
     void record(const std::string& old_text = "old text\n") const {
         record_change(stage / "gatebits.txt", old_text, CHANGE, std::chrono::seconds(0));
     }
-    /// The message for a file of the history, given as a pattern.
-    [[nodiscard]] std::string told(const std::string& file, const std::string& reason) const {
+    /// The error for a file of the history, as a regular expression.
+    [[nodiscard]] std::string message(const std::string& file, const std::string& reason) const {
         return "ERROR: The change was not made, because it could not be recorded in [(]" +
                directory + file + "[)]: " + reason + "[.]\n";
     }
@@ -51,8 +51,8 @@ class UnfitHistory : public testing::Test {
     const std::string saved = "/gatebits[.]txt[.][0-9]+T[0-9]+Z-[0-9]+[.]txt";
 };
 
-/// The names that this process may save a text under in the next seconds.
-std::vector<std::string> coming_names(const std::string& directory) {
+/// The names for texts that this process saves in the next 10 seconds.
+std::vector<std::string> next_names(const std::string& directory) {
     std::vector<std::string> names;
     for (int second = 0; second < 10; ++second) {
         const std::time_t time = std::time(nullptr) + second;
@@ -74,11 +74,11 @@ TEST_F(UnfitHistory, LeavesFileUnderSavedNameAlone) {
     fs::current_path(stage.path());
     for (const auto& plant : plants) {
         const Ended ended = in_child([&] {
-            for (const std::string& name : coming_names(directory)) plant(name);
+            for (const std::string& name : next_names(directory)) plant(name);
             record();
         });
         EXPECT_EQ(ended.status, 99);
-        EXPECT_THAT(ended.said, MatchesRegex(told(saved, "File exists")));
+        EXPECT_THAT(ended.said, MatchesRegex(message(saved, "File exists")));
         EXPECT_EQ(file_text(changes), "");
         for (const auto& entry : fs::directory_iterator(directory)) fs::remove(entry.path());
     }
@@ -91,19 +91,19 @@ TEST_F(UnfitHistory, NamesUnwritableDirectory) {
     if (!can_become_nobody()) GTEST_SKIP() << "needs the right to become another user";
     Ended ended = in_child_of_nobody([&] { record(); });
     EXPECT_EQ(ended.status, 99);
-    EXPECT_THAT(ended.said, MatchesRegex(told("/changes.jsonl", "Permission denied")));
+    EXPECT_THAT(ended.said, MatchesRegex(message("/changes.jsonl", "Permission denied")));
 
-    // Lines that may be written, and no room for a text.
+    // The records are writable, the directory is not.
     write_file(changes, "");
     chmod(changes.c_str(), 0666);
     ended = in_child_of_nobody([&] { record(); });
-    EXPECT_THAT(ended.said, MatchesRegex(told(saved, "Permission denied")));
+    EXPECT_THAT(ended.said, MatchesRegex(message(saved, "Permission denied")));
 
-    // Another's lines.
+    // The directory is writable, the records are another user's.
     chmod(directory.c_str(), 0777);
     chmod(changes.c_str(), 0644);
     ended = in_child_of_nobody([&] { record(); });
-    EXPECT_THAT(ended.said, MatchesRegex(told("/changes.jsonl", "Permission denied")));
+    EXPECT_THAT(ended.said, MatchesRegex(message("/changes.jsonl", "Permission denied")));
     EXPECT_EQ(file_text(changes), "");
 
     chmod(changes.c_str(), 0666);
@@ -119,17 +119,18 @@ TEST_F(UnfitHistory, LeavesNothingOnFullDisk) {
     fill_up(directory + "/filler");
     Ended ended = in_child([&] { record(std::string(20000, 'x')); });
     EXPECT_EQ(ended.status, 99);
-    EXPECT_THAT(ended.said, MatchesRegex(told(saved, "No space left on device")));
-    // Room for a text, and none for a line: the lines' last page is full.
+    EXPECT_THAT(ended.said, MatchesRegex(message(saved, "No space left on device")));
+    // Space for a text but not for a record: the last page of the records is full.
     const auto size = fs::file_size(directory + "/filler");
     fs::resize_file(directory + "/filler", size - 4096);
     std::string lines = before + std::string(4096 - before.size() - 1, ' ') + "\n";
     write_file(changes, lines);
     ended = in_child([&] { record(); });
     EXPECT_EQ(ended.status, 99);
-    EXPECT_THAT(ended.said, MatchesRegex(told("/changes.jsonl", "No space left on device")));
+    EXPECT_THAT(ended.said, MatchesRegex(message("/changes.jsonl", "No space left on device")));
     EXPECT_EQ(file_text(changes), lines);
-    EXPECT_EQ(std::distance(fs::directory_iterator(directory), {}), 3) << "lines, filler, one text";
+    EXPECT_EQ(std::distance(fs::directory_iterator(directory), {}), 3)
+        << "records, filler, one text";
 }
 
 }  // namespace

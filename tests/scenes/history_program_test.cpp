@@ -1,4 +1,4 @@
-// The program gatescope-history, on histories that gatescope has made.
+// The program gatescope-history, on histories written by gatescope.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -13,7 +13,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A region with two changes in its history: the MOTD, and a key.
+/// A region with two recorded changes: of the MOTD and of a key.
 Region region_with_two_changes() {
     Region east = a_region()
                       .with_line(7, ";old;;")
@@ -37,7 +37,7 @@ Result history(Region& region, const Args& args) {
     return region.run_program(history_program(), "gatescope-history", args);
 }
 
-/// The error is one line, status 2 and nothing on standard output.
+/// Expects one line on standard error, status 2 and no output.
 void expect_error(Region& region, const Args& args, const std::string& message) {
     const Result result = history(region, args);
     EXPECT_EQ(result.err, "gatescope-history: " + message + "\n");
@@ -45,7 +45,7 @@ void expect_error(Region& region, const Args& args, const std::string& message) 
     EXPECT_EQ(result.out, "");
 }
 
-/// The text that stands before the change of that number, from 1.
+/// The name of the text saved before the change of that number, from 1.
 std::string saved_name(const Region& region, std::size_t number) {
     std::string lines = region.file("history/changes.jsonl");
     for (; number > 1; --number) lines.erase(0, lines.find('\n') + 1);
@@ -54,7 +54,7 @@ std::string saved_name(const Region& region, std::size_t number) {
     return lines.substr(0, lines.find('"'));
 }
 
-/// What the list shows, without the times.
+/// The list with "TIME" for each time.
 std::string list_without_times(const std::string& list) {
     std::string rest = list;
     for (auto at = rest.find("  20"); at != std::string::npos; at = rest.find("  20", at + 1)) {
@@ -129,7 +129,7 @@ TEST(HistoryProgram, RestoresTextBeforeChange) {
               "3  TIME  operator  restore  Text before change 1  - → " +
                   saved_name(east, 1) + "\n");
     EXPECT_EQ(east.file("history/" + saved_name(east, 3)), changed);
-    // That can be taken back, too.
+    // The restoration can be taken back.
     EXPECT_EQ(history(east, {"restore", "3"}).status, 0);
     EXPECT_EQ(east.gatebits(), changed);
     EXPECT_EQ(east.files_in("tmp"), std::vector<std::string>());
@@ -217,11 +217,11 @@ TEST(HistoryProgram, TakesHistoryAndFileFromOptions) {
     const Result nothing = history(east, {"-d" + directory, "list", "-fnone.txt"});
     EXPECT_EQ(nothing.status, 1);
     EXPECT_EQ(nothing.out + nothing.err, "");
-    // Numbers say which file it is.
+    // diff needs no -f: the number identifies the file.
     EXPECT_EQ(history(east, {"diff", "1", "-d", directory}).status, 1);
     expect_error(east, {"-d", directory, "-f", "copy.txt", "diff", "1"},
                  "there is no change 1 in (" + directory + ")");
-    // Where -d names it, it is recorded there, too.
+    // The restoration is recorded in the history that -d names.
     EXPECT_EQ(history(east, {"-d", directory, "restore", "2"}).status, 0);
     EXPECT_NE(east.file("elsewhere/changes.jsonl").find("\"restore\""), std::string::npos);
     EXPECT_FALSE(east.has_file("history"));
@@ -311,7 +311,7 @@ TEST(HistoryProgram, ReportsOutputError) {
               "gatescope-history: standard output could not be written: No space left on device\n");
 }
 
-/// The output of a terminal with so many columns.
+/// The output on a terminal with that many columns.
 std::string on_terminal(Region& region, const std::string& command, int columns = 80) {
     region.run_program("/bin/sh", "sh",
                        {"-c", "script -qec 'stty cols " + std::to_string(columns) + " -onlcr; " +

@@ -1,4 +1,4 @@
-// The history of policy files: what stands in it after each kind of change, and after none.
+// The records of each kind of change, and runs without a record.
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -30,7 +30,7 @@ std::vector<std::string> lines_of(const Region& region) {
     return lines;
 }
 
-/// What stands between the two in a line.
+/// The part of a line between two texts.
 std::string between(const std::string& line, const std::string& begin, const std::string& end) {
     const auto from = line.find(begin);
     const auto to = line.find(end, from + begin.size());
@@ -38,8 +38,8 @@ std::string between(const std::string& line, const std::string& begin, const std
     return line.substr(from + begin.size(), to - from - begin.size());
 }
 
-/// What a line says of its change.
-std::string said_by(const std::string& line) {
+/// Action, item and values of a record.
+std::string change_in(const std::string& line) {
     return between(line, "\"action\":", ",\"saved\"");
 }
 
@@ -47,21 +47,21 @@ std::string saved_text(const Region& region, const std::string& line) {
     return region.file("history/" + between(line, "\"saved\":\"", "\"}"));
 }
 
-/// Runs the action, whose answers have been given: one change is made, and recorded so.
-void expect_recorded(Region& region, const std::string& action, const std::string& said) {
+/// Runs the action with the prepared answers; expects one change and its record.
+void expect_recorded(Region& region, const std::string& action, const std::string& expected) {
     const std::string before = region.gatebits();
     const std::size_t earlier = lines_of(region).size();
     EXPECT_EQ(region.run({"A=" + action, "R=n"}).status, 110) << action;
     EXPECT_NE(region.gatebits(), before) << action;
     const auto lines = lines_of(region);
     ASSERT_EQ(lines.size(), earlier + 1) << action;
-    EXPECT_EQ(said_by(lines.back()), said);
+    EXPECT_EQ(change_in(lines.back()), expected);
     EXPECT_EQ(saved_text(region, lines.back()), before);
     EXPECT_EQ(between(lines.back(), "\"operator\":\"", "\""), "operator");
     EXPECT_EQ(between(lines.back(), "\"file\":\"", "\""), fs::canonical(region.gatebits_path()));
 }
 
-/// Whether nothing at all has been recorded, nor left in the history.
+/// Expects neither a record nor a saved text.
 void expect_no_record(const Region& region) {
     EXPECT_EQ(region.file(CHANGES), "");
     for (const std::string& name : region.files_in("history")) {
@@ -69,9 +69,9 @@ void expect_no_record(const Region& region) {
     }
 }
 
-/// What the record says of a change; nothing stands for null.
-std::string said(const std::string& action, const std::string& item,
-                 const std::optional<std::string>& from, const std::optional<std::string>& to) {
+/// Action, item and values as a record has them; nothing for null.
+std::string recorded(const std::string& action, const std::string& item,
+                     const std::optional<std::string>& from, const std::optional<std::string>& to) {
     const auto text = [](const std::optional<std::string>& value) {
         return value ? "\"" + *value + "\"" : "null";
     };
@@ -97,7 +97,7 @@ TEST_P(RecordedFields, HaveActionItemAndValues) {
                       .with_file("parent.txt", "");
     east.types(east.staged(to)).answers_yes();
     expect_recorded(east, std::to_string(std::stoi(action.substr(1))),
-                    east.staged(said(action, item, from, to)));
+                    east.staged(recorded(action, item, from, to)));
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -117,14 +117,14 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(History, RecordsPickedLettersAndBits) {
     Region east = recorded_region();
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
-    expect_recorded(east, "8", said("A08", "Region Logging Personality", "O", "S"));
+    expect_recorded(east, "8", recorded("A08", "Region Logging Personality", "O", "S"));
     east.operator_picks("A - 'A'llow Per-VOB Functionality Bits").answers_yes();
     expect_recorded(east, "15",
-                    said("A15", "Region Per-VOB Functionality Bits Personality", "D", "A"));
+                    recorded("A15", "Region Per-VOB Functionality Bits Personality", "D", "A"));
     east.operator_picks_several({"03 - (0) BIT__ONE_CO_PER_BRANCH"}).answers_yes();
-    expect_recorded(
-        east, "16",
-        said("A16", "Functionality Bits", "000000000000000000000000", "000100000000000000000000"));
+    expect_recorded(east, "16",
+                    recorded("A16", "Functionality Bits", "000000000000000000000000",
+                             "000100000000000000000000"));
 }
 
 TEST(History, RecordsClearedDepotAndItsFieldsOnce) {
@@ -133,7 +133,8 @@ TEST(History, RecordsClearedDepotAndItsFieldsOnce) {
                       .with_line(3, ";/parent;")
                       .with_line(4, ";notify;");
     east.types("").answers_yes();
-    expect_recorded(east, "5", east.staged(said("A05", "UNIX Policy Depot", "{stage}/depot", "")));
+    expect_recorded(east, "5",
+                    east.staged(recorded("A05", "UNIX Policy Depot", "{stage}/depot", "")));
 }
 
 TEST(History, RecordsDepotDefinedFirstSeparately) {
@@ -143,8 +144,8 @@ TEST(History, RecordsDepotDefinedFirstSeparately) {
     EXPECT_EQ(east.run({"A=6", "R=n"}).status, 110);
     const auto lines = lines_of(east);
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(said_by(lines[0]), said("A04", "Windows Policy Depot", "", "W:depot"));
-    EXPECT_EQ(said_by(lines[1]), said("A06", "Windows Parent Gatebits file", "", "W:parent"));
+    EXPECT_EQ(change_in(lines[0]), recorded("A04", "Windows Policy Depot", "", "W:depot"));
+    EXPECT_EQ(change_in(lines[1]), recorded("A06", "Windows Parent Gatebits file", "", "W:parent"));
     EXPECT_EQ(saved_text(east, lines[0]), before);
     EXPECT_EQ(saved_text(east, lines[1]),
               with_replaced(before, "\n;" + east.path("depot"), "\nW:depot;" + east.path("depot")));
@@ -158,16 +159,16 @@ TEST(History, RecordsAliases) {
                       .with_line(5, "; ~one ~two ;")
                       .with_key("key;~one ;");
     east.types("two").types("(y)").answers_yes();
-    expect_recorded(east, "17", said("A17", "Alias", std::nullopt, two));
+    expect_recorded(east, "17", recorded("A17", "Alias", std::nullopt, two));
     east.operator_picks(one).types("(z)").answers_yes();
-    expect_recorded(east, "20", said("A20", "Alias #!gatewarden_alias one", "(x)", "(z)"));
+    expect_recorded(east, "20", recorded("A20", "Alias #!gatewarden_alias one", "(x)", "(z)"));
     east.operator_picks("~two").answers_yes();
-    expect_recorded(east, "19", said("A19", "Alias References", "~two", std::nullopt));
+    expect_recorded(east, "19", recorded("A19", "Alias References", "~two", std::nullopt));
     east.operator_picks(two).answers_no();
-    expect_recorded(east, "18", said("A18", "Alias", two, std::nullopt));
+    expect_recorded(east, "18", recorded("A18", "Alias", two, std::nullopt));
     const std::string changed = "#!gatewarden_alias one (z)";
     east.operator_picks(changed).answers_yes();
-    expect_recorded(east, "18", said("A18", "Alias with References", changed, std::nullopt));
+    expect_recorded(east, "18", recorded("A18", "Alias with References", changed, std::nullopt));
     EXPECT_EQ(east.gatebits().find("one"), std::string::npos);
 }
 
@@ -177,33 +178,33 @@ TEST(History, RecordsWholeAliasThatListCuts) {
     const std::string entry = definition.substr(0, 100) + " ...";
     Region east = recorded_region().with_alias("long", value);
     east.operator_picks(entry).types("(y)").answers_yes();
-    expect_recorded(east, "20", said("A20", "Alias #!gatewarden_alias long", value, "(y)"));
+    expect_recorded(east, "20", recorded("A20", "Alias #!gatewarden_alias long", value, "(y)"));
     Region west = recorded_region().with_alias("long", value);
     west.operator_picks(entry).answers_no();
-    expect_recorded(west, "18", said("A18", "Alias", definition, std::nullopt));
+    expect_recorded(west, "18", recorded("A18", "Alias", definition, std::nullopt));
 }
 
 TEST(History, RecordsKeys) {
     Region east = recorded_region().with_key("first;").with_key("second;");
     east.operator_picks("001 second;").answers_yes().types("other;").answers_yes().cancels();
-    expect_recorded(east, "21", said("A21", "Command Key 001", "second;", "other;"));
+    expect_recorded(east, "21", recorded("A21", "Command Key 001", "second;", "other;"));
     east.operator_picks("000 first;").answers_no().answers_yes().cancels();
-    expect_recorded(east, "21", said("A21", "Command Key 000", "first;", std::nullopt));
+    expect_recorded(east, "21", recorded("A21", "Command Key 000", "first;", std::nullopt));
     east.answers({.kind = "list", .outfile = ""}).types("third;").answers_yes().cancels();
-    expect_recorded(east, "22", said("A22", "Command Key 001", std::nullopt, "third;"));
+    expect_recorded(east, "22", recorded("A22", "Command Key 001", std::nullopt, "third;"));
 }
 
 TEST(History, RecordsSettings) {
     Region east = recorded_region();
     east.operator_picks("03 gatescope_windows_browser=").types("W:b").answers_yes();
     expect_recorded(east, "24",
-                    said("A24", "Gatescope Variable",
-                         "#!gatescope_windows_browser=", "#!gatescope_windows_browser=W:b"));
+                    recorded("A24", "Gatescope Variable",
+                             "#!gatescope_windows_browser=", "#!gatescope_windows_browser=W:b"));
     Region west = recorded_region().without_variables().with_env("ZUL_PREFER_NO_GUI", "yes");
     west.operator_picks("03 gatescope_windows_browser=").types("W:b").answers_yes();
     expect_recorded(
         west, "24",
-        said("A24", "Gatescope Variable", std::nullopt, "#!gatescope_windows_browser=W:b"));
+        recorded("A24", "Gatescope Variable", std::nullopt, "#!gatescope_windows_browser=W:b"));
 }
 
 TEST(History, RecordsEachStepOfWalk) {
@@ -213,9 +214,9 @@ TEST(History, RecordsEachStepOfWalk) {
     EXPECT_EQ(east.run({"A=28", "R=n"}).status, 110);
     const auto lines = lines_of(east);
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_TRUE(said_by(lines[0]).starts_with("\"A24\",\"item\":\"Gatescope Variable\","))
+    EXPECT_TRUE(change_in(lines[0]).starts_with("\"A24\",\"item\":\"Gatescope Variable\","))
         << lines[0];
-    EXPECT_EQ(said_by(lines[1]), said("A04", "Windows Policy Depot", "W:depot", "W:other"));
+    EXPECT_EQ(change_in(lines[1]), recorded("A04", "Windows Policy Depot", "W:depot", "W:other"));
 }
 
 TEST(History, RecordsNewFileAndCopy) {
@@ -267,7 +268,7 @@ TEST(History, TouchesNothingWithoutVariable) {
     EXPECT_EQ(east.files_in("history"), std::vector<std::string>{".kept"});
 }
 
-// No change, no record.
+// Runs without a change leave no record.
 
 TEST(NoRecord, AfterDeclinedAbortedOrCancelledChange) {
     Region east = recorded_region().with_alias("one", "(x)").with_key("key;");
@@ -305,11 +306,11 @@ TEST(NoRecord, ForFieldMissingInFile) {
     expect_no_record(east);
 }
 
-// What stands after the last ';' goes all the same.
+// The file changes without the field: the text after the last ';' is removed.
 TEST(History, RecordsEmptyValuesForFieldMissingInWrittenFile) {
     Region east = recorded_region().with_line(2, ";{stage}/depot;tail");
     east.operator_picks("S - 'S'ucessful attempts only logged").answers_yes();
-    expect_recorded(east, "8", said("A08", "Region Logging Personality", "", ""));
+    expect_recorded(east, "8", recorded("A08", "Region Logging Personality", "", ""));
 }
 
 TEST(NoRecord, ForRefusedChange) {
@@ -321,7 +322,7 @@ TEST(NoRecord, ForRefusedChange) {
     EXPECT_EQ(read_only.gatebits(), before);
     expect_no_record(read_only);
 
-    // However long the paths in it are.
+    // The size does not depend on the length of the stage's path.
     const std::size_t rest = 29800 - before.size();
     Region too_large = recorded_region().with_key(std::string(rest, 'x') + ";");
     too_large.types(std::string(250, 'y')).answers_yes();
@@ -336,36 +337,36 @@ TEST(NoRecord, ForRefusedChange) {
     expect_no_record(taken);
 }
 
-// What cannot be recorded is not done.
+// A change that cannot be recorded is not made.
 
 struct Obstacle {
     std::string name;
-    /// What prevents the record, as commands of the shell.
-    std::string put;
-    std::string named;
+    /// Shell commands that prevent the record.
+    std::string commands;
+    std::string path;
     std::string reason;
 };
 
 class UnfitHistories : public testing::TestWithParam<Obstacle> {};
 
 TEST_P(UnfitHistories, KeepFileAndAreNamed) {
-    const auto& [name, put, named, reason] = GetParam();
+    const auto& [name, commands, path, reason] = GetParam();
     Region east = recorded_region();
     const std::string before = east.gatebits();
-    ASSERT_EQ(std::system(("cd " + east.path("") + " && " + put).c_str()), 0);
-    const Dialog told =
+    ASSERT_EQ(std::system(("cd " + east.path("") + " && " + commands).c_str()), 0);
+    const Dialog error =
         griped("ERROR: The change was not made, because it could not be recorded in (" +
-               east.path(named) + "): " + reason + ".");
+               east.path(path) + "): " + reason + ".");
     east.types("new").answers_yes();
     Result result = east.run({"A=13", "R=n"});
     EXPECT_EQ(result.status, 99);
-    EXPECT_EQ(result.dialogs().back(), told);
+    EXPECT_EQ(result.dialogs().back(), error);
     EXPECT_EQ(east.gatebits(), before);
 
     east.chooses_file(east.path("new.txt"));
     result = east.run({"A=26", "R=n"});
     EXPECT_EQ(result.status, 99);
-    EXPECT_EQ(result.dialogs().back(), told);
+    EXPECT_EQ(result.dialogs().back(), error);
     EXPECT_FALSE(east.has_file("new.txt"));
     EXPECT_FALSE(east.has_file("elsewhere"));
 }

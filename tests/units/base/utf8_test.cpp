@@ -18,8 +18,7 @@ TEST(Utf8, ReturnsSizeOfCharacter) {
 }
 
 TEST(Utf8, ReturnsZeroForInvalidBytes) {
-    // Nothing; what comes later in a character; longer forms than needed; surrogates; what lies
-    // beyond the last character; characters that end too early.
+    // Empty; continuation bytes; overlong forms; surrogates; above U+10FFFF; truncated characters.
     for (const std::string text :
          {"", "\x80", "\xBF", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
           "\xED\xA0\x80", "\xED\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "\xFF", "\xC2",
@@ -30,7 +29,7 @@ TEST(Utf8, ReturnsZeroForInvalidBytes) {
 
 TEST(Utf8, ReplacesControlsAndInvalidBytes) {
     EXPECT_EQ(printable("a\033[2J\tb\n\x7F\xC2\x9B"
-                       "c\xFF\xE2\x82"),
+                        "c\xFF\xE2\x82"),
               "a?[2J\tb???c???");
     EXPECT_EQ(printable(std::string("a\0b", 3)), "a?b");
     EXPECT_EQ(printable("Müller €\xC2\xA0;~x"), "Müller €\xC2\xA0;~x");

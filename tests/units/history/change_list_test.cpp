@@ -8,10 +8,10 @@ namespace {
 constexpr std::size_t ANY_WIDTH = 1000;
 
 ChangeRecord change(int number, const std::optional<std::string>& from,
-                  const std::optional<std::string>& to, const std::string& item = "Item",
-                  const std::string& name = "ann",
-                  const std::string& time = "2026-11-22T01:15:30+01:00",
-                  const std::string& action = "A08") {
+                    const std::optional<std::string>& to, const std::string& item = "Item",
+                    const std::string& name = "ann",
+                    const std::string& time = "2026-11-22T01:15:30+01:00",
+                    const std::string& action = "A08") {
     return {"", number,
             "{\"time\":" + json_value(time) + ",\"operator\":" + json_value(name) +
                 ",\"action\":" + json_value(action) + ",\"item\":" + json_value(item) +
@@ -41,15 +41,15 @@ std::string values_in(std::size_t width, const std::string& from, const std::str
 TEST(ChangeList, CutsLongValuesToWidth) {
     const std::string twenty = "abcdefghijklmnopqrst";
     const std::string other = "ABCDEFGHIJKLMNOPQRST";
-    // 40 characters come before the values, 3 stand between them.
+    // 40 characters precede the values, 3 separate them.
     EXPECT_EQ(values_in(83, twenty, other), twenty + " → " + other + "\n");
     EXPECT_EQ(values_in(82, twenty, other), twenty + " → ABCDEFGHIJKLMNOPQR…\n");
     EXPECT_EQ(values_in(81, twenty, other), "abcdefghijklmnopqr… → ABCDEFGHIJKLMNOPQR…\n");
     EXPECT_EQ(values_in(80, twenty, other), "abcdefghijklmnopqr… → ABCDEFGHIJKLMNOPQ…\n");
-    // What the other one does not need is there for the long one.
+    // The long value gets the room that the short one leaves.
     EXPECT_EQ(values_in(60, "O", twenty), "O → abcdefghijklmno…\n");
     EXPECT_EQ(values_in(60, twenty, "O"), "abcdefghijklmno… → O\n");
-    // Something is seen of each on the narrowest.
+    // Both values get 8 characters when the width is too small.
     EXPECT_EQ(values_in(20, twenty, other), "abcdefg… → ABCDEFG…\n");
 }
 

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 class ChangesTest : public testing::Test {
   protected:
-    /// A line of the history.
+    /// A record as a line of the file of records.
     std::string line(const std::string& of_file, const std::string& saved) const {
         return R"({"time":"t","operator":"ann","uid":1,"host":"h","file":")" + of_file +
                R"(","action":"A08","item":"i","from":null,"to":"x","saved":)" + saved + "}\n";
@@ -24,7 +24,7 @@ class ChangesTest : public testing::Test {
     ChangeRecords history(const std::optional<std::string>& of_file = std::nullopt) const {
         return read_history(stage.path(), of_file);
     }
-    /// The numbers of the changes that are read, and what is said of other lines.
+    /// The numbers of the records read, and the text on standard error.
     std::string numbers_and_notes() const {
         testing::internal::CaptureStderr();
         std::string numbers;
@@ -61,7 +61,7 @@ TEST_F(ChangesTest, NumbersRecordsByLine) {
 TEST_F(ChangesTest, SkipsAndReportsIncompleteRecord) {
     const std::string whole = line("/a", "null");
     const std::string saved = line("/a", "\"a}b\"");
-    // Other texts, other forms of JSON, and what a line may end in when it was not finished.
+    // Other texts, other forms of JSON, and records torn at different bytes.
     for (const std::string& other : std::vector<std::string>{
              "\n", "no record\n", std::string("\0\0\n", 3), "{}\n",
              whole.substr(0, whole.size() - 1) + "\r\n",

@@ -37,9 +37,9 @@ TEST(LineDiff, PutsDeletedLinesFirst) {
 }
 
 TEST(LineDiff, MarksMissingNewline) {
-    const std::string none = "\\ No newline at end of file\n";
-    EXPECT_EQ(diff("a", "a\n"), HEAD + "@@ -1 +1 @@\n-a\n" + none + "+a\n");
-    EXPECT_EQ(diff("a\nb", "c\nb"), HEAD + "@@ -1,2 +1,2 @@\n-a\n+c\n b\n" + none);
+    const std::string mark = "\\ No newline at end of file\n";
+    EXPECT_EQ(diff("a", "a\n"), HEAD + "@@ -1 +1 @@\n-a\n" + mark + "+a\n");
+    EXPECT_EQ(diff("a\nb", "c\nb"), HEAD + "@@ -1,2 +1,2 @@\n-a\n+c\n b\n" + mark);
 }
 
 TEST(LineDiff, SplitsDistantChangesIntoHunks) {
@@ -65,7 +65,7 @@ TEST(LineDiff, ColoursLinesByKind) {
     EXPECT_EQ(for_terminal(odd, false), HEAD + "@@ -1 +1 @@\n-?c\ta\n\\ No\n");
 }
 
-/// Texts of few different lines, so that many of them stay.
+/// Random lines of four kinds, so that texts have many lines in common.
 std::string some_lines(std::mt19937* random) {
     std::string text;
     for (auto lines = (*random)() % 30; lines > 0; --lines) {
@@ -76,7 +76,7 @@ std::string some_lines(std::mt19937* random) {
     return text;
 }
 
-/// How many lines go and come.
+/// The number of deleted and added lines, the head included.
 long changes_in(const std::string& diff) {
     long changes = 0;
     for (std::size_t at = 0; (at = diff.find('\n', at)) != std::string::npos; ++at) {
@@ -85,7 +85,7 @@ long changes_in(const std::string& diff) {
     return changes;
 }
 
-/// What others make of our diffs, where they are installed.
+/// Compares with diff and patch where they are installed.
 TEST(LineDiff, IsAppliedByPatchAndAsShortAsDiff) {
     if (std::system("patch --version >/dev/null 2>&1 && diff --version >/dev/null 2>&1") != 0) {
         GTEST_SKIP() << "patch or diff is not installed";
@@ -109,7 +109,7 @@ TEST(LineDiff, IsAppliedByPatchAndAsShortAsDiff) {
     }
 }
 
-/// That many lines, of one letter each.
+/// `number` lines of one letter each.
 std::string lines_from(char first, int number) {
     std::string text;
     for (int i = 0; i < number; ++i) text += {static_cast<char>(first + i % 25), '\n'};

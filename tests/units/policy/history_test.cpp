@@ -38,12 +38,12 @@ class HistoryTest : public testing::Test {
         unsetenv("ZUL_GATESCOPE_HISTORY");
     }
 
-    /// Records a change that is then taken for made.
+    /// Records a change and keeps the record.
     void record(const RecordedChange& change = {"A08", "Item", "O", "S"},
                 const std::optional<std::string>& old_text = OLD_TEXT) const {
         record_change(file, old_text, change, AT_ONCE);
     }
-    static std::string told(const std::string& path, const std::string& reason) {
+    static std::string message(const std::string& path, const std::string& reason) {
         return "ERROR: The change was not made, because it could not be recorded in (" + path +
                "): " + reason + ".";
     }
@@ -54,12 +54,12 @@ class HistoryTest : public testing::Test {
         for (std::string line; std::getline(lines, line);) found.push_back(line);
         return found;
     }
-    /// What the record of that number, from 0, says.
-    std::string said(std::size_t number, const std::string& member) const {
+    /// A member of the record of that number, from 0.
+    std::string member_of(std::size_t number, const std::string& member) const {
         return json_text(records().at(number), member).value_or("nothing");
     }
 
-    /// The names in the directory, but that of the lines.
+    /// The names of the saved texts.
     std::vector<std::string> saved_names() const {
         std::vector<std::string> names;
         for (const auto& entry : fs::directory_iterator(directory)) {
@@ -95,11 +95,11 @@ TEST_F(HistoryTest, RecordsOperatorItemTimeAndHost) {
                     "\"item\":\"Region Logging Personality\",\"from\":\"O\",\"to\":\"S\","
                     "\"saved\":\"gatebits[.]txt[.][0-9]{8}T[0-9]{6}Z-[0-9]+[.]txt\"\\}\n"));
     EXPECT_THAT(line, HasSubstr(",\"uid\":" + std::to_string(getuid()) + ","));
-    EXPECT_EQ(said(0, "file"), fs::canonical(file).string());
+    EXPECT_EQ(member_of(0, "file"), fs::canonical(file).string());
     std::string host(256, '\0');
     gethostname(host.data(), host.size());
-    EXPECT_EQ(said(0, "host"), host.substr(0, host.find('\0')));
-    EXPECT_THAT(said(0, "saved"), HasSubstr("Z-" + std::to_string(getpid())));
+    EXPECT_EQ(member_of(0, "host"), host.substr(0, host.find('\0')));
+    EXPECT_THAT(member_of(0, "saved"), HasSubstr("Z-" + std::to_string(getpid())));
 }
 
 TEST_F(HistoryTest, RecordsSameTimeAsSavedName) {
@@ -108,9 +108,9 @@ TEST_F(HistoryTest, RecordsSameTimeAsSavedName) {
     record();
     unsetenv("TZ");
     tzset();
-    std::string time = said(0, "time");
+    std::string time = member_of(0, "time");
     for (const char mark : {'-', ':'}) std::erase(time, mark);
-    EXPECT_EQ(said(0, "saved").find("." + time.substr(0, 15) + "Z-"),
+    EXPECT_EQ(member_of(0, "saved").find("." + time.substr(0, 15) + "Z-"),
               std::string("gatebits.txt").size());
     EXPECT_EQ(time.substr(15), "+0000");
 }
@@ -118,7 +118,7 @@ TEST_F(HistoryTest, RecordsSameTimeAsSavedName) {
 TEST_F(HistoryTest, SavesOldTextByteForByte) {
     const std::string odd("\0\xFF\r\nno end", 10);
     record({"A08", "Item", "a", "b"}, odd);
-    EXPECT_EQ(file_text(directory + "/" + said(0, "saved")), odd);
+    EXPECT_EQ(file_text(directory + "/" + member_of(0, "saved")), odd);
 }
 
 TEST_F(HistoryTest, RecordsMissingValuesAsNull) {
@@ -130,23 +130,23 @@ TEST_F(HistoryTest, RecordsMissingValuesAsNull) {
 TEST_F(HistoryTest, SavesChangesOfOneSecondUnderDifferentNames) {
     record({"A08", "Item", "a", "b"}, "first");
     record({"A08", "Item", "b", "c"}, "second");
-    EXPECT_EQ(file_text(directory + "/" + said(0, "saved")), "first");
-    EXPECT_EQ(file_text(directory + "/" + said(1, "saved")), "second");
+    EXPECT_EQ(file_text(directory + "/" + member_of(0, "saved")), "first");
+    EXPECT_EQ(file_text(directory + "/" + member_of(1, "saved")), "second");
 }
 
 TEST_F(HistoryTest, RecordsTargetOfLink) {
     fs::create_directory(stage / "links");
     fs::create_symlink("../gatebits.txt", stage / "links/other.txt");
     record_change(stage / "links/other.txt", OLD_TEXT, {"A08", "Item", "O", "S"});
-    EXPECT_EQ(said(0, "file"), fs::canonical(file).string());
-    EXPECT_TRUE(said(0, "saved").starts_with("gatebits.txt."));
+    EXPECT_EQ(member_of(0, "file"), fs::canonical(file).string());
+    EXPECT_TRUE(member_of(0, "saved").starts_with("gatebits.txt."));
 }
 
 TEST_F(HistoryTest, RecordsItemWithoutFinalDots) {
     record({"A05", "UNIX Policy Depot...", "", ""});
     record({"A27", "Copy of a...b", "", ""});
-    EXPECT_EQ(said(0, "item"), "UNIX Policy Depot");
-    EXPECT_EQ(said(1, "item"), "Copy of a...b");
+    EXPECT_EQ(member_of(0, "item"), "UNIX Policy Depot");
+    EXPECT_EQ(member_of(1, "item"), "Copy of a...b");
 }
 
 TEST_F(HistoryTest, RecordsNothingWithoutVariable) {
@@ -159,15 +159,15 @@ TEST_F(HistoryTest, RecordsNothingWithoutVariable) {
 TEST_F(HistoryTest, GivesFilesPermissionsOfDirectoryUnderAnyUmask) {
     const mode_t before = umask(0077);
     chmod(file.c_str(), 0664);
-    for (const auto& [of_directory, of_lines, of_saved] :
+    for (const auto& [directory_mode, records_mode, saved_mode] :
          {std::tuple(0700u, 0600u, 0400u), std::tuple(0770u, 0660u, 0440u),
           std::tuple(0755u, 0644u, 0444u)}) {
         fs::remove_all(directory);
         fs::create_directory(directory);
-        chmod(directory.c_str(), of_directory);
+        chmod(directory.c_str(), directory_mode);
         record();
-        EXPECT_EQ(mode_of(changes), of_lines);
-        EXPECT_EQ(mode_of(directory + "/" + saved_names().at(0)), of_saved);
+        EXPECT_EQ(mode_of(changes), records_mode);
+        EXPECT_EQ(mode_of(directory + "/" + saved_names().at(0)), saved_mode);
     }
     umask(before);
     EXPECT_EQ(umask(before), before);
@@ -199,7 +199,7 @@ TEST_F(HistoryTest, TakesBackRecordWithSavedText) {
     one.take_back();
     EXPECT_EQ(file_text(changes), before);
     EXPECT_EQ(saved_names().size(), 1u);
-    // Nothing is left to be taken back.
+    // The second call has no effect.
     record();
     one.take_back();
     EXPECT_EQ(records().size(), 2u);
@@ -214,7 +214,7 @@ TEST_F(HistoryTest, GripesWhileRecordIsPending) {
     {
         const auto first = record_change(file, OLD_TEXT, {"A08", "Item", "O", "S"}, AT_ONCE);
         EXPECT_GRIPE(record(),
-                     told(changes, "another process has held its lock for more than 0 seconds"));
+                     message(changes, "another process has held its lock for more than 0 seconds"));
         EXPECT_EQ(saved_names().size(), 1u);
     }
     record();
@@ -232,30 +232,30 @@ TEST_F(HistoryTest, StartsNewFileAfterRename) {
 
 TEST_F(HistoryTest, GripesWithoutDirectory) {
     fs::remove(directory);
-    EXPECT_GRIPE(record(), told(directory, "No such file or directory"));
+    EXPECT_GRIPE(record(), message(directory, "No such file or directory"));
     EXPECT_FALSE(fs::exists(directory));
     write_file(directory, "");
-    EXPECT_GRIPE(record(), told(changes, "Not a directory"));
+    EXPECT_GRIPE(record(), message(changes, "Not a directory"));
     setenv("ZUL_GATESCOPE_HISTORY", "", 1);
-    EXPECT_GRIPE(record(), told("", "No such file or directory"));
+    EXPECT_GRIPE(record(), message("", "No such file or directory"));
 }
 
 TEST_F(HistoryTest, RefusesLinkPipeAndHardLink) {
     stage.write("elsewhere", "kept");
     fs::create_symlink("../elsewhere", changes);
-    EXPECT_GRIPE(record(), told(changes, "Not a regular file"));
+    EXPECT_GRIPE(record(), message(changes, "Not a regular file"));
     fs::remove(changes);
     fs::create_symlink("../nowhere", changes);
-    EXPECT_GRIPE(record(), told(changes, "Not a regular file"));
+    EXPECT_GRIPE(record(), message(changes, "Not a regular file"));
     fs::remove(changes);
     ASSERT_EQ(mkfifo(changes.c_str(), 0666), 0);
-    EXPECT_GRIPE(record(), told(changes, "Not a regular file"));
+    EXPECT_GRIPE(record(), message(changes, "Not a regular file"));
     fs::remove(changes);
     fs::create_hard_link(stage / "elsewhere", changes);
-    EXPECT_GRIPE(record(), told(changes, "it has a second name"));
+    EXPECT_GRIPE(record(), message(changes, "it has a second name"));
     fs::remove(changes);
     fs::create_directory(changes);
-    EXPECT_GRIPE(record(), told(changes, "Is a directory"));
+    EXPECT_GRIPE(record(), message(changes, "Is a directory"));
     EXPECT_EQ(stage.read("elsewhere"), "kept");
     EXPECT_FALSE(fs::exists(stage / "nowhere"));
     EXPECT_TRUE(saved_names().empty());
