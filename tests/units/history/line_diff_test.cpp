@@ -76,7 +76,7 @@ std::string some_lines(std::mt19937* random) {
     return text;
 }
 
-/// The number of deleted and added lines, the head included.
+/// The number of deleted and added lines, and one for the head.
 long changes_in(const std::string& diff) {
     long changes = 0;
     for (std::size_t at = 0; (at = diff.find('\n', at)) != std::string::npos; ++at) {
