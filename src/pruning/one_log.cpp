@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -163,7 +164,8 @@ void read_pieces(const Source& source, Work* work, const Take& take) {
 }
 
 void count(const KeptRecords& records, Log* log, Work* work) {
-    work->total += records.total() - log->kept.value_or(0);
+    // Less than before if another log took its place since it was counted.
+    work->total += std::max<std::int64_t>(records.total() - log->kept.value_or(0), 0);
     work->removed += records.removed();
     log->kept = records.total() - records.removed();
 }
