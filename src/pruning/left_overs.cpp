@@ -16,7 +16,7 @@ constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint) {
     std::string name = log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
-    if (kind == LeftOver::READY) name += "_" + std::to_string(fingerprint);
+    if (kind == LeftOver::READY) name.append("_").append(std::to_string(fingerprint));
     return {kind, number, name};
 }
 
