@@ -29,6 +29,7 @@ constexpr mode_t PUBLIC = 0666;
 /// A file of which the words from byte `from` up to byte `to` become the log's.
 struct Source {
     std::string name;
+    /// Only the log is open throughout: there may be more left-overs than files can be open.
     Descriptor file;
     off_t from;
     off_t to;
@@ -126,9 +127,8 @@ void complete(const LeftOver& ready, Log* log, const Work& work) {
     // With a second name it may be a file from outside of the directory.
     leave_alone_on(seen(ready.name, work).status.st_nlink > 1 ? EMLINK : 0, ready.name);
     const Descriptor file = open_to_read(log->name, work, Moment::clock::now());
-    if (file && ready_text(*log, file, ready.number).name == ready.name) {
-        return finish(ready, file, log, work);
-    }
+    const bool is_of_log = file && ready_text(*log, file, ready.number).name == ready.name;
+    if (is_of_log) return finish(ready, file, log, work);
     remove_what_is_added(*log, work);
     take(ready.name, log, work);
 }
@@ -144,6 +144,7 @@ std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline
         Source source = settled(one.name, std::move(file), from, work, deadline);
         // A run that was killed leaves the log itself under two names.
         const bool is_new = source.to > from && id_of(itself.status) != id_of(source.status);
+        source.file.close();
         if (!is_new) leave_alone_on(work.logs.unlink(one.name), one.name);
         if (is_new) sources.push_back(std::move(source));
     }
@@ -152,17 +153,19 @@ std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline
 
 /// Hands out the words of a source piece by piece, for as long as `take` wants more.
 template <typename Take>
-void read_pieces(const Source& source, Progress* progress, const Take& take) {
+void read_pieces(const Source& source, Work* work, const Take& take) {
+    const Descriptor again = source.file ? Descriptor() : open_to_read(source.name, *work, {});
     LogReader reader;
-    reader.start(source.file.get(), source.from, source.to);
+    reader.start(source.file ? source.file.get() : again.get(), source.from, source.to);
     for (std::string_view piece; reader.next(&piece) && take(piece);) {
-        progress->advance(static_cast<off_t>(piece.size()));
+        work->progress.advance(static_cast<off_t>(piece.size()));
     }
     leave_alone_on(reader.error(), source.name);
 }
 
 void count(const KeptRecords& records, Log* log, Work* work) {
-    work->total += records.total() - log->kept.value_or(0);
+    // Less than before if another log took its place since it was counted.
+    work->total += std::max<std::int64_t>(records.total() - log->kept.value_or(0), 0);
     work->removed += records.removed();
     log->kept = records.total() - records.removed();
 }
@@ -174,9 +177,8 @@ bool stays_as_it_is(const Source& file, Log* log, Work* work) {
     bool stays = (file.status.st_mode & 07777) == PUBLIC || file.status.st_nlink > 1;
     if (!stays) return false;
     KeptRecords records(work->cut_off);
-    read_pieces(file, &work->progress, [&](std::string_view piece) {
-        stays = records.of(piece).data() == piece.data();
-        return stays;
+    read_pieces(file, work, [&](std::string_view piece) {
+        return stays = records.of(piece).data() == piece.data();
     });
     if (stays) count(records, log, work);
     return stays;
@@ -184,7 +186,7 @@ bool stays_as_it_is(const Source& file, Log* log, Work* work) {
 
 /// Appends what is kept of a source to the scratch file, and brings that to the disk.
 void copy(const Source& source, const TemporaryFile& scratch, KeptRecords* records, Work* work) {
-    read_pieces(source, &work->progress, [&](std::string_view piece) {
+    read_pieces(source, work, [&](std::string_view piece) {
         leave_alone_on(write_all(scratch.file.get(), records->of(piece)), work->scratch);
         return true;
     });

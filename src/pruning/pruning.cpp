@@ -94,6 +94,7 @@ void on_each(std::vector<Log>* logs, const Step& step) {
 void prepare_each(std::vector<Log>* logs, Work* work) {
     std::vector<std::string> names;
     const int error = work->logs.list("logging_", &names);
+    work->unused.clear();
     on_each(logs, [&](Log* log) {
         leave_alone_on(error, log->name);
         prepare(log, names, work);

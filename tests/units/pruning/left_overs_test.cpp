@@ -5,6 +5,7 @@
 #include "base/descriptor.h"
 #include "base/file_identity.h"
 #include "messages/log_texts.h"
+#include "support/few_descriptors.h"
 #include "units/pruning/pruning_region.h"
 
 namespace gatescope {
@@ -51,6 +52,14 @@ TEST_F(LeftOvers, TakenCompanionsAreAddedWhole) {
     std::string text = file_text(log_file_path(0));
     for (int i = 1; i <= 4; ++i) EXPECT_NE(text.find(fresh(i)), std::string::npos) << i;
     EXPECT_EQ(text.size(), 4 * fresh(1).size());
+    EXPECT_EQ(all_files().size(), 1u);
+}
+
+TEST_F(LeftOvers, MoreTakenCompanionsThanFilesCanBeOpenAreAdded) {
+    for (int k = 0; k < 30; ++k) write_file(taken(0, k), fresh(k));
+    const FewDescriptors few(10);
+    EXPECT_EQ(said_by_pruning(), result(0, 30));
+    EXPECT_EQ(file_text(log_file_path(0)).size(), 30 * fresh(1).size());
     EXPECT_EQ(all_files().size(), 1u);
 }
 

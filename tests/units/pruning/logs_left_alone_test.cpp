@@ -89,6 +89,20 @@ TEST_F(LogsLeftAlone, ALinkedCompanionIsNamedAndItsLogPruned) {
     EXPECT_EQ(file_text(elsewhere("secret")), fresh(1));
 }
 
+TEST_F(LogsLeftAlone, ALinkedCompanionThatIsAFileInTheEndIsMergedAndNotNamed) {
+    if (!has_leases()) GTEST_SKIP() << "no leases here";
+    patience.longest_write = std::chrono::milliseconds(300);
+    fs::create_symlink("elsewhere", pruning_companion_path(3));
+    const SlowWriter writer(log_file_path(0));
+    const Later record([] {
+        fs::remove(pruning_companion_path(3));
+        write_file(pruning_companion_path(3), fresh(2));
+    });
+    EXPECT_EQ(said_by_pruning(), left_alone(log_file_path(0), KEPT) + result(0, 1));
+    writer.end();
+    EXPECT_EQ(file_text(log_file_path(3)), fresh(2));
+}
+
 TEST_F(LogsLeftAlone, DirectoriesPipesAndDevicesAreNamedAndHangNothing) {
     fs::create_directory(log_file_path(2));
     const mode_t mode = mode_of(log_file_path(2));

@@ -364,6 +364,18 @@ TEST_F(PruningInTrouble, ALogThatIsReplacedMeanwhileKeepsItsTexts) {
               (Files{{"logging_0.txt", fresh(5) + fresh(1)}, {"rotated", old(1) + fresh(1)}}));
 }
 
+TEST_F(PruningInTrouble, ALogThatIsRotatedBetweenThePassesMakesNoNegativeCount) {
+    write_log(0, fresh(1) + fresh(2) + fresh(3));
+    before().unlink = [](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        fs::rename(log_file_path(0), logging_dir + "/rotated");
+        write_file(pruning_companion_path(0), fresh(5) + old(5));
+        return 0;
+    };
+    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(5));
+}
+
 TEST_F(PruningInTrouble, WhatIsNotDoneIsNotCounted) {
     write_log(0, old(1) + fresh(1));
     write_log(1, old(1) + fresh(1));
