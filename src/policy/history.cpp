@@ -19,7 +19,7 @@
 #include "base/operator_name.h"
 #include "base/paths.h"
 #include "base/platform.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/waiting.h"
 #include "base/whole_file.h"
@@ -86,7 +86,7 @@ Descriptor lock_lines(const std::string& path, mode_t mode, std::chrono::seconds
 Descriptor create_saved(const std::string& beginning, std::string* path, Moment* moment) {
     Descriptor file;
     succeeds_within(NAME_PATIENCE, [&] {
-        const SignalsHeld held;
+        const SignalsBlocked blocked;
         *moment = this_moment();
         *path = filled("%s.%s-%d.txt", beginning.c_str(), moment->utc.c_str(), getpid());
         file = Descriptor(open(path->c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0400));
@@ -118,7 +118,7 @@ std::string record_line(const Moment& moment, const std::string& file, const Rec
 
 /// 0 or an errno, and then the lines are as they were, as far as that can be.
 int append(const std::string& line, HistoryRecord* record) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     const int file = record->lines.get();
     const off_t end = lseek(file, 0, SEEK_END);
     off_t& begin = record->begin = end;
@@ -177,7 +177,7 @@ HistoryRecord record_change(const std::string& policy_file,
 }
 
 void HistoryRecord::take_back() {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     // A record that has to stay keeps its text.
     if (!lines || ftruncate(lines.get(), begin) != 0) return;
     if (!saved.empty()) unlink(saved.c_str());

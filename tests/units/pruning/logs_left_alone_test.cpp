@@ -59,7 +59,7 @@ TEST_F(LogsLeftAlone, ACompanionOfALinkedLogEndsTheRunAndStays) {
 // Its record is there for the run after the link has been put right.
 TEST_F(LogsLeftAlone, ACompanionThatComesToALinkedLogMeanwhileStays) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience.longest_write = std::chrono::milliseconds(300);
+    patience.writer_timeout = std::chrono::milliseconds(300);
     fs::create_symlink("elsewhere/real.txt", log_file_path(3));
     const SlowWriter writer(log_file_path(0));
     const Later record([] { write_file(pruning_companion_path(3), fresh(2)); });
@@ -155,7 +155,7 @@ TEST_F(LogsLeftAlone, AFileUnderAnotherNameDoesNotBecomePublic) {
 // that he keeps open.
 TEST_F(LogsLeftAlone, WhatIsExchangedOutsideMeanwhileIsNotReached) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience.longest_write = std::chrono::milliseconds(500);
+    patience.writer_timeout = std::chrono::milliseconds(500);
     write_file(elsewhere("mine/real.txt"), old(1));
     write_file(elsewhere("secret/real.txt"), old(2));
     ASSERT_EQ(chmod(elsewhere("secret/real.txt").c_str(), 0600), 0);
@@ -176,7 +176,7 @@ TEST_F(LogsLeftAlone, WhatIsExchangedOutsideMeanwhileIsNotReached) {
 // So is the way to the directory of the logs itself.
 TEST_F(LogsLeftAlone, AnotherDirectoryInThePlaceOfTheLogsMeanwhileIsNotReached) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience.longest_write = std::chrono::milliseconds(500);
+    patience.writer_timeout = std::chrono::milliseconds(500);
     const std::string directory = logging_dir;
     logging_dir = directory + "/logs";
     write_log(1, old(1) + fresh(1));
@@ -214,7 +214,7 @@ TEST_F(LogsLeftAlone, InADirectoryThatOnlyLetsFilesBeAddedNothingIsBegun) {
 // What came late to a log that was pruned has been named too.
 TEST_F(LogsLeftAlone, ACompanionThatCannotBeTakenAfterTheTokenIsNamed) {
     if (!is_root()) GTEST_SKIP() << "needs root";
-    patience.longest_write = std::chrono::milliseconds(600);
+    patience.writer_timeout = std::chrono::milliseconds(600);
     write_log(0, old(1) + fresh(1));
     give(log_file_path(0), OPERATOR);
     write_log(1, fresh(1));
@@ -347,7 +347,7 @@ TEST_F(LogsLeftAlone, ARecordThatStaysHalfWrittenIsNotTorn) {
 
 TEST_F(LogsLeftAlone, ALeaseOfAnotherProcessIsNotWaitedForBeyondThePatience) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience.longest_write = std::chrono::milliseconds(100);
+    patience.writer_timeout = std::chrono::milliseconds(100);
     write_log(3, old(1));
     const Descriptor other(open(log_file_path(3).c_str(), O_RDWR | O_CLOEXEC));
     fcntl(other.get(), F_SETSIG, SIGURG);
@@ -371,7 +371,7 @@ TEST_F(LogsLeftAlone, AReadLeaseOfAnotherProcessIsNoHindrance) {
 
 TEST_F(LogsLeftAlone, TheyAreNamedToWhereTheTokenStays) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience.longest_write = std::chrono::milliseconds(500);
+    patience.writer_timeout = std::chrono::milliseconds(500);
     const SlowWriter writer(log_file_path(0));
     const auto prune_while_the_token_is_replaced = [] {
         const Later other_token([] {

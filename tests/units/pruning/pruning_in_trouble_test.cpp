@@ -409,7 +409,7 @@ TEST_F(PruningInTrouble, ACompanionThatCannotBeTakenStaysOne) {
 TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
     if (!is_root()) GTEST_SKIP() << "needs root";
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
-    patience.longest_write = std::chrono::milliseconds(400);
+    patience.writer_timeout = std::chrono::milliseconds(400);
     const auto plant = [](const std::string& path, const std::string& text) {
         write_file(path, text);
         EXPECT_EQ(chmod(path.c_str(), 0666), 0);
@@ -430,15 +430,15 @@ TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
     asked_to_sleep() = 0;
     EXPECT_EQ(said_to(OPERATOR), result(21, 84));
     const std::chrono::nanoseconds slept(asked_to_sleep());
-    EXPECT_GE(slept, patience.longest_write);
-    EXPECT_LE(slept, 2 * patience.longest_write + 2 * patience.pause);
+    EXPECT_GE(slept, patience.writer_timeout);
+    EXPECT_LE(slept, 2 * patience.writer_timeout + 2 * patience.pause);
     EXPECT_EQ(all_files().size(), 21u);
 }
 
 // The writer's record stays whole where the system does not tell that it is being written.
 TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
     if (!is_root()) GTEST_SKIP() << "needs root";
-    patience.longest_write = std::chrono::milliseconds(400);
+    patience.writer_timeout = std::chrono::milliseconds(400);
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
     write_log(3, fresh(1));
     ASSERT_EQ(chmod(log_file_path(3).c_str(), 0666), 0);
