@@ -55,7 +55,7 @@ TEST_F(WaitForWriters, LeavesNoLeaseBehind) {
     close(writer);
 }
 
-TEST(SettlingWithoutLeases, WaitsUntilTheDeadline) {
+TEST(WaitForWritersWithoutLeases, WaitsUntilTheDeadline) {
     // Devices have no leases.
     const Descriptor file(open("/dev/null", O_RDONLY | O_CLOEXEC));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
