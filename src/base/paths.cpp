@@ -5,6 +5,8 @@
 #include <array>
 #include <climits>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 namespace gatescope {
 
@@ -35,6 +37,13 @@ std::string resolved_path(const std::string& path) {
     std::string result = resolved != nullptr ? resolved : path;
     std::free(resolved);
     return result;
+}
+
+std::string absolute_path(const std::string& path) {
+    std::error_code error;
+    const auto absolute = std::filesystem::absolute(path, error);
+    const auto real = std::filesystem::weakly_canonical(absolute, error);
+    return error ? absolute : real;
 }
 
 }  // namespace gatescope

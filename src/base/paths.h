@@ -20,4 +20,7 @@ std::optional<std::string> link_target(const std::string& link);
 /// The canonical path of an existing file, all symbolic links followed; else `path` itself.
 std::string resolved_path(const std::string& path);
 
+/// The absolute path of a file that need not exist, symbolic links followed.
+std::string absolute_path(const std::string& path);
+
 }  // namespace gatescope

@@ -72,6 +72,14 @@ std::vector<std::string> terminated_fields(const std::string& line) {
     return fields;
 }
 
+std::vector<std::string_view> whole_lines(std::string_view text) {
+    std::vector<std::string_view> lines;
+    for (; !text.empty(); text.remove_prefix(lines.back().size())) {
+        lines.push_back(text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1));
+    }
+    return lines;
+}
+
 std::string words_joined(std::string_view text) {
     std::string joined;
     bool first = true;

@@ -39,6 +39,9 @@ std::optional<std::string_view> STRTOK(std::string_view* rest, const char* delim
 /// All the pieces of `line` that STRTOK returns with ";", in order.
 std::vector<std::string> terminated_fields(const std::string& line);
 
+/// The lines of a text, NULs included, each with its newline.
+std::vector<std::string_view> whole_lines(std::string_view text);
+
 /// The blank-separated words of `text`, joined by single blanks. A NUL ends its word, not the text,
 /// as answers have always been read.
 std::string words_joined(std::string_view text);

@@ -1,10 +1,14 @@
 #include "base/whole_file.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+
+#include "base/descriptor.h"
+#include "base/files.h"
 
 namespace gatescope {
 
@@ -19,6 +23,11 @@ int read_whole(int descriptor, std::size_t limit, std::string* bytes) {
         limit -= static_cast<std::size_t>(got);
     }
     return 0;
+}
+
+int read_file(const std::string& path, int flags, std::string* bytes) {
+    const Descriptor file(open_regular_file(path, O_RDONLY | flags));
+    return file ? read_whole(file.get(), std::string::npos, bytes) : errno;
 }
 
 int write_all(int descriptor, std::string_view text) {

@@ -13,6 +13,9 @@ namespace gatescope {
 /// call, so that a text rewritten in place is not read half old and half new.
 int read_whole(int descriptor, std::size_t limit, std::string* bytes);
 
+/// The same with a regular file, opened with these flags besides O_RDONLY, and without a limit.
+int read_file(const std::string& path, int flags, std::string* bytes);
+
 /// Writes all of `text`.
 int write_all(int descriptor, std::string_view text);
 

@@ -6,6 +6,7 @@
 #include "base/exit_status.h"
 #include "base/filled.h"
 #include "base/standard_streams.h"
+#include "base/utf8.h"
 #include "dialog/clearprompt.h"
 #include "dialog/process_end.h"
 #include "messages/dialog_texts.h"
@@ -66,19 +67,21 @@ Answer decoded_status(int status) {
 
 }  // namespace
 
+int error_status() {
+    return ZUL_PREFER_GUI == ERRORS_ON_STDERR ? STATUS_HISTORY_ERROR : STATUS_ERROR;
+}
+
 void gripe(const std::string& message) {
     if (ZUL_PREFER_GUI == ERRORS_ON_STDERR) {
-        note(message, HISTORY_PROGRAM);
-        clean_exit(STATUS_HISTORY_ERROR);
-    }
-    if (ZUL_PREFER_GUI) {
+        note(harmless(message), HISTORY_PROGRAM);
+    } else if (ZUL_PREFER_GUI) {
         run_dialog(filled(GRIPE_LINE, CLEARPROMPT, newline_option(message).c_str(),
                           quoted(message).c_str()),
                    message, NOT_SHOWN);
     } else {
         print_stdout(filled("%s\n", message.c_str()));
     }
-    clean_exit(STATUS_ERROR);
+    clean_exit(error_status());
 }
 
 void gripe(const std::string& message, int error) {

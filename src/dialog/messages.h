@@ -15,10 +15,13 @@ inline constexpr int ERRORS_ON_STDERR = -1;
 /// 1 makes advise wait for its dialog.
 extern int ZUL_REMOTE_CLIENT_USER;
 
+/// The exit status of this program after an error message.
+int error_status();
+
 /// What ask returns.
 enum class Answer { YES = 0, NO = 1, ABORT = 2 };
 
-/// Shows an error in the background and ends the process with STATUS_ERROR.
+/// Shows an error in the background and ends the process with error_status.
 [[noreturn]] void gripe(const std::string& message);
 
 /// gripe for a message without the reason or the file: both are written to standard error, after

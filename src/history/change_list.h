@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "history/changes.h"
 
@@ -10,9 +9,6 @@ namespace gatescope {
 /// The changes as a list for people, one a line: number, time, operator, action, item, old and new
 /// value. Long ones are cut so that a line is no wider than `width` characters. What a terminal
 /// would obey stands there as '?'.
-std::string list_of(const std::vector<PastChange>& changes, std::size_t width);
-
-/// A text with '?' for each byte that is no text, and for each control character but a tab.
-std::string harmless(std::string_view text);
+std::string list_of(const PastChanges& changes, std::size_t width);
 
 }  // namespace gatescope

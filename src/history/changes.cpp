@@ -1,71 +1,72 @@
 #include "history/changes.h"
 
 #include <fcntl.h>
-#include <unistd.h>
 
-#include <array>
-#include <cerrno>
 #include <cstring>
 
-#include "base/descriptor.h"
-#include "base/files.h"
 #include "base/filled.h"
 #include "base/paths.h"
+#include "base/standard_streams.h"
+#include "base/text.h"
+#include "base/whole_file.h"
 #include "dialog/messages.h"
 #include "messages/history_texts.h"
+#include "messages/policy_texts.h"
 #include "policy/gatebits_file.h"
 #include "policy/history.h"
 
 namespace gatescope {
 namespace {
 
-/// All bytes of a file; gripes when they cannot be read.
 std::string bytes_of(const std::string& path) {
-    const Descriptor file(open_regular_file(path, O_RDONLY));
     std::string bytes;
-    std::array<char, 65536> chunk;
-    for (ssize_t got = file ? 1 : -1; got != 0;) {
-        if (got < 0 && errno != EINTR) {
-            gripe(filled(CANNOT_READ, path.c_str(), std::strerror(errno)));
-        }
-        got = read(file.get(), chunk.data(), chunk.size());
-        if (got > 0) bytes.append(chunk.data(), static_cast<std::size_t>(got));
-    }
+    const int error = read_file(path, O_NOFOLLOW, &bytes);
+    if (error != 0) gripe(filled(CANNOT_READ, path.c_str(), std::strerror(error)));
     return bytes;
+}
+
+/// Whether the line is a complete record: a torn one may end anywhere.
+bool is_record(const PastChange& change) {
+    return change.text("file").starts_with('/') &&
+           (change.line.ends_with("\"saved\":null}\n") ||
+            (change.value("saved") && change.line.ends_with("\"}\n")));
 }
 
 }  // namespace
 
-History read_history(const std::string& directory) {
-    History history = {directory};
+PastChanges read_history(const std::string& directory, const std::optional<std::string>& file) {
+    PastChanges changes;
     const std::string path = directory + "/" + CHANGES_FILE;
     const std::string bytes = bytes_of(path);
-    std::string_view rest = bytes;
-    for (int number = 1; rest.find('\n') != std::string_view::npos; ++number) {
-        const std::string_view line = rest.substr(0, rest.find('\n'));
-        const auto record = read_json_object(line);
-        if (!record) gripe(filled(NO_RECORD_IN_LINE, number, path.c_str()));
-        history.changes.push_back({number, *record});
-        rest.remove_prefix(line.size() + 1);
+    int number = 0;
+    for (const std::string_view line : whole_lines(bytes)) {
+        const PastChange change = {directory, ++number, std::string(line)};
+        if (!is_record(change)) {
+            note(filled(NOT_A_COMPLETE_RECORD, number, path.c_str()), HISTORY_PROGRAM);
+        } else if (!file || change.text("file") == *file) {
+            changes.push_back(change);
+        }
     }
-    return history;
+    return changes;
 }
 
-NamedText text_before(const History& history, const PastChange& change) {
-    if (!change.has("saved")) return {NO_FILE, ""};
-    // No record that was made here leads to another directory.
-    const std::string saved = change.text("saved");
-    return {saved, bytes_of(history.directory + "/" + file_name_of(saved))};
+std::string text_before(const PastChange& change) {
+    if (!change.value("saved")) return "";
+    // No record that was made here leads to another directory, or to a text that none could read.
+    const std::string path = change.directory + "/" + file_name_of(change.text("saved"));
+    const std::string text = bytes_of(path);
+    if (text.size() <= GATEBITS_FILE_LIMIT) return text;
+    gripe(filled(GATEBITS_TOO_LARGE, path.c_str(), GATEBITS_FILE_LIMIT));
 }
 
-NamedText text_after(const History& history, const PastChange& change) {
+std::string text_after(const PastChange& change, const PastChanges& changes) {
     const std::string file = change.text("file");
-    for (const PastChange& next : history.changes) {
+    for (const PastChange& next : changes) {
         if (next.number <= change.number || next.text("file") != file) continue;
-        if (!next.has("saved")) gripe(filled(FILE_WAS_GONE, file.c_str(), next.number));
-        return text_before(history, next);
+        if (!next.value("saved")) gripe(filled(FILE_WAS_GONE, file.c_str(), next.number));
+        return text_before(next);
     }
-    return {file, read_gatebits_bytes(file)};
+    return read_gatebits_bytes(file);
 }
 
 }  // namespace gatescope

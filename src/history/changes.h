@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,40 +10,35 @@ namespace gatescope {
 
 /// A change that a history has a record of.
 struct PastChange {
-    /// The number of the record's line, from 1.
+    /// Of the history.
+    std::string directory;
+    /// The number of the record's line, from 1, and the line.
     int number;
-    JsonObject record;
+    std::string line;
 
-    /// Whether the record has the member, and does not say null.
-    [[nodiscard]] bool has(const std::string& member) const { return record.contains(member); }
-    /// What the record says there; empty for nothing.
+    /// What the record says there; nothing for null.
+    [[nodiscard]] std::optional<std::string> value(const std::string& member) const {
+        return json_text(line, member);
+    }
     [[nodiscard]] std::string text(const std::string& member) const {
-        return has(member) ? record.at(member) : "";
+        return value(member).value_or("");
     }
 };
 
-struct History {
-    std::string directory;
-    /// From the first to the last.
-    std::vector<PastChange> changes = {};
-};
+/// From the first to the last.
+using PastChanges = std::vector<PastChange>;
 
-/// Reads the records in the directory. A last line without an end is left out: it is of a change
-/// that has not been made. Gripes when the lines cannot be read, or one holds no record.
-History read_history(const std::string& directory);
-
-/// A text, and the name of the file that it is from.
-struct NamedText {
-    std::string name;
-    std::string text;
-};
+/// Reads the records in the directory, of one policy file where that is named. Gripes when the
+/// lines cannot be read. A line that is not a complete record is reported on standard error and
+/// skipped.
+PastChanges read_history(const std::string& directory, const std::optional<std::string>& file);
 
 /// What the policy file held before the change: the saved text, or nothing where there was no file
-/// yet. Gripes when the saved text cannot be read.
-NamedText text_before(const History& history, const PastChange& change);
+/// yet. Gripes when the saved text cannot be read, or is larger than a policy file may be.
+std::string text_before(const PastChange& change);
 
 /// What it held afterwards: the text that stood before its next change, or stands there now. Gripes
 /// when that cannot be read, or when there was no file any more.
-NamedText text_after(const History& history, const PastChange& change);
+std::string text_after(const PastChange& change, const PastChanges& changes);
 
 }  // namespace gatescope

@@ -6,11 +6,12 @@
 namespace gatescope {
 
 /// What turns `old_text` into `new_text`, in the form of "diff -u", with three lines around each
-/// change; empty when they are the same. The names stand at its head.
+/// change, after the two lines of its head; empty when they are the same.
 std::string unified_diff(std::string_view old_text, std::string_view new_text,
-                         const std::string& old_name, const std::string& new_name);
+                         const std::string& head);
 
-/// The same diff in the colours that terminals show those in.
-std::string in_colours(std::string_view diff);
+/// The same diff for a terminal: nothing that it would obey, and, where they are wanted, the
+/// colours that terminals show diffs in.
+std::string for_terminal(std::string_view diff, bool has_colours);
 
 }  // namespace gatescope

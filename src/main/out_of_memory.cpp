@@ -7,7 +7,6 @@
 #include <exception>
 #include <new>
 
-#include "base/exit_status.h"
 #include "base/temporary_files.h"
 #include "dialog/messages.h"
 #include "messages/startup_texts.h"
@@ -19,7 +18,7 @@ namespace {
 [[noreturn]] void end_with_text() {
     unlink_temporary_files();
     [[maybe_unused]] const ssize_t size = write(STDERR_FILENO, NO_MEMORY, sizeof NO_MEMORY - 1);
-    _exit(STATUS_ERROR);
+    _exit(error_status());
 }
 
 /// For the terminate handler, which cannot tell why an exception that left a library's noexcept

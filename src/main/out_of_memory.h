@@ -3,7 +3,7 @@
 namespace gatescope {
 
 /// Installs handlers: a std::bad_alloc that cannot be caught, because it leaves a noexcept
-/// function, ends the program with STATUS_ERROR and a text on standard error, and removes temporary
+/// function, ends the program with error_status and a text on standard error, and removes temporary
 /// files.
 void install_out_of_memory_handlers();
 

@@ -17,6 +17,8 @@ inline constexpr char ENV_TMP[] = "tmp";
 inline constexpr char ENV_TEMP[] = "temp";
 inline constexpr char ENV_COOKIE[] = "HTTP_COOKIE";
 inline constexpr char ENV_PATH[] = "PATH";
+inline constexpr char ENV_TERM[] = "TERM";
+inline constexpr char ENV_NO_COLOR[] = "NO_COLOR";
 
 struct EnvironmentVariable {
     const char* name;
@@ -27,7 +29,7 @@ struct EnvironmentVariable {
 /// The manual is made from this table, and a test holds every getenv in the sources against it.
 /// Only tools and tests may use the table: the names of the client's variables must not stand in
 /// the program file as text.
-inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
+inline constexpr std::array<EnvironmentVariable, 21> ENVIRONMENT = {{
     {ENV_GATEBITS_FILE, "The gatebits file to use when no F= argument is given"},
     {ENV_PREFER_NO_GUI,
      "When it is \"yes\" (in any case), messages go to standard output and questions with a "
@@ -62,6 +64,8 @@ inline constexpr std::array<EnvironmentVariable, 19> ENVIRONMENT = {{
     {"ATRIA_WEB_CLEARPROMPT", "When it is set, the operator is a remote client: messages wait"},
     {ENV_PATH,
      "Where clearprompt, cleartool and a checker that is named without a directory are found"},
+    {ENV_TERM, "The kind of terminal; on a \"dumb\" one gatescope-history shows no colours"},
+    {ENV_NO_COLOR, "When it is set and not empty, gatescope-history shows no colours"},
 }};
 
 }  // namespace gatescope

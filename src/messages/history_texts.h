@@ -16,8 +16,8 @@ inline constexpr char HAS_A_SECOND_NAME[] = "it has a second name";
 
 // A diff, as others write it.
 
-/// Old name, new name.
-inline constexpr char DIFF_HEAD[] = "--- %s\n+++ %s\n";
+/// File, number of the change, file, number.
+inline constexpr char DIFF_HEAD[] = "--- %s\tbefore change %d\n+++ %s\tafter change %d\n";
 /// Ranges of lines.
 inline constexpr char DIFF_HUNK[] = "@@ -%s +%s @@\n";
 inline constexpr char NO_NEWLINE_AT_END[] = "\n\\ No newline at end of file\n";
@@ -59,7 +59,7 @@ inline constexpr char NO_SUCH_CHANGE[] = "there is no change %s in (%s)";
 inline constexpr char SEVERAL_FILES[] =
     "(%s) holds changes of several policy files, such as (%s) and (%s); name one with -f";
 /// Number, file.
-inline constexpr char NO_RECORD_IN_LINE[] = "line %d of (%s) holds no record";
+inline constexpr char NOT_A_COMPLETE_RECORD[] = "line %d of (%s) is not a complete record";
 /// File, reason.
 inline constexpr char CANNOT_READ[] = "(%s) cannot be read: %s";
 /// File, number of the next change.
@@ -67,8 +67,6 @@ inline constexpr char FILE_WAS_GONE[] =
     "what (%s) held afterwards is not known: before change %d there was no file any more";
 /// Number, file.
 inline constexpr char NO_TEXT_BEFORE[] = "before change %d there was no file (%s)";
-/// The name of a text where there was no file.
-inline constexpr char NO_FILE[] = "/dev/null";
 
 /// What a record of a restored text says: the action; number of the change before which it stood.
 inline constexpr char RESTORE_ACTION[] = "restore";

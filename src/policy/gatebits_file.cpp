@@ -19,6 +19,7 @@
 #include "policy/write_failure.h"
 
 namespace gatescope {
+
 namespace {
 
 /// Takes the lock, which is empty on a file system without locks. Gripes if another process keeps
@@ -84,6 +85,11 @@ Gatebits parse_gatebits(std::string bytes, const std::string& path) {
     return gatebits;
 }
 
+/// All bytes of the file at `path`, whose lock was tried for.
+std::string bytes_under(const FileLock& lock, const std::string& path) {
+    return lock.file ? bytes_in(lock.file, path) : read_gatebits_bytes(path);
+}
+
 }  // namespace
 
 std::string read_gatebits_bytes(const std::string& path) {
@@ -104,8 +110,7 @@ std::vector<std::string> no_part(const Gatebits& /*gatebits*/) {
 Changed change(const std::string& path, const Precondition& precondition, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience) {
     const FileLock lock = lock_gatebits_file(path, patience);
-    const Gatebits now =
-        lock.file ? parse_gatebits(bytes_in(lock.file, path), path) : read_gatebits(path);
+    const Gatebits now = parse_gatebits(bytes_under(lock, path), path);
     if (precondition.part(now) != precondition.part(precondition.gatebits)) {
         return {ChangeResult::CHANGED_MEANWHILE, now, now};
     }
@@ -119,6 +124,11 @@ Changed change(const std::string& path, const Precondition& precondition, const 
     write_gatebits(path, now.text(), wanted.text->text(), made, lock.file);
     // Parsed again, as readers see the text.
     return {wanted.result, now, Gatebits(wanted.text->text())};
+}
+
+void put_back(const std::string& path, const Gatebits& text, const RecordedChange& record) {
+    const FileLock lock = lock_gatebits_file(path, LOCK_PATIENCE);
+    write_gatebits(path, bytes_under(lock, path), text.text(), record, lock.file);
 }
 
 }  // namespace gatescope

@@ -53,7 +53,7 @@ struct Changed {
 
 /// Changes the gatebits file: takes its lock, reads it, checks that the shown parts have not
 /// changed, makes the edit, and replaces the file as a whole. The lock excludes other gatescope
-/// processes. All changes of a gatebits file are made by this function.
+/// processes. No other function but put_back changes a gatebits file.
 ///
 /// If a history is kept, `record` is written to it before the file is replaced.
 ///
@@ -62,5 +62,9 @@ struct Changed {
 /// or if it cannot be written.
 Changed change(const std::string& path, const Precondition& precondition, const Edit& edit,
                const RecordedChange& record, std::chrono::seconds patience = LOCK_PATIENCE);
+
+/// Replaces the gatebits file by an old text of it, byte for byte: as change does, with the same
+/// lock, record and errors, but also where the file is empty or holds a NUL byte.
+void put_back(const std::string& path, const Gatebits& text, const RecordedChange& record);
 
 }  // namespace gatescope

@@ -53,7 +53,4 @@ HistoryRecord record_change(const std::string& policy_file,
                             const RecordedChange& change,
                             std::chrono::seconds patience = HISTORY_PATIENCE);
 
-/// The absolute path of a file, links followed, whether there is a file or not.
-std::string absolute_path(const std::string& path);
-
 }  // namespace gatescope

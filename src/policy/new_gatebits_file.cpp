@@ -8,10 +8,8 @@
 #include <cstring>
 #include <optional>
 
-#include "base/descriptor.h"
 #include "base/file_identity.h"
 #include "base/file_lock.h"
-#include "base/files.h"
 #include "base/filled.h"
 #include "base/paths.h"
 #include "base/platform.h"
@@ -92,9 +90,8 @@ std::string bytes_to_copy(const std::string& path, const std::string& destinatio
     if (lock.state == LockState::HELD_BY_ANOTHER) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), EBUSY), EBUSY);
     }
-    const Descriptor file(open_regular_file(path, O_RDONLY));
     std::string bytes;
-    const int error = file ? read_whole(file.get(), std::string::npos, &bytes) : errno;
+    const int error = read_file(path, 0, &bytes);
     if (error != 0) {
         gripe(filled(COULD_NOT_MOVE_2, path.c_str(), destination.c_str(), error), error);
     }

@@ -3,14 +3,16 @@
 
     every_allocation.py GATESCOPE STAND_IN FAILING_MALLOC [--sample N]
 
-In each case the run ends normally, or with status 99 and a message; the policy file has the whole old
-or the whole new text; no temporary file stays; and no record is lost: a log that was not pruned is
-reported, and the next run prunes it.
+In each case the run ends normally, or with the status of an error and a message; the policy file has
+the whole old or the whole new text; no temporary file stays; a history has the new file's record and
+old text; and no record of a log is lost: a log that was not pruned is reported, and the next run
+prunes it.
 """
 
 import argparse
 import concurrent.futures
 import glob
+import json
 import os
 import random
 import shutil
@@ -35,6 +37,8 @@ KINDS = {
     "field_in_place": ["A=8", "R=n"],
     "query": ["Q=1", "C=*", "U=*", "D=n", "R=n"],
     "prune": ["A=1", "D=n", "R=n"],
+    "field_recorded": ["A=8", "R=n"],
+    "restored": ["restore", "1"],
 }
 
 
@@ -45,6 +49,15 @@ class Stage:
         for folder in ("tmp", "depot/log", "depot/query_results"):
             os.makedirs(self.at(folder))
         self.old, self.new = (text % (self.path, self.path) for text in (OLD, NEW))
+        self.done, self.error = (0, 2) if kind == "restored" else (110, 99)
+        self.program = "-history" if kind == "restored" else ""
+        if kind in ("field_recorded", "restored"):
+            os.mkdir(self.at("history"))
+        if kind == "restored":
+            self.old, self.new = self.new, self.old
+            self.write("history/first.txt", self.new)
+            self.write("history/changes.jsonl", '{"file":"%s","saved":"first.txt"}\n'
+                       % os.path.realpath(self.at("gatebits.txt")))
         self.write("gatebits.txt", self.old)
         self.write("depot/log/logging_0.txt", PRUNED + KEPT)
         stages.install_stand_in(self.path, stand_in, ANSWERS)
@@ -68,19 +81,24 @@ class Stage:
                        "ZUL_GATESCOPE_GATEBITS_FILE": self.at("gatebits.txt")}
         if not self.kind.startswith("field"):
             environment["ZUL_PREFER_NO_GUI"] = "yes"
+        if os.path.exists(self.at("history")):
+            environment["ZUL_GATESCOPE_HISTORY"] = self.at("history")
         if failing:
             environment["FAIL_ALLOCATION"] = failing
-        return subprocess.run([gatescope] + KINDS[self.kind], env=environment, timeout=60,
+        return subprocess.run([gatescope + self.program] + KINDS[self.kind], env=environment, timeout=60,
                               stdin=subprocess.DEVNULL, capture_output=True, cwd=self.path)
 
     def faults(self, ended):
-        if ended.returncode not in (110, 99):
+        if ended.returncode not in (self.done, self.error):
             yield "ended with %d" % ended.returncode
         policy = self.read("gatebits.txt")
         if policy not in (self.old, self.new):
             yield "a torn policy file"
-        if ended.returncode == 110 and self.kind.startswith("field") and policy != self.new:
+        is_edit = self.kind.startswith("field") or self.kind == "restored"
+        if ended.returncode == self.done and is_edit and policy != self.new:
             yield "an edit was lost"
+        if os.path.exists(self.at("history")):
+            yield from self.faults_of_the_history(policy)
         if os.listdir(self.at("tmp")):
             yield "left in tmp: %s" % os.listdir(self.at("tmp"))
         left = [name for name in glob.glob(self.at("**/.*"), recursive=True)]
@@ -88,6 +106,15 @@ class Stage:
             yield "left behind: %s" % left
         if self.kind == "prune":
             yield from self.faults_of_the_log(ended)
+
+    def faults_of_the_history(self, policy):
+        records = [json.loads(line) for line in self.read("history/changes.jsonl").splitlines()]
+        saved = [record["saved"] for record in records]
+        if policy == self.new and self.read("history/" + (saved or [""])[-1]) != self.old:
+            yield "the new file's record or the old text is missing: %s" % records
+        left = set(os.listdir(self.at("history"))) - {"changes.jsonl", *saved}
+        if left:
+            yield "left in the history: %s" % left
 
     def faults_of_the_log(self, ended):
         log = self.read("depot/log/logging_0.txt")
@@ -119,7 +146,7 @@ def try_allocation(gatescope, stand_in, library, kind, failing):
         faults.append((ended.stdout + ended.stderr).decode()[-300:])
     count = int(stage.read("allocations")) if failing is None else 0
     shutil.rmtree(stage.path)
-    return kind, failing, count, ended.returncode, faults
+    return kind, failing, count, ended.returncode, stage, faults
 
 
 def main():
@@ -133,8 +160,8 @@ def main():
                 (options.gatescope, options.stand_in, options.failing_malloc)]
     tries = []
     for kind in KINDS:
-        _, _, count, status, faults = try_allocation(*programs, kind, None)
-        assert status == 110 and not faults and count > 0, (kind, status, count, faults)
+        _, _, count, status, stage, faults = try_allocation(*programs, kind, None)
+        assert status == stage.done and not faults and count > 0, (kind, status, count, faults)
         print("%s: %d allocations" % (kind, count))
         tries += [(kind, "%d%s" % (number, after)) for number in range(1, count + 1)
                   for after in ("", "+")]
@@ -144,9 +171,9 @@ def main():
         tries = random.Random(seed).sample(tries, options.sample)
     wrong = errors = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        for kind, failing, _, status, faults in pool.map(
+        for kind, failing, _, status, stage, faults in pool.map(
                 lambda one: try_allocation(*programs, *one), tries):
-            errors += status == 99
+            errors += status == stage.error
             if faults:
                 wrong += 1
                 print("%s, allocation %s: %s" % (kind, failing, "; ".join(faults)))

@@ -1,4 +1,4 @@
-// A library to preload. In gatescope, and in no other program, it lets the allocation fail whose
+// A library to preload. In gatescope and gatescope-history alone it lets the allocation fail whose
 // number is in FAIL_ALLOCATION (with a "+" after it, that one and all later ones), and writes the
 // number of allocations to the file ALLOCATIONS at the end.
 
@@ -9,7 +9,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <string_view>
 
 namespace gatescope {
 
@@ -37,7 +37,8 @@ bool fails() {
 }
 
 __attribute__((constructor)) void begin() {
-    if (std::strcmp(program_invocation_short_name, "gatescope") != 0) return;
+    const std::string_view program = program_invocation_short_name;
+    if (program != "gatescope" && program != "gatescope-history") return;
     if (const char* number = std::getenv("FAIL_ALLOCATION")) {
         char* end = nullptr;
         failing = std::strtol(number, &end, 10);

@@ -73,17 +73,23 @@ TEST(HistoryProgram, ListsTheChanges) {
               "2  TIME  operator  A22  Command Key 001     - → second;\n");
 }
 
+/// The first lines of a diff.
+std::string head(const std::string& file, int number) {
+    const std::string change = " change " + std::to_string(number) + "\n";
+    return "--- " + file + "\tbefore" + change + "+++ " + file + "\tafter" + change;
+}
+
 TEST(HistoryProgram, ShowsWhatAChangeDid) {
     Region east = region_with_two_changes();
     const Result first = history(east, {"diff", "1"});
     EXPECT_EQ(first.status, 1);
-    EXPECT_EQ(first.out, "--- " + saved_name(east, 1) + "\n+++ " + saved_name(east, 2) +
-                             "\n@@ -12,6 +12,6 @@\n ;;\n ; ;\n ; ;\n-;old;;\n+;new;;\n "
+    EXPECT_EQ(first.out, head(east.gatebits_path(), 1) +
+                             "@@ -12,6 +12,6 @@\n ;;\n ; ;\n ; ;\n-;old;;\n+;new;;\n "
                              "D;000000000000000000000000;\n first;\n");
     const Result second = history(east, {"diff", "2"});
     EXPECT_EQ(second.status, 1);
-    EXPECT_EQ(second.out, "--- " + saved_name(east, 2) + "\n+++ " + east.gatebits_path() +
-                              "\n@@ -15,3 +15,4 @@\n ;new;;\n D;000000000000000000000000;\n "
+    EXPECT_EQ(second.out, head(east.gatebits_path(), 2) +
+                              "@@ -15,3 +15,4 @@\n ;new;;\n D;000000000000000000000000;\n "
                               "first;\n+second;\n");
 }
 
@@ -102,8 +108,8 @@ TEST(HistoryProgram, AFileThatWasCreatedCameWhole) {
     EXPECT_EQ(east.run({"A=27", "R=n"}).status, 110);
     const Result result = history(east, {"diff", "3"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_TRUE(result.out.starts_with("--- /dev/null\n+++ " + east.path("copy.txt") +
-                                       "\n@@ -0,0 +1,18 @@\n+#!gatescope_unix_gatewarden_check="))
+    EXPECT_TRUE(result.out.starts_with(head(east.path("copy.txt"), 3) +
+                                       "@@ -0,0 +1,18 @@\n+#!gatescope_unix_gatewarden_check="))
         << result.out;
     expect_error(east, {"restore", "3"},
                  "before change 3 there was no file (" + east.path("copy.txt") + ")");
@@ -241,11 +247,47 @@ TEST(HistoryProgram, WithoutAHistoryItSaysSo) {
                  "(none/changes.jsonl) cannot be read: No such file or directory");
 }
 
-TEST(HistoryProgram, ALineThatIsNoRecordIsNamed) {
+TEST(HistoryProgram, ReportsALineWithoutACompleteRecordAndShowsTheOthers) {
     Region east = region_with_two_changes();
-    east.write_file("history/changes.jsonl", east.file("history/changes.jsonl") + "rubbish\n");
-    expect_error(east, {"list"},
-                 "line 3 of (" + east.path("history/changes.jsonl") + ") holds no record");
+    const std::string list = history(east, {"list"}).out;
+    east.write_file("history/changes.jsonl",
+                    east.file("history/changes.jsonl") + "{\"time\":\"2026");
+    const Result result = history(east, {"list"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, list);
+    EXPECT_EQ(result.err, "gatescope-history: line 3 of (" + east.path("history/changes.jsonl") +
+                              ") is not a complete record\n");
+    EXPECT_EQ(history(east, {"restore", "1"}).status, 0);
+    EXPECT_TRUE(
+        list_without_times(history(east, {"list"}).out).find("4  TIME  operator  restore  ") !=
+        std::string::npos);
+}
+
+TEST(HistoryProgram, RefusesToPutBackATextOfMoreThan30000Bytes) {
+    Region east = region_with_two_changes();
+    const std::string saved = "history/" + saved_name(east, 1);
+    const std::string before = east.gatebits();
+    fs::remove(east.path(saved));
+    east.write_file(saved, std::string(30001, 'x'));
+    expect_error(east, {"restore", "1"},
+                 "ERROR: The enterprise permissions file (" + east.path(saved) +
+                     ") is larger than the limit of 30000 bytes.");
+    EXPECT_TRUE(east.gatebits() == before);
+    EXPECT_EQ(history(east, {"list"}).out.find("restore"), std::string::npos);
+}
+
+TEST(HistoryProgram, PutsBackATextAlsoOverAnEmptyFileOrNulBytes) {
+    Region east = region_with_two_changes();
+    const std::string old = east.file("history/" + saved_name(east, 1));
+    for (const std::string& ruined : {std::string(), std::string("\n"), std::string("a\0b", 3)}) {
+        east.write_file("gatebits.txt", ruined);
+        EXPECT_EQ(history(east, {"restore", "1"}).status, 0);
+        EXPECT_EQ(east.gatebits(), old);
+    }
+    const std::string empty = saved_name(east, 3);
+    expect_error(east, {"restore", "3"},
+                 "ERROR: The enterprise permissions file (" + empty + ") is empty.");
+    EXPECT_EQ(east.gatebits(), old);
 }
 
 TEST(HistoryProgram, SaysWhatItIs) {
@@ -265,27 +307,47 @@ TEST(HistoryProgram, OutputThatCannotBeWrittenIsAnError) {
               "gatescope-history: standard output could not be written: No space left on device\n");
 }
 
-/// The output of a terminal with 80 columns.
-std::string on_terminal(Region& region, const std::string& command) {
+/// The output of a terminal with so many columns.
+std::string on_terminal(Region& region, const std::string& command, int columns = 80) {
     region.run_program("/bin/sh", "sh",
-                       {"-c", "script -qec 'stty cols 80 -onlcr; " + history_program() + " " +
-                                  command + "' /dev/null >terminal"});
+                       {"-c", "script -qec 'stty cols " + std::to_string(columns) + " -onlcr; " +
+                                  history_program() + " " + command + "' /dev/null >terminal"});
     return region.file("terminal");
 }
 
-TEST(HistoryProgram, OnATerminalItHasColoursAndCutsLongValues) {
+bool has_terminals() {
+    Region region = a_region();
+    return on_terminal(region, "--version").find("gatescope-history") != std::string::npos;
+}
+
+TEST(HistoryProgram, HasColoursOnATerminalThatTakesThem) {
+    if (!has_terminals()) GTEST_SKIP() << "no terminal";
+    const std::string coloured = "\033[31m-;old;;\033[m\n\033[32m+;new;;\033[m\n";
     Region east = region_with_two_changes();
-    const std::string version = on_terminal(east, "--version");
-    if (version.find("gatescope-history") == std::string::npos) GTEST_SKIP() << "no terminal";
-    EXPECT_NE(on_terminal(east, "diff 1").find("\033[31m-;old;;\033[m\n\033[32m+;new;;\033[m\n"),
-              std::string::npos);
+    east.set_env("TERM", "xterm");
+    EXPECT_NE(on_terminal(east, "diff 1").find(coloured), std::string::npos);
+    EXPECT_EQ(history(east, {"diff", "1"}).out.find('\033'), std::string::npos);
+    east.set_env("NO_COLOR", "");
+    EXPECT_NE(on_terminal(east, "diff 1").find(coloured), std::string::npos);
+    east.set_env("NO_COLOR", "1");
+    EXPECT_EQ(on_terminal(east, "diff 1").find('\033'), std::string::npos);
+    east.set_env("NO_COLOR", "");
+    east.set_env("TERM", "dumb");
+    EXPECT_EQ(on_terminal(east, "diff 1").find('\033'), std::string::npos);
+    EXPECT_NE(on_terminal(east, "diff 1").find("\n-;old;;\n+;new;;\n"), std::string::npos);
+}
+
+TEST(HistoryProgram, CutsLongValuesAsTheTerminalIsWide) {
+    if (!has_terminals()) GTEST_SKIP() << "no terminal";
+    Region east = region_with_two_changes();
     east.types(std::string(100, 'x')).answers_yes();
     EXPECT_EQ(east.run({"A=13", "R=n"}).status, 110);
     EXPECT_NE(on_terminal(east, "list").find("  A13  Region MOTD String  new → xxxxxxxxxxxxxx…\n"),
               std::string::npos)
         << on_terminal(east, "list");
-    // Only there.
-    EXPECT_EQ(history(east, {"diff", "1"}).out.find('\033'), std::string::npos);
+    EXPECT_NE(on_terminal(east, "list", 20).find("  A13  Region MO…  new → xxxxxxxxxxxx…\n"),
+              std::string::npos)
+        << on_terminal(east, "list", 20);
     EXPECT_NE(history(east, {"list"}).out.find(std::string(100, 'x')), std::string::npos);
 }
 

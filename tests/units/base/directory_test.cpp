@@ -38,23 +38,23 @@ class Directories : public testing::Test {
     ScratchDirectory scratch_;
 };
 
-TEST_F(Directories, ANameMayBeReplacedAndTheTrialLeavesNothing) {
+TEST_F(Directories, AllowsReplacementAndRemovesTheTrial) {
     EXPECT_EQ(check_replaceable("file"), 0);
     EXPECT_FALSE(fs::exists(scratch_ / "trial"));
     EXPECT_EQ(fs::hard_link_count(scratch_ / "file"), 1u);
 }
 
-TEST_F(Directories, ATrialThatIsThereStays) {
+TEST_F(Directories, KeepsAnExistingTrial) {
     scratch_.write("trial", "mine");
     EXPECT_EQ(check_replaceable("file"), 0);
     EXPECT_EQ(file_text(scratch_ / "trial"), "mine");
 }
 
-TEST_F(Directories, AMissingNameMayNotBeReplaced) {
+TEST_F(Directories, RefusesAMissingName) {
     EXPECT_EQ(check_replaceable("none"), ENOENT);
 }
 
-TEST_F(Directories, InAStickyOneNamesBelongToTheOwnersOfTheirFiles) {
+TEST_F(Directories, RefusesFilesOfOthersInAStickyDirectory) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root";
     EXPECT_EQ(may_another_replace("file"), 0);
     ASSERT_EQ(chmod(scratch_.path().c_str(), 01777), 0);

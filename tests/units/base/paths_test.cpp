@@ -20,6 +20,21 @@ TEST(Paths, DirectoryIsThePathWithoutTheName) {
     EXPECT_EQ(directory_of("/a/"), "/a");
 }
 
+TEST(Paths, RelativePathsAreMadeAbsolute) {
+    const ScratchDirectory directory;
+    directory.write("file", "");
+    fs::create_directory(directory / "folder");
+    fs::create_symlink("../file", directory / "folder/link");
+    const fs::path real = fs::canonical(directory.path());
+    const fs::path before = fs::current_path();
+    fs::current_path(directory.path());
+    EXPECT_EQ(absolute_path("file"), real / "file");
+    EXPECT_EQ(absolute_path("folder/link"), real / "file");
+    EXPECT_EQ(absolute_path("folder/../new"), real / "new");
+    EXPECT_EQ(absolute_path("new"), real / "new");
+    fs::current_path(before);
+}
+
 TEST(Paths, FileNameFollowsTheLastSlash) {
     EXPECT_EQ(file_name_of("name"), "name");
     EXPECT_EQ(file_name_of("/name"), "name");

@@ -19,6 +19,13 @@ Pieces pieces(std::string_view text, const char* delimiters = ",") {
     return all;
 }
 
+TEST(WholeLines, HaveTheirNewlines) {
+    using Lines = std::vector<std::string_view>;
+    EXPECT_EQ(whole_lines(""), Lines());
+    EXPECT_EQ(whole_lines("a\n\nb"), (Lines{"a\n", "\n", "b"}));
+    EXPECT_EQ(whole_lines(std::string_view("a\0b\n", 4)), Lines{std::string_view("a\0b\n", 4)});
+}
+
 TEST(Strtok, DropsALastPieceWithoutADelimiter) {
     EXPECT_EQ(pieces("a,b"), Pieces{"a"});
     EXPECT_EQ(pieces("a"), Pieces{});

@@ -10,11 +10,11 @@
 namespace gatescope {
 namespace {
 
-std::string diff(const std::string& old_text, const std::string& new_text) {
-    return unified_diff(old_text, new_text, "old", "new");
-}
-
 const std::string HEAD = "--- old\n+++ new\n";
+
+std::string diff(const std::string& old_text, const std::string& new_text) {
+    return unified_diff(old_text, new_text, HEAD);
+}
 
 TEST(LineDiff, TextsThatAreTheSameHaveNone) {
     EXPECT_EQ(diff("", ""), "");
@@ -56,11 +56,13 @@ TEST(LineDiff, BytesStayWhatTheyAre) {
 }
 
 TEST(LineDiff, ColoursAreOfTheKindOfLineAndNotOfItsText) {
-    EXPECT_EQ(in_colours(HEAD + "@@ -1,2 +1,2 @@\n--- a\n+++ b\n @\n"),
+    EXPECT_EQ(for_terminal(HEAD + "@@ -1,2 +1,2 @@\n--- a\n+++ b\n @\n", true),
               "\033[1m--- old\033[m\n\033[1m+++ new\033[m\n\033[36m@@ -1,2 +1,2 @@\033[m\n"
               "\033[31m--- a\033[m\n\033[32m+++ b\033[m\n\033[m @\033[m\n");
-    EXPECT_EQ(in_colours(""), "");
-    EXPECT_EQ(in_colours(HEAD + "@@ -1 +1 @@\n-\033c\ta\n").substr(50), "\033[31m-?c\ta\033[m\n");
+    EXPECT_EQ(for_terminal("", true), "");
+    const std::string odd = HEAD + "@@ -1 +1 @@\n-\033c\ta\n\\ No\n";
+    EXPECT_EQ(for_terminal(odd, true).substr(50), "\033[31m-?c\ta\033[m\n\033[m\\ No\033[m\n");
+    EXPECT_EQ(for_terminal(odd, false), HEAD + "@@ -1 +1 @@\n-?c\ta\n\\ No\n");
 }
 
 /// Texts of few different lines, so that many of them stay.

@@ -83,7 +83,8 @@ int fstatat(int directory, const char* name, struct stat* status, int flags) noe
 }
 int nanosleep(const timespec* wished, timespec* left) {
     requested_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
-    return static_cast<int>(syscall(SYS_nanosleep, wished, left));
+    errno = clock_nanosleep(CLOCK_MONOTONIC, 0, wished, left);
+    return errno == 0 ? 0 : -1;
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
     return fail_or_call(error_before(before().rename, to),
