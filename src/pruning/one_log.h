@@ -33,7 +33,7 @@ struct Run {
     const Directory& logs;
     std::string scratch;
     std::string token;
-    /// Seconds since the epoch; records before it are dropped.
+    /// Seconds since the epoch; older records are removed.
     std::int64_t cut_off;
     Progress progress;
     /// Whether the token diverts the log writers to the companions.
@@ -45,14 +45,13 @@ struct Run {
     std::int64_t removed = 0;
 };
 
-/// While the token exists: ends the program with `failure` for the file `name`, after a note of the
-/// file's type, if it is not regular, and of the effect of the token. Afterwards: throws
-/// SkippedLog.
+/// Before the token's removal: ends the program with `failure` for the file `name`, after notes
+/// about a file that is not regular and about the token, if it exists. After it: throws SkippedLog.
 [[noreturn]] void abort_or_skip(const char* failure, const std::string& name, int error, Run* run);
 
 // The steps of a pruning on one log. A step that fails throws SkippedLog; the log then has its
 // complete old or new text, and no record is lost. If a scratch file or a log cannot be created
-// while the token exists, the step ends the program, and the token stays.
+// before the token's removal, the step ends the program, and the token stays.
 
 /// Installs a new text that an earlier pruning or step has committed, and renames the companion, if
 /// there is one, to a taken file, which no writer opens. `names` are the names in the directory.
