@@ -20,7 +20,7 @@
 #include "base/operator_name.h"
 #include "base/paths.h"
 #include "base/platform.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/waiting.h"
 #include "base/whole_file.h"
@@ -77,7 +77,7 @@ std::string save_text(const std::string& beginning, const std::string& text, mod
     std::string path;
     Descriptor file;
     succeeds_within(NAME_PATIENCE, [&] {
-        const SignalsHeld held;
+        const SignalsBlocked blocked;
         *now = std::time(nullptr);
         path = filled("%s.%s-%d.txt", beginning.c_str(),
                       formatted(std::gmtime(now), "%Y%m%dT%H%M%SZ").c_str(), getpid());
@@ -109,7 +109,7 @@ std::string record_line(std::time_t now, const std::string& file, const Recorded
 
 /// 0 or an errno, and then the lines are as they were, as far as that can be.
 int append(const std::string& line, HistoryRecord* record) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     const int file = record->lines.get();
     const off_t end = record->begin = lseek(file, 0, SEEK_END);
     char last = '\n';
@@ -152,7 +152,7 @@ HistoryRecord record_change(const std::string& policy_file,
 }
 
 void HistoryRecord::take_back() {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     // A record that has to stay keeps its text.
     if (lines && ftruncate(lines.get(), begin) == 0) remove_temporary_file(saved);
     lines = {};
