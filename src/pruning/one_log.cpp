@@ -141,12 +141,11 @@ std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline
         Descriptor file = open_to_read(one.name, work, deadline);
         if (!file) continue;
         const off_t from = one.kind == OLD ? one.number : 0;
-        Source source = settled(one.name, std::move(file), from, work, deadline);
+        const Source source = settled(one.name, std::move(file), from, work, deadline);
         // A run that was killed leaves the log itself under two names.
         const bool is_new = source.to > from && id_of(itself.status) != id_of(source.status);
-        source.file.close();
         if (!is_new) leave_alone_on(work.logs.unlink(one.name), one.name);
-        if (is_new) sources.push_back(std::move(source));
+        if (is_new) sources.push_back({one.name, Descriptor(), from, source.to, source.status});
     }
     return sources;
 }
