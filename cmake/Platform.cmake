@@ -1,7 +1,7 @@
-# What not every UNIX has, and gatescope uses where it is there. What is done instead stands in
-# src/base/platform.cpp, and what is lost in CONTRIBUTING.md.
+# Detects optional features of the platform, beyond POSIX. src/base/platform.cpp has the fallbacks;
+# CONTRIBUTING.md says what is lost without each feature.
 
-option(GATESCOPE_PLAIN_POSIX "Use nothing but what every POSIX system has" OFF)
+option(GATESCOPE_PLAIN_POSIX "Use POSIX features only" OFF)
 include(CheckCXXSymbolExists)
 include(CheckLinkerFlag)
 
@@ -25,10 +25,10 @@ gatescope_feature(ATTRIBUTES sys/xattr.h flistxattr)
 gatescope_feature(AFFINITY sched.h sched_getaffinity)
 gatescope_feature(MKOSTEMP stdlib.h mkostemp)
 gatescope_feature(FLOCK sys/file.h flock)
-# The children of a process, and its control groups, by Linux's names in /proc and /sys.
+# Linux's /proc and /sys: children of a process, cgroups.
 gatescope_feature(PROC linux/limits.h NAME_MAX)
 
-# Linking that makes a fault in the program harder to use.
+# Hardening: a position-independent executable, and a relocation table that is read-only at run time.
 set(GATESCOPE_HARDENED_LINKING "")
 if(NOT GATESCOPE_PLAIN_POSIX)
   check_linker_flag(CXX LINKER:-z,relro,-z,now GATESCOPE_FOUND_RELRO)

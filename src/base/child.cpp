@@ -15,7 +15,7 @@
 #include "base/filled.h"
 #include "base/platform.h"
 #include "base/search_path.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 
 namespace gatescope {
 namespace {
@@ -101,13 +101,13 @@ int run_in_shell(const std::string& command, const char* program) {
     // An ignored SIGCHLD is inherited, and waitpid would then return no status.
     signal(SIGCHLD, SIG_DFL);
     {
-        const SignalsHeld held;
-        running_child = start_shell(command, held.before());
+        const SignalsBlocked blocked;
+        running_child = start_shell(command, blocked.previous_mask());
     }
     const pid_t child = running_child;
     if (child == -1) return -1;
     wait_until_ended(child);
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     running_child = 0;
     int status = -1;
     return waitpid(child, &status, 0) == child ? status : -1;

@@ -10,7 +10,7 @@
 
 #include "base/files.h"
 #include "base/platform.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 
 namespace gatescope {
 
@@ -21,7 +21,7 @@ int Directory::lock() const {
     return lock_exclusively(descriptor());
 }
 
-Directory::Entry Directory::look(const std::string& name) const {
+Directory::Entry Directory::entry_of(const std::string& name) const {
     Entry entry = {};
     if (fstatat(descriptor(), name.c_str(), &entry.status, AT_SYMLINK_NOFOLLOW) != 0) {
         entry.error = errno;
@@ -31,21 +31,21 @@ Directory::Entry Directory::look(const std::string& name) const {
 
 bool Directory::is_name_of(const std::string& name, const Descriptor& file) const {
     struct stat opened;
-    const Entry entry = look(name);
+    const Entry entry = entry_of(name);
     return entry.exists() && fstat(file.get(), &opened) == 0 &&
            id_of(entry.status) == id_of(opened);
 }
 
-int Directory::may_replace(const std::string& name, const std::string& trial) const {
+int Directory::check_replaceable(const std::string& name, const std::string& trial) const {
     struct stat directory;
     if (fstat(descriptor(), &directory) != 0) return errno;
-    const Entry entry = look(name);
+    const Entry entry = entry_of(name);
     const uid_t self = geteuid();
     // In a sticky directory names belong to the owners of their files.
     const bool may = self == 0 || (directory.st_mode & S_ISVTX) == 0 || self == directory.st_uid ||
                      self == entry.status.st_uid;
     if (!may) return EPERM;
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     const int error = link(name, trial);
     if (error != 0) return error == EEXIST ? 0 : error;
     return unlink(trial);
@@ -78,8 +78,8 @@ int Directory::rename(const std::string& from, const std::string& to) const {
 int Directory::link(const std::string& from, const std::string& to) const {
     if (linkat(descriptor(), from.c_str(), descriptor(), to.c_str(), 0) == 0) return 0;
     const int error = errno;
-    const Entry one = look(from);
-    const Entry other = look(to);
+    const Entry one = entry_of(from);
+    const Entry other = entry_of(to);
     const bool same = one.exists() && other.exists() && id_of(one.status) == id_of(other.status);
     return same ? 0 : error;
 }

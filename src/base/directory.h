@@ -36,13 +36,13 @@ class Directory {
         [[nodiscard]] bool exists() const { return error == 0; }
         [[nodiscard]] bool is_regular() const { return exists() && S_ISREG(status.st_mode); }
     };
-    [[nodiscard]] Entry look(const std::string& name) const;
+    [[nodiscard]] Entry entry_of(const std::string& name) const;
     /// Whether `name` is a hard link of the open file.
     [[nodiscard]] bool is_name_of(const std::string& name, const Descriptor& file) const;
-    /// Whether the file `name` can be replaced: its name can be given to another file, and it can
-    /// get a hard link, for which `trial` is created and removed. 0, or the errno that prevents it;
-    /// 0 too if `trial` exists already.
-    [[nodiscard]] int may_replace(const std::string& name, const std::string& trial) const;
+    /// Checks that another file can be renamed to `name`, and that `name` can get a hard link, for
+    /// which `trial` is created and removed. 0, or the errno that prevents it; 0 also if `trial`
+    /// exists already.
+    [[nodiscard]] int check_replaceable(const std::string& name, const std::string& trial) const;
     /// Appends the names that begin with `prefix`.
     int list(const std::string& prefix, std::vector<std::string>* names) const;
 

@@ -14,7 +14,7 @@ std::string json_value(std::optional<std::string_view> bytes) {
     std::string text = "\"";
     while (!bytes->empty()) {
         const char byte = bytes->front();
-        const bool is_control = (byte >= '\0' && byte < ' ') || byte == '\x7F';
+        const bool is_control = static_cast<std::uint8_t>(byte) < ' ' || byte == '\x7F';
         const std::size_t size = is_control ? 0 : utf8_size(*bytes);
         if (size == 0) text += filled("\\u%04x", static_cast<std::uint8_t>(byte));
         if (byte == '"' || byte == '\\') text += '\\';

@@ -11,7 +11,7 @@
 #include "base/file_identity.h"
 #include "base/paths.h"
 #include "base/platform.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
 
@@ -31,7 +31,7 @@ constexpr auto UNCHANGED = Failure::State::UNCHANGED;
 /// Creates the new file in the same directory, so that it can be renamed, under a hidden and unique
 /// name. The descriptor, or -1 with errno set.
 int create_beside(const std::string& path, std::string* new_path) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     if (is_in_append_only_directory(path)) {
         errno = EPERM;
         return -1;
@@ -110,9 +110,9 @@ struct InPlace {
     bool begun;
 };
 
-/// Signals are held back until it is done.
+/// Signals are blocked until it is done.
 InPlace try_in_place(int file, std::string_view text, const std::string& safe_copy) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     struct stat status;
     if (fstat(file, &status) != 0) return {errno, false};
     const auto old_size = static_cast<std::size_t>(status.st_size);

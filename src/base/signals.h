@@ -1,6 +1,6 @@
 #pragma once
 
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 
 namespace gatescope {
 

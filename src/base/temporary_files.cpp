@@ -11,7 +11,7 @@
 #include <new>
 
 #include "base/file_identity.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 
 namespace gatescope {
 namespace {
@@ -106,7 +106,7 @@ RemovedOnException::~RemovedOnException() {
 }
 
 int create_temporary_file(const std::string& path, mode_t mode) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     if (is_in_append_only_directory(path)) {
         errno = EPERM;
         return -1;
@@ -119,7 +119,7 @@ int create_temporary_file(const std::string& path, mode_t mode) {
 
 TemporaryFile::TemporaryFile(const Directory& directory, const std::string& name, mode_t mode)
     : directory_(directory), name_(name) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     if (is_in_append_only_directory(directory.path_of(name))) {
         errno = EPERM;
         return;

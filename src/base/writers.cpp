@@ -12,7 +12,8 @@ constexpr std::chrono::milliseconds STEP(1);
 
 }  // namespace
 
-Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point deadline) {
+WriterCheck wait_for_writers(const Descriptor& file,
+                             std::chrono::steady_clock::time_point deadline) {
     while (true) {
         // While the lease is held no process can open the file for writing: the size is stable.
         const Lease lease = take_lease(file.get());
@@ -23,7 +24,7 @@ Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point dea
         if (leased) release_lease(file.get());
         if (error != 0 || leased) return {error, status, Writers::NONE};
         if (std::chrono::steady_clock::now() >= deadline) {
-            return {0, status, has_open_writer ? Writers::SOME : Writers::UNKNOWN};
+            return {0, status, has_open_writer ? Writers::PRESENT : Writers::UNKNOWN};
         }
         if (has_open_writer) {
             std::this_thread::sleep_for(STEP);

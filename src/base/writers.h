@@ -12,10 +12,11 @@ namespace gatescope {
 enum class Writers {
     NONE,
     UNKNOWN,  ///< the file is another user's, or its file system has no leases
-    SOME      ///< at least one process had it open until the deadline
+    PRESENT   ///< at least one process had it open until the deadline
 };
 
-struct Settled {
+/// The result of wait_for_writers.
+struct WriterCheck {
     /// 0 or an errno of fstat.
     int error;
     /// All 0 with an error.
@@ -23,8 +24,9 @@ struct Settled {
     Writers writers;
 };
 
-/// Waits until no process has `file` open for writing, at most until `deadline`; until `deadline`
-/// where leases are unavailable. `file` must be open for reading only.
-Settled settle(const Descriptor& file, std::chrono::steady_clock::time_point deadline);
+/// Waits until no process has `file` open for writing, at most until `deadline`; always until
+/// `deadline` where leases are unavailable. `file` must be open for reading only.
+WriterCheck wait_for_writers(const Descriptor& file,
+                             std::chrono::steady_clock::time_point deadline);
 
 }  // namespace gatescope

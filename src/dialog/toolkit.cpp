@@ -15,7 +15,7 @@
 #include "base/files.h"
 #include "base/filled.h"
 #include "base/run_identity.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/text.h"
 #include "base/whole_file.h"
@@ -82,7 +82,7 @@ bool is_private_file(int file) {
 /// Opens the file for appending, creating it where needed. -1, with errno set, when that fails;
 /// EEXIST when it is another user's file, has hard links or is not regular.
 int open_default(const std::string& path) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     const int file = open(
         path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (file == -1) return -1;

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <thread>
 
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "logs/log_reader.h"
 #include "logs/shared_log.h"
 #include "records/canonical_records.h"
@@ -104,7 +104,7 @@ std::vector<std::jthread> start_threads(const std::vector<std::unique_ptr<Worker
     std::vector<std::jthread> threads;
     threads.reserve(workers.size());
     // New threads inherit the signal mask.
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     try {
         for (std::size_t i = 1; i < workers.size(); ++i) {
             threads.emplace_back([worker = workers[i].get(), work, progress] {

@@ -40,24 +40,24 @@ inline constexpr char NO_LOGGING_FILE[] = "Could not create needed logging file"
 /// Cut-off.
 inline constexpr char TOKEN_TEXT[] = "pruning records before:\n   %s\n";
 /// Region.
-inline constexpr char PRUNED_BY_ANOTHER[] =
+inline constexpr char ALREADY_BEING_PRUNED[] =
     "ERROR: The logs of the Gatewarden Region (%s) are being pruned by another process.  Nothing "
     "was changed.";
 /// On standard error. Token.
-inline constexpr char TOKEN_STANDS[] =
+inline constexpr char TOKEN_DIVERTS_WRITERS[] =
     "The pruning token (%s) stays.  As long as it stands, log writers go on into companion files, "
     "which no query reads; a pruning that ends well brings their records back.";
 /// Log or companion, reason.
-inline constexpr char LOG_LEFT_ALONE[] = "The log file (%s) was left as it is: %s.";
+inline constexpr char LOG_SKIPPED[] = "The log file (%s) was left as it is: %s.";
 /// Left-over, reason.
-inline constexpr char LEFT_OVER_STAYS[] =
+inline constexpr char LEFT_OVER_NOT_MERGED[] =
     "The next pruning adds to its log what is left in (%s): %s.";
 inline constexpr char IS_A_SYMBOLIC_LINK[] =
     "It is a symbolic link, and only the directory of the logs may be one; to keep them elsewhere, "
     "set the relocated logging directory (A24)";
-inline constexpr char REPLACED_MEANWHILE[] = "Another file took its place";
-inline constexpr char KEPT_OPEN[] = "Somebody keeps it open for writing";
-inline constexpr char LATE_RECORDS[] = "Records were added while it was pruned";
+inline constexpr char LOG_REPLACED_MEANWHILE[] = "Another file took its place";
+inline constexpr char HELD_OPEN[] = "Somebody keeps it open for writing";
+inline constexpr char LOG_GREW_MEANWHILE[] = "Records were added while it was pruned";
 
 /// Token, the system's reason.
 inline constexpr char TOKEN_STAYS[] =

@@ -20,7 +20,7 @@
 #include "base/operator_name.h"
 #include "base/paths.h"
 #include "base/platform.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/waiting.h"
 #include "base/whole_file.h"
@@ -78,7 +78,7 @@ std::string save_text(const std::string& beginning, const std::string& text, mod
     std::string path;
     Descriptor file;
     succeeds_within(NAME_PATIENCE, [&] {
-        const SignalsHeld held;
+        const SignalsBlocked blocked;
         *now = std::time(nullptr);
         path = filled("%s.%s-%d.txt", beginning.c_str(),
                       formatted(std::gmtime(now), "%Y%m%dT%H%M%SZ").c_str(), getpid());
@@ -109,7 +109,7 @@ std::string record_line(std::time_t now, const std::string& file, const Recorded
 
 /// Appends the line to the record's file. 0 or an errno, after taking back what was written.
 int append(const std::string& line, PendingRecord* record) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     const int file = record->file.get();
     const off_t end = record->begin = lseek(file, 0, SEEK_END);
     char last = '\n';
@@ -150,7 +150,7 @@ PendingRecord record_change(const std::string& policy_file,
 }
 
 void PendingRecord::take_back() {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     // The saved text is kept when its record cannot be removed.
     if (file && ftruncate(file.get(), begin) == 0) remove_temporary_file(saved);
     file = {};

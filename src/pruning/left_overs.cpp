@@ -8,7 +8,7 @@
 namespace gatescope {
 namespace {
 
-/// In the order of the kinds.
+/// By LeftOver::Kind.
 constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
 
 }  // namespace

@@ -16,7 +16,7 @@
 #include "logs/log_reader.h"
 #include "messages/log_texts.h"
 #include "messages/startup_texts.h"
-#include "pruning/left_alone.h"
+#include "pruning/skipped_log.h"
 #include "records/kept_records.h"
 
 namespace gatescope {
@@ -24,243 +24,250 @@ namespace {
 
 using enum LeftOver::Kind;
 
-constexpr mode_t PUBLIC = 0666;
+/// Every user can append to a log.
+constexpr mode_t LOG_MODE = 0666;
 
-/// A file of which the words from byte `from` up to byte `to` become the log's.
+/// A file whose words between the bytes `from` and `to` are merged into the new log.
 struct Source {
     std::string name;
+    /// Only the log is open throughout: there may be more left-overs than files can be open.
     Descriptor file;
     off_t from;
     off_t to;
     struct stat status;
 };
 
-/// Why a file of that kind is not used; empty for a regular one, and for none.
-std::string reason_against(const Directory::Entry& entry) {
+/// Why a file of this type is not used; empty if it is regular or does not exist.
+std::string reason_unusable(const Directory::Entry& entry) {
     if (entry.exists() && S_ISLNK(entry.status.st_mode)) return IS_A_SYMBOLIC_LINK;
     if (entry.exists() && !entry.is_regular()) return NOT_A_REGULAR_FILE;
     return "";
 }
 
-/// What stands under a name. A name that cannot be looked at is not taken for a free one.
-Directory::Entry seen(const std::string& name, const Work& work) {
-    const Directory::Entry entry = work.logs.look(name);
-    leave_alone_on(entry.error == ENOENT ? 0 : entry.error, name);
+/// What lstat says of a name. Skips the log if lstat fails with anything but ENOENT, as the name
+/// may exist.
+Directory::Entry entry_of(const std::string& name, const Run& run) {
+    const Directory::Entry entry = run.logs.entry_of(name);
+    skip_log_on(entry.error == ENOENT ? 0 : entry.error, name);
     return entry;
 }
 
-/// Whether there is a regular file of that name. Why another kind of file is not used is noted.
-bool is_usable(const std::string& name, Work* work) {
-    const Directory::Entry entry = seen(name, *work);
-    const std::string reason = reason_against(entry);
-    if (!reason.empty()) work->unused[name] = reason;
+/// Whether `name` is a regular file. For a file of another type the reason is added to run->unused.
+bool is_usable(const std::string& name, Run* run) {
+    const Directory::Entry entry = entry_of(name, *run);
+    const std::string reason = reason_unusable(entry);
+    if (!reason.empty()) run->unused[name] = reason;
     return entry.is_regular();
 }
 
-/// Opens a file for reading; nothing is open when there is none.
-Descriptor open_to_read(const std::string& name, const Work& work, Moment deadline) {
-    Descriptor file = work.logs.open(name, O_RDONLY, deadline);
-    leave_alone_on(file || errno == ENOENT ? 0 : errno, name);
+/// Opens a file for reading; the descriptor is empty if the file does not exist.
+Descriptor open_to_read(const std::string& name, const Run& run, Moment deadline) {
+    Descriptor file = run.logs.open(name, O_RDONLY, deadline);
+    skip_log_on(file || errno == ENOENT ? 0 : errno, name);
     return file;
 }
 
-/// `file` from its byte `from` on, when no process writes to it any more.
-Source settled(const std::string& name, Descriptor file, off_t from, const Work& work,
-               Moment deadline) {
-    const Settled state = settle(file, deadline);
-    leave_alone_on(state.error, name);
+/// Waits until no process has `file` open for writing; the source begins at byte `from`.
+Source idle_source(const std::string& name, Descriptor file, off_t from, const Run& run,
+                   Moment deadline) {
+    const WriterCheck state = wait_for_writers(file, deadline);
+    skip_log_on(state.error, name);
     const off_t size = state.status.st_size;
     char last = '\n';
-    leave_alone_on(size == 0 || pread(file.get(), &last, 1, size - 1) != -1 ? 0 : errno, name);
-    // Without the token a record without its end is being written.
-    const bool is_torn = state.writers == Writers::UNKNOWN && !work.has_token && !is_white(last);
-    if (is_torn || state.writers == Writers::SOME) throw LeftAlone{name, KEPT_OPEN};
+    skip_log_on(size == 0 || pread(file.get(), &last, 1, size - 1) != -1 ? 0 : errno, name);
+    // Once the token is removed, writers use the logs again: a last record without a blank after it
+    // may still be being written.
+    const bool is_torn = state.writers == Writers::UNKNOWN && !run.has_token && !is_white(last);
+    if (is_torn || state.writers == Writers::PRESENT) throw SkippedLog{name, HELD_OPEN};
     return {name, std::move(file), from, size, state.status};
 }
 
-/// The name of the complete new text that stands for the first `size` bytes of the open log.
-LeftOver ready_text(const Log& log, const Descriptor& file, off_t size) {
+/// The ready file that replaces the first `size` bytes of the open log.
+LeftOver ready_left_over(const Log& log, const Descriptor& file, off_t size) {
     std::uint64_t fingerprint;
-    leave_alone_on(fingerprint_of(file.get(), size, &fingerprint), log.name);
+    skip_log_on(fingerprint_of(file.get(), size, &fingerprint), log.name);
     return left_over(READY, log.name, size, fingerprint);
 }
 
-/// Makes an empty log, to which everybody can append, and opens it for reading.
-Descriptor make_log(const std::string& name, Work* work) {
-    Descriptor file = work->logs.open(name, O_RDONLY | O_CREAT | O_EXCL, {});
-    if (!file) stop(NO_LOGGING_FILE, name, errno, work);
-    leave_alone_on(fchmod(file.get(), PUBLIC) == 0 ? 0 : errno, name);
+/// Creates an empty log and opens it for reading.
+Descriptor create_log(const std::string& name, Run* run) {
+    Descriptor file = run->logs.open(name, O_RDONLY | O_CREAT | O_EXCL, {});
+    if (!file) abort_or_skip(NO_LOGGING_FILE, name, errno, run);
+    skip_log_on(fchmod(file.get(), LOG_MODE) == 0 ? 0 : errno, name);
     return file;
 }
 
-/// Removes what stands in a ready text, once the disk keeps its name: the taken and old files.
-void remove_what_is_added(const Log& log, const Work& work) {
-    leave_alone_on(work.logs.sync(), log.name);
+/// Syncs the directory, so that the ready file's name is on the disk, then removes the taken and
+/// old files: the ready file includes their records.
+void remove_merged(const Log& log, const Run& run) {
+    skip_log_on(run.logs.sync(), log.name);
     for (const LeftOver& one : log.left_overs) {
-        if (one.kind != READY) leave_alone_on(work.logs.unlink(one.name), one.name);
+        if (one.kind != READY) skip_log_on(run.logs.unlink(one.name), one.name);
     }
 }
 
-/// Puts a ready text in the place of the log, which is open.
-void finish(const LeftOver& ready, const Descriptor& file, Log* log, const Work& work) {
-    remove_what_is_added(*log, work);
+/// Renames a ready file over the open log, and keeps the replaced log as an old file.
+void install(const LeftOver& ready, const Descriptor& file, Log* log, const Run& run) {
+    remove_merged(*log, run);
     const LeftOver old = left_over(OLD, log->name, ready.number);
-    leave_alone_on(work.logs.link(log->name, old.name), old.name);
+    skip_log_on(run.logs.link(log->name, old.name), old.name);
     log->left_overs.insert(old);
-    // Else it is a second name of the file that took the log's place, which the next step removes.
-    if (!work.logs.is_name_of(old.name, file)) throw LeftAlone{log->name, REPLACED_MEANWHILE};
-    leave_alone_on(work.logs.rename(ready.name, log->name), ready.name);
-    leave_alone_on(work.logs.sync(), log->name);
+    // If another process has replaced the log, the old file is a hard link of the new log, and the
+    // next step removes it.
+    if (!run.logs.is_name_of(old.name, file)) throw SkippedLog{log->name, LOG_REPLACED_MEANWHILE};
+    skip_log_on(run.logs.rename(ready.name, log->name), ready.name);
+    skip_log_on(run.logs.sync(), log->name);
 }
 
-/// Renames a file to a taken one.
-void take(const std::string& name, Log* log, const Work& work) {
-    LeftOver taken = left_over(TAKEN, log->name, 0);
-    while (seen(taken.name, work).exists()) taken = left_over(TAKEN, log->name, taken.number + 1);
-    leave_alone_on(work.logs.rename(name, taken.name), name);
-    log->left_overs.insert(taken);
+/// Renames a file to the first unused name of a taken file.
+void rename_to_taken(const std::string& name, Log* log, const Run& run) {
+    LeftOver file = left_over(TAKEN, log->name, 0);
+    while (entry_of(file.name, run).exists()) file = left_over(TAKEN, log->name, file.number + 1);
+    skip_log_on(run.logs.rename(name, file.name), name);
+    log->left_overs.insert(file);
 }
 
-/// Completes a pruning that was ended after its commit.
-void complete(const LeftOver& ready, Log* log, const Work& work) {
-    // With a second name it may be a file from outside of the directory.
-    leave_alone_on(seen(ready.name, work).status.st_nlink > 1 ? EMLINK : 0, ready.name);
-    const Descriptor file = open_to_read(log->name, work, Moment::clock::now());
-    if (file && ready_text(*log, file, ready.number).name == ready.name) {
-        return finish(ready, file, log, work);
-    }
-    remove_what_is_added(*log, work);
-    take(ready.name, log, work);
+/// Completes a pruning that ended after its commit.
+void complete_pruning(const LeftOver& ready, Log* log, const Run& run) {
+    // A file with several hard links may belong outside the directory.
+    skip_log_on(entry_of(ready.name, run).status.st_nlink > 1 ? EMLINK : 0, ready.name);
+    const Descriptor file = open_to_read(log->name, run, Moment::clock::now());
+    const bool is_of_log = file && ready_left_over(*log, file, ready.number).name == ready.name;
+    if (is_of_log) return install(ready, file, log, run);
+    remove_merged(*log, run);
+    rename_to_taken(ready.name, log, run);
 }
 
-/// What is to be added of the left-overs. Those of which nothing is are removed.
-std::vector<Source> sources_of(const Log& log, const Work& work, Moment deadline) {
-    const Directory::Entry itself = seen(log.name, work);
+/// The left-overs with records to merge. Removes left-overs without any.
+std::vector<Source> sources_of(const Log& log, const Run& run, Moment deadline) {
+    const Directory::Entry log_entry = entry_of(log.name, run);
     std::vector<Source> sources;
     for (const LeftOver& one : log.left_overs) {
-        Descriptor file = open_to_read(one.name, work, deadline);
+        Descriptor file = open_to_read(one.name, run, deadline);
         if (!file) continue;
         const off_t from = one.kind == OLD ? one.number : 0;
-        Source source = settled(one.name, std::move(file), from, work, deadline);
-        // A run that was killed leaves the log itself under two names.
-        const bool is_new = source.to > from && id_of(itself.status) != id_of(source.status);
-        if (!is_new) leave_alone_on(work.logs.unlink(one.name), one.name);
-        if (is_new) sources.push_back(std::move(source));
+        const Source source = idle_source(one.name, std::move(file), from, run, deadline);
+        // A killed run may have left the old file as a hard link of the log itself.
+        const bool is_new = source.to > from && id_of(log_entry.status) != id_of(source.status);
+        if (!is_new) skip_log_on(run.logs.unlink(one.name), one.name);
+        if (is_new) sources.push_back({one.name, Descriptor(), from, source.to, source.status});
     }
     return sources;
 }
 
-/// Hands out the words of a source piece by piece, for as long as `take` wants more.
-template <typename Take>
-void read_pieces(const Source& source, Progress* progress, const Take& take) {
+/// Passes the words of a source to `consume` piece by piece, until it returns false.
+template <typename Consume>
+void read_pieces(const Source& source, Run* run, const Consume& consume) {
+    const Descriptor reopened = source.file ? Descriptor() : open_to_read(source.name, *run, {});
     LogReader reader;
-    reader.start(source.file.get(), source.from, source.to);
-    for (std::string_view piece; reader.next(&piece) && take(piece);) {
-        progress->advance(static_cast<off_t>(piece.size()));
+    reader.start(source.file ? source.file.get() : reopened.get(), source.from, source.to);
+    for (std::string_view piece; reader.next(&piece) && consume(piece);) {
+        run->progress.advance(static_cast<off_t>(piece.size()));
     }
-    leave_alone_on(reader.error(), source.name);
+    skip_log_on(reader.error(), source.name);
 }
 
-void count(const KeptRecords& records, Log* log, Work* work) {
-    work->total += records.total() - log->kept.value_or(0);
-    work->removed += records.removed();
-    log->kept = records.total() - records.removed();
+/// Counts the words of a log, in place of an earlier count of this run.
+void count_words(const KeptRecords& records, Log* log, Run* run) {
+    // Fewer than before if another process has replaced the log since.
+    run->total += std::max<std::int64_t>(records.total() - log->kept_words.value_or(0), 0);
+    run->removed += records.removed();
+    log->kept_words = records.total() - records.removed();
 }
 
-/// Whether all of the log is kept as it stands, and everybody can append to it; counts its words
-/// then.
-bool stays_as_it_is(const Source& file, Log* log, Work* work) {
-    // The mode of a log with a second name, which may be a file from outside, is not changed.
-    bool stays = (file.status.st_mode & 07777) == PUBLIC || file.status.st_nlink > 1;
-    if (!stays) return false;
-    KeptRecords records(work->cut_off);
-    read_pieces(file, &work->progress, [&](std::string_view piece) {
-        stays = records.of(piece).data() == piece.data();
-        return stays;
+/// Whether the log needs no rewriting: every record is kept, each on its own line, and the mode is
+/// right. If so, counts its words.
+bool is_already_pruned(const Source& file, Log* log, Run* run) {
+    // The mode of a log with several hard links is ignored: it may belong outside the directory.
+    bool is_unchanged = (file.status.st_mode & 07777) == LOG_MODE || file.status.st_nlink > 1;
+    if (!is_unchanged) return false;
+    KeptRecords records(run->cut_off);
+    read_pieces(file, run, [&](std::string_view piece) {
+        return is_unchanged = records.of(piece).data() == piece.data();
     });
-    if (stays) count(records, log, work);
-    return stays;
+    if (is_unchanged) count_words(records, log, run);
+    return is_unchanged;
 }
 
-/// Appends what is kept of a source to the scratch file, and brings that to the disk.
-void copy(const Source& source, const TemporaryFile& scratch, KeptRecords* records, Work* work) {
-    read_pieces(source, &work->progress, [&](std::string_view piece) {
-        leave_alone_on(write_all(scratch.file.get(), records->of(piece)), work->scratch);
+/// Appends the kept records of a source to the scratch file and syncs it.
+void copy_kept(const Source& source, const TemporaryFile& scratch, KeptRecords* kept, Run* run) {
+    read_pieces(source, run, [&](std::string_view piece) {
+        skip_log_on(write_all(scratch.file.get(), kept->of(piece)), run->scratch);
         return true;
     });
-    leave_alone_on(fsync(scratch.file.get()) == 0 ? 0 : errno, work->scratch);
+    skip_log_on(fsync(scratch.file.get()) == 0 ? 0 : errno, run->scratch);
 }
 
-/// Replaces the log, which is the first of the sources, by what is kept of all of them, and counts
-/// their words.
-void replace(std::vector<Source>* sources, Log* log, Work* work) {
+/// Replaces the log, the first of the sources, by the kept records of all sources, and counts their
+/// words.
+void replace_log(std::vector<Source>* sources, Log* log, Run* run) {
     Source& old = sources->front();
-    TemporaryFile scratch(work->logs, work->scratch, PUBLIC);
-    if (!scratch.file) stop(NO_PRUNING_FILE, work->scratch, errno, work);
+    TemporaryFile scratch(run->logs, run->scratch, LOG_MODE);
+    if (!scratch.file) abort_or_skip(NO_PRUNING_FILE, run->scratch, errno, run);
     carry_over_identity(old.file.get(), scratch.file.get());
-    leave_alone_on(fchmod(scratch.file.get(), PUBLIC) == 0 ? 0 : errno, work->scratch);
-    KeptRecords records(work->cut_off);
-    for (const Source& source : *sources) copy(source, scratch, &records, work);
-    // Where no token diverts the writers, the log has grown meanwhile.
-    const Settled now = settle(old.file, Moment::clock::now());
+    skip_log_on(fchmod(scratch.file.get(), LOG_MODE) == 0 ? 0 : errno, run->scratch);
+    KeptRecords records(run->cut_off);
+    for (const Source& source : *sources) copy_kept(source, scratch, &records, run);
+    // Without a token, writers may have appended to the log meanwhile.
+    const WriterCheck now = wait_for_writers(old.file, Moment::clock::now());
     if (now.writers == Writers::NONE && now.status.st_size > old.to) {
         old.from = std::exchange(old.to, now.status.st_size);
-        copy(old, scratch, &records, work);
+        copy_kept(old, scratch, &records, run);
     }
-    leave_alone_on(scratch.file.close(), work->scratch);
-    const LeftOver ready = ready_text(*log, old.file, old.to);
-    leave_alone_on(scratch.rename_to(ready.name), ready.name);
+    skip_log_on(scratch.file.close(), run->scratch);
+    const LeftOver ready = ready_left_over(*log, old.file, old.to);
+    skip_log_on(scratch.rename_to(ready.name), ready.name);
     log->left_overs.insert(ready);
     log->is_replaced = true;
-    count(records, log, work);
-    finish(ready, old.file, log, *work);
+    count_words(records, log, run);
+    install(ready, old.file, log, *run);
 }
 
 }  // namespace
 
-void stop(const char* failure, const std::string& name, int error, Work* work) {
-    const std::string reason = reason_against(work->logs.look(name));
-    if (!work->has_token) throw LeftAlone{name, reason.empty() ? std::strerror(error) : reason};
-    work->progress.wipe();
-    if (!reason.empty()) note(work->logs.path_of(name) + ": " + reason);
-    const std::string token = work->logs.path_of(work->token);
-    if (work->logs.look(work->token).exists()) note(filled(TOKEN_STANDS, token.c_str()));
-    gripe(failure, work->logs.path_of(name), error);
+void abort_or_skip(const char* failure, const std::string& name, int error, Run* run) {
+    const std::string reason = reason_unusable(run->logs.entry_of(name));
+    if (!run->has_token) throw SkippedLog{name, reason.empty() ? std::strerror(error) : reason};
+    run->progress.wipe();
+    if (!reason.empty()) note(run->logs.path_of(name) + ": " + reason);
+    const std::string token = run->logs.path_of(run->token);
+    if (run->logs.entry_of(run->token).exists()) note(filled(TOKEN_DIVERTS_WRITERS, token.c_str()));
+    gripe(failure, run->logs.path_of(name), error);
 }
 
-void prepare(Log* log, const std::vector<std::string>& names, Work* work) {
+void prepare(Log* log, const std::vector<std::string>& names, Run* run) {
     log->reason.clear();
     log->is_replaced = false;
     log->left_overs = left_overs_of(log->name, names);
-    std::erase_if(log->left_overs, [&](const LeftOver& one) { return !is_usable(one.name, work); });
-    const Directory::Entry companion = seen(log->companion, *work);
-    const std::string reason = reason_against(seen(log->name, *work));
+    std::erase_if(log->left_overs, [&](const LeftOver& one) { return !is_usable(one.name, run); });
+    const Directory::Entry companion = entry_of(log->companion, *run);
+    const std::string reason = reason_unusable(entry_of(log->name, *run));
     if (!reason.empty()) {
-        const bool is_needed = companion.is_regular() && companion.status.st_size > 0;
-        if (is_needed) stop(NO_LOGGING_FILE, log->name, EEXIST, work);
-        throw LeftAlone{log->name, reason};
+        const bool has_records = companion.is_regular() && companion.status.st_size > 0;
+        if (has_records) abort_or_skip(NO_LOGGING_FILE, log->name, EEXIST, run);
+        throw SkippedLog{log->name, reason};
     }
     const std::set<LeftOver> found = log->left_overs;
     for (const LeftOver& one : found) {
-        if (one.kind == READY) complete(one, log, *work);
+        if (one.kind == READY) complete_pruning(one, log, *run);
     }
-    if (is_usable(log->companion, work)) take(log->companion, log, *work);
+    if (is_usable(log->companion, run)) rename_to_taken(log->companion, log, *run);
 }
 
-bool rewrite(Log* log, Work* work, Moment deadline) {
-    std::vector<Source> sources = sources_of(*log, *work, deadline);
-    if (sources.empty() && log->kept) return false;
+bool rewrite(Log* log, Run* run, Moment deadline) {
+    std::vector<Source> sources = sources_of(*log, *run, deadline);
+    if (sources.empty() && log->kept_words) return false;
     const bool is_late = log->is_replaced && Moment::clock::now() >= deadline;
-    if (is_late) throw LeftAlone{log->name, LATE_RECORDS};
-    Descriptor file = open_to_read(log->name, *work, deadline);
+    if (is_late) throw SkippedLog{log->name, LOG_GREW_MEANWHILE};
+    Descriptor file = open_to_read(log->name, *run, deadline);
     if (!file && log->left_overs.empty()) return false;
-    if (!file) file = make_log(log->name, work);
-    sources.push_back(settled(log->name, std::move(file), 0, *work, deadline));
+    if (!file) file = create_log(log->name, run);
+    sources.push_back(idle_source(log->name, std::move(file), 0, *run, deadline));
     // The log comes first. (With insert, g++ 12 warns at -O3.)
     std::rotate(sources.begin(), sources.end() - 1, sources.end());
-    if (sources.size() == 1 && stays_as_it_is(sources.front(), log, work)) return false;
-    leave_alone_on(work->logs.may_replace(log->name, work->scratch), log->name);
-    replace(&sources, log, work);
+    if (sources.size() == 1 && is_already_pruned(sources.front(), log, run)) return false;
+    skip_log_on(run->logs.check_replaceable(log->name, run->scratch), log->name);
+    replace_log(&sources, log, run);
     return true;
 }
 

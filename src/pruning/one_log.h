@@ -18,50 +18,49 @@ namespace gatescope {
 struct Log {
     std::string name;
     std::string companion;
-    /// Why it is left alone; empty otherwise.
+    /// Why it was skipped; empty otherwise.
     std::string reason = {};
-    /// What `prepare` has found beside it, and what was made since; some of it may be gone.
+    /// The left-overs found by `prepare` and created since; some may no longer exist.
     std::set<LeftOver> left_overs = {};
-    /// Whether it was replaced since `prepare`.
+    /// Whether this run has replaced it since `prepare`.
     bool is_replaced = false;
-    /// How many of its words are kept; nothing before this run has decided on them.
-    std::optional<std::int64_t> kept = {};
+    /// The number of its words that are kept; empty until this run has counted them.
+    std::optional<std::int64_t> kept_words = {};
 };
 
-/// What the logs of a region share.
-struct Work {
+/// One run of the pruner: what the logs of its region share.
+struct Run {
     const Directory& logs;
     std::string scratch;
     std::string token;
-    /// Seconds since the epoch; records before it are dropped.
+    /// Seconds since the epoch; older records are removed.
     std::int64_t cut_off;
     Progress progress;
     /// Whether the token diverts the log writers to the companions.
     bool has_token = true;
-    /// Why what stands under the name of a companion or left-over is not used, by that name.
+    /// Companions and left-overs that are not regular files: the name, and why it is not used.
     std::map<std::string, std::string> unused = {};
-    /// Words of the logs that are done, and how many of them were dropped.
+    /// The number of words in the logs pruned so far, and of those removed.
     std::int64_t total = 0;
     std::int64_t removed = 0;
 };
 
-/// Ends the program with a described failure about the file `name`: says first what is wrong with
-/// that, and what it means where the token stays. Once the token is down, throws LeftAlone instead.
-[[noreturn]] void stop(const char* failure, const std::string& name, int error, Work* work);
+/// Before the token's removal: ends the program with `failure` for the file `name`, after notes
+/// about a file that is not regular and about the token, if it exists. After it: throws SkippedLog.
+[[noreturn]] void abort_or_skip(const char* failure, const std::string& name, int error, Run* run);
 
-// The steps of a pruning on one log. A step that cannot be done throws LeftAlone: then the log is
-// its old text or its new one, whole, and nothing is lost. Where a scratch file or a log cannot be
-// made while the token stands, they end the program, and leave the token.
+// The steps of a pruning on one log. A step that fails throws SkippedLog; the log then has its
+// complete old or new text, and no record is lost. If a scratch file or a log cannot be created
+// before the token's removal, the step ends the program, and the token stays.
 
-/// Completes what an earlier pruning, or an earlier step of this one, has committed, and renames
-/// the companion, if there is one, to a taken file, which no writer opens. `names` are those in the
-/// directory.
-void prepare(Log* log, const std::vector<std::string>& names, Work* work);
+/// Installs a new text that an earlier pruning or step has committed, and renames the companion, if
+/// there is one, to a taken file, which no writer opens. `names` are the names in the directory.
+void prepare(Log* log, const std::vector<std::string>& names, Run* run);
 
-/// Gives the log its new text, made of what is kept of it, of taken files and of what was added to
-/// old ones, and counts its words; false when that is the text that it has. Removes old files that
-/// nothing was added to. Processes that have one of the files open for writing are waited for until
-/// `deadline`.
-bool rewrite(Log* log, Work* work, Moment deadline);
+/// Replaces the log by the kept records of itself, of the taken files and of what was appended to
+/// old files, and counts its words. False if the log already has that text, or there is none.
+/// Removes left-overs without records to merge. Waits until `deadline` for processes that have one
+/// of the files open for writing.
+bool rewrite(Log* log, Run* run, Moment deadline);
 
 }  // namespace gatescope

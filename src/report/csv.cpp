@@ -14,7 +14,7 @@
 
 #include "base/descriptor.h"
 #include "base/filled.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/temporary_files.h"
 #include "base/whole_file.h"
 #include "dialog/messages.h"
@@ -108,7 +108,7 @@ std::string csv_of_keys(const QueryResult& result, const KeyLines& key_lines) {
 
 /// Creates a file and registers it as temporary; closed, with errno set, if that fails.
 Descriptor create_registered(const std::string& path) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     Descriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (file) remember_temporary_file(path);
     return file;

@@ -10,7 +10,7 @@
 #include "base/descriptor.h"
 #include "base/file_lock.h"
 #include "base/filled.h"
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 #include "base/standard_streams.h"
 #include "base/waiting.h"
 #include "base/whole_file.h"
@@ -77,7 +77,7 @@ bool remove_page(const PageFile& page, off_t size, const std::string& path) {
 
 /// Signals are blocked, so that none leaves a part of a page or an empty file.
 AppendResult try_to_append(const std::string& path, const std::string& text, OpenMode mode) {
-    const SignalsHeld held;
+    const SignalsBlocked blocked;
     PageFile page = open_page(path, mode);
     if (!page.file && errno == EEXIST) return {AppendStatus::NAME_IS_TAKEN};
     if (!page.file) return {AppendStatus::NOT_OPENED, std::strerror(errno)};

@@ -4,9 +4,9 @@
     every_system_call.py GATESCOPE STAND_IN [--sample RUNS] [--only EDIT] [--jobs N]
 
 Each edit first runs undisturbed, for its system calls and its result. Then there are runs for each
-call: one that is killed at it, one that gets a signal with a handler, and for calls on files one for
+call: one is killed at it, one gets a signal with a handler, and for calls on files there is one for
 each error that they can return. A prune is also paused at each call, for a late writer. With --sample
-there are only about that many runs, evenly spread.
+there are only about RUNS runs, evenly spread.
 """
 
 import argparse
@@ -135,12 +135,12 @@ DAY = 86400
 
 
 class Prune(Edit):
-    """The logs: what counts is which records there are, in whatever files."""
+    """A prune of several logs, with companions. Its state is the sorted records of each file."""
 
     long = True
     KEPT = 40
     DROPPED = 30
-    # Comes from a writer that looked for the token just before it was there.
+    # Written by a writer that checked for the token just before it was created.
     LATE = "%d:S:kept_late[2]-<->" % NOW
 
     def __init__(self, logs=(0, 7, 20), hard_links=(), user=None, owner=None, always=None):
@@ -158,7 +158,7 @@ class Prune(Edit):
                     log.write("%d:S:kept%d_%d[2]-<->\n" % (NOW - i * DAY, number, i))
                     if i < self.DROPPED:
                         log.write("%d:S:old%d_%d[2]-<->\n" % (NOW - (200 + i) * DAY, number, i))
-        # Left by a writer while an earlier prune ran, beside a file that it has no log for.
+        # Companions that writers created during an earlier prune; number 12 has no log.
         for number in (7, 12):
             with open(os.path.join(logs, "logging__%d.txt" % number), "w") as companion:
                 companion.write("%d:D:kept_beside_%d[3]K<4>\n" % (NOW, number))
@@ -176,22 +176,22 @@ class Prune(Edit):
 
     def state(self, stage):
         logs = os.path.join(stage, "logs")
-        # In which order records come to a log is of no account.
+        # Without the order of the records in a file.
         files = {name: b"".join(sorted((bytes_of(os.path.join(logs, name)) or b"").splitlines(True)))
                  for name in sorted(os.listdir(logs))}
         files["depot"] = " ".join(sorted(os.listdir(os.path.join(stage, "depot")))).encode()
         return files
 
     def fault_after_pause(self, stage, new, run, gatescope):
-        # By what it said: strace seldom ends with a status of its own when its child is continued.
+        # By its output: the exit status of strace is unreliable after its child was continued.
         if self.shows not in run.said:
-            return "it did not go on"
+            return "it did not continue"
         if run.seen:
             return run.seen
         return self.fault_of_the_next_run(stage, new, gatescope)
 
     def fault_of_records(self, stage, new, gatescope):
-        """Whatever happened and is written late, the next run puts everything right."""
+        """The fault after a late write and one more run, or None."""
         self.write_late(stage)
         return self.fault_of_the_next_run(stage, new, gatescope)
 
@@ -202,15 +202,15 @@ class Prune(Edit):
         state = self.state(stage)
         for name in self.log_names():
             if state.get(name, b"").split().count(self.LATE.encode()) != 1:
-                return "the next run lost or doubled what was written late to %s" % name
+                return "the next run lost or duplicated the late record in %s" % name
             state[name] = state[name].replace(self.LATE.encode() + b"\n", b"")
         if state != new:
-            return "the next run came out wrong: %s" % difference(state, new)
+            return "the next run left wrong files: %s" % difference(state, new)
         return None
 
     def fault_of_a_query(self, stage):
-        """What a query would count wrongly now: the old files and the new ones hold each record that
-        is kept once."""
+        """The fault that a query would show now, or None: at any time a log has each retained record
+        once."""
         for number in self.logs:
             words = collections.Counter(
                 re.findall(rb"kept%d_\d+" % number,
@@ -221,8 +221,8 @@ class Prune(Edit):
         return None
 
     def fault_of_the_programs_query(self, stage, gatescope):
-        """The same by the numbers of a page. In the logs that are kept all are allowed; those that
-        are denied may be in companions."""
+        """The same, by the numbers of a query's page. It compares the allowed requests, which are in
+        the logs; companions have denied ones only."""
         results = os.path.join(stage, "results")
         os.mkdir(results)
         os.chmod(results, 0o777)
@@ -259,7 +259,7 @@ class Prune(Edit):
     def fault_after_error(self, stage, old, new, run, gatescope):
         told = run.told() or "was left as it is" in run.said or "The next pruning adds" in run.said
         if not told and self.state(stage) != new:
-            return "it was not done and nothing was said (status %d)" % run.status
+            return "the prune failed and reported nothing (status %d)" % run.status
         seen = self.fault_of_a_query(stage)
         if seen:
             return seen
@@ -275,7 +275,7 @@ def difference(one, other):
 
 
 class PruneAfterKill(Prune):
-    """Of one log there is what a run leaves that is killed after its commit."""
+    """One log has the left-over files of a run that was killed after its commit."""
 
     def furnish(self, stage):
         super().furnish(stage)
@@ -285,7 +285,7 @@ class PruneAfterKill(Prune):
         kept = b"".join(line for line in log.splitlines(True) if b":kept" in line)
         stages.write(path + ".taken_0", taken.decode())
         stages.write("%s.ready_%d_%d" % (path, len(log), fingerprint(log)), (kept + taken).decode())
-        # Written since then.
+        # Written since the kill.
         with open(path, "a") as file:
             file.write("%d:D:kept_since[3]K<4>\n" % NOW)
 
@@ -482,8 +482,8 @@ EDITS = {
 }
 
 if os.geteuid() == 0:
-    # An administrator who is not root, and logs that belong to whoever wrote first. There the system
-    # does not tell who has them open, so that each run waits.
+    # The administrator is not root, and the logs belong to other users. Leases of their files are
+    # unavailable, so each run waits for the whole timeout.
     EDITS["prune_of_others"] = Prune(logs=(7, 20), user=12345, owner=12346)
 
 

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Ends long prunes in each way, while they read a log of 1 TiB.
+"""Ends long prunes in several ways, while they read a sparse log of 1 TiB.
 
     long_prunes.py GATESCOPE
 
-A long prune shows its progress on a terminal. The line is wiped before any other output, and at the
-end.
+A long prune shows its progress on a terminal. The progress line is wiped before any other output and
+at the end.
 """
 
 import os
@@ -48,7 +48,7 @@ class Pruning:
     def megabytes_done(self):
         until = time.monotonic() + WAIT
         while not LINE.search(self.shown):
-            assert time.monotonic() < until, f"nothing but {self.shown!r} was shown"
+            assert time.monotonic() < until, f"no progress in {self.shown!r}"
             self.read_screen()
         return int(LINE.findall(self.shown)[-1])
 
@@ -56,15 +56,15 @@ class Pruning:
         """The exit status, and the output after the last progress line."""
         until = time.monotonic() + WAIT
         while self.program.poll() is None:
-            assert time.monotonic() < until, f"does not end: {self.shown!r}"
+            assert time.monotonic() < until, f"the prune does not end: {self.shown!r}"
             self.read_screen()
         self.read_screen()
         os.close(self.screen)
         return self.program.returncode, self.shown[list(LINE.finditer(self.shown))[-1].end():]
 
 
-def ends_well(pruning):
-    """The log ends while it is read; the next one is a FIFO, which is reported."""
+def completes(pruning):
+    """The log is truncated while it is read; the next one is a FIFO, which is reported."""
     os.mkfifo(pruning.logs + "/logging_1.txt")
     pruning.megabytes_done()
     os.truncate(pruning.logs + "/logging_0.txt", 0)
@@ -75,8 +75,8 @@ def ends_well(pruning):
     assert b" log entries were removed" in shown, shown
 
 
-def leaves_the_log_alone(pruning):
-    """No byte may be written when the prune reaches a record that is kept, of which one is ahead."""
+def skips_the_log(pruning):
+    """The file size limit is 0 when the prune reaches the first retained record."""
     done = pruning.megabytes_done()
     resource.prlimit(pruning.program.pid, resource.RLIMIT_FSIZE, (0, 0))
     with open(pruning.logs + "/logging_0.txt", "r+b") as log:
@@ -89,7 +89,7 @@ def leaves_the_log_alone(pruning):
     assert b"pruning_.txt: File too large." in shown, shown
 
 
-def ends_by_a_signal(pruning):
+def ends_by_signal(pruning):
     pruning.megabytes_done()
     pruning.program.send_signal(signal.SIGTERM)
     status, _ = pruning.end()
@@ -99,7 +99,7 @@ def ends_by_a_signal(pruning):
 
 def main():
     gatescope = os.path.abspath(sys.argv[1])
-    for way in (ends_well, leaves_the_log_alone, ends_by_a_signal):
+    for way in (completes, skips_the_log, ends_by_signal):
         with tempfile.TemporaryDirectory() as directory:
             way(Pruning(gatescope, directory))
     print("ok")

@@ -1,12 +1,12 @@
 #!/usr/bin/env python3
-"""Prunes beside writers at full speed, and kills every other prune at some moment.
+"""Prunes beside writers at full speed, and kills every other prune at a random moment.
 
     prune_beside_writer.py GATESCOPE [--prunes N] [--seed N] [--ordinary-user]
 
-The writers follow the token rule: while the token is there they write to the companion of the log,
-else to the log. With --ordinary-user, for which root is needed, the prunes are an ordinary user's,
-and the logs belong to the writers, who are somebody else each. In the end every record to be
-retained must be there once, and nothing else.
+The writers follow the token rule: while the token exists they write to the companion of the log,
+else to the log. With --ordinary-user, which needs root, an ordinary user prunes, and the logs belong
+to the writers, who are different users. In the end the logs must have every retained record once, and
+no other record.
 """
 
 import argparse
@@ -33,7 +33,7 @@ GATEBITS = ("#!gatescope_relocated_logging_dir_unix={stage}/logs\n"
 
 
 def write_records(stage, writer, stop, written, user):
-    """One record after the other, every fourth of them long out of date."""
+    """Writes records one by one; every fourth is older than the cut-off."""
     os.umask(0)
     if user:
         os.setuid(user + 1 + writer)
@@ -51,7 +51,7 @@ def write_records(stage, writer, stop, written, user):
         os.close(file)
         count += 1
         if user:
-            # Each of these prunes waits for seconds, and all that is written is counted in the end.
+            # Each of these prunes waits for seconds; fewer records keep the final count short.
             time.sleep(0.0005)
     written[writer] = count
 
@@ -66,7 +66,7 @@ def prune(gatescope, stage, kill_after, user):
         program.send_signal(signal.SIGKILL)
     said = program.communicate(timeout=120)[0].decode()
     if program.returncode not in (110, -signal.SIGKILL):
-        sys.exit("a prune ended with %d and said %r" % (program.returncode, said))
+        sys.exit("a prune ended with %d and printed %r" % (program.returncode, said))
     return program.returncode
 
 
@@ -93,7 +93,7 @@ def main():
     options = options.parse_args()
     user = ORDINARY_USER if options.ordinary_user else None
     if user and os.geteuid() != 0:
-        print("only root can run it as somebody else")
+        print("needs root, to prune as an ordinary user")
         return SKIPPED
     chance = random.Random(options.seed)
     gatescope = os.path.abspath(options.gatescope)
@@ -116,7 +116,7 @@ def main():
         try:
             typical = 0.05
             for turn in range(100 * options.prunes):
-                # On a busy machine each of them may have ended before it was killed.
+                # On a busy machine all of them may have ended before they were killed.
                 if turn >= options.prunes and ends[-signal.SIGKILL]:
                     break
                 begin = time.time()
@@ -128,18 +128,18 @@ def main():
             stop.set()
             for writer in writers:
                 writer.join()
-        # What came in between is old news now.
+        # Merges the companions that remain.
         prune(gatescope, stage, None, user)
         found, expected = records_in(stage), records_to_keep(written)
-        lost, doubled = expected - found, found - expected
-        print("seed %d: %d prunes, %d of them killed, beside %d records: %d lost, %d too many" %
+        lost, surplus = expected - found, found - expected
+        print("seed %d: %d prunes, %d of them killed, beside %d records: %d lost, %d surplus" %
               (options.seed, options.prunes, ends[-signal.SIGKILL], sum(written),
-               sum(lost.values()), sum(doubled.values())))
+               sum(lost.values()), sum(surplus.values())))
         left = [name for name in os.listdir(stage + "/logs")
                 if name not in ["logging_%d.txt" % number for number in LOGS]]
-        if lost or doubled or left:
-            sys.exit("lost %s\ntoo many %s\nleft behind %s" %
-                     (lost.most_common(5), doubled.most_common(5), left))
+        if lost or surplus or left:
+            sys.exit("lost %s\nsurplus %s\nleft behind %s" %
+                     (lost.most_common(5), surplus.most_common(5), left))
         if not all(written) or not ends[-signal.SIGKILL]:
             sys.exit("nothing was written, or no prune was killed")
 

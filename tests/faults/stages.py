@@ -1,5 +1,5 @@
-"""Shared by the scripts of this directory: a temporary directory, and a stand-in for clearprompt, the
-same as in the scenes."""
+"""Helpers of the scripts in this directory: a temporary directory, and the scenes' stand-in for
+clearprompt."""
 
 import collections
 import contextlib
@@ -39,8 +39,8 @@ def read(path):
 
 def install_stand_in(stage, stand_in, answers):
     """Creates the stage's directory "bin", with a clearprompt that gives these answers, one per
-    dialog; "{stage}" in them is the stage. Boxes with one button need no answer; without an answer
-    all other dialogs are aborted."""
+    dialog; "{stage}" in them is replaced by the stage's path. Boxes with one button need no answer;
+    all other dialogs without an answer are aborted."""
     os.makedirs(os.path.join(stage, "bin"))
     clearprompt = os.path.join(stage, "bin", "clearprompt")
     try:

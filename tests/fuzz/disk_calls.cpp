@@ -65,7 +65,7 @@ bool may_remove(int directory, const char* path) {
 }
 
 bool may_look() {
-    return !trouble.of_looks_too || may_change();
+    return !trouble.includes_lookups || may_change();
 }
 
 }  // namespace

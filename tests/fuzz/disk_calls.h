@@ -25,7 +25,7 @@ struct Trouble {
     /// Whether the first failing change, if it is a write, writes half of its bytes.
     bool tears = false;
     /// Whether opening a file and stat in an open directory count as changes, and fail too.
-    bool of_looks_too = false;
+    bool includes_lookups = false;
     /// The errno of failing changes.
     int error = 0;
 };

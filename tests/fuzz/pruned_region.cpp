@@ -23,7 +23,7 @@ const ScratchDirectory& scratch() {
     return directory;
 }
 
-std::string without(std::size_t bytes, const std::string& text) {
+std::string text_from(std::size_t bytes, const std::string& text) {
     return text.substr(std::min(bytes, text.size()));
 }
 
@@ -47,10 +47,10 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
     const std::string target = elsewhere_ + path.substr(path.rfind('/'));
     switch (kind) {
         case Kind::FILE:
-        case Kind::WITH_SECOND_NAME:
+        case Kind::WITH_HARD_LINK:
             write_file(path, text);
             fs::permissions(path, fs::perms(is_private ? 0600 : 0666));
-            if (kind == Kind::WITH_SECOND_NAME) fs::create_hard_link(path, target);
+            if (kind == Kind::WITH_HARD_LINK) fs::create_hard_link(path, target);
             break;
         case Kind::LINKED_FILE:
             write_file(target, text);
@@ -60,14 +60,14 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
             fs::create_directory(target);
             fs::create_symlink(target, path);
             break;
-        case Kind::LINK_TO_NOTHING:
+        case Kind::DANGLING_LINK:
             fs::create_symlink(target, path);
             break;
-        case Kind::RING:
+        case Kind::LINK_TO_ITSELF:
             fs::create_symlink(path, path);
             break;
         case Kind::PIPE:
-            must(mkfifo(path.c_str(), 0666) == 0, "a pipe can be made");
+            must(mkfifo(path.c_str(), 0666) == 0, "a pipe can be created");
             break;
         case Kind::DIRECTORY:
             fs::create_directory(path);
@@ -75,11 +75,11 @@ void PrunedRegion::plant(const std::string& path, Kind kind, const std::string& 
     }
 }
 
-void PrunedRegion::plant_ready_text(int number, std::size_t size, bool is_of_another, Kind kind,
+void PrunedRegion::plant_ready_file(int number, std::size_t size, bool is_of_another_log, Kind kind,
                                     const std::string& text, bool is_private) {
     const std::string log = log_file_path(logging_dir_, number);
     std::string beginning = place_at(log).text.value_or("").substr(0, size);
-    if (is_of_another && !beginning.empty()) beginning[0] ^= 1;
+    if (is_of_another_log && !beginning.empty()) beginning[0] ^= 1;
     const std::string other = scratch() / "beginning";
     write_file(other, beginning);
     std::uint64_t fingerprint = 0;
@@ -89,10 +89,10 @@ void PrunedRegion::plant_ready_text(int number, std::size_t size, bool is_of_ano
     const std::string path =
         log + ".ready_" + std::to_string(beginning.size()) + "_" + std::to_string(fingerprint);
     plant(path, kind, text, is_private);
-    beginnings_.emplace(path, beginning);
+    replaced_beginnings_.emplace(path, beginning);
 }
 
-void PrunedRegion::plant_name_of_log(int number, const std::string& path) {
+void PrunedRegion::plant_hard_link_of_log(int number, const std::string& path) {
     std::error_code ignored;
     const std::string log = log_file_path(logging_dir_, number);
     if (place_at(log).text) fs::create_hard_link(log, path, ignored);
@@ -116,11 +116,11 @@ void PrunedRegion::add_words(const std::string& text, Log* log) const {
 void PrunedRegion::begin() {
     for (const std::string& path :
          {pruning_token_path(logging_dir_), pruning_scratch_path(logging_dir_)}) {
-        if (place_at(path).is_usable) rewritten_.insert(path);
+        if (place_at(path).is_usable) may_change_.insert(path);
     }
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) begin(number);
-    at_the_beginning_ = everything();
-    untouched_ = untouched();
+    initial_ = snapshot();
+    untouched_ = snapshot_of_untouched();
 }
 
 void PrunedRegion::begin(int number) {
@@ -134,14 +134,14 @@ void PrunedRegion::begin(int number) {
         return fs::hard_link_count(one.path) > 1;
     };
     Log log;
-    const auto ready_texts = std::ranges::count_if(left_overs, is_ready);
-    const bool has_other_names = is_log(number, companion_path) ||
-                                 std::ranges::any_of(left_overs, [&](const FileBesideLog& one) {
-                                     return is_log(number, one.path);
-                                 });
-    log.is_certain = ready_texts == 0 || (ready_texts == 1 && !has_other_names);
-    // A ready text with a second name keeps its log as it is. Of several, another one might be put
-    // in the log's place before.
+    const auto ready_files = std::ranges::count_if(left_overs, is_ready);
+    const bool has_hard_links = is_hard_link_of_log(number, companion_path) ||
+                                std::ranges::any_of(left_overs, [&](const FileBesideLog& one) {
+                                    return is_hard_link_of_log(number, one.path);
+                                });
+    log.is_certain = ready_files == 0 || (ready_files == 1 && !has_hard_links);
+    // With a ready file that has another hard link, the log is skipped. Of several ready files
+    // another one may replace the log first, so the hard link is removed.
     log.is_usable =
         file.is_usable && std::ranges::none_of(left_overs, [&](const FileBesideLog& one) {
             if (!is_ready(one) || !is_shared(one)) return false;
@@ -150,19 +150,20 @@ void PrunedRegion::begin(int number) {
         });
     log.has_usable_companion = companion.is_usable;
     if (log.is_usable) {
-        rewritten_.insert(path);
-        if (companion.is_usable) rewritten_.insert(companion_path);
-        for (const FileBesideLog& one : left_overs) rewritten_.insert(one.path);
-        log.will_be_there = file.text || companion.text || !left_overs.empty();
-        if (!is_log(number, companion_path)) add_words(companion.text.value_or(""), &log);
+        may_change_.insert(path);
+        if (companion.is_usable) may_change_.insert(companion_path);
+        for (const FileBesideLog& one : left_overs) may_change_.insert(one.path);
+        log.will_exist = file.text || companion.text || !left_overs.empty();
+        if (!is_hard_link_of_log(number, companion_path))
+            add_words(companion.text.value_or(""), &log);
         add_left_overs(left_overs, file.text.value_or(""), &log);
         for (const std::string& word : words_of(companion.text.value_or("")))
-            log.known.insert(word);
+            log.possible.insert(word);
     }
     logs_[number] = log;
 }
 
-bool PrunedRegion::is_log(int number, const std::string& path) const {
+bool PrunedRegion::is_hard_link_of_log(int number, const std::string& path) const {
     std::error_code error;
     return fs::equivalent(log_file_path(logging_dir_, number), path, error) && !error;
 }
@@ -172,20 +173,20 @@ std::vector<FileBesideLog> PrunedRegion::left_overs_of(int number) const {
     for (const auto& entry : fs::directory_iterator(logging_dir_)) {
         auto one = beside_log(log_file_path(logging_dir_, number), entry.path());
         if (!one || entry.is_symlink() || !entry.is_regular_file()) continue;
-        // What is the log itself adds nothing to it.
-        if (!is_log(number, one->path)) one->text = file_text(one->path);
+        // A hard link of the log has no words to merge.
+        if (!is_hard_link_of_log(number, one->path)) one->text = file_text(one->path);
         found.push_back(*one);
     }
     return found;
 }
 
-bool PrunedRegion::takes_place_of(const FileBesideLog& ready, const std::string& log) const {
-    const auto beginning = beginnings_.find(ready.path);
-    return beginning != beginnings_.end() && log.starts_with(beginning->second);
+bool PrunedRegion::replaces(const FileBesideLog& ready, const std::string& log) const {
+    const auto beginning = replaced_beginnings_.find(ready.path);
+    return beginning != replaced_beginnings_.end() && log.starts_with(beginning->second);
 }
 
-/// Adds the words of the log itself and of its left-overs. All taken and old files stand in a ready
-/// text already.
+/// Adds the words of the log itself and of its left-overs. A ready file already includes the taken
+/// and old files.
 void PrunedRegion::add_left_overs(const std::vector<FileBesideLog>& left_overs,
                                   const std::string& text, Log* log) const {
     std::vector<std::string> texts = {text};
@@ -196,22 +197,25 @@ void PrunedRegion::add_left_overs(const std::vector<FileBesideLog>& left_overs,
         numbers.push_back(one.number);
         if (one.kind == FileBesideLog::READY) added.push_back(one);
     }
-    const bool is_replaced = !added.empty() && takes_place_of(added.front(), text);
-    add_words(without(is_replaced ? added.front().number : 0, text), log);
+    const bool is_replaced = !added.empty() && replaces(added.front(), text);
+    add_words(text_from(is_replaced ? added.front().number : 0, text), log);
     if (added.empty()) added = left_overs;
-    // What was appended to it since is not in the ready text, which takes its place first.
+    // Otherwise the words appended to the log since the commit are missing while the ready file
+    // replaces it.
     if (!is_replaced) {
         for (const std::string& word : words_of(text)) {
-            if (is_kept(word)) log->always_there.insert(word);
+            if (is_kept(word)) log->always_in_log.insert(word);
         }
     }
     for (const FileBesideLog& one : added) {
-        const std::string what = without(one.kind == FileBesideLog::OLD ? one.number : 0, one.text);
+        const std::string what =
+            text_from(one.kind == FileBesideLog::OLD ? one.number : 0, one.text);
         add_words(what, log);
     }
     for (const std::string& one : texts) {
         for (const std::size_t number : numbers) {
-            for (const std::string& word : words_of(without(number, one))) log->known.insert(word);
+            for (const std::string& word : words_of(text_from(number, one)))
+                log->possible.insert(word);
         }
     }
 }
@@ -225,18 +229,18 @@ void PrunedRegion::write_record(int number, bool is_kept) {
     const std::string word = std::to_string(is_kept ? cut_off_ : cut_off_ - 1) + ":S:writer" +
                              std::to_string(writers_++) + "[1]-<->";
     const std::string text = place_at(path).text.value_or("");
-    // What was planted there may end in the middle of a word.
+    // The planted text may end without a newline.
     const bool is_cut = !text.empty() && !text.ends_with("\n");
     std::ofstream(path, std::ios::app) << (is_cut ? "\n" : "") + word + "\n";
-    // It shows in other names of the file, too.
-    const Snapshot now = everything();
+    // Other hard links of the file change as well.
+    const Snapshot now = snapshot();
     std::error_code error;
     for (auto& [other, description] : untouched_) {
         if (fs::equivalent(path, other, error)) description = now.at(other);
     }
-    (is_kept ? log->second.kept : late_).insert(word);
-    log->second.known.insert(word);
-    log->second.will_be_there = true;
+    (is_kept ? log->second.kept : late_old_records_).insert(word);
+    log->second.possible.insert(word);
+    log->second.will_exist = true;
 }
 
 std::vector<PrunedRegion::Obstacle> PrunedRegion::obstacles() const {
@@ -271,12 +275,12 @@ void PrunedRegion::remove(const std::vector<Obstacle>& obstacles) {
     for (const Obstacle& obstacle : obstacles) {
         fs::remove_all(obstacle.path);
         untouched_.erase(obstacle.path);
-        at_the_beginning_.erase(obstacle.path);
+        initial_.erase(obstacle.path);
     }
     for (const auto& [number, log] : std::map(logs_)) {
         if (!log.is_usable) begin(number);
     }
-    std::erase_if(untouched_, [&](const auto& entry) { return is_rewritten(entry.first); });
+    std::erase_if(untouched_, [&](const auto& entry) { return may_change(entry.first); });
 }
 
 }  // namespace gatescope

@@ -13,17 +13,18 @@
 
 namespace gatescope {
 
-// A region's logs on the disk, and what is to become of them by the plain rule.
+// The files of a region's logs, and their expected content after a pruning, by a simple reference
+// implementation.
 
-/// What is planted under a name. Links lead to the directory beside the logs; second names of files
-/// are there too.
+/// The type of a planted file. Targets of symbolic links, and other hard links, are in a directory
+/// beside that of the logs.
 enum class Kind {
     FILE,
-    WITH_SECOND_NAME,
+    WITH_HARD_LINK,
     LINKED_FILE,
     LINKED_DIRECTORY,
-    LINK_TO_NOTHING,
-    RING,
+    DANGLING_LINK,
+    LINK_TO_ITSELF,
     PIPE,
     DIRECTORY
 };
@@ -33,98 +34,98 @@ class PrunedRegion {
     /// Records of `cut_off` (seconds since the epoch) and later are kept.
     explicit PrunedRegion(std::int64_t cut_off);
 
-    /// Where the logs are.
+    /// The directory of the logs.
     [[nodiscard]] const std::string& logging_dir() const { return logging_dir_; }
-    /// All that stands below this belongs to the region.
+    /// The directory that includes all files of the region.
     [[nodiscard]] std::string directory() const;
 
-    /// Puts something there, unless there is something already.
+    /// Creates a file at `path`, unless one exists.
     void plant(const std::string& path, Kind kind, const std::string& text, bool is_private);
-    /// plant, of a ready text in the place of the first `size` bytes of the log as it stands now
-    /// (all of them, when it has less), or of a log that differs from it in its first byte.
-    void plant_ready_text(int number, std::size_t size, bool is_of_another, Kind kind,
+    /// Plants a ready file that replaces the first `size` bytes of the present log (all, if it is
+    /// shorter), or of a log that differs from it in the first byte.
+    void plant_ready_file(int number, std::size_t size, bool is_of_another_log, Kind kind,
                           const std::string& text, bool is_private);
 
-    /// Makes `path` another name of the log, if there is one, and nothing there.
-    void plant_name_of_log(int number, const std::string& path);
+    /// Makes `path` a hard link of the log, if the log exists and `path` does not.
+    void plant_hard_link_of_log(int number, const std::string& path);
 
-    /// Takes everything as it is for what is to be pruned.
+    /// Computes the expected logs from the files planted so far.
     void begin();
-    /// A log writer who looks for the token first, and adds a kept record then, or an old one.
+    /// Appends a record, to be kept or old, as a log writer does: checks for the token first.
     void write_record(int number, bool is_kept);
 
-    /// Something that can be in the way of a pruning.
+    /// A file that can make a pruning fail.
     struct Obstacle {
         std::string path;
-        /// How the operator is told of it.
+        /// The message about it.
         std::string failure;
-        /// Whether no pruning gets past it, or else just those that need its name.
-        bool is_always_met;
+        /// Whether it makes every pruning fail; else only those that need its name.
+        bool blocks_every_prune;
     };
     [[nodiscard]] std::vector<Obstacle> obstacles() const;
     void remove(const std::vector<Obstacle>& obstacles);
 
-    /// "2 of 3 log entries were removed from": what the next pruning is to say; nothing where the
-    /// rule is not that plain.
+    /// The expected counts in the message of the next pruning, as in "2 of 3 log entries were
+    /// removed from"; nothing where a log is not certain.
     [[nodiscard]] std::optional<std::string> expected_counts() const;
     /// The logs, companions and left-overs that cannot be used.
     [[nodiscard]] std::vector<std::string> unusable() const;
 
-    /// All that is there, with bytes, modes and inodes.
+    /// All files by path, with bytes, modes and inodes.
     using Snapshot = std::map<std::string, std::string>;
-    [[nodiscard]] Snapshot everything() const;
+    [[nodiscard]] Snapshot snapshot() const;
 
-    /// Ends the fuzzing unless each log is a whole text, old or new, wherever a pruning has ended.
-    void check_in_between() const;
-    /// Ends the fuzzing unless a pruning has come out right; of what a writer added meanwhile, old
-    /// records may still be there.
+    /// Ends the fuzzing unless each log has its complete old or new text.
+    void check_after_interruption() const;
+    /// Ends the fuzzing unless the logs are as expected. Beside a writer, old records that it added
+    /// meanwhile are allowed.
     void check(bool beside_a_writer) const;
 
   private:
     using Words = std::multiset<std::string>;
-    /// What is to become of a log.
+    /// The expected result for a log.
     struct Log {
         bool is_usable = true;
         bool has_usable_companion = true;
-        /// Not when there are several ready texts, or other names of the log beside one: it makes
-        /// the log another file, and then the rest means something else.
+        /// False with several ready files, or with hard links of the log beside a ready file: it
+        /// replaces the log, which changes the meaning of the other left-overs.
         bool is_certain = true;
-        /// The log, or the file that becomes one.
-        bool will_be_there = false;
+        /// Whether the log exists after the pruning.
+        bool will_exist = false;
         Words kept;
-        /// Those of them that stand in the log at any moment.
-        Words always_there;
-        /// What may stand in the log at some moment.
-        std::set<std::string> known;
+        /// The words in `kept` that are in the log at any moment.
+        Words always_in_log;
+        /// All words that may be in the log at some moment.
+        std::set<std::string> possible;
         int total = 0;
         int removed = 0;
     };
 
     void begin(int number);
-    [[nodiscard]] bool is_log(int number, const std::string& path) const;
+    [[nodiscard]] bool is_hard_link_of_log(int number, const std::string& path) const;
     [[nodiscard]] std::vector<FileBesideLog> left_overs_of(int number) const;
-    /// Whether a ready text is of that log.
-    [[nodiscard]] bool takes_place_of(const FileBesideLog& ready, const std::string& log) const;
+    /// Whether the pruning renames the ready file over a log with this text.
+    [[nodiscard]] bool replaces(const FileBesideLog& ready, const std::string& log) const;
     void add_left_overs(const std::vector<FileBesideLog>& left_overs, const std::string& text,
                         Log* log) const;
     [[nodiscard]] bool is_kept(const std::string& word) const;
     void add_words(const std::string& text, Log* log) const;
-    [[nodiscard]] bool is_rewritten(const std::string& path) const;
-    [[nodiscard]] Snapshot untouched() const;
+    [[nodiscard]] bool may_change(const std::string& path) const;
+    [[nodiscard]] Snapshot snapshot_of_untouched() const;
     void check_log(int number, bool beside_a_writer) const;
 
     std::int64_t cut_off_;
     std::string logging_dir_;
     std::string elsewhere_;
     std::map<int, Log> logs_;
-    /// What pruning may change of what was there when it began.
-    std::set<std::string> rewritten_;
-    /// By the path of a ready text: what the log begins with that it is of.
-    std::map<std::string, std::string> beginnings_;
-    Snapshot at_the_beginning_;
+    /// The planted files that pruning may change.
+    std::set<std::string> may_change_;
+    /// By the path of a ready file: the beginning of the log that it replaces.
+    std::map<std::string, std::string> replaced_beginnings_;
+    Snapshot initial_;
     Snapshot untouched_;
-    /// Old records of writers.
-    Words late_;
+    /// Records of writers that are older than the cut-off.
+    Words late_old_records_;
     int writers_ = 0;
 };
 

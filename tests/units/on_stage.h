@@ -13,8 +13,8 @@
 
 namespace gatescope {
 
-/// A test whose functions run on a stage: dialogs and other programs are played by stand-ins, the
-/// gatebits file in use is the region's.
+/// A fixture with a temporary region: stand-ins replace the dialogs and other programs, and the
+/// region's gatebits file is in use.
 class OnStage : public testing::Test {
   protected:
     explicit OnStage(const RegionPlan& plan = a_region()) : region(plan) {
@@ -25,12 +25,12 @@ class OnStage : public testing::Test {
         ZUL_REMOTE_CLIENT_USER = 0;
     }
 
-    /// Puts another gatebits file in place of the region's.
+    /// Replaces the text of the region's gatebits file.
     void use_gatebits(const std::string& text) const { region.write_file("gatebits.txt", text); }
 
     std::string path(const std::string& name) const { return region.path(name); }
 
-    /// What `call` prints on standard output.
+    /// The standard output of `call`.
     template <typename Call>
     static std::string printed_by(Call call) {
         testing::internal::CaptureStdout();

@@ -23,13 +23,13 @@ class Directories : public testing::Test {
         ASSERT_EQ(chmod(scratch_.path().c_str(), 0777), 0);
         ASSERT_EQ(chmod((scratch_ / "file").c_str(), 0666), 0);
     }
-    [[nodiscard]] int may_replace(const std::string& name) const {
-        return Directory(scratch_.path()).may_replace(name, "trial");
+    [[nodiscard]] int check_replaceable(const std::string& name) const {
+        return Directory(scratch_.path()).check_replaceable(name, "trial");
     }
     /// The same for a user who owns nothing here.
     [[nodiscard]] int may_another_replace(const std::string& name) const {
         const pid_t child = fork();
-        if (child == 0) _exit(setuid(12345) == 0 ? may_replace(name) : 255);
+        if (child == 0) _exit(setuid(12345) == 0 ? check_replaceable(name) : 255);
         int status = 0;
         waitpid(child, &status, 0);
         return WEXITSTATUS(status);
@@ -39,19 +39,19 @@ class Directories : public testing::Test {
 };
 
 TEST_F(Directories, AllowsReplacementAndRemovesTheTrial) {
-    EXPECT_EQ(may_replace("file"), 0);
+    EXPECT_EQ(check_replaceable("file"), 0);
     EXPECT_FALSE(fs::exists(scratch_ / "trial"));
     EXPECT_EQ(fs::hard_link_count(scratch_ / "file"), 1u);
 }
 
 TEST_F(Directories, KeepsAnExistingTrial) {
     scratch_.write("trial", "mine");
-    EXPECT_EQ(may_replace("file"), 0);
+    EXPECT_EQ(check_replaceable("file"), 0);
     EXPECT_EQ(file_text(scratch_ / "trial"), "mine");
 }
 
 TEST_F(Directories, RefusesAMissingName) {
-    EXPECT_EQ(may_replace("none"), ENOENT);
+    EXPECT_EQ(check_replaceable("none"), ENOENT);
 }
 
 TEST_F(Directories, RefusesFilesOfOthersInAStickyDirectory) {
@@ -59,7 +59,7 @@ TEST_F(Directories, RefusesFilesOfOthersInAStickyDirectory) {
     EXPECT_EQ(may_another_replace("file"), 0);
     ASSERT_EQ(chmod(scratch_.path().c_str(), 01777), 0);
     EXPECT_EQ(may_another_replace("file"), EPERM);
-    EXPECT_EQ(may_replace("file"), 0);
+    EXPECT_EQ(check_replaceable("file"), 0);
     ASSERT_EQ(chown((scratch_ / "file").c_str(), 12345, 12345), 0);
     EXPECT_EQ(may_another_replace("file"), 0);
     EXPECT_FALSE(fs::exists(scratch_ / "trial"));

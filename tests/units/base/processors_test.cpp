@@ -54,7 +54,7 @@ TEST_F(ControlGroups, AreReadAtTheRootInAContainer) {
     EXPECT_EQ(granted(), 2);
 }
 
-TEST_F(ControlGroups, OfVersion1AreIgnored) {
+TEST_F(ControlGroups, IgnoreVersion1) {
     put("/membership", "3:cpu,cpuacct:/box\n0::/jobs\n");
     put("/box/cpu.max", "100000 100000\n");
     EXPECT_EQ(granted(), -1);

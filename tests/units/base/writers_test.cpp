@@ -8,7 +8,7 @@
 namespace gatescope {
 namespace {
 
-class Settling : public Pruning {
+class WaitForWriters : public Pruning {
   protected:
     void SetUp() override {
         Pruning::SetUp();
@@ -23,43 +23,43 @@ class Settling : public Pruning {
     Descriptor file_;
 };
 
-TEST_F(Settling, ReturnsAtOnceWithoutAWriter) {
-    const Settled settled = settle(file_, in(60'000));
-    EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.status.st_size, 4);
+TEST_F(WaitForWriters, ReturnsAtOnceWithoutAWriter) {
+    const WriterCheck check = wait_for_writers(file_, in(60'000));
+    EXPECT_EQ(check.writers, Writers::NONE);
+    EXPECT_EQ(check.status.st_size, 4);
 }
 
-TEST_F(Settling, WaitsForAWriterToClose) {
+TEST_F(WaitForWriters, WaitsForAWriterToClose) {
     const SlowWriter writer(log_file_path(0));
     const Later more([&] {
         writer.write("more");
         writer.end();
     });
-    const Settled settled = settle(file_, in(60'000));
-    EXPECT_EQ(settled.writers, Writers::NONE);
-    EXPECT_EQ(settled.status.st_size, 8);
+    const WriterCheck check = wait_for_writers(file_, in(60'000));
+    EXPECT_EQ(check.writers, Writers::NONE);
+    EXPECT_EQ(check.status.st_size, 8);
 }
 
-TEST_F(Settling, ReportsAWriterAtTheDeadline) {
+TEST_F(WaitForWriters, ReportsAWriterAtTheDeadline) {
     const SlowWriter writer(log_file_path(0));
-    const Settled settled = settle(file_, in(20));
-    EXPECT_EQ(settled.writers, Writers::SOME);
-    EXPECT_EQ(settled.status.st_size, 4);
+    const WriterCheck check = wait_for_writers(file_, in(20));
+    EXPECT_EQ(check.writers, Writers::PRESENT);
+    EXPECT_EQ(check.status.st_size, 4);
     writer.end();
 }
 
-TEST_F(Settling, LeavesNoLeaseBehind) {
-    settle(file_, in(20));
+TEST_F(WaitForWriters, LeavesNoLeaseBehind) {
+    wait_for_writers(file_, in(20));
     const int writer = open(log_file_path(0).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
     EXPECT_NE(writer, -1);
     close(writer);
 }
 
-TEST(SettlingWithoutLeases, WaitsUntilTheDeadline) {
+TEST(WaitForWritersWithoutLeases, WaitsUntilTheDeadline) {
     // Devices have no leases.
     const Descriptor file(open("/dev/null", O_RDONLY | O_CLOEXEC));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(50);
-    EXPECT_EQ(settle(file, deadline).writers, Writers::UNKNOWN);
+    EXPECT_EQ(wait_for_writers(file, deadline).writers, Writers::UNKNOWN);
     EXPECT_GE(std::chrono::steady_clock::now(), deadline);
 }
 

@@ -36,7 +36,7 @@ TEST_F(Confirmations, ReturnTheAnswerOrAborted) {
     }
 }
 
-TEST_F(Confirmations, OfAChangeShowOldAndNewValueAndThenTheWarnings) {
+TEST_F(Confirmations, ShowBothValuesOfAChangeBeforeTheWarnings) {
     EXPECT_EQ(asked_by([&] {
                   confirm_change({"Region MOTD String", "old", "new"}, "\n\nWarning: none");
               }),
@@ -44,7 +44,7 @@ TEST_F(Confirmations, OfAChangeShowOldAndNewValueAndThenTheWarnings) {
               "new\n\nWarning: none");
 }
 
-TEST_F(Confirmations, OfEqualValuesShowNoWarnings) {
+TEST_F(Confirmations, ShowNoWarningsForEqualValues) {
     for (const char* value : {"", "(*)"}) {
         EXPECT_EQ(
             asked_by([&] {
@@ -90,7 +90,7 @@ TEST_F(Confirmations, DoubleEveryAmpersand) {
 
 // Additions and deletions.
 
-TEST_F(Confirmations, OfAnAliasShowItUncut) {
+TEST_F(Confirmations, ShowAnAliasUncut) {
     const std::string line = "#!gatewarden_alias a " + std::string(200, 'v');
     EXPECT_EQ(asked_by([&] {
                   confirm_add({"Alias", line, std::string(200, 'v')}, Addition::ALIAS);
@@ -98,7 +98,7 @@ TEST_F(Confirmations, OfAnAliasShowItUncut) {
               "Confirm addition of: Alias\n\n    " + line);
 }
 
-TEST_F(Confirmations, OfAToolVariableSayAdditionOrChange) {
+TEST_F(Confirmations, SayWhetherAToolVariableIsAddedOrChanged) {
     EXPECT_EQ(asked_by([&] {
                   confirm_add({"Gatescope Variable", "#!gatescope_unix_browser=", "/b"},
                               Addition::SETTING);
@@ -106,7 +106,7 @@ TEST_F(Confirmations, OfAToolVariableSayAdditionOrChange) {
               "Confirm addition/change of: Gatescope Variable\n\n    #!gatescope_unix_browser=/b");
 }
 
-TEST_F(Confirmations, OfOtherAdditionsShowAnEqualsSignAndTheItemUncut) {
+TEST_F(Confirmations, ShowAnEqualsSignAndTheUncutItemOfAnAddition) {
     const std::string item(90, 'i');
     EXPECT_EQ(asked_by([&] {
                   confirm_add({item, "Key", std::string(80, 'v')});
@@ -114,7 +114,7 @@ TEST_F(Confirmations, OfOtherAdditionsShowAnEqualsSignAndTheItemUncut) {
               "Confirm addition of: " + item + "\n\n    Key=" + std::string(80, 'v') + "...");
 }
 
-TEST_F(Confirmations, OfADeletionShowTheItemUncut) {
+TEST_F(Confirmations, ShowTheUncutItemOfADeletion) {
     const std::string item(90, 'i');
     EXPECT_EQ(asked_by([&] {
                   confirm_delete({item, std::string(80, 'v'), ""});

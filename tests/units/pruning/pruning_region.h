@@ -25,14 +25,14 @@ class Pruning : public LogRegion {
     }
 
     static inline Patience patience;
-    /// Where somebody keeps a file open anyhow, or the system does not tell whether.
-    static constexpr Patience LITTLE_PATIENCE = {std::chrono::milliseconds(50)};
+    /// For tests in which the timeout always expires.
+    static constexpr Patience SHORT_PATIENCE = {std::chrono::milliseconds(50)};
 
     static void prune(int days = 120, bool display = false) {
         prune_logging_files({logging_dir, "east", display}, static_cast<std::uint8_t>(days),
                             patience);
     }
-    static std::string said_by_pruning(int days = 120, bool display = false) {
+    static std::string output_of_prune(int days = 120, bool display = false) {
         testing::internal::CaptureStdout();
         prune(days, display);
         return testing::internal::GetCapturedStdout();
@@ -58,17 +58,17 @@ class Pruning : public LogRegion {
         struct stat status;
         return stat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
     }
-    static void give(const std::string& path, uid_t user) {
+    static void set_owner(const std::string& path, uid_t user) {
         ASSERT_EQ(lchown(path.c_str(), user, user), 0);
     }
     static bool is_root() { return geteuid() == 0; }
-    /// Outside of the directory of the logs.
+    /// A path in another directory than that of the logs.
     static std::string elsewhere(const std::string& name) {
         fs::create_directory(logging_dir + "/elsewhere");
         return logging_dir + "/elsewhere/" + name;
     }
-    /// What is said of a file whose records are still to be added.
-    static std::string stays(const std::string& path, const std::string& reason) {
+    /// The line about a left-over that the next pruning merges.
+    static std::string not_merged(const std::string& path, const std::string& reason) {
         return "The next pruning adds to its log what is left in (" + path + "): " + reason + ".\n";
     }
     static std::string taken(int number, int k = 0) {
@@ -85,11 +85,11 @@ class Pruning : public LogRegion {
     static std::string fresh(int number) { return line(number, "S:ann[2]-<->"); }
     static std::string old(int number) { return line(200 + number, "S:ann[2]-<->"); }
     static constexpr uid_t OPERATOR = 12345;
-    static constexpr uid_t SOMEBODY_ELSE = 12346;
+    static constexpr uid_t OTHER_USER = 12346;
 
-    /// What a pruning says that somebody runs who is not root.
-    static std::string said_to(uid_t user) {
-        const std::string path = testing::TempDir() + "said_to_" + std::to_string(getpid());
+    /// The output of a pruning by an ordinary user.
+    static std::string output_of_prune_as(uid_t user) {
+        const std::string path = testing::TempDir() + "output_" + std::to_string(getpid());
         const pid_t child = fork();
         if (child == 0) {
             stdout = std::freopen(path.c_str(), "w", stdout);
@@ -105,13 +105,13 @@ class Pruning : public LogRegion {
         fs::remove(path);
         return said;
     }
-    /// What is said of a log that is left alone, before the result.
-    static std::string left_alone(const std::string& path, const std::string& reason) {
+    /// The line about a skipped log.
+    static std::string skipped(const std::string& path, const std::string& reason) {
         return "The log file (" + path + ") was left as it is: " + reason + ".\n";
     }
 };
 
-/// Does something a little later, while the test goes on.
+/// Calls `work` in a thread after 100 ms; the destructor waits for its end.
 class Later {
   public:
     template <typename Work>
@@ -128,7 +128,7 @@ class Later {
     std::thread thread_;
 };
 
-/// Somebody who has opened a file, and has still to write.
+/// A log writer that has opened its file and not closed it yet.
 class SlowWriter {
   public:
     explicit SlowWriter(const std::string& path)

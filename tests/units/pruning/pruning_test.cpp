@@ -7,111 +7,111 @@
 namespace gatescope {
 namespace {
 
-TEST_F(Pruning, OldRecordsGoAndTheOthersStay) {
+TEST_F(Pruning, RemovesOldRecordsAndKeepsTheOthers) {
     write_log(0, old(1) + fresh(1) + old(2) + fresh(2));
     write_log(20, old(3));
-    EXPECT_EQ(said_by_pruning(), result(3, 5));
+    EXPECT_EQ(output_of_prune(), result(3, 5));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}, {"logging_20.txt", ""}}));
 }
 
-TEST_F(Pruning, ARecordAtTheCutOffIsKept) {
+TEST_F(Pruning, KeepsARecordAtTheCutOff) {
     const std::int64_t cut_off = end_of_day_time - 120 * SECONDS_A_DAY;
     write_log(1, record_at(cut_off, "S:a[1]-<->\n") + record_at(cut_off - 1, "S:a[1]-<->\n"));
-    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(output_of_prune(), result(1, 2));
     EXPECT_EQ(file_text(log_file_path(1)), record_at(cut_off, "S:a[1]-<->\n"));
 }
 
-TEST_F(Pruning, AWordWithoutANumberIsCountedAndRemoved) {
+TEST_F(Pruning, CountsAndRemovesAWordWithoutANumber) {
     write_log(0, "rubbish here\n" + fresh(1));
-    EXPECT_EQ(said_by_pruning(), result(2, 3));
+    EXPECT_EQ(output_of_prune(), result(2, 3));
     EXPECT_EQ(file_text(log_file_path(0)), fresh(1));
 }
 
-TEST_F(Pruning, KeepingNoDaysRemovesAllUpToTheEndOfToday) {
+TEST_F(Pruning, RemovesAllUpToTheEndOfTodayWithZeroDays) {
     const std::string tomorrow = record_at(end_of_day_time + 1, "S:a[1]-<->\n");
     const std::string midnight = record_at(end_of_day_time, "S:a[1]-<->\n");
     write_log(0, fresh(0) + midnight + tomorrow);
-    EXPECT_EQ(said_by_pruning(0), result(1, 3, 0));
+    EXPECT_EQ(output_of_prune(0), result(1, 3, 0));
     EXPECT_EQ(file_text(log_file_path(0)), midnight + tomorrow);
 }
 
 TEST_F(Pruning, KeepsUpTo255Days) {
     write_log(0, line(254, "S:a[1]-<->") + line(256, "S:a[1]-<->"));
-    EXPECT_EQ(said_by_pruning(255), result(1, 2, 255));
+    EXPECT_EQ(output_of_prune(255), result(1, 2, 255));
 }
 
-TEST_F(Pruning, WithoutLogsNothingIsMade) {
-    EXPECT_EQ(said_by_pruning(), result(0, 0));
+TEST_F(Pruning, CreatesNothingWithoutLogs) {
+    EXPECT_EQ(output_of_prune(), result(0, 0));
     EXPECT_EQ(all_files(), Files{});
 }
 
-TEST_F(Pruning, EachRecordComesBackOnALineOfItsOwn) {
+TEST_F(Pruning, WritesEachRecordOnItsOwnLine) {
     const std::string one = record_at(noon(1), "S:a[1]-<->");
     const std::string two = record_at(noon(2), "S:b[1]-<->");
     write_log(0, "  " + one + " \t" + two + "\r\n\n" + one);
-    EXPECT_EQ(said_by_pruning(), result(0, 3));
+    EXPECT_EQ(output_of_prune(), result(0, 3));
     EXPECT_EQ(file_text(log_file_path(0)), one + "\n" + two + "\n" + one + "\n");
 }
 
-TEST_F(Pruning, ALogWithNothingToDropStaysTheFileThatItIs) {
+TEST_F(Pruning, KeepsTheInodeOfALogWithNothingToRemove) {
     write_log(0, fresh(1) + fresh(2));
     ASSERT_EQ(chmod(log_file_path(0).c_str(), 0666), 0);
     const ino_t before = inode_of(log_file_path(0));
-    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(output_of_prune(), result(0, 2));
     EXPECT_EQ(inode_of(log_file_path(0)), before);
     EXPECT_EQ(file_text(log_file_path(0)), fresh(1) + fresh(2));
 }
 
-TEST_F(Pruning, LogsBecomeWritableForAll) {
+TEST_F(Pruning, MakesLogsWritableForAll) {
     write_log(0, old(1) + fresh(1));
     write_log(1, fresh(1));
     ASSERT_EQ(chmod(log_file_path(0).c_str(), 0600), 0);
     ASSERT_EQ(chmod(log_file_path(1).c_str(), 0640), 0);
-    said_by_pruning();
+    output_of_prune();
     EXPECT_EQ(mode_of(log_file_path(0)), mode_t{0666});
     EXPECT_EQ(mode_of(log_file_path(1)), mode_t{0666});
 }
 
-TEST_F(Pruning, CompanionsAreMergedAfterTheirLogs) {
+TEST_F(Pruning, MergesCompanionsAfterTheirLogs) {
     write_log(0, fresh(1) + old(1));
     write_file(pruning_companion_path(0), old(2) + fresh(3) + " " + fresh(4));
     write_log(1, fresh(5));
     write_file(pruning_companion_path(1), fresh(6));
-    EXPECT_EQ(said_by_pruning(), result(2, 7));
+    EXPECT_EQ(output_of_prune(), result(2, 7));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(3) + fresh(4)},
                                   {"logging_1.txt", fresh(5) + fresh(6)}}));
 }
 
-TEST_F(Pruning, ACompanionMakesItsLog) {
+TEST_F(Pruning, CreatesAMissingLogFromItsCompanion) {
     write_file(pruning_companion_path(9), fresh(1) + old(1));
     const mode_t mask = umask(022);
-    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(output_of_prune(), result(1, 2));
     umask(mask);
     EXPECT_EQ(all_files(), (Files{{"logging_9.txt", fresh(1)}}));
     EXPECT_EQ(mode_of(log_file_path(9)), mode_t{0666});
 }
 
-TEST_F(Pruning, AnEmptyCompanionIsRemoved) {
+TEST_F(Pruning, RemovesAnEmptyCompanion) {
     write_log(0, fresh(1));
     write_file(pruning_companion_path(0), "");
-    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(output_of_prune(), result(0, 1));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
-TEST_F(Pruning, OnlyFiles0To20ArePruned) {
+TEST_F(Pruning, PrunesOnlyFiles0To20) {
     write_log(21, old(1));
     write_file(pruning_companion_path(21), old(1));
-    EXPECT_EQ(said_by_pruning(), result(0, 0));
+    EXPECT_EQ(output_of_prune(), result(0, 0));
     EXPECT_EQ(all_files(), (Files{{"logging_21.txt", old(1)}, {"logging__21.txt", old(1)}}));
 }
 
-TEST_F(Pruning, TheResultIsShownInADialogUnlessDisplayIsOff) {
-    EXPECT_EQ(said_by_pruning(120, true), result(0, 0) + "\n");
+TEST_F(Pruning, ShowsTheResultInADialog) {
+    EXPECT_EQ(output_of_prune(120, true), result(0, 0) + "\n");
     write_log(0, old(1));
-    EXPECT_EQ(said_by_pruning(120, true), result(1, 1) + "\n");
+    EXPECT_EQ(output_of_prune(120, true), result(1, 1) + "\n");
 }
 
-TEST_F(Pruning, ARecordThatIsHalfWrittenIsWaitedFor) {
+TEST_F(Pruning, WaitsForAHalfWrittenRecord) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(3, old(1));
     const SlowWriter writer(log_file_path(3));
@@ -121,12 +121,12 @@ TEST_F(Pruning, ARecordThatIsHalfWrittenIsWaitedFor) {
             writer.write(fresh(1).substr(15));
             writer.end();
         });
-        EXPECT_EQ(said_by_pruning(), result(1, 2));
+        EXPECT_EQ(output_of_prune(), result(1, 2));
     }
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
-TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
+TEST_F(Pruning, WaitsForAWriterOfTheCompanion) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     const SlowWriter writer(pruning_companion_path(3));
     {
@@ -135,14 +135,14 @@ TEST_F(Pruning, AWriterThatHasOpenedTheCompanionIsWaitedFor) {
             writer.write(fresh(1));
             writer.end();
         });
-        EXPECT_EQ(said_by_pruning(), result(0, 1));
+        EXPECT_EQ(output_of_prune(), result(0, 1));
     }
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
-TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
+TEST_F(Pruning, LosesNoRecordOfAWriterThatNeverPauses) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
-    patience = LITTLE_PATIENCE;
+    patience = SHORT_PATIENCE;
     write_log(3, old(1));
     write_file(pruning_companion_path(3), fresh(0));
     const SlowWriter writer(log_file_path(3));
@@ -154,11 +154,11 @@ TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
             usleep(5'000);
         }
     });
-    said_by_pruning();
+    output_of_prune();
     stop = true;
     writing.join();
     writer.end();
-    said_by_pruning();
+    output_of_prune();
     std::map<std::string, int> seen;
     std::istringstream stream(file_text(log_file_path(3)));
     for (std::string one; std::getline(stream, one);) ++seen[one];
@@ -167,20 +167,19 @@ TEST_F(Pruning, AWriterThatNeverPausesLosesNothing) {
     EXPECT_EQ(all_files().size(), 1u);
 }
 
-TEST_F(Pruning, ACompanionMakesTheLogHoweverItsDirectoryIsWritten) {
+TEST_F(Pruning, CreatesTheLogInADirectoryWithATrailingSlash) {
     const std::string directory = logging_dir;
     logging_dir += "/";
     write_file(pruning_companion_path(5), fresh(1));
-    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(output_of_prune(), result(0, 1));
     write_file(pruning_companion_path(5), fresh(2));
-    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(output_of_prune(), result(0, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_5.txt", fresh(1) + fresh(2)}}));
     logging_dir = directory;
 }
 
-TEST_F(Pruning, TheTokenStandsWhileItRunsAndNamesTheCutOff) {
-    // A pipe for a companion of a log that cannot be made holds nothing up, so the token is
-    // looked at through what a run that fails leaves behind.
+TEST_F(Pruning, CreatesATokenThatNamesTheCutOff) {
+    // A run that fails leaves the token.
     write_file(pruning_companion_path(0), fresh(1));
     fs::create_directory(log_file_path(0));
     EXPECT_GRIPE(prune(), "Could not create needed logging file");
@@ -190,15 +189,15 @@ TEST_F(Pruning, TheTokenStandsWhileItRunsAndNamesTheCutOff) {
     EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(1));
 }
 
-TEST_F(Pruning, AnOldTokenIsAppendedToAndRemovedInTheEnd) {
+TEST_F(Pruning, RemovesAnExistingToken) {
     write_file(pruning_token_path(), "pruning records before:\n   long ago\n");
     write_log(0, fresh(1));
-    EXPECT_EQ(said_by_pruning(), result(0, 1));
+    EXPECT_EQ(output_of_prune(), result(0, 1));
     EXPECT_FALSE(fs::exists(pruning_token_path()));
 }
 
-TEST_F(Pruning, WritersThatFollowTheTokenLoseNothing) {
-    // Every record is a different one, so that each can be looked for.
+TEST_F(Pruning, LosesNoRecordOfWritersThatFollowTheToken) {
+    // All records differ, so that each can be found.
     constexpr int PRUNES = 15;
     std::atomic<bool> stop = false;
     int written = 0;
@@ -218,16 +217,16 @@ TEST_F(Pruning, WritersThatFollowTheTokenLoseNothing) {
         }
     });
     for (int i = 0; i < PRUNES; ++i) {
-        // Something to drop each time, so that the log is rewritten.
+        // An old record each time, so that the log is rewritten.
         const int log = open(log_file_path(4).c_str(), O_WRONLY | O_CREAT | O_APPEND, 0666);
         const std::string record = old(1);
         EXPECT_GT(write(log, record.data(), record.size()), 0);
         close(log);
-        said_by_pruning();
+        output_of_prune();
     }
     stop = true;
     writer.join();
-    said_by_pruning();
+    output_of_prune();
     std::map<std::string, int> seen;
     std::istringstream stream(file_text(log_file_path(4)));
     for (std::string one; std::getline(stream, one);) ++seen[one.substr(10)];
@@ -236,12 +235,12 @@ TEST_F(Pruning, WritersThatFollowTheTokenLoseNothing) {
     EXPECT_EQ(all_files().size(), 1u);
 }
 
-TEST_F(Pruning, ACompanionFilledWhileTheTokenGoesIsMergedToo) {
+TEST_F(Pruning, MergesACompanionCreatedDuringTheTokensRemoval) {
     write_log(3, fresh(1));
     write_file(pruning_companion_path(3), fresh(2));
-    // Long enough for the writer to have its turn on a busy machine.
+    // Long enough for the writer to run on a busy machine.
     patience.pause = std::chrono::milliseconds(300);
-    // Once that companion has been added the pruning is about to take the token down.
+    // The writer creates the companion right after the removal of the token.
     const Later writer([] {
         while (!fs::exists(pruning_token_path())) usleep(100);
         while (fs::exists(pruning_token_path())) usleep(100);
@@ -252,26 +251,26 @@ TEST_F(Pruning, ACompanionFilledWhileTheTokenGoesIsMergedToo) {
         usleep(200'000);
         slow.end();
     });
-    EXPECT_EQ(said_by_pruning(), result(0, 3));
+    EXPECT_EQ(output_of_prune(), result(0, 3));
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(2) + fresh(3)}}));
 }
 
-TEST_F(Pruning, WhatChildrenDoOnASignalStaysAsItWas) {
+TEST_F(Pruning, KeepsTheDefaultActionOfSigio) {
     write_log(3, old(1) + fresh(1));
-    said_by_pruning();
+    output_of_prune();
     struct sigaction action = {};
     sigaction(SIGIO, nullptr, &action);
     EXPECT_EQ(action.sa_handler, SIG_DFL);
 }
 
-TEST_F(Pruning, AWriterThatOpensALogMeanwhileDoesNotEndIt) {
+TEST_F(Pruning, SurvivesWritersThatBreakItsLease) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     std::atomic<bool> stop = false;
     write_log(3, fresh(1));
     std::thread opening([&] {
         while (!stop) close(open(log_file_path(3).c_str(), O_WRONLY | O_APPEND));
     });
-    for (int i = 0; i < 20; ++i) EXPECT_EQ(said_by_pruning(), result(0, 1));
+    for (int i = 0; i < 20; ++i) EXPECT_EQ(output_of_prune(), result(0, 1));
     stop = true;
     opening.join();
 }

@@ -1,4 +1,4 @@
-#include "base/signals_held.h"
+#include "base/signals_blocked.h"
 
 #include <array>
 
@@ -19,13 +19,13 @@ sigset_t ending_signals() {
     return signals;
 }
 
-SignalsHeld::SignalsHeld() {
+SignalsBlocked::SignalsBlocked() {
     const sigset_t signals = ending_signals();
-    sigprocmask(SIG_BLOCK, &signals, &before_);
+    sigprocmask(SIG_BLOCK, &signals, &previous_mask_);
 }
 
-SignalsHeld::~SignalsHeld() {
-    sigprocmask(SIG_SETMASK, &before_, nullptr);
+SignalsBlocked::~SignalsBlocked() {
+    sigprocmask(SIG_SETMASK, &previous_mask_, nullptr);
 }
 
 }  // namespace gatescope

@@ -17,92 +17,93 @@
 
 namespace gatescope {
 
-// A system that refuses, or fails, in the middle of a pruning.
+// System calls that fail during a pruning, and changes by other processes between its calls.
 
 namespace {
 
-/// What happens before a call: 0, or the errno with which it fails instead. They are told the name;
-/// of two the second.
+/// Functions called before a system call with its file name (the second of two). They return 0, or
+/// the errno with which the call fails instead.
 struct Calls {
     std::function<int(const std::string& name)> link;
     std::function<int(const std::string& name)> unlink;
     std::function<int(const std::string& name)> rename;
-    std::function<int(const std::string& name)> look;
+    std::function<int(const std::string& name)> lstat;
 };
 Calls& before() {
     static Calls calls;
     return calls;
 }
 
-/// The result of a call that fails with `error`, or is made.
+/// Fails with `error` if it is not 0; else the result of `call`.
 template <typename Call>
-int unless(int error, const Call& call) {
+int fail_or_call(int error, const Call& call) {
     if (error == 0) return static_cast<int>(call());
     errno = error;
     return -1;
 }
 
-/// Nanoseconds that this process and its children have asked to sleep for.
-std::atomic<long long>& asked_to_sleep() {
+/// The sum of the nanosleep arguments of this process and its children, in nanoseconds.
+std::atomic<long long>& requested_sleep() {
     static void* const shared = mmap(nullptr, sizeof(std::atomic<long long>),
                                      PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     return *static_cast<std::atomic<long long>*>(shared);
 }
 
-int asked(const std::function<int(const std::string&)>& what, const char* name) {
+int error_before(const std::function<int(const std::string&)>& what, const char* name) {
     return what ? what(name) : 0;
 }
 
 }  // namespace
 }  // namespace gatescope
 
-using gatescope::asked;
-using gatescope::asked_to_sleep;
 using gatescope::before;
-using gatescope::unless;
+using gatescope::error_before;
+using gatescope::fail_or_call;
+using gatescope::requested_sleep;
 
-// These take the place of the C library's, which has other names for some on 32-bit machines: they
-// are known outside of the namespace alone.
+// These replace functions of the C library. They are defined outside the namespace, because on
+// 32-bit machines the headers give some of them other symbol names there.
 extern "C" {
 
 int linkat(int one, const char* from, int other, const char* to, int flags) noexcept {
-    return unless(asked(before().link, to),
-                  [&] { return syscall(SYS_linkat, one, from, other, to, flags); });
+    return fail_or_call(error_before(before().link, to),
+                        [&] { return syscall(SYS_linkat, one, from, other, to, flags); });
 }
 int unlinkat(int directory, const char* name, int flags) noexcept {
-    return unless(asked(before().unlink, name),
-                  [&] { return syscall(SYS_unlinkat, directory, name, flags); });
+    return fail_or_call(error_before(before().unlink, name),
+                        [&] { return syscall(SYS_unlinkat, directory, name, flags); });
 }
 int fstatat(int directory, const char* name, struct stat* status, int flags) noexcept {
-    // On machines of 32 bits the system call has another name and another struct.
+    // No direct system call: on 32-bit machines it has another name and another struct.
     const std::string place =
         directory == AT_FDCWD ? "" : "/proc/self/fd/" + std::to_string(directory) + "/";
     const auto look = (flags & AT_SYMLINK_NOFOLLOW) != 0 ? lstat : stat;
-    return unless(asked(before().look, name), [&] { return look((place + name).c_str(), status); });
+    return fail_or_call(error_before(before().lstat, name),
+                        [&] { return look((place + name).c_str(), status); });
 }
 int nanosleep(const timespec* wished, timespec* left) {
-    asked_to_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
+    requested_sleep() += wished->tv_sec * 1'000'000'000LL + wished->tv_nsec;
     errno = clock_nanosleep(CLOCK_MONOTONIC, 0, wished, left);
     return errno == 0 ? 0 : -1;
 }
 int renameat(int one, const char* from, int other, const char* to) noexcept {
-    return unless(asked(before().rename, to),
-                  [&] { return syscall(SYS_renameat2, one, from, other, to, 0); });
+    return fail_or_call(error_before(before().rename, to),
+                        [&] { return syscall(SYS_renameat2, one, from, other, to, 0); });
 }
 }
 
 namespace gatescope {
 namespace {
 
-class PruningInTrouble : public Pruning {
+class PruningFailures : public Pruning {
   protected:
     void TearDown() override {
         before() = {};
         good_syncs = -1;
         Pruning::TearDown();
     }
-    /// The only name in the directory that begins so.
-    static std::string the_one(const std::string& prefix) {
+    /// The path of the only file whose name begins with `prefix`.
+    static std::string only_file(const std::string& prefix) {
         std::string found;
         for (const auto& [name, text] : all_files()) {
             if (!name.starts_with(prefix)) continue;
@@ -114,14 +115,14 @@ class PruningInTrouble : public Pruning {
     static constexpr char NO_ROOM[] = "No space left on device";
 };
 
-TEST_F(PruningInTrouble, WithoutATokenNothingIsDone) {
+TEST_F(PruningFailures, AbortsWithoutATokenBeforeAnyChange) {
     write_log(0, old(1));
     fs::create_directory(pruning_token_path());
     EXPECT_GRIPE(prune(), "Could not create needed pruning token");
     EXPECT_EQ(file_text(log_file_path(0)), old(1));
 }
 
-TEST_F(PruningInTrouble, ATokenThatCannotBeWrittenIsTakenDownAgain) {
+TEST_F(PruningFailures, RemovesANewTokenThatCannotBeWritten) {
     write_log(0, old(1));
     const auto prune_without_room = [] {
         limit_file_size(45);
@@ -131,7 +132,7 @@ TEST_F(PruningInTrouble, ATokenThatCannotBeWrittenIsTakenDownAgain) {
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1)}}));
 }
 
-TEST_F(PruningInTrouble, OneThatStoodAlreadyStaysAndWhatItMeansIsSaid) {
+TEST_F(PruningFailures, KeepsAnExistingTokenAndReportsItsEffect) {
     const std::string earlier(4000, '\n');
     write_file(pruning_token_path(), earlier);
     EXPECT_EXIT(
@@ -146,7 +147,7 @@ TEST_F(PruningInTrouble, OneThatStoodAlreadyStaysAndWhatItMeansIsSaid) {
     EXPECT_EQ(file_text(pruning_token_path()), earlier);
 }
 
-TEST_F(PruningInTrouble, WithoutAScratchFileNothingIsDoneAndTheTokenThatStaysIsNamed) {
+TEST_F(PruningFailures, AbortsWithoutAScratchFileAndReportsTheToken) {
     write_log(0, old(1));
     write_file(pruning_scratch_path() + "/inside", "");
     EXPECT_GRIPE(prune(), "Could not create needed pruning file");
@@ -161,7 +162,7 @@ TEST_F(PruningInTrouble, WithoutAScratchFileNothingIsDoneAndTheTokenThatStaysIsN
     EXPECT_TRUE(fs::exists(pruning_scratch_path() + "/inside"));
 }
 
-TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
+TEST_F(PruningFailures, AbortsOnAScratchFileThatIsASymbolicLink) {
     write_log(0, old(1));
     write_file(elsewhere("secret"), "a text");
     fs::create_symlink("elsewhere/secret", pruning_scratch_path());
@@ -170,9 +171,8 @@ TEST_F(PruningInTrouble, AScratchFileThatIsALinkIsNotWrittenThrough) {
     EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
 }
 
-// The first look at it is over by then, and there is no token any more for which to end the
-// program.
-TEST_F(PruningInTrouble, AScratchFileThatBecomesALinkMeanwhileIsNamedAsOne) {
+// It happens after the first check, and after the removal of the token, so the log is skipped.
+TEST_F(PruningFailures, ReportsAScratchFileThatBecomesASymbolicLink) {
     write_log(0, fresh(1));
     before().unlink = [](const std::string& name) {
         if (name != "logging_pruning_token.txt") return 0;
@@ -181,12 +181,12 @@ TEST_F(PruningInTrouble, AScratchFileThatBecomesALinkMeanwhileIsNamedAsOne) {
         return 0;
     };
     const std::string reason = std::string("pruning_.txt: ") + IS_A_SYMBOLIC_LINK;
-    EXPECT_EQ(said_by_pruning(), stays(taken(0), reason) + result(0, 1));
+    EXPECT_EQ(output_of_prune(), not_merged(taken(0), reason) + result(0, 1));
     EXPECT_EQ(file_text(taken(0)), fresh(2));
     EXPECT_TRUE(fs::is_symlink(pruning_scratch_path()));
 }
 
-TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
+TEST_F(PruningFailures, AbortsBesideAnotherPruning) {
     NEEDS(GATESCOPE_HAS_FLOCK, "flock");
     write_log(0, old(1));
     const int other = open(logging_dir.c_str(), O_RDONLY | O_DIRECTORY);
@@ -196,10 +196,10 @@ TEST_F(PruningInTrouble, TwoDoNotPruneAtOnce) {
                  "process.  Nothing was changed.");
     close(other);
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1)}}));
-    EXPECT_EQ(said_by_pruning(), result(1, 1));
+    EXPECT_EQ(output_of_prune(), result(1, 1));
 }
 
-TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
+TEST_F(PruningFailures, SkipsALogWithoutRoomAndPrunesTheOthers) {
     std::string log = old(1);
     for (int i = 0; i < 400; ++i) log += fresh(i % 100);
     write_log(0, log);
@@ -216,13 +216,13 @@ TEST_F(PruningInTrouble, WithoutRoomALogIsLeftAloneAndTheOthersArePruned) {
             prune_without_room();
         },
         testing::ExitedWithCode(0),
-        testing::Eq(left_alone(log_file_path(0), "pruning_.txt: File too large") + result(1, 2)));
+        testing::Eq(skipped(log_file_path(0), "pruning_.txt: File too large") + result(1, 2)));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", log}, {"logging_1.txt", fresh(1)}}));
-    EXPECT_EQ(said_by_pruning(), result(1, 402));
+    EXPECT_EQ(output_of_prune(), result(1, 402));
 }
 
-// As where a network loses the answer, and the call is made once more.
-TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
+// As on a network file system that repeats the call.
+TEST_F(PruningFailures, ToleratesALinkWhoseReplyIsLost) {
     write_log(3, old(1) + fresh(1));
     before().link = [](const std::string& second) {
         EXPECT_EQ(syscall(SYS_linkat, AT_FDCWD, log_file_path(3).c_str(), AT_FDCWD,
@@ -230,48 +230,48 @@ TEST_F(PruningInTrouble, ASecondNameWhoseAnswerGetsLostGoesAllTheSame) {
                   0);
         return EEXIST;
     };
-    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(output_of_prune(), result(1, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1)}}));
 }
 
-TEST_F(PruningInTrouble, WithoutSecondNamesNothingIsBegun) {
+TEST_F(PruningFailures, SkipsALogThatCannotBeHardLinked) {
     write_log(3, old(1) + fresh(1));
     write_log(4, fresh(1));
     ASSERT_EQ(chmod(log_file_path(4).c_str(), 0666), 0);
     before().link = [](const std::string&) { return EPERM; };
-    EXPECT_EQ(said_by_pruning(),
-              left_alone(log_file_path(3), "Operation not permitted") + result(0, 1));
+    EXPECT_EQ(output_of_prune(),
+              skipped(log_file_path(3), "Operation not permitted") + result(0, 1));
     EXPECT_EQ(all_files(),
               (Files{{"logging_3.txt", old(1) + fresh(1)}, {"logging_4.txt", fresh(1)}}));
 }
 
-// What may not have reached the disk does not take the place of what has.
-TEST_F(PruningInTrouble, ANewTextThatTheDiskDoesNotKeepDoesNotBecomeTheLog) {
+// Otherwise a crash could leave neither the old text nor the new one on the disk.
+TEST_F(PruningFailures, KeepsTheLogWhenTheScratchFileCannotBeSynced) {
     write_log(0, old(1) + fresh(1));
     good_syncs = 0;
     before().unlink = [](const std::string& name) {
-        // After each try.
+        // After each attempt.
         if (name == "pruning_.txt") good_syncs = 0;
         return 0;
     };
-    EXPECT_EQ(said_by_pruning(),
-              left_alone(log_file_path(0), "pruning_.txt: Input/output error") + result(0, 0));
+    EXPECT_EQ(output_of_prune(),
+              skipped(log_file_path(0), "pruning_.txt: Input/output error") + result(0, 0));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", old(1) + fresh(1)}}));
 }
 
-TEST_F(PruningInTrouble, WhatFailsOnceIsDoneOnceTheTokenIsDown) {
+TEST_F(PruningFailures, RetriesASkippedLogWithoutTheToken) {
     write_log(0, old(1) + fresh(1));
     good_syncs = 0;
-    EXPECT_EQ(said_by_pruning(), result(1, 2));
+    EXPECT_EQ(output_of_prune(), result(1, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1)}}));
 }
 
-// Nothing that the ready text holds is removed before the disk keeps its name.
-TEST_F(PruningInTrouble, ACommitThatTheDiskDoesNotKeepRemovesNothing) {
+// The files that the ready file includes are needed until its name is on the disk.
+TEST_F(PruningFailures, RemovesNothingBeforeTheCommitIsSynced) {
     write_log(0, old(1) + fresh(1));
     write_file(pruning_companion_path(0), fresh(2));
     before().rename = [](const std::string& name) {
-        // The next one is that of the directory, which then has the ready text's name.
+        // The next sync is that of the directory, which includes the ready file's name.
         if (name.starts_with("logging_0.txt.ready_")) good_syncs = 0;
         return 0;
     };
@@ -280,44 +280,44 @@ TEST_F(PruningInTrouble, ACommitThatTheDiskDoesNotKeepRemovesNothing) {
         EXPECT_FALSE(fs::exists(pruning_token_path()));
         return 0;
     };
-    // The second try, after the token has gone, succeeds.
-    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    // The second attempt, after the removal of the token, succeeds.
+    EXPECT_EQ(output_of_prune(), result(1, 3));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
 }
 
-TEST_F(PruningInTrouble, AReadyTextThatCannotBePutInPlaceIsThereForTheNextRun) {
+TEST_F(PruningFailures, KeepsAReadyFileThatCannotBeRenamedForTheNextRun) {
     write_log(0, old(1) + fresh(1));
     write_file(pruning_companion_path(0), fresh(2));
     before().rename = [](const std::string& name) { return name == "logging_0.txt" ? EIO : 0; };
-    const std::string said = said_by_pruning();
-    const std::string ready = the_one("logging_0.txt.ready_");
+    const std::string said = output_of_prune();
+    const std::string ready = only_file("logging_0.txt.ready_");
     const std::string reason = ready.substr(ready.rfind('/') + 1) + ": Input/output error";
-    // It is committed, and counted; what the next run does is to put it in its place.
-    EXPECT_EQ(said, stays(old_file(0, (old(1) + fresh(1)).size()), reason) + stays(ready, reason) +
-                        result(1, 3));
+    // It is committed and counted; the next run only renames it.
+    EXPECT_EQ(said, not_merged(old_file(0, (old(1) + fresh(1)).size()), reason) +
+                        not_merged(ready, reason) + result(1, 3));
     EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
     EXPECT_EQ(file_text(ready), fresh(1) + fresh(2));
     before() = {};
-    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(output_of_prune(), result(0, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
 }
 
-TEST_F(PruningInTrouble, WhatCannotBeRemovedIsNotAddedTwice) {
+TEST_F(PruningFailures, MergesATakenFileThatCannotBeRemovedOnce) {
     write_log(0, old(1) + fresh(1));
     write_file(pruning_companion_path(0), old(2) + fresh(2));
     before().unlink = [](const std::string& name) {
         return name == "logging_0.txt.taken_0" ? EIO : 0;
     };
     write_log(1, old(1));
-    EXPECT_TRUE(said_by_pruning().ends_with(result(3, 5)));
+    EXPECT_TRUE(output_of_prune().ends_with(result(3, 5)));
     EXPECT_EQ(file_text(log_file_path(0)), old(1) + fresh(1));
     fs::remove(log_file_path(1));
     before() = {};
-    EXPECT_EQ(said_by_pruning(), result(0, 2));
+    EXPECT_EQ(output_of_prune(), result(0, 2));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
 }
 
-TEST_F(PruningInTrouble, WhatComesToTheOldFileWhileItIsReplacedIsAdded) {
+TEST_F(PruningFailures, MergesWhatIsAppendedDuringTheRename) {
     write_log(0, old(1) + fresh(1));
     before().rename = [](const std::string& name) {
         if (name != "logging_0.txt") return 0;
@@ -325,12 +325,12 @@ TEST_F(PruningInTrouble, WhatComesToTheOldFileWhileItIsReplacedIsAdded) {
         std::ofstream(log_file_path(0), std::ios::app) << old(2) + fresh(2);
         return 0;
     };
-    EXPECT_EQ(said_by_pruning(), result(2, 4));
+    EXPECT_EQ(output_of_prune(), result(2, 4));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2)}}));
 }
 
-// A process that appends in two pieces, beginning right before the new text takes the log's place.
-TEST_F(PruningInTrouble, ARecordInTwoPiecesAndItsNeighboursStayWhole) {
+// The process writes the first piece just before the new text is renamed over the log.
+TEST_F(PruningFailures, KeepsARecordInTwoPiecesWholeDuringTheRename) {
     if (!has_leases()) GTEST_SKIP() << "no leases here";
     write_log(0, old(1) + fresh(1));
     write_file(pruning_companion_path(0), fresh(2));
@@ -346,11 +346,11 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesAndItsNeighboursStayWhole) {
         });
         return 0;
     };
-    said_by_pruning();
+    output_of_prune();
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
 }
 
-TEST_F(PruningInTrouble, ALogThatIsReplacedMeanwhileKeepsItsTexts) {
+TEST_F(PruningFailures, LosesNoTextOfALogThatIsRotatedMeanwhile) {
     write_log(0, old(1) + fresh(1));
     before().link = [](const std::string& name) {
         if (!name.starts_with("logging_0.txt.old_")) return 0;
@@ -359,68 +359,78 @@ TEST_F(PruningInTrouble, ALogThatIsReplacedMeanwhileKeepsItsTexts) {
         write_log(0, fresh(5));
         return 0;
     };
-    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(output_of_prune(), result(1, 3));
     EXPECT_EQ(all_files(),
               (Files{{"logging_0.txt", fresh(5) + fresh(1)}, {"rotated", old(1) + fresh(1)}}));
 }
 
-TEST_F(PruningInTrouble, WhatIsNotDoneIsNotCounted) {
+TEST_F(PruningFailures, CountsNoNegativeTotalOfALogRotatedBetweenThePasses) {
+    write_log(0, fresh(1) + fresh(2) + fresh(3));
+    before().unlink = [](const std::string& name) {
+        if (name != "logging_pruning_token.txt") return 0;
+        fs::rename(log_file_path(0), logging_dir + "/rotated");
+        write_file(pruning_companion_path(0), fresh(5) + old(5));
+        return 0;
+    };
+    EXPECT_EQ(output_of_prune(), result(1, 3));
+    EXPECT_EQ(file_text(log_file_path(0)), fresh(5));
+}
+
+TEST_F(PruningFailures, LeavesSkippedLogsOutOfTheCounts) {
     write_log(0, old(1) + fresh(1));
     write_log(1, old(1) + fresh(1));
     before().rename = [](const std::string& name) {
         return name.starts_with("logging_0.txt.ready_") ? ENOSPC : 0;
     };
-    const std::string said = said_by_pruning();
+    const std::string said = output_of_prune();
     EXPECT_TRUE(said.ends_with(std::string(": ") + NO_ROOM + ".\n" + result(1, 2))) << said;
     before() = {};
-    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(output_of_prune(), result(1, 3));
 }
 
-TEST_F(PruningInTrouble, ATakenFileThatCannotBeExaminedIsNotReplaced) {
+TEST_F(PruningFailures, KeepsATakenFileThatCannotBeExamined) {
     write_log(0, fresh(1));
     write_file(taken(0), fresh(2));
     write_file(pruning_companion_path(0), fresh(3));
-    before().look = [](const std::string& name) {
+    before().lstat = [](const std::string& name) {
         return name == "logging_0.txt.taken_0" ? EIO : 0;
     };
-    const std::string said = said_by_pruning();
-    EXPECT_EQ(said.find(left_alone(log_file_path(0), "logging_0.txt.taken_0: Input/output error")),
-              0u)
+    const std::string said = output_of_prune();
+    EXPECT_EQ(said.find(skipped(log_file_path(0), "logging_0.txt.taken_0: Input/output error")), 0u)
         << said;
     before() = {};
-    EXPECT_EQ(said_by_pruning(), result(0, 3));
+    EXPECT_EQ(output_of_prune(), result(0, 3));
     EXPECT_EQ(all_files(), (Files{{"logging_0.txt", fresh(1) + fresh(2) + fresh(3)}}));
 }
 
-TEST_F(PruningInTrouble, ACompanionThatCannotBeTakenStaysOne) {
+TEST_F(PruningFailures, KeepsACompanionThatCannotBeRenamed) {
     write_log(0, old(1) + fresh(1));
     write_file(pruning_companion_path(0), fresh(2));
     before().rename = [](const std::string& name) {
         return name == "logging_0.txt.taken_0" ? EACCES : 0;
     };
-    EXPECT_EQ(said_by_pruning(),
-              left_alone(log_file_path(0), "logging__0.txt: Permission denied") + result(0, 0));
+    EXPECT_EQ(output_of_prune(),
+              skipped(log_file_path(0), "logging__0.txt: Permission denied") + result(0, 0));
     EXPECT_EQ(file_text(pruning_companion_path(0)), fresh(2));
     before() = {};
-    EXPECT_EQ(said_by_pruning(), result(1, 3));
+    EXPECT_EQ(output_of_prune(), result(1, 3));
 }
 
-// They are waited for together: the patience for the logs, and as long once more for companions and
-// replaced logs.
-TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
+// The timeout for all logs together, and as long again for companions and replaced logs.
+TEST_F(PruningFailures, WaitsOnceForAllLogsOfAnotherUser) {
     if (!is_root()) GTEST_SKIP() << "needs root";
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
-    patience.longest_write = std::chrono::milliseconds(400);
+    patience.writer_timeout = std::chrono::milliseconds(400);
     const auto plant = [](const std::string& path, const std::string& text) {
         write_file(path, text);
         EXPECT_EQ(chmod(path.c_str(), 0666), 0);
-        give(path, SOMEBODY_ELSE);
+        set_owner(path, OTHER_USER);
     };
     for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
         plant(log_file_path(number), old(1) + fresh(1));
         plant(pruning_companion_path(number), fresh(2));
     }
-    // Late ones, too.
+    // Companions created after the removal of the token.
     before().unlink = [&](const std::string& name) {
         if (name != "logging_pruning_token.txt") return 0;
         for (int number = 0; number < NUMBER_OF_LOG_FILES; ++number) {
@@ -428,18 +438,18 @@ TEST_F(PruningInTrouble, ManyLogsOfAnotherUserAreNotWaitedForOneByOne) {
         }
         return 0;
     };
-    asked_to_sleep() = 0;
-    EXPECT_EQ(said_to(OPERATOR), result(21, 84));
-    const std::chrono::nanoseconds slept(asked_to_sleep());
-    EXPECT_GE(slept, patience.longest_write);
-    EXPECT_LE(slept, 2 * patience.longest_write + 2 * patience.pause);
+    requested_sleep() = 0;
+    EXPECT_EQ(output_of_prune_as(OPERATOR), result(21, 84));
+    const std::chrono::nanoseconds slept(requested_sleep());
+    EXPECT_GE(slept, patience.writer_timeout);
+    EXPECT_LE(slept, 2 * patience.writer_timeout + 2 * patience.pause);
     EXPECT_EQ(all_files().size(), 21u);
 }
 
-// The writer's record stays whole where the system does not tell that it is being written.
-TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
+// Leases of another user's files are unavailable, so open writers are not detected.
+TEST_F(PruningFailures, KeepsARecordInTwoPiecesWholeInALogOfAnotherUser) {
     if (!is_root()) GTEST_SKIP() << "needs root";
-    patience.longest_write = std::chrono::milliseconds(400);
+    patience.writer_timeout = std::chrono::milliseconds(400);
     ASSERT_EQ(chmod(logging_dir.c_str(), 0777), 0);
     write_log(3, fresh(1));
     ASSERT_EQ(chmod(log_file_path(3).c_str(), 0666), 0);
@@ -447,7 +457,7 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
     {
         const Later writing([] {
             while (!fs::exists(pruning_token_path())) usleep(100);
-            // Companions have been taken for the first time by then.
+            // By then companions have been renamed for the first time.
             usleep(100'000);
             write_file(pruning_companion_path(3), fresh(2));
             EXPECT_EQ(chmod(pruning_companion_path(3).c_str(), 0666), 0);
@@ -459,10 +469,10 @@ TEST_F(PruningInTrouble, ARecordInTwoPiecesStaysWholeInALogOfAnotherUser) {
             writer.end();
         });
         usleep(200'000);
-        said = said_to(OPERATOR);
+        said = output_of_prune_as(OPERATOR);
     }
     EXPECT_NE(said.find("Somebody keeps it open for writing"), std::string::npos) << said;
-    said_by_pruning();
+    output_of_prune();
     EXPECT_EQ(all_files(), (Files{{"logging_3.txt", fresh(1) + fresh(4) + fresh(2)}}));
 }
 
