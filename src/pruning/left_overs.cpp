@@ -16,7 +16,7 @@ constexpr std::array<const char*, 3> MARKS = {".taken_", ".old_", ".ready_"};
 LeftOver left_over(LeftOver::Kind kind, const std::string& log, off_t number,
                    std::uint64_t fingerprint) {
     std::string name = log + MARKS.at(static_cast<std::size_t>(kind)) + std::to_string(number);
-    if (kind == LeftOver::READY) name.append("_").append(std::to_string(fingerprint));
+    if (kind == LeftOver::Kind::READY) name.append("_").append(std::to_string(fingerprint));
     return {kind, number, name};
 }
 
@@ -27,7 +27,7 @@ std::set<LeftOver> left_overs_of(const std::string& log, const std::vector<std::
         long long number = -1;
         std::uint64_t fingerprint = 0;
         std::sscanf(&name[log.size()], ".%*[a-z]_%lld_%" SCNu64, &number, &fingerprint);
-        for (const LeftOver::Kind kind : {LeftOver::TAKEN, LeftOver::OLD, LeftOver::READY}) {
+        for (auto kind : {LeftOver::Kind::TAKEN, LeftOver::Kind::OLD, LeftOver::Kind::READY}) {
             LeftOver one = left_over(kind, log, number, fingerprint);
             if (number >= 0 && one.name == name) found.insert(std::move(one));
         }

@@ -28,7 +28,7 @@ namespace gatescope {
 //                                                          the log, removes it
 
 struct LeftOver {
-    enum Kind { TAKEN, OLD, READY } kind;
+    enum class Kind { TAKEN, OLD, READY } kind;
     /// K or F in the table.
     off_t number;
     std::string name;
