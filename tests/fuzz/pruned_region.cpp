@@ -263,8 +263,11 @@ std::vector<PrunedRegion::Obstacle> PrunedRegion::obstacles() const {
         for (const auto& entry : fs::directory_iterator(logging_dir_)) {
             const auto one = beside_log(log, entry.path());
             if (one && one->kind == FileBesideLog::OLD && !place_at(one->path).is_usable) {
-                found.push_back(
-                    {one->path, "The log file (" + log + ") was left as it is: ", false});
+                for (const std::string& failure :
+                     {"The log file (" + log + ") was left as it is: ",
+                      "The next pruning adds to its log what is left in (" + log}) {
+                    found.push_back({one->path, failure, false});
+                }
             }
         }
     }
