@@ -20,6 +20,7 @@ class OnStage : public testing::Test {
     explicit OnStage(const RegionPlan& plan = a_region()) : region(plan) {
         region.enter();
         unsetenv("ZUL_GATESCOPE_VERBOSITY");
+        unsetenv("ZUL_GATESCOPE_CSV");
         verify_set_tempdir();
         ZUL_PREFER_GUI = 1;
         ZUL_REMOTE_CLIENT_USER = 0;
