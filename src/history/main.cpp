@@ -56,7 +56,15 @@ bool has_colours() {
            (no_color == nullptr || *no_color == '\0');
 }
 
-int list(const ChangeRecords& changes) {
+/// The change with that number; gripes if there is none.
+const ChangeRecord& change_numbered(const std::string& number, const ChangeRecords& changes) {
+    for (const ChangeRecord& change : changes) {
+        if (std::to_string(change.number) == number) return change;
+    }
+    gripe(filled(NO_SUCH_CHANGE, number.c_str(), std::getenv(ENV_HISTORY)));
+}
+
+int list(const ChangeRecords& changes, const std::string& /*number*/) {
     if (changes.empty()) return NO_CHANGES_OR_DIFFERENT;
     const std::string first = changes.front().text("file");
     for (const ChangeRecord& change : changes) {
@@ -67,7 +75,8 @@ int list(const ChangeRecords& changes) {
     return print(list_of(changes, output_width()), SUCCESS);
 }
 
-int show_diff(const ChangeRecord& change, const ChangeRecords& changes) {
+int show_diff(const ChangeRecords& changes, const std::string& number) {
+    const ChangeRecord& change = change_numbered(number, changes);
     const std::string file = printable(change.text("file"));
     const std::string diff =
         unified_diff(text_before(change), text_after(change, changes),
@@ -76,7 +85,8 @@ int show_diff(const ChangeRecord& change, const ChangeRecords& changes) {
                  diff.empty() ? SUCCESS : NO_CHANGES_OR_DIFFERENT);
 }
 
-int restore(const ChangeRecord& change) {
+int restore(const ChangeRecords& changes, const std::string& number) {
+    const ChangeRecord& change = change_numbered(number, changes);
     const std::string file = change.text("file");
     const auto saved = change.value("saved");
     if (!saved) gripe(filled(NO_TEXT_BEFORE, change.number, file.c_str()));
@@ -88,6 +98,14 @@ int restore(const ChangeRecord& change) {
     put_back(file, text, {RESTORE_ACTION, item, std::nullopt, saved});
     return SUCCESS;
 }
+
+struct Command {
+    const char* name;
+    std::size_t words;  ///< with its name
+    int (*run)(const ChangeRecords& changes, const std::string& number);
+};
+constexpr std::array<Command, 3> COMMANDS = {
+    {{"list", 1, list}, {"diff", 2, show_diff}, {"restore", 2, restore}}};
 
 constexpr std::array<option, 3> LONG_OPTIONS = {
     {{"help", no_argument, nullptr, 'h'}, {"version", no_argument, nullptr, 'v'}, {}}};
@@ -104,18 +122,13 @@ int run(int argument_count, char** arguments) {
         if (letter == '?') gripe(WRONG_WORDS);
     }
     const std::vector<std::string> words(arguments + optind, arguments + argument_count);
-    const std::string mode = words.empty() ? "" : words.front();
-    const bool has_mode = mode == "list" || mode == "diff" || mode == "restore";
-    if (!has_mode || words.size() != (mode == "list" ? 1U : 2U)) gripe(WRONG_WORDS);
-    const char* directory = std::getenv(ENV_HISTORY);
-    if (directory == nullptr) gripe(filled(NO_HISTORY_NAMED, ENV_HISTORY));
-    const ChangeRecords changes = read_history(directory, file);
-    if (mode == "list") return list(changes);
-    for (const ChangeRecord& change : changes) {
-        if (std::to_string(change.number) != words.back()) continue;
-        return mode == "diff" ? show_diff(change, changes) : restore(change);
+    for (const Command& command : COMMANDS) {
+        if (words.size() != command.words || words.front() != command.name) continue;
+        const char* directory = std::getenv(ENV_HISTORY);
+        if (directory == nullptr) gripe(filled(NO_HISTORY_NAMED, ENV_HISTORY));
+        return command.run(read_history(directory, file), words.back());
     }
-    gripe(filled(NO_SUCH_CHANGE, words.back().c_str(), directory));
+    gripe(WRONG_WORDS);
 }
 
 }  // namespace
